@@ -1,0 +1,20 @@
+# What every target is compiled and linked with. Targets take it by linking quorlin_flags.
+add_library(quorlin_flags INTERFACE)
+target_compile_options(quorlin_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Werror
+  -fstack-protector-strong
+  # The same bytes from every build folder.
+  "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(quorlin_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+endif()
+if(QUORLIN_SANITIZE)
+  target_compile_options(quorlin_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quorlin_flags INTERFACE -fsanitize=address,undefined)
+endif()
+if(WIN32)
+  # No MinGW library is needed beside ours.
+  target_link_options(quorlin_flags INTERFACE -static)
+else()
+  target_link_options(quorlin_flags INTERFACE -Wl,-z,relro,-z,now)
+endif()
