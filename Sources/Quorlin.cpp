@@ -24,7 +24,12 @@ constexpr uint32_t kBatch = 255;  // structures that one PrintStructure call tak
 struct TypeRange_t {
     uint8_t first, last;
 };
-constexpr TypeRange_t kSweptTypes[] = {{0, 42}, {126, 127}, {130, 131}, {221, 222}};
+constexpr TypeRange_t kSweptTypes[] = {
+    {0,   42 },
+    {126, 127},
+    {130, 131},
+    {221, 222}
+};
 
 }  // namespace
 
@@ -86,7 +91,8 @@ status_t Quorlin::GetNextItem(std::string& text) {
     if (item.value != " ") {
         const size_t begin = text.size();
         text += item.value;
-        if (item.value.find('"') != item.value.npos) text.erase(std::remove(text.begin() + static_cast<ptrdiff_t>(begin), text.end(), '"'), text.end());
+        if (item.value.find('"') != item.value.npos)
+            text.erase(std::remove(text.begin() + static_cast<ptrdiff_t>(begin), text.end(), '"'), text.end());
     }
     text += '"';
     m_cursor++;
@@ -103,7 +109,9 @@ status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
 
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }
 
-std::string Quorlin::GetItemValue(uint32_t index) { return index < m_items.size() ? m_items[index]->value : std::string(); }
+std::string Quorlin::GetItemValue(uint32_t index) {
+    return index < m_items.size() ? m_items[index]->value : std::string();
+}
 
 // One step: all structures of a type through one decoder, which lives for this step only.
 status_t Quorlin::DecodeType(uint8_t type) {

@@ -155,14 +155,23 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
               structure.Length());
         status_t status;
         switch (structure.Type()) {
-            case 0: status = ParseBIOSStruct(structure, tableEnd); break;
-            case 1: status = ParseSystemInfoStruct(structure, tableEnd); break;
-            case 2: status = ParseBaseBoardInfoStruct(structure, tableEnd); break;
-            default: status = ParseDefaultStruct(structure); break;
+            case 0:
+                status = ParseBIOSStruct(structure, tableEnd);
+                break;
+            case 1:
+                status = ParseSystemInfoStruct(structure, tableEnd);
+                break;
+            case 2:
+                status = ParseBaseBoardInfoStruct(structure, tableEnd);
+                break;
+            default:
+                status = ParseDefaultStruct(structure);
+                break;
         }
         if (status != kSuccess) {
             ReleaseRecords();
-            TRACE("ParseAllStructures", kErrorExit, "Error parsing the specific structure type = %u ret =%u  ... Returning",
+            TRACE("ParseAllStructures", kErrorExit,
+                  "Error parsing the specific structure type = %u ret =%u  ... Returning",
                   static_cast<unsigned>(structure.Type()), status);
             return status;
         }
