@@ -3,7 +3,8 @@
 
 namespace {
 
-constexpr uint8_t kLockPresent = 0x80;  // in the chassis type byte
+// The two parts of the chassis type byte.
+constexpr uint8_t kTypeMask = 0x7F, kLockPresent = 0x80;
 
 constexpr CodeText_t kChassisTypes[] = {
     {1,  "Other"                },
@@ -67,7 +68,7 @@ static_assert(IsRising(kSecurityStatuses));
 std::string ShowChassisType(const Field_t& field) {
     const uint8_t type = field.Byte();
     if (type == 0) return "None";
-    return std::string(TextOf(kChassisTypes, type & ~kLockPresent, "Error: Invalid Type"));
+    return std::string(TextOf(kChassisTypes, type & kTypeMask, "Error: Invalid Type"));
 }
 
 std::string ShowLock(const Field_t& field) {
