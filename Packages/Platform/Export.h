@@ -8,3 +8,11 @@
 #else
 #define QUORLIN_API __attribute__((visibility("default")))
 #endif
+
+// QUORLIN_PRINTF_LIKE has the compiler check the arguments that follow a format. On Windows the formats are the
+// standard's too, as MinGW's standard output functions are used and not the system's.
+#ifdef _WIN32
+#define QUORLIN_PRINTF_LIKE(formatAt, argumentsAt) __attribute__((format(gnu_printf, formatAt, argumentsAt)))
+#else
+#define QUORLIN_PRINTF_LIKE(formatAt, argumentsAt) __attribute__((format(printf, formatAt, argumentsAt)))
+#endif
