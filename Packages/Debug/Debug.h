@@ -26,8 +26,7 @@ QUORLIN_API status_t DebugTrace(DebugHandle_t handle, const char* sourceFile, co
 }
 
 // One trace line. `handle` is asked first, so that a call on a null handle costs one test and formats nothing.
-#define QUORLIN_TRACE(handle, sourceFile, function, level, ...)                                 \
-    do {                                                                                        \
-        if ((handle) != nullptr)                                                                \
-            DebugTrace((handle), (sourceFile), (function), __LINE__, (level), __VA_ARGS__);     \
+#define QUORLIN_TRACE(handle, sourceFile, function, level, ...)                                                  \
+    do {                                                                                                         \
+        if ((handle) != nullptr) DebugTrace((handle), (sourceFile), (function), __LINE__, (level), __VA_ARGS__); \
     } while (false)

@@ -1,0 +1,67 @@
+// The machines that package and store can work on.
+#include <cpuid.h>
+
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/OS.h"
+
+namespace {
+
+status_t NothingToDo() { return kSuccess; }
+
+status_t NoTable(uint8_t*, uint8_t*, SMBIOSTableImage_t**) { return kFailure; }
+
+status_t ReadCPUIDByInstruction(uint32_t, CPUIDRecord_t* record) {
+    if (record == nullptr) return kNullPointer;
+    __cpuid_count(record->Eax, record->Ecx, record->Eax, record->Ebx, record->Ecx, record->Edx);
+    return kSuccess;
+}
+
+ImageSource_t imageSource = {};
+
+status_t GetImage(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    auto* table = static_cast<SMBIOSTableImage_t*>(os_malloc(sizeof(SMBIOSTableImage_t) + imageSource.length));
+    if (table == nullptr) return kNoMemory;
+    table->Length = imageSource.length;
+    if (imageSource.length != 0) std::memcpy(table->Data(), imageSource.table, imageSource.length);
+    entry[6] = imageSource.major;
+    entry[7] = imageSource.minor;
+    dmiEntry[14] = 0;
+    *image = table;
+    return kSuccess;
+}
+
+status_t ReadImageCPUID(uint32_t, CPUIDRecord_t* record) {
+    if (record == nullptr) return kNullPointer;
+    *record = {record->Reserved, imageSource.signature, 0, 0, 0};
+    return kSuccess;
+}
+
+constexpr MachineServices_t kThisMachineWithoutDriver = {
+    NothingToDo, NothingToDo, osGetStructuresDataEFI, NoTable, ReadCPUIDByInstruction,
+};
+constexpr MachineServices_t kImageMachine = {NothingToDo, NothingToDo, GetImage, NoTable, ReadImageCPUID};
+
+MachineServices_t currentMachine = kThisMachineWithoutDriver;
+
+}  // namespace
+
+const MachineServices_t* CurrentMachine() { return &currentMachine; }
+
+const MachineServices_t* ThisMachine() { return &kThisMachineWithoutDriver; }
+
+const MachineServices_t* ThisMachineWithoutDriver() { return &kThisMachineWithoutDriver; }
+
+status_t SetMachine(const MachineServices_t* services) {
+    if (services == nullptr) return kNullPointer;
+    if (StoreIsUp()) return kFailure;
+    currentMachine = *services;
+    return kSuccess;
+}
+
+status_t SetImageMachine(const ImageSource_t* source) {
+    if (source == nullptr || (source->table == nullptr && source->length != 0)) return kNullPointer;
+    if (StoreIsUp()) return kFailure;
+    imageSource = *source;
+    return SetMachine(&kImageMachine);
+}

@@ -1,0 +1,374 @@
+// The store: set-up and tear-down, the walk from table to records, and lookups.
+#include <cstdio>
+
+#include "Packages/Container/Container.h"
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/OS.h"
+
+DebugHandle_t storeTraceHandle = nullptr;
+
+#define TRACE(function, level, ...) \
+    QUORLIN_TRACE(storeTraceHandle, "StructureStore\\SMBIOSMain", function, level, __VA_ARGS__)
+
+namespace {
+
+constexpr uint8_t kEndOfTable = 127;
+constexpr uint32_t kHeaderSize = 4;
+constexpr uint32_t kTypes = 256;
+constexpr uint32_t kMostRecords = 255;  // that a lookup with an 8-bit count hands out
+
+// Where the records of one type stand in the list, so that a lookup reads that stretch alone.
+struct TypePlaces_t {
+    uint32_t count;
+    int32_t first;
+    int32_t last;
+};
+
+uint32_t instanceCount = 0;
+ContainerHandle_t mySMBIOSLinkedListHdl = nullptr;
+LibVersion_t libraryVersion = {};
+uint8_t tableVersion[2] = {};  // SMBIOS major and minor, for later instances
+TypePlaces_t typePlaces[kTypes] = {};
+int32_t recordCount = 0;
+
+uint32_t RecordType(const void* record) {
+    uint32_t type;
+    std::memcpy(&type, record, sizeof type);
+    return type;
+}
+
+int32_t CompareRecords(const void* first, const void* second) {
+    return RecordType(first) == RecordType(second) ? 0 : -1;
+}
+
+// Empties the list, releases every record and forgets where the types stand.
+void ReleaseRecords() {
+    void* record;
+    while (Pop(mySMBIOSLinkedListHdl, &record) == kSuccess) os_free(record);
+    os_memset(typePlaces, sizeof typePlaces, 0, sizeof typePlaces);
+    recordCount = 0;
+}
+
+// Appends `record` to the list; what fails is the caller's to release.
+status_t StoreRecord(uint8_t* record) {
+    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) return kFailure;
+    TypePlaces_t& places = typePlaces[RecordType(record) & 0xFF];
+    if (places.count == 0) places.first = recordCount;
+    places.last = recordCount;
+    places.count++;
+    recordCount++;
+    return kSuccess;
+}
+
+// A new block for a record with a body of `bodySize` bytes, all of it 0 but the type word; null without memory.
+uint8_t* NewRecord(uint32_t type, size_t bodySize) {
+    const size_t size = sizeof type + bodySize;
+    auto* record = static_cast<uint8_t*>(os_malloc(size));
+    if (record == nullptr) return nullptr;
+    os_memset(record, size, 0, size);
+    std::memcpy(record, &type, sizeof type);
+    return record;
+}
+
+// The structure's string area, with the double NUL that closes it. A table that ends inside a structure may leave the
+// area, or its closing, out.
+struct StringArea_t {
+    const uint8_t* data;
+    uint32_t size;
+};
+
+StringArea_t StringAreaOf(const TableStructure_t& structure) {
+    if (structure.size <= structure.Length()) return {nullptr, 0};
+    return {structure.data + structure.Length(), structure.size - structure.Length()};
+}
+
+// A record of types 0 to 2. The fixed count of bytes is taken from the table, so that a short structure is filled up
+// from its string area, but never from behind the table's end.
+status_t ParseFixedStruct(const TableStructure_t& structure, const uint8_t* tableEnd, uint8_t bytes,
+                          std::span<const uint8_t> indexOffsets, const char* function, const char* insertTrace) {
+    const StringArea_t area = StringAreaOf(structure);
+    const size_t areaOffset = bytes + indexOffsets.size() * kPointerSize;
+    uint8_t* record = NewRecord(structure.Type(), areaOffset + area.size + 2);
+    if (record == nullptr) {
+        TRACE(function, kErrorExit, "Error allocating memory");
+        return kNoMemory;
+    }
+    uint8_t* body = record + sizeof(uint32_t);
+    const size_t atHand = static_cast<size_t>(tableEnd - structure.data);
+    std::memcpy(body, structure.data, atHand < bytes ? atHand : bytes);
+    if (area.size != 0) std::memcpy(body + areaOffset, area.data, area.size);
+    for (size_t place = 0; place < indexOffsets.size(); place++) {
+        const char* text =
+            FindStructString(reinterpret_cast<const char*>(body + areaOffset), body[indexOffsets[place]]);
+        std::memcpy(body + bytes + place * kPointerSize, &text, sizeof text);
+    }
+    if (StoreRecord(record) != kSuccess) {
+        TRACE(function, kErrorExit, "%s", insertTrace);
+        os_free(record);
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+status_t ParseBIOSStruct(const TableStructure_t& structure, const uint8_t* tableEnd) {
+    return ParseFixedStruct(structure, tableEnd, kBiosBytes, kBiosStrings, "ParseBIOSStruct",
+                            "Error Inserting mySMBIOSStructPtr ... Exiting");
+}
+
+status_t ParseSystemInfoStruct(const TableStructure_t& structure, const uint8_t* tableEnd) {
+    return ParseFixedStruct(structure, tableEnd, kSystemBytes, kSystemStrings, "ParseSystemInfoStruct",
+                            "Error Inserting mySMBIOSStructPtr");
+}
+
+status_t ParseBaseBoardInfoStruct(const TableStructure_t& structure, const uint8_t* tableEnd) {
+    return ParseFixedStruct(structure, tableEnd, kBaseboardBytes, kBaseboardStrings, "ParseBaseBoardInfoStruct",
+                            "Error Inserting mySMBIOSStructPtr");
+}
+
+// Any other record. Where the table ended early, the zeros of the block stand for the rest of the formatted area and
+// for the closing double NUL.
+status_t ParseDefaultStruct(const TableStructure_t& structure) {
+    const uint32_t size = structure.size > structure.Length() ? structure.size : structure.Length();
+    uint8_t* record = NewRecord(structure.Type(), size + 2 + kSpareBytes);
+    if (record == nullptr) {
+        TRACE("ParseDefaultStruct", kErrorExit, "Error allocating memory ... Exiting");
+        return kNoMemory;
+    }
+    std::memcpy(record + sizeof(uint32_t), structure.data, structure.size);
+    if (StoreRecord(record) != kSuccess) {
+        TRACE("ParseDefaultStruct", kErrorExit, "Error Inserting mySMBIOSStructPtr ... Exiting");
+        os_free(record);
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
+    const uint8_t* tableEnd = table + length;
+    for (uint32_t offset = 0; offset < length;) {
+        if (table[offset] == kEndOfTable) break;
+        const TableStructure_t structure = StructureAt(table, length, offset);
+        if (structure.size == 0) break;
+        TRACE("ParseAllStructures", kInfo, "The present type is 0x%x myHeaderPtr->Length = 0x%x", structure.Type(),
+              structure.Length());
+        status_t status;
+        switch (structure.Type()) {
+            case 0:
+                status = ParseBIOSStruct(structure, tableEnd);
+                break;
+            case 1:
+                status = ParseSystemInfoStruct(structure, tableEnd);
+                break;
+            case 2:
+                status = ParseBaseBoardInfoStruct(structure, tableEnd);
+                break;
+            default:
+                status = ParseDefaultStruct(structure);
+                break;
+        }
+        if (status != kSuccess) {
+            ReleaseRecords();
+            TRACE("ParseAllStructures", kErrorExit,
+                  "Error parsing the specific structure type = %u ret =%u  ... Returning",
+                  static_cast<unsigned>(structure.Type()), status);
+            return status;
+        }
+        offset += structure.size;
+    }
+    return kSuccess;
+}
+
+// The table by the first road that has it.
+status_t GetTable(const char* function, uint8_t* entry, SMBIOSTableImage_t** image) {
+    uint8_t dmiEntry[kDMIEntryBufferSize] = {};
+    TRACE(function, kInfo, "Trying to Read SMBIOS OS Specific Way ");
+    if (CurrentMachine()->osGetStructuresDataEFI(entry, dmiEntry, image) == kSuccess) return kSuccess;
+    TRACE(function, kError, "Error reading the SMBIOS with OS-specific way");
+    if (CurrentMachine()->osGetStructuresDataNonEFI(entry, dmiEntry, image) == kSuccess) return kSuccess;
+    TRACE(function, kError, "Error reading the Table with Generic way as well");
+    TRACE(function, kErrorExit, "Error getting SMBIOS Table ... Exiting ");
+    return kFailure;
+}
+
+status_t InitRecordList() {
+    ContainerParams_t params = {};
+    os_strncpy(params.ListName, "SMBIOSStructList", sizeof params.ListName - 1);
+    params.ContainerType = kPlainList;
+    params.DataType = kOwnData;
+    params.CompareFunction = CompareRecords;
+    return InitContainer(&params, &mySMBIOSLinkedListHdl, 0);
+}
+
+void CloseMachineAndTrace() {
+    CurrentMachine()->FERROXTerminate();
+    DebugLibExit(storeTraceHandle);
+    storeTraceHandle = nullptr;
+}
+
+}  // namespace
+
+bool StoreIsUp() { return instanceCount != 0; }
+
+TableStructure_t StructureAt(const uint8_t* table, uint32_t length, uint32_t offset) {
+    const uint8_t* start = table + offset;
+    const uint32_t atHand = length - offset;
+    if (atHand < kHeaderSize) return {start, 0};
+    // Two NULs side by side end a structure, wherever Length puts the begin of the search.
+    uint32_t end = start[1];
+    while (end + 1 < atHand) {
+        const auto* nul = static_cast<const uint8_t*>(std::memchr(start + end, 0, atHand - 1 - end));
+        if (nul == nullptr) break;
+        end = static_cast<uint32_t>(nul - start);
+        if (nul[1] == 0) return {start, end + 2};
+        end++;
+    }
+    return {start, atHand};
+}
+
+const char* FindStructString(const char* area, uint8_t number) {
+    const char* start = area;
+    uint8_t current = 1;
+    for (const char* byte = area;; byte++) {
+        if (byte[0] == '\0' && byte[1] == '\0') return current == number ? start : nullptr;
+        if (byte[0] != '\0') continue;
+        if (current == number) return byte == start ? nullptr : start;
+        current++;
+        start = byte + 1;
+    }
+}
+
+status_t LibSMBIOSInit(uint8_t* entry) {
+    if (instanceCount != 0) {
+        instanceCount++;
+        entry[6] = tableVersion[0];
+        entry[7] = tableVersion[1];
+        return kSuccess;
+    }
+    if (DebugLibInit("SMBIOSDbgHdl", &storeTraceHandle) != kSuccess) {
+        std::fputs("\nError in Debug Library Intialization \n", stdout);
+        storeTraceHandle = nullptr;
+    }
+    if (CurrentMachine()->FERROXInitialize() != kSuccess) {
+        TRACE("LibSMBIOSInit", kErrorExit, "Error in FERROXIntialize");
+        DebugLibExit(storeTraceHandle);
+        storeTraceHandle = nullptr;
+        return kFailure;
+    }
+    libraryVersion = {"02", "00", "0", "1001"};
+    SMBIOSTableImage_t* image = nullptr;
+    if (GetTable("LibSMBIOSInit", entry, &image) != kSuccess) {
+        CloseMachineAndTrace();
+        return kFailure;
+    }
+    if (InitRecordList() != kSuccess) {
+        TRACE("LibSMBIOSInit", kErrorExit, "Error in InitContainer ... Exiting ");
+        CloseMachineAndTrace();
+        os_free(image);
+        return kFailure;
+    }
+    if (ParseAllStructures(image->Length, image->Data()) != kSuccess) {
+        TRACE("LibSMBIOSInit", kErrorExit, "Error in Parsing all structures  ... Exiting ");
+        UnInitContainer(mySMBIOSLinkedListHdl);
+        mySMBIOSLinkedListHdl = nullptr;
+        os_free(image);
+        CloseMachineAndTrace();
+        return kFailure;
+    }
+    instanceCount = 1;
+    tableVersion[0] = entry[6];
+    tableVersion[1] = entry[7];
+    os_free(image);
+    return kSuccess;
+}
+
+status_t LibSMBIOSExit() {
+    if (instanceCount == 0) {
+        TRACE("LibSMBIOSExit", kErrorExit, "LibSMBIOSExit:No SMBIOS Instance present");
+        return kFailure;
+    }
+    if (instanceCount > 1) {
+        instanceCount--;
+        TRACE("LibSMBIOSExit", kInfo, "LibSMBIOSExit: Multiple instances of SMBIOS present .. Not cleaning it");
+        return kSuccess;
+    }
+    instanceCount = 0;
+    ReleaseRecords();
+    const status_t status = UnInitContainer(mySMBIOSLinkedListHdl);
+    mySMBIOSLinkedListHdl = nullptr;
+    if (status != kSuccess) {
+        TRACE("LibSMBIOSExit", kErrorExit, "Error in UNInit mySMBIOSLinkedListHdl");
+        return kFailure;
+    }
+    if (CurrentMachine()->FERROXTerminate() != kSuccess) {
+        TRACE("LibSMBIOSExit", kErrorExit, "Error in FERROXTerminate");
+        return kFailure;
+    }
+    DebugLibExit(storeTraceHandle);
+    storeTraceHandle = nullptr;
+    return kSuccess;
+}
+
+status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records, uint32_t* count) {
+    *count = 0;
+    const TypePlaces_t places = type < kTypes ? typePlaces[type] : TypePlaces_t{};
+    if (places.count <= first) {
+        TRACE("GetSMBIOSStruture", kInfo, "No Structures found ");
+        *records = nullptr;
+        return kSuccess;
+    }
+    const uint32_t wanted = places.count - first;
+    auto** array = static_cast<uint8_t**>(os_malloc(wanted * sizeof(uint8_t*)));
+    if (array == nullptr) {
+        TRACE("GetSMBIOSStruture", kErrorExit, "Error allocating memory  .. Exiting ");
+        return kFailure;
+    }
+    uint32_t found = 0;
+    void* record;
+    for (int32_t index = places.first;
+         index <= places.last && RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, index) == kSuccess; index++) {
+        if (RecordType(record) != type) continue;
+        if (found >= first && found - first < wanted) array[found - first] = static_cast<uint8_t*>(record);
+        found++;
+    }
+    if (found != places.count) {
+        TRACE("GetSMBIOSStruture", kErrorExit, "Number of Structures should be same in both parse ..");
+        os_free(array);
+        return kFailure;
+    }
+    *records = array;
+    *count = wanted;
+    return kSuccess;
+}
+
+status_t GetSMBIOSStruture(uint32_t type, uint8_t*** records, uint8_t* count) {
+    *count = 0;
+    uint32_t all = 0;
+    const status_t status = GetSMBIOSStrutureFrom(type, 0, records, &all);
+    if (status != kSuccess) return status;
+    if (all > kMostRecords) {
+        TRACE("GetSMBIOSStruture", kWarning, "%u structures of type %u, of which the first %u are given", all, type,
+              kMostRecords);
+        all = kMostRecords;
+    }
+    *count = static_cast<uint8_t>(all);
+    return kSuccess;
+}
+
+status_t GetSMBIOSDump(uint8_t* entry, SMBIOSTableImage_t** image) {
+    SMBIOSTableImage_t* table = nullptr;
+    if (GetTable("GetSMBIOSDump", entry, &table) != kSuccess) {
+        CloseMachineAndTrace();
+        return kFailure;
+    }
+    *image = table;
+    TRACE("GetSMBIOSDump", kExit, "SMBIOS Table populated correctly");
+    return kSuccess;
+}
+
+status_t GetSMBIOSLibVersion(LibVersion_t* version) {
+    if (version == nullptr) return kNullPointer;
+    *version = libraryVersion;
+    return kSuccess;
+}

@@ -1,0 +1,72 @@
+// The operating system's firmware tables, in the form in which the Windows call answers.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+#include "Packages/Format/EntryPoint.h"
+#include "Packages/Platform/Linux/Handles.h"
+
+namespace {
+
+constexpr DWORD kRawSMBIOSProvider = 0x52534D42;  // "RSMB"
+constexpr size_t kMostBytes = 64u << 20;          // far above any table
+
+#define TABLES_FOLDER "/sys/firmware/dmi/tables/"
+
+// The whole file, or FALSE with the last error set.
+BOOL ReadWhole(const char* path, std::vector<uint8_t>* bytes) {
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0) return FailWithErrno();
+    bytes->clear();
+    for (;;) {
+        const size_t size = bytes->size();
+        bytes->resize(size + 16384);
+        const ssize_t got = read(file, bytes->data() + size, 16384);
+        if (got < 0 && errno == EINTR) {
+            bytes->resize(size);
+            continue;
+        }
+        bytes->resize(size + static_cast<size_t>(got < 0 ? 0 : got));
+        if (got > 0 && bytes->size() <= kMostBytes) continue;
+        const BOOL done = got == 0 ? TRUE : got < 0 ? FailWithErrno() : Fail(ERROR_INSUFFICIENT_BUFFER);
+        close(file);
+        return done;
+    }
+}
+
+// Calling method, major, minor, revision, length, and the table.
+BOOL RawSMBIOSAnswer(std::vector<uint8_t>* answer) {
+    std::vector<uint8_t> entry, table;
+    if (!ReadWhole(TABLES_FOLDER "smbios_entry_point", &entry) || !ReadWhole(TABLES_FOLDER "DMI", &table)) return FALSE;
+    EntryPoint_t point;
+    if (!ParseEntryPoint(entry.data(), entry.size(), &point)) return Fail(ERROR_INVALID_FUNCTION);
+    const auto length = static_cast<uint32_t>(table.size());
+    *answer = {0, point.major, point.minor, point.revision};
+    answer->resize(8);
+    std::memcpy(answer->data() + 4, &length, sizeof length);
+    answer->insert(answer->end(), table.begin(), table.end());
+    return TRUE;
+}
+
+}  // namespace
+
+UINT GetSystemFirmwareTable(DWORD provider, DWORD table, PVOID buffer, DWORD size) try {
+    std::vector<uint8_t> answer;
+    if (provider != kRawSMBIOSProvider || table != 0) {
+        SetLastError(ERROR_INVALID_FUNCTION);
+        return 0;
+    }
+    if (!RawSMBIOSAnswer(&answer)) return 0;
+    if (buffer == nullptr || size < answer.size())
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    else
+        std::memcpy(buffer, answer.data(), answer.size());
+    return static_cast<UINT>(answer.size());
+} catch (const std::bad_alloc&) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return 0;
+}

@@ -1,0 +1,3 @@
+#include "Sources/CrashReport.h"
+
+void InstallCrashReport() {}

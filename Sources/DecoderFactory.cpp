@@ -1,0 +1,39 @@
+// The decoder of each type.
+#include <new>
+
+#include "Sources/Decoders.h"
+#include "Sources/Quorlin.h"
+
+template <class Decoder>
+static ClSMBIOSType* New() {
+    return new (std::nothrow) Decoder;
+}
+
+ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
+    switch (type) {
+        case 0:
+            return New<ClSMBIOSType0>();
+        case 1:
+            return New<ClSMBIOSType1>();
+        case 2:
+            return New<ClSMBIOSType2>();
+        case 3:
+            return New<ClSMBIOSType3>();
+        case 5:
+            return New<ClSMBIOSType5>();
+        case 6:
+            return New<ClSMBIOSType6>();
+        case 31:
+            return New<ClSMBIOSType31>();
+        case 40:
+            return New<ClSMBIOSType40>();
+        case 42:
+            return New<ClSMBIOSType42>();
+        case 126:
+            return New<ClSMBIOSType126>();
+        case 127:
+            return New<ClSMBIOSType127>();
+        default:
+            return nullptr;
+    }
+}

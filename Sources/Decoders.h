@@ -1,0 +1,38 @@
+// The decoder classes: one for each structure type, each implemented in the file of its type's number. A member
+// beside PrintStructure gives the text of one field.
+#pragma once
+
+#include "Sources/SMBIOSType.h"
+
+class ClSMBIOSType0 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType1 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType2 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType3 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+// Types whose structures give no items, not even a title.
+class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t*) final {}
+};
+class ClSMBIOSType5 final : public ClSMBIOSTypeWithoutItems {};
+class ClSMBIOSType6 final : public ClSMBIOSTypeWithoutItems {};
+class ClSMBIOSType31 final : public ClSMBIOSTypeWithoutItems {};
+class ClSMBIOSType40 final : public ClSMBIOSTypeWithoutItems {};
+class ClSMBIOSType42 final : public ClSMBIOSTypeWithoutItems {};
+class ClSMBIOSType126 final : public ClSMBIOSTypeWithoutItems {};
+class ClSMBIOSType127 final : public ClSMBIOSTypeWithoutItems {};

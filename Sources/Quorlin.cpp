@@ -1,0 +1,164 @@
+// The package: set-up and tear-down, the sweep, and the items that a host reads.
+#include "Sources/Quorlin.h"
+
+#include <memory>
+#include <new>
+
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/OS/OS.h"
+#include "Sources/CrashReport.h"
+#include "Sources/Decoders.h"
+#include "Sources/PackageTrace.h"
+
+#define TRACE(function, level, ...) PACKAGE_TRACE("Sources\\Quorlin", "Quorlin::" function, level, __VA_ARGS__)
+
+DebugHandle_t packageTraceHandle = nullptr;
+
+namespace {
+
+constexpr uint32_t kSignatureMask = 0x0F0FF0;  // extended model, family and model, without stepping and type
+constexpr uint32_t kRecordHead = sizeof(uint32_t);
+constexpr uint32_t kBatch = 255;  // structures that one PrintStructure call takes
+
+// The types that a sweep takes, in this order.
+struct TypeRange_t {
+    uint8_t first, last;
+};
+constexpr TypeRange_t kSweptTypes[] = {
+    {0,   42 },
+    {126, 127},
+    {130, 131},
+    {221, 222}
+};
+
+}  // namespace
+
+Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType) {}
+
+// The items go with UnInitialize, which a host calls first.
+Quorlin::~Quorlin() = default;
+
+status_t Quorlin::Initialize() {
+    // Without a trace handle the package runs without trace.
+    DebugLibInit("Quorlin", &packageTraceHandle);
+    InstallCrashReport();
+    m_cursor = 0;
+    m_smbiosMajor = 0;
+    m_smbiosMinor = 0;
+    m_items.clear();
+    CPUIDRecord_t cpuid = {};
+    cpuid.Eax = 1;
+    uint8_t entry[kEntryBufferSize] = {};
+    status_t status = LibSMBIOSInit(entry);
+    if (status != kSuccess) {
+        TRACE("Initialize", kErrorExit, "\nLibSMBIOSInit failed with return status : 0x%x", status);
+        return status;
+    }
+    m_smbiosMajor = entry[6];
+    m_smbiosMinor = entry[7];
+    status = CurrentMachine()->ReadCPUID(kAnyProcessor, &cpuid);
+    if (status != kSuccess) {
+        TRACE("Initialize", kErrorExit, "\nReadCPUID failed with return status : 0x%x", status);
+        return kFailure;
+    }
+    m_processorSignature = cpuid.Eax & kSignatureMask;
+    return m_presetType == kSweep ? GetTypes(kSweep) : kSuccess;
+}
+
+status_t Quorlin::UnInitialize() {
+    for (ItemPair* item : m_items) delete item;
+    m_items.clear();
+    const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
+    const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
+    DebugLibExit(packageTraceHandle);
+    return status;
+}
+
+status_t Quorlin::GetItemByName(std::string name) {
+    if (!name.empty()) return kFailure;
+    TRACE("GetItemByName", kError, "\nNULL Pointer:");
+    return kBadValue;
+}
+
+status_t Quorlin::GetNextItem(std::string& text) {
+    if (m_cursor >= m_items.size()) {
+        TRACE("GetNextItem", kInfo, "\nNo more items");
+        return kFailure;
+    }
+    const ItemPair& item = *m_items[m_cursor];
+    text.clear();
+    text.append("\"").append(item.key).append("\", \"");
+    if (item.value != " ") {
+        const size_t begin = text.size();
+        text += item.value;
+        if (item.value.find('"') != item.value.npos)
+            text.erase(std::remove(text.begin() + static_cast<ptrdiff_t>(begin), text.end(), '"'), text.end());
+    }
+    text += '"';
+    m_cursor++;
+    return kSuccess;
+}
+
+status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
+    if (SMBIOSStructNumber != kSweep) return DecodeType(SMBIOSStructNumber);
+    status_t status = kFailure;
+    for (const TypeRange_t& range : kSweptTypes)
+        for (unsigned type = range.first; type <= range.last; type++) status = DecodeType(static_cast<uint8_t>(type));
+    return status;
+}
+
+uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }
+
+std::string Quorlin::GetItemValue(uint32_t index) {
+    return index < m_items.size() ? m_items[index]->value : std::string();
+}
+
+// One step: all structures of a type through one decoder, which lives for this step only.
+status_t Quorlin::DecodeType(uint8_t type) {
+    uint8_t** records = nullptr;
+    uint8_t count = 0;
+    const status_t status = GetSMBIOSStruture(type, &records, &count);
+    if (status != kSuccess || count == 0) return status;
+    const std::unique_ptr<ClSMBIOSType> decoder(DecoderFactory(type));
+    if (decoder == nullptr) TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
+    PrintStructure(decoder.get(), count, records, type);
+    os_free(records);
+    if (count < kBatch || decoder == nullptr) return status;
+    // More than an 8-bit count can tell: the rest goes to the same decoder, so that the numbering goes on.
+    uint32_t rest = 0;
+    if (GetSMBIOSStrutureFrom(type, kBatch, &records, &rest) != kSuccess) return status;
+    for (uint32_t first = 0; first < rest; first += kBatch)
+        PrintStructure(decoder.get(), static_cast<uint8_t>(std::min(kBatch, rest - first)), records + first, type);
+    os_free(records);
+    return status;
+}
+
+status_t Quorlin::PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint8_t** pData, uint8_t) {
+    if (pType == nullptr || pData == nullptr) {
+        TRACE("PrintStructure", kError, "\nNULL Pointer:");
+        return kBadValue;
+    }
+    for (uint8_t place = 0; place < NumOfStructs; place++) {
+        pType->PrintStructure(pData[place] + kRecordHead);
+        while (std::unique_ptr<ItemPair> item{pType->TakeNextItem()}) {
+            try {
+                m_items.push_back(item.get());
+                item.release();
+            } catch (const std::bad_alloc&) {
+                TRACE("PrintStructure", kError, "\nNULL Pointer:");
+            }
+        }
+    }
+    return kSuccess;
+}
+
+BaseAbstraction* CreateSmbiosPackage() { return CreateSmbiosPackageForKovr(Quorlin::kSweep); }
+
+BaseAbstraction* CreateSmbiosPackageForKovr(uint8_t presetType) {
+    packageTraceHandle = nullptr;
+    return new (std::nothrow) Quorlin(presetType);
+}
+
+void DestroySmbiosPackage(BaseAbstraction* package) { delete package; }
+
+void DestroySmbiosPackageForKovr(BaseAbstraction* package) { delete package; }

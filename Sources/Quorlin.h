@@ -1,0 +1,85 @@
+// The package: what a host drives.
+//
+// A host creates a package, initialises it, may ask for one more type, and reads items one by one; then it
+// uninitialises the package and destroys it. Between UnInitialize and Destroy another Initialize is allowed.
+//
+// Calls      Initialize, then GetTypes, GetNextItem, GetItemCount, GetItemValue in any order, then UnInitialize.
+// Status     1 success, 2 bad argument, 3 out of memory, 5 failure or nothing more.
+// Ownership  A package owns its items from the GetTypes that made them until UnInitialize.
+// Threads    A package is for one thread at a time; set-up and tear-down of packages for one thread of the process.
+// ABI        The order of the virtual operations is fixed. Text crosses the boundary as std::string, so a host is built
+//            with the same compiler and runtime as the library.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Packages/OS/Status.h"
+#include "Packages/Platform/Export.h"
+
+struct ItemPair;
+class ClSMBIOSType;
+
+class BaseAbstraction {
+  public:
+    // Brings up trace, table and processor signature, and decodes all swept types unless the package has a preset
+    // type. 5 when the machine can't be reached, has no table or doesn't tell its processor.
+    virtual status_t Initialize() = 0;
+    // Destroys all items and gives the table back. Harmless after an Initialize that failed.
+    virtual status_t UnInitialize() = 0;
+    // No lookup is implemented: 2 for an empty name, 5 for any other.
+    virtual status_t GetItemByName(std::string name) = 0;
+    // The item under the cursor as one line, "KEY", "VALUE", and the cursor moves on. A group item's key ends in
+    // "#GROUPNAME". The value comes without double quotes, and a value of one blank as nothing. 5 at the end, which
+    // leaves `text` as it was.
+    virtual status_t GetNextItem(std::string& text) = 0;
+    virtual ~BaseAbstraction() = default;
+    virtual status_t ReservedOperation1() { return kFailure; }
+    virtual status_t ReservedOperation2() { return kFailure; }
+};
+
+class Quorlin final : public BaseAbstraction {
+  public:
+    static constexpr uint8_t kSweep = 255;
+
+    explicit Quorlin(uint8_t presetType);
+    ~Quorlin() override;
+    Quorlin(const Quorlin&) = delete;
+    Quorlin& operator=(const Quorlin&) = delete;
+
+    status_t Initialize() override;
+    status_t UnInitialize() override;
+    status_t GetItemByName(std::string name) override;
+    status_t GetNextItem(std::string& text) override;
+
+    // Appends the items of one type, or of all swept types for 255. The cursor stays. A type that the table doesn't
+    // hold, or that has no decoder, adds nothing and gives 1.
+    virtual status_t GetTypes(uint8_t SMBIOSStructNumber);
+    // The number of items, group items included, whatever the cursor.
+    virtual uint32_t GetItemCount();
+    // The value of an item as decoded, or empty text behind the last one.
+    virtual std::string GetItemValue(uint32_t index);
+
+  private:
+    status_t DecodeType(uint8_t type);
+    ClSMBIOSType* DecoderFactory(uint8_t type) const;
+    status_t PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint8_t** pData, uint8_t SMBIOSType);
+
+    uint32_t m_cursor = 0;
+    uint32_t m_processorSignature = 0;
+    uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package holds a reference on the store
+    uint8_t m_smbiosMinor = 0;
+    std::vector<ItemPair*> m_items;
+    uint8_t m_presetType;
+};
+
+extern "C" {
+// A new package; null without memory. It belongs to the caller.
+QUORLIN_API BaseAbstraction* CreateSmbiosPackage();
+// A package that doesn't sweep at Initialize: its host asks for types with GetTypes. A preset of 255 sweeps.
+QUORLIN_API BaseAbstraction* CreateSmbiosPackageForKovr(uint8_t presetType);
+// Either serves a package from either Create; null does nothing.
+QUORLIN_API void DestroySmbiosPackage(BaseAbstraction* package);
+QUORLIN_API void DestroySmbiosPackageForKovr(BaseAbstraction* package);
+}

@@ -1,0 +1,262 @@
+// The decoder base: items, strings, and the renderings that decoders share.
+#include "Sources/SMBIOSType.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
+#include "Sources/PackageTrace.h"
+
+#define TRACE(function, level, ...) PACKAGE_TRACE("Sources\\SMBIOSType", "ClSMBIOSType::" function, level, __VA_ARGS__)
+
+namespace {
+
+constexpr CodeText_t kErrorGranularities[] = {
+    {1, "Other"                 },
+    {2, "Unknown"               },
+    {3, "Device level"          },
+    {4, "Memory partition level"},
+};
+static_assert(IsRising(kErrorGranularities));
+
+constexpr CodeText_t kErrorOperations[] = {
+    {1, "Other"        },
+    {2, "Unknown"      },
+    {3, "Read"         },
+    {4, "Write"        },
+    {5, "Partial write"},
+};
+static_assert(IsRising(kErrorOperations));
+
+constexpr CodeText_t kErrorTypes[] = {
+    {1,  "Other"                     },
+    {2,  "Unknown"                   },
+    {3,  "OK"                        },
+    {4,  "Bad read"                  },
+    {5,  "Parity error"              },
+    {6,  "Single-bit error"          },
+    {7,  "Double-bit error"          },
+    {8,  "Multi-bit error"           },
+    {9,  "Nibble error"              },
+    {10, "Checksum error"            },
+    {11, "CRC error"                 },
+    {12, "Corrected single-bit error"},
+    {13, "Corrected error"           },
+    {14, "Uncorrectable error"       },
+};
+static_assert(IsRising(kErrorTypes));
+
+constexpr CodeText_t kOnboardDeviceTypes[] = {
+    {1,  "Other"          },
+    {2,  "Unknown"        },
+    {3,  "Video"          },
+    {4,  "SCSI Controller"},
+    {5,  "Ethernet"       },
+    {6,  "Token Ring"     },
+    {7,  "Sound"          },
+    {8,  "PATA Controller"},
+    {9,  "SATA Controller"},
+    {10, "SAS Controller" },
+};
+static_assert(IsRising(kOnboardDeviceTypes));
+
+const char* StringArea(const uint8_t* pData) {
+    const size_t offset = ParsedBytes(pData[0]) == 0 ? pData[1] : ParsedAreaOffset(pData[0]);
+    return reinterpret_cast<const char*>(pData + offset);
+}
+
+// The end of the record that begins at `pData`: behind the double NUL of its string area.
+const uint8_t* RecordEnd(const uint8_t* pData) {
+    const auto* byte = reinterpret_cast<const uint8_t*>(StringArea(pData));
+    while (byte[0] != 0 || byte[1] != 0) byte++;
+    return byte + 2;
+}
+
+std::string HexDigits(uint64_t value, uint32_t digits, const char* alphabet) {
+    char text[16];
+    uint32_t count = 0;
+    do text[15 - count++] = alphabet[value & 15];
+    while ((value >>= 4) != 0);
+    std::string result(digits > count ? digits - count : 0, '0');
+    return result.append(text + 16 - count, count);
+}
+
+// A decoder's own trace line; its source and function are named by the number in the title's type mark.
+void TraceNullData(std::string_view title, const char* message) {
+    const size_t mark = title.rfind(' ');
+    const int type = mark == title.npos ? 0 : std::atoi(title.data() + mark + 1);
+    char source[32], function[48];
+    std::snprintf(source, sizeof source, "Sources\\SMBIOSType%03d", type);
+    std::snprintf(function, sizeof function, "ClSMBIOSType%d::PrintStructure", type);
+    PACKAGE_TRACE(source, function, kError, "%s", message);
+}
+
+}  // namespace
+
+ClStructure ClStructure::WholeRecord(const uint8_t* pData) {
+    const uint8_t parsedBytes = ParsedBytes(pData[0]);
+    return parsedBytes == 0 ? ClStructure(pData, pData[1], true) : FixedBytes(pData, parsedBytes);
+}
+
+void ClStructure::ReadOn(size_t offset, void* number, size_t size) const {
+    const size_t recordSize = static_cast<size_t>(RecordEnd(m_data) - m_data);
+    if (offset < recordSize) std::memcpy(number, m_data + offset, std::min(size, recordSize - offset));
+}
+
+const char* StringOf(const uint8_t* pData, uint32_t number) {
+    const char* text = StringArea(pData);
+    if (*text == '\0') {
+        TRACE("GetString", kError, "\nNULL string: strPtr");
+        return "(null string)";
+    }
+    for (uint32_t current = 1; current < number; current++) {
+        text += std::strlen(text) + 1;
+        if (*text == '\0') return "(no such string)";
+    }
+    return text;
+}
+
+std::string HexText(uint64_t value, uint32_t digits) { return HexDigits(value, digits, "0123456789ABCDEF") += 'h'; }
+
+std::string PlainHex(uint64_t value) { return HexDigits(value, 1, "0123456789abcdef"); }
+
+std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t count) {
+    std::string text;
+    for (uint32_t bit = 0; bit < count; bit++) {
+        if ((value >> bit & 1) == 0) continue;
+        if (!text.empty()) text += ", ";
+        text += TextOf(table, bit, {});
+    }
+    return text;
+}
+
+std::string ShowDec8(const Field_t& field) { return std::to_string(field.Byte()); }
+std::string ShowDec16(const Field_t& field) { return std::to_string(field.Word()); }
+std::string ShowDec32(const Field_t& field) { return std::to_string(field.Dword()); }
+std::string ShowHex8(const Field_t& field) { return HexText(field.Byte(), field.row.rendering.number); }
+std::string ShowHex16(const Field_t& field) { return HexText(field.Word(), field.row.rendering.number); }
+std::string ShowHex32(const Field_t& field) { return HexText(field.Dword(), field.row.rendering.number); }
+std::string ShowHex64(const Field_t& field) { return HexText(field.Qword(), field.row.rendering.number); }
+
+std::string ShowString(const Field_t& field) { return StringOf(field.structure.Data(), field.Byte()); }
+
+std::string ShowStringOrNone(const Field_t& field) {
+    const uint8_t number = field.Byte();
+    return number == 0 ? "None" : StringOf(field.structure.Data(), number);
+}
+
+std::string ShowEnum8(const Field_t& field) {
+    const Rendering_t& rendering = field.row.rendering;
+    return std::string(TextOf(rendering.table, field.Byte(), rendering.text));
+}
+
+std::string ShowYesNo8(const Field_t& field) {
+    return (field.Byte() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
+}
+
+std::string ShowYesNo32(const Field_t& field) {
+    return (field.Dword() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
+}
+
+std::string ShowDec16WithUnit(const Field_t& field) {
+    return std::to_string(field.Word()).append(field.row.rendering.text);
+}
+
+ClSMBIOSType::~ClSMBIOSType() {
+    for (ItemPair* item : m_items) delete item;
+}
+
+void ClSMBIOSType::Fill_String_Data(std::string key, std::string value, uint8_t group) {
+    try {
+        if (group != 0) key += kGroupMark;
+        auto item = std::make_unique<ItemPair>(std::move(key), std::move(value));
+        m_items.push_back(item.get());
+        item.release();
+    } catch (const std::bad_alloc&) {
+        TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
+    }
+}
+
+status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
+    if (output == nullptr) {
+        TRACE("GetNextItem", kError, "\nNULL Pointer: OutputData");
+        return kBadValue;
+    }
+    if (m_readCursor >= m_items.size()) {
+        TRACE("GetNextItem", kInfo, "\nNo more items");
+        return kFailure;
+    }
+    *output = *m_items[m_readCursor];
+    m_readCursor++;
+    return kSuccess;
+}
+
+ItemPair* ClSMBIOSType::TakeNextItem() {
+    if (m_readCursor >= m_items.size()) {
+        TRACE("GetNextItem", kInfo, "\nNo more items");
+        return nullptr;
+    }
+    return std::exchange(m_items[m_readCursor++], nullptr);
+}
+
+std::string ClSMBIOSType::GetDecimalString(uint32_t value) { return std::to_string(value); }
+
+std::string ClSMBIOSType::GetHexString(uint32_t value, uint8_t width) { return HexText(value, width); }
+
+const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) { return StringOf(pData, strNum); }
+
+std::string ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
+    return std::string(TextOf(kErrorGranularities, code, "Error: Invalid Granularity"));
+}
+
+std::string ClSMBIOSType::GetErrorOperationString(uint8_t code) {
+    return std::string(TextOf(kErrorOperations, code, "Error: Invalid Operation"));
+}
+
+std::string ClSMBIOSType::GetErrorTypeString(uint8_t code) {
+    return std::string(TextOf(kErrorTypes, code, "Error: Invalid Type"));
+}
+
+std::string ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
+    return std::string(TextOf(kOnboardDeviceTypes, code & 0x7F, "Error: Invalid Type"));
+}
+
+bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
+    m_instanceCounter++;
+    try {
+        std::string text(title);
+        if (m_instanceCounter >= 2) text.append("_").append(std::to_string(m_instanceCounter));
+        Fill_String_Data(std::move(text), {}, 1);
+    } catch (const std::bad_alloc&) {
+        TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
+    }
+    if (pData == nullptr) TraceNullData(title, nullTrace);
+    return pData != nullptr;
+}
+
+bool ClSMBIOSType::PrintHead(std::string_view title, const uint8_t* pData) {
+    static constexpr ItemRow_t kHead[] = {
+        {"Type",   0x00, Dec8 },
+        {"Length", 0x01, Dec8 },
+        {"Handle", 0x02, Dec16},
+    };
+    if (!PrintTitle(title, pData)) return false;
+    PrintItems(kHead, ClStructure::FixedBytes(pData, 4));
+    return true;
+}
+
+void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure) {
+    for (const ItemRow_t& row : rows) {
+        try {
+            if (row.rendering.render == nullptr)
+                Fill_String_Data(std::string(row.key), {}, 1);
+            else
+                Fill_String_Data(std::string(row.key), row.rendering.render({structure, row, *this}), 0);
+        } catch (const std::bad_alloc&) {
+            TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
+        }
+    }
+}

@@ -1,0 +1,204 @@
+// What every decoder is made of: items, the bounded view of a record, rows and renderings, and the base class.
+//
+// A decoder turns one structure into items. Most of it is a table: a row is a line of the structure's field list, in
+// output order, and its last cell says how the field reads as text. PrintItems walks the rows. A field with logic of
+// its own gets a small function, and its row looks like every other row.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Packages/OS/Status.h"
+
+// One key and one value. A group item's key ends in kGroupMark and its value is empty.
+struct ItemPair {
+    std::string key;
+    std::string value;
+};
+
+inline constexpr std::string_view kGroupMark = "#GROUPNAME";
+
+// The record of one structure. No read leaves it, whatever bytes the table holds; numbers are little-endian.
+//
+// A record holds at least Length bytes and ends in the string area, which ends in a double NUL. A structure may be
+// shorter than the fields that its decoder shows, and what such a field reads is the view's kind:
+class ClStructure {
+  public:
+    // A field that the formatted area doesn't hold as a whole reads 0: a number made up of string bytes would mislead.
+    static ClStructure FormattedArea(const uint8_t* pData) { return {pData, pData[1], false}; }
+    // Such a field reads the record's own bytes, those of the string area, and 0 behind the record.
+    static ClStructure WholeRecord(const uint8_t* pData);
+    // The parsed records of types 0 to 2 hold a fixed count of bytes, whatever Length says; behind them all reads 0.
+    static ClStructure FixedBytes(const uint8_t* pData, uint8_t count) { return {pData, count, false}; }
+
+    const uint8_t* Data() const { return m_data; }
+    uint8_t Length() const { return m_data[1]; }
+    uint8_t Byte(size_t offset) const { return Read<uint8_t>(offset); }
+    uint16_t Word(size_t offset) const { return Read<uint16_t>(offset); }
+    uint32_t Dword(size_t offset) const { return Read<uint32_t>(offset); }
+    uint64_t Qword(size_t offset) const { return Read<uint64_t>(offset); }
+    // Whether the formatted area holds `count` bytes from `offset` on.
+    bool Holds(size_t offset, size_t count) const { return offset + count <= Length(); }
+
+  private:
+    ClStructure(const uint8_t* data, size_t held, bool readsOn) : m_data(data), m_held(held), m_readsOn(readsOn) {}
+
+    template <class Number>
+    Number Read(size_t offset) const {
+        Number number = 0;
+        if (offset + sizeof number <= m_held)
+            std::memcpy(&number, m_data + offset, sizeof number);
+        else if (m_readsOn)
+            ReadOn(offset, &number, sizeof number);
+        return number;
+    }
+    void ReadOn(size_t offset, void* number, size_t size) const;
+
+    const uint8_t* m_data;
+    size_t m_held;   // bytes that can be read as they are
+    bool m_readsOn;  // whether a read behind them goes on to the record's end
+};
+
+// A string of a record's string area, from 1. 0 and 1 both give the first: a decoder that must not show a string for
+// number 0 tests the number itself. An area without strings gives "(null string)" for every number, and a number
+// that the area doesn't hold gives "(no such string)". The text lives as long as the record.
+const char* StringOf(const uint8_t* pData, uint32_t number);
+
+struct CodeText_t {
+    uint32_t code;  // the value, or for a bit list the bit's number
+    std::string_view text;
+};
+
+// The text of `code`, or `otherwise` for a code that the table doesn't hold. Tables rise, mostly without gaps.
+constexpr std::string_view TextOf(std::span<const CodeText_t> table, uint32_t code, std::string_view otherwise) {
+    if (table.empty() || code < table.front().code) return otherwise;
+    const size_t place = code - table.front().code;
+    if (place < table.size() && table[place].code == code) return table[place].text;
+    const auto row = std::ranges::lower_bound(table, code, {}, &CodeText_t::code);
+    return row == table.end() || row->code != code ? otherwise : row->text;
+}
+
+// Every code once, in rising order. A static_assert on each table keeps TextOf right.
+consteval bool IsRising(std::span<const CodeText_t> table) {
+    return std::ranges::adjacent_find(table, std::ranges::greater_equal{}, &CodeText_t::code) == table.end();
+}
+
+class ClSMBIOSType;
+struct ItemRow_t;
+
+// A field on its way to text: the structure, its row, and the decoder for what depends on the machine.
+struct Field_t {
+    const ClStructure& structure;
+    const ItemRow_t& row;
+    const ClSMBIOSType& decoder;
+
+    inline uint8_t Byte() const;
+    inline uint16_t Word() const;
+    inline uint32_t Dword() const;
+    inline uint64_t Qword() const;
+};
+
+struct Rendering_t {
+    std::string (*render)(const Field_t& field);  // null: the row opens a sub-group
+    std::span<const CodeText_t> table = {};       // of an enumeration or a bit list
+    std::string_view text = {};                   // what else the rendering needs: an error word, a unit
+    uint32_t number = 0;                          // hexadecimal digits, or a bit's number
+};
+
+struct ItemRow_t {
+    std::string_view key;
+    size_t offset;
+    Rendering_t rendering;
+};
+
+// Numbers as text. HexText is uppercase, zero-filled to `digits` (a longer value is not cut), with a closing "h".
+std::string HexText(uint64_t value, uint32_t digits);
+std::string PlainHex(uint64_t value);  // lowercase, no zeros in front, no "h"
+// The texts of the set bits below `count`, in rising order, joined by ", ". A set bit without a row adds the
+// separator alone.
+std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t count);
+
+// The renderings that decoders share. The number in a name is the field's width in bits.
+std::string ShowDec8(const Field_t& field);
+std::string ShowDec16(const Field_t& field);
+std::string ShowDec32(const Field_t& field);
+std::string ShowHex8(const Field_t& field);
+std::string ShowHex16(const Field_t& field);
+std::string ShowHex32(const Field_t& field);
+std::string ShowHex64(const Field_t& field);
+std::string ShowString(const Field_t& field);
+std::string ShowStringOrNone(const Field_t& field);
+std::string ShowEnum8(const Field_t& field);
+std::string ShowYesNo8(const Field_t& field);
+std::string ShowYesNo32(const Field_t& field);
+std::string ShowDec16WithUnit(const Field_t& field);
+
+inline constexpr Rendering_t Group{nullptr};
+inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
+// Hex8, Hex16, Hex32 and Hex64 show all digits of their field; the others zero-fill to the count named.
+inline constexpr Rendering_t Hex8{ShowHex8, {}, {}, 2}, Hex16{ShowHex16, {}, {}, 4}, Hex32{ShowHex32, {}, {}, 8},
+    Hex64{ShowHex64, {}, {}, 16};
+constexpr Rendering_t Hex8Digits(uint32_t digits) { return {ShowHex8, {}, {}, digits}; }
+constexpr Rendering_t Hex16Digits(uint32_t digits) { return {ShowHex16, {}, {}, digits}; }
+inline constexpr Rendering_t String{ShowString};              // no test of number 0
+inline constexpr Rendering_t StringOrNone{ShowStringOrNone};  // "None" for number 0
+constexpr Rendering_t Enum8(std::span<const CodeText_t> table, std::string_view otherwise) {
+    return {ShowEnum8, table, otherwise};
+}
+// "Yes" or "No" from a bit of the field.
+constexpr Rendering_t YesNo8(uint32_t bit) { return {ShowYesNo8, {}, {}, bit}; }
+constexpr Rendering_t YesNo32(uint32_t bit) { return {ShowYesNo32, {}, {}, bit}; }
+// A word in decimal with its unit, as in " MHz".
+constexpr Rendering_t Dec16WithUnit(std::string_view unit) { return {ShowDec16WithUnit, {}, unit}; }
+
+// Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
+class ClSMBIOSType {
+  public:
+    virtual ~ClSMBIOSType();
+    ClSMBIOSType() = default;
+    ClSMBIOSType(const ClSMBIOSType&) = delete;
+    ClSMBIOSType& operator=(const ClSMBIOSType&) = delete;
+
+    // Adds the items of the structure at `pData`, a record's body. Never throws and never writes into the record.
+    virtual void PrintStructure(const uint8_t* pData) = 0;
+
+    // Copies the next item that hasn't been read to `output`. 1; 2 for a null output; 5 when there is none.
+    status_t GetNextItem(ItemPair* output);
+    // Gives the next item itself away, or null when there is none: what a package takes, without a copy.
+    ItemPair* TakeNextItem();
+
+    uint32_t ProcessorSignature() const { return m_processorSignature; }
+
+    static std::string GetDecimalString(uint32_t value);
+    static std::string GetHexString(uint32_t value, uint8_t width);
+    static const char* GetString(uint32_t strNum, const uint8_t* pData);
+    static std::string GetErrorGranularityString(uint8_t code);
+    static std::string GetErrorOperationString(uint8_t code);
+    static std::string GetErrorTypeString(uint8_t code);
+    static std::string GetOnboardDeviceTypeString(uint8_t code);
+
+  protected:
+    // Adds one item; `group` not 0 makes it a group item. Without memory the item is dropped.
+    void Fill_String_Data(std::string key, std::string value, uint8_t group);
+    // Counts the structure, and adds the group item: the title, with the count behind it from the second structure
+    // on. Gives false, with a trace, for a null `pData`: the decoder then ends.
+    bool PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace = "\npData is NULL");
+    // The title, then the items "Type", "Length" and "Handle".
+    bool PrintHead(std::string_view title, const uint8_t* pData);
+    void PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure);
+
+    uint32_t m_processorSignature = 0;  // given to the decoders of types 4 and 148 only
+    uint32_t m_readCursor = 0;
+    int32_t m_instanceCounter = 0;
+    std::vector<ItemPair*> m_items;
+};
+
+inline uint8_t Field_t::Byte() const { return structure.Byte(row.offset); }
+inline uint16_t Field_t::Word() const { return structure.Word(row.offset); }
+inline uint32_t Field_t::Dword() const { return structure.Dword(row.offset); }
+inline uint64_t Field_t::Qword() const { return structure.Qword(row.offset); }

@@ -1,0 +1,66 @@
+// Baseboard Information (the SMBIOS standard, type 2), from the parsed record.
+#include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
+#include "Sources/Decoders.h"
+
+namespace {
+
+constexpr CodeText_t kFeatures[] = {
+    {0, "Hosting Board"                             },
+    {1, "Requires Daughter Board or Auxiliary card "},
+    {2, "removable"                                 },
+    {3, "replaceable"                               },
+    {4, "hot swappable"                             },
+};
+static_assert(IsRising(kFeatures));
+
+constexpr CodeText_t kBoardTypes[] = {
+    {1,  "Unknown"                                          },
+    {2,  "Other"                                            },
+    {3,  "Server Blade"                                     },
+    {4,  "Convectivity Switch"                              },
+    {5,  "System Management Module"                         },
+    {6,  "Processor Module"                                 },
+    {7,  "I/O Module"                                       },
+    {8,  "Memory Module"                                    },
+    {9,  "Daughter Board"                                   },
+    {10, "Mother Board (includes processor, memory and I/O)"},
+    {11, "Processor/Memory Module"                          },
+    {12, "Processor/IO Module"                              },
+    {13, "InterConnect Board"                               },
+};
+static_assert(IsRising(kBoardTypes));
+
+const char* BoardString(const Field_t& field) {
+    return ParsedString(field.structure.Data(), kBaseboardBytes, kBaseboardStrings, field.row.offset);
+}
+
+std::string ShowBoardString(const Field_t& field) {
+    const char* text = BoardString(field);
+    return field.Byte() == 0 || text == nullptr ? "None" : text;
+}
+
+std::string ShowFeatures(const Field_t& field) {
+    return field.Byte() == 0 ? "None" : BitsText(kFeatures, field.Byte(), 8);
+}
+
+constexpr Rendering_t BoardText{ShowBoardString}, Features{ShowFeatures},
+    BoardType = Enum8(kBoardTypes, "Error: Invalid Type");
+
+constexpr ItemRow_t kItems[] = {
+    {"Manufacturer",         0x04, BoardText     },
+    {"Board Name/ ID",       0x05, BoardText     },
+    {"Fab ID",               0x06, BoardText     },
+    {"Serial Number",        0x07, BoardText     },
+    {"Assert Tag",           0x08, BoardText     },
+    {"Feature Flag",         0x09, Features      },
+    {"Board Type",           0x0D, BoardType     },
+    {"Location In Chassis ", 0x0A, BoardText     },
+    {"Chassis Handle",       0x0B, Hex16Digits(8)},
+};
+
+}  // namespace
+
+void ClSMBIOSType2::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("Base board Information {Type 2}", pData)) return;
+    PrintItems(kItems, ClStructure::FixedBytes(pData, kBaseboardBytes));
+}

@@ -1,0 +1,111 @@
+#include "Tests/Support/Structures.h"
+
+#include <gtest/gtest.h>
+
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Sources/Quorlin.h"
+
+ClStructureBuilder::ClStructureBuilder(uint8_t type, uint8_t length, uint16_t handle)
+    : m_bytes(length < 4 ? 4 : length) {
+    m_bytes[0] = type;
+    m_bytes[1] = length;
+    Word(2, handle);
+}
+
+ClStructureBuilder& ClStructureBuilder::Number(size_t offset, uint64_t value, size_t size) {
+    for (size_t place = 0; place < size; place++) m_bytes.at(offset + place) = static_cast<uint8_t>(value >> 8 * place);
+    return *this;
+}
+
+ClStructureBuilder& ClStructureBuilder::Byte(size_t offset, uint8_t value) { return Number(offset, value, 1); }
+ClStructureBuilder& ClStructureBuilder::Word(size_t offset, uint16_t value) { return Number(offset, value, 2); }
+ClStructureBuilder& ClStructureBuilder::Dword(size_t offset, uint32_t value) { return Number(offset, value, 4); }
+ClStructureBuilder& ClStructureBuilder::Qword(size_t offset, uint64_t value) { return Number(offset, value, 8); }
+
+ClStructureBuilder& ClStructureBuilder::Bytes(size_t offset, std::initializer_list<uint8_t> values) {
+    for (const uint8_t value : values) Byte(offset++, value);
+    return *this;
+}
+
+ClStructureBuilder& ClStructureBuilder::Strings(std::initializer_list<std::string> texts) {
+    m_strings.assign(texts);
+    return *this;
+}
+
+std::vector<uint8_t> ClStructureBuilder::Image() const {
+    std::vector<uint8_t> image = m_bytes;
+    for (const std::string& text : m_strings) {
+        image.insert(image.end(), text.begin(), text.end());
+        image.push_back(0);
+    }
+    if (m_strings.empty()) image.push_back(0);
+    image.push_back(0);
+    return image;
+}
+
+std::string ClItems::Text(const std::string& key, size_t from) const {
+    for (size_t index = from; index < m_items.size(); index++)
+        if (m_items[index].key == key) return m_items[index].value;
+    return "(no such item)";
+}
+
+std::vector<std::string> ClItems::Texts(const std::string& key) const {
+    std::vector<std::string> texts;
+    for (const Item_t& item : m_items)
+        if (item.key == key) texts.push_back(item.value);
+    return texts;
+}
+
+bool ClItems::Has(const std::string& key) const { return !Texts(key).empty(); }
+
+std::vector<std::string> ClItems::Keys() const {
+    std::vector<std::string> keys;
+    for (const Item_t& item : m_items) keys.push_back(item.key);
+    return keys;
+}
+
+std::string ClItems::Lines() const {
+    std::string lines;
+    for (const Item_t& item : m_items) lines += item.key + "=" + item.value + "\n";
+    return lines;
+}
+
+std::vector<uint8_t> TableOf(const std::vector<ClStructureBuilder>& structures) {
+    std::vector<uint8_t> table;
+    for (const ClStructureBuilder& structure : structures) {
+        const std::vector<uint8_t> image = structure.Image();
+        table.insert(table.end(), image.begin(), image.end());
+    }
+    const std::vector<uint8_t> end = ClStructureBuilder(127, 4, 0xFEFF).Image();
+    table.insert(table.end(), end.begin(), end.end());
+    return table;
+}
+
+ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestMachine_t& machine) {
+    const ImageSource_t source = {table.data(), static_cast<uint32_t>(table.size()), machine.major, machine.minor,
+                                  machine.signature};
+    EXPECT_EQ(SetImageMachine(&source), kSuccess);
+    auto* package = static_cast<Quorlin*>(CreateSmbiosPackageForKovr(0));
+    EXPECT_EQ(package->Initialize(), kSuccess);
+    EXPECT_EQ(package->GetTypes(type), kSuccess);
+    ClItems items;
+    std::string line;
+    for (uint32_t index = 0; package->GetNextItem(line) == kSuccess; index++) {
+        // The key stands between the first two quotes; no decoder's literal key holds one, and a key from a string may.
+        const std::string value = package->GetItemValue(index);
+        const size_t middle = line.find("\", \"");
+        items.Add(line.substr(1, middle - 1), value);
+    }
+    EXPECT_EQ(items.Count(), package->GetItemCount());
+    EXPECT_EQ(package->UnInitialize(), kSuccess);
+    DestroySmbiosPackage(package);
+    return items;
+}
+
+ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine) {
+    return Decode(std::vector{structure}, machine);
+}
+
+ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine) {
+    return DecodeTable(TableOf(structures), structures.front().Type(), machine);
+}

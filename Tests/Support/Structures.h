@@ -1,0 +1,71 @@
+// Structures built by a test, and the items that the whole library makes of them.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+// One structure: a header and zeros up to its length, then what the test sets.
+class ClStructureBuilder {
+  public:
+    ClStructureBuilder(uint8_t type, uint8_t length, uint16_t handle = 0x0010);
+
+    ClStructureBuilder& Byte(size_t offset, uint8_t value);
+    ClStructureBuilder& Word(size_t offset, uint16_t value);
+    ClStructureBuilder& Dword(size_t offset, uint32_t value);
+    ClStructureBuilder& Qword(size_t offset, uint64_t value);
+    ClStructureBuilder& Bytes(size_t offset, std::initializer_list<uint8_t> values);
+    ClStructureBuilder& Strings(std::initializer_list<std::string> texts);
+
+    uint8_t Type() const { return m_bytes[0]; }
+    // The structure as a table holds it, closed by a double NUL.
+    std::vector<uint8_t> Image() const;
+
+  private:
+    ClStructureBuilder& Number(size_t offset, uint64_t value, size_t size);
+
+    std::vector<uint8_t> m_bytes;
+    std::vector<std::string> m_strings;
+};
+
+// What the machine of a test shows besides its table.
+struct TestMachine_t {
+    uint32_t signature = 0;
+    uint8_t major = 3, minor = 0;
+};
+
+// The items of one package, in order, with their values as decoded.
+class ClItems {
+  public:
+    struct Item_t {
+        std::string key, value;
+        bool operator==(const Item_t&) const = default;
+    };
+
+    void Add(std::string key, std::string value) { m_items.push_back({std::move(key), std::move(value)}); }
+    size_t Count() const { return m_items.size(); }
+    const Item_t& operator[](size_t index) const { return m_items.at(index); }
+    // The value of the first item of this key, from item `from` on; "(no such item)" when there is none.
+    std::string Text(const std::string& key, size_t from = 0) const;
+    // All values of this key, in order.
+    std::vector<std::string> Texts(const std::string& key) const;
+    bool Has(const std::string& key) const;
+    std::vector<std::string> Keys() const;
+    // "KEY=VALUE" lines, for comparing a whole structure.
+    std::string Lines() const;
+
+  private:
+    std::vector<Item_t> m_items;
+};
+
+// The table that these structures make, with an End-of-Table structure behind them.
+std::vector<uint8_t> TableOf(const std::vector<ClStructureBuilder>& structures);
+
+// The items that a package gives for `type` (255: the sweep) of this table. The machine is an image machine.
+ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestMachine_t& machine = {});
+// The items of one structure, decoded by its own type.
+ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine = {});
+// The items of the structures of the first one's type, the others standing in the table beside them.
+ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine = {});
