@@ -146,8 +146,8 @@ status_t PCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
 
 enum BadPlaceLine_t { kSilent, kTold };
 
-static status_t MoveMemory(const char* name, BadPlaceLine_t line, status_t (*move)(uint64_t, uint32_t, DataBuffer_t*),
-                           uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
+static status_t MoveAtPlace(const char* name, BadPlaceLine_t line, status_t (*move)(uint64_t, uint32_t, DataBuffer_t*),
+                            uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
     const ClOperation operation(name);
     if (buffer == nullptr) return kNullPointer;
     TRACE(name, kParams, "%s:BAR = 0x%llx RegisterOffset = %u size  = %u", name,
@@ -161,27 +161,27 @@ static status_t MoveMemory(const char* name, BadPlaceLine_t line, status_t (*mov
 }
 
 status_t PCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveMemory("PCIMMIORead", kTold, OSPCIMMIORead, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIORead", kTold, OSPCIMMIORead, bar, offset, buffer);
 }
 
 status_t PCIMMIOReadStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveMemory("PCIMMIOReadStored", kTold, OSPCIMMIOReadStored, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIOReadStored", kTold, OSPCIMMIOReadStored, bar, offset, buffer);
 }
 
 status_t MMIOReadGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveMemory("MMIOReadGPIO", kTold, OSMMIOReadGPIO, bar, offset, buffer);
+    return MoveAtPlace("MMIOReadGPIO", kTold, OSMMIOReadGPIO, bar, offset, buffer);
 }
 
 status_t PCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveMemory("PCIMMIOWriteStored", kSilent, OSPCIMMIOWriteStored, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIOWriteStored", kSilent, OSPCIMMIOWriteStored, bar, offset, buffer);
 }
 
 status_t MMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveMemory("MMIOWriteGPIO", kSilent, OSMMIOWriteGPIO, bar, offset, buffer);
+    return MoveAtPlace("MMIOWriteGPIO", kSilent, OSMMIOWriteGPIO, bar, offset, buffer);
 }
 
 status_t GetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveMemory("GetSystemTables", kTold, OSGetSystemTables, address, offset, buffer);
+    return MoveAtPlace("GetSystemTables", kTold, OSGetSystemTables, address, offset, buffer);
 }
 
 static status_t MoveDynamic(const char* name, status_t (*move)(const DynamicMMIORecord_t*, DataBuffer_t*),
