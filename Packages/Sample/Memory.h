@@ -3,8 +3,8 @@
 
 #include "Packages/Sample/SampleBuilder.h"
 
+// clang-format off
 consteval void AddMemory(ClSampleBuilder& table) {
-    // clang-format off
     // Physical Memory Array: capacity in kilobytes; 80000000h points to the extended one, in bytes.
     table.Add(16, "bbb d ww | q", {
         //handle location, use, correction  capacity    error handle devices  extended capacity
@@ -71,5 +71,5 @@ consteval void AddMemory(ClSampleBuilder& table) {
         {0x1402, 0x08000000, 0x08FFFFFF, 0x1102, 0x1300, 1,    0,    0, 0, 0},
         {0x1403, 0xFFFFFFFF, 0xFFFFFFFF, 0x1106, 0x1301, 0xFF, 0xFF, 0xFF, 0x0000002800000000, 0x00000037FFFFFFFF},
     });
-    // clang-format on
 }
+// clang-format on

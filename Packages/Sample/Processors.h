@@ -3,8 +3,8 @@
 
 #include "Packages/Sample/SampleBuilder.h"
 
+// clang-format off
 consteval void AddProcessors(ClSampleBuilder& table) {
-    // clang-format off
     // Processor Information. Two sockets alike, a service processor whose family needs two bytes, a coprocessor in the
     // form of version 2.1, and an empty socket in the form of version 2.0.
     table.Add(4, "s bb s q s b www bb | www | sss | bbb w | w | www | w", {
@@ -20,24 +20,27 @@ consteval void AddProcessors(ClSampleBuilder& table) {
          0xFFFF, 0xFFFF, 0xFFFF},
         {0x0404, "CPU2",      9, 0x02, 0,                 0x0000000000000000, 0,                                   0x03, 100, 0, 0, 0x00, 45},
     });
-    // clang-format on
 }
 
 consteval void AddMemoryControllers(ClSampleBuilder& table) {
-    // Memory Controller Information: error detecting, correcting, interleave (supported, current), module size, speeds,
-    // module types, voltage, modules, error correcting enabled
-    table.Add(5, "bbbbb ww b b ww b", {{0x0500, 6, 0x18, 3, 3, 9, 0x0010, 0x0400, 4, 2, 0x0600, 0x0601, 0x08},
-                                       {0x0501, 3, 0x04, 2, 2, 8, 0x0001, 0x0002, 1, 2, 0x0602, 0x0603, 0x04}});
+    // Memory Controller Information
+    table.Add(5, "bb bb b ww b b ww b", {
+        //handle detecting, correcting; interleave size speeds  types   voltage modules and their handles correcting enabled
+        {0x0500, 6,         0x18,       3, 3,      9,   0x0010, 0x0400, 4,      2, 0x0600, 0x0601,        0x08},
+        {0x0501, 3,         0x04,       2, 2,      8,   0x0001, 0x0002, 1,      2, 0x0602, 0x0603,        0x04},
+    });
 
-    // Memory Module Information: socket, banks, speed, type, sizes installed and enabled, errors
-    table.Add(6, "s bb w bbb", {{0x0600, "MM0", 0x0F, 60, 0x0400, 0x09, 0x09, 0x00},
-                                {0x0601, "MM1", 0x2F, 60, 0x0400, 0x89, 0x89, 0x01},
-                                {0x0602, "MM2", 0x4F, 0, 0x0002, 0x7D, 0x7E, 0x02},
-                                {0x0603, 0, 0xFF, 0, 0x0002, 0x7F, 0x7F, 0x04}});
+    // Memory Module Information
+    table.Add(6, "s bb w bbb", {
+        //handle socket banks speed type    installed enabled errors
+        {0x0600, "MM0", 0x0F, 60,   0x0400, 0x09,     0x09,   0x00},
+        {0x0601, "MM1", 0x2F, 60,   0x0400, 0x89,     0x89,   0x01},
+        {0x0602, "MM2", 0x4F, 0,    0x0002, 0x7D,     0x7E,   0x02},
+        {0x0603, 0,     0xFF, 0,    0x0002, 0x7F,     0x7F,   0x04},
+    });
 }
 
 consteval void AddCaches(ClSampleBuilder& table) {
-    // clang-format off
     // Cache Information. Sizes in kilobytes; with the upper bit set, in units of 64 of them.
     table.Add(7, "s www ww | bbbb | dd", {
         //handle  socket      config  maximum installed supported current speed, correction, type, associativity, sizes 2
@@ -51,5 +54,5 @@ consteval void AddCaches(ClSampleBuilder& table) {
         {0x0707, 0,           0x03EF, 0x8001, 1025,     0x0080, 0x0000,   0,  7, 0, 15},
         {0x0708, "Old cache", 0x0248, 2048,   0,        0x0003, 0x0040},
     });
-    // clang-format on
 }
+// clang-format on

@@ -3,8 +3,8 @@
 
 #include "Packages/Sample/SampleBuilder.h"
 
+// clang-format off
 consteval void AddSlots(ClSampleBuilder& table) {
-    // clang-format off
     // Port Connector Information
     table.Add(8, "s b s b b", {
         //handle  internal    type  external             type  port
@@ -37,5 +37,5 @@ consteval void AddSlots(ClSampleBuilder& table) {
         {0x0A00, 0x83, "Sidecar 2 graphics", 0x85, "Fjelltind 10G port 1", 0x05, "Fjelltind 10G port 2", 0x89, 0},
         {0x0A01, 0x03, "Spare graphics", 0x8F, "Timer card", 0x0A, "Drive controller"},
     });
-    // clang-format on
 }
+// clang-format on

@@ -3,8 +3,8 @@
 
 #include "Packages/Sample/SampleBuilder.h"
 
+// clang-format off
 consteval void AddSystem(ClSampleBuilder& table) {
-    // clang-format off
     // BIOS Information: of version 3.1, of 2.4 without an embedded controller, and of 2.1, which has no extension bytes.
     table.Add(0, "ss w s b q | bb | bbbb | w", {
         //handle  vendor               version              segment date          size characteristics     ext bytes   release, controller
@@ -40,5 +40,5 @@ consteval void AddSystem(ClSampleBuilder& table) {
         {0x0302, "Halvorsen Systems", 29,   "Rev A", "CH24-0050177", "HV-A-1203", 1, 3, 6, 3, 0xFFFFFFFF, 10,    4,
          2, 3, 0x83, 1, 8, 0x91, 0, 2, "FT-CH-10U"},
     });
-    // clang-format on
 }
+// clang-format on
