@@ -6,13 +6,18 @@
 
 // clang-format off
 consteval void AddExtended(ClSampleBuilder& table) {
-    // System Power Supply: the last one is of the form without probes and fan.
+    // System Power Supply: the last one has no probes and no fan, and names a string that isn't there.
     table.Add(39, "b sssssss ww | www", {
-        //handle group location      name            maker      serial       asset tag  part          revision capacity traits  probe   fan     current
-        {0x2700, 1,    "PSU bay 1",    "HV-PSU-1100",  "Aldmark", "AM-P-0912", "HV-PS-1", "AMP1100-PL", "A3", 1100,   0x11AB, 0x1A01, 0x1B01, 0x1D00},
-        {0x2701, 1,    "PSU bay 2",    "HV-PSU-1100",  "Aldmark", "AM-P-0957", "HV-PS-2", "AMP1100-PL", "A3", 1100,   0x12A7, 0xFFFF, 0xFFFF, 0x1D01},
-        {0x2702, 0,    "Cache module", "Hold-up pack", "Aldmark", 0,           0,         0,            0,    0x8000, 0x1480, 0xFFFF, 0xFFFF, 0xFFFF},
-        {0x2703, 0,    "Shelf",        0,              0,         0,           0,         0,            0,    0,      0xC000},
+        //handle group location    name            maker      serial       asset tag  part          revision
+        //       capacity, traits  voltage probe, fan, current probe
+        {0x2700, 1, "PSU bay 1",    "HV-PSU-1100",  "Aldmark", "AM-P-0912", "HV-PS-1", "AMP1100-PL", "A3",
+                 1100,   0x11AB,   0x1A01, 0x1B01, 0x1D00},
+        {0x2701, 1, "PSU bay 2",    "HV-PSU-1100",  "Aldmark", "AM-P-0957", "HV-PS-2", "AMP1100-PL", "A3",
+                 1100,   0x12A7,   0xFFFF, 0xFFFF, 0x1D01},
+        {0x2702, 0, "Cache module", "Hold-up pack", "Aldmark", 0,           0,         0,            0,
+                 0x8000, 0x1480,   0xFFFF, 0xFFFF, 0xFFFF},
+        {0x2703, 0, "Shelf",        7,              0,         0,           0,         0,            0,
+                 0,      0xC000},
     });
 
     // Additional Information

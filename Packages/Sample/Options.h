@@ -37,7 +37,7 @@ consteval void AddOptions(ClSampleBuilder& table) {
 
     // System Event Log: the last one is of version 2.0, and has no header format and no descriptors.
     table.Add(15, "www bb dd | bbb: bb", {
-        //handle length header data method status token     address     format, descriptors and their length; log and data type of each
+        //handle length header data method status token     address     format, descriptors, their length; each descriptor
         {0x0F00, 1024,  0,     16,  3,     0x01, 0x00000017, 0xFED20000, 0x01, 3, 2, 0x01, 0x02, 0x02, 0x02, 0x17, 0x00},
         {0x0F01, 4096,  0,     0,   4,     0x03, 0x80000000, 0x00000042, 0x80, 1, 2, 0xE0, 0x80},
         {0x0F02, 512,   0,     32,  0,     0x02, 0x00000000, 0x00710070, 0x7F, 0, 2},

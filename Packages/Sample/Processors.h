@@ -8,17 +8,27 @@ consteval void AddProcessors(ClSampleBuilder& table) {
     // Processor Information. Two sockets alike, a service processor whose family needs two bytes, a coprocessor in the
     // form of version 2.1, and an empty socket in the form of version 2.0.
     table.Add(4, "s bb s q s b www bb | www | sss | bbb w | w | www | w", {
-        //handle  socket     type, family   manufacturer  ID                 version                                voltage clock max current status, upgrade
-        {0x0400, "CPU0",      3, 0x0B, "Lumetra",         0xBFEBFBFF000406E3, "Lumetra(R) Ostrel(R) 8340 @ 2.40GHz", 0x8C, 100, 3700, 2400, 0x41, 54,
-         //cache handles         serial             asset tag    part           cores, threads, traits     family 2, cores 2 and threads 2
-         0x0700, 0x0701, 0x0702, "OS83-41C7-0092", "HV-CPU-0", "OS8340-32", 32, 32, 64, 0x00FC,             0x000B, 32, 32, 64},
-        {0x0401, "CPU1",      3, 0x0B, "Lumetra",         0xBFEBFBFF000406E3, "Lumetra(R) Ostrel(R) 8340 @ 2.40GHz", 0x8C, 100, 3700, 2400, 0x41, 54,
-         0x0703, 0x0704, 0x0705, "OS83-41C7-0115", "HV-CPU-1", "OS8340-32", 32, 28, 56, 0x00FC,             0x000B, 32, 28, 56},
-        {0x0402, "SVC0",      3, 0xFE, "Halvorsen Systems", 0x0000000F0000002A, "Sidecar 2 service processor",      0x04, 25, 800, 0, 0x44, 59,
-         0x0706, 0xFFFF, 0xFFFF, 0, 0, "HV-SC2",                           0xFF, 2, 2, 0x0006,             0x0101, 300, 300, 300, 300},
-        {0x0403, "COPROC0",   5, 0x0F, 0,                 0x0000000000000000, 0,                                   0x80, 0, 1000, 0, 0x81, 61,
-         0xFFFF, 0xFFFF, 0xFFFF},
-        {0x0404, "CPU2",      9, 0x02, 0,                 0x0000000000000000, 0,                                   0x03, 100, 0, 0, 0x00, 45},
+        //handle socket     type, family  manufacturer     ID                  version
+        //       voltage, clock, maximum and current speed, status, upgrade
+        //       L1, L2, L3 cache        serial            asset tag   part         cores, enabled, threads, traits
+        //       family 2, cores, enabled and threads 2, enabled threads
+        {0x0400, "CPU0",    3, 0x0B, "Lumetra",           0xBFEBFBFF000406E3, "Lumetra(R) Ostrel(R) 8340 @ 2.40GHz",
+                 0x8C, 100, 3700, 2400, 0x41, 54,
+                 0x0700, 0x0701, 0x0702, "OS83-41C7-0092", "HV-CPU-0", "OS8340-32", 32, 32, 64, 0x00FC,
+                 0x000B, 32, 32, 64},
+        {0x0401, "CPU1",    3, 0x0B, "Lumetra",           0xBFEBFBFF000406E3, "Lumetra(R) Ostrel(R) 8340 @ 2.40GHz",
+                 0x8C, 100, 3700, 2400, 0x41, 54,
+                 0x0703, 0x0704, 0x0705, "OS83-41C7-0115", "HV-CPU-1", "OS8340-32", 32, 28, 56, 0x00FC,
+                 0x000B, 32, 28, 56},
+        {0x0402, "SVC0",    3, 0xFE, "Halvorsen Systems", 0x0000000F0000002A, "Sidecar 2 service processor",
+                 0x04, 25, 800, 0, 0x44, 59,
+                 0x0706, 0xFFFF, 0xFFFF, 0,                0,          "HV-SC2",    0xFF, 2, 2, 0x0002,
+                 0x0101, 300, 2, 2, 2},
+        {0x0403, "COPROC0", 5, 0x0F, 0,                   0x0000000000000000, 0,
+                 0x80, 0,   1000, 0,    0x81, 61,
+                 0xFFFF, 0xFFFF, 0xFFFF},
+        {0x0404, "CPU2",    9, 0x02, 0,                   0x0000000000000000, 0,
+                 0x03, 100, 0,    0,    0x00, 45},
     });
 }
 
@@ -52,7 +62,7 @@ consteval void AddCaches(ClSampleBuilder& table) {
         {0x0705, "CPU1 L3",   0x0182, 0x8300, 0x8300,   0x0002, 0x0002,   15, 6, 5, 14, 0x80000300, 0x80000300},
         {0x0706, "SVC0 L1",   0x0080, 1024,   64,       0x001C, 0x0010,   0,  3, 3, 3},
         {0x0707, 0,           0x03EF, 0x8001, 1025,     0x0080, 0x0000,   0,  7, 0, 15},
-        {0x0708, "Old cache", 0x0248, 2048,   0,        0x0003, 0x0040},
+        {0x0708, "Board L2",  0x0229, 2048,   0,        0x0003, 0x0040},
     });
 }
 // clang-format on
