@@ -1,4 +1,5 @@
 // A plain list to build on until the container library stands. 
+#include <cstddef>
 #include <vector>
 
 #include "Packages/Container/Container.h"
@@ -10,8 +11,8 @@ status_t UnInitContainer(ContainerHandle_t handle) { return delete handle, kSucc
 status_t Insert(ContainerHandle_t handle, void* data) { return handle->data.push_back(data), kSuccess; }
 status_t Push(ContainerHandle_t handle, void* data) { return Insert(handle, data); }
 status_t RetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t index) {
-    if (static_cast<size_t>(index) >= handle->data.size()) return kFailure;
-    return *data = handle->data[static_cast<size_t>(index)], kSuccess;
+    if (static_cast<std::size_t>(index) >= handle->data.size()) return kFailure;
+    return *data = handle->data[static_cast<std::size_t>(index)], kSuccess;
 }
 status_t DeleteByData(ContainerHandle_t handle, void* data) { return std::erase(handle->data, data) != 0 ? kSuccess : kBadValue; }
 status_t Pop(ContainerHandle_t handle, void** data) {

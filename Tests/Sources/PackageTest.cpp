@@ -80,7 +80,7 @@ TEST(Package, ReadsOnFromItsCursorAfterMoreTypes) {
 TEST(Package, AddsNothingForTypesWithoutStructuresOrDecoder) {
     ClPackage package(TableOf({ClStructureBuilder(200, 8), ClStructureBuilder(126, 8), ClStructureBuilder(5, 20)}));
     EXPECT_EQ(package->GetItemCount(), 0u);
-    for (const uint8_t type : {3, 5, 126, 127, 200, 254}) EXPECT_EQ(package->GetTypes(type), kSuccess);
+    for (const int type : {3, 5, 126, 127, 200, 254}) EXPECT_EQ(package->GetTypes(static_cast<uint8_t>(type)), kSuccess);
     EXPECT_EQ(package->GetItemCount(), 0u);
     EXPECT_EQ(package->GetItemByName(""), kBadValue);
     EXPECT_EQ(package->GetItemByName("Type"), kFailure);
