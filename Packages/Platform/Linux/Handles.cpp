@@ -5,13 +5,9 @@
 
 static thread_local DWORD lastError = ERROR_SUCCESS;
 
-DWORD GetLastError() {
-    return lastError;
-}
+DWORD GetLastError() { return lastError; }
 
-void SetLastError(DWORD error) {
-    lastError = error;
-}
+void SetLastError(DWORD error) { lastError = error; }
 
 DWORD ErrorFromErrno(int errorNumber) {
     switch (errorNumber) {
@@ -49,9 +45,7 @@ BOOL Fail(DWORD error) {
     return FALSE;
 }
 
-BOOL FailWithErrno() {
-    return Fail(ErrorFromErrno(errno));
-}
+BOOL FailWithErrno() { return Fail(ErrorFromErrno(errno)); }
 
 DWORD ClObject::Wait(DWORD) {
     SetLastError(ERROR_INVALID_HANDLE);
@@ -59,15 +53,13 @@ DWORD ClObject::Wait(DWORD) {
 }
 
 BOOL CloseHandle(HANDLE handle) {
+    if (handle == kCurrentThread) return TRUE;
     if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return Fail(ERROR_INVALID_HANDLE);
     delete static_cast<ClObject*>(handle);
     return TRUE;
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return WAIT_FAILED;
-    }
-    return static_cast<ClObject*>(handle)->Wait(milliseconds);
+    ClObject* object = ObjectOf<ClObject>(handle);
+    return object == nullptr ? WAIT_FAILED : object->Wait(milliseconds);
 }
