@@ -25,6 +25,16 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType6>();
         case 15:
             return New<ClSMBIOSType15>();
+        case 16:
+            return New<ClSMBIOSType16>();
+        case 17:
+            return New<ClSMBIOSType17>();
+        case 18:
+            return New<ClSMBIOSType18>();
+        case 19:
+            return New<ClSMBIOSType19>();
+        case 20:
+            return New<ClSMBIOSType20>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:
