@@ -35,6 +35,16 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType19>();
         case 20:
             return New<ClSMBIOSType20>();
+        case 21:
+            return New<ClSMBIOSType21>();
+        case 22:
+            return New<ClSMBIOSType22>();
+        case 23:
+            return New<ClSMBIOSType23>();
+        case 24:
+            return New<ClSMBIOSType24>();
+        case 25:
+            return New<ClSMBIOSType25>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

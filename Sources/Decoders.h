@@ -62,6 +62,31 @@ class ClSMBIOSType20 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType21 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType22 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType23 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType24 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType25 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
