@@ -45,6 +45,16 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType24>();
         case 25:
             return New<ClSMBIOSType25>();
+        case 26:
+            return New<ClSMBIOSType26>();
+        case 27:
+            return New<ClSMBIOSType27>();
+        case 28:
+            return New<ClSMBIOSType28>();
+        case 29:
+            return New<ClSMBIOSType29>();
+        case 30:
+            return New<ClSMBIOSType30>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

@@ -87,6 +87,31 @@ class ClSMBIOSType25 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType26 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType27 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType28 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType29 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType30 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
