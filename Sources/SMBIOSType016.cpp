@@ -51,9 +51,9 @@ std::string ShowHalves(const Field_t& field) {
     return HexText(value >> 32, 4).append(" ").append(HexText(value & 0xFFFFFFFF, 4));
 }
 
-constexpr Rendering_t Location{ShowLocation}, Use = Enum8(kUses, "Error: Invalid Type"),
-                                              ErrorCorrection = Enum8(kErrorCorrections, "Error: Invalid Type"),
-                                              Halves{ShowHalves};
+constexpr Rendering_t Location{ShowLocation}, Halves{ShowHalves};
+constexpr Rendering_t Use = Enum8(kUses, "Error: Invalid Type");
+constexpr Rendering_t ErrorCorrection = Enum8(kErrorCorrections, "Error: Invalid Type");
 
 constexpr ItemRow_t kItems[] = {
     {"Location",                        0x04, Location       },

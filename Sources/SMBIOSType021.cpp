@@ -31,8 +31,8 @@ constexpr CodeText_t kInterfaces[] = {
 };
 static_assert(IsRising(kInterfaces));
 
-constexpr Rendering_t Type = Enum8(kTypes, "Error: Invalid Type"),
-                      Interface = Enum8(kInterfaces, "Error: Invalid Type");
+constexpr Rendering_t Type = Enum8(kTypes, "Error: Invalid Type");
+constexpr Rendering_t Interface = Enum8(kInterfaces, "Error: Invalid Type");
 
 constexpr ItemRow_t kItems[] = {
     {"Pointing Device Type",      0x04, Type     },
