@@ -65,13 +65,9 @@ void Answer(const DeviceRequest_t& request, uint8_t* out) {
             Put32(out + 12, 2400);
             break;
         case 0x80240114:
-        case 0x80240118:
-            AnswerMemory(request, false, out);
-            break;
+        case 0x80240118: AnswerMemory(request, false, out); break;
         case 0x802400FC:
-        case 0x80240104:
-            AnswerMemory(request, true, out);
-            break;
+        case 0x80240104: AnswerMemory(request, true, out); break;
         default:  // writes
             break;
     }
@@ -87,8 +83,8 @@ BOOL Fail(DWORD error) {
 STAND_IN(HANDLE, CreateFileA,
          (LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
           HANDLE templateFile)) {
-    if (auto* system = SystemFunction<decltype(CreateFileA)>("CreateFileA"); system != nullptr && path[0] != '\\' &&
-                                                                            path != std::string(kDriverFile)) {
+    if (auto* system = SystemFunction<decltype(CreateFileA)>("CreateFileA");
+        system != nullptr && path[0] != '\\' && path != std::string(kDriverFile)) {
         return system(path, access, share, security, disposition, flags, templateFile);
     }
     if (!Platform().Call("CreateFileA")) return INVALID_HANDLE_VALUE;

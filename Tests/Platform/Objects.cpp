@@ -63,8 +63,8 @@ STAND_IN(HANDLE, CreateFileMappingA,
         return nullptr;
     }
     if (!Platform().SharedCount()) Platform().section = 0;
-    Platform().sectionSecurity = security != nullptr && security->bInheritHandle ? security->lpSecurityDescriptor
-                                                                                 : nullptr;
+    Platform().sectionSecurity =
+        security != nullptr && security->bInheritHandle ? security->lpSecurityDescriptor : nullptr;
     return Platform().Add("section");
 }
 
@@ -86,9 +86,7 @@ STAND_IN(BOOL, UnmapViewOfFile, (LPCVOID address)) {
 
 // ---- Clock
 
-STAND_IN(DWORD, GetTickCount, ()) {
-    return Platform().tickCount;
-}
+STAND_IN(DWORD, GetTickCount, ()) { return Platform().tickCount; }
 
 STAND_IN(void, Sleep, (DWORD milliseconds)) {
     Platform().sleeps.push_back(milliseconds);

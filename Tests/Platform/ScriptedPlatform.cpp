@@ -6,9 +6,7 @@ size_t ClScriptedPlatform::failAllocationOf = 0;
 
 static ClScriptedPlatform platform;
 
-ClScriptedPlatform& Platform() {
-    return platform;
-}
+ClScriptedPlatform& Platform() { return platform; }
 
 ClScriptedPlatform& NewPlatform() {
     platform = ClScriptedPlatform();
@@ -73,6 +71,4 @@ bool ClScriptedPlatform::IsOpen(HANDLE handle, const char* kind) const {
     return found != handles_.end() && found->second == kind;
 }
 
-bool ClScriptedPlatform::Remove(HANDLE handle) {
-    return handles_.erase(handle) != 0;
-}
+bool ClScriptedPlatform::Remove(HANDLE handle) { return handles_.erase(handle) != 0; }

@@ -12,13 +12,9 @@ BOOL Fail(DWORD error) {
     return FALSE;
 }
 
-SC_HANDLE AddService(const char* kind) {
-    return static_cast<SC_HANDLE>(static_cast<void*>(Platform().Add(kind)));
-}
+SC_HANDLE AddService(const char* kind) { return static_cast<SC_HANDLE>(static_cast<void*>(Platform().Add(kind))); }
 
-bool IsService(SC_HANDLE handle) {
-    return Platform().IsOpen(handle, "service");
-}
+bool IsService(SC_HANDLE handle) { return Platform().IsOpen(handle, "service"); }
 
 }  // namespace
 
@@ -121,9 +117,7 @@ STAND_IN(BOOL, CloseServiceHandle, (SC_HANDLE handle)) {
 
 // ---- Registry
 
-static LSTATUS Code(DWORD error) {
-    return static_cast<LSTATUS>(error);
-}
+static LSTATUS Code(DWORD error) { return static_cast<LSTATUS>(error); }
 
 STAND_IN(LSTATUS, RegOpenKeyExA, (HKEY root, LPCSTR path, DWORD, REGSAM, PHKEY key)) {
     if (!Platform().Call("RegOpenKeyExA")) return Code(ERROR_ACCESS_DENIED);

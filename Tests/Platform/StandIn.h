@@ -9,12 +9,12 @@
 #include "Packages/Platform/Platform.h"
 
 #ifdef _WIN32
-#define STAND_IN(result, name, parameters)                \
-    static result WINAPI Scripted##name parameters;       \
-    extern "C" {                                          \
-    extern decltype(&Scripted##name) __imp_##name;        \
+#define STAND_IN(result, name, parameters)                   \
+    static result WINAPI Scripted##name parameters;          \
+    extern "C" {                                             \
+    extern decltype(&Scripted##name) __imp_##name;           \
     decltype(&Scripted##name) __imp_##name = Scripted##name; \
-    }                                                     \
+    }                                                        \
     static result WINAPI Scripted##name parameters
 #else
 #define STAND_IN(result, name, parameters) extern "C" result name parameters
@@ -25,8 +25,7 @@
 template <typename Function>
 Function* SystemFunction([[maybe_unused]] const char* name) {
 #ifdef _WIN32
-    return reinterpret_cast<Function*>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
 #else
     return nullptr;
 #endif

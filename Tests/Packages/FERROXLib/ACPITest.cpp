@@ -25,7 +25,8 @@ std::vector<uint8_t> MCFG(const std::vector<Entry_t>& entries, uint32_t length =
         table.insert(table.end(), 4, 0xAA);
     }
     if (length == 0) length = static_cast<uint32_t>(table.size());
-    for (int byte = 0; byte < 4; ++byte) table[4 + static_cast<size_t>(byte)] = static_cast<uint8_t>(length >> 8 * byte);
+    for (int byte = 0; byte < 4; ++byte)
+        table[4 + static_cast<size_t>(byte)] = static_cast<uint8_t>(length >> 8 * byte);
     return table;
 }
 
@@ -67,12 +68,12 @@ TEST_F(ACPI, TableIntoTheCallersBuffer) {
         uint32_t size;
         const char* text;
     } kCases[] = {
-        {"exact",             "FACP",  5, 1, 5,  "01 02 03 04 05"   },
-        {"room to spare",     "FACP",  6, 1, 5,  "01 02 03 04 05 ee"},
-        {"one byte less",     "FACP",  4, 2, 5,  "ee ee ee ee"      },
-        {"no table",          "SSDT",  2, 5, 0,  "ee ee"            },
-        {"three letters",     "FAC",   2, 2, 99, "ee ee"            },
-        {"five letters",      "FACPX", 2, 2, 99, "ee ee"            },
+        {"exact",         "FACP",  5, 1, 5,  "01 02 03 04 05"   },
+        {"room to spare", "FACP",  6, 1, 5,  "01 02 03 04 05 ee"},
+        {"one byte less", "FACP",  4, 2, 5,  "ee ee ee ee"      },
+        {"no table",      "SSDT",  2, 5, 0,  "ee ee"            },
+        {"three letters", "FAC",   2, 2, 99, "ee ee"            },
+        {"five letters",  "FACPX", 2, 2, 99, "ee ee"            },
     };
     for (const auto& c : kCases) {
         ClBuffer buffer(c.room);
@@ -96,15 +97,15 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         status_t status;
         uint32_t count;
     } kCases[] = {
-        {"two",                         MCFG({kEntry, kEntry}),               1, 2  },
-        {"none",                        MCFG({}),                             5, 0  },
-        {"a broken entry",              MCFG({kEntry, kEntry}, 75),           1, 1  },
-        {"a length below 44",           MCFG({kEntry}, 43),                   5, 0  },
-        {"longer than any",             MCFG({kEntry}, 0xFFFFFFFF),           1, 1  },
-        {"longer than the table",       MCFG({kEntry}, 0x10000),              1, 1  },
-        {"256",                         MCFG(std::vector(256, kEntry)),       1, 256},
-        {"more than there are numbers", MCFG(std::vector(300, kEntry)),       1, 256},
-        {"no whole header",             {'M', 'C', 'F', 'G', 0xFF, 0xFF},     5, 0  },
+        {"two",                         MCFG({kEntry, kEntry}), 1,         2                                  },
+        {"none",                        MCFG({}),               5,         0                                  },
+        {"a broken entry",              MCFG({kEntry, kEntry},  75),       1,                                   1},
+        {"a length below 44",                             MCFG({kEntry},                                 43), 5, 0},
+        {"longer than any",                            MCFG({kEntry},                                                  0xFFFFFFFF),                                           1,                                      1},
+        {"longer than the table",                            MCFG({kEntry},                                                 0x10000),                1,1},
+        {"256",                     MCFG(std::vector(256,kEntry)),1,                               256},
+        {"more than there are numbers",MCFG(std::vector(300,          kEntry)),                                1,                                  256},
+        {"no whole header", {'M', 'C', 'F', 'G', 0xFF, 0xFF},               5,       0         },
     };
     for (const auto& c : kCases) {
         Platform().tables["MCFG"] = c.table;
@@ -123,8 +124,8 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         EXPECT_EQ(GetSegBusInfo(segments.data()), kSuccess) << c.what;
     }
     EXPECT_TRUE(Platform().Traced(2, "Total Number of segments = 256"));
-    EXPECT_TRUE(Platform().Traced(
-        48, "OSGetSegBusInfo: No PCI segment found. This might not be a Selvane based system!!\n"));
+    EXPECT_TRUE(
+        Platform().Traced(48, "OSGetSegBusInfo: No PCI segment found. This might not be a Selvane based system!!\n"));
 }
 
 TEST_F(ACPI, SegmentsThatCannotBeRead) {
@@ -134,7 +135,9 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
     testing::internal::CaptureStdout();
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error getting ACPI table size\n");
-    Platform().tables["MCFG"] = MCFG({{0xE0000000, 0, 0, 255}});
+    Platform().tables["MCFG"] = MCFG({
+        {0xE0000000, 0, 0, 255}
+    });
     Platform().tableAnswers = {60, 0};  // gone at the second look
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
     EXPECT_TRUE(Platform().Traced(16, "ERROR in OSGetSegBusInfo status =  5"));
@@ -145,9 +148,9 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
 
 TEST_F(ACPI, BaseOfALocation) {
     Platform().tables["MCFG"] = MCFG({
-        {0xE0000000,      1, 1, 0x3F},
-        {0xF0000000,      1, 0, 0xFF},
-        {0x2F0000000,     2, 0, 0xFF},
+        {0xE0000000,  1, 1, 0x3F},
+        {0xF0000000,  1, 0, 0xFF},
+        {0x2F0000000, 2, 0, 0xFF},
     });
     const struct {
         const char* what;
@@ -155,13 +158,13 @@ TEST_F(ACPI, BaseOfALocation) {
         status_t status;
         uint64_t base;
     } kCases[] = {
-        {"first bus",                        0x10001, 1, 0xE0000000 },
-        {"last bus",                         0x1FF3F, 1, 0xE0000000 },
-        {"below the first",                  0x10000, 2, 7          },
-        {"above the last, in a second entry", 0x10040, 2, 7         },
-        {"above 4 GiB",                      0x20000, 1, 0x2F0000000},
-        {"unknown segment",                  0x30000, 2, 7          },
-        {"segment 0, as unused places read", 0,       2, 7          },
+        {"first bus",                         0x10001, 1, 0xE0000000 },
+        {"last bus",                          0x1FF3F, 1, 0xE0000000 },
+        {"below the first",                   0x10000, 2, 7          },
+        {"above the last, in a second entry", 0x10040, 2, 7          },
+        {"above 4 GiB",                       0x20000, 1, 0x2F0000000},
+        {"unknown segment",                   0x30000, 2, 7          },
+        {"segment 0, as unused places read",  0,       2, 7          },
     };
     for (const auto& c : kCases) {
         uint64_t base = 7;
@@ -173,7 +176,10 @@ TEST_F(ACPI, BaseOfALocation) {
 }
 
 TEST_F(ACPI, ExtendedSpaceIsReadFromTheSegmentsBase) {
-    Platform().tables["MCFG"] = MCFG({{0x00000002E0000005, 0, 0, 0x7F}, {0, 1, 0, 0}});
+    Platform().tables["MCFG"] = MCFG({
+        {0x00000002E0000005, 0, 0, 0x7F},
+        {0,                  1, 0, 0   }
+    });
     const struct {
         const char* what;
         uint32_t location, offset, size;

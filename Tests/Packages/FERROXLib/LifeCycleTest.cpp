@@ -8,9 +8,8 @@ namespace {
 using LifeCycle = ClMachineTest;
 
 size_t Count(const char* function) {
-    return static_cast<size_t>(std::ranges::count_if(Platform().calls, [&](const std::string& call) {
-        return call.starts_with(std::string(function) + "#");
-    }));
+    return static_cast<size_t>(std::ranges::count_if(
+        Platform().calls, [&](const std::string& call) { return call.starts_with(std::string(function) + "#"); }));
 }
 
 }  // namespace
@@ -90,7 +89,8 @@ TEST_F(LifeCycle, SecondProcessOnlyOpensAndTheLastOneRemoves) {
 TEST_F(LifeCycle, ServiceThatAKilledProcessLeftRunningIsTakenOver) {
     for (const DWORD error : {DWORD{ERROR_SERVICE_ALREADY_RUNNING}, DWORD{ERROR_ALREADY_EXISTS}}) {
         NewPlatform();
-        Platform().service = {true, kDriverFile, SERVICE_DEMAND_START, SERVICE_RUNNING, 0, {}, {error}, SERVICE_STOPPED};
+        Platform().service = {true, kDriverFile, SERVICE_DEMAND_START, SERVICE_RUNNING, 0,
+                              {},   {error},     SERVICE_STOPPED};
         ASSERT_EQ(FERROXInitialize(), kSuccess) << error;
         EXPECT_TRUE(Platform().Traced(2, "RegisterDriver: Service already registered"));
         EXPECT_TRUE(Platform().Traced(2, "StartDriver: Service already exsits/running.\n"));
@@ -109,14 +109,14 @@ TEST_F(LifeCycle, StartOfTheService) {
         size_t created;
         bool removed;  // the service, once the failed open is undone
     } kCases[] = {
-        {"path not found",         {3},    {},                                   1, 2, false},
-        {"file not found",         {2},    {},                                   1, 2, false},
-        {"access denied",          {5},    {},                                   5, 1, true },
-        {"second start fails",     {2, 2}, {},                                   5, 2, true },
-        {"second open fails",      {2},    {"OpenServiceA#5"},                   5, 2, true },
-        {"file lock fails",        {},     {"CreateFileA#1"},                    5, 1, true },
-        {"lock after repair",      {3},    {"CreateFileA#1"},                    5, 2, true },
-        {"repair can't stop",      {2},    {"QueryServiceStatusEx#1"},           1, 2, false},
+        {"path not found",     {3},    {},                         1, 2, false},
+        {"file not found",     {2},    {},                         1, 2, false},
+        {"access denied",      {5},    {},                         5, 1, true },
+        {"second start fails", {2, 2}, {},                         5, 2, true },
+        {"second open fails",  {2},    {"OpenServiceA#5"},         5, 2, true },
+        {"file lock fails",    {},     {"CreateFileA#1"},          5, 1, true },
+        {"lock after repair",  {3},    {"CreateFileA#1"},          5, 2, true },
+        {"repair can't stop",  {2},    {"QueryServiceStatusEx#1"}, 1, 2, false},
     };
     for (const auto& c : kCases) {
         NewPlatform();
@@ -171,29 +171,58 @@ TEST_F(LifeCycle, StopOfTheService) {
         size_t controls;
         const char* line;
     } kCases[] = {
-        {"stopped already", 0, {kStopped}, {}, kStopped, {}, 1, 0, "StopDriver: Service is already stopped.\n"},
-        {"hint 0", 0, {kPending, kPending, kStopped}, {1000, 1000}, kStopped, {}, 1, 0, "StopDriver: Service stopped.\n"},
-        {"hint 200", 200, {kPending, kStopped}, {1000}, kStopped, {}, 1, 0, "StopDriver: Service stop pending...\n"},
-        {"hint 25000", 25000, {kPending, kStopped}, {2500}, kStopped, {}, 1, 0, "StopDriver: Service stopped.\n"},
-        {"hint 200000", 200000, {kPending, kStopped}, {10000}, kStopped, {}, 1, 0, "StopDriver: Service stopped.\n"},
-        {"runs again", 0, {kPending, kRunning}, {1000}, kStopped, {}, 1, 1, "StopDriver: Service stop pending...\n"},
-        {"never comes", 200000, {kPending}, {10000, 10000, 10000, 10000}, kStopped, {}, 5, 0,
-         "OSFERROXTerminate: StopDriver failed"},
-        {"not stopped", 0, {kRunning}, {}, kRunning, {}, 5, 1, "StopDriver: Service has not stopped \n"},
-        {"query fails while pending", 0, {kPending}, {1000}, kStopped, {"QueryServiceStatusEx#2"}, 5, 0,
-         "OSFERROXTerminate: StopDriver failed"},
-        {"query fails", 0, {}, {}, kStopped, {"QueryServiceStatusEx#1"}, 5, 0, "OSFERROXTerminate: StopDriver failed"},
-        {"query fails after the stop", 0, {}, {}, kStopped, {"QueryServiceStatusEx#2"}, 5, 1,
-         "OSFERROXTerminate: StopDriver failed"},
-        {"control fails", 0, {}, {}, kStopped, {"ControlService#1"}, 5, 0,
-         "StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n"},
-        {"manager fails", 0, {}, {}, kStopped, {"OpenSCManagerA#3"}, 5, 0, "OSFERROXTerminate: StopDriver failed"},
-        {"service fails", 0, {}, {}, kStopped, {"OpenServiceA#3"}, 5, 0, "OSFERROXTerminate: StopDriver failed"},
-        {"file stays locked", 0, {}, {}, kStopped, {"CloseHandle file#1"}, 5, 1,
-         "StopDriver: Could not unlock file : Ravelink.sys \n"},
-        {"delete fails", 0, {}, {}, kStopped, {"DeleteService#1"}, 5, 1, "OSFERROXTerminate: RemoveDriver failed"},
-        {"service fails at removal", 0, {}, {}, kStopped, {"OpenServiceA#4"}, 5, 1,
-         "OSFERROXTerminate: RemoveDriver failed"},
+        {"stopped already",            0,      {kStopped},                     {},      kStopped, {},                         1, 0, "StopDriver: Service is already stopped.\n"},
+        {"hint 0",
+         0,                                    {kPending, kPending, kStopped},
+         {1000, 1000},
+         kStopped,                                                                                {},
+         1,                                                                                                                      0,
+         "StopDriver: Service stopped.\n"                                                                                                                                      },
+        {"hint 200",                   200,    {kPending, kStopped},           {1000},  kStopped, {},                         1, 0, "StopDriver: Service stop pending...\n"    },
+        {"hint 25000",                 25000,  {kPending, kStopped},           {2500},  kStopped, {},                         1, 0, "StopDriver: Service stopped.\n"           },
+        {"hint 200000",                200000, {kPending, kStopped},           {10000}, kStopped, {},                         1, 0, "StopDriver: Service stopped.\n"           },
+        {"runs again",                 0,      {kPending, kRunning},           {1000},  kStopped, {},                         1, 1, "StopDriver: Service stop pending...\n"    },
+        {"never comes",
+         200000,                               {kPending},
+         {10000, 10000, 10000, 10000},
+         kStopped,                                                                                {},
+         5,                                                                                                                      0,
+         "OSFERROXTerminate: StopDriver failed"                                                                                                                                },
+        {"not stopped",                0,      {kRunning},                     {},      kRunning, {},                         5, 1, "StopDriver: Service has not stopped \n"   },
+        {"query fails while pending",
+         0,                                    {kPending},
+         {1000},
+         kStopped,                                                                                {"QueryServiceStatusEx#2"},
+         5,                                                                                                                      0,
+         "OSFERROXTerminate: StopDriver failed"                                                                                                                                },
+        {"query fails",                0,      {},                             {},      kStopped, {"QueryServiceStatusEx#1"}, 5, 0, "OSFERROXTerminate: StopDriver failed"     },
+        {"query fails after the stop",
+         0,                                    {},
+         {},
+         kStopped,                                                                                {"QueryServiceStatusEx#2"},
+         5,                                                                                                                      1,
+         "OSFERROXTerminate: StopDriver failed"                                                                                                                                },
+        {"control fails",
+         0,                                    {},
+         {},
+         kStopped,                                                                                {"ControlService#1"},
+         5,                                                                                                                      0,
+         "StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n"                                                                                                          },
+        {"manager fails",              0,      {},                             {},      kStopped, {"OpenSCManagerA#3"},       5, 0, "OSFERROXTerminate: StopDriver failed"     },
+        {"service fails",              0,      {},                             {},      kStopped, {"OpenServiceA#3"},         5, 0, "OSFERROXTerminate: StopDriver failed"     },
+        {"file stays locked",
+         0,                                    {},
+         {},
+         kStopped,                                                                                {"CloseHandle file#1"},
+         5,                                                                                                                      1,
+         "StopDriver: Could not unlock file : Ravelink.sys \n"                                                                                                                 },
+        {"delete fails",               0,      {},                             {},      kStopped, {"DeleteService#1"},        5, 1, "OSFERROXTerminate: RemoveDriver failed"   },
+        {"service fails at removal",
+         0,                                    {},
+         {},
+         kStopped,                                                                                {"OpenServiceA#4"},
+         5,                                                                                                                      1,
+         "OSFERROXTerminate: RemoveDriver failed"                                                                                                                              },
     };
     for (const auto& c : kCases) {
         NewPlatform();
@@ -263,10 +292,10 @@ TEST_F(LifeCycle, InstallPath) {
         std::optional<std::string> value;
         status_t status;
     } kCases[] = {
-        {"none",                 std::nullopt,          5},
-        {"longest with its NUL", std::string(255, 'p'), 1},
-        {"256 without NUL",      std::string(256, 'p'), 1},
-        {"too long",             std::string(257, 'p'), 5},
+        {"none",           std::nullopt, 5},
+        { "longest with its NUL", std::string(255,         'p'), 1},
+        { "256 without NUL", std::string(256,         'p'), 1},
+        { "too long", std::string(257,         'p'), 5},
     };
     for (const auto& c : kCases) {
         Platform().registryPath = c.value;
@@ -280,12 +309,16 @@ TEST_F(LifeCycle, InstallPath) {
     }
 }
 
-// Whichever call of an open fails: the status tells it, what was set up is gone, and the next try finds a machine as new.
+// Whichever call of an open fails: the status tells it, what was set up is gone, and the next try finds a machine as
+// new.
 TEST_F(LifeCycle, AnyFailingCallIsUndone) {
     // The calls whose failure the library goes on from, and the two of the hypervisor test with its status.
     const std::set<std::string> kGoesOn = {"DebugLibInit#1", "InitializeSecurityDescriptor#1",
                                            "SetSecurityDescriptorDacl#1", "OpenSCManagerA#1", "OpenServiceA#1"};
-    const std::map<std::string, status_t> kHypervisor = {{"GetActiveProcessorCount#1", 2}, {"DeviceIoControl#1", 0}};
+    const std::map<std::string, status_t> kHypervisor = {
+        {"GetActiveProcessorCount#1", 2},
+        {"DeviceIoControl#1",         0}
+    };
     size_t tried = 0;
     for (size_t number = 1;; ++number) {
         NewPlatform();

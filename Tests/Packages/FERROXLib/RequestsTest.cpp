@@ -24,12 +24,8 @@ const DynamicMMIORecord_t kDynamic = {0xA1A2A3A4, 0x10, 0x40};
 constexpr uint64_t kBar = 0x00000001FED00000;
 
 // Bytes of the caller's block after the call.
-std::string Buffer() {
-    return buffer.Text();
-}
-std::string Word() {
-    return Hex(reinterpret_cast<uint8_t*>(&word), 4);
-}
+std::string Buffer() { return buffer.Text(); }
+std::string Word() { return Hex(reinterpret_cast<uint8_t*>(&word), 4); }
 template <typename Record>
 std::string Text(const Record& record) {
     return Hex(reinterpret_cast<const uint8_t*>(&record), sizeof(record));
@@ -50,41 +46,40 @@ TEST_F(Requests, HaveTheirRecords) {
         std::function<std::string()> after;
         std::string text;
     } kCases[] = {
-        {"driver version", [] { return GetFERROXDriverVersion(&word); }, 0x80240004, "", 4, Word, "04 00 00 01"},
-        {"CPU library version", [] { return GetCPULibVersion(&word); }, 0x80240090, "", 4, Word, "90 00 00 01"},
-        {"I/O library version", [] { return GetIOLibVersion(&word); }, 0x80240094, "", 4, Word, "94 00 00 01"},
-        {"PCI library version", [] { return GetPCILibVersion(&word); }, 0x80240098, "", 4, Word, "98 00 00 01"},
-        {"port read", [] { return ReadWakeupTimer(0x1234, buffer.Get()); }, 0x80240034,
-         kHead + "34 12 00 00 03 00 00 00 00 00 00 00", 20, Buffer, "90 91 92"},
-        {"port write", [] { return ConfigureWakeUpTimer(0xCF8, buffer.Get()); }, 0x80244074,
-         kHead + "f8 0c 00 00 03 00 00 00 a0 a1 a2 00", 20, Buffer, "a0 a1 a2"},
-        {"MSR read", [] { return ReadMSR(&msr); }, 0x80240040,
-         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05", 20, [] { return Text(msr); },
-         "00 00 00 00 05 00 00 00 10 00 00 00 44 33 22 11 88 77 66 55"},
-        {"MSR write", [] { return WriteMSR(&msr); }, 0x80244080,
-         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05", 20, [] { return Text(msr); },
-         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05"},
-        {"CPUID", [] { return ReadCPUID(7, &cpuid); }, 0x80240000,
+        {"driver version",      [] { return GetFERROXDriverVersion(&word); },                0x80240004, "",                          4,  Word,                          "04 00 00 01"                                                },
+        {"CPU library version", [] { return GetCPULibVersion(&word); },                      0x80240090, "",                          4,  Word,                          "90 00 00 01"                                                },
+        {"I/O library version", [] { return GetIOLibVersion(&word); },                       0x80240094, "",                          4,  Word,                          "94 00 00 01"                                                },
+        {"PCI library version", [] { return GetPCILibVersion(&word); },                      0x80240098, "",                          4,  Word,                          "98 00 00 01"                                                },
+        {"port read",           [] { return ReadWakeupTimer(0x1234, buffer.Get()); },        0x80240034,
+         kHead + "34 12 00 00 03 00 00 00 00 00 00 00",                                                                               20, Buffer,                        "90 91 92"                                                   },
+        {"port write",          [] { return ConfigureWakeUpTimer(0xCF8, buffer.Get()); },    0x80244074,
+         kHead + "f8 0c 00 00 03 00 00 00 a0 a1 a2 00",                                                                               20, Buffer,                        "a0 a1 a2"                                                   },
+        {"MSR read",            [] { return ReadMSR(&msr); },                                0x80240040,
+         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05",                                                               20, [] { return Text(msr); },
+         "00 00 00 00 05 00 00 00 10 00 00 00 44 33 22 11 88 77 66 55"                                                                                                                                                                },
+        {"MSR write",           [] { return WriteMSR(&msr); },                               0x80244080,
+         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05",                                                               20, [] { return Text(msr); },
+         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05"                                                                                                                                                                },
+        {"CPUID",               [] { return ReadCPUID(7, &cpuid); },                         0x80240000,
          "00 00 00 00 07 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 00 00 00 00 02 00 00 00 00 00 00 00 "
-         "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00",
-         56, [] { return Text(cpuid); }, "00 00 00 00 a9 06 03 00 04 00 00 00 00 00 00 00 02 00 00 00"},
-        {"non-turbo frequency", [] { return CalcFreqNonTurbo(&nonTurbo); }, 0x8024009C,
-         "01 00 00 00 ce 00 00 00 08 04 00 00 00 00 00 00 00 00 00 00", 20, [] { return Text(nonTurbo); },
-         "01 00 00 00 ce 00 00 00 08 04 00 00 60 09 00 00 00 00 00 00"},
-        {"MMIO read", [] { return PCIMMIORead(kBar, 0x20, buffer.Get()); }, 0x80240114, kHead + kSum + "00 00 00", 27,
-         Buffer, "20 21 22"},
-        {"memory", [] { return GetSystemTables(kBar, 0x20, buffer.Get()); }, 0x80240118, kHead + kSum + "00 00 00", 27,
-         Buffer, "20 21 22"},
-        {"stored read", [] { return PCIMMIOReadStored(kBar, 0x20, buffer.Get()); }, 0x802400FC,
-         kHead + kPlace + "00 00 00", 27, Buffer, "20 21 22"},
-        {"GPIO read", [] { return MMIOReadGPIO(kBar, 0x20, buffer.Get()); }, 0x80240104, kHead + kPlace + "00 00 00",
-         27, Buffer, "20 21 22"},
-        {"stored write", [] { return PCIMMIOWriteStored(kBar, 0x20, buffer.Get()); }, 0x80240108,
-         kHead + kPlace + "a0 a1 a2", 27, Buffer, "a0 a1 a2"},
-        {"GPIO write", [] { return MMIOWriteGPIO(kBar, 0x20, buffer.Get()); }, 0x80240110, kHead + kPlace + "a0 a1 a2",
-         27, Buffer, "a0 a1 a2"},
-        {"dynamic write", [] { return PCIMMIOWriteDynamic(&kDynamic, buffer.Get()); }, 0x8024010C,
-         kHead + "a4 a3 a2 a1 10 00 00 00 40 00 00 00 03 00 00 00 a0 a1 a2", 27, Buffer, "a0 a1 a2"},
+         "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00",                                                               56, [] { return Text(cpuid); },    "00 00 00 00 a9 06 03 00 04 00 00 00 00 00 00 00 02 00 00 00"},
+        {"non-turbo frequency", [] { return CalcFreqNonTurbo(&nonTurbo); },                  0x8024009C,
+         "01 00 00 00 ce 00 00 00 08 04 00 00 00 00 00 00 00 00 00 00",                                                               20, [] { return Text(nonTurbo); },
+         "01 00 00 00 ce 00 00 00 08 04 00 00 60 09 00 00 00 00 00 00"                                                                                                                                                                },
+        {"MMIO read",           [] { return PCIMMIORead(kBar, 0x20, buffer.Get()); },        0x80240114, kHead + kSum + "00 00 00",   27,
+         Buffer,                                                                                                                                                         "20 21 22"                                                   },
+        {"memory",              [] { return GetSystemTables(kBar, 0x20, buffer.Get()); },    0x80240118, kHead + kSum + "00 00 00",   27,
+         Buffer,                                                                                                                                                         "20 21 22"                                                   },
+        {"stored read",         [] { return PCIMMIOReadStored(kBar, 0x20, buffer.Get()); },  0x802400FC,
+         kHead + kPlace + "00 00 00",                                                                                                 27, Buffer,                        "20 21 22"                                                   },
+        {"GPIO read",           [] { return MMIOReadGPIO(kBar, 0x20, buffer.Get()); },       0x80240104, kHead + kPlace + "00 00 00",
+         27,                                                                                                                              Buffer,                        "20 21 22"                                                   },
+        {"stored write",        [] { return PCIMMIOWriteStored(kBar, 0x20, buffer.Get()); }, 0x80240108,
+         kHead + kPlace + "a0 a1 a2",                                                                                                 27, Buffer,                        "a0 a1 a2"                                                   },
+        {"GPIO write",          [] { return MMIOWriteGPIO(kBar, 0x20, buffer.Get()); },      0x80240110, kHead + kPlace + "a0 a1 a2",
+         27,                                                                                                                              Buffer,                        "a0 a1 a2"                                                   },
+        {"dynamic write",       [] { return PCIMMIOWriteDynamic(&kDynamic, buffer.Get()); }, 0x8024010C,
+         kHead + "a4 a3 a2 a1 10 00 00 00 40 00 00 00 03 00 00 00 a0 a1 a2",                                                          27, Buffer,                        "a0 a1 a2"                                                   },
     };
     for (const auto& c : kCases) {
         word = 0;
@@ -109,18 +104,20 @@ TEST_F(Requests, FailuresAreToldAndChangeNothing) {
         status_t status;
         const char* line;
     } kCases[] = {
-        {[] { return GetFERROXDriverVersion(&word); }, 5, "ERROR in OSGetFERROXDriverVersion ret =  0Bytes Returned = 0"},
-        {[] { return GetPCILibVersion(&word); }, 5, "ERROR in OSGetPCILibVersion ret =  0Bytes Returned = 0"},
-        {[] { return PCIRead(0, 0, buffer.Get()); }, 0, "ERROR in OSPCIRead ret = 0Bytes Returned0"},
-        {[] { return PCIMMIORead(kBar, 0, buffer.Get()); }, 0, "ERROR in OSPCIMMIORead ret =  0Bytes Returned0"},
-        {[] { return GetSystemTables(kBar, 0, buffer.Get()); }, 0, "ERROR in OSGetSystemTables ret =  0Bytes Returned0"},
-        {[] { return MMIOWriteGPIO(kBar, 0, buffer.Get()); }, 0, "ERROR in OSMMIOWriteGPIO ret =  0Bytes Returned0"},
-        {[] { return ReadWakeupTimer(0x70, buffer.Get()); }, 0, "ERROR in OSReadPort ret = 0Bytes Returned0"},
-        {[] { return ConfigureWakeUpTimer(0x70, buffer.Get()); }, 0, "ERROR in OSWritePort ret = 0Bytes Returned0"},
-        {[] { return ReadMSR(&msr); }, 0, "ERROR in OSReadMSR ret =  0 Bytes Returned0"},
-        {[] { return WriteMSR(&msr); }, 0, "ERROR in OSWriteMSR ret =  0 Bytes Returned0"},
-        {[] { return ReadCPUID(kAnyProcessor, &cpuid); }, 0, "ERROR in OSReadCPUID ret =  0Bytes Returned0"},
-        {[] { return CalcFreqNonTurbo(&nonTurbo); }, 5, "ERROR in OSDriverCalcNonTurbo ret =  0Bytes Returned0"},
+        {[] { return GetFERROXDriverVersion(&word); },            5,
+         "ERROR in OSGetFERROXDriverVersion ret =  0Bytes Returned = 0"                                                      },
+        {[] { return GetPCILibVersion(&word); },                  5, "ERROR in OSGetPCILibVersion ret =  0Bytes Returned = 0"},
+        {[] { return PCIRead(0, 0, buffer.Get()); },              0, "ERROR in OSPCIRead ret = 0Bytes Returned0"             },
+        {[] { return PCIMMIORead(kBar, 0, buffer.Get()); },       0, "ERROR in OSPCIMMIORead ret =  0Bytes Returned0"        },
+        {[] { return GetSystemTables(kBar, 0, buffer.Get()); },   0,
+         "ERROR in OSGetSystemTables ret =  0Bytes Returned0"                                                                },
+        {[] { return MMIOWriteGPIO(kBar, 0, buffer.Get()); },     0, "ERROR in OSMMIOWriteGPIO ret =  0Bytes Returned0"      },
+        {[] { return ReadWakeupTimer(0x70, buffer.Get()); },      0, "ERROR in OSReadPort ret = 0Bytes Returned0"            },
+        {[] { return ConfigureWakeUpTimer(0x70, buffer.Get()); }, 0, "ERROR in OSWritePort ret = 0Bytes Returned0"           },
+        {[] { return ReadMSR(&msr); },                            0, "ERROR in OSReadMSR ret =  0 Bytes Returned0"           },
+        {[] { return WriteMSR(&msr); },                           0, "ERROR in OSWriteMSR ret =  0 Bytes Returned0"          },
+        {[] { return ReadCPUID(kAnyProcessor, &cpuid); },         0, "ERROR in OSReadCPUID ret =  0Bytes Returned0"          },
+        {[] { return CalcFreqNonTurbo(&nonTurbo); },              5, "ERROR in OSDriverCalcNonTurbo ret =  0Bytes Returned0" },
     };
     int number = 1;  // the hypervisor test was the first
     for (const auto& c : kCases) {
@@ -143,12 +140,12 @@ TEST_F(Requests, ConfigurationSpaceIsReadInAlignedWords) {
         std::vector<uint64_t> words;
         const char* text;
     } kCases[] = {
-        {"over two words",  2,    4,  {0, 4},           "02 03 04 05"            },
-        {"last byte",       3,    1,  {0},              "03"                     },
-        {"one word",        4,    4,  {4},              "04 05 06 07"            },
-        {"three words",     0x0F, 6,  {0x0C, 0x10, 0x14}, "0f 10 11 12 13 14"    },
-        {"end of the space", 252, 4,  {252},            "fc fd fe ff"            },
-        {"size 0",          256,  0,  {},               ""                       },
+        {"over two words",   2,    4, {0, 4},             "02 03 04 05"      },
+        {"last byte",        3,    1, {0},                "03"               },
+        {"one word",         4,    4, {4},                "04 05 06 07"      },
+        {"three words",      0x0F, 6, {0x0C, 0x10, 0x14}, "0f 10 11 12 13 14"},
+        {"end of the space", 252,  4, {252},              "fc fd fe ff"      },
+        {"size 0",           256,  0, {},                 ""                 },
     };
     for (const auto& c : kCases) {
         ClBuffer data(c.size);
@@ -175,11 +172,11 @@ TEST_F(Requests, ExtendedSpaceUnderAHypervisorIsTheFirst256Bytes) {
         uint32_t location, offset, size;
         status_t status;
     } kCases[] = {
-        {0x0008,  252,  4, 1},
-        {0x0008,  256,  1, 2},
-        {0x0008,  253,  4, 2},
-        {0x10000, 0,    4, 6},
-        {0xFFFF,  0,    4, 1},
+        {0x0008,  252, 4, 1},
+        {0x0008,  256, 1, 2},
+        {0x0008,  253, 4, 2},
+        {0x10000, 0,   4, 6},
+        {0xFFFF,  0,   4, 1},
     };
     for (const auto& c : kCases) {
         ClBuffer data(c.size);

@@ -95,15 +95,15 @@ TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
         size_t failingAllocation;
         status_t status;
     } kCases[] = {
-        {"first block",     5, kTable, 2, 0,    5},
-        {"second block",    5, kTable, 3, 0,    5},
-        {"the table",       5, kTable, 4, 0,    5},
-        {"length 0",        0, kTable, 0, 0,    5},
-        {"address 0",       5, 0,      0, 0,    5},
-        {"no scan buffer",  5, kTable, 0, 4100, 3},
-        {"no request",      5, kTable, 0, 4120, 5},
-        {"no image",        5, kTable, 0, 9,    3},
-        {"nothing",         5, kTable, 0, 0,    1},
+        {"first block",    5, kTable, 2, 0,    5},
+        {"second block",   5, kTable, 3, 0,    5},
+        {"the table",      5, kTable, 4, 0,    5},
+        {"length 0",       0, kTable, 0, 0,    5},
+        {"address 0",      5, 0,      0, 0,    5},
+        {"no scan buffer", 5, kTable, 0, 4100, 3},
+        {"no request",     5, kTable, 0, 4120, 5},
+        {"no image",       5, kTable, 0, 9,    3},
+        {"nothing",        5, kTable, 0, 0,    1},
     };
     for (const auto& c : kCases) {
         NewPlatform();

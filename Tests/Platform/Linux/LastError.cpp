@@ -3,10 +3,6 @@
 
 static thread_local DWORD lastError = 0;
 
-DWORD GetLastError() {
-    return lastError;
-}
+DWORD GetLastError() { return lastError; }
 
-void SetLastError(DWORD error) {
-    lastError = error;
-}
+void SetLastError(DWORD error) { lastError = error; }
