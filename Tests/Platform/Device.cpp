@@ -12,12 +12,6 @@ namespace {
 constexpr size_t kMemoryHead = 24;
 constexpr size_t kFixedData = 16;
 
-uint64_t Number(const uint8_t* bytes, size_t width) {
-    uint64_t number = 0;
-    for (size_t index = width; index > 0; --index) number = number << 8 | bytes[index - 1];
-    return number;
-}
-
 void Put32(uint8_t* bytes, uint32_t number) {
     for (int index = 0; index < 4; ++index) bytes[index] = static_cast<uint8_t>(number >> 8 * index);
 }

@@ -90,22 +90,22 @@ TEST_F(ACPI, TableIntoTheCallersBuffer) {
 }
 
 TEST_F(ACPI, SegmentsOfMCFG) {
-    const Entry_t kEntry = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
+    const Entry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
     const struct {
         const char* what;
         std::vector<uint8_t> table;
         status_t status;
         uint32_t count;
     } kCases[] = {
-        {"two",                         MCFG({kEntry, kEntry}), 1,         2                                  },
-        {"none",                        MCFG({}),               5,         0                                  },
-        {"a broken entry",              MCFG({kEntry, kEntry},  75),       1,                                   1},
-        {"a length below 44",                             MCFG({kEntry},                                 43), 5, 0},
-        {"longer than any",                            MCFG({kEntry},                                                  0xFFFFFFFF),                                           1,                                      1},
-        {"longer than the table",                            MCFG({kEntry},                                                 0x10000),                1,1},
-        {"256",                     MCFG(std::vector(256,kEntry)),1,                               256},
-        {"more than there are numbers",MCFG(std::vector(300,          kEntry)),                                1,                                  256},
-        {"no whole header", {'M', 'C', 'F', 'G', 0xFF, 0xFF},               5,       0         },
+        {"two",                         MCFG({kSegment, kSegment}), 1,        2                                     },
+        {"none",                        MCFG({}),                   5,        0                                     },
+        {"a broken entry",              MCFG({kSegment, kSegment},  75),      1,                                      1},
+        {"a length below 44",                             MCFG({kSegment},                                     43),  5, 0},
+        {"longer than any",                            MCFG({kSegment},                                                      0xFFFFFFFF),                                              1,                                          1},
+        {"longer than the table",                            MCFG({kSegment},                                                     0x10000),                1,1},
+        {"256",                     MCFG(std::vector(256,kSegment)),1,                                  256},
+        {"more than there are numbers",MCFG(std::vector(300,            kSegment)),                                  1,                                    256},
+        {"no whole header", {'M', 'C', 'F', 'G', 0xFF, 0xFF},                   5,      0         },
     };
     for (const auto& c : kCases) {
         Platform().tables["MCFG"] = c.table;
@@ -119,7 +119,7 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         EXPECT_EQ(uint32_t{last.Segment}, 0x0102u) << c.what;
         EXPECT_EQ(uint32_t{last.StartBus}, 3u) << c.what;
         EXPECT_EQ(uint32_t{last.EndBus}, 0x7Fu) << c.what;
-        EXPECT_EQ(uint64_t{last.BaseAddress}, kEntry.base) << c.what;
+        EXPECT_EQ(uint64_t{last.BaseAddress}, kSegment.base) << c.what;
         EXPECT_EQ(uint32_t{last.SegmentCount}, c.count) << c.what;
         EXPECT_EQ(GetSegBusInfo(segments.data()), kSuccess) << c.what;
     }

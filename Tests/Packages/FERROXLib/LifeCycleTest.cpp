@@ -324,11 +324,8 @@ TEST_F(LifeCycle, AnyFailingCallIsUndone) {
         NewPlatform();
         Platform().failCall = number;
         const status_t status = FERROXInitialize();
-        if (Platform().calls.size() < number) {
-            EXPECT_EQ(status, kSuccess);
-            EXPECT_EQ(FERROXTerminate(), kSuccess);
-            break;
-        }
+        Platform().failCall = 0;
+        if (Platform().calls.size() < number) break;
         const std::string failed = Platform().calls[number - 1];
         ++tried;
         if (kGoesOn.contains(failed)) {
@@ -360,6 +357,7 @@ TEST_F(LifeCycle, AnyFailingCallOfASecondProcessLeavesTheFirstAlone) {
         Platform().OtherProcess(1);
         Platform().failCall = number;
         const status_t status = FERROXInitialize();
+        Platform().failCall = 0;
         if (Platform().calls.size() < number) break;
         const std::string failed = Platform().calls[number - 1];
         if (status != kSuccess && Platform().Open().find("device") == std::string::npos) {
