@@ -88,4 +88,6 @@ LONG WINAPI ReportUnhandledException(EXCEPTION_POINTERS* pointers) {
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-void InstallCrashReport() {}
+void InstallCrashReport() {
+    SetUnhandledExceptionFilter(ReportUnhandledException);
+}

@@ -9,8 +9,8 @@ static ClScriptedPlatform platform;
 ClScriptedPlatform& Platform() { return platform; }
 
 ClScriptedPlatform& NewPlatform() {
-    platform = ClScriptedPlatform();
     ClScriptedPlatform::failAllocationOf = 0;
+    platform = ClScriptedPlatform();
     return platform;
 }
 

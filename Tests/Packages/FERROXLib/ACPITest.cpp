@@ -143,6 +143,7 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
     EXPECT_TRUE(Platform().Traced(16, "ERROR in OSGetSegBusInfo status =  5"));
     ClScriptedPlatform::failAllocationOf = 64;
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kNoMemory);
+    ClScriptedPlatform::failAllocationOf = 0;
     EXPECT_EQ(count, 99u);
 }
 
