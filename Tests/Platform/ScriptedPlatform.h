@@ -55,7 +55,7 @@ class ClScriptedPlatform {
     std::map<std::string, std::vector<uint8_t>> tables;  // ACPI tables by name
     std::map<uint64_t, uint8_t> memory;                  // bytes of physical memory; others read as address & 0xFF
     DWORD waitAnswer = WAIT_OBJECT_0;
-    DWORD tickCount = 0xFFFFFF00;  // near its end, so that every wait crosses it
+    DWORD tickCount = 0xFFFFC000;  // 16 seconds before it starts again at 0
 
     // ---- Failures: of the call of this number among `calls`, and of calls by name and occurrence ("OpenServiceA#2")
     size_t failCall = 0;

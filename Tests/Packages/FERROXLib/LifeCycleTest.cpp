@@ -375,6 +375,26 @@ TEST_F(LifeCycle, AnyFailingCallOfASecondProcessLeavesTheFirstAlone) {
     }
 }
 
+TEST_F(LifeCycle, StepsOnAMachineWithoutServiceLeaveNothingOpen) {
+    Platform().registryPath.reset();
+    const struct {
+        const char* what;
+        status_t (*step)();
+        status_t status;
+    } kCases[] = {
+        {"register",    RegisterDriver,        0},
+        {"start",       StartDriver,           0},
+        {"stop",        StopDriver,            0},
+        {"remove",      RemoveDriver,          0},
+        {"auto-loaded", checkDriverAutoLoaded, 0},
+        {"unlock",      unlockInstallFile,     1},
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(c.step(), c.status) << c.what;
+        EXPECT_EQ(Platform().Open(), "") << c.what;
+    }
+}
+
 TEST_F(LifeCycle, NoMemoryForTheServiceConfigurationCountsAsNotAutoLoaded) {
     Platform().service = {true, kDriverFile, SERVICE_AUTO_START, SERVICE_RUNNING, 0, {}, {}, SERVICE_STOPPED};
     ClScriptedPlatform::failAllocationOf = sizeof(QUERY_SERVICE_CONFIGA) + 120;
