@@ -17,12 +17,14 @@ static ContainerHandle_t DebugSyncList = nullptr;  // lives beside the handles; 
 static ConfigState_t ConfigState = ConfigState_t::NotRead;
 static LibVersion_t LibVersion = {};
 
-// The default functions of a handle are this library's own, so that a handle can tell them from a host's.
+// The default functions of a handle are this library's own, so that a handle can tell them from a host's. A console
+// line is flushed: it stands in order with what the host writes by other means, and the last one before a crash is seen.
 QUORLIN_PRINTF_LIKE(1, 2) static int PrintToConsole(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     const int length = std::vprintf(format, arguments);
     va_end(arguments);
+    std::fflush(stdout);
     return length;
 }
 
