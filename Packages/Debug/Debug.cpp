@@ -18,7 +18,8 @@ static ConfigState_t ConfigState = ConfigState_t::NotRead;
 static LibVersion_t LibVersion = {};
 
 // The default functions of a handle are this library's own, so that a handle can tell them from a host's. A console
-// line is flushed: it stands in order with what the host writes by other means, and the last one before a crash is seen.
+// line is flushed: it stands in order with what the host writes by other means, and the last one before a crash
+// is seen.
 QUORLIN_PRINTF_LIKE(1, 2) static int PrintToConsole(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -41,9 +42,7 @@ static int32_t CompareHandles(const void* first, const void* second) {
         os_strcmp(static_cast<const DebugRecord_t*>(first)->Name, static_cast<const DebugRecord_t*>(second)->Name));
 }
 
-static int32_t ComparePointers(const void* first, const void* second) {
-    return first == second ? 0 : 1;
-}
+static int32_t ComparePointers(const void* first, const void* second) { return first == second ? 0 : 1; }
 
 status_t CreateList(const char* name, ContainerCompare_t compare, ContainerHandle_t* list) {
     ContainerParams_t params = {};

@@ -60,56 +60,74 @@ TEST_F(ClDebugConfig, TokensAddUpFromLeftToRight) {
 
 // Each text follows a line that gives handle A the mask 1. A bad one takes that away as well.
 TEST_F(ClDebugConfig, TakesAndRefusesLines) {
-    const std::string comment254 = "#" + std::string(254, 'x');
     const struct {
         const char* what;
-        std::string text;
+        const char* text;
         uint64_t traceMask;
     } kCases[] = {
-        {"white space anywhere",          "A : Trace\tType < I n >\r\n",                     2  },
-        {"text behind the value",         "A:TraceType<In>:<>#",                             2  },
-        {"the last of a key counts",      "A:TraceType<In>\nA:TraceType<Pa>",                4  },
-        {"an empty value",                "A:TraceType<>",                                   0  },
-        {"another package",               "B:TraceType<In>",                                 1  },
-        {"another case",                  "a:TraceType<In>",                                 1  },
-        {"headers and empty lines",       "[GLOBAL]\n\n \t\n[ PACKAGES ]\nA:TraceType<In>",  2  },
-        {"comments",                      "# A:TraceType<In>\n  #\n#:<>",                    1  },
-        {"flush of a package",            "A:SyncFlag<Y>",                                   1  },
-        {"flush of a package, any value", "A:SyncFlag<?>",                                   1  },
-        {"flush of all, any value",       "Global:SyncFlag<yes>",                            1  },
-        {"a package without a name",      ":TraceType<In>",                                  1  },
-        {"first delimiters",              "A<>:TraceType<In>",                               1  },
-        {"no end of line",                "A:TraceType<In>",                                 2  },
-        {"255 characters",                comment254 + "\nA:TraceType<In>",                  2  },
-        {"a second piece",                comment254 + "A:TraceType<In>",                    2  },
-        {"a second piece that is bad",    comment254 + "x",                                  0  },
-        {"a NUL ends its line",           std::string("A:TraceType<In>\0x\nA:TraceType<Pa>", 34), 4},
+        {"white space anywhere",          "A : Trace\tType < I n >\r\n",                    2},
+        {"text behind the value",         "A:TraceType<In>:<>#",                            2},
+        {"the last of a key counts",      "A:TraceType<In>\nA:TraceType<Pa>",               4},
+        {"an empty value",                "A:TraceType<>",                                  0},
+        {"another package",               "B:TraceType<In>",                                1},
+        {"another case",                  "a:TraceType<In>",                                1},
+        {"headers and empty lines",       "[GLOBAL]\n\n \t\n[ PACKAGES ]\nA:TraceType<In>", 2},
+        {"comments",                      "# A:TraceType<In>\n  #\n#:<>",                   1},
+        {"flush of a package",            "A:SyncFlag<Y>",                                  1},
+        {"flush of a package, any value", "A:SyncFlag<?>",                                  1},
+        {"flush of all, any value",       "Global:SyncFlag<yes>",                           1},
+        {"a package without a name",      ":TraceType<In>",                                 1},
+        {"first delimiters",              "A<>:TraceType<In>",                              1},
+        {"no end of line",                "A:TraceType<In>",                                2},
 
-        {"no colon",                               "A.TraceType<In>",                                                                       0                          },
-        {"no less-than",                               "A:TraceType.In>",                                                                   0},
-        {"no greater-than",                               "A:TraceType<In",                                                                0                        },
-        {"delimiters in another order",                               "A<TraceType:In>",                                                    0},
-        {"greater-than before the value",                               "A:Trace>Type<In",                                                  0                      },
-        {"unknown key",                               "A:Foo<Al>",                                                                    0       },
-        {"unknown key, other package",                               "B:Foo<Al>",                                                     0       },
-        {"another case of the key",                               "A:tracetype<Al>",                                                        0    },
-        {"no key",                               "A:<Al>",                                                                         0                                 },
-        {"a single letter",                               "A:TraceType<Inx>",                                                                0},
-        {"unknown token",                               "A:TraceType<InXx>",                                                                  0                                  },
-        {"another case of the token",                               "A:TraceType<IN>",                                                      0},
-        {"a token of another key",                               "A:TraceType<Co>",                                                         0                                     },
-        {"tokens with a comma",                               "A:TraceType<In,Pa>",                                                            0},
-        {"unknown header",                               "[OTHER]",                                                                 0                                                     },
-        {"a header with more behind it",                               "[GLOBAL]x",                                                   0},
-        {"good lines behind a bad one",                               "x\nA:TraceType<Al>",                                                    0                                             },
-        {"bytes",                               "\xFF\xFE\x01:\x80<>",                                                                          0},
+        {"no colon",                      "A.TraceType<In>",                                0},
+        {"no less-than",                  "A:TraceType.In>",                                0},
+        {"no greater-than",               "A:TraceType<In",                                 0},
+        {"delimiters in another order",   "A<TraceType:In>",                                0},
+        {"greater-than before the value", "A:Trace>Type<In",                                0},
+        {"unknown key",                   "A:Foo<Al>",                                      0},
+        {"unknown key, other package",    "B:Foo<Al>",                                      0},
+        {"another case of the key",       "A:tracetype<Al>",                                0},
+        {"no key",                        "A:<Al>",                                         0},
+        {"a single letter",               "A:TraceType<Inx>",                               0},
+        {"unknown token",                 "A:TraceType<InXx>",                              0},
+        {"another case of the token",     "A:TraceType<IN>",                                0},
+        {"a token of another key",        "A:TraceType<Co>",                                0},
+        {"tokens with a comma",           "A:TraceType<In,Pa>",                             0},
+        {"unknown header",                "[OTHER]",                                        0},
+        {"a header with more behind it",  "[GLOBAL]x",                                      0},
+        {"good lines behind a bad one",   "x\nA:TraceType<Al>",                             0},
+        {"bytes",                         "\xFF\xFE\x01:\x80<>",                            0},
     };
     for (const auto& c : kCases) {
-        Restart("A:TraceType<En>\n" + c.text);
+        Restart(std::string("A:TraceType<En>\n") + c.text);
         DebugHandle_t handle = Open("A");
         ASSERT_NE(handle, nullptr) << c.what;
         EXPECT_EQ(handle->TraceMask, c.traceMask) << c.what;
     }
+}
+
+TEST_F(ClDebugConfig, ALongLineIsTakenInPieces) {
+    const std::string comment255 = "#" + std::string(254, 'x');
+    const struct {
+        const char *what, *behind;
+        uint64_t traceMask;
+    } kCases[] = {
+        {"255 characters",             "\nA:TraceType<In>", 2},
+        {"a second piece",             "A:TraceType<In>",   2},
+        {"a second piece that is bad", "x",                 0},
+    };
+    for (const auto& c : kCases) {
+        Restart("A:TraceType<En>\n" + comment255 + c.behind);
+        EXPECT_EQ(Open("A")->TraceMask, c.traceMask) << c.what;
+    }
+}
+
+TEST_F(ClDebugConfig, ANulEndsItsLine) {
+    using namespace std::string_literals;
+    Restart("A:TraceType<In>\0x\nA:OutputType<Fi>\n\0A:TraceType<Pa>"s);
+    EXPECT_EQ(Open("A")->TraceMask, 2u);
+    EXPECT_EQ(Open("A")->OutputType, 2u);
 }
 
 TEST_F(ClDebugConfig, GlobalIsAppliedLast) {
