@@ -180,7 +180,7 @@ ClSMBIOSType::~ClSMBIOSType() {
 void ClSMBIOSType::Fill_String_Data(std::string key, std::string value, uint8_t group) {
     try {
         if (group != 0) key += kGroupMark;
-        auto item = std::make_unique<ItemPair>(std::move(key), std::move(value));
+        std::unique_ptr<ItemPair> item(new ItemPair{std::move(key), std::move(value)});
         m_items.push_back(item.get());
         item.release();
     } catch (const std::bad_alloc&) {
