@@ -4,9 +4,9 @@
 #include "Sources/Decoders.h"
 #include "Sources/Quorlin.h"
 
-template <class Decoder>
-static ClSMBIOSType* New() {
-    return new (std::nothrow) Decoder;
+template <class Decoder, class... Arguments>
+static ClSMBIOSType* New(Arguments... arguments) {
+    return new (std::nothrow) Decoder(arguments...);
 }
 
 ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
@@ -19,6 +19,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType2>();
         case 3:
             return New<ClSMBIOSType3>();
+        case 4:
+            return New<ClSMBIOSType4>(m_processorSignature);
         case 5:
             return New<ClSMBIOSType5>();
         case 6:

@@ -24,6 +24,18 @@ class ClSMBIOSType3 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType4 final : public ClSMBIOSType {
+  public:
+    // Two rows of the family table depend on the processor.
+    explicit ClSMBIOSType4(uint32_t processorSignature) { m_processorSignature = processorSignature; }
+    void PrintStructure(const uint8_t* pData) override;
+
+    std::string GetProcessorFamilyString(uint16_t family) const;
+    static std::string GetProcessorStatusString(uint16_t status);
+    static std::string GetProcessorUpgradeString(uint16_t upgrade);
+    static std::string GetProcessorCharacteristicsString(uint16_t characteristics);
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:

@@ -155,6 +155,11 @@ constexpr Rendering_t YesNo8(uint32_t bit) { return {ShowYesNo8, {}, {}, bit}; }
 constexpr Rendering_t YesNo32(uint32_t bit) { return {ShowYesNo32, {}, {}, bit}; }
 // A word in decimal with its unit, as in " MHz".
 constexpr Rendering_t Dec16WithUnit(std::string_view unit) { return {ShowDec16WithUnit, {}, unit}; }
+// A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
+template <auto GetText>
+inline constexpr Rendering_t Text8{[](const Field_t& field) { return GetText(field.Byte()); }};
+template <auto GetText>
+inline constexpr Rendering_t Text16{[](const Field_t& field) { return GetText(field.Word()); }};
 
 // Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
 class ClSMBIOSType {
