@@ -25,6 +25,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType5>();
         case 6:
             return New<ClSMBIOSType6>();
+        case 7:
+            return New<ClSMBIOSType7>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

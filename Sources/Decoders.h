@@ -36,6 +36,15 @@ class ClSMBIOSType4 final : public ClSMBIOSType {
     static std::string GetProcessorCharacteristicsString(uint16_t characteristics);
 };
 
+class ClSMBIOSType7 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    static std::string GetCacheSizeString(uint16_t size);
+    static std::string GetCacheMemoryTypeString(uint16_t types);
+    static std::string GetAssociativityString(uint8_t associativity);
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
