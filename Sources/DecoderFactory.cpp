@@ -27,6 +27,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType6>();
         case 7:
             return New<ClSMBIOSType7>();
+        case 8:
+            return New<ClSMBIOSType8>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

@@ -45,6 +45,14 @@ class ClSMBIOSType7 final : public ClSMBIOSType {
     static std::string GetAssociativityString(uint8_t associativity);
 };
 
+class ClSMBIOSType8 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    static std::string GetConnectorTypeString(uint8_t type);
+    static std::string GetPortTypeString(uint8_t type);
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
