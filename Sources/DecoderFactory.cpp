@@ -29,6 +29,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType7>();
         case 8:
             return New<ClSMBIOSType8>();
+        case 9:
+            return New<ClSMBIOSType9>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

@@ -53,6 +53,16 @@ class ClSMBIOSType8 final : public ClSMBIOSType {
     static std::string GetPortTypeString(uint8_t type);
 };
 
+class ClSMBIOSType9 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    static std::string GetSlotTypeString(uint8_t type);
+    static std::string GetSlotDataBusWidthString(uint8_t width);
+    static std::string GetSlotCharacteristicsString(uint8_t characteristics);
+    static std::string GetSlotCharacteristics2String(uint8_t characteristics);
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
