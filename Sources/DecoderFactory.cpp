@@ -31,6 +31,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType8>();
         case 9:
             return New<ClSMBIOSType9>();
+        case 10:
+            return New<ClSMBIOSType10>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

@@ -63,6 +63,11 @@ class ClSMBIOSType9 final : public ClSMBIOSType {
     static std::string GetSlotCharacteristics2String(uint8_t characteristics);
 };
 
+class ClSMBIOSType10 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
