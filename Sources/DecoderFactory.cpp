@@ -33,6 +33,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType9>();
         case 10:
             return New<ClSMBIOSType10>();
+        case 11:
+            return New<ClSMBIOSType11>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

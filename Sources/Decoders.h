@@ -68,6 +68,11 @@ class ClSMBIOSType10 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType11 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
