@@ -35,6 +35,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType10>();
         case 11:
             return New<ClSMBIOSType11>();
+        case 12:
+            return New<ClSMBIOSType12>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

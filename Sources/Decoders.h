@@ -73,6 +73,11 @@ class ClSMBIOSType11 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType12 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
