@@ -37,6 +37,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType11>();
         case 12:
             return New<ClSMBIOSType12>();
+        case 13:
+            return New<ClSMBIOSType13>(m_smbiosMajor, m_smbiosMinor);
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

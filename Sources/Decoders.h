@@ -78,6 +78,21 @@ class ClSMBIOSType12 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType13 final : public ClSMBIOSType {
+  public:
+    // The version of the table, which decides whether it holds the flags.
+    ClSMBIOSType13(uint8_t smbiosMajor, uint8_t smbiosMinor) : m_smbiosMajor(smbiosMajor), m_smbiosMinor(smbiosMinor) {}
+    void PrintStructure(const uint8_t* pData) override;
+
+    bool IsVersion21OrLater() const;
+    // The name of a lower-case language string; "Unknown Language" for one without a row, and for null.
+    static std::string GetLanguageName(const char* ccStr);
+
+  private:
+    uint8_t m_smbiosMajor;
+    uint8_t m_smbiosMinor;
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
