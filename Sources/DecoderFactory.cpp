@@ -39,6 +39,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType12>();
         case 13:
             return New<ClSMBIOSType13>(m_smbiosMajor, m_smbiosMinor);
+        case 14:
+            return New<ClSMBIOSType14>();
         case 31:
             return New<ClSMBIOSType31>();
         case 40:

@@ -93,6 +93,16 @@ class ClSMBIOSType13 final : public ClSMBIOSType {
     uint8_t m_smbiosMinor;
 };
 
+class ClSMBIOSType14 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    // Adds the items of the group's members: of every structure of the first of its types that the table holds.
+    void GetComponentInfo(const uint8_t* pData);
+    // Adds the items of one member, a record's body of whatever type, read as a firmware version structure.
+    void GetBiosVersionInfo(const uint8_t* pData);
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
