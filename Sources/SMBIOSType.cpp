@@ -182,6 +182,14 @@ std::string ShowDec16WithUnit(const Field_t& field) {
     return std::to_string(field.Word()).append(field.row.rendering.text);
 }
 
+std::string ShowDec16AndHex(const Field_t& field) {
+    return ShowDec16(field).append(" (").append(ShowHex16(field)).append(")");
+}
+
+std::string ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeString(field.Byte()); }
+std::string ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
+std::string ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
+
 ClSMBIOSType::~ClSMBIOSType() {
     for (ItemPair* item : m_items) delete item;
 }

@@ -150,6 +150,10 @@ std::string ShowEnum8(const Field_t& field);
 std::string ShowYesNo8(const Field_t& field);
 std::string ShowYesNo32(const Field_t& field);
 std::string ShowDec16WithUnit(const Field_t& field);
+std::string ShowDec16AndHex(const Field_t& field);
+std::string ShowErrorType(const Field_t& field);
+std::string ShowErrorGranularity(const Field_t& field);
+std::string ShowErrorOperation(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
@@ -170,6 +174,11 @@ constexpr Rendering_t YesNo8(uint32_t bit) { return {ShowYesNo8, {}, {}, bit}; }
 constexpr Rendering_t YesNo32(uint32_t bit) { return {ShowYesNo32, {}, {}, bit}; }
 // A word in decimal with its unit, as in " MHz".
 constexpr Rendering_t Dec16WithUnit(std::string_view unit) { return {ShowDec16WithUnit, {}, unit}; }
+// A word in decimal, and in parentheses in hexadecimal of at least `digits`: 64 (0040h).
+constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}, {}, digits}; }
+// The three codes of the memory error structures.
+inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
+    ErrorOperation{ShowErrorOperation};
 // A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
 template <auto GetText>
 inline constexpr Rendering_t Text8{[](const Field_t& field) { return GetText(field.Byte()); }};

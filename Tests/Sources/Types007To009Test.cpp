@@ -1,7 +1,7 @@
 // The decoders of types 7 to 9: caches, port connectors and slots.
 #include <gtest/gtest.h>
 
-#include "Tests/Support/Runs.h"
+#include "Tests/Support/Enumerations.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Sources/Decoders.h"
-#include "Tests/Support/Runs.h"
+#include "Tests/Support/Enumerations.h"
 
 namespace {
 
