@@ -57,18 +57,10 @@ unsigned long long Information(const EXCEPTION_RECORD& record, uint32_t index) {
 void PrintAccess(const EXCEPTION_RECORD& record) {
     const unsigned long long address = Information(record, 1);
     switch (Information(record, 0)) {
-        case 0:
-            std::printf(" Attempted to read from: 0x%08llx", address);
-            break;
-        case 1:
-            std::printf(" Attempted to write to: 0x%08llx", address);
-            break;
-        case 8:
-            std::printf(" Data Execution Prevention (DEP) at: 0x%08llx", address);
-            break;
-        default:
-            std::printf(" Unknown access violation at: 0x%08llx", address);
-            break;
+        case 0: std::printf(" Attempted to read from: 0x%08llx", address); break;
+        case 1: std::printf(" Attempted to write to: 0x%08llx", address); break;
+        case 8: std::printf(" Data Execution Prevention (DEP) at: 0x%08llx", address); break;
+        default: std::printf(" Unknown access violation at: 0x%08llx", address); break;
     }
 }
 
@@ -88,6 +80,4 @@ LONG WINAPI ReportUnhandledException(EXCEPTION_POINTERS* pointers) {
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-void InstallCrashReport() {
-    SetUnhandledExceptionFilter(ReportUnhandledException);
-}
+void InstallCrashReport() { SetUnhandledExceptionFilter(ReportUnhandledException); }
