@@ -21,13 +21,13 @@ constexpr size_t kEntryCount = 0x04, kEntries = 0x05, kEntrySize = 7, kVersionIn
 // Whatever precedes the body in a record.
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
-std::string ShowVersion(const Field_t& field) {
+ClText ShowVersion(const Field_t& field) {
     const ClStructure& member = field.structure;
     const size_t offset = field.row.offset;
     char text[48];
     std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", member.Byte(offset), member.Byte(offset + 1),
                   member.Byte(offset + 2), member.Word(offset + 3));
-    return text;
+    return std::string(text);
 }
 
 constexpr Rendering_t Version{ShowVersion};
