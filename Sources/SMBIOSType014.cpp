@@ -18,7 +18,7 @@ constexpr size_t kGroupItems = 0x05, kGroupItemSize = 3;
 // its offset 2 and a word.
 constexpr size_t kEntryCount = 0x04, kEntries = 0x05, kEntrySize = 7, kVersionInEntry = 2;
 
-// Whatever precedes the body in a record.
+// In front of a record's body stands its type.
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
 ClText ShowVersion(const Field_t& field) {
@@ -58,7 +58,7 @@ void ClSMBIOSType14::GetComponentInfo(const uint8_t* pData) {
         uint8_t** records = nullptr;
         uint8_t count = 0;
         if (GetSMBIOSStruture(type, &records, &count) != kSuccess) {
-            TRACE("GetComponentInfo", kError, "No structures of type %u", static_cast<unsigned>(type));
+            TRACE("GetComponentInfo", kError, "The structures of type %u can't be had", static_cast<unsigned>(type));
             continue;
         }
         for (uint8_t index = 0; index < count; index++) GetBiosVersionInfo(records[index] + kTypeWordSize);
