@@ -11,6 +11,7 @@
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 // As fopen; null with errno set.
 std::FILE* OpenFile(const std::string& path, const char* mode);
+bool IsFolder(const std::string& path);
 // From here on bytes reach standard output as they are written; a console takes them as UTF-8.
 void PrepareStandardOutput();
 bool IsStandardOutputTerminal();

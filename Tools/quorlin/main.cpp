@@ -2,12 +2,13 @@
 #include <memory>
 #include <new>
 
+#include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Platform/Platform.h"
 #include "Packages/Platform/Program.h"
 #include "Packages/Sample/Sample.h"
-#include "Tools/quorlin/Image.h"
 #include "Tools/quorlin/Options.h"
+#include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Show.h"
 
 namespace {
@@ -15,6 +16,17 @@ namespace {
 constexpr uint32_t kRawSMBIOSProvider = 0x52534D42;
 
 bool UseImage(const Image_t& image) { return SetImageMachine(&image.source) == kSuccess; }
+
+// Takes the image of a file. False with a line on standard error.
+bool UseImageFile(const std::string& path, Image_t* image) {
+    std::string error;
+    if (ReadImage(path, TableForm_t::kAny, image, &error) != kSuccess) {
+        SayError(path, error);
+        return false;
+    }
+    if (const std::string remark = image->Remark(); !remark.empty()) SayError(path, remark);
+    return UseImage(*image);
+}
 
 bool UseSample(const Options_t& options, Image_t* image) {
     const std::span<const uint8_t> table = SampleTable();
@@ -32,7 +44,7 @@ std::string WhyNoTable() {
 // Brings a package up on the machine that the options name. False with a line on standard error.
 bool BringUp(const Options_t& options, Image_t* image, Quorlin& package) {
     image->source = {nullptr, 0, options.major, options.minor, options.signature};
-    if (options.source == Source_t::kImageFile && !(ReadImage(options.image, image) && UseImage(*image))) return false;
+    if (options.source == Source_t::kImageFile && !UseImageFile(options.image, image)) return false;
     if (options.source == Source_t::kSample && !UseSample(options, image)) return false;
     if (package.Initialize() == kSuccess) return true;
     package.UnInitialize();

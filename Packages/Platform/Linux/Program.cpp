@@ -1,5 +1,6 @@
 #include "Packages/Platform/Program.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -7,6 +8,11 @@
 std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv, argv + argc}; }
 
 std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
+
+bool IsFolder(const std::string& path) {
+    struct stat facts = {};
+    return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+}
 
 void PrepareStandardOutput() {}
 

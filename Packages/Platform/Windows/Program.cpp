@@ -42,6 +42,11 @@ std::FILE* OpenFile(const std::string& path, const char* mode) {
     return _wfopen(ToWide(path).c_str(), (ToWide(mode) + L"b").c_str());
 }
 
+bool IsFolder(const std::string& path) {
+    const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 void PrepareStandardOutput() {
     _setmode(_fileno(stdout), _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);
