@@ -1,6 +1,7 @@
 // The package: set-up and tear-down, the sweep, and the items that a host reads.
 #include "Sources/Quorlin.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -106,6 +107,12 @@ status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
     for (const TypeRange_t& range : kSweptTypes)
         for (unsigned type = range.first; type <= range.last; type++) status = DecodeType(static_cast<uint8_t>(type));
     return status;
+}
+
+bool Quorlin::IsSwept(uint8_t type) {
+    return std::ranges::any_of(kSweptTypes, [type](const TypeRange_t& range) {
+        return type >= range.first && type <= range.last;
+    });
 }
 
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }

@@ -14,8 +14,6 @@ DebugHandle_t storeTraceHandle = nullptr;
 
 namespace {
 
-constexpr uint8_t kEndOfTable = 127;
-constexpr uint32_t kHeaderSize = 4;
 constexpr uint32_t kTypes = 256;
 constexpr uint32_t kMostRecords = 255;  // that a lookup with an 8-bit count hands out
 
@@ -207,22 +205,6 @@ void CloseMachineAndTrace() {
 }  // namespace
 
 bool StoreIsUp() { return instanceCount != 0; }
-
-TableStructure_t StructureAt(const uint8_t* table, uint32_t length, uint32_t offset) {
-    const uint8_t* start = table + offset;
-    const uint32_t atHand = length - offset;
-    if (atHand < kHeaderSize) return {start, 0};
-    // Two NULs side by side end a structure, wherever Length puts the begin of the search.
-    uint32_t end = start[1];
-    while (end + 1 < atHand) {
-        const auto* nul = static_cast<const uint8_t*>(std::memchr(start + end, 0, atHand - 1 - end));
-        if (nul == nullptr) break;
-        end = static_cast<uint32_t>(nul - start);
-        if (nul[1] == 0) return {start, end + 2};
-        end++;
-    }
-    return {start, atHand};
-}
 
 const char* FindStructString(const char* area, uint8_t number) {
     const char* start = area;
