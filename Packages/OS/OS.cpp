@@ -66,7 +66,10 @@ int32_t os_snprintf(char* buffer, size_t size, size_t count, const char* format,
 status_t os_GetTimestampMs(uint64_t* milliseconds) {
     if (milliseconds == nullptr) return kNullPointer;
     LARGE_INTEGER ticks, perSecond;
-    if (!QueryPerformanceCounter(&ticks) || !QueryPerformanceFrequency(&perSecond)) return GetLastError();
+    if (!QueryPerformanceCounter(&ticks) || !QueryPerformanceFrequency(&perSecond)) {
+        const status_t error = GetLastError();
+        return error != kSuccess ? error : kFailure;  // the system has an error of the number of our success
+    }
     const double seconds = static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
     *milliseconds = static_cast<uint64_t>(seconds * 1000);
     return kSuccess;
