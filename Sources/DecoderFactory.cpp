@@ -25,8 +25,26 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType6>();
         case 31:
             return New<ClSMBIOSType31>();
+        case 32:
+            return New<ClSMBIOSType32>();
+        case 33:
+            return New<ClSMBIOSType33>();
+        case 34:
+            return New<ClSMBIOSType34>();
+        case 35:
+            return New<ClSMBIOSType35>();
+        case 36:
+            return New<ClSMBIOSType36>();
+        case 37:
+            return New<ClSMBIOSType37>();
+        case 38:
+            return New<ClSMBIOSType38>();
+        case 39:
+            return New<ClSMBIOSType39>();
         case 40:
             return New<ClSMBIOSType40>();
+        case 41:
+            return New<ClSMBIOSType41>();
         case 42:
             return New<ClSMBIOSType42>();
         case 126:

@@ -165,6 +165,15 @@ std::string ShowDec16WithUnit(const Field_t& field) {
     return std::to_string(field.Word()).append(field.row.rendering.text);
 }
 
+static std::string BitText(const Field_t& field, uint32_t value) {
+    const Rendering_t& rendering = field.row.rendering;
+    return std::string(TextOf(rendering.table, value >> rendering.number & 1, {}));
+}
+
+std::string ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
+std::string ShowBit16(const Field_t& field) { return BitText(field, field.Word()); }
+std::string ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
+
 ClSMBIOSType::~ClSMBIOSType() {
     for (ItemPair* item : m_items) delete item;
 }

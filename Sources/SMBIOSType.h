@@ -137,6 +137,9 @@ std::string ShowEnum8(const Field_t& field);
 std::string ShowYesNo8(const Field_t& field);
 std::string ShowYesNo32(const Field_t& field);
 std::string ShowDec16WithUnit(const Field_t& field);
+std::string ShowBit8(const Field_t& field);
+std::string ShowBit16(const Field_t& field);
+std::string ShowBit32(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
@@ -155,6 +158,10 @@ constexpr Rendering_t YesNo8(uint32_t bit) { return {ShowYesNo8, {}, {}, bit}; }
 constexpr Rendering_t YesNo32(uint32_t bit) { return {ShowYesNo32, {}, {}, bit}; }
 // A word in decimal with its unit, as in " MHz".
 constexpr Rendering_t Dec16WithUnit(std::string_view unit) { return {ShowDec16WithUnit, {}, unit}; }
+// One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
+constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
+constexpr Rendering_t Bit16(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit16, table, {}, bit}; }
+constexpr Rendering_t Bit32(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit32, table, {}, bit}; }
 
 // Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
 class ClSMBIOSType {
