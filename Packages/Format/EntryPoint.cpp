@@ -30,19 +30,15 @@ bool ParseEntryPoint(const uint8_t* bytes, size_t size, EntryPoint_t* point) {
                   0,
                   Read<uint64_t>(bytes, 0x10),
                   Read<uint32_t>(bytes, 0x0C),
+                  true,
                   kSize64,
                   AddsUp(bytes, kSize64)};
         return true;
     }
     if (size >= kSize32 && std::memcmp(bytes, "_SM_", 4) == 0) {
         const bool fits = AddsUp(bytes, kSize32) && AddsUp(bytes + 0x10, kSize32 - 0x10);
-        *point = {bytes[6],
-                  bytes[7],
-                  bytes[0x1E],
-                  Read<uint32_t>(bytes, 0x18),
-                  Read<uint16_t>(bytes, 0x16),
-                  kSize32,
-                  fits};
+        *point = {bytes[6], bytes[7], bytes[0x1E], Read<uint32_t>(bytes, 0x18), Read<uint16_t>(bytes, 0x16),
+                  false,    kSize32,  fits};
         return true;
     }
     return false;

@@ -1,15 +1,17 @@
-// The entry points of the SMBIOS standard (5.2.1, _SM_; 5.2.2, _SM3_), as they stand in memory and at the head of dumps.
+// The entry points of the SMBIOS standard (5.2.1, _SM_; 5.2.2, _SM3_), as they stand in memory and at the head of
+// dumps.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 struct EntryPoint_t {
-    uint8_t major, minor;     // SMBIOS version
-    uint8_t revision;         // BCD revision of _SM_, 0 in _SM3_
-    uint64_t tableAddress;    // physical, or in a dump the file offset
-    uint32_t tableLength;     // _SM_: bytes of the table; _SM3_: at most so many
-    size_t size;              // of the entry point itself
+    uint8_t major, minor;   // SMBIOS version
+    uint8_t revision;       // BCD revision of _SM_, 0 in _SM3_
+    uint64_t tableAddress;  // physical, or in a dump the file offset
+    uint32_t tableLength;   // bytes of the table
+    bool lengthIsBound;     // _SM3_: the table has at most so many
+    size_t size;            // of the entry point itself
     bool checksumsFit;
 };
 

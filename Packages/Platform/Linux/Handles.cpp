@@ -5,13 +5,9 @@
 
 static thread_local DWORD lastError = ERROR_SUCCESS;
 
-DWORD GetLastError() {
-    return lastError;
-}
+DWORD GetLastError() { return lastError; }
 
-void SetLastError(DWORD error) {
-    lastError = error;
-}
+void SetLastError(DWORD error) { lastError = error; }
 
 DWORD ErrorFromErrno(int errorNumber) {
     switch (errorNumber) {
@@ -49,9 +45,7 @@ BOOL Fail(DWORD error) {
     return FALSE;
 }
 
-BOOL FailWithErrno() {
-    return Fail(ErrorFromErrno(errno));
-}
+BOOL FailWithErrno() { return Fail(ErrorFromErrno(errno)); }
 
 DWORD ClObject::Wait(DWORD) {
     SetLastError(ERROR_INVALID_HANDLE);

@@ -20,9 +20,7 @@ constexpr int FollowingBytes(uint8_t lead) {
 // The smallest code that needs that many following bytes.
 constexpr char32_t kSmallest[] = {0, 0x80, 0x800, 0x10000};
 
-constexpr bool IsSurrogate(char32_t code) {
-    return code >= 0xD800 && code <= 0xDFFF;
-}
+constexpr bool IsSurrogate(char32_t code) { return code >= 0xD800 && code <= 0xDFFF; }
 
 // Takes the next character off the text at `*at`. kInvalid stands for bytes that are none: a lone byte, a sequence that
 // the text's end cuts off, or a sequence up to the byte that spoils it (which stays, unless it is itself a following

@@ -1,0 +1,60 @@
+#include "Packages/Platform/Program.h"
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cerrno>
+
+#include "Packages/Platform/Platform.h"
+
+#include <shellapi.h>
+
+static std::string ToUtf8(const wchar_t* text) {
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    if (size <= 0) return {};
+    std::string utf8(static_cast<size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
+    utf8.pop_back();
+    return utf8;
+}
+
+static std::wstring ToWide(const std::string& text) {
+    const int size = MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, nullptr, 0);
+    if (size <= 0) return {};
+    std::wstring wide(static_cast<size_t>(size), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, wide.data(), size);
+    wide.pop_back();
+    return wide;
+}
+
+std::vector<std::string> ProgramArguments(int argc, char** argv) {
+    int count = 0;
+    wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (wide == nullptr) return {argv, argv + argc};
+    std::vector<std::string> arguments;
+    for (int place = 0; place < count; place++) arguments.push_back(ToUtf8(wide[place]));
+    LocalFree(wide);
+    return arguments;
+}
+
+std::FILE* OpenFile(const std::string& path, const char* mode) {
+    // The file's bytes are wanted as they are, whatever the mode says of text.
+    return _wfopen(ToWide(path).c_str(), (ToWide(mode) + L"b").c_str());
+}
+
+void PrepareStandardOutput() {
+    _setmode(_fileno(stdout), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+}
+
+bool IsStandardOutputTerminal() { return _isatty(_fileno(stdout)) != 0; }
+
+bool WriteStandardOutput(const char* bytes, size_t size) {
+    while (size != 0) {
+        const int written = _write(_fileno(stdout), bytes, static_cast<unsigned>(size < 1u << 20 ? size : 1u << 20));
+        if (written <= 0) return false;
+        bytes += written;
+        size -= static_cast<size_t>(written);
+    }
+    return true;
+}

@@ -1,0 +1,40 @@
+// Standard output in large blocks, errors in one line.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+inline constexpr int kExitDone = 0;
+inline constexpr int kExitNoTable = 1;  // no table, an unreadable one, or output that can't be written
+inline constexpr int kExitUsage = 2;
+
+// Collects text and writes it in blocks. Once a write failed the rest is dropped, and Finish tells.
+class ClOutput {
+  public:
+    ClOutput& operator<<(std::string_view text) {
+        m_text += text;
+        if (m_text.size() >= kBlock) Flush();
+        return *this;
+    }
+    ClOutput& Pad(size_t count) {
+        m_text.append(count, ' ');
+        return *this;
+    }
+    // Whether a write failed, so that there is no use in going on.
+    bool Failed() const { return m_failed; }
+    // Writes what is left. False, with a line on standard error, when a write failed; a reader that went away is no
+    // failure.
+    bool Finish();
+
+  private:
+    static constexpr size_t kBlock = 64u << 10;
+
+    void Flush();
+
+    std::string m_text;
+    bool m_failed = false;
+    int m_error = 0;
+};
+
+// "quorlin: SUBJECT: MESSAGE" on standard error.
+void SayError(std::string_view subject, std::string_view message);
