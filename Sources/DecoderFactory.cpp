@@ -51,6 +51,14 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType126>();
         case 127:
             return New<ClSMBIOSType127>();
+        case 130:
+            return New<ClSMBIOSType130>();
+        case 131:
+            return New<ClSMBIOSType131>();
+        case 221:
+            return New<ClSMBIOSType221>();
+        case 222:
+            return New<ClSMBIOSType222>();
         default:
             return nullptr;
     }

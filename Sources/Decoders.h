@@ -69,6 +69,32 @@ class ClSMBIOSType41 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType130 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType131 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType221 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+  private:
+    void GetBiosVersionInfo(const uint8_t* pData);
+};
+
+class ClSMBIOSType222 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+  private:
+    void GetCheckPointInfo(const uint8_t* pData);
+};
+
 // Types whose structures give no items, not even a title.
 class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
   public:
