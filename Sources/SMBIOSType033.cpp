@@ -7,8 +7,8 @@ std::string ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorT
 std::string ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
 std::string ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
 
-constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
-    ErrorOperation{ShowErrorOperation};
+constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity};
+constexpr Rendering_t ErrorOperation{ShowErrorOperation};
 
 constexpr ItemRow_t kItems[] = {
     {"Error Type",                 0x04, ErrorType       },

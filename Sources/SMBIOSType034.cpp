@@ -29,8 +29,8 @@ constexpr CodeText_t kAddressTypes[] = {
 };
 static_assert(IsRising(kAddressTypes));
 
-constexpr Rendering_t DeviceType = Enum8(kDeviceTypes, "Error: Invalid Type"),
-                      AddressType = Enum8(kAddressTypes, "Error: Invalid Address Type");
+constexpr Rendering_t DeviceType = Enum8(kDeviceTypes, "Error: Invalid Type");
+constexpr Rendering_t AddressType = Enum8(kAddressTypes, "Error: Invalid Address Type");
 
 // The device type stands under the key "Error Type".
 constexpr ItemRow_t kItems[] = {

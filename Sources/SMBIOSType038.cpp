@@ -70,9 +70,10 @@ std::string ShowRegisterSpacing(const Field_t& field) {
 
 std::string ShowReserved(const Field_t&) { return "Reserved"; }
 
-constexpr Rendering_t InterfaceType = Enum8(kInterfaceTypes, "Error: Invalid Interface Type"), Revision{ShowRevision},
-                      RegisterSpacing{ShowRegisterSpacing}, Reserved{ShowReserved},
-                      TriggerMode = Bit8(kTriggerModes, 0);
+constexpr Rendering_t InterfaceType = Enum8(kInterfaceTypes, "Error: Invalid Interface Type");
+constexpr Rendering_t Revision{ShowRevision}, RegisterSpacing{ShowRegisterSpacing}, Reserved{ShowReserved};
+constexpr Rendering_t AddressBit0 = Bit8(kAddressBit0, 4), InterruptInfo = Bit8(kInterruptInfo, 3),
+                      Polarity = Bit8(kPolarities, 1), TriggerMode = Bit8(kTriggerModes, 0);
 
 constexpr ItemRow_t kInterface[] = {
     {"Interface Type",                         0x04,      InterfaceType},
@@ -84,12 +85,12 @@ constexpr ItemRow_t kInterface[] = {
 };
 
 constexpr ItemRow_t kModifierBits[] = {
-    {"Base Address Modifier bit 7:6 Register spacing", kModifier, RegisterSpacing                         },
-    {                                                       "Base Address Modifier bit 5",                                       kModifier,  Reserved                                        },
-    {      "Base Address Modifier bit 4 LS-bit for addresses",                               kModifier,                                      Bit8(kAddressBit0,                                         4)},
-    {                                  "Interrupt Info bit 3",                             kModifier,                                    Bit8(kInterruptInfo,                                         3)},
-    {                           "Base Address Modifier bit 2",                                        kModifier,                                                 Reserved},
-    { "Interrupt Info bit 1 Interrupt Polarity",                                              kModifier,                                                       Bit8(kPolarities,                                                                                                1)},
+    {"Base Address Modifier bit 7:6 Register spacing",   kModifier, RegisterSpacing},
+    {"Base Address Modifier bit 5",                      kModifier, Reserved       },
+    {"Base Address Modifier bit 4 LS-bit for addresses", kModifier, AddressBit0    },
+    {"Interrupt Info bit 3",                             kModifier, InterruptInfo  },
+    {"Base Address Modifier bit 2",                      kModifier, Reserved       },
+    {"Interrupt Info bit 1 Interrupt Polarity",          kModifier, Polarity       },
 };
 
 // The two trigger modes have a key each, which differ by a blank.

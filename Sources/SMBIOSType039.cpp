@@ -69,31 +69,32 @@ std::string ShowHandle(const Field_t& field) {
     return handle == 0xFFFF ? std::string(field.row.rendering.text) : HexText(handle, 4);
 }
 
-constexpr Rendering_t UnitGroup{ShowUnitGroup}, SupplyType{ShowSupplyType}, Status{ShowStatus},
-    RangeSwitching{ShowRangeSwitching}, MilliWatts = Dec16WithUnit(" milliWatts");
-constexpr Rendering_t VoltageProbe{ShowHandle, {}, "No probe(Type 26) is provided"},
-    CoolingDevice{ShowHandle, {}, "No cooling device(Type 27) is provided"},
-    CurrentProbe{ShowHandle, {}, "No current probe(Type 29) is provided"};
+constexpr Rendering_t UnitGroup{ShowUnitGroup}, MilliWatts = Dec16WithUnit(" milliWatts");
+constexpr Rendering_t SupplyType{ShowSupplyType}, Status{ShowStatus}, RangeSwitching{ShowRangeSwitching};
+constexpr Rendering_t YesNo16(uint32_t bit) { return Bit16(kYesNo, bit); }
+constexpr Rendering_t VoltageProbe{ShowHandle, {}, "No probe(Type 26) is provided"};
+constexpr Rendering_t CoolingDevice{ShowHandle, {}, "No cooling device(Type 27) is provided"};
+constexpr Rendering_t CurrentProbe{ShowHandle, {}, "No current probe(Type 29) is provided"};
 
 constexpr ItemRow_t kItems[] = {
-    {"Power Unit Group",                        0x04, UnitGroup               },
-    {"Location",                                0x05, String                  },
-    {"Device Name",                             0x06, String                  },
-    {"Manufacturer",                            0x07, String                  },
-    {"Serial Number",                           0x08, String                  },
-    {"Asset Tag Number",                        0x09, String                  },
-    {"Model Part Number",                       0x0A, String                  },
-    {"Revision Level",                          0x0B, String                  },
-    {"Max Power Capacity",                      0x0C, MilliWatts              },
-    {"DMTF Power Supply Type",                  0x0E, SupplyType              },
-    {"DMTF Power Supply Status",                0x0E, Status                  },
-    {"DMTF Input Voltage Range Switching",      0x0E, RangeSwitching          },
-    {"Is power supply unplugged from the wall", 0x0E, Bit16(kYesNo,             2)},
-    {"Is power supply present",                                         0x0E,                     Bit16(kYesNo, 1)},
-    {"Is power supply hot-replaceable",                                       0x0E,                                           Bit16(kYesNo,                                   0)},
-    {"Input Voltage Probe Handle",                             0x10,VoltageProbe},
-    {"Cooling Device Handle",         0x12,             CoolingDevice                                                          },
-    {"Input Current Probe Handle",                             0x14,        CurrentProbe},
+    {"Power Unit Group",                        0x04, UnitGroup     },
+    {"Location",                                0x05, String        },
+    {"Device Name",                             0x06, String        },
+    {"Manufacturer",                            0x07, String        },
+    {"Serial Number",                           0x08, String        },
+    {"Asset Tag Number",                        0x09, String        },
+    {"Model Part Number",                       0x0A, String        },
+    {"Revision Level",                          0x0B, String        },
+    {"Max Power Capacity",                      0x0C, MilliWatts    },
+    {"DMTF Power Supply Type",                  0x0E, SupplyType    },
+    {"DMTF Power Supply Status",                0x0E, Status        },
+    {"DMTF Input Voltage Range Switching",      0x0E, RangeSwitching},
+    {"Is power supply unplugged from the wall", 0x0E, YesNo16(2)    },
+    {"Is power supply present",                 0x0E, YesNo16(1)    },
+    {"Is power supply hot-replaceable",         0x0E, YesNo16(0)    },
+    {"Input Voltage Probe Handle",              0x10, VoltageProbe  },
+    {"Cooling Device Handle",                   0x12, CoolingDevice },
+    {"Input Current Probe Handle",              0x14, CurrentProbe  },
 };
 
 }  // namespace

@@ -13,8 +13,8 @@ std::string ShowDeviceType(const Field_t& field) { return ClSMBIOSType::GetOnboa
 std::string ShowDeviceNumber(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
 std::string ShowFunctionNumber(const Field_t& field) { return std::to_string(field.Byte() & 7); }
 
-constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7), DeviceType{ShowDeviceType},
-                      DeviceNumber{ShowDeviceNumber}, FunctionNumber{ShowFunctionNumber};
+constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7), DeviceType{ShowDeviceType};
+constexpr Rendering_t DeviceNumber{ShowDeviceNumber}, FunctionNumber{ShowFunctionNumber};
 
 constexpr ItemRow_t kItems[] = {
     {"Reference Designation", 0x04, String        },

@@ -71,9 +71,13 @@ static_assert(IsRising(kTerminals));
 // The field's 32 bits are a string number; most values name no string.
 std::string ShowSignature(const Field_t& field) { return StringOf(field.structure.Data(), field.Dword()); }
 
-constexpr Rendering_t Signature{ShowSignature}, Enabled = Enum8(kEnabled, "Disabled"),
-                                                Capability = Enum8(kCapabilities, "This platform is not QXM capable"),
-                                                Terminal = Enum8(kTerminals, "Error: Invalid Type");
+constexpr Rendering_t Signature{ShowSignature};
+constexpr Rendering_t Capability = Enum8(kCapabilities, "This platform is not QXM capable");
+constexpr Rendering_t Enabled = Enum8(kEnabled, "Disabled");
+constexpr Rendering_t Reflash = Bit8(kReflash, 5), Setup = Bit8(kSetup, 4), Pause = Bit8(kPause, 3);
+constexpr Rendering_t FloppyBoot = Bit8(kFloppyBoot, 2), DiscBoot = Bit8(kDiscBoot, 1);
+constexpr Rendering_t Terminal = Enum8(kTerminals, "Error: Invalid Type");
+constexpr Rendering_t SecureErase = Bit8(kSecureErase, 6), SecureBoot = Bit8(kSecureBoot, 7);
 
 constexpr ItemRow_t kSignature[] = {
     {"QXM Signature", 0x04, Signature},
@@ -88,19 +92,19 @@ constexpr ItemRow_t kNotCapable[] = {
 };
 
 constexpr ItemRow_t kFeatures[] = {
-    {"Lumetra QXM Feature Status",                                0x09,      Enabled        },
-    {"Lumetra SRoU(Storage Redirection over USB) Feature Status", 0x0A,      Enabled        },
-    {"Lumetra SoL(Serial Over LAN) Feature Status",               0x0B,      Enabled        },
-    {"Network Interface Status",                                  0x0C,      Enabled        },
-    {"BIOS Re-flash",                                             0x0E,      Bit8(kReflash,   5)},
-    {"BIOS Setup",                                                           0x0E,                                                         Bit8(kSetup,          4)},
-    {"BIOS Pause",                                                         0x0E,                                                                  Bit8(kPause,                                                             3)},
-    {"Floppy Boot",                                                0x0E,Bit8(kFloppyBoot,2)},
-    {"CD/DVD Boot",        0x0E,            Bit8(kDiscBoot,                                                                                 1)},
-    {"Location",                                               0x0F,                                             Terminal                                  },
-    {"Remote Secure Erase",                                                           0x10,                                                           Bit8(kSecureErase,                        6)},
-    {"BIOS Secure Boot Capability",                                                           0x10,                                                Bit8(kSecureBoot,7)},
-    {"KVM Redirection Status",                                                         0x12,                                                                  Enabled                             },
+    {"Lumetra QXM Feature Status",                                0x09, Enabled    },
+    {"Lumetra SRoU(Storage Redirection over USB) Feature Status", 0x0A, Enabled    },
+    {"Lumetra SoL(Serial Over LAN) Feature Status",               0x0B, Enabled    },
+    {"Network Interface Status",                                  0x0C, Enabled    },
+    {"BIOS Re-flash",                                             0x0E, Reflash    },
+    {"BIOS Setup",                                                0x0E, Setup      },
+    {"BIOS Pause",                                                0x0E, Pause      },
+    {"Floppy Boot",                                               0x0E, FloppyBoot },
+    {"CD/DVD Boot",                                               0x0E, DiscBoot   },
+    {"Location",                                                  0x0F, Terminal   },
+    {"Remote Secure Erase",                                       0x10, SecureErase},
+    {"BIOS Secure Boot Capability",                               0x10, SecureBoot },
+    {"KVM Redirection Status",                                    0x12, Enabled    },
 };
 
 }  // namespace

@@ -38,7 +38,6 @@ std::string ShowMasked(const Field_t& field) { return ZeroXHex(field.Dword() & f
 std::string ShowDevice(const Field_t& field) { return ZeroXHex(field.Dword() >> 3 & 0x1F); }
 
 constexpr Rendering_t Masked(uint32_t mask) { return {ShowMasked, {}, {}, mask}; }
-
 constexpr Rendering_t Enabled8(uint32_t bit) { return Bit8(kEnabled, bit); }
 constexpr Rendering_t Enabled32(uint32_t bit) { return Bit32(kEnabled, bit); }
 constexpr Rendering_t Supported8(uint32_t bit) { return Bit8(kSupported, bit); }
@@ -46,8 +45,9 @@ constexpr Rendering_t Supported32(uint32_t bit) { return Bit32(kSupported, bit);
 
 // A PCI device: bits 0 to 2 its function, 3 to 7 its number, 8 to 15 its bus, and from 16 on its identification.
 // The number alone is shifted, and that of the wireless device isn't.
-constexpr Rendering_t Version{ShowVersion}, Function = Masked(0x7), Device{ShowDevice}, DeviceInPlace = Masked(0xF8),
-                                            Bus = Masked(0xFF00), Identification = Masked(0xFFFF0000);
+constexpr Rendering_t Version{ShowVersion}, Device{ShowDevice};
+constexpr Rendering_t Function = Masked(0x7), DeviceInPlace = Masked(0xF8), Bus = Masked(0xFF00),
+                      Identification = Masked(0xFFFF0000);
 
 constexpr ItemRow_t kItems[] = {
     {"PVE Enabled State",                              0x04, Enabled8(0)    },
