@@ -4,9 +4,9 @@
 #include "Sources/Decoders.h"
 #include "Sources/Quorlin.h"
 
-template <class Decoder>
-static ClSMBIOSType* New() {
-    return new (std::nothrow) Decoder;
+template <class Decoder, class... Arguments>
+static ClSMBIOSType* New(Arguments... arguments) {
+    return new (std::nothrow) Decoder(arguments...);
 }
 
 ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
@@ -55,6 +55,8 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType130>();
         case 131:
             return New<ClSMBIOSType131>();
+        case 148:
+            return New<ClSMBIOSType148>(m_processorSignature);
         case 221:
             return New<ClSMBIOSType221>();
         case 222:
