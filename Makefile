@@ -1,3 +1,58 @@
-# The short front of the build. CMakePresets.json holds the configurations.
-.PHONY: all
-all: build
+# The short front of the build; the configurations stand in CMakePresets.json. Targets install what they need.
+BUILD_PACKAGES = g++ make cmake ninja-build libcli11-dev rapidjson-dev
+TEST_PACKAGES = libgtest-dev
+WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix
+BENCH_PACKAGES = libbenchmark-dev
+FUZZ_PACKAGES = clang
+STYLE_PACKAGES = clang-format clang-tidy
+
+INSTALL = cmake/install-packages.sh
+DMI = /sys/firmware/dmi/tables/DMI
+# A table that only root may read is read as root.
+AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
+
+.PHONY: build run test asan windows bench format lint clean
+.DEFAULT_GOAL := build
+
+build:
+	@$(INSTALL) $(BUILD_PACKAGES)
+	@cmake --preset release -DQUORLIN_TESTS=OFF >/dev/null
+	@cmake --build --preset release
+
+run: build
+	@$(AS_READER) build/release/bin/quorlin --sample-if-none
+
+test:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
+	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
+	@cmake --build --preset release
+	@ctest --preset release
+
+asan:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
+	@cmake --preset asan >/dev/null
+	@cmake --build --preset asan
+	@ctest --preset asan
+
+windows:
+	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES)
+	@cmake --preset windows >/dev/null
+	@cmake --build --preset windows
+
+bench:
+	@$(INSTALL) $(BUILD_PACKAGES) $(BENCH_PACKAGES)
+	@cmake --preset bench >/dev/null
+	@cmake --build --preset bench
+	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json
+
+format:
+	@$(INSTALL) $(STYLE_PACKAGES)
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+lint:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(STYLE_PACKAGES)
+	@cmake --preset debug -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+	@git ls-files 'Sources/*.cpp' 'Packages/*.cpp' 'Tools/*.cpp' | grep -v Platform/Windows | xargs -P 2 -n 4 clang-tidy -p build/debug --quiet
+
+clean:
+	rm -rf build

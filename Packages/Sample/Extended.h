@@ -4,39 +4,53 @@
 
 #include "Packages/Sample/SampleBuilder.h"
 
+// clang-format off
 consteval void AddExtended(ClSampleBuilder& table) {
-    // clang-format off
-    // System Power Supply
-    table.Add(39, "b sss ssss ww | www", {
-        //handle group location  name            manufacturer serial       asset tag   part           revision capacity traits  probe   cooling current
-        {0x2700, 1,   "PSU bay 1", "HV-PSU-1100", "Aldmark",   "AM-P-0912", "HV-PS-1", "AMP1100-PL",  "A3",    1100,    0x11AB, 0x1A01, 0x1B01, 0x1D00},
-        {0x2701, 1,   "PSU bay 2", "HV-PSU-1100", "Aldmark",   "AM-P-0957", "HV-PS-2", "AMP1100-PL",  "A3",    1100,    0x12A7, 0xFFFF, 0xFFFF, 0x1D01},
-        {0x2702, 0,   "Cache module", "Hold-up pack", "Aldmark", 0,         0,         0,             0,       0x8000,  0x1480, 0xFFFF, 0xFFFF, 0xFFFF},
-        {0x2703, 0,   "Shelf",     0,             0,           0,           0,         0,             0,       0,       0xC000},
+    // System Power Supply: the last one has no probes and no fan, and names a string that isn't there.
+    table.Add(39, "b sssssss ww | www", {
+        //handle group location    name            maker      serial       asset tag  part          revision
+        //       capacity, traits  voltage probe, fan, current probe
+        {0x2700, 1, "PSU bay 1",    "HV-PSU-1100",  "Aldmark", "AM-P-0912", "HV-PS-1", "AMP1100-PL", "A3",
+                 1100,   0x11AB,   0x1A01, 0x1B01, 0x1D00},
+        {0x2701, 1, "PSU bay 2",    "HV-PSU-1100",  "Aldmark", "AM-P-0957", "HV-PS-2", "AMP1100-PL", "A3",
+                 1100,   0x12A7,   0xFFFF, 0xFFFF, 0x1D01},
+        {0x2702, 0, "Cache module", "Hold-up pack", "Aldmark", 0,           0,         0,            0,
+                 0x8000, 0x1480,   0xFFFF, 0xFFFF, 0xFFFF},
+        {0x2703, 0, "Shelf",        7,              0,         0,           0,         0,            0,
+                 0,      0xC000},
     });
-    // clang-format on
 
-    // Additional Information: a count, and for each entry its length, the handle and offset that it is about, a string
-    // and a value
-    table.Add(40, "b: b w b s b",
-              {{0x2800, 2, 6, 0x0400, 0x06, "Ostrel 8340", 0x0B, 6, 0x0900, 0x05, "PCI Express x16, riser", 0xAA},
-               {0x2801, 1, 6, 0x1109, 0x12, "Persistent module", 0x1A}});
+    // Additional Information
+    table.Add(40, "b: b w b s b", {
+        //handle entries; length, handle and offset of what it is about, text and value of each
+        {0x2800, 2,       6, 0x0400, 0x06, "Ostrel 8340", 0x0B, 6, 0x0900, 0x05, "PCI Express x16, riser", 0xAA},
+        {0x2801, 1,       6, 0x1109, 0x12, "Persistent module", 0x1A},
+    });
 
-    // Onboard Devices Extended Information: designation; type, instance; segment, bus, device and function
-    table.Add(41, "s bb w bb",
-              {{0x2900, "Sidecar 2 graphics", 0x83, 1, 0, 0x04, 0x00},
-               {0x2901, "10G port 1", 0x85, 1, 0, 0x3D, 0x00},
-               {0x2902, "10G port 2", 0x05, 2, 0, 0x3D, 0x01},
-               {0x2903, "SATA controller", 0x89, 1, 0, 0x00, 0xBA},
-               {0x2904, "SAS controller", 0x8A, 1, 1, 0x86, 0x0A},
-               {0x2905, 0, 0x8B, 0xFF, 0xFFFF, 0xFF, 0xFF}});
+    // Onboard Devices Extended Information
+    table.Add(41, "s bb w bb", {
+        //handle designation           type  instance segment bus   device and function
+        {0x2900, "Sidecar 2 graphics", 0x83, 1,       0,      0x04, 0x00},
+        {0x2901, "10G port 1",         0x85, 1,       0,      0x3D, 0x00},
+        {0x2902, "10G port 2",         0x05, 2,       0,      0x3D, 0x01},
+        {0x2903, "SATA controller",    0x89, 1,       0,      0x00, 0xBA},
+        {0x2904, "SAS controller",     0x8A, 1,       1,      0x86, 0x0A},
+        {0x2905, 0,                    0x8B, 0xFF,    0xFFFF, 0xFF, 0xFF},
+    });
 
-    // Management Controller Host Interface: a keyboard controller style interface without data of its own, and one of
-    // the maker's with its number and one protocol (type, length, number)
-    table.Add(42, "bb: b", {{0x2A00, 2, 0, 0}});
-    table.Add(42, "bb d b bb d", {{0x2A01, 0xF0, 4, 0x00004856, 1, 0xF0, 4, 0x00004856}});
+    // Management Controller Host Interface: of the keyboard controller style, with no data and no protocol; and of the
+    // maker's own kind, with the maker's number as data and as that of its one protocol.
+    table.Add(42, "bb: b", {
+        //handle type length, protocols
+        {0x2A00, 2,   0,      0},
+    });
+    table.Add(42, "bb d b bb d", {
+        //handle type  length and data, protocols; type, length and data of each
+        {0x2A01, 0xF0, 4, 0x00004856,   1,         0xF0, 4, 0x00004856},
+    });
 
     // Inactive: once a slot and a port
     table.Add(126, "s bbbb w bb", {{0x7E00, "Riser 3 slot 1", 0xAA, 13, 3, 4, 9, 0x04, 0x01}});
     table.Add(126, "s b s b b", {{0x7E01, "J_LPT1", 0, "Parallel", 5, 3}});
 }
+// clang-format on

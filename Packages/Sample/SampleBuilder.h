@@ -23,7 +23,8 @@ using SampleRow_t = std::initializer_list<SampleValue_t>;
 
 class ClSampleBuilder {
   public:
-    // Appends a structure for each row. The first cell of a row is the handle; the others go by the letters of `layout`:
+    // Appends a structure for each row. The first cell of a row is the handle; the others go by the letters of
+    // `layout`:
     //   b w d q  a number of 1, 2, 4 or 8 bytes, little-endian
     //   s        a string number: the cell is the text, or a number as it is to stand there (0: no string)
     //   S        a text of the string area that no field names; no bytes
@@ -35,8 +36,8 @@ class ClSampleBuilder {
         for (const SampleRow_t& row : rows) AddStructure(type, layout, row);
     }
 
-    constexpr size_t Size() const { return fSize; }
-    constexpr const uint8_t* Bytes() const { return fBytes.data(); }
+    constexpr size_t Size() const { return m_size; }
+    constexpr const uint8_t* Bytes() const { return m_bytes.data(); }
 
   private:
     struct Strings_t {
@@ -55,7 +56,7 @@ class ClSampleBuilder {
     }
 
     constexpr void AddStructure(uint8_t type, const char* layout, const SampleRow_t& row) {
-        const size_t start = fSize;
+        const size_t start = m_size;
         const SampleValue_t* cell = row.begin();
         AppendNumber(type, 1);
         AppendNumber(0, 1);  // Length, known below
@@ -80,8 +81,8 @@ class ClSampleBuilder {
             Require(cell != row.end(), "the row ends where its structure can't");
             AppendField(*letter, *cell++, strings);
         }
-        Require(fSize - start <= 0xFF, "the formatted area is too long for its Length");
-        fBytes[start + 1] = static_cast<uint8_t>(fSize - start);
+        Require(m_size - start <= 0xFF, "the formatted area is too long for its Length");
+        m_bytes[start + 1] = static_cast<uint8_t>(m_size - start);
         AppendStrings(strings);
     }
 
@@ -90,13 +91,24 @@ class ClSampleBuilder {
         Require(isString || cell.text == nullptr, "a text stands where the layout has a number");
         const uint64_t number = cell.text == nullptr ? cell.number : strings.Append(cell.text);
         switch (letter) {
-            case 'S': Require(cell.text != nullptr, "S takes a text"); break;
+            case 'S':
+                Require(cell.text != nullptr, "S takes a text");
+                break;
             case 's':
-            case 'b': AppendNumber(number, 1); break;
-            case 'w': AppendNumber(number, 2); break;
-            case 'd': AppendNumber(number, 4); break;
-            case 'q': AppendNumber(number, 8); break;
-            default: Require(false, "the layout holds a letter that isn't one");
+            case 'b':
+                AppendNumber(number, 1);
+                break;
+            case 'w':
+                AppendNumber(number, 2);
+                break;
+            case 'd':
+                AppendNumber(number, 4);
+                break;
+            case 'q':
+                AppendNumber(number, 8);
+                break;
+            default:
+                Require(false, "the layout holds a letter that isn't one");
         }
     }
 
@@ -110,9 +122,9 @@ class ClSampleBuilder {
 
     constexpr void AppendNumber(uint64_t number, int width) {
         Require(width == 8 || number >> (8 * width) == 0, "the number is wider than its field");
-        for (int i = 0; i < width; ++i) fBytes[fSize++] = static_cast<uint8_t>(number >> (8 * i));
+        for (int i = 0; i < width; ++i) m_bytes[m_size++] = static_cast<uint8_t>(number >> (8 * i));
     }
 
-    std::array<uint8_t, 16384> fBytes{};
-    size_t fSize = 0;
+    std::array<uint8_t, 16384> m_bytes{};
+    size_t m_size = 0;
 };

@@ -72,6 +72,9 @@ bool ReadImage(const std::string& path, Image_t* image) {
     }
     if (bytes.empty())
         SayError(path, "empty; try a file that holds a dump");
+    else if (bytes.size() >= 4 &&
+             (std::memcmp(bytes.data(), "_SM_", 4) == 0 || std::memcmp(bytes.data(), "_SM3", 4) == 0))
+        SayError(path, "truncated: the file ends within its entry point; dump it anew");
     else if (!BeginsWithStructure(bytes))
         SayError(path, "not a table: neither an entry point nor a structure at its begin; try a dump or a bare table");
     else {

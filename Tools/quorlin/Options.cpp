@@ -1,6 +1,8 @@
 #include "Tools/quorlin/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <cstdio>
 
 #include "Tools/quorlin/Output.h"
 

@@ -19,19 +19,15 @@ constexpr uint32_t kHeaderSize = 4;
 constexpr uint32_t kTypes = 256;
 constexpr uint32_t kMostRecords = 255;  // that a lookup with an 8-bit count hands out
 
-// Where the records of one type stand in the list, so that a lookup reads that stretch alone.
-struct TypePlaces_t {
-    uint32_t count;
-    int32_t first;
-    int32_t last;
-};
-
 uint32_t instanceCount = 0;
 ContainerHandle_t mySMBIOSLinkedListHdl = nullptr;
 LibVersion_t libraryVersion = {};
 uint8_t tableVersion[2] = {};  // SMBIOS major and minor, for later instances
-TypePlaces_t typePlaces[kTypes] = {};
-int32_t recordCount = 0;
+
+// The records of the list, sorted by type and in table order within each, so that no lookup has to search the list:
+// those of type T stand from firstOfType[T] to firstOfType[T + 1]. Built once, when the list is complete.
+uint8_t** recordsByType = nullptr;
+uint32_t firstOfType[kTypes + 1] = {};
 
 uint32_t RecordType(const void* record) {
     uint32_t type;
@@ -43,22 +39,33 @@ int32_t CompareRecords(const void* first, const void* second) {
     return RecordType(first) == RecordType(second) ? 0 : -1;
 }
 
-// Empties the list, releases every record and forgets where the types stand.
+// Empties the list and the index, and releases every record.
 void ReleaseRecords() {
     void* record;
     while (Pop(mySMBIOSLinkedListHdl, &record) == kSuccess) os_free(record);
-    os_memset(typePlaces, sizeof typePlaces, 0, sizeof typePlaces);
-    recordCount = 0;
+    os_free(recordsByType);
+    recordsByType = nullptr;
+    os_memset(firstOfType, sizeof firstOfType, 0, sizeof firstOfType);
 }
 
-// Appends `record` to the list; what fails is the caller's to release.
-status_t StoreRecord(uint8_t* record) {
-    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) return kFailure;
-    TypePlaces_t& places = typePlaces[RecordType(record) & 0xFF];
-    if (places.count == 0) places.first = recordCount;
-    places.last = recordCount;
-    places.count++;
-    recordCount++;
+// Two walks over the list: the first counts the records of each type, the second puts them in their places.
+status_t IndexRecords() {
+    uint32_t next[kTypes + 1] = {};
+    uint32_t count = 0;
+    void* record;
+    for (; RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, static_cast<int32_t>(count)) == kSuccess; count++)
+        firstOfType[RecordType(record) + 1]++;
+    for (uint32_t type = 0; type < kTypes; type++) {
+        firstOfType[type + 1] += firstOfType[type];
+        next[type + 1] = firstOfType[type + 1];
+    }
+    if (count == 0) return kSuccess;
+    recordsByType = static_cast<uint8_t**>(os_malloc(count * sizeof(uint8_t*)));
+    if (recordsByType == nullptr) return kNoMemory;
+    for (uint32_t index = 0; index < count; index++) {
+        if (RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, static_cast<int32_t>(index)) != kSuccess) return kFailure;
+        recordsByType[next[RecordType(record)]++] = static_cast<uint8_t*>(record);
+    }
     return kSuccess;
 }
 
@@ -104,7 +111,7 @@ status_t ParseFixedStruct(const TableStructure_t& structure, const uint8_t* tabl
             FindStructString(reinterpret_cast<const char*>(body + areaOffset), body[indexOffsets[place]]);
         std::memcpy(body + bytes + place * kPointerSize, &text, sizeof text);
     }
-    if (StoreRecord(record) != kSuccess) {
+    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) {
         TRACE(function, kErrorExit, "%s", insertTrace);
         os_free(record);
         return kFailure;
@@ -137,7 +144,7 @@ status_t ParseDefaultStruct(const TableStructure_t& structure) {
         return kNoMemory;
     }
     std::memcpy(record + sizeof(uint32_t), structure.data, structure.size);
-    if (StoreRecord(record) != kSuccess) {
+    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) {
         TRACE("ParseDefaultStruct", kErrorExit, "Error Inserting mySMBIOSStructPtr ... Exiting");
         os_free(record);
         return kFailure;
@@ -155,18 +162,10 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
               structure.Length());
         status_t status;
         switch (structure.Type()) {
-            case 0:
-                status = ParseBIOSStruct(structure, tableEnd);
-                break;
-            case 1:
-                status = ParseSystemInfoStruct(structure, tableEnd);
-                break;
-            case 2:
-                status = ParseBaseBoardInfoStruct(structure, tableEnd);
-                break;
-            default:
-                status = ParseDefaultStruct(structure);
-                break;
+            case 0: status = ParseBIOSStruct(structure, tableEnd); break;
+            case 1: status = ParseSystemInfoStruct(structure, tableEnd); break;
+            case 2: status = ParseBaseBoardInfoStruct(structure, tableEnd); break;
+            default: status = ParseDefaultStruct(structure); break;
         }
         if (status != kSuccess) {
             ReleaseRecords();
@@ -268,8 +267,9 @@ status_t LibSMBIOSInit(uint8_t* entry) {
         os_free(image);
         return kFailure;
     }
-    if (ParseAllStructures(image->Length, image->Data()) != kSuccess) {
+    if (ParseAllStructures(image->Length, image->Data()) != kSuccess || IndexRecords() != kSuccess) {
         TRACE("LibSMBIOSInit", kErrorExit, "Error in Parsing all structures  ... Exiting ");
+        ReleaseRecords();
         UnInitContainer(mySMBIOSLinkedListHdl);
         mySMBIOSLinkedListHdl = nullptr;
         os_free(image);
@@ -312,33 +312,21 @@ status_t LibSMBIOSExit() {
 
 status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records, uint32_t* count) {
     *count = 0;
-    const TypePlaces_t places = type < kTypes ? typePlaces[type] : TypePlaces_t{};
-    if (places.count <= first) {
+    const uint32_t all = type < kTypes ? firstOfType[type + 1] - firstOfType[type] : 0;
+    if (all <= first) {
         TRACE("GetSMBIOSStruture", kInfo, "No Structures found ");
         *records = nullptr;
         return kSuccess;
     }
-    const uint32_t wanted = places.count - first;
-    auto** array = static_cast<uint8_t**>(os_malloc(wanted * sizeof(uint8_t*)));
+    const size_t size = (all - first) * sizeof(uint8_t*);
+    auto** array = static_cast<uint8_t**>(os_malloc(size));
     if (array == nullptr) {
         TRACE("GetSMBIOSStruture", kErrorExit, "Error allocating memory  .. Exiting ");
         return kFailure;
     }
-    uint32_t found = 0;
-    void* record;
-    for (int32_t index = places.first;
-         index <= places.last && RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, index) == kSuccess; index++) {
-        if (RecordType(record) != type) continue;
-        if (found >= first && found - first < wanted) array[found - first] = static_cast<uint8_t*>(record);
-        found++;
-    }
-    if (found != places.count) {
-        TRACE("GetSMBIOSStruture", kErrorExit, "Number of Structures should be same in both parse ..");
-        os_free(array);
-        return kFailure;
-    }
+    os_memcpy(array, size, recordsByType + firstOfType[type] + first, size);
     *records = array;
-    *count = wanted;
+    *count = all - first;
     return kSuccess;
 }
 

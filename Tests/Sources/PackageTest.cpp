@@ -1,0 +1,133 @@
+// The package: its cursor, its item text, its statuses, and what it shares with other packages.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Sources/Quorlin.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+void UseTable(const std::vector<uint8_t>& table) {
+    const ImageSource_t source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0};
+    ASSERT_EQ(SetImageMachine(&source), kSuccess);
+}
+
+// A package that is initialised for as long as this object lives.
+class ClPackage {
+  public:
+    explicit ClPackage(const std::vector<uint8_t>& table, uint8_t presetType = Quorlin::kSweep) : m_table(table) {
+        UseTable(m_table);
+        m_package = static_cast<Quorlin*>(CreateSmbiosPackageForKovr(presetType));
+        EXPECT_EQ(m_package->Initialize(), kSuccess);
+    }
+    ~ClPackage() {
+        EXPECT_EQ(m_package->UnInitialize(), kSuccess);
+        EXPECT_EQ(m_package->GetItemCount(), 0u);
+        DestroySmbiosPackageForKovr(m_package);
+    }
+    Quorlin* operator->() { return m_package; }
+
+    std::string Next() {
+        std::string line = "(unchanged)";
+        m_status = m_package->GetNextItem(line);
+        return line;
+    }
+    status_t Status() const { return m_status; }
+
+  private:
+    std::vector<uint8_t> m_table;
+    Quorlin* m_package;
+    status_t m_status = 0;
+};
+
+const ClStructureBuilder kChassis = ClStructureBuilder(3, 0x15, 7).Bytes(4, {1, 3}).Strings({"May\"er \"& Co", " "});
+
+TEST(Package, GivesItemsAsLines) {
+    ClPackage package(TableOf({ClStructureBuilder(kChassis).Byte(6, 2)}));
+    EXPECT_EQ(package->GetItemCount(), 17u);
+    EXPECT_EQ(package.Next(), "\"System Enclosure or Chassis Types {Type 3}#GROUPNAME\", \"\"");
+    EXPECT_EQ(package.Next(), "\"Type\", \"3\"");
+    EXPECT_EQ(package.Next(), "\"Length\", \"21\"");
+    EXPECT_EQ(package.Next(), "\"Handle\", \"7\"");
+    EXPECT_EQ(package.Next(), "\"Manufacturer\", \"Mayer & Co\"");
+    EXPECT_EQ(package->GetItemValue(4), "May\"er \"& Co");
+    EXPECT_EQ(package.Next(), "\"Chassis Type\", \"Desktop\"");
+    EXPECT_EQ(package.Next(), "\"Chassis Lock\", \"Not Present or Unknown\"");
+    EXPECT_EQ(package.Next(), "\"Version\", \"\"");  // a value of one blank
+    EXPECT_EQ(package->GetItemValue(7), " ");
+    EXPECT_EQ(package->GetItemValue(17), "");
+}
+
+TEST(Package, ReadsOnFromItsCursorAfterMoreTypes) {
+    ClPackage package(TableOf({kChassis, kChassis}), 3);
+    EXPECT_EQ(package->GetItemCount(), 0u);
+    EXPECT_EQ(package.Next(), "(unchanged)");
+    EXPECT_EQ(package.Status(), kFailure);
+    EXPECT_EQ(package->GetTypes(3), kSuccess);
+    EXPECT_EQ(package->GetItemCount(), 34u);
+    EXPECT_EQ(package.Next(), "\"System Enclosure or Chassis Types {Type 3}#GROUPNAME\", \"\"");
+    for (int item = 1; item < 17; item++) package.Next();
+    EXPECT_EQ(package.Next(), "\"System Enclosure or Chassis Types {Type 3}_2#GROUPNAME\", \"\"");
+    for (int item = 18; item < 34; item++) package.Next();
+    EXPECT_EQ(package.Next(), "(unchanged)");
+    EXPECT_EQ(package->GetTypes(3), kSuccess);  // the same items once more, numbered anew
+    EXPECT_EQ(package->GetItemCount(), 68u);
+    EXPECT_EQ(package.Next(), "\"System Enclosure or Chassis Types {Type 3}#GROUPNAME\", \"\"");
+}
+
+TEST(Package, AddsNothingForTypesWithoutStructuresOrDecoder) {
+    ClPackage package(TableOf({ClStructureBuilder(200, 8), ClStructureBuilder(126, 8), ClStructureBuilder(5, 20)}));
+    EXPECT_EQ(package->GetItemCount(), 0u);
+    for (const int type : {3, 5, 126, 127, 200, 254}) EXPECT_EQ(package->GetTypes(static_cast<uint8_t>(type)), kSuccess);
+    EXPECT_EQ(package->GetItemCount(), 0u);
+    EXPECT_EQ(package->GetItemByName(""), kBadValue);
+    EXPECT_EQ(package->GetItemByName("Type"), kFailure);
+    EXPECT_EQ(package->ReservedOperation1(), kFailure);
+    EXPECT_EQ(package->ReservedOperation2(), kFailure);
+}
+
+TEST(Package, NumbersMoreStructuresThanAByteCounts) {
+    ClPackage package(TableOf(std::vector(600, kChassis)));
+    EXPECT_EQ(package->GetItemCount(), 600u * 17);
+    std::string line, lastTitle;
+    while (package->GetNextItem(line) == kSuccess)
+        if (line.find("#GROUPNAME") != line.npos) lastTitle = line;
+    EXPECT_EQ(lastTitle, "\"System Enclosure or Chassis Types {Type 3}_600#GROUPNAME\", \"\"");
+}
+
+TEST(Package, SharesTheTableOfTheFirst) {
+    ClPackage first(TableOf({kChassis}));
+    auto* second = static_cast<Quorlin*>(CreateSmbiosPackage());
+    EXPECT_EQ(second->Initialize(), kSuccess);
+    EXPECT_EQ(second->GetItemCount(), 17u);
+    EXPECT_EQ(second->UnInitialize(), kSuccess);
+    EXPECT_EQ(first->GetTypes(3), kSuccess);
+    EXPECT_EQ(first->GetItemCount(), 34u);
+    EXPECT_EQ(second->Initialize(), kSuccess);  // a package may begin anew
+    EXPECT_EQ(second->GetItemCount(), 17u);
+    EXPECT_EQ(second->UnInitialize(), kSuccess);
+    DestroySmbiosPackage(second);
+}
+
+TEST(Package, ReportsAMachineThatFails) {
+    const auto works = [] { return kSuccess; };
+    const TableRoad_t noRoad = [](uint8_t*, uint8_t*, SMBIOSTableImage_t**) { return kFailure; };
+    UseTable(TableOf({kChassis}));
+    MachineServices_t noProcessor = *CurrentMachine();
+    noProcessor.ReadCPUID = [](uint32_t, CPUIDRecord_t*) { return status_t{0}; };
+    const MachineServices_t noTable = {works, works, noRoad, noRoad, noProcessor.ReadCPUID};
+    for (const MachineServices_t& machine : {noTable, noProcessor}) {
+        ASSERT_EQ(SetMachine(&machine), kSuccess);
+        auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
+        EXPECT_EQ(package->Initialize(), kFailure);
+        EXPECT_EQ(package->GetItemCount(), 0u);
+        EXPECT_EQ(package->UnInitialize(), kSuccess);
+        DestroySmbiosPackage(package);
+        EXPECT_EQ(SetMachine(&machine), kSuccess);  // the store went down
+    }
+    DestroySmbiosPackage(nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+#include "Tests/Support/Program.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+std::string ReadWholeFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string WriteFile(const std::string& name, const std::vector<uint8_t>& bytes) {
+    const std::string path = testing::TempDir() + name;
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return path;
+}
+
+ProgramRun_t RunQuorlin(const std::string& arguments) {
+    const std::string out = testing::TempDir() + "quorlin.out", err = testing::TempDir() + "quorlin.err";
+    const int status = std::system((QUORLIN_PROGRAM " " + arguments + " >" + out + " 2>" + err).c_str());
+    // POSIX shells keep the exit code in the second byte, others give it as it is.
+    return {status > 255 ? status >> 8 : status, ReadWholeFile(out), ReadWholeFile(err)};
+}
+
+std::vector<uint8_t> DumpOf(const std::vector<uint8_t>& table, uint8_t major, uint8_t minor, uint64_t address,
+                            size_t tableOffset) {
+    std::vector<uint8_t> dump(tableOffset);
+    const auto length = static_cast<uint32_t>(table.size());
+    if (major >= 3) {
+        std::memcpy(dump.data(), "_SM3_", 5);
+        dump[6] = 0x18;
+        dump[7] = major;
+        dump[8] = minor;
+        std::memcpy(&dump[0x0C], &length, 4);
+        std::memcpy(&dump[0x10], &address, 8);
+    } else {
+        std::memcpy(dump.data(), "_SM_", 4);
+        dump[5] = 0x1F;
+        dump[6] = major;
+        dump[7] = minor;
+        std::memcpy(&dump[0x10], "_DMI_", 5);
+        std::memcpy(&dump[0x16], &length, 2);
+        std::memcpy(&dump[0x18], &address, 4);
+    }
+    dump.insert(dump.end(), table.begin(), table.end());
+    return dump;
+}

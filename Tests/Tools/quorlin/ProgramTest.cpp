@@ -1,0 +1,130 @@
+// The host program from outside: its exit codes, its error lines, the files that it takes, its formats.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "Packages/Sample/Sample.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+using Bytes_t = std::vector<uint8_t>;
+
+const Bytes_t kTable =
+    TableOf({ClStructureBuilder(3, 0x15, 7).Bytes(4, {1, 3}).Strings({"Maker"}), ClStructureBuilder(13, 0x16)});
+
+constexpr const char* kChassisLines =
+    "\"System Enclosure or Chassis Types {Type 3}#GROUPNAME\", \"\"\n\"Type\", \"3\"\n\"Length\", \"21\"\n"
+    "\"Handle\", \"7\"\n\"Manufacturer\", \"Maker\"\n\"Chassis Type\", \"Desktop\"\n";
+
+Bytes_t Cut(Bytes_t bytes, size_t size) {
+    bytes.resize(size);
+    return bytes;
+}
+
+TEST(Program, TakesEveryFormOfImage) {
+    const Bytes_t dump = DumpOf(kTable, 2, 7, 32);
+    const struct {
+        const char* what;
+        Bytes_t bytes;
+    } kCases[] = {
+        {"bare table",                           kTable       },
+        {                                              "_SM_ with the table at 32",                                  dump             },
+        {                   "_SM3_ with the table at 32",                                     DumpOf(kTable,                                                 3, 2, 32)},
+        {                                           "the address is an offset in the file", DumpOf(kTable, 3, 2, 64, 64)},
+        {  "the address is a physical one",                                    DumpOf(kTable,                                              2, 7, 0xF1230)},
+        {                                                                                           "the address lies in the entry point",DumpOf(kTable,2, 7, 5)},
+        { "bytes behind the table's length",
+         [&] {
+             Bytes_t more = dump;
+             more.resize(more.size() + 99, 0x20);
+             return more;
+         }()              },
+        {"cut behind the first structure",                                     Cut(dump,                                                32 + 0x15 + 7 + 9)},
+    };
+    for (const auto& c : kCases) {
+        const ProgramRun_t run = RunQuorlin("--format lines --type 3 --image " + WriteFile("image.bin", c.bytes));
+        EXPECT_EQ(run.exitCode, 0) << c.what;
+        EXPECT_EQ(run.output.substr(0, std::strlen(kChassisLines)), kChassisLines) << c.what;
+        EXPECT_EQ(run.errors.find("truncated") != run.errors.npos, std::string_view(c.what).starts_with("cut"))
+            << c.what;
+    }
+}
+
+TEST(Program, ExitsWithOneLineThatSaysWhy) {
+    const std::string missing = testing::TempDir() + "no-such-file";
+    const struct {
+        const char* what;
+        std::string arguments;
+        int exitCode;
+        const char* says;  // in its one line on standard error
+    } kCases[] = {
+        {"no such file",             "--image " + missing,                      1,                                                         "No such file"                                                                                                               },
+        {"a folder",                 "--image " + testing::TempDir(),           1,                                                         ""                                                                                                                           },
+        {"an empty file",            "--image " + WriteFile("empty",            {}),                                                       1,                                                                                                                             "empty"},
+        {"text",                          "--image " + WriteFile("text",                                                              Bytes_t(1000,                                                                 'a')),                                                                                                                     1, "not a table"},
+        {"a structure without its strings' end",                         "--image " + WriteFile("cut",                                                     Cut(kTable,                                                                                                              20)),                                                                                  1, "not a table"},
+        {"an entry point alone",                "--image " + WriteFile("entry", Cut(DumpOf(kTable,2,7, 32), 32)), 1, "truncated"},
+        {"a cut entry point",     "--image " + WriteFile("entry", Cut(DumpOf(kTable,                                         2,                                                                                                                                                                                                                          7, 32), 12)), 1, "not a table"},
+        {"an unknown option",                       "--sampl",                                                            2,                                                                                                                    "--sampl"                                                                                                                                                                                                                                     },
+        {"an argument too many",        "--sample extra",               2,                                                       "extra"                                                                                                                                          },
+        {"two sources",                       "--sample --image " + missing,                                                            2,                                                                                                                    "excludes"                                                                                                                                                                                                                                   },
+        {"a type that can't be",        "--sample --type 255",                  2,               "255"               },
+        {"a type that is no number",     "--sample --type x",                       2,                                                                 "x"                                                                                                                                },
+        {"an unknown format",              "--sample --format xml",    2, "xml"},
+        {"a version that is none",     "--sample --smbios-version 3",                  2,                                                         "3.0"                                                                                                                                                                  },
+        {"a signature that is none", "--sample --signature 12G",                   2,                                                     "hexadecimal"                                                                                                              },
+    };
+    for (const auto& c : kCases) {
+        const ProgramRun_t run = RunQuorlin(c.arguments);
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.what;
+        EXPECT_EQ(run.output, "") << c.what;
+        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << c.what << ": " << run.errors;
+        EXPECT_EQ(run.errors.substr(0, 9), "quorlin: ") << c.what;
+        EXPECT_NE(run.errors.find(c.says), std::string::npos) << c.what << ": " << run.errors;
+    }
+}
+
+TEST(Program, ShowsTypesInTheOrderAskedFor) {
+    const std::string image = WriteFile("image.bin", kTable);
+    const ProgramRun_t run = RunQuorlin("--format lines --type 13 --type 3 --image " + image);
+    EXPECT_LT(run.output.find("{Type 13}"), run.output.find("{Type 3}"));
+    EXPECT_EQ(RunQuorlin("--format lines --type 200 --image " + image).output, "");
+}
+
+TEST(Program, TellsTheVersionOfABareTable) {
+    const std::string bare = WriteFile("bare.bin", kTable), dump = WriteFile("dump.bin", DumpOf(kTable, 2, 0, 32));
+    const auto flags = [](const std::string& arguments) {
+        const std::string output = RunQuorlin("--format lines --type 13 " + arguments).output;
+        const size_t at = output.find("\"Flags\", ");
+        return at == output.npos ? "(no flags)" : output.substr(at + 9, output.find('\n', at) - at - 9);
+    };
+    EXPECT_EQ(flags("--image " + bare), "\"00h\"");
+    EXPECT_EQ(flags("--smbios-version 2.0 --image " + bare), "\"None\"");
+    EXPECT_EQ(flags("--smbios-version 2.1 --image " + bare), "\"00h\"");
+    EXPECT_EQ(flags("--image " + dump), "\"None\"");
+}
+
+TEST(Program, FormatsTextForPeople) {
+    const ProgramRun_t run = RunQuorlin("--type 0 --sample");
+    EXPECT_EQ(run.output.substr(0, run.output.find("  BIOS Vendor")),
+              "BIOS Information {Type 0}\n  Type                      0\n  Length                    26\n"
+              "  Handle                    0\n");
+    EXPECT_NE(run.output.find("\n  BIOS Characteristics\n    BIOS Characteristics Not Supported  "), std::string::npos);
+    EXPECT_NE(run.output.find("\n\nBIOS Information {Type 0}_2\n"), std::string::npos);
+    EXPECT_EQ(run.output.find('\x1b'), std::string::npos);  // colour is for terminals
+    // Strings of firmware don't steer the terminal.
+    const Bytes_t table = TableOf({ClStructureBuilder(3, 0x15).Byte(4, 1).Strings({"a\x1b[31m\nb"})});
+    const std::string image = WriteFile("escape.bin", table);
+    EXPECT_NE(RunQuorlin("--image " + image).output.find("a [31m b\n"), std::string::npos);
+}
+
+TEST(Program, AnswersHelpAndVersion) {
+    EXPECT_EQ(RunQuorlin("--help").exitCode, 0);
+    EXPECT_NE(RunQuorlin("--help").output.find("--image FILE"), std::string::npos);
+    EXPECT_EQ(RunQuorlin("--version").output.substr(0, 8), "quorlin ");
+}
+
+}  // namespace

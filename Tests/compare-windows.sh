@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Compares what quorlin.exe prints under Wine with what the native program prints, byte by byte: for the sample, and
+# for every table image given as an argument.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+native=build/release/bin/quorlin
+windows=build/windows/bin/quorlin.exe
+scratch=$(mktemp -d)
+trap 'wineserver -k 2>/dev/null || true; rm -rf "$scratch"' EXIT
+
+# A prefix of its own, made by the first program; the server's output must not go to our pipe.
+export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe,winedbg.exe="
+unset DISPLAY
+PATH=$PATH:/usr/lib/wine
+mkdir -p "$WINEPREFIX"
+wineserver -p120 >/dev/null 2>&1 || true
+wine cmd /c exit >/dev/null 2>&1
+
+compared=0
+compare() {
+    local status=0 wine_status=0
+    "$native" "$@" >"$scratch/native" || status=$?
+    wine "$windows" "$@" >"$scratch/windows" 2>/dev/null || wine_status=$?
+    if [ "$status" != 0 ] || [ "$wine_status" != 0 ] || ! cmp "$scratch/native" "$scratch/windows"; then
+        echo "FAILED: quorlin $* (exit codes $status native, $wine_status under Wine)" >&2
+        exit 1
+    fi
+    compared=$((compared + 1))
+}
+
+for format in lines text; do
+    compare --sample --format $format
+    for image in "$@"; do compare --image "$image" --format $format; done
+done
+compare --sample --format lines --type 148
+compare --sample --format lines --type 148 --signature 30670
+compare --sample --format lines --type 148 --signature 506C0
+echo "$compared outputs, the same bytes on both platforms"
