@@ -23,6 +23,38 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType5>();
         case 6:
             return New<ClSMBIOSType6>();
+        case 15:
+            return New<ClSMBIOSType15>();
+        case 16:
+            return New<ClSMBIOSType16>();
+        case 17:
+            return New<ClSMBIOSType17>();
+        case 18:
+            return New<ClSMBIOSType18>();
+        case 19:
+            return New<ClSMBIOSType19>();
+        case 20:
+            return New<ClSMBIOSType20>();
+        case 21:
+            return New<ClSMBIOSType21>();
+        case 22:
+            return New<ClSMBIOSType22>();
+        case 23:
+            return New<ClSMBIOSType23>();
+        case 24:
+            return New<ClSMBIOSType24>();
+        case 25:
+            return New<ClSMBIOSType25>();
+        case 26:
+            return New<ClSMBIOSType26>();
+        case 27:
+            return New<ClSMBIOSType27>();
+        case 28:
+            return New<ClSMBIOSType28>();
+        case 29:
+            return New<ClSMBIOSType29>();
+        case 30:
+            return New<ClSMBIOSType30>();
         case 31:
             return New<ClSMBIOSType31>();
         case 32:

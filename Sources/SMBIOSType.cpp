@@ -165,6 +165,14 @@ std::string ShowDec16WithUnit(const Field_t& field) {
     return std::to_string(field.Word()).append(field.row.rendering.text);
 }
 
+std::string ShowDec16AndHex(const Field_t& field) {
+    return ShowDec16(field).append(" (").append(ShowHex16(field)).append(")");
+}
+
+std::string ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeString(field.Byte()); }
+std::string ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
+std::string ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
+
 static std::string BitText(const Field_t& field, uint32_t value) {
     const Rendering_t& rendering = field.row.rendering;
     return std::string(TextOf(rendering.table, value >> rendering.number & 1, {}));

@@ -137,6 +137,10 @@ std::string ShowEnum8(const Field_t& field);
 std::string ShowYesNo8(const Field_t& field);
 std::string ShowYesNo32(const Field_t& field);
 std::string ShowDec16WithUnit(const Field_t& field);
+std::string ShowDec16AndHex(const Field_t& field);
+std::string ShowErrorType(const Field_t& field);
+std::string ShowErrorGranularity(const Field_t& field);
+std::string ShowErrorOperation(const Field_t& field);
 std::string ShowBit8(const Field_t& field);
 std::string ShowBit16(const Field_t& field);
 std::string ShowBit32(const Field_t& field);
@@ -158,6 +162,11 @@ constexpr Rendering_t YesNo8(uint32_t bit) { return {ShowYesNo8, {}, {}, bit}; }
 constexpr Rendering_t YesNo32(uint32_t bit) { return {ShowYesNo32, {}, {}, bit}; }
 // A word in decimal with its unit, as in " MHz".
 constexpr Rendering_t Dec16WithUnit(std::string_view unit) { return {ShowDec16WithUnit, {}, unit}; }
+// A word in decimal, and in parentheses in hexadecimal of at least `digits`: 64 (0040h).
+constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}, {}, digits}; }
+// The three codes of the memory error structures.
+inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
+    ErrorOperation{ShowErrorOperation};
 // One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
 constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
 constexpr Rendering_t Bit16(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit16, table, {}, bit}; }

@@ -3,13 +3,6 @@
 
 namespace {
 
-std::string ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeString(field.Byte()); }
-std::string ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
-std::string ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
-
-constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity};
-constexpr Rendering_t ErrorOperation{ShowErrorOperation};
-
 constexpr ItemRow_t kItems[] = {
     {"Error Type",                 0x04, ErrorType       },
     {"Error Granularity",          0x05, ErrorGranularity},

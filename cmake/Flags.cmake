@@ -14,7 +14,8 @@ if(QUORLIN_SANITIZE)
 endif()
 if(WIN32)
   # No MinGW library is needed beside ours.
-  target_link_options(quorlin_flags INTERFACE -static)
+  target_link_options(quorlin_flags INTERFACE -static -fstack-protector-strong
+    -Wl,--dynamicbase,--nxcompat,--high-entropy-va -Wl,--no-insert-timestamp)
 else()
   target_link_options(quorlin_flags INTERFACE -Wl,-z,relro,-z,now)
 endif()
