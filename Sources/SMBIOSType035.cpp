@@ -7,7 +7,7 @@ namespace {
 constexpr size_t kThresholdHandle = 0x09;
 constexpr uint16_t kNoThreshold = 0xFFFF;
 
-std::string ShowNoThreshold(const Field_t&) { return "No Threshold Data structure is associated with this component"; }
+ClText ShowNoThreshold(const Field_t&) { return "No Threshold Data structure is associated with this component"; }
 
 constexpr Rendering_t NoThreshold{ShowNoThreshold};
 

@@ -58,17 +58,15 @@ constexpr CodeText_t kTriggerModes[] = {
 static_assert(IsRising(kTriggerModes));
 
 // Two hexadecimal digits, one for each half of the byte.
-std::string ShowRevision(const Field_t& field) {
+ClText ShowRevision(const Field_t& field) {
     const uint8_t revision = field.Byte();
     const std::string digits = HexText(revision, 2);
     return std::string("Revision ") + digits[0] + "." + digits[1];
 }
 
-std::string ShowRegisterSpacing(const Field_t& field) {
-    return std::string(TextOf(kRegisterSpacings, field.Byte() >> 6, {}));
-}
+ClText ShowRegisterSpacing(const Field_t& field) { return TextOf(kRegisterSpacings, field.Byte() >> 6, {}); }
 
-std::string ShowReserved(const Field_t&) { return "Reserved"; }
+ClText ShowReserved(const Field_t&) { return "Reserved"; }
 
 constexpr Rendering_t InterfaceType = Enum8(kInterfaceTypes, "Error: Invalid Interface Type");
 constexpr Rendering_t Revision{ShowRevision}, RegisterSpacing{ShowRegisterSpacing}, Reserved{ShowReserved};

@@ -44,29 +44,23 @@ constexpr CodeText_t kYesNo[] = {
 };
 static_assert(IsRising(kYesNo));
 
-std::string ShowUnitGroup(const Field_t& field) {
+ClText ShowUnitGroup(const Field_t& field) {
     const uint8_t group = field.Byte();
     return HexText(group, 2) +
            (group == 0 ? " Power supply is not a member of a redundant power unit"
                        : " Redundancy. At least one other power supply will be enumerated with the same value");
 }
 
-std::string ShowSupplyType(const Field_t& field) {
-    return std::string(TextOf(kSupplyTypes, field.Word() >> 10, "Reserved"));
-}
+ClText ShowSupplyType(const Field_t& field) { return TextOf(kSupplyTypes, field.Word() >> 10, "Reserved"); }
 
-std::string ShowStatus(const Field_t& field) {
-    return std::string(TextOf(kStatuses, field.Word() >> 7 & 7, "Error: Invalid Status"));
-}
+ClText ShowStatus(const Field_t& field) { return TextOf(kStatuses, field.Word() >> 7 & 7, "Error: Invalid Status"); }
 
-std::string ShowRangeSwitching(const Field_t& field) {
-    return std::string(TextOf(kRangeSwitchings, field.Word() >> 3 & 15, "Reserved"));
-}
+ClText ShowRangeSwitching(const Field_t& field) { return TextOf(kRangeSwitchings, field.Word() >> 3 & 15, "Reserved"); }
 
 // The handle of a structure that the supply may lack.
-std::string ShowHandle(const Field_t& field) {
+ClText ShowHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
-    return handle == 0xFFFF ? std::string(field.row.rendering.text) : HexText(handle, 4);
+    return handle == 0xFFFF ? ClText(field.row.rendering.text) : HexText(handle, 4);
 }
 
 constexpr Rendering_t UnitGroup{ShowUnitGroup}, MilliWatts = Dec16WithUnit(" milliWatts");

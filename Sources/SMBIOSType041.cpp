@@ -9,11 +9,11 @@ constexpr CodeText_t kDeviceStatuses[] = {
 };
 static_assert(IsRising(kDeviceStatuses));
 
-std::string ShowDeviceType(const Field_t& field) { return ClSMBIOSType::GetOnboardDeviceTypeString(field.Byte()); }
-std::string ShowDeviceNumber(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
-std::string ShowFunctionNumber(const Field_t& field) { return std::to_string(field.Byte() & 7); }
+ClText ShowDeviceNumber(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
+ClText ShowFunctionNumber(const Field_t& field) { return std::to_string(field.Byte() & 7); }
 
-constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7), DeviceType{ShowDeviceType};
+constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7),
+                      DeviceType = Text8<ClSMBIOSType::GetOnboardDeviceTypeString>;
 constexpr Rendering_t DeviceNumber{ShowDeviceNumber}, FunctionNumber{ShowFunctionNumber};
 
 constexpr ItemRow_t kItems[] = {

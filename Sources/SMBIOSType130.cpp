@@ -69,7 +69,7 @@ constexpr CodeText_t kTerminals[] = {
 static_assert(IsRising(kTerminals));
 
 // The field's 32 bits are a string number; most values name no string.
-std::string ShowSignature(const Field_t& field) { return StringOf(field.structure.Data(), field.Dword()); }
+ClText ShowSignature(const Field_t& field) { return StringOf(field.structure.Data(), field.Dword()); }
 
 constexpr Rendering_t Signature{ShowSignature};
 constexpr Rendering_t Capability = Enum8(kCapabilities, "This platform is not QXM capable");

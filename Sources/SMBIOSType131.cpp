@@ -17,7 +17,7 @@ constexpr CodeText_t kSupported[] = {
 static_assert(IsRising(kSupported));
 
 // Four words, joined by points.
-std::string ShowVersion(const Field_t& field) {
+ClText ShowVersion(const Field_t& field) {
     std::string text;
     for (size_t part = 0; part < 4; part++) {
         if (part != 0) text += '.';
@@ -33,9 +33,9 @@ std::string ZeroXHex(uint32_t value) {
 }
 
 // The bits of `mask`, where they stand.
-std::string ShowMasked(const Field_t& field) { return ZeroXHex(field.Dword() & field.row.rendering.number); }
+ClText ShowMasked(const Field_t& field) { return ZeroXHex(field.Dword() & field.row.rendering.number); }
 
-std::string ShowDevice(const Field_t& field) { return ZeroXHex(field.Dword() >> 3 & 0x1F); }
+ClText ShowDevice(const Field_t& field) { return ZeroXHex(field.Dword() >> 3 & 0x1F); }
 
 constexpr Rendering_t Masked(uint32_t mask) { return {ShowMasked, {}, {}, mask}; }
 constexpr Rendering_t Enabled8(uint32_t bit) { return Bit8(kEnabled, bit); }

@@ -98,15 +98,11 @@ constexpr Family_t kNoFamily{{}, "Unknown BOARD", {}, {}, "Unknown FAB"};
 
 const Family_t& FamilyOf(uint32_t processorSignature) {
     switch (processorSignature) {
-        case 0x30670:
-            return kMrn;
-        case 0x406C0:
-            return kDnm;
+        case 0x30670: return kMrn;
+        case 0x406C0: return kDnm;
         case 0x506C0:
-        case 0x706A0:
-            return kTvl;
-        default:
-            return kNoFamily;
+        case 0x706A0: return kTvl;
+        default: return kNoFamily;
     }
 }
 
@@ -428,12 +424,12 @@ void ClSMBIOSType148::PrintStructureExt(const uint8_t* pData) {
     for (const FieldRow_t& row : structure.Byte(kLayout) == kBoardLayout ? board : platform) {
         const uint8_t number = structure.Byte(row.offset);
         if (number == 0) {
-            Fill_String_Data(std::string(row.key), "None", row.groupWithoutString);
+            Fill_String_Data(row.key, "None", row.groupWithoutString);
             continue;
         }
         std::string value;
         row.translation.translate(*this, StringOf(pData, number), &value);
-        Fill_String_Data(std::string(row.key), std::move(value), 0);
+        Fill_String_Data(row.key, std::move(value), 0);
     }
 }
 

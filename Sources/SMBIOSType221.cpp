@@ -48,7 +48,7 @@ void ClSMBIOSType221::GetBiosVersionInfo(const uint8_t* pData) {
             if (!structure.Holds(record, kRecordSize)) break;
             const std::string_view name = StringOf(pData, structure.Byte(record + kName));
             if (name.empty() || name == "Disabled") continue;
-            Fill_String_Data(std::string(name), VersionText(structure, record), 0);
+            Fill_String_Data(name, VersionText(structure, record), 0);
         }
     } catch (const std::bad_alloc&) {
         TRACE("GetBiosVersionInfo", kError, "Memory allocation with new failed\n");

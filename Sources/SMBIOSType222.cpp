@@ -3,14 +3,14 @@
 
 namespace {
 
-std::string ShowPort(const Field_t& field) {
+ClText ShowPort(const Field_t& field) {
     std::string text = "0X" + HexText(field.Word(), 0);
     text.pop_back();  // the "h"
     return text;
 }
 
 // Always the first string: no field holds its number.
-std::string ShowFirstString(const Field_t& field) { return StringOf(field.structure.Data(), 1); }
+ClText ShowFirstString(const Field_t& field) { return StringOf(field.structure.Data(), 1); }
 
 constexpr Rendering_t Port{ShowPort}, FirstString{ShowFirstString};
 

@@ -1,5 +1,4 @@
 // The host program: chooses a machine, drives a package on it, and prints its items.
-#include <memory>
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -52,9 +51,8 @@ int Run(int argc, char** argv) {
     int exitCode = kExitDone;
     if (!ParseOptions(ProgramArguments(argc, argv), &options, &exitCode)) return exitCode;
     Image_t image;
-    BaseAbstraction* created =
-        options.types.empty() ? CreateSmbiosPackage() : CreateSmbiosPackageForKovr(options.types.front());
-    const std::unique_ptr<BaseAbstraction, void (*)(BaseAbstraction*)> holder(created, DestroySmbiosPackage);
+    static BaseAbstraction* created;
+    created = options.types.empty() ? CreateSmbiosPackage() : CreateSmbiosPackageForKovr(options.types.front());
     if (created == nullptr) throw std::bad_alloc();
     auto& package = static_cast<Quorlin&>(*created);
     if (!BringUp(options, &image, package)) return kExitNoTable;
@@ -62,7 +60,11 @@ int Run(int argc, char** argv) {
     ClOutput output;
     ShowItems(package, options.format, output);
     exitCode = output.Finish() ? kExitDone : kExitNoTable;
-    package.UnInitialize();
+    // The memory of an image's items goes with the process, which ends here; this machine is given back.
+    if (options.source == Source_t::kThisMachine || options.source == Source_t::kThisMachineOrSample) {
+        package.UnInitialize();
+        DestroySmbiosPackage(created);
+    }
     return exitCode;
 }
 
