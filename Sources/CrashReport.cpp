@@ -68,7 +68,9 @@ LONG WINAPI ReportUnhandledException(EXCEPTION_POINTERS* pointers) {
     const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
     const uint32_t code = record.ExceptionCode;
     std::printf("\n***EXCEPTION HANDLING START***\n");
-    std::printf(" Exception at address: 0x%p", record.ExceptionAddress);
+    // As Windows' own form of a pointer, which other systems' %p doesn't give.
+    std::printf(" Exception at address: 0x%016llX",
+                static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(record.ExceptionAddress)));
     PrintCause(code);
     if (code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_IN_PAGE_ERROR) PrintAccess(record);
     if (code == EXCEPTION_IN_PAGE_ERROR) std::printf(" NTSTATUS: 0x%08llx", Information(record, 2));

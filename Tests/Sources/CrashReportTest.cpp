@@ -23,7 +23,7 @@ std::string Report(DWORD code, std::initializer_list<ULONG_PTR> information) {
     return testing::internal::GetCapturedStdout();
 }
 
-// What stands between the frame lines, without the address, whose form is the platform's.
+// What stands between the address and the last frame line.
 std::string Body(const std::string& report) {
     const size_t cause = report.find(" Cause: ");
     const size_t end = report.find("\n***EXCEPTION HANDLING END***\n");
@@ -60,11 +60,10 @@ TEST(CrashReport, TellsCauseAndAccess) {
 }
 
 TEST(CrashReport, StandsBetweenItsFrameLines) {
-    const std::string report = Report(0x80000003, {});
-    const std::string head = "\n***EXCEPTION HANDLING START***\n Exception at address: 0x";
-    EXPECT_EQ(report.substr(0, head.size()), head);
-    EXPECT_NE(report.find("1234 Cause: "), std::string::npos);
-    EXPECT_TRUE(report.ends_with("BREAKPOINT\n***EXCEPTION HANDLING END***\n"));
+    EXPECT_EQ(Report(0x80000003, {}),
+              "\n***EXCEPTION HANDLING START***\n"
+              " Exception at address: 0x0000000000001234 Cause: EXCEPTION_BREAKPOINT"
+              "\n***EXCEPTION HANDLING END***\n");
 }
 
 // An illegal instruction, because that signal is one that no sanitizer takes.
