@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,7 +18,7 @@ struct Entry_t {
 inline int32_t KeyOf(const void* data) { return static_cast<const Entry_t*>(data)->Key; }
 inline int32_t CompareKeys(const void* first, const void* second) { return KeyOf(first) - KeyOf(second); }
 
-// A container of the test's own, closed at the end with whatever it still holds.
+// A container of the test's own, emptied and closed at the end: entries are to be declared before it.
 class ClContainer {
   public:
     explicit ClContainer(uint32_t type, ContainerCompare_t compare = CompareKeys, const char* name = "ContainerTest") {
@@ -117,18 +119,24 @@ inline void ClContainer::Check() const {
 }
 
 template <class Node_t>
-std::string ShapeOf(const Node_t* node, const Node_t* absent, std::string (*mark)(const Node_t*)) {
-    if (node == absent) return "";
-    std::string shape = std::to_string(KeyOf(node->Data)) + mark(node);
-    if (node->Left != absent || node->Right != absent)
-        shape +=
-            "(" + ShapeOf<Node_t>(node->Left, absent, mark) + "," + ShapeOf<Node_t>(node->Right, absent, mark) + ")";
-    return shape;
+void WriteShape(std::ostream& shape, const Node_t* node, const Node_t* absent, const char* (*mark)(const Node_t*)) {
+    if (node == absent) return;
+    shape << KeyOf(node->Data) << mark(node);
+    if (node->Left == absent && node->Right == absent) return;
+    shape << '(';
+    WriteShape<Node_t>(shape, node->Left, absent, mark);
+    shape << ',';
+    WriteShape<Node_t>(shape, node->Right, absent, mark);
+    shape << ')';
 }
 
 inline std::string ClContainer::Shape() const {
-    if (handle->ContainerType == kAVLTree)
-        return ShapeOf<AVLNode_t>(handle->AVLRoot, nullptr, [](const AVLNode_t*) { return std::string(); });
-    return ShapeOf<RBNode_t>(handle->RBRoot, &handle->Sentinel,
-                             [](const RBNode_t* node) { return std::string(node->Color == kRed ? "R" : "B"); });
+    std::ostringstream shape;
+    if (handle->ContainerType == kAVLTree) {
+        WriteShape<AVLNode_t>(shape, handle->AVLRoot, nullptr, [](const AVLNode_t*) { return ""; });
+    } else {
+        WriteShape<RBNode_t>(shape, handle->RBRoot, &handle->Sentinel,
+                             [](const RBNode_t* node) { return node->Color == kRed ? "R" : "B"; });
+    }
+    return shape.str();
 }
