@@ -19,13 +19,17 @@
 
 // Allocations by new, which the provider makes: while `refuseNew` is set, all fail.
 static thread_local bool refuseNew = false;
-void* operator new(size_t size) {
+[[gnu::noinline]] void* operator new(size_t size) {
     void* block = refuseNew ? nullptr : std::malloc(size);
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, size_t) noexcept { std::free(block); }
+[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return refuseNew ? nullptr : std::malloc(size);
+}
+// Not inlined: the compiler would take malloc and free in these places for a mistake.
+[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block, size_t) noexcept { std::free(block); }
 
 namespace {
 
