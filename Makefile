@@ -1,7 +1,7 @@
 # The short front of the build; the configurations stand in CMakePresets.json. Targets install what they need.
-BUILD_PACKAGES = g++ make cmake ninja-build libcli11-dev rapidjson-dev
+BUILD_PACKAGES = g++ make cmake ninja-build libcli11-dev rapidjson-dev zlib1g-dev
 TEST_PACKAGES = libgtest-dev
-WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix
+WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 BENCH_PACKAGES = libbenchmark-dev
 FUZZ_PACKAGES = clang
 STYLE_PACKAGES = clang-format clang-tidy

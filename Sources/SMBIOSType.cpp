@@ -68,6 +68,12 @@ const char* StringArea(const uint8_t* pData) {
     return reinterpret_cast<const char*>(pData + offset);
 }
 
+// The text of an area without strings.
+const char* NullString() {
+    TRACE("GetString", kError, "\nNULL string: strPtr");
+    return "(null string)";
+}
+
 // The end of the record that begins at `pData`: behind the double NUL of its string area.
 const uint8_t* RecordEnd(const uint8_t* pData) {
     const auto* byte = reinterpret_cast<const uint8_t*>(StringArea(pData));
@@ -108,14 +114,21 @@ void ClStructure::ReadOn(size_t offset, void* number, size_t size) const {
 
 const char* StringOf(const uint8_t* pData, uint32_t number) {
     const char* text = StringArea(pData);
-    if (*text == '\0') {
-        TRACE("GetString", kError, "\nNULL string: strPtr");
-        return "(null string)";
-    }
+    if (*text == '\0') return NullString();
     for (uint32_t current = 1; current < number; current++) {
         text += std::strlen(text) + 1;
         if (*text == '\0') return "(no such string)";
     }
+    return text;
+}
+
+ClStringWalk::ClStringWalk(const uint8_t* pData) : m_next(StringArea(pData)), m_isEmpty(*m_next == '\0') {}
+
+const char* ClStringWalk::Next() {
+    if (m_isEmpty) return NullString();
+    if (*m_next == '\0') return nullptr;
+    const char* text = m_next;
+    m_next += std::strlen(text) + 1;
     return text;
 }
 
@@ -133,46 +146,53 @@ std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t
     return text;
 }
 
-std::string ShowDec8(const Field_t& field) { return std::to_string(field.Byte()); }
-std::string ShowDec16(const Field_t& field) { return std::to_string(field.Word()); }
-std::string ShowDec32(const Field_t& field) { return std::to_string(field.Dword()); }
-std::string ShowHex8(const Field_t& field) { return HexText(field.Byte(), field.row.rendering.number); }
-std::string ShowHex16(const Field_t& field) { return HexText(field.Word(), field.row.rendering.number); }
-std::string ShowHex32(const Field_t& field) { return HexText(field.Dword(), field.row.rendering.number); }
-std::string ShowHex64(const Field_t& field) { return HexText(field.Qword(), field.row.rendering.number); }
+ClText ShowDec8(const Field_t& field) { return std::to_string(field.Byte()); }
+ClText ShowDec16(const Field_t& field) { return std::to_string(field.Word()); }
+ClText ShowDec32(const Field_t& field) { return std::to_string(field.Dword()); }
+ClText ShowHex8(const Field_t& field) { return HexText(field.Byte(), field.row.rendering.number); }
+ClText ShowHex16(const Field_t& field) { return HexText(field.Word(), field.row.rendering.number); }
+ClText ShowHex32(const Field_t& field) { return HexText(field.Dword(), field.row.rendering.number); }
+ClText ShowHex64(const Field_t& field) { return HexText(field.Qword(), field.row.rendering.number); }
 
-std::string ShowString(const Field_t& field) { return StringOf(field.structure.Data(), field.Byte()); }
+ClText ShowString(const Field_t& field) { return StringOf(field.structure.Data(), field.Byte()); }
 
-std::string ShowStringOrNone(const Field_t& field) {
+ClText ShowStringOrNone(const Field_t& field) {
     const uint8_t number = field.Byte();
     return number == 0 ? "None" : StringOf(field.structure.Data(), number);
 }
 
-std::string ShowEnum8(const Field_t& field) {
+ClText ShowNumberedString(const Field_t& field) { return StringOf(field.structure.Data(), field.row.rendering.number); }
+
+ClText ShowEnum8(const Field_t& field) {
     const Rendering_t& rendering = field.row.rendering;
-    return std::string(TextOf(rendering.table, field.Byte(), rendering.text));
+    return TextOf(rendering.table, field.Byte(), rendering.text);
 }
 
-std::string ShowYesNo8(const Field_t& field) {
-    return (field.Byte() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
-}
+ClText ShowYesNo8(const Field_t& field) { return (field.Byte() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No"; }
 
-std::string ShowYesNo32(const Field_t& field) {
+ClText ShowYesNo32(const Field_t& field) {
     return (field.Dword() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
 }
 
-std::string ShowDec16WithUnit(const Field_t& field) {
-    return std::to_string(field.Word()).append(field.row.rendering.text);
+ClText ShowDec16WithUnit(const Field_t& field) { return std::to_string(field.Word()).append(field.row.rendering.text); }
+
+ClText ShowDec16AndHex(const Field_t& field) {
+    const uint16_t value = field.Word();
+    return std::to_string(value).append(" (").append(HexText(value, field.row.rendering.number)).append(")");
 }
+
+ClText ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeString(field.Byte()); }
+ClText ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
+ClText ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
 
 ClSMBIOSType::~ClSMBIOSType() {
     for (ItemPair* item : m_items) delete item;
 }
 
-void ClSMBIOSType::Fill_String_Data(std::string key, std::string value, uint8_t group) {
+void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
     try {
-        if (group != 0) key += kGroupMark;
-        auto item = std::make_unique<ItemPair>(std::move(key), std::move(value));
+        if (group != 0) key = key.String().append(kGroupMark);
+        std::unique_ptr<ItemPair> item(new ItemPair{std::move(key), std::move(value)});
         m_items.push_back(item.get());
         item.release();
     } catch (const std::bad_alloc&) {
@@ -208,20 +228,20 @@ std::string ClSMBIOSType::GetHexString(uint32_t value, uint8_t width) { return H
 
 const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) { return StringOf(pData, strNum); }
 
-std::string ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
-    return std::string(TextOf(kErrorGranularities, code, "Error: Invalid Granularity"));
+std::string_view ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
+    return TextOf(kErrorGranularities, code, "Error: Invalid Granularity");
 }
 
-std::string ClSMBIOSType::GetErrorOperationString(uint8_t code) {
-    return std::string(TextOf(kErrorOperations, code, "Error: Invalid Operation"));
+std::string_view ClSMBIOSType::GetErrorOperationString(uint8_t code) {
+    return TextOf(kErrorOperations, code, "Error: Invalid Operation");
 }
 
-std::string ClSMBIOSType::GetErrorTypeString(uint8_t code) {
-    return std::string(TextOf(kErrorTypes, code, "Error: Invalid Type"));
+std::string_view ClSMBIOSType::GetErrorTypeString(uint8_t code) {
+    return TextOf(kErrorTypes, code, "Error: Invalid Type");
 }
 
-std::string ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
-    return std::string(TextOf(kOnboardDeviceTypes, code & 0x7F, "Error: Invalid Type"));
+std::string_view ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
+    return TextOf(kOnboardDeviceTypes, code & 0x7F, "Error: Invalid Type");
 }
 
 bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
@@ -252,9 +272,9 @@ void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure
     for (const ItemRow_t& row : rows) {
         try {
             if (row.rendering.render == nullptr)
-                Fill_String_Data(std::string(row.key), {}, 1);
+                Fill_String_Data(row.key, {}, 1);
             else
-                Fill_String_Data(std::string(row.key), row.rendering.render({structure, row, *this}), 0);
+                Fill_String_Data(row.key, row.rendering.render({structure, row, *this}), 0);
         } catch (const std::bad_alloc&) {
             TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
         }

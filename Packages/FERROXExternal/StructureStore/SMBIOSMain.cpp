@@ -14,24 +14,21 @@ DebugHandle_t storeTraceHandle = nullptr;
 
 namespace {
 
-constexpr uint8_t kEndOfTable = 127;
-constexpr uint32_t kHeaderSize = 4;
 constexpr uint32_t kTypes = 256;
 constexpr uint32_t kMostRecords = 255;  // that a lookup with an 8-bit count hands out
-
-// Where the records of one type stand in the list, so that a lookup reads that stretch alone.
-struct TypePlaces_t {
-    uint32_t count;
-    int32_t first;
-    int32_t last;
-};
 
 uint32_t instanceCount = 0;
 ContainerHandle_t mySMBIOSLinkedListHdl = nullptr;
 LibVersion_t libraryVersion = {};
 uint8_t tableVersion[2] = {};  // SMBIOS major and minor, for later instances
-TypePlaces_t typePlaces[kTypes] = {};
-int32_t recordCount = 0;
+
+// The records of one type, in table order: beside the list, so that no lookup has to search it.
+struct TypeRecords_t {
+    uint8_t** records;
+    uint32_t count;
+    uint32_t room;
+};
+TypeRecords_t recordsOfType[kTypes] = {};
 
 uint32_t RecordType(const void* record) {
     uint32_t type;
@@ -43,32 +40,39 @@ int32_t CompareRecords(const void* first, const void* second) {
     return RecordType(first) == RecordType(second) ? 0 : -1;
 }
 
-// Empties the list, releases every record and forgets where the types stand.
+// Empties the list, and releases every record.
 void ReleaseRecords() {
     void* record;
     while (Pop(mySMBIOSLinkedListHdl, &record) == kSuccess) os_free(record);
-    os_memset(typePlaces, sizeof typePlaces, 0, sizeof typePlaces);
-    recordCount = 0;
+    for (TypeRecords_t& type : recordsOfType) {
+        os_free(type.records);
+        type = {};
+    }
 }
 
-// Appends `record` to the list; what fails is the caller's to release.
+// Takes a record in, behind all others. One that can't be taken stays the caller's.
 status_t StoreRecord(uint8_t* record) {
+    TypeRecords_t& type = recordsOfType[RecordType(record)];
+    if (type.count == type.room) {
+        const uint32_t room = type.room == 0 ? 4 : 2 * type.room;
+        auto** records = static_cast<uint8_t**>(os_realloc(type.records, room * sizeof(uint8_t*)));
+        if (records == nullptr) return kNoMemory;
+        type.records = records;
+        type.room = room;
+    }
     if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) return kFailure;
-    TypePlaces_t& places = typePlaces[RecordType(record) & 0xFF];
-    if (places.count == 0) places.first = recordCount;
-    places.last = recordCount;
-    places.count++;
-    recordCount++;
+    type.records[type.count++] = record;
     return kSuccess;
 }
 
-// A new block for a record with a body of `bodySize` bytes, all of it 0 but the type word; null without memory.
-uint8_t* NewRecord(uint32_t type, size_t bodySize) {
-    const size_t size = sizeof type + bodySize;
-    auto* record = static_cast<uint8_t*>(os_malloc(size));
+// A new block for a record: the type word, the `atHand` bytes of a structure, and zeros up to `bodySize`; null without
+// memory.
+uint8_t* NewRecord(uint32_t type, const uint8_t* bytes, size_t atHand, size_t bodySize) {
+    auto* record = static_cast<uint8_t*>(os_malloc(sizeof type + bodySize));
     if (record == nullptr) return nullptr;
-    os_memset(record, size, 0, size);
     std::memcpy(record, &type, sizeof type);
+    std::memcpy(record + sizeof type, bytes, atHand);
+    std::memset(record + sizeof type + atHand, 0, bodySize - atHand);
     return record;
 }
 
@@ -90,14 +94,14 @@ status_t ParseFixedStruct(const TableStructure_t& structure, const uint8_t* tabl
                           std::span<const uint8_t> indexOffsets, const char* function, const char* insertTrace) {
     const StringArea_t area = StringAreaOf(structure);
     const size_t areaOffset = bytes + indexOffsets.size() * kPointerSize;
-    uint8_t* record = NewRecord(structure.Type(), areaOffset + area.size + 2);
+    const size_t inTable = static_cast<size_t>(tableEnd - structure.data);
+    uint8_t* record =
+        NewRecord(structure.Type(), structure.data, inTable < bytes ? inTable : bytes, areaOffset + area.size + 2);
     if (record == nullptr) {
         TRACE(function, kErrorExit, "Error allocating memory");
         return kNoMemory;
     }
     uint8_t* body = record + sizeof(uint32_t);
-    const size_t atHand = static_cast<size_t>(tableEnd - structure.data);
-    std::memcpy(body, structure.data, atHand < bytes ? atHand : bytes);
     if (area.size != 0) std::memcpy(body + areaOffset, area.data, area.size);
     for (size_t place = 0; place < indexOffsets.size(); place++) {
         const char* text =
@@ -131,12 +135,11 @@ status_t ParseBaseBoardInfoStruct(const TableStructure_t& structure, const uint8
 // for the closing double NUL.
 status_t ParseDefaultStruct(const TableStructure_t& structure) {
     const uint32_t size = structure.size > structure.Length() ? structure.size : structure.Length();
-    uint8_t* record = NewRecord(structure.Type(), size + 2 + kSpareBytes);
+    uint8_t* record = NewRecord(structure.Type(), structure.data, structure.size, size + 2 + kSpareBytes);
     if (record == nullptr) {
         TRACE("ParseDefaultStruct", kErrorExit, "Error allocating memory ... Exiting");
         return kNoMemory;
     }
-    std::memcpy(record + sizeof(uint32_t), structure.data, structure.size);
     if (StoreRecord(record) != kSuccess) {
         TRACE("ParseDefaultStruct", kErrorExit, "Error Inserting mySMBIOSStructPtr ... Exiting");
         os_free(record);
@@ -155,18 +158,10 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
               structure.Length());
         status_t status;
         switch (structure.Type()) {
-            case 0:
-                status = ParseBIOSStruct(structure, tableEnd);
-                break;
-            case 1:
-                status = ParseSystemInfoStruct(structure, tableEnd);
-                break;
-            case 2:
-                status = ParseBaseBoardInfoStruct(structure, tableEnd);
-                break;
-            default:
-                status = ParseDefaultStruct(structure);
-                break;
+            case 0: status = ParseBIOSStruct(structure, tableEnd); break;
+            case 1: status = ParseSystemInfoStruct(structure, tableEnd); break;
+            case 2: status = ParseBaseBoardInfoStruct(structure, tableEnd); break;
+            default: status = ParseDefaultStruct(structure); break;
         }
         if (status != kSuccess) {
             ReleaseRecords();
@@ -210,22 +205,6 @@ void CloseMachineAndTrace() {
 }  // namespace
 
 bool StoreIsUp() { return instanceCount != 0; }
-
-TableStructure_t StructureAt(const uint8_t* table, uint32_t length, uint32_t offset) {
-    const uint8_t* start = table + offset;
-    const uint32_t atHand = length - offset;
-    if (atHand < kHeaderSize) return {start, 0};
-    // Two NULs side by side end a structure, wherever Length puts the begin of the search.
-    uint32_t end = start[1];
-    while (end + 1 < atHand) {
-        const auto* nul = static_cast<const uint8_t*>(std::memchr(start + end, 0, atHand - 1 - end));
-        if (nul == nullptr) break;
-        end = static_cast<uint32_t>(nul - start);
-        if (nul[1] == 0) return {start, end + 2};
-        end++;
-    }
-    return {start, atHand};
-}
 
 const char* FindStructString(const char* area, uint8_t number) {
     const char* start = area;
@@ -312,33 +291,21 @@ status_t LibSMBIOSExit() {
 
 status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records, uint32_t* count) {
     *count = 0;
-    const TypePlaces_t places = type < kTypes ? typePlaces[type] : TypePlaces_t{};
-    if (places.count <= first) {
+    const uint32_t all = type < kTypes ? recordsOfType[type].count : 0;
+    if (all <= first) {
         TRACE("GetSMBIOSStruture", kInfo, "No Structures found ");
         *records = nullptr;
         return kSuccess;
     }
-    const uint32_t wanted = places.count - first;
-    auto** array = static_cast<uint8_t**>(os_malloc(wanted * sizeof(uint8_t*)));
+    const size_t size = (all - first) * sizeof(uint8_t*);
+    auto** array = static_cast<uint8_t**>(os_malloc(size));
     if (array == nullptr) {
         TRACE("GetSMBIOSStruture", kErrorExit, "Error allocating memory  .. Exiting ");
         return kFailure;
     }
-    uint32_t found = 0;
-    void* record;
-    for (int32_t index = places.first;
-         index <= places.last && RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, index) == kSuccess; index++) {
-        if (RecordType(record) != type) continue;
-        if (found >= first && found - first < wanted) array[found - first] = static_cast<uint8_t*>(record);
-        found++;
-    }
-    if (found != places.count) {
-        TRACE("GetSMBIOSStruture", kErrorExit, "Number of Structures should be same in both parse ..");
-        os_free(array);
-        return kFailure;
-    }
+    os_memcpy(array, size, recordsOfType[type].records + first, size);
     *records = array;
-    *count = wanted;
+    *count = all - first;
     return kSuccess;
 }
 

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "Packages/Format/EntryPoint.h"
@@ -13,6 +14,7 @@
 namespace {
 
 constexpr DWORD kRawSMBIOSProvider = 0x52534D42;  // "RSMB"
+constexpr DWORD kACPIProvider = 0x41435049;       // "ACPI"
 constexpr size_t kMostBytes = 64u << 20;          // far above any table
 
 #define TABLES_FOLDER "/sys/firmware/dmi/tables/"
@@ -52,15 +54,31 @@ BOOL RawSMBIOSAnswer(std::vector<uint8_t>* answer) {
     return TRUE;
 }
 
+// The table with that name, its first letter in the low byte. Of several with one name the first answers, which the
+// kernel numbers 1.
+BOOL ACPIAnswer(DWORD table, std::vector<uint8_t>* answer) {
+    char name[5] = "";
+    std::memcpy(name, &table, sizeof table);
+    for (const char letter : {name[0], name[1], name[2], name[3]})
+        if (letter <= ' ' || letter > '~' || letter == '/' || letter == '.') return Fail(ERROR_INVALID_FUNCTION);
+    for (const char* number : {"", "1"}) {
+        if (ReadWhole((std::string("/sys/firmware/acpi/tables/") + name + number).c_str(), answer)) return TRUE;
+        if (GetLastError() != ERROR_FILE_NOT_FOUND) return FALSE;
+    }
+    return Fail(ERROR_INVALID_FUNCTION);
+}
+
+BOOL Answer(DWORD provider, DWORD table, std::vector<uint8_t>* answer) {
+    if (provider == kACPIProvider) return ACPIAnswer(table, answer);
+    if (provider == kRawSMBIOSProvider && table == 0) return RawSMBIOSAnswer(answer);
+    return Fail(ERROR_INVALID_FUNCTION);
+}
+
 }  // namespace
 
 UINT GetSystemFirmwareTable(DWORD provider, DWORD table, PVOID buffer, DWORD size) try {
     std::vector<uint8_t> answer;
-    if (provider != kRawSMBIOSProvider || table != 0) {
-        SetLastError(ERROR_INVALID_FUNCTION);
-        return 0;
-    }
-    if (!RawSMBIOSAnswer(&answer)) return 0;
+    if (!Answer(provider, table, &answer)) return 0;
     if (buffer == nullptr || size < answer.size())
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
     else

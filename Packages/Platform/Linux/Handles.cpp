@@ -53,15 +53,13 @@ DWORD ClObject::Wait(DWORD) {
 }
 
 BOOL CloseHandle(HANDLE handle) {
+    if (handle == kCurrentThread) return TRUE;
     if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return Fail(ERROR_INVALID_HANDLE);
     delete static_cast<ClObject*>(handle);
     return TRUE;
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return WAIT_FAILED;
-    }
-    return static_cast<ClObject*>(handle)->Wait(milliseconds);
+    ClObject* object = ObjectOf<ClObject>(handle);
+    return object == nullptr ? WAIT_FAILED : object->Wait(milliseconds);
 }

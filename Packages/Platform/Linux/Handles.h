@@ -14,6 +14,19 @@ class ClObject {
     virtual DWORD Wait(DWORD milliseconds);
 };
 
+// Stands for the calling thread, whichever it is. No object is behind it, and closing it does nothing.
+inline const HANDLE kCurrentThread = reinterpret_cast<HANDLE>(static_cast<intptr_t>(-2));
+
+// The object behind `handle` if it is one of that kind; else nullptr, with the last error set.
+template <typename Kind>
+Kind* ObjectOf(HANDLE handle) {
+    Kind* object = nullptr;
+    if (handle != nullptr && handle != INVALID_HANDLE_VALUE && handle != kCurrentThread)
+        object = dynamic_cast<Kind*>(static_cast<ClObject*>(handle));
+    if (object == nullptr) SetLastError(ERROR_INVALID_HANDLE);
+    return object;
+}
+
 // The Windows error that says what `errorNumber` says.
 DWORD ErrorFromErrno(int errorNumber);
 // Sets the last error, and gives FALSE, so that a failing function can return it.

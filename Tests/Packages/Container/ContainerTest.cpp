@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "Tests/Packages/Container/Nodes.h"
+#include "Tests/Support/Program.h"
 
 namespace {
 
@@ -423,6 +424,19 @@ TEST(Lock, ContainersOfOneNameExcludeEachOther) {
         EXPECT_EQ(second.Entries().size(), 1u);
         first.handle->CompareFunction = CompareKeys;
     }
+}
+
+// The page shows the example as it is, and what it prints.
+TEST(Docs, TheExampleDoesAsThePageSays) {
+    const std::string page = ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/Containers.md");
+    const std::string program = ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/examples/containers.cpp");
+    const std::string outputFile = testing::TempDir() + "example_containers.out";
+    ASSERT_EQ(std::system((QUORLIN_EXAMPLES "/example_containers >" + outputFile).c_str()), 0);
+    std::string output = ReadWholeFile(outputFile);
+    std::erase(output, '\r');
+    EXPECT_NE(page.find("```cpp\n" + program + "```\n"), std::string::npos);
+    EXPECT_FALSE(output.empty());
+    EXPECT_NE(page.find("```\n" + output + "```\n"), std::string::npos) << output;
 }
 
 }  // namespace

@@ -1,0 +1,172 @@
+// Files, searches in folders and the current folder.
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "Packages/Platform/Linux/Descriptor.h"
+#include "Packages/Platform/Linux/Device.h"
+
+namespace {
+
+class ClFile : public ClObject {
+  public:
+    explicit ClFile(ClDescriptor&& file) : file_(std::move(file)) {}
+
+  private:
+    ClDescriptor file_;
+};
+
+int OpenFlags(DWORD disposition) {
+    switch (disposition) {
+        case CREATE_NEW:
+            return O_CREAT | O_EXCL;
+        case CREATE_ALWAYS:
+            return O_CREAT | O_TRUNC;
+        case OPEN_ALWAYS:
+            return O_CREAT;
+        case TRUNCATE_EXISTING:
+            return O_TRUNC;
+        default:
+            return 0;
+    }
+}
+
+// Sharing among those that open files by this provider: who may not be disturbed by writers holds a shared lock, and a
+// writer an exclusive one. A file that isn't a regular one, such as /dev/null, belongs to everybody and isn't locked.
+BOOL LockAsShared(int file, DWORD access, DWORD share) {
+    struct stat facts;
+    if (fstat(file, &facts) != 0) return FailWithErrno();
+    if (S_ISDIR(facts.st_mode)) return Fail(ERROR_ACCESS_DENIED);
+    if (!S_ISREG(facts.st_mode) || (share & FILE_SHARE_WRITE) != 0) return TRUE;
+    const int kind = (access & GENERIC_WRITE) != 0 || (share & FILE_SHARE_READ) == 0 ? LOCK_EX : LOCK_SH;
+    if (flock(file, kind | LOCK_NB) == 0) return TRUE;
+    return errno == EWOULDBLOCK ? Fail(ERROR_SHARING_VIOLATION) : FailWithErrno();
+}
+
+// Whether `name` fits a pattern of *, ? and letters of either case.
+bool Matches(const char* pattern, const char* name) {
+    if (*pattern == '\0') return *name == '\0';
+    if (*pattern == '*') return Matches(pattern + 1, name) || (*name != '\0' && Matches(pattern, name + 1));
+    if (*name == '\0') return false;
+    const bool isSame =
+        std::tolower(static_cast<unsigned char>(*pattern)) == std::tolower(static_cast<unsigned char>(*name));
+    return (*pattern == '?' || isSame) && Matches(pattern + 1, name + 1);
+}
+
+class ClSearch : public ClObject {
+  public:
+    ClSearch(DIR* folder, const char* pattern) : folder_(folder), pattern_(pattern) {}
+    ~ClSearch() override { closedir(folder_); }
+
+    BOOL Next(WIN32_FIND_DATAA* found) {
+        for (;;) {
+            errno = 0;
+            const dirent* entry = readdir(folder_);
+            if (entry == nullptr) return errno != 0 ? FailWithErrno() : Fail(ERROR_NO_MORE_FILES);
+            if (!Matches(pattern_.c_str(), entry->d_name)) continue;
+            Describe(entry->d_name, found);
+            return TRUE;
+        }
+    }
+
+  private:
+    // What can't be looked at any more is told as an empty file.
+    void Describe(const char* name, WIN32_FIND_DATAA* found) const {
+        struct stat facts = {};
+        if (fstatat(dirfd(folder_), name, &facts, 0) != 0) facts = {};
+        *found = {};
+        found->dwFileAttributes = S_ISDIR(facts.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
+        if (name[0] == '.' && std::strspn(name, ".") != std::strlen(name))
+            found->dwFileAttributes |= FILE_ATTRIBUTE_HIDDEN;
+        found->ftLastWriteTime = FileTime(facts.st_mtim);
+        found->ftLastAccessTime = FileTime(facts.st_atim);
+        found->nFileSizeHigh = static_cast<DWORD>(static_cast<uint64_t>(facts.st_size) >> 32);
+        found->nFileSizeLow = static_cast<DWORD>(facts.st_size);
+        std::strncpy(found->cFileName, name, sizeof found->cFileName - 1);
+    }
+
+    // Steps of 100 ns since 1601.
+    static FILETIME FileTime(const timespec& time) {
+        const auto steps = static_cast<uint64_t>((time.tv_sec + 11'644'473'600) * 10'000'000 + time.tv_nsec / 100);
+        return {static_cast<DWORD>(steps), static_cast<DWORD>(steps >> 32)};
+    }
+
+    DIR* folder_;
+    std::string pattern_;
+};
+
+HANDLE InvalidHandle(DWORD error) {
+    SetLastError(error);
+    return INVALID_HANDLE_VALUE;
+}
+
+}  // namespace
+
+HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD, HANDLE) {
+    if (path == nullptr || disposition < CREATE_NEW || disposition > TRUNCATE_EXISTING)
+        return InvalidHandle(ERROR_INVALID_PARAMETER);
+    if (IsDevicePath(path)) return OpenDevice(access);
+    const bool reads = (access & GENERIC_READ) != 0, writes = (access & GENERIC_WRITE) != 0;
+    const int mode = writes ? (reads ? O_RDWR : O_WRONLY) : O_RDONLY;
+    ClDescriptor file(open(path, mode | OpenFlags(disposition) | O_CLOEXEC | O_NOCTTY, 0666));
+    if (!file.IsOpen()) return InvalidHandle(errno == EEXIST ? ERROR_FILE_EXISTS : ErrorFromErrno(errno));
+    if (!LockAsShared(file.Get(), access, share)) return INVALID_HANDLE_VALUE;
+    auto* object = new (std::nothrow) ClFile(std::move(file));
+    return object == nullptr ? InvalidHandle(ERROR_NOT_ENOUGH_MEMORY) : object;
+}
+
+// The pattern is what stands behind the last separator of either kind.
+HANDLE FindFirstFileA(LPCSTR pattern, LPWIN32_FIND_DATAA found) try {
+    if (pattern == nullptr || found == nullptr) return InvalidHandle(ERROR_INVALID_PARAMETER);
+    const std::string whole = pattern;
+    const size_t separator = whole.find_last_of("\\/");
+    const std::string folderName = separator == std::string::npos ? "."
+                                   : separator == 0               ? "/"
+                                                                  : whole.substr(0, separator);
+    std::string names = separator == std::string::npos ? whole : whole.substr(separator + 1);
+    if (names == "*.*") names = "*";
+    DIR* folder = opendir(folderName.c_str());
+    if (folder == nullptr) return InvalidHandle(errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno));
+    auto* search = new (std::nothrow) ClSearch(folder, names.c_str());
+    if (search == nullptr) {
+        closedir(folder);
+        return InvalidHandle(ERROR_NOT_ENOUGH_MEMORY);
+    }
+    if (search->Next(found)) return search;
+    const DWORD error = GetLastError();
+    delete search;
+    return InvalidHandle(error == ERROR_NO_MORE_FILES ? ERROR_FILE_NOT_FOUND : error);
+} catch (const std::bad_alloc&) {
+    return InvalidHandle(ERROR_NOT_ENOUGH_MEMORY);
+}
+
+BOOL FindNextFileA(HANDLE handle, LPWIN32_FIND_DATAA found) {
+    ClSearch* search = ObjectOf<ClSearch>(handle);
+    if (search == nullptr) return FALSE;
+    return found == nullptr ? Fail(ERROR_INVALID_PARAMETER) : search->Next(found);
+}
+
+BOOL FindClose(HANDLE handle) {
+    ClSearch* search = ObjectOf<ClSearch>(handle);
+    if (search == nullptr) return FALSE;
+    delete search;
+    return TRUE;
+}
+
+// The length, or the size needed with the NUL where `size` doesn't do.
+DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer) {
+    char path[4096];
+    if (getcwd(path, sizeof path) == nullptr) return static_cast<DWORD>(FailWithErrno());
+    const auto length = static_cast<DWORD>(std::strlen(path));
+    if (buffer == nullptr || size <= length) return length + 1;
+    std::memcpy(buffer, path, length + 1);
+    return length;
+}
