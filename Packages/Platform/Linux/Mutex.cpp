@@ -1,0 +1,187 @@
+// Mutexes: recursive, and given on when the holder dies. A named one is shared with the user's other processes.
+//
+// What lies behind a name is looked up at the first wait, so that creating a mutex that nobody waits for costs no
+// system call. Until then only this process can tell whether a name is in use, and ERROR_ALREADY_EXISTS speaks for
+// this process alone. Where the shared table can't be had, a name works between the threads of the process.
+#include <pthread.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <ctime>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <string>
+#include <typeinfo>
+
+#include "Packages/Platform/Linux/Handles.h"
+#include "Packages/Platform/Linux/MutexTable.h"
+#include "Packages/Platform/Linux/RuntimeFolder.h"
+
+namespace {
+
+// What all handles of one name in this process share, or what one unnamed handle has.
+class ClLock {
+  public:
+    explicit ClLock(const char* name) : name_(name) {}
+    ClLock(const ClLock&) = delete;
+    ClLock& operator=(const ClLock&) = delete;
+    ~ClLock();
+
+    const std::string& Name() const { return name_; }
+    // The mutex, looked up or made at the first call; null if there is no memory.
+    pthread_mutex_t* Mutex() {
+        pthread_mutex_t* known = mutex_.load(std::memory_order_acquire);
+        return known != nullptr ? known : Resolve();
+    }
+
+  private:
+    pthread_mutex_t* Resolve();
+
+    const std::string name_;  // empty: unnamed
+    std::atomic<pthread_mutex_t*> mutex_ = nullptr;
+    pthread_mutex_t* own_ = nullptr;  // in this process only
+};
+
+// Guards the names and every first look-up.
+std::mutex processLock;
+
+std::map<std::string, std::weak_ptr<ClLock>>& Names() {
+    static auto& names = *new std::map<std::string, std::weak_ptr<ClLock>>;  // outlives every handle
+    return names;
+}
+
+ClMutexTable* SharedTable() {
+    static ClMutexTable* const table = [] {
+        const int folder = OpenRuntimeFolder();
+        if (folder < 0) return static_cast<ClMutexTable*>(nullptr);
+        ClMutexTable* mapped = ClMutexTable::Map(folder);
+        close(folder);
+        return mapped;
+    }();
+    return table;
+}
+
+pthread_mutex_t* ClLock::Resolve() {
+    const std::lock_guard guard(processLock);
+    pthread_mutex_t* mutex = mutex_.load(std::memory_order_relaxed);
+    if (mutex != nullptr) return mutex;  // another thread came first
+    if (!name_.empty() && SharedTable() != nullptr) mutex = SharedTable()->Find(name_.c_str());
+    if (mutex == nullptr) {
+        own_ = new (std::nothrow) pthread_mutex_t;
+        if (own_ != nullptr && !InitRobustMutex(own_, PTHREAD_PROCESS_PRIVATE)) {
+            delete own_;
+            own_ = nullptr;
+        }
+        mutex = own_;
+    }
+    mutex_.store(mutex, std::memory_order_release);
+    return mutex;
+}
+
+// A mutex of this process that another thread still holds stays: that thread's list of held mutexes leads through it.
+ClLock::~ClLock() {
+    if (own_ == nullptr) return;
+    while (pthread_mutex_unlock(own_) == 0) {
+    }
+    const int status = pthread_mutex_trylock(own_);
+    if (status != 0 && status != EOWNERDEAD) return;
+    if (status == EOWNERDEAD) RepairMutex(own_);
+    pthread_mutex_unlock(own_);
+    pthread_mutex_destroy(own_);
+    delete own_;
+}
+
+class ClMutex final : public ClObject {
+  public:
+    explicit ClMutex(std::shared_ptr<ClLock> lock) : lock_(std::move(lock)) {}
+    ~ClMutex() override {
+        const std::lock_guard guard(processLock);
+        const bool last = lock_.use_count() == 1 && !lock_->Name().empty();
+        if (last) Names().erase(lock_->Name());
+        lock_.reset();
+    }
+    DWORD Wait(DWORD milliseconds) override;
+    BOOL Release();
+
+  private:
+    std::shared_ptr<ClLock> lock_;
+};
+
+timespec After(DWORD milliseconds) {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    time.tv_sec += milliseconds / 1000;
+    time.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
+    if (time.tv_nsec >= 1'000'000'000) {
+        ++time.tv_sec;
+        time.tv_nsec -= 1'000'000'000;
+    }
+    return time;
+}
+
+int LockWithin(pthread_mutex_t* mutex, DWORD milliseconds) {
+    if (milliseconds == INFINITE) return pthread_mutex_lock(mutex);
+    if (milliseconds == 0) return pthread_mutex_trylock(mutex);
+    const timespec end = After(milliseconds);
+    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end);
+}
+
+DWORD ClMutex::Wait(DWORD milliseconds) {
+    pthread_mutex_t* mutex = lock_->Mutex();
+    const int status = mutex == nullptr ? ENOMEM : LockWithin(mutex, milliseconds);
+    switch (status) {
+        case 0:
+            return WAIT_OBJECT_0;
+        case EOWNERDEAD:
+            RepairMutex(mutex);
+            return WAIT_ABANDONED;
+        case EBUSY:
+        case ETIMEDOUT:
+            return WAIT_TIMEOUT;
+        default:
+            SetLastError(ErrorFromErrno(status));
+            return WAIT_FAILED;
+    }
+}
+
+BOOL ClMutex::Release() { return pthread_mutex_unlock(lock_->Mutex()) == 0 ? TRUE : Fail(ERROR_NOT_OWNER); }
+
+// The lock of that name, and whether it was there before.
+std::shared_ptr<ClLock> LockOf(const char* name, bool* existed) {
+    *existed = false;
+    if (*name == '\0') return std::make_shared<ClLock>(name);
+    const std::lock_guard guard(processLock);
+    std::weak_ptr<ClLock>& known = Names()[name];
+    std::shared_ptr<ClLock> lock = known.lock();
+    *existed = lock != nullptr;
+    if (!*existed) known = lock = std::make_shared<ClLock>(name);
+    return lock;
+}
+
+}  // namespace
+
+HANDLE CreateMutexA(SECURITY_ATTRIBUTES*, BOOL initialOwner, LPCSTR name) try {
+    if (name == nullptr) name = "";
+    if (std::char_traits<char>::length(name) > kLongestMutexName) {
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+        return nullptr;
+    }
+    bool existed;
+    auto mutex = std::make_unique<ClMutex>(LockOf(name, &existed));
+    if (initialOwner && !existed) existed = mutex->Wait(0) == WAIT_TIMEOUT;  // held: another process made it
+    SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+    return mutex.release();
+} catch (const std::bad_alloc&) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+BOOL ReleaseMutex(HANDLE handle) {
+    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return Fail(ERROR_INVALID_HANDLE);
+    auto* object = static_cast<ClObject*>(handle);
+    if (typeid(*object) != typeid(ClMutex)) return Fail(ERROR_INVALID_HANDLE);
+    return static_cast<ClMutex*>(object)->Release();
+}
