@@ -5,15 +5,14 @@
 
 // clang-format off
 consteval void AddSystem(ClSampleBuilder& table) {
-    // BIOS Information: of version 3.1, of 2.4 without an embedded controller, and of 2.1, which has no extension bytes.
+    // BIOS Information: of version 3.1, and of 2.0 without extension bytes. The second one doesn't know its version, and
+    // a decoder gives little of it.
     table.Add(0, "ss w s b q | bb | bbbb | w", {
         //handle vendor               version               segment date          size  characteristics and their extension
         //       release, controller, extended size
         {0x0000, "Halvorsen Systems", "HVB2.14.0308",       0xF000, "03/08/2024", 0xFF, 0x000000007C099A80, 0x33, 0x07,
                  2, 14,   0x1A, 9, 32},
-        {0x0001, "Halvorsen Systems", "HVB1.02 (recovery)", 0xE000, 0,            0x0F, 0x000000007C098880, 0x03, 0x01,
-                 255, 1,  0xFF, 0xFF},
-        {0x0002, 0,                   "Option ROM 0.9",     0x0F00, "11/30/2019", 0x00, 0x0000000000004998},
+        {0x0001, "Halvorsen Systems", 0,                    0xE000, "11/30/2019", 0x0F, 0x0000000000004998},
     });
 
     // System Information. The second one has the UUID of a partition, no serial number and a wake-up type of no table.

@@ -114,7 +114,8 @@ TEST(Package, SharesTheTableOfTheFirst) {
 TEST(Package, ReportsAMachineThatFails) {
     const auto works = [] { return kSuccess; };
     const TableRoad_t noRoad = [](uint8_t*, uint8_t*, SMBIOSTableImage_t**) { return kFailure; };
-    UseTable(TableOf({kChassis}));
+    const std::vector<uint8_t> table = TableOf({kChassis});
+    UseTable(table);
     MachineServices_t noProcessor = *CurrentMachine();
     noProcessor.ReadCPUID = [](uint32_t, CPUIDRecord_t*) { return status_t{0}; };
     const MachineServices_t noTable = {works, works, noRoad, noRoad, noProcessor.ReadCPUID};

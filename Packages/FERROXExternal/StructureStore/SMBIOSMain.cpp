@@ -48,34 +48,38 @@ void ReleaseRecords() {
     os_memset(firstOfType, sizeof firstOfType, 0, sizeof firstOfType);
 }
 
-// Two walks over the list: the first counts the records of each type, the second puts them in their places.
+// Takes a record into the list. One that can't be taken stays the caller's.
+status_t StoreRecord(uint8_t* record) {
+    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) return kFailure;
+    firstOfType[RecordType(record) + 1]++;  // so far the type's count
+    return kSuccess;
+}
+
+// Turns the counts of the types into places, and puts the records there.
 status_t IndexRecords() {
-    uint32_t next[kTypes + 1] = {};
-    uint32_t count = 0;
-    void* record;
-    for (; RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, static_cast<int32_t>(count)) == kSuccess; count++)
-        firstOfType[RecordType(record) + 1]++;
-    for (uint32_t type = 0; type < kTypes; type++) {
-        firstOfType[type + 1] += firstOfType[type];
-        next[type + 1] = firstOfType[type + 1];
-    }
+    for (uint32_t type = 0; type < kTypes; type++) firstOfType[type + 1] += firstOfType[type];
+    const uint32_t count = firstOfType[kTypes];
     if (count == 0) return kSuccess;
     recordsByType = static_cast<uint8_t**>(os_malloc(count * sizeof(uint8_t*)));
     if (recordsByType == nullptr) return kNoMemory;
+    uint32_t next[kTypes];
+    std::memcpy(next, firstOfType, sizeof next);
     for (uint32_t index = 0; index < count; index++) {
+        void* record;
         if (RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, static_cast<int32_t>(index)) != kSuccess) return kFailure;
         recordsByType[next[RecordType(record)]++] = static_cast<uint8_t*>(record);
     }
     return kSuccess;
 }
 
-// A new block for a record with a body of `bodySize` bytes, all of it 0 but the type word; null without memory.
-uint8_t* NewRecord(uint32_t type, size_t bodySize) {
-    const size_t size = sizeof type + bodySize;
-    auto* record = static_cast<uint8_t*>(os_malloc(size));
+// A new block for a record: the type word, the `atHand` bytes of a structure, and zeros up to `bodySize`; null without
+// memory.
+uint8_t* NewRecord(uint32_t type, const uint8_t* bytes, size_t atHand, size_t bodySize) {
+    auto* record = static_cast<uint8_t*>(os_malloc(sizeof type + bodySize));
     if (record == nullptr) return nullptr;
-    os_memset(record, size, 0, size);
     std::memcpy(record, &type, sizeof type);
+    std::memcpy(record + sizeof type, bytes, atHand);
+    std::memset(record + sizeof type + atHand, 0, bodySize - atHand);
     return record;
 }
 
@@ -97,21 +101,21 @@ status_t ParseFixedStruct(const TableStructure_t& structure, const uint8_t* tabl
                           std::span<const uint8_t> indexOffsets, const char* function, const char* insertTrace) {
     const StringArea_t area = StringAreaOf(structure);
     const size_t areaOffset = bytes + indexOffsets.size() * kPointerSize;
-    uint8_t* record = NewRecord(structure.Type(), areaOffset + area.size + 2);
+    const size_t inTable = static_cast<size_t>(tableEnd - structure.data);
+    uint8_t* record =
+        NewRecord(structure.Type(), structure.data, inTable < bytes ? inTable : bytes, areaOffset + area.size + 2);
     if (record == nullptr) {
         TRACE(function, kErrorExit, "Error allocating memory");
         return kNoMemory;
     }
     uint8_t* body = record + sizeof(uint32_t);
-    const size_t atHand = static_cast<size_t>(tableEnd - structure.data);
-    std::memcpy(body, structure.data, atHand < bytes ? atHand : bytes);
     if (area.size != 0) std::memcpy(body + areaOffset, area.data, area.size);
     for (size_t place = 0; place < indexOffsets.size(); place++) {
         const char* text =
             FindStructString(reinterpret_cast<const char*>(body + areaOffset), body[indexOffsets[place]]);
         std::memcpy(body + bytes + place * kPointerSize, &text, sizeof text);
     }
-    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) {
+    if (StoreRecord(record) != kSuccess) {
         TRACE(function, kErrorExit, "%s", insertTrace);
         os_free(record);
         return kFailure;
@@ -138,13 +142,12 @@ status_t ParseBaseBoardInfoStruct(const TableStructure_t& structure, const uint8
 // for the closing double NUL.
 status_t ParseDefaultStruct(const TableStructure_t& structure) {
     const uint32_t size = structure.size > structure.Length() ? structure.size : structure.Length();
-    uint8_t* record = NewRecord(structure.Type(), size + 2 + kSpareBytes);
+    uint8_t* record = NewRecord(structure.Type(), structure.data, structure.size, size + 2 + kSpareBytes);
     if (record == nullptr) {
         TRACE("ParseDefaultStruct", kErrorExit, "Error allocating memory ... Exiting");
         return kNoMemory;
     }
-    std::memcpy(record + sizeof(uint32_t), structure.data, structure.size);
-    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) {
+    if (StoreRecord(record) != kSuccess) {
         TRACE("ParseDefaultStruct", kErrorExit, "Error Inserting mySMBIOSStructPtr ... Exiting");
         os_free(record);
         return kFailure;

@@ -87,19 +87,26 @@ TEST(Records, OfMostTypesAreTheStructureItself) {
 }
 
 TEST(Records, OfTypes0To2PointAtTheirStrings) {
+    const auto bios = [] { return ClStructureBuilder(0, 0x18); };
     const struct {
         const char* what;
         ClStructureBuilder structure;
         std::vector<std::string> texts;  // in the order of the pointers; "(null)" for a null one
     } kCases[] = {
-        {"type 0", ClStructureBuilder(0, 0x18).Bytes(4, {2, 1, 0, 0, 9}).Strings({"one", "two"}), {"two", "one", "(null)"}},
-        {"type 0 without strings: only number 1 finds the empty area", ClStructureBuilder(0, 0x18).Bytes(4, {1, 2}), {"", "(null)", "(null)"}},
-        {"type 1", ClStructureBuilder(1, 0x1B).Bytes(4, {1, 2, 3, 4}).Bytes(0x19, {5, 6}).Strings({"a", "b", "c", "d", "e", "f"}),
+        // clang-format off
+        {"type 0", bios().Bytes(4, {2, 1, 0, 0, 9}).Strings({"one", "two"}),
+         {"two", "one", "(null)"}},
+        {"type 0 without strings: only number 1 finds the empty area", bios().Bytes(4, {1, 2}),
+         {"", "(null)", "(null)"}},
+        {"type 1", ClStructureBuilder(1, 0x1B).Bytes(4, {1, 2, 3, 4}).Bytes(0x19, {5, 6})
+                       .Strings({"a", "b", "c", "d", "e", "f"}),
          {"a", "b", "c", "d", "e", "f"}},
         {"type 1 of 25 bytes takes its last numbers from the string area",
-         ClStructureBuilder(1, 25).Bytes(4, {1, 1, 1, 1}).Strings({"\2\1x", "y"}), {"\2\1x", "\2\1x", "\2\1x", "\2\1x", "y", "\2\1x"}},
+         ClStructureBuilder(1, 25).Bytes(4, {1, 1, 1, 1}).Strings({"\2\1x", "y"}),
+         {"\2\1x", "\2\1x", "\2\1x", "\2\1x", "y", "\2\1x"}},
         {"type 2", ClStructureBuilder(2, 0x11).Bytes(4, {1, 2, 3, 4, 5, 0, 1}).Strings({"a", "b", "c", "d", "e"}),
          {"a", "b", "c", "d", "e", "a"}},
+        // clang-format on
     };
     for (const auto& c : kCases) {
         const ClStore store(TableOf({c.structure}));

@@ -26,23 +26,22 @@ Bytes_t Cut(Bytes_t bytes, size_t size) {
 
 TEST(Program, TakesEveryFormOfImage) {
     const Bytes_t dump = DumpOf(kTable, 2, 7, 32);
+    Bytes_t longer = dump;
+    longer.resize(longer.size() + 99, 0x20);
     const struct {
         const char* what;
         Bytes_t bytes;
     } kCases[] = {
-        {"bare table",                           kTable       },
-        {                                              "_SM_ with the table at 32",                                  dump             },
-        {                   "_SM3_ with the table at 32",                                     DumpOf(kTable,                                                 3, 2, 32)},
-        {                                           "the address is an offset in the file", DumpOf(kTable, 3, 2, 64, 64)},
-        {  "the address is a physical one",                                    DumpOf(kTable,                                              2, 7, 0xF1230)},
-        {                                                                                           "the address lies in the entry point",DumpOf(kTable,2, 7, 5)},
-        { "bytes behind the table's length",
-         [&] {
-             Bytes_t more = dump;
-             more.resize(more.size() + 99, 0x20);
-             return more;
-         }()              },
-        {"cut behind the first structure",                                     Cut(dump,                                                32 + 0x15 + 7 + 9)},
+  // clang-format off
+        {"bare table",                            kTable                         },
+        {"_SM_ with the table at 32",             dump                           },
+        {"_SM3_ with the table at 32",            DumpOf(kTable, 3, 2, 32)       },
+        {"the address is an offset in the file",  DumpOf(kTable, 3, 2, 64, 64)   },
+        {"the address is a physical one",         DumpOf(kTable, 2, 7, 0xF1230)  },
+        {"the address lies in the entry point",   DumpOf(kTable, 2, 7, 5)        },
+        {"bytes behind the table's length",       longer                         },
+        {"cut behind the first structure",        Cut(dump, 32 + 0x15 + 7 + 9)   },
+  // clang-format on
     };
     for (const auto& c : kCases) {
         const ProgramRun_t run = RunQuorlin("--format lines --type 3 --image " + WriteFile("image.bin", c.bytes));
@@ -55,27 +54,33 @@ TEST(Program, TakesEveryFormOfImage) {
 
 TEST(Program, ExitsWithOneLineThatSaysWhy) {
     const std::string missing = testing::TempDir() + "no-such-file";
+    const std::string empty = WriteFile("empty", {}), text = WriteFile("text", Bytes_t(1000, 'a')),
+                      cut = WriteFile("cut", Cut(kTable, 20)),
+                      entryAlone = WriteFile("entry", Cut(DumpOf(kTable, 2, 7, 32), 32)),
+                      cutEntry = WriteFile("cut-entry", Cut(DumpOf(kTable, 2, 7, 32), 12));
     const struct {
         const char* what;
         std::string arguments;
         int exitCode;
         const char* says;  // in its one line on standard error
     } kCases[] = {
-        {"no such file",             "--image " + missing,                      1,                                                         "No such file"                                                                                                               },
-        {"a folder",                 "--image " + testing::TempDir(),           1,                                                         ""                                                                                                                           },
-        {"an empty file",            "--image " + WriteFile("empty",            {}),                                                       1,                                                                                                                             "empty"},
-        {"text",                          "--image " + WriteFile("text",                                                              Bytes_t(1000,                                                                 'a')),                                                                                                                     1, "not a table"},
-        {"a structure without its strings' end",                         "--image " + WriteFile("cut",                                                     Cut(kTable,                                                                                                              20)),                                                                                  1, "not a table"},
-        {"an entry point alone",                "--image " + WriteFile("entry", Cut(DumpOf(kTable,2,7, 32), 32)), 1, "truncated"},
-        {"a cut entry point",     "--image " + WriteFile("entry", Cut(DumpOf(kTable,                                         2,                                                                                                                                                                                                                          7, 32), 12)), 1, "not a table"},
-        {"an unknown option",                       "--sampl",                                                            2,                                                                                                                    "--sampl"                                                                                                                                                                                                                                     },
-        {"an argument too many",        "--sample extra",               2,                                                       "extra"                                                                                                                                          },
-        {"two sources",                       "--sample --image " + missing,                                                            2,                                                                                                                    "excludes"                                                                                                                                                                                                                                   },
-        {"a type that can't be",        "--sample --type 255",                  2,               "255"               },
-        {"a type that is no number",     "--sample --type x",                       2,                                                                 "x"                                                                                                                                },
-        {"an unknown format",              "--sample --format xml",    2, "xml"},
-        {"a version that is none",     "--sample --smbios-version 3",                  2,                                                         "3.0"                                                                                                                                                                  },
-        {"a signature that is none", "--sample --signature 12G",                   2,                                                     "hexadecimal"                                                                                                              },
+  // clang-format off
+        {"no such file",                         "--image " + missing,               1, "No such file"},
+        {"a folder",                             "--image " + testing::TempDir(),    1, ""            },
+        {"an empty file",                        "--image " + empty,                 1, "empty"       },
+        {"text",                                 "--image " + text,                  1, "not a table" },
+        {"a structure without its strings' end", "--image " + cut,                   1, "not a table" },
+        {"an entry point alone",                 "--image " + entryAlone,            1, "truncated"   },
+        {"a cut entry point",                    "--image " + cutEntry,              1, "truncated"   },
+        {"an unknown option",                    "--sampl",                          2, "--sampl"     },
+        {"an argument too many",                 "--sample extra",                   2, "extra"       },
+        {"two sources",                          "--sample --image " + missing,      2, "exclude"     },
+        {"a type that can't be",                 "--sample --type 255",              2, "255"         },
+        {"a type that is no number",             "--sample --type x",                2, "x"           },
+        {"an unknown format",                    "--sample --format xml",            2, "xml"         },
+        {"a version that is none",               "--sample --smbios-version 3",      2, "3.0"         },
+        {"a signature that is none",             "--sample --signature 12G",         2, "hexadecimal" },
+  // clang-format on
     };
     for (const auto& c : kCases) {
         const ProgramRun_t run = RunQuorlin(c.arguments);

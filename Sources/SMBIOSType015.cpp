@@ -1,0 +1,75 @@
+// System Event Log (the SMBIOS standard, type 15). The structure tells where the log is; the log itself isn't read.
+#include "Sources/Decoders.h"
+
+namespace {
+
+// The shortest structure of the later form, which has descriptors of log types behind this length. The form of version
+// 2.0 ends before the header format.
+constexpr uint8_t kLengthWithDescriptors = 0x17;
+constexpr size_t kDescriptorCount = 0x15, kDescriptors = 0x17, kDescriptorSize = 2;
+
+// Bits of the log status.
+constexpr uint8_t kAreaValid = 0x01, kAreaFull = 0x02;
+
+std::string ShowLogStatus(const Field_t& field) {
+    const uint8_t status = field.Byte();
+    return HexText(status, 2)
+        .append(" (Log Area: ")
+        .append((status & kAreaFull) != 0 ? "Full" : "Not Full")
+        .append(", ")
+        .append((status & kAreaValid) != 0 ? "Valid" : "Not Valid")
+        .append(")");
+}
+
+std::string_view HeaderFormat(uint8_t format) {
+    if (format == 0x00) return "No header";
+    if (format == 0x01) return "Type 1 header";
+    if (format < 0x80) return "Error: reserved header type";
+    return "BIOS or OEM specific header type";
+}
+
+std::string ShowHeaderFormat(const Field_t& field) {
+    return HexText(field.Byte(), 2).append(" (").append(HeaderFormat(field.Byte())).append(")");
+}
+
+// The log type and the format of its variable data.
+std::string ShowDescriptor(const Field_t& field) {
+    const uint16_t descriptor = field.Word();
+    return std::string("\t\t").append(HexText(descriptor & 0xFF, 2)).append(" ").append(HexText(descriptor >> 8, 2));
+}
+
+constexpr Rendering_t LogStatus{ShowLogStatus}, LogHeaderFormat{ShowHeaderFormat}, Descriptor{ShowDescriptor};
+
+constexpr ItemRow_t kItems[] = {
+    {"Log Area Length",         0x04, Dec16AndHex(2)},
+    {"Log Header Start Offset", 0x06, Dec16AndHex(2)},
+    {"Log Data Start Offset",   0x08, Dec16AndHex(2)},
+    {"Access Method",           0x0A, Dec8          },
+    {"Log Status",              0x0B, LogStatus     },
+    {"Log Change Token",        0x0C, Hex32         },
+    {"Access Method Address",   0x10, Hex32         },
+};
+
+constexpr ItemRow_t kLaterItems[] = {
+    {"Log Header Format",                        0x14, LogHeaderFormat},
+    {"Number of Supported Log Type Descriptors", 0x15, Hex8           },
+    {"Length of each Log Type Descriptor",       0x16, Hex8           },
+};
+
+}  // namespace
+
+void ClSMBIOSType15::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("System Event Log {Type 15}", pData)) return;
+    const ClStructure structure = ClStructure::WholeRecord(pData);
+    PrintItems(kItems, structure);
+    if (structure.Length() < kLengthWithDescriptors) return;
+    PrintItems(kLaterItems, structure);
+
+    // The structure's own length of a descriptor is shown, but a descriptor is two bytes all the same.
+    size_t offset = kDescriptors;
+    for (uint8_t left = structure.Byte(kDescriptorCount); left > 0; left--, offset += kDescriptorSize) {
+        if (!structure.Holds(offset, kDescriptorSize)) return;
+        const ItemRow_t row = {"List of Supported Event Log Type Descriptors", offset, Descriptor};
+        PrintItems({&row, 1}, structure);
+    }
+}

@@ -1,0 +1,189 @@
+// Memory Device (the SMBIOS standard, type 17). Sizes are shown as the structure holds them.
+#include <limits>
+#include <vector>
+
+#include "Packages/Platform/Platform.h"
+#include "Sources/Decoders.h"
+
+namespace {
+
+// A size that refers to the extended size, which stands in a field of its own.
+constexpr uint16_t kSizeIsExtended = 0x7FFF;
+constexpr size_t kSize = 0x0C;
+constexpr size_t kExtendedSizeWidth = 8;
+
+constexpr CodeText_t kFormFactors[] = {
+    {1,  "Other"           },
+    {2,  "Unknown"         },
+    {3,  "SIMM"            },
+    {4,  "SIP"             },
+    {5,  "Chip"            },
+    {6,  "DIP"             },
+    {7,  "ZIP"             },
+    {8,  "Proprietary Card"},
+    {9,  "DIMM"            },
+    {10, "TSOP"            },
+    {11, "Row of chips"    },
+    {12, "RIMM"            },
+    {13, "SODIMM"          },
+    {14, "SRIMM"           },
+    {15, "FB-DIMM"         },
+};
+static_assert(IsRising(kFormFactors));
+
+constexpr CodeText_t kMemoryTypes[] = {
+    {1,  "Other"       },
+    {2,  "Unknown"     },
+    {3,  "DRAM"        },
+    {4,  "EDRAM"       },
+    {5,  "VRAM"        },
+    {6,  "SRAM"        },
+    {7,  "RAM"         },
+    {8,  "ROM"         },
+    {9,  "FLASH"       },
+    {10, "EEPROM"      },
+    {11, "FEPROM"      },
+    {12, "EPROM"       },
+    {13, "CDRAM"       },
+    {14, "3DRAM"       },
+    {15, "SDRAM"       },
+    {16, "SGRAM"       },
+    {17, "RDRAM"       },
+    {18, "DDR"         },
+    {19, "DDR2"        },
+    {20, "DDR2 FB-DIMM"},
+    {21, "Reserved"    },
+    {22, "Reserved"    },
+    {23, "Reserved"    },
+    {24, "DDR3"        },
+    {25, "FBD2"        },
+    {26, "DDR4"        },
+    {27, "LPDDR"       },
+    {28, "LPDDR2"      },
+    {29, "LPDDR3"      },
+    {30, "LPDDR4"      },
+};
+static_assert(IsRising(kMemoryTypes));
+
+constexpr CodeText_t kTypeDetails[] = {
+    {0,  "Reserved, set to 0"       },
+    {1,  "Other"                    },
+    {2,  "Unknown"                  },
+    {3,  "Fast-paged"               },
+    {4,  "Static column"            },
+    {5,  "Pseudo-static"            },
+    {6,  "RAMBUS"                   },
+    {7,  "Synchronous"              },
+    {8,  "CMOS"                     },
+    {9,  "EDO"                      },
+    {10, "Window DRAM"              },
+    {11, "Cache DRAM"               },
+    {12, "Non-volatile"             },
+    {13, "Registered (Buffered)"    },
+    {14, "Unbuffered (Unregistered)"},
+    {15, "LRDIMM"                   },
+};
+static_assert(IsRising(kTypeDetails));
+
+constexpr bool IsPrintableAscii(char byte) { return byte >= 0x20 && byte <= 0x7E; }
+constexpr bool IsControl(char byte) { return byte >= 0x01 && byte <= 0x1F; }
+
+// The text through wide characters and back: what isn't valid UTF-8 comes out as the replacement character. A text
+// that the system can't convert stays as it is.
+std::string Revalidated(std::string_view text) {
+    if (text.size() > std::numeric_limits<int>::max() / 3) return std::string(text);
+    // A byte makes at most one wide character, and a wide character at most three bytes.
+    std::vector<WCHAR> wide(text.size());
+    const int wideCount = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                                              static_cast<int>(wide.size()));
+    std::string result(static_cast<size_t>(wideCount) * 3, '\0');
+    const int count = WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideCount, result.data(),
+                                          static_cast<int>(result.size()), nullptr, nullptr);
+    if (wideCount == 0 || count == 0) return std::string(text);
+    result.resize(static_cast<size_t>(count));
+    return result;
+}
+
+std::string ShowFormFactor(const Field_t& field) { return ClSMBIOSType17::GetFormFactorString(field.Byte()); }
+std::string ShowMemoryType(const Field_t& field) { return ClSMBIOSType17::GetMemoryTypeString(field.Byte()); }
+std::string ShowTypeDetail(const Field_t& field) { return ClSMBIOSType17::GetTypeDetailString(field.Word()); }
+
+std::string ShowPartNumber(const Field_t& field) {
+    if (field.Byte() == 0) return "None";
+    return ClSMBIOSType17::GetCleanPartNumber(StringOf(field.structure.Data(), field.Byte()));
+}
+
+std::string ShowExtendedSize(const Field_t& field) {
+    if (field.structure.Word(kSize) != kSizeIsExtended) return "0";
+    std::string size = std::to_string(field.Dword());
+    if (size.size() < kExtendedSizeWidth) size.insert(0, kExtendedSizeWidth - size.size(), ' ');
+    return size.append(" MB");
+}
+
+// A number and its unit, if it has one.
+std::string ShowKnown(const Field_t& field) { return field.Word() == 0 ? "Unknown" : ShowDec16WithUnit(field); }
+
+constexpr Rendering_t FormFactor{ShowFormFactor}, MemoryType{ShowMemoryType}, TypeDetail{ShowTypeDetail},
+    PartNumber{ShowPartNumber}, ExtendedSize{ShowExtendedSize}, KnownSpeed{ShowKnown, {}, " MHz"},
+    KnownVoltage{ShowKnown};
+
+constexpr ItemRow_t kItems[] = {
+    {"Memory Array Handle",             0x04, Hex16                },
+    {"Memory Error Information Handle", 0x06, Hex16                },
+    {"Total Width",                     0x08, Dec16AndHex(4)       },
+    {"Data Width",                      0x0A, Dec16AndHex(4)       },
+    {"Size",                            0x0C, Dec16AndHex(4)       },
+    {"Form Factor",                     0x0E, FormFactor           },
+    {"Device Set",                      0x0F, Hex8Digits(4)        },
+    {"Device Locator",                  0x10, String               },
+    {"Bank Locator",                    0x11, String               },
+    {"Memory Type",                     0x12, MemoryType           },
+    {"Type Detail",                     0x13, Hex16                },
+    {"Type Detail Description",         0x13, TypeDetail           },
+    {"Speed",                           0x15, Dec16WithUnit(" MHz")},
+    {"Manufacturer",                    0x17, StringOrNone         },
+    {"Serial Number",                   0x18, StringOrNone         },
+    {"Assert Tag",                      0x19, StringOrNone         },
+    {"Part Number",                     0x1A, PartNumber           },
+    {"Attributes",                      0x1B, Dec8                 },
+    {"Extended Size",                   0x1C, ExtendedSize         },
+    {"Configured Memory Clock Speed",   0x20, KnownSpeed           },
+    {"Minimum Voltage",                 0x22, KnownVoltage         },
+    {"Maximum Voltage",                 0x24, KnownVoltage         },
+    {"Configured Voltage",              0x26, KnownVoltage         },
+};
+
+}  // namespace
+
+std::string ClSMBIOSType17::GetFormFactorString(uint8_t formFactor) {
+    const std::string_view text = TextOf(kFormFactors, formFactor, {});
+    return text.empty() ? GetUnknownValueString(formFactor) : std::string(text);
+}
+
+std::string ClSMBIOSType17::GetMemoryTypeString(uint8_t memoryType) {
+    const std::string_view text = TextOf(kMemoryTypes, memoryType, {});
+    return text.empty() ? GetUnknownValueString(memoryType) : std::string(text);
+}
+
+std::string ClSMBIOSType17::GetTypeDetailString(uint16_t typeDetail) {
+    return typeDetail == 0 ? "None" : BitsText(kTypeDetails, typeDetail, 16);
+}
+
+std::string ClSMBIOSType17::GetUnknownValueString(uint8_t value) {
+    std::string digits = HexText(value, 2);
+    digits.pop_back();  // the "h"
+    return "Unknown, Value read = 0x" + digits;
+}
+
+std::string ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {
+    // Plain text, which is nearly all there is, comes back from the conversions as it was.
+    if (std::ranges::all_of(partNumber, IsPrintableAscii)) return std::string(partNumber);
+    std::string text = Revalidated(partNumber);
+    std::ranges::replace_if(text, IsControl, '.');
+    return text;
+}
+
+void ClSMBIOSType17::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("Memory Device {Type 17}", pData)) return;
+    PrintItems(kItems, ClStructure::FormattedArea(pData));
+}

@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+// A log of the later form with room for three descriptors, which count themselves as `count`.
+ClStructureBuilder LogWith(uint8_t count) {
+    return ClStructureBuilder(15, 0x1D)
+        .Byte(0x15, count)
+        .Byte(0x16, 2)
+        .Bytes(0x17, {0x01, 0x00, 0x08, 0x04, 0x10, 0xFF})
+        .Strings({"behind"});
+}
+
+}  // namespace
+
+TEST(Type15, EarlyFormEndsWithTheAddress) {
+    const auto log = ClStructureBuilder(15, 0x14)
+                         .Word(0x04, 1024)
+                         .Word(0x06, 0)
+                         .Word(0x08, 16)
+                         .Byte(0x0A, 3)
+                         .Byte(0x0B, 1)
+                         .Dword(0x0C, 0x1A2B)
+                         .Dword(0x10, 0x00710070);
+    EXPECT_EQ(Decode(log).Lines(),
+              "System Event Log {Type 15}#GROUPNAME=\nType=15\nLength=20\nHandle=16\n"
+              "Log Area Length=1024 (400h)\n"
+              "Log Header Start Offset=0 (00h)\n"
+              "Log Data Start Offset=16 (10h)\n"
+              "Access Method=3\n"
+              "Log Status=01h (Log Area: Not Full, Valid)\n"
+              "Log Change Token=00001A2Bh\n"
+              "Access Method Address=00710070h\n");
+    // One byte less than the later form needs.
+    EXPECT_EQ(Decode(ClStructureBuilder(15, 0x16)).Count(), 4u + 7u);
+    EXPECT_EQ(Decode(ClStructureBuilder(15, 0x17)).Count(), 4u + 10u);
+}
+
+TEST(Type15, StatusAndHeaderFormat) {
+    const struct {
+        size_t offset;
+        uint8_t value;
+        const char *key, *text;
+    } kCases[] = {
+        {0x0B, 0x00, "Log Status",                               "00h (Log Area: Not Full, Not Valid)"   },
+        {0x0B, 0x02, "Log Status",                               "02h (Log Area: Full, Not Valid)"       },
+        {0x0B, 0xFF, "Log Status",                               "FFh (Log Area: Full, Valid)"           },
+        {0x14, 0x00, "Log Header Format",                        "00h (No header)"                       },
+        {0x14, 0x01, "Log Header Format",                        "01h (Type 1 header)"                   },
+        {0x14, 0x02, "Log Header Format",                        "02h (Error: reserved header type)"     },
+        {0x14, 0x7F, "Log Header Format",                        "7Fh (Error: reserved header type)"     },
+        {0x14, 0x80, "Log Header Format",                        "80h (BIOS or OEM specific header type)"},
+        {0x15, 0x03, "Number of Supported Log Type Descriptors", "03h"                                   },
+        {0x16, 0x0C, "Length of each Log Type Descriptor",       "0Ch"                                   },
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(Decode(ClStructureBuilder(15, 0x17).Byte(c.offset, c.value)).Text(c.key), c.text);
+}
+
+TEST(Type15, DescriptorsStopAtTheFormattedArea) {
+    const std::string key = "List of Supported Event Log Type Descriptors";
+    using Texts = std::vector<std::string>;
+    EXPECT_EQ(Decode(LogWith(3)).Texts(key), (Texts{"\t\t01h 00h", "\t\t08h 04h", "\t\t10h FFh"}));
+    EXPECT_EQ(Decode(LogWith(2)).Texts(key), (Texts{"\t\t01h 00h", "\t\t08h 04h"}));
+    EXPECT_EQ(Decode(LogWith(0)).Texts(key), Texts{});
+    EXPECT_EQ(Decode(LogWith(255)).Texts(key).size(), 3u);
+    // The stated size of a descriptor doesn't change the step.
+    EXPECT_EQ(Decode(LogWith(3).Byte(0x16, 3)).Texts(key)[1], "\t\t08h 04h");
+}
