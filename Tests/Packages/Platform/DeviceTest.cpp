@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "Child.h"
+#include "Tests/Support/Linux/Processes.h"
 #include "Packages/Platform/Platform.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "Child.h"
+#include "Tests/Support/Linux/Processes.h"
 #include "Packages/Platform/Platform.h"
 
 class Service : public testing::Test {

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <string>
 
-#include "Child.h"
+#include "Tests/Support/Linux/Processes.h"
 #include "Packages/Platform/Platform.h"
 
 static const char kDriverKey[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";

@@ -1,4 +1,4 @@
-#include "Child.h"
+#include "Tests/Support/Linux/Processes.h"
 
 #include <grp.h>
 #include <gtest/gtest.h>

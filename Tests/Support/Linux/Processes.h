@@ -1,4 +1,4 @@
-// Other processes for the provider's tests.
+// Other processes for tests that run on Linux alone.
 #pragma once
 
 #include <functional>
