@@ -1,7 +1,7 @@
 # The short front of the build; the configurations stand in CMakePresets.json. Targets install what they need.
-BUILD_PACKAGES = g++ make cmake ninja-build libcli11-dev rapidjson-dev
+BUILD_PACKAGES = g++ make cmake ninja-build libcli11-dev rapidjson-dev zlib1g-dev
 TEST_PACKAGES = libgtest-dev
-WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix
+WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 BENCH_PACKAGES = libbenchmark-dev
 FUZZ_PACKAGES = clang
 STYLE_PACKAGES = clang-format clang-tidy
@@ -11,7 +11,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test asan windows bench format lint clean
+.PHONY: build run test asan windows bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -44,6 +44,12 @@ bench:
 	@cmake --preset bench >/dev/null
 	@cmake --build --preset bench
 	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json
+
+# Each fuzzer for a minute.
+fuzz:
+	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz --target fuzz
 
 format:
 	@$(INSTALL) $(STYLE_PACKAGES)

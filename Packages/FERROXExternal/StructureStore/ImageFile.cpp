@@ -1,0 +1,91 @@
+#include "Packages/FERROXExternal/StructureStore/ImageFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "Packages/Platform/Program.h"
+
+namespace {
+
+status_t Fail(std::string_view problem, std::string* error) {
+    *error = problem;
+    return kFailure;
+}
+
+// Gives 0, or the errno of what failed. A file above kMostTableBytes is read no further than that.
+int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
+    std::FILE* file = OpenFile(path, "r");
+    if (file == nullptr) return errno;
+    std::setvbuf(file, nullptr, _IONBF, 0);
+    uint8_t block[32u << 10];
+    size_t got;
+    do {
+        got = std::fread(block, 1, sizeof block, file);
+        bytes->insert(bytes->end(), block, block + got);
+    } while (got == sizeof block && bytes->size() <= kMostTableBytes);
+    const int problem = std::ferror(file) != 0 ? errno : 0;
+    std::fclose(file);
+    return problem;
+}
+
+status_t Take(const TableFound_t& found, Image_t* image, std::string* error) {
+    if (found.status != kSuccess) return Fail(found.problem, error);
+    image->source.table = found.table.data();
+    image->source.length = static_cast<uint32_t>(found.table.size());
+    if (found.major != 0 || found.minor != 0) {
+        image->source.major = found.major;
+        image->source.minor = found.minor;
+    }
+    image->form = found.form;
+    image->missing = found.missing;
+    image->checksumsFit = found.checksumsFit;
+    return kSuccess;
+}
+
+status_t ReadFolder(const std::string& path, Image_t* image, std::string* error) {
+    std::vector<uint8_t> point, table;
+    const int pointProblem = ReadFile(path + "/smbios_entry_point", &point);
+    const int tableProblem = ReadFile(path + "/DMI", &table);
+    if (pointProblem == EACCES || tableProblem == EACCES)
+        return Fail("its files may not be read; try as root, or with a copy that you may read", error);
+    if (pointProblem != 0 || tableProblem != 0)
+        return Fail("a folder without smbios_entry_point and DMI; try a file that holds a dump", error);
+    image->bytes = std::move(table);
+    image->isCompressed = false;
+    return Take(FindTableInFolder(point, image->bytes), image, error);
+}
+
+}  // namespace
+
+std::string Image_t::Remark() const {
+    if (missing == 0) return {};
+    return "truncated: " + std::to_string(source.length) + " of " + std::to_string(uint64_t{source.length} + missing) +
+           " table bytes; showing what is there";
+}
+
+status_t ImageFromBytes(std::vector<uint8_t> bytes, TableForm_t as, Image_t* image, std::string* error) {
+    image->isCompressed = IsCompressed(bytes);
+    if (!image->isCompressed) {
+        image->bytes = std::move(bytes);
+    } else if (const char* problem = Inflate(bytes, &image->bytes)) {
+        return Fail(problem, error);
+    }
+    return Take(FindTable(image->bytes, as), image, error);
+}
+
+status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std::string* error) {
+    if (as == TableForm_t::kFolder) return ReadFolder(path, image, error);
+    std::vector<uint8_t> bytes = std::move(image->bytes);  // a block that fits, when images are read one by one
+    const int problem = ReadFile(path, &bytes);
+    if (problem == 0) return ImageFromBytes(std::move(bytes), as, image, error);
+    // A folder can't be read as a file, and each system has its own way to say so.
+    if (problem == EISDIR || IsFolder(path)) {
+        if (as == TableForm_t::kAny) return ReadFolder(path, image, error);
+        return Fail("a folder; try it with --as sysfs", error);
+    }
+    const char* advice = problem == EACCES   ? "; try as root, or with a copy that you may read"
+                         : problem == ENOENT ? "; try another name"
+                                             : "";
+    return Fail(std::string(std::strerror(problem)) + advice, error);
+}

@@ -1,0 +1,184 @@
+#include "Packages/Format/TableFile.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "Packages/Format/EntryPoint.h"
+#include "Packages/Format/Structures.h"
+
+namespace {
+
+struct FormName_t {
+    TableForm_t form;
+    std::string_view name;
+};
+constexpr FormName_t kFormNames[] = {
+    {TableForm_t::kAny,           "any"    },
+    {TableForm_t::kDump,          "dump"   },
+    {TableForm_t::kBareTable,     "table"  },
+    {TableForm_t::kWindowsAnswer, "windows"},
+    {TableForm_t::kFolder,        "sysfs"  },
+};
+
+TableFound_t NoTable(std::string_view problem) { return {.status = kFailure, .problem = problem}; }
+
+bool BeginsWith(std::span<const uint8_t> bytes, std::string_view text) {
+    return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
+}
+
+// The part of `promised` bytes that is there. A bound promises nothing.
+TableFound_t Found(TableForm_t form, std::span<const uint8_t> atHand, uint32_t promised, bool isBound) {
+    const size_t length = std::min<size_t>(atHand.size(), promised);
+    return {.status = kSuccess,
+            .form = form,
+            .table = atHand.first(length),
+            .missing = isBound ? 0 : static_cast<uint32_t>(promised - length)};
+}
+
+TableFound_t WithVersion(TableFound_t found, const EntryPoint_t& point) {
+    found.major = point.major;
+    found.minor = point.minor;
+    found.checksumsFit = point.checksumsFit;
+    return found;
+}
+
+TableFound_t FindBehindEntryPoint(std::span<const uint8_t> bytes) {
+    EntryPoint_t point;
+    if (!ParseEntryPoint(bytes.data(), bytes.size(), &point))
+        return NoTable(BeginsWith(bytes, "_SM_") || BeginsWith(bytes, "_SM3")
+                           ? "truncated: the file ends within its entry point; dump it anew"
+                           : "not a dump: it doesn't begin with an entry point; try it without --as");
+    // An address that lies in the file, behind the entry point, is an offset.
+    const bool isOffset = point.tableAddress >= point.size && point.tableAddress < bytes.size();
+    const size_t offset = isOffset ? static_cast<size_t>(point.tableAddress) : kTableOffset;
+    if (offset >= bytes.size())
+        return NoTable("truncated: the file ends before its table; dump it anew, or try the folder it comes from");
+    // The length of an _SM3_ entry point is an upper bound, that of an older one is exact.
+    return WithVersion(Found(TableForm_t::kDump, bytes.subspan(offset), point.tableLength, point.lengthIsBound), point);
+}
+
+// The head of the system's answer: calling method, major, minor, revision, and 32 bits of length.
+constexpr size_t kAnswerHead = 8;
+
+// No structure begins like that: one of type 0 or 1 has a length above any of these versions.
+bool BeginsWithAnswer(std::span<const uint8_t> bytes) {
+    return bytes.size() > kAnswerHead && bytes[0] <= 1 && bytes[1] >= 2 && bytes[1] < 8 &&
+           BeginsWithStructure(bytes.subspan(kAnswerHead));
+}
+
+TableFound_t FindBehindAnswer(std::span<const uint8_t> bytes) {
+    if (bytes.size() <= kAnswerHead)
+        return NoTable("truncated: the file ends before its table; save the system's answer anew");
+    uint32_t length;
+    std::memcpy(&length, &bytes[4], sizeof length);
+    TableFound_t found = Found(TableForm_t::kWindowsAnswer, bytes.subspan(kAnswerHead), length, false);
+    found.major = bytes[1];
+    found.minor = bytes[2];
+    return found;
+}
+
+TableFound_t WholeTable(std::span<const uint8_t> bytes) {
+    return {.status = kSuccess, .form = TableForm_t::kBareTable, .table = bytes};
+}
+
+// Adds what makes the bytes from `begin` on add up to 0.
+void SetChecksum(std::vector<uint8_t>& bytes, size_t begin, size_t size, size_t place) {
+    uint8_t sum = 0;
+    for (size_t at = begin; at < begin + size; at++) sum = static_cast<uint8_t>(sum + bytes[at]);
+    bytes[place] = static_cast<uint8_t>(bytes[place] - sum);
+}
+
+template <class Number>
+void Put(std::vector<uint8_t>& bytes, size_t place, Number number) {
+    std::memcpy(&bytes[place], &number, sizeof number);
+}
+
+void PutText(std::vector<uint8_t>& bytes, size_t place, std::string_view text) {
+    std::memcpy(&bytes[place], text.data(), text.size());
+}
+
+// What an _SM_ entry point counts of its table: the structures, and the size of the largest.
+struct Counts_t {
+    uint16_t structures = 0, largest = 0;
+};
+
+Counts_t CountStructures(std::span<const uint8_t> table) {
+    Counts_t counts;
+    const auto length = static_cast<uint32_t>(table.size());
+    for (uint32_t offset = 0; offset < length;) {
+        const TableStructure_t structure = StructureAt(table.data(), length, offset);
+        if (structure.size == 0) break;
+        counts.structures++;
+        counts.largest = std::max(counts.largest, static_cast<uint16_t>(std::min(structure.size, 0xFFFFu)));
+        if (structure.Type() == kEndOfTable) break;
+        offset += structure.size;
+    }
+    return counts;
+}
+
+}  // namespace
+
+std::string_view NameOfForm(TableForm_t form) { return std::ranges::find(kFormNames, form, &FormName_t::form)->name; }
+
+bool FormByName(std::string_view name, TableForm_t* form) {
+    const auto* row = std::ranges::find(kFormNames, name, &FormName_t::name);
+    if (row == std::end(kFormNames)) return false;
+    *form = row->form;
+    return true;
+}
+
+TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {
+    if (bytes.empty()) return NoTable("empty; try a file that holds a dump");
+    if (bytes.size() > kMostTableBytes)
+        return NoTable("larger than 64 MiB, so not a table; try the file that holds the dump");
+    switch (as) {
+        case TableForm_t::kDump: return FindBehindEntryPoint(bytes);
+        case TableForm_t::kBareTable: return WholeTable(bytes);
+        case TableForm_t::kWindowsAnswer: return FindBehindAnswer(bytes);
+        case TableForm_t::kFolder: return NoTable("a file; --as sysfs takes the folder of an entry point and a table");
+        case TableForm_t::kAny: break;
+    }
+    if (BeginsWith(bytes, "_SM_") || BeginsWith(bytes, "_SM3")) return FindBehindEntryPoint(bytes);
+    if (BeginsWithAnswer(bytes)) return FindBehindAnswer(bytes);
+    if (BeginsWithStructure(bytes)) return WholeTable(bytes);
+    return NoTable("not a table: neither an entry point nor a structure at its begin; try a dump or a bare table");
+}
+
+TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<const uint8_t> table) {
+    EntryPoint_t point;
+    if (!ParseEntryPoint(entryPoint.data(), entryPoint.size(), &point))
+        return NoTable("its smbios_entry_point is none; try its file DMI");
+    if (table.empty()) return NoTable("its file DMI is empty; try a file that holds a dump");
+    return WithVersion(Found(TableForm_t::kFolder, table, point.tableLength, point.lengthIsBound), point);
+}
+
+std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uint8_t minor) {
+    std::vector<uint8_t> dump(kTableOffset);
+    const auto length = static_cast<uint32_t>(table.size());
+    if (major >= 3 || length > 0xFFFF) {
+        PutText(dump, 0, "_SM3_");
+        dump[6] = 0x18;  // of the entry point
+        dump[7] = major;
+        dump[8] = minor;
+        dump[0x0A] = 1;  // the entry point's revision
+        Put(dump, 0x0C, length);
+        Put(dump, 0x10, uint64_t{kTableOffset});
+        SetChecksum(dump, 0, 0x18, 5);
+    } else {
+        const Counts_t counts = CountStructures(table);
+        PutText(dump, 0, "_SM_");
+        dump[5] = 0x1F;  // of the entry point
+        dump[6] = major;
+        dump[7] = minor;
+        Put(dump, 8, counts.largest);
+        PutText(dump, 0x10, "_DMI_");
+        Put(dump, 0x16, static_cast<uint16_t>(length));
+        Put(dump, 0x18, static_cast<uint32_t>(kTableOffset));
+        Put(dump, 0x1C, counts.structures);
+        dump[0x1E] = static_cast<uint8_t>(major << 4 | (minor & 15));  // the version in BCD
+        SetChecksum(dump, 0x10, 0x0F, 0x15);
+        SetChecksum(dump, 0, 0x1F, 4);
+    }
+    dump.insert(dump.end(), table.begin(), table.end());
+    return dump;
+}

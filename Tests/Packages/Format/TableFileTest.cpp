@@ -1,0 +1,143 @@
+// The forms in which tables are kept: what is recognised, what is forced, and what a dump that we make holds.
+#include "Packages/Format/TableFile.h"
+
+#include <gtest/gtest.h>
+
+#include "Packages/Format/EntryPoint.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+using Bytes_t = std::vector<uint8_t>;
+using enum TableForm_t;
+
+const Bytes_t kTable = TableOf({ClStructureBuilder(1, 0x1B), ClStructureBuilder(126, 4).Strings({"a"})});
+
+Bytes_t With(Bytes_t bytes, size_t more) {
+    bytes.resize(bytes.size() + more, 9);
+    return bytes;
+}
+
+// The system's answer, whose head states `length` for the bytes behind it.
+Bytes_t Answer(uint8_t method, uint8_t major, uint32_t length, const Bytes_t& behind) {
+    Bytes_t answer = {method, major, 4, 0, static_cast<uint8_t>(length), static_cast<uint8_t>(length >> 8), 0, 0};
+    for (const uint8_t byte : behind) answer.push_back(byte);
+    return answer;
+}
+
+const Bytes_t kNothing, kCutPoint = {'_', 'S', 'M', '_', 0};
+
+const auto kSize = static_cast<uint32_t>(kTable.size());
+const Bytes_t kDump32 = DumpOf(kTable, 3, 2, 32), kAnswer = Answer(0, 3, kSize, kTable),
+              kLongAnswer = Answer(1, 2, kSize, With(kTable, 1)), kCutAnswer = Answer(0, 2, kSize + 7, kTable),
+              kOddAnswer = Answer(7, 9, 2, Bytes_t(2)), kHeadAlone = Answer(0, 3, 100, kNothing),
+              kPointAlone = DumpOf(kNothing, 3, 0, 32), kText = Bytes_t(500, 'a'), kNoise = Bytes_t(9, 0xAA);
+
+TEST(TableFile, RecognisesAFormByItsContent) {
+    const struct {
+        const char* what;
+        Bytes_t bytes;
+        TableForm_t as, form;
+        uint8_t major;
+        uint32_t missing;
+    } kCases[] = {
+        {"bare",           kTable,      kAny,           kBareTable,     0, 0},
+        {"dump, _SM3_",    kDump32,     kAny,           kDump,          3, 0},
+        {"answer",         kAnswer,     kAny,           kWindowsAnswer, 3, 0},
+        {"answer, longer", kLongAnswer, kAny,           kWindowsAnswer, 2, 0},
+        {"answer, cut",    kCutAnswer,  kAny,           kWindowsAnswer, 2, 7},
+        {"forced table",   kNoise,      kBareTable,     kBareTable,     0, 0},
+        {"forced answer",  kOddAnswer,  kWindowsAnswer, kWindowsAnswer, 9, 0},
+    };
+    for (const auto& c : kCases) {
+        const TableFound_t found = FindTable(c.bytes, c.as);
+        ASSERT_EQ(found.status, kSuccess) << c.what << ": " << found.problem;
+        EXPECT_EQ(found.form, c.form) << c.what;
+        EXPECT_EQ(found.major, c.major) << c.what;
+        EXPECT_EQ(found.missing, c.missing) << c.what;
+        if (c.as == kAny) {
+            EXPECT_EQ(Bytes_t(found.table.begin(), found.table.end()), kTable) << c.what;
+        }
+    }
+}
+
+TEST(TableFile, RefusesWhatIsNone) {
+    const struct {
+        Bytes_t bytes;
+        TableForm_t as;
+        const char* says;
+    } kCases[] = {
+        {kNothing,    kBareTable,     "empty"      },
+        {kText,       kAny,           "not a table"},
+        {kHeadAlone,  kAny,           "not a table"},
+        {kHeadAlone,  kWindowsAnswer, "truncated"  },
+        {kTable,      kDump,          "entry point"},
+        {kTable,      kFolder,        "folder"     },
+        {kCutPoint,   kAny,           "truncated"  },
+        {kPointAlone, kAny,           "truncated"  },
+    };
+    for (const auto& c : kCases) {
+        const TableFound_t found = FindTable(c.bytes, c.as);
+        EXPECT_EQ(found.status, kFailure) << c.says;
+        EXPECT_NE(found.problem.find(c.says), found.problem.npos) << found.problem;
+    }
+}
+
+TEST(TableFile, AFolderHoldsEntryPointAndTable) {
+    Bytes_t point = DumpOf(kTable, 2, 7, 0xF0000);
+    point.resize(31);
+    const TableFound_t found = FindTableInFolder(point, kTable);
+    EXPECT_EQ(found.status, kSuccess);
+    EXPECT_EQ(found.form, kFolder);
+    EXPECT_EQ(found.major, 2);
+    EXPECT_EQ(found.table.size(), kTable.size());
+    EXPECT_EQ(FindTableInFolder(kTable, kTable).status, kFailure);
+    EXPECT_EQ(FindTableInFolder(point, {}).status, kFailure);
+}
+
+TEST(TableFile, ADumpHasAnEntryPointThatHolds) {
+    const struct {
+        Bytes_t table;
+        uint8_t major, minor;
+        bool is64;
+    } kCases[] = {
+        {kTable, 2, 8,    false},
+        {               kTable,     3, 4, true     },
+        { Bytes_t(0x10000,     1),     2, 7,      true},
+    };
+    for (const auto& c : kCases) {
+        const Bytes_t dump = MakeDump(c.table, c.major, c.minor);
+        EntryPoint_t point;
+        ASSERT_TRUE(ParseEntryPoint(dump.data(), dump.size(), &point));
+        EXPECT_TRUE(point.checksumsFit);
+        EXPECT_EQ(point.lengthIsBound, c.is64);
+        EXPECT_EQ(point.tableAddress, kTableOffset);
+        EXPECT_EQ(point.tableLength, c.table.size());
+        const TableFound_t found = FindTable(dump, kAny);
+        EXPECT_EQ(found.major, c.major);
+        EXPECT_EQ(found.minor, c.minor);
+        EXPECT_EQ(Bytes_t(found.table.begin(), found.table.end()), c.table);
+    }
+    // The counts of an _SM_ entry point: three structures with the end, the largest of 1Bh bytes and a double NUL.
+    const Bytes_t dump = MakeDump(kTable, 2, 8);
+    EXPECT_EQ(dump[0x1C], 3);
+    EXPECT_EQ(dump[8], 0x1B + 2);
+    EXPECT_EQ(dump[0x1E], 0x28);
+}
+
+// "quorlin" and a line's end, compressed; the tail holds checksum and length.
+const Bytes_t kCompressed = {0x1F, 0x8B, 0x08, 0,    0,    0,    0,    0,    0,    0xFF, 0x2B, 0x2C, 0xCD, 0x2F,
+                             0xCA, 0xC9, 0xCC, 0xE3, 0x02, 0x00, 0xE8, 0xA8, 0x65, 0xEC, 0x08, 0,    0,    0};
+
+TEST(TableFile, DecompressesWithAnEndToIt) {
+    Bytes_t inflated;
+    EXPECT_FALSE(IsCompressed(kTable));
+    ASSERT_TRUE(IsCompressed(kCompressed));
+    ASSERT_STREQ(Inflate(kCompressed, &inflated), nullptr);
+    EXPECT_EQ(std::string(inflated.begin(), inflated.end()), "quorlin\n");
+    for (size_t size = 3; size < kCompressed.size(); size++)
+        EXPECT_NE(Inflate({kCompressed.data(), size}, &inflated), nullptr) << size;
+}
+
+}  // namespace
