@@ -102,6 +102,11 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
     return true;
 }
 
+bool Source_t::CheckOne(const Usage_t& usage, int* exitCode) {
+    if (IsFleet()) return SayBadUsage(usage, "it takes one table; give one --image", exitCode);
+    return Check(usage, exitCode);
+}
+
 bool ClTable::BringUp() {
     BaseAbstraction* created = CreateSmbiosPackageForKovr(kNoSweep);
     if (created == nullptr) throw std::bad_alloc();
