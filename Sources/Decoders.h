@@ -30,9 +30,9 @@ class ClSMBIOSType4 final : public ClSMBIOSType {
     explicit ClSMBIOSType4(uint32_t processorSignature) { m_processorSignature = processorSignature; }
     void PrintStructure(const uint8_t* pData) override;
 
-    std::string GetProcessorFamilyString(uint16_t family) const;
-    static std::string GetProcessorStatusString(uint16_t status);
-    static std::string GetProcessorUpgradeString(uint16_t upgrade);
+    std::string_view GetProcessorFamilyString(uint16_t family) const;
+    static std::string_view GetProcessorStatusString(uint16_t status);
+    static std::string_view GetProcessorUpgradeString(uint16_t upgrade);
     static std::string GetProcessorCharacteristicsString(uint16_t characteristics);
 };
 
@@ -42,23 +42,23 @@ class ClSMBIOSType7 final : public ClSMBIOSType {
 
     static std::string GetCacheSizeString(uint16_t size);
     static std::string GetCacheMemoryTypeString(uint16_t types);
-    static std::string GetAssociativityString(uint8_t associativity);
+    static std::string_view GetAssociativityString(uint8_t associativity);
 };
 
 class ClSMBIOSType8 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
 
-    static std::string GetConnectorTypeString(uint8_t type);
-    static std::string GetPortTypeString(uint8_t type);
+    static std::string_view GetConnectorTypeString(uint8_t type);
+    static std::string_view GetPortTypeString(uint8_t type);
 };
 
 class ClSMBIOSType9 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
 
-    static std::string GetSlotTypeString(uint8_t type);
-    static std::string GetSlotDataBusWidthString(uint8_t width);
+    static std::string_view GetSlotTypeString(uint8_t type);
+    static std::string_view GetSlotDataBusWidthString(uint8_t width);
     static std::string GetSlotCharacteristicsString(uint8_t characteristics);
     static std::string GetSlotCharacteristics2String(uint8_t characteristics);
 };
@@ -111,19 +111,19 @@ class ClSMBIOSType15 final : public ClSMBIOSType {
 class ClSMBIOSType16 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
-    static std::string GetLocationString(uint8_t location);
+    static std::string_view GetLocationString(uint8_t location);
 };
 
 class ClSMBIOSType17 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
-    static std::string GetFormFactorString(uint8_t formFactor);
-    static std::string GetMemoryTypeString(uint8_t memoryType);
-    static std::string GetTypeDetailString(uint16_t typeDetail);
+    static ClText GetFormFactorString(uint8_t formFactor);
+    static ClText GetMemoryTypeString(uint8_t memoryType);
+    static ClText GetTypeDetailString(uint16_t typeDetail);
     // The text of a form factor or a memory type that has no name.
     static std::string GetUnknownValueString(uint8_t value);
     // A part number in valid UTF-8, with a point in the place of each control character.
-    static std::string GetCleanPartNumber(std::string_view partNumber);
+    static ClText GetCleanPartNumber(std::string_view partNumber);
 };
 
 class ClSMBIOSType18 final : public ClSMBIOSType {

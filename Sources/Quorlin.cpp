@@ -88,11 +88,12 @@ status_t Quorlin::GetNextItem(std::string& text) {
     }
     const ItemPair& item = *m_items[m_cursor];
     text.clear();
-    text.append("\"").append(item.key).append("\", \"");
-    if (item.value != " ") {
+    const std::string_view value = item.value.View();
+    text.append("\"").append(item.key.View()).append("\", \"");
+    if (value != " ") {
         const size_t begin = text.size();
-        text += item.value;
-        if (item.value.find('"') != item.value.npos)
+        text += value;
+        if (value.find('"') != value.npos)
             text.erase(std::remove(text.begin() + static_cast<ptrdiff_t>(begin), text.end(), '"'), text.end());
     }
     text += '"';
@@ -117,7 +118,7 @@ bool Quorlin::IsSwept(uint8_t type) {
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }
 
 std::string Quorlin::GetItemValue(uint32_t index) {
-    return index < m_items.size() ? m_items[index]->value : std::string();
+    return index < m_items.size() ? m_items[index]->value.String() : std::string();
 }
 
 // One step: all structures of a type through one decoder, which lives for this step only.

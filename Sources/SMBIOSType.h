@@ -11,14 +11,36 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Packages/OS/Status.h"
 
+// The text of a key or a value: its own, or a view of text that outlives all items and needs no copy: a literal, a word
+// of a table, a string of a record (the store keeps its records as long as a package holds items).
+class ClText {
+  public:
+    ClText() = default;
+    ClText(std::string_view lasting) : m_lasting(lasting) {}
+    ClText(const char* lasting) : m_lasting(lasting) {}
+    template <size_t size>
+    ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: make it a std::string
+    ClText(std::string&& own) : m_own(std::move(own)) {}
+    ClText(const std::string& own) : m_own(own) {}
+
+    std::string_view View() const { return m_lasting.data() != nullptr ? m_lasting : std::string_view(m_own); }
+    std::string String() const { return std::string(View()); }
+    friend bool operator==(const ClText& text, std::string_view other) { return text.View() == other; }
+
+  private:
+    std::string m_own;
+    std::string_view m_lasting;
+};
+
 // One key and one value. A group item's key ends in kGroupMark and its value is empty.
 struct ItemPair {
-    std::string key;
-    std::string value;
+    ClText key;
+    ClText value;
 };
 
 inline constexpr std::string_view kGroupMark = "#GROUPNAME";
@@ -116,10 +138,10 @@ struct Field_t {
 };
 
 struct Rendering_t {
-    std::string (*render)(const Field_t& field);  // null: the row opens a sub-group
-    std::span<const CodeText_t> table = {};       // of an enumeration or a bit list
-    std::string_view text = {};                   // what else the rendering needs: an error word, a unit
-    uint32_t number = 0;                          // hexadecimal digits, or a bit's number
+    ClText (*render)(const Field_t& field);  // null: the row opens a sub-group
+    std::span<const CodeText_t> table = {};  // of an enumeration or a bit list
+    std::string_view text = {};              // what else the rendering needs: an error word, a unit
+    uint32_t number = 0;                     // hexadecimal digits, or a bit's number
 };
 
 struct ItemRow_t {
@@ -136,24 +158,24 @@ std::string PlainHex(uint64_t value);  // lowercase, no zeros in front, no "h"
 std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t count);
 
 // The renderings that decoders share. The number in a name is the field's width in bits.
-std::string ShowDec8(const Field_t& field);
-std::string ShowDec16(const Field_t& field);
-std::string ShowDec32(const Field_t& field);
-std::string ShowHex8(const Field_t& field);
-std::string ShowHex16(const Field_t& field);
-std::string ShowHex32(const Field_t& field);
-std::string ShowHex64(const Field_t& field);
-std::string ShowString(const Field_t& field);
-std::string ShowStringOrNone(const Field_t& field);
-std::string ShowNumberedString(const Field_t& field);
-std::string ShowEnum8(const Field_t& field);
-std::string ShowYesNo8(const Field_t& field);
-std::string ShowYesNo32(const Field_t& field);
-std::string ShowDec16WithUnit(const Field_t& field);
-std::string ShowDec16AndHex(const Field_t& field);
-std::string ShowErrorType(const Field_t& field);
-std::string ShowErrorGranularity(const Field_t& field);
-std::string ShowErrorOperation(const Field_t& field);
+ClText ShowDec8(const Field_t& field);
+ClText ShowDec16(const Field_t& field);
+ClText ShowDec32(const Field_t& field);
+ClText ShowHex8(const Field_t& field);
+ClText ShowHex16(const Field_t& field);
+ClText ShowHex32(const Field_t& field);
+ClText ShowHex64(const Field_t& field);
+ClText ShowString(const Field_t& field);
+ClText ShowStringOrNone(const Field_t& field);
+ClText ShowNumberedString(const Field_t& field);
+ClText ShowEnum8(const Field_t& field);
+ClText ShowYesNo8(const Field_t& field);
+ClText ShowYesNo32(const Field_t& field);
+ClText ShowDec16WithUnit(const Field_t& field);
+ClText ShowDec16AndHex(const Field_t& field);
+ClText ShowErrorType(const Field_t& field);
+ClText ShowErrorGranularity(const Field_t& field);
+ClText ShowErrorOperation(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
@@ -181,9 +203,9 @@ inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErro
     ErrorOperation{ShowErrorOperation};
 // A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
 template <auto GetText>
-inline constexpr Rendering_t Text8{[](const Field_t& field) { return GetText(field.Byte()); }};
+inline constexpr Rendering_t Text8{[](const Field_t& field) -> ClText { return GetText(field.Byte()); }};
 template <auto GetText>
-inline constexpr Rendering_t Text16{[](const Field_t& field) { return GetText(field.Word()); }};
+inline constexpr Rendering_t Text16{[](const Field_t& field) -> ClText { return GetText(field.Word()); }};
 
 // Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
 class ClSMBIOSType {
@@ -206,14 +228,14 @@ class ClSMBIOSType {
     static std::string GetDecimalString(uint32_t value);
     static std::string GetHexString(uint32_t value, uint8_t width);
     static const char* GetString(uint32_t strNum, const uint8_t* pData);
-    static std::string GetErrorGranularityString(uint8_t code);
-    static std::string GetErrorOperationString(uint8_t code);
-    static std::string GetErrorTypeString(uint8_t code);
-    static std::string GetOnboardDeviceTypeString(uint8_t code);
+    static std::string_view GetErrorGranularityString(uint8_t code);
+    static std::string_view GetErrorOperationString(uint8_t code);
+    static std::string_view GetErrorTypeString(uint8_t code);
+    static std::string_view GetOnboardDeviceTypeString(uint8_t code);
 
   protected:
     // Adds one item; `group` not 0 makes it a group item. Without memory the item is dropped.
-    void Fill_String_Data(std::string key, std::string value, uint8_t group);
+    void Fill_String_Data(ClText key, ClText value, uint8_t group);
     // Counts the structure, and adds the group item: the title, with the count behind it from the second structure
     // on. Gives false, with a trace, for a null `pData`: the decoder then ends.
     bool PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace = "\npData is NULL");
