@@ -68,7 +68,7 @@ void ClModel::AddType(uint8_t type) {
 
 Item_t ClModel::Item(uint32_t index) const {
     const ItemPair& pair = m_package.Item(index);
-    Item_t item{pair.key, pair.value, false};
+    Item_t item{pair.key.View(), pair.value.View(), false};
     if (item.key.ends_with(kGroupMark)) {
         item.key.remove_suffix(kGroupMark.size());
         // A group item of a setting carries a value and reads as an item.
