@@ -19,6 +19,8 @@ constexpr Command_t kCommands[] = {
     {"get",   RunGet  },
     {"dump",  RunDump },
     {"raw",   RunRaw  },
+    {"check", RunCheck},
+    {"diff",  RunDiff },
 };
 
 int Run(int argc, char** argv) {
