@@ -11,7 +11,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test asan windows bench format lint clean
+.PHONY: build run test asan windows bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -44,6 +44,12 @@ bench:
 	@cmake --preset bench >/dev/null
 	@cmake --build --preset bench
 	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json
+
+# Each fuzzer for a minute.
+fuzz:
+	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz --target fuzz
 
 format:
 	@$(INSTALL) $(STYLE_PACKAGES)

@@ -63,6 +63,8 @@ class Quorlin final : public BaseAbstraction {
 
     // Whether a sweep takes this type.
     static bool IsSwept(uint8_t type);
+    // Appends an item to `text` as GetNextItem gives it.
+    static void AppendLine(const ItemPair& item, std::string& text);
     // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
     // GetItemCount.
     const ItemPair& Item(uint32_t index) const { return *m_items[index]; }

@@ -21,20 +21,45 @@
 class ClText {
   public:
     ClText() = default;
-    ClText(std::string_view lasting) : m_lasting(lasting) {}
-    ClText(const char* lasting) : m_lasting(lasting) {}
+    ClText(std::string_view lasting) : m_data{lasting.data()}, m_size(static_cast<uint32_t>(lasting.size())) {}
+    ClText(const char* lasting) : ClText(std::string_view(lasting)) {}
     template <size_t size>
     ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: make it a std::string
-    ClText(std::string&& own) : m_own(std::move(own)) {}
-    ClText(const std::string& own) : m_own(own) {}
+    ClText(const std::string& own) : m_size(static_cast<uint32_t>(own.size())), m_keep(Keep_t::kHere) {
+        char* place = m_data.here;
+        if (own.size() > sizeof m_data.here) {
+            m_data.elsewhere = place = new char[own.size()];
+            m_keep = Keep_t::kHeap;
+        }
+        std::memcpy(place, own.data(), own.size());
+    }
+    ClText(ClText&& other) noexcept : m_data(other.m_data), m_size(other.m_size), m_keep(other.m_keep) {
+        other.m_keep = Keep_t::kLasting;
+        other.m_size = 0;
+    }
+    ClText(const ClText& other) : ClText(other.m_keep == Keep_t::kLasting ? ClText(other.View()) : other.String()) {}
+    ClText& operator=(ClText other) noexcept {
+        std::swap(m_data, other.m_data);
+        std::swap(m_size, other.m_size);
+        std::swap(m_keep, other.m_keep);
+        return *this;
+    }
+    ~ClText() {
+        if (m_keep == Keep_t::kHeap) delete[] m_data.elsewhere;
+    }
 
-    std::string_view View() const { return m_lasting.data() != nullptr ? m_lasting : std::string_view(m_own); }
+    std::string_view View() const { return {m_keep == Keep_t::kHere ? m_data.here : m_data.elsewhere, m_size}; }
     std::string String() const { return std::string(View()); }
     friend bool operator==(const ClText& text, std::string_view other) { return text.View() == other; }
 
   private:
-    std::string m_own;
-    std::string_view m_lasting;
+    enum class Keep_t : uint8_t { kLasting, kHere, kHeap };
+    union {
+        const char* elsewhere = nullptr;
+        char here[24];  // enough for every number
+    } m_data;
+    uint32_t m_size = 0;
+    Keep_t m_keep = Keep_t::kLasting;
 };
 
 // One key and one value. A group item's key ends in kGroupMark and its value is empty.
@@ -176,6 +201,9 @@ ClText ShowDec16AndHex(const Field_t& field);
 ClText ShowErrorType(const Field_t& field);
 ClText ShowErrorGranularity(const Field_t& field);
 ClText ShowErrorOperation(const Field_t& field);
+ClText ShowBit8(const Field_t& field);
+ClText ShowBit16(const Field_t& field);
+ClText ShowBit32(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
@@ -201,6 +229,10 @@ constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}
 // The three codes of the memory error structures.
 inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
     ErrorOperation{ShowErrorOperation};
+// One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
+constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
+constexpr Rendering_t Bit16(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit16, table, {}, bit}; }
+constexpr Rendering_t Bit32(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit32, table, {}, bit}; }
 // A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
 template <auto GetText>
 inline constexpr Rendering_t Text8{[](const Field_t& field) -> ClText { return GetText(field.Byte()); }};

@@ -1,76 +1,114 @@
 #include "Tools/quorlin/CommandLine.h"
 
-#include <CLI/CLI.hpp>
+#include <getopt.h>
+
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
 
 #include "Tools/quorlin/Output.h"
 
 namespace {
 
+constexpr int kHelp = 'h', kMissingValue = ':';
+constexpr int kFirstOption = 256;  // what getopt_long gives for the first option of the table
+constexpr size_t kHelpColumn = 28;
+
 bool IsArgument(const Option_t& option) { return option.name[0] != '-'; }
+bool TakesValue(const Option_t& option) { return !std::holds_alternative<bool*>(option.target); }
+bool IsList(const Option_t& option) { return std::holds_alternative<std::vector<std::string>*>(option.target); }
 
-void AddOption(CLI::App& app, const Option_t& option) {
-    CLI::Option* added = nullptr;
+void Store(const Option_t& option, const char* value) {
     if (auto* const* flag = std::get_if<bool*>(&option.target))
-        added = app.add_flag(option.name, **flag, option.help);
+        **flag = true;
     else if (auto* const* text = std::get_if<std::string*>(&option.target))
-        added = app.add_option(option.name, **text, option.help);
+        **text = value;
     else
-        added = app.add_option(option.name, *std::get<std::vector<std::string>*>(option.target), option.help)
-                    ->allow_extra_args(IsArgument(option));
-    if (option.typeName != nullptr) added->type_name(option.typeName);
-    if (option.required) added->required();
+        std::get<std::vector<std::string>*>(option.target)->emplace_back(value);
 }
 
-void Parse(CLI::App& app, const Arguments_t& arguments) {
-    app.parse(Arguments_t(arguments.rbegin(), arguments.rend()));
+std::string HelpLine(std::string_view name, const char* help) {
+    std::string left("  ");
+    left.append(name);
+    if (left.size() + 2 > kHelpColumn)
+        left.append("\n").append(kHelpColumn, ' ');
+    else
+        left.append(kHelpColumn - left.size(), ' ');
+    return left.append(help).append("\n");
 }
 
-// Back to what they were, so that a second parse finds them untouched.
-void Clear(const Option_t& option) {
-    std::visit([](auto* target) { *target = {}; }, option.target);
-}
-
-bool IsNamed(const Option_t& option, const Arguments_t& arguments) {
-    const std::string_view name = option.name;
-    return std::ranges::any_of(arguments, [name](const std::string& argument) {
-        return argument.starts_with(name) && (argument.size() == name.size() || argument[name.size()] == '=');
-    });
-}
-
-// With all options known: for help, and for telling what is wrong.
-bool ParseWhole(const Usage_t& usage, std::span<const Option_t> options, const Arguments_t& arguments, int* exitCode) {
-    CLI::App app(usage.description, usage.command);
-    app.footer(usage.footer);
-    for (const Option_t& option : options) AddOption(app, option);
-    try {
-        Parse(app, arguments);
-    } catch (const CLI::Success& success) {
-        *exitCode = app.exit(success);
-        return false;
-    } catch (const CLI::ParseError& error) {
-        return SayBadUsage(usage, error.what(), exitCode);
+void PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
+    std::string text = std::string(usage.description) + "\nUsage: " + usage.command + " [OPTIONS]";
+    std::string arguments, named = HelpLine("-h, --help", "Print this help and exit");
+    for (const Option_t& option : options) {
+        std::string name = option.name;
+        if (IsArgument(option)) {
+            text.append(option.required ? " " : " [").append(name).append(IsList(option) ? "..." : "");
+            if (!option.required) text += ']';
+            arguments += HelpLine(name, option.help);
+        } else {
+            if (option.typeName != nullptr) name.append(" ").append(option.typeName);
+            named += HelpLine(name, option.help);
+        }
     }
-    return true;
+    text += "\n";
+    if (!arguments.empty()) text += "\nArguments:\n" + arguments;
+    text += "\nOptions:\n" + named + "\n" + usage.footer + "\n";
+    std::fputs(text.c_str(), stdout);
+}
+
+// The words in front, one for each argument of the table; the last one may be a list.
+bool StoreArguments(const Usage_t& usage, std::span<const Option_t> options, std::span<char* const> words,
+                    int* exitCode) {
+    size_t next = 0;
+    for (const Option_t& option : options) {
+        if (!IsArgument(option)) continue;
+        const size_t before = next;
+        while (next < words.size() && (next == before || IsList(option))) Store(option, words[next++]);
+        if (next == before && option.required)
+            return SayBadUsage(usage, std::string(option.name).append(" is missing"), exitCode);
+    }
+    if (next == words.size()) return true;
+    return SayBadUsage(usage, std::string("'").append(words[next]).append("' is one argument too many"), exitCode);
 }
 
 }  // namespace
 
-// Setting options up is most of what a short run costs, so only those that the arguments name are set up at first.
 bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, const Arguments_t& arguments,
                       int* exitCode) {
-    CLI::App app;
-    app.set_help_flag();
-    for (const Option_t& option : options)
-        if (IsArgument(option) || IsNamed(option, arguments)) AddOption(app, option);
-    try {
-        Parse(app, arguments);
-        return true;
-    } catch (const CLI::Error&) {
-        for (const Option_t& option : options) Clear(option);
-        return ParseWhole(usage, options, arguments, exitCode);
+    std::vector<char*> words = {const_cast<char*>(usage.command)};
+    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    const auto count = static_cast<int>(words.size());
+    words.push_back(nullptr);
+    std::vector<option> known;
+    for (const Option_t& option : options) {
+        if (IsArgument(option)) continue;
+        const int number = kFirstOption + static_cast<int>(&option - options.data());
+        known.push_back({option.name + 2, TakesValue(option) ? required_argument : no_argument, nullptr, number});
     }
+    known.push_back({"help", no_argument, nullptr, kHelp});
+    known.push_back({});
+    opterr = 0;
+    optind = 0;  // from the start, as after an earlier parse
+    for (int found; (found = getopt_long(count, words.data(), ":h", known.data(), nullptr)) != -1;) {
+        // The word that named the option: in front of its value, if that is a word of its own.
+        const bool ownWord = optarg != nullptr && optind >= 2 && optarg == words[static_cast<size_t>(optind) - 1];
+        const std::string_view word = words[static_cast<size_t>(optind) - (ownWord ? 2 : 1)];
+        if (found == kHelp) {
+            PrintHelp(usage, options);
+            *exitCode = kExitDone;
+            return false;
+        }
+        if (found == kMissingValue) return SayBadUsage(usage, std::string(word).append(" needs a value"), exitCode);
+        const Option_t* option = found < kFirstOption ? nullptr : &options[static_cast<size_t>(found - kFirstOption)];
+        // Names are taken whole: an abbreviation that works today may name another option tomorrow.
+        if (option == nullptr || word.substr(0, word.find('=')) != option->name)
+            return SayBadUsage(usage, std::string("'").append(word).append("' is no option here"), exitCode);
+        Store(*option, optarg);
+    }
+    return StoreArguments(usage, options,
+                          std::span(words).first(static_cast<size_t>(count)).subspan(static_cast<size_t>(optind)),
+                          exitCode);
 }
 
 bool SayBadUsage(const Usage_t& usage, const std::string& message, int* exitCode) {

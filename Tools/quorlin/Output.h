@@ -22,6 +22,10 @@ bool ChooseFormat(const Usage_t& usage, const std::string& name, std::span<const
 // Collects text and writes it in blocks. Once a write failed the rest is dropped, and Finish tells.
 class ClOutput {
   public:
+    ClOutput() { m_text.reserve(kBlock + kMargin); }
+
+    // What is collected so far, to append to; `<<` writes it when it is enough.
+    std::string& Text() { return m_text; }
     ClOutput& operator<<(std::string_view text) {
         m_text += text;
         if (m_text.size() >= kBlock) Flush();
@@ -38,7 +42,7 @@ class ClOutput {
     bool Finish();
 
   private:
-    static constexpr size_t kBlock = 64u << 10;
+    static constexpr size_t kBlock = 64u << 10, kMargin = 4u << 10;
 
     void Flush();
 

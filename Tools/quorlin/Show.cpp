@@ -33,8 +33,17 @@ constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNd
 void ShowLines(Quorlin& package, std::span<const uint8_t> types, ClOutput& output) {
     for (const uint8_t type : types) package.GetTypes(type);
     const bool isTerminal = IsStandardOutputTerminal();
-    for (std::string line; package.GetNextItem(line) == kSuccess && !output.Failed();)
-        output << (isTerminal ? Printable(line) : line) << "\n";
+    const uint32_t count = package.GetItemCount();
+    for (uint32_t index = 0; index < count && !output.Failed(); index++) {
+        if (isTerminal) {
+            std::string line;
+            Quorlin::AppendLine(package.Item(index), line);
+            output << Printable(line) << "\n";
+        } else {
+            Quorlin::AppendLine(package.Item(index), output.Text());
+            output << "\n";
+        }
+    }
 }
 
 void ShowText(const ClModel& model, ClColumns& columns) {

@@ -201,6 +201,8 @@ bool ClTable::Open(const Source_t& source, const std::string* path) {
     return true;
 }
 
+bool ClTable::IsThisMachine() const { return !m_isImage && !m_isSample; }
+
 void ClTable::Close() {
     os_free(m_dump);
     m_dump = nullptr;
@@ -228,12 +230,14 @@ std::string ClTable::Form() const {
 
 int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work,
                  const std::function<void(const ClTable&)>& failed) {
-    ClTable table;
+    // What the last image took goes with the process: giving it back piece by piece would be a good part of a short
+    // run.
+    static ClTable& table = *new ClTable;
     int exitCode = kExitDone;
     const auto one = [&](const std::string* path) {
         if (table.Open(source, path)) {
             exitCode = std::max(exitCode, work(table));
-            table.Close();
+            if (table.IsThisMachine()) table.Close();
         } else {
             failed(table);
             exitCode = std::max(exitCode, trouble);

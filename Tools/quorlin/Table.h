@@ -41,6 +41,8 @@ class ClTable {
 
     // Brings up an image file, or what else `source` says when `path` is null. False with Error set.
     bool Open(const Source_t& source, const std::string* path);
+    // Whether it is a machine, not an image, that is in use.
+    bool IsThisMachine() const;
     void Close();
 
     // A package on the table, that has decoded nothing so far.
