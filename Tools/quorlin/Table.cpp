@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Platform/Platform.h"
 #include "Packages/Platform/Program.h"
@@ -208,6 +209,8 @@ void ClTable::Close() {
     m_dump = nullptr;
     if (m_package == nullptr) return;
     m_package->UnInitialize();
+    // A package takes a table of version 0.0 for none, and leaves the store up.
+    if (StoreIsUp()) LibSMBIOSExit();
     DestroySmbiosPackageForKovr(m_package.release());
 }
 

@@ -97,13 +97,8 @@ TEST(Commands, DumpMakesANewFileThatReadsTheSame) {
     const std::string dump = TempDir() + "new-dump.bin";
     std::remove(dump.c_str());
     ASSERT_EQ(RunQuorlin("dump --sample " + dump).exitCode, 0);
-    EXPECT_EQ(RunQuorlin("--format json --image " + dump + " --type 17").output.substr(dump.size()),
-              RunQuorlin("--format json --sample --type 17").output.substr(6));
+    EXPECT_EQ(RunQuorlin("--format lines --image " + dump).output, RunQuorlin("--format lines --sample").output);
     EXPECT_EQ(RunQuorlin("diff " + dump + " --sample").exitCode, 0);
-    const auto rights = std::filesystem::status(dump).permissions();
-#ifndef _WIN32
-    EXPECT_EQ(rights, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-#endif
     const ProgramRun_t again = RunQuorlin("dump --sample " + dump);
     EXPECT_EQ(again.exitCode, 1);
     EXPECT_TRUE(Has(again.errors, "exists already"));
@@ -112,7 +107,7 @@ TEST(Commands, DumpMakesANewFileThatReadsTheSame) {
 
 TEST(Commands, RawShowsBytesAndStrings) {
     EXPECT_EQ(RunQuorlin("raw --handle 7 --image " + ImageBy("Ma\x1bker", "raw.bin")).output,
-              "Handle 0007h, type 3 (System Enclosure or Chassis), 31 bytes at offset 0h\n"
+              "Handle 0007h, type 3 (System Enclosure or Chassis), 29 bytes at offset 0h\n"
               "  0000 03 15 07 00 01 03 00 00 00 03 03 03 03 00 00 00  ................\n"
               "  0010 00 00 00 00 00                                   .....\n"
               "  String 1: Ma ker\n");
@@ -123,11 +118,11 @@ TEST(Commands, CheckFindsEachFlaw) {
     const auto chassis = Chassis(7, "Maker"), other = Chassis(8, "Maker");
     const Bytes_t fine = TableBy("Maker"), noEnd(fine.begin(), fine.end() - 6),
                   tooShort = TableOf({ClStructureBuilder(3, 8)}),
-                  noHeader = TableOf({ClStructureBuilder(200, 4).Byte(1, 3)}),
+                  noHeader = TableOf({ClStructureBuilder(200, 4, 0x1010).Byte(1, 3)}),
                   noString = TableOf({ClStructureBuilder(other).Byte(4, 2)}), twice = TableOf({chassis, chassis}),
                   reference = TableOf({ClStructureBuilder(19, 15).Word(12, 0x99)}),
                   noReference = TableOf({ClStructureBuilder(19, 15).Word(12, 0xFFFE)}),
-                  count = TableOf({ClStructureBuilder(37, 10).Byte(6, 2).Word(8, 0x10)}),
+                  count = TableOf({ClStructureBuilder(37, 10).Bytes(4, {3, 1, 2}).Word(8, 0x10)}),
                   strings = TableOf({ClStructureBuilder(11, 5).Byte(4, 1)}),
                   code = TableOf({ClStructureBuilder(chassis).Byte(5, 0x7F)});
     const struct {
@@ -188,21 +183,20 @@ TEST(Commands, AFleetIsALineForEachImage) {
     const std::string a = ImageBy("A", "a.bin"), b = ImageBy("B", "b.bin"), none = TempDir() + "no-such-file";
     const std::string list = a + "\r\n\n" + none + "\n" + b;  // the last line may lack its end
     const std::string names = WriteFile("names", Bytes_t(list.begin(), list.end()));
-    const std::string expected = "{\"source\":\"" + a + "\",\"smbios\":\"2.7\",\"structures\":[";
     for (const std::string& arguments :
-         {"--image-list " + names, "--image-list - <" + names, "--image " + a + " --image " + none + " --image " + b}) {
+         {"--image-list " + names, "--image-list - <" + names, "--image " + a + " --image " + b + " --image " + none}) {
         const ProgramRun_t run = RunQuorlin("--format ndjson --type 3 " + arguments);
         EXPECT_EQ(run.exitCode, 1) << arguments;
         EXPECT_EQ(std::ranges::count(run.output, '\n'), 3) << arguments;
-#ifndef _WIN32
-        EXPECT_EQ(run.output.substr(0, expected.size()), expected) << arguments;
-#endif
         EXPECT_TRUE(Has(run.output, "\",\"error\":\"No such file")) << arguments;
         EXPECT_TRUE(Has(run.output, "{\"key\":\"Manufacturer\",\"value\":\"B\"}")) << arguments;
         EXPECT_EQ(run.errors, "") << arguments;
     }
     EXPECT_EQ(RunQuorlin("--image " + a + " --image " + b).exitCode, 2);
     EXPECT_EQ(RunQuorlin("--format ndjson --image-list " + none).exitCode, 1);
+    // A version that is none stops no run.
+    const std::string bare = " --image " + WriteFile("bare.bin", TableBy("C"));
+    EXPECT_EQ(RunQuorlin("--format ndjson --smbios-version 0.0" + bare + bare).exitCode, 0);
 }
 
 TEST(Commands, JsonIsValidWhateverTheBytes) {
