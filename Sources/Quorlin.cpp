@@ -17,6 +17,9 @@ DebugHandle_t packageTraceHandle = nullptr;
 
 namespace {
 
+// References that packages hold on the trace handle, which dies with the last one.
+uint32_t traceReferences = 0;
+
 constexpr uint32_t kSignatureMask = 0x0F0FF0;  // extended model, family and model, without stepping and type
 constexpr uint32_t kRecordHead = sizeof(uint32_t);
 constexpr uint32_t kBatch = 255;  // structures that one PrintStructure call takes
@@ -41,7 +44,7 @@ Quorlin::~Quorlin() = default;
 
 status_t Quorlin::Initialize() {
     // Without a trace handle the package runs without trace.
-    DebugLibInit("Quorlin", &packageTraceHandle);
+    if (DebugLibInit("Quorlin", &packageTraceHandle) == kSuccess) traceReferences++;
     InstallCrashReport();
     m_cursor = 0;
     m_smbiosMajor = 0;
@@ -71,7 +74,10 @@ status_t Quorlin::UnInitialize() {
     m_items.clear();
     const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
     const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
-    DebugLibExit(packageTraceHandle);
+    if (packageTraceHandle != nullptr) {
+        DebugLibExit(packageTraceHandle);
+        if (--traceReferences == 0) packageTraceHandle = nullptr;
+    }
     return status;
 }
 
