@@ -17,9 +17,6 @@ DebugHandle_t packageTraceHandle = nullptr;
 
 namespace {
 
-// References that packages hold on the trace handle, which dies with the last one.
-uint32_t traceReferences = 0;
-
 constexpr uint32_t kSignatureMask = 0x0F0FF0;  // extended model, family and model, without stepping and type
 constexpr uint32_t kRecordHead = sizeof(uint32_t);
 constexpr uint32_t kBatch = 255;  // structures that one PrintStructure call takes
@@ -44,7 +41,7 @@ Quorlin::~Quorlin() = default;
 
 status_t Quorlin::Initialize() {
     // Without a trace handle the package runs without trace.
-    if (DebugLibInit("Quorlin", &packageTraceHandle) == kSuccess) traceReferences++;
+    DebugLibInit("Quorlin", &packageTraceHandle);
     InstallCrashReport();
     m_cursor = 0;
     m_smbiosMajor = 0;
@@ -74,10 +71,10 @@ status_t Quorlin::UnInitialize() {
     m_items.clear();
     const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
     const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
-    if (packageTraceHandle != nullptr) {
-        DebugLibExit(packageTraceHandle);
-        if (--traceReferences == 0) packageTraceHandle = nullptr;
-    }
+    // With the last reference the handle is gone, and nobody may trace on it any more.
+    const bool isLast = packageTraceHandle != nullptr && packageTraceHandle->RefCount == 1;
+    DebugLibExit(packageTraceHandle);
+    if (isLast) packageTraceHandle = nullptr;
     return status;
 }
 
