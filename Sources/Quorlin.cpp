@@ -71,7 +71,10 @@ status_t Quorlin::UnInitialize() {
     m_items.clear();
     const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
     const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
+    // With the last reference the handle is gone, and nobody may trace on it any more.
+    const bool isLast = packageTraceHandle != nullptr && packageTraceHandle->RefCount == 1;
     DebugLibExit(packageTraceHandle);
+    if (isLast) packageTraceHandle = nullptr;
     return status;
 }
 

@@ -185,6 +185,15 @@ ClText ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeSt
 ClText ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
 ClText ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
 
+static ClText BitText(const Field_t& field, uint32_t value) {
+    const Rendering_t& rendering = field.row.rendering;
+    return TextOf(rendering.table, value >> rendering.number & 1, {});
+}
+
+ClText ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
+ClText ShowBit16(const Field_t& field) { return BitText(field, field.Word()); }
+ClText ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
+
 ClSMBIOSType::~ClSMBIOSType() {
     for (ItemPair* item : m_items) delete item;
 }

@@ -201,6 +201,9 @@ ClText ShowDec16AndHex(const Field_t& field);
 ClText ShowErrorType(const Field_t& field);
 ClText ShowErrorGranularity(const Field_t& field);
 ClText ShowErrorOperation(const Field_t& field);
+ClText ShowBit8(const Field_t& field);
+ClText ShowBit16(const Field_t& field);
+ClText ShowBit32(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
@@ -226,6 +229,10 @@ constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}
 // The three codes of the memory error structures.
 inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
     ErrorOperation{ShowErrorOperation};
+// One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
+constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
+constexpr Rendering_t Bit16(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit16, table, {}, bit}; }
+constexpr Rendering_t Bit32(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit32, table, {}, bit}; }
 // A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
 template <auto GetText>
 inline constexpr Rendering_t Text8{[](const Field_t& field) -> ClText { return GetText(field.Byte()); }};

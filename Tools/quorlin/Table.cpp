@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Platform/Platform.h"
 #include "Packages/Platform/Program.h"
@@ -100,6 +101,11 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
                            exitCode);
     signature = static_cast<uint32_t>(number);
     return true;
+}
+
+bool Source_t::CheckOne(const Usage_t& usage, int* exitCode) {
+    if (IsFleet()) return SayBadUsage(usage, "it takes one table; give one --image", exitCode);
+    return Check(usage, exitCode);
 }
 
 bool ClTable::BringUp() {
@@ -203,6 +209,8 @@ void ClTable::Close() {
     m_dump = nullptr;
     if (m_package == nullptr) return;
     m_package->UnInitialize();
+    // A package takes a table of version 0.0 for none, and leaves the store up.
+    if (StoreIsUp()) LibSMBIOSExit();
     DestroySmbiosPackageForKovr(m_package.release());
 }
 

@@ -26,6 +26,8 @@ struct Source_t {
     std::vector<Option_t> Options();
     // Checks what was given as a whole. As ParseCommandLine when it is bad.
     bool Check(const Usage_t& usage, int* exitCode);
+    // The same for a command that takes one table only.
+    bool CheckOne(const Usage_t& usage, int* exitCode);
     bool IsFleet() const { return !imageList.empty() || images.size() > 1; }
 };
 

@@ -20,6 +20,7 @@ int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
     std::setvbuf(file, nullptr, _IONBF, 0);
     uint8_t block[32u << 10];
     size_t got;
+    bytes->clear();
     do {
         got = std::fread(block, 1, sizeof block, file);
         bytes->insert(bytes->end(), block, block + got);

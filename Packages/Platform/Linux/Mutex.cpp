@@ -133,17 +133,11 @@ DWORD ClMutex::Wait(DWORD milliseconds) {
     pthread_mutex_t* mutex = lock_->Mutex();
     const int status = mutex == nullptr ? ENOMEM : LockWithin(mutex, milliseconds);
     switch (status) {
-        case 0:
-            return WAIT_OBJECT_0;
-        case EOWNERDEAD:
-            RepairMutex(mutex);
-            return WAIT_ABANDONED;
+        case 0: return WAIT_OBJECT_0;
+        case EOWNERDEAD: RepairMutex(mutex); return WAIT_ABANDONED;
         case EBUSY:
-        case ETIMEDOUT:
-            return WAIT_TIMEOUT;
-        default:
-            SetLastError(ErrorFromErrno(status));
-            return WAIT_FAILED;
+        case ETIMEDOUT: return WAIT_TIMEOUT;
+        default: SetLastError(ErrorFromErrno(status)); return WAIT_FAILED;
     }
 }
 
