@@ -1,6 +1,5 @@
 #include "Packages/OS/OSServices.h"
 
-#include <cinttypes>
 #include <cstdlib>
 #include <cstring>
 
@@ -108,7 +107,7 @@ char* os_strchr(const char* text, int32_t character) { return const_cast<char*>(
 
 char* os_strrchr(const char* text, int32_t character) { return const_cast<char*>(std::strrchr(text, character)); }
 
-int32_t os_atoi(const char* text) { return std::atoi(text); }
+int32_t os_atoi(const char* text) { return static_cast<int32_t>(std::strtol(text, nullptr, 10)); }
 
 int32_t os_printf(const char* format, ...) {
     va_list arguments;
