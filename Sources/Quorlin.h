@@ -39,7 +39,9 @@ class BaseAbstraction {
     virtual status_t ReservedOperation2() { return kFailure; }
 };
 
-class Quorlin final : public BaseAbstraction {
+// Not final: a host's calls have to go through the table of virtual operations, as the operations themselves aren't
+// exported.
+class Quorlin : public BaseAbstraction {
   public:
     static constexpr uint8_t kSweep = 255;
 
@@ -60,6 +62,9 @@ class Quorlin final : public BaseAbstraction {
     virtual uint32_t GetItemCount();
     // The value of an item as decoded, or empty text behind the last one.
     virtual std::string GetItemValue(uint32_t index);
+
+    // An item as decoded, or null behind the last one. It lives until UnInitialize.
+    const ItemPair* ItemAt(uint32_t index) const { return index < m_items.size() ? m_items[index] : nullptr; }
 
   private:
     status_t DecodeType(uint8_t type);
