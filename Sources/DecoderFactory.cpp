@@ -4,9 +4,9 @@
 #include "Sources/Decoders.h"
 #include "Sources/Quorlin.h"
 
-template <class Decoder>
-static ClSMBIOSType* New() {
-    return new (std::nothrow) Decoder;
+template <class Decoder, class... Arguments>
+static ClSMBIOSType* New(Arguments... arguments) {
+    return new (std::nothrow) Decoder(arguments...);
 }
 
 ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
@@ -19,10 +19,28 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
             return New<ClSMBIOSType2>();
         case 3:
             return New<ClSMBIOSType3>();
+        case 4:
+            return New<ClSMBIOSType4>(m_processorSignature);
         case 5:
             return New<ClSMBIOSType5>();
         case 6:
             return New<ClSMBIOSType6>();
+        case 7:
+            return New<ClSMBIOSType7>();
+        case 8:
+            return New<ClSMBIOSType8>();
+        case 9:
+            return New<ClSMBIOSType9>();
+        case 10:
+            return New<ClSMBIOSType10>();
+        case 11:
+            return New<ClSMBIOSType11>();
+        case 12:
+            return New<ClSMBIOSType12>();
+        case 13:
+            return New<ClSMBIOSType13>(m_smbiosMajor, m_smbiosMinor);
+        case 14:
+            return New<ClSMBIOSType14>();
         case 15:
             return New<ClSMBIOSType15>();
         case 16:

@@ -24,6 +24,85 @@ class ClSMBIOSType3 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override;
 };
 
+class ClSMBIOSType4 final : public ClSMBIOSType {
+  public:
+    // Two rows of the family table depend on the processor.
+    explicit ClSMBIOSType4(uint32_t processorSignature) { m_processorSignature = processorSignature; }
+    void PrintStructure(const uint8_t* pData) override;
+
+    std::string GetProcessorFamilyString(uint16_t family) const;
+    static std::string GetProcessorStatusString(uint16_t status);
+    static std::string GetProcessorUpgradeString(uint16_t upgrade);
+    static std::string GetProcessorCharacteristicsString(uint16_t characteristics);
+};
+
+class ClSMBIOSType7 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    static std::string GetCacheSizeString(uint16_t size);
+    static std::string GetCacheMemoryTypeString(uint16_t types);
+    static std::string GetAssociativityString(uint8_t associativity);
+};
+
+class ClSMBIOSType8 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    static std::string GetConnectorTypeString(uint8_t type);
+    static std::string GetPortTypeString(uint8_t type);
+};
+
+class ClSMBIOSType9 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    static std::string GetSlotTypeString(uint8_t type);
+    static std::string GetSlotDataBusWidthString(uint8_t width);
+    static std::string GetSlotCharacteristicsString(uint8_t characteristics);
+    static std::string GetSlotCharacteristics2String(uint8_t characteristics);
+};
+
+class ClSMBIOSType10 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType11 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType12 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType13 final : public ClSMBIOSType {
+  public:
+    // The version of the table, which decides whether it holds the flags.
+    ClSMBIOSType13(uint8_t smbiosMajor, uint8_t smbiosMinor) : m_smbiosMajor(smbiosMajor), m_smbiosMinor(smbiosMinor) {}
+    void PrintStructure(const uint8_t* pData) override;
+
+    bool IsVersion21OrLater() const;
+    // The name of a lower-case language string; "Unknown Language" for one without a row, and for null.
+    static std::string GetLanguageName(const char* ccStr);
+
+  private:
+    uint8_t m_smbiosMajor;
+    uint8_t m_smbiosMinor;
+};
+
+class ClSMBIOSType14 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+    // Adds the items of the group's members: of every structure of the first of its types that the table holds.
+    void GetComponentInfo(const uint8_t* pData);
+    // Adds the items of one member, a record's body of whatever type, read as a firmware version structure.
+    void GetBiosVersionInfo(const uint8_t* pData);
+};
+
 class ClSMBIOSType15 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;

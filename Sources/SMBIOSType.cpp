@@ -68,6 +68,12 @@ const char* StringArea(const uint8_t* pData) {
     return reinterpret_cast<const char*>(pData + offset);
 }
 
+// The text of an area without strings.
+const char* NullString() {
+    TRACE("GetString", kError, "\nNULL string: strPtr");
+    return "(null string)";
+}
+
 // The end of the record that begins at `pData`: behind the double NUL of its string area.
 const uint8_t* RecordEnd(const uint8_t* pData) {
     const auto* byte = reinterpret_cast<const uint8_t*>(StringArea(pData));
@@ -108,14 +114,21 @@ void ClStructure::ReadOn(size_t offset, void* number, size_t size) const {
 
 const char* StringOf(const uint8_t* pData, uint32_t number) {
     const char* text = StringArea(pData);
-    if (*text == '\0') {
-        TRACE("GetString", kError, "\nNULL string: strPtr");
-        return "(null string)";
-    }
+    if (*text == '\0') return NullString();
     for (uint32_t current = 1; current < number; current++) {
         text += std::strlen(text) + 1;
         if (*text == '\0') return "(no such string)";
     }
+    return text;
+}
+
+ClStringWalk::ClStringWalk(const uint8_t* pData) : m_next(StringArea(pData)), m_isEmpty(*m_next == '\0') {}
+
+const char* ClStringWalk::Next() {
+    if (m_isEmpty) return NullString();
+    if (*m_next == '\0') return nullptr;
+    const char* text = m_next;
+    m_next += std::strlen(text) + 1;
     return text;
 }
 
@@ -146,6 +159,10 @@ std::string ShowString(const Field_t& field) { return StringOf(field.structure.D
 std::string ShowStringOrNone(const Field_t& field) {
     const uint8_t number = field.Byte();
     return number == 0 ? "None" : StringOf(field.structure.Data(), number);
+}
+
+std::string ShowNumberedString(const Field_t& field) {
+    return StringOf(field.structure.Data(), field.row.rendering.number);
 }
 
 std::string ShowEnum8(const Field_t& field) {
@@ -180,7 +197,7 @@ ClSMBIOSType::~ClSMBIOSType() {
 void ClSMBIOSType::Fill_String_Data(std::string key, std::string value, uint8_t group) {
     try {
         if (group != 0) key += kGroupMark;
-        auto item = std::make_unique<ItemPair>(std::move(key), std::move(value));
+        std::unique_ptr<ItemPair> item(new ItemPair{std::move(key), std::move(value)});
         m_items.push_back(item.get());
         item.release();
     } catch (const std::bad_alloc&) {

@@ -69,6 +69,18 @@ class ClStructure {
 // that the area doesn't hold gives "(no such string)". The text lives as long as the record.
 const char* StringOf(const uint8_t* pData, uint32_t number);
 
+// The strings of a record's string area in order, each found in one step.
+class ClStringWalk {
+  public:
+    explicit ClStringWalk(const uint8_t* pData);
+    // The next string, or null behind the last. Of an area without strings each is "(null string)", without an end.
+    const char* Next();
+
+  private:
+    const char* m_next;
+    bool m_isEmpty;
+};
+
 struct CodeText_t {
     uint32_t code;  // the value, or for a bit list the bit's number
     std::string_view text;
@@ -133,6 +145,7 @@ std::string ShowHex32(const Field_t& field);
 std::string ShowHex64(const Field_t& field);
 std::string ShowString(const Field_t& field);
 std::string ShowStringOrNone(const Field_t& field);
+std::string ShowNumberedString(const Field_t& field);
 std::string ShowEnum8(const Field_t& field);
 std::string ShowYesNo8(const Field_t& field);
 std::string ShowYesNo32(const Field_t& field);
@@ -151,6 +164,8 @@ constexpr Rendering_t Hex8Digits(uint32_t digits) { return {ShowHex8, {}, {}, di
 constexpr Rendering_t Hex16Digits(uint32_t digits) { return {ShowHex16, {}, {}, digits}; }
 inline constexpr Rendering_t String{ShowString};              // no test of number 0
 inline constexpr Rendering_t StringOrNone{ShowStringOrNone};  // "None" for number 0
+// A string of the area by its own number: structures that just list strings hold no field with it.
+constexpr Rendering_t NumberedString(uint32_t number) { return {ShowNumberedString, {}, {}, number}; }
 constexpr Rendering_t Enum8(std::span<const CodeText_t> table, std::string_view otherwise) {
     return {ShowEnum8, table, otherwise};
 }
@@ -164,6 +179,11 @@ constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}
 // The three codes of the memory error structures.
 inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
     ErrorOperation{ShowErrorOperation};
+// A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
+template <auto GetText>
+inline constexpr Rendering_t Text8{[](const Field_t& field) { return GetText(field.Byte()); }};
+template <auto GetText>
+inline constexpr Rendering_t Text16{[](const Field_t& field) { return GetText(field.Word()); }};
 
 // Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
 class ClSMBIOSType {

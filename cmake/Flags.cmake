@@ -12,6 +12,10 @@ if(QUORLIN_SANITIZE)
   target_compile_options(quorlin_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quorlin_flags INTERFACE -fsanitize=address,undefined)
 endif()
+if(QUORLIN_FUZZ)
+  # What guides the search; the search itself is linked into each fuzzer.
+  target_compile_options(quorlin_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 if(WIN32)
   # No MinGW library is needed beside ours.
   target_link_options(quorlin_flags INTERFACE -static -fstack-protector-strong

@@ -6,13 +6,9 @@
 
 static constexpr size_t kLargestSize = size_t{1} << 63;
 
-uint32_t os_strlen(const char* text) {
-    return static_cast<uint32_t>(std::strlen(text));
-}
+uint32_t os_strlen(const char* text) { return static_cast<uint32_t>(std::strlen(text)); }
 
-int32_t os_strcmp(const char* first, const char* second) {
-    return std::strcmp(first, second);
-}
+int32_t os_strcmp(const char* first, const char* second) { return std::strcmp(first, second); }
 
 char* os_strncpy(char* destination, const char* source, size_t count) {
     const size_t length = strnlen(source, count);

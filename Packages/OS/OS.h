@@ -15,15 +15,9 @@
 #include "Packages/Platform/Export.h"
 
 // The libraries' names for the standard calls.
-inline void* os_malloc(size_t size) {
-    return std::malloc(size);
-}
-inline void os_free(void* block) {
-    std::free(block);
-}
-inline void* os_realloc(void* block, size_t size) {
-    return std::realloc(block, size);
-}
+inline void* os_malloc(size_t size) { return std::malloc(size); }
+inline void os_free(void* block) { std::free(block); }
+inline void* os_realloc(void* block, size_t size) { return std::realloc(block, size); }
 
 extern "C" {
 // The length of `text`, without its NUL.

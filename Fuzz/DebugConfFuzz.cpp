@@ -1,0 +1,55 @@
+// Any bytes as a debug.conf, from a stream and as a host's text. Both end in a status, and agree.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "Packages/Debug/DebugInternal.h"
+
+static void Require(bool holds) {
+    if (!holds) std::abort();
+}
+
+static status_t ReadAsStream(const std::string& bytes) {
+    FILE* stream = fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "r");
+    if (stream == nullptr) return kFailure;
+    const status_t status = DebugReadConfigStream(stream);
+    std::fclose(stream);
+    DebugResetForTest();
+    return status;
+}
+
+// What handles take from the text stays within the known masks.
+static void OpenHandles() {
+    DebugHandle_t handles[4] = {};
+    const char* const names[4] = {"A", "FERROX", "Global", ""};
+    for (size_t i = 0; i < 4; i++) {
+        Require(DebugLibInit(names[i], &handles[i]) == kSuccess);
+        Require((handles[i]->TraceMask & ~uint64_t{kAllLevels}) == 0);
+        Require((handles[i]->OutputType & ~uint64_t{kAllOutputs}) == 0);
+        Require((handles[i]->TraceFormat & ~kAllFormats) == 0);
+    }
+    for (DebugHandle_t handle : handles) Require(DebugLibExit(handle) == kSuccess);
+}
+
+// Files that the bytes name are not to be opened. The key may be broken up by white space.
+static bool NamesAFile(const std::string& bytes) {
+    std::string plain;
+    for (const char c : bytes)
+        if (std::string_view(" \t\n\v\f\r").find(c) == std::string_view::npos) plain += c;
+    return plain.find("FileName") != std::string::npos;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    const status_t status = bytes.empty() ? kSuccess : ReadAsStream(bytes);
+    Require(status == kSuccess || status == kFailure);
+
+    // A text ends at its first NUL and knows one more separator.
+    const bool isText = bytes.find('\0') == std::string::npos && bytes.find(';') == std::string::npos;
+    const status_t textStatus = DebugUseConfigText(bytes.c_str());
+    if (isText) Require(textStatus == status);
+    if (textStatus == kSuccess && !NamesAFile(bytes)) OpenHandles();
+    DebugResetForTest();
+    return 0;
+}

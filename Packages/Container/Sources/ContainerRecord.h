@@ -1,0 +1,167 @@
+// What stands behind a container's handle: the record, the nodes of each kind, and the operations of each kind.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "Packages/Container/Container.h"
+#include "Packages/Debug/Debug.h"
+#include "Packages/OS/OS.h"
+#include "Packages/Platform/Platform.h"
+
+// Each source file defines TRACE(function, level, ...) with its own name.
+#define CONTAINER_TRACE(file, function, level, ...) \
+    QUORLIN_TRACE(containerLibrary.Trace, "Container\\Sources\\" file, function, level, __VA_ARGS__)
+
+struct ListNode_t {
+    void* Data;
+    ListNode_t *Prev, *Next;  // null at the ends
+};
+
+enum RBColor_t : uint32_t { kBlack = 0, kRed = 1 };
+
+struct RBNode_t {
+    RBNode_t *Left, *Right, *Parent;  // the tree's sentinel where there is none
+    uint32_t Color;                   // RBColor_t
+    void* Data;
+};
+
+struct AVLNode_t {
+    int32_t Height;           // 1 for a leaf
+    int32_t Balance;          // the height of Left less that of Right, so that nobody need visit both to know it
+    AVLNode_t *Left, *Right;  // null where there is none
+    void* Data;
+};
+
+// One slot for each operation; null where the kind doesn't offer it.
+struct ContainerOperations_t {
+    status_t (*InsertAtIndex)(ContainerHandle_t handle, void* data, int32_t index);
+    status_t (*Insert)(ContainerHandle_t handle, void* data);
+    status_t (*RetrieveFromIndex)(ContainerHandle_t handle, void** data, int32_t index);
+    status_t (*RetrieveFromEnd)(ContainerHandle_t handle, void** data);
+    status_t (*DeleteAtIndex)(ContainerHandle_t handle, int32_t index);
+    status_t (*DeleteByData)(ContainerHandle_t handle, void* data);
+    status_t (*Push)(ContainerHandle_t handle, void* data);
+    status_t (*Pop)(ContainerHandle_t handle, void** data);
+    status_t (*UpdateNode)(ContainerHandle_t handle, void* oldData, void* newData);
+};
+
+// The remembered place. An indexed read leaves behind where it ended, and the next one goes on from there, so that
+// reading by rising index is linear as a whole. Whatever links, unlinks or frees a node forgets it, before it calls
+// anything of the caller's again: a remembered place always stands in the container as it is.
+struct ListPlace_t {
+    ListNode_t* Node;  // null: nothing is remembered
+    size_t Index;
+};
+
+inline constexpr size_t kMostPendingNodes = 99;
+
+// The in-order walk of either tree, as far as it went: the nodes on the way down whose turn is still to come.
+struct TreePlace_t {
+    bool Known;     // false: nothing is remembered
+    int64_t Index;  // of the entry that was reached last
+    void* Data;     // of that entry
+    void* Next;     // the subtree to go on with
+    size_t Depth;
+    void* Pending[kMostPendingNodes];
+};
+
+struct ContainerRecord_t {
+    char ListName[128];  // first, so that a trace line can print the handle itself
+    union {              // the list's first node, or the tree's root
+        ListNode_t* Head;
+        RBNode_t* RBRoot;
+        AVLNode_t* AVLRoot;
+    };
+    ListNode_t* Tail;
+    uint32_t ContainerType;
+    uint32_t DataType;
+    uint32_t OwnPositionFunction;
+    ContainerCompare_t CompareFunction;
+    ContainerPosition_t PositionFunction;
+    ContainerOperations_t Operations;
+    HANDLE Mutex;
+    size_t ListCount;   // nodes of a list
+    RBNode_t Sentinel;  // of a red-black tree, its own: a delete writes the Parent while it runs
+    ListPlace_t ListPlace;
+    TreePlace_t TreePlace;
+};
+static_assert(offsetof(ContainerRecord_t, ListName) == 0);
+
+// The library's state. Creation and destruction of containers change it and take no lock.
+struct ContainerLibrary_t {
+    int32_t LiveContainers;
+    DebugHandle_t Trace;  // nothing opens it yet: trace calls of this library cost one test
+    LibVersion_t Version;
+    void* (*Malloc)(size_t size);  // os_malloc and os_free; a test puts failing ones here
+    void (*Free)(void* block);
+};
+extern ContainerLibrary_t containerLibrary;
+
+template <class Node_t>
+Node_t* NewNode(const Node_t& node) {
+    auto* made = static_cast<Node_t*>(containerLibrary.Malloc(sizeof(Node_t)));
+    if (made != nullptr) *made = node;
+    return made;
+}
+
+// The lists (LinkedLists.cpp)
+status_t LinkedListInit(ContainerHandle_t handle);
+status_t LinkedListInsertAtIndex(ContainerHandle_t handle, void* data, int32_t index);
+status_t LinkedListPush(ContainerHandle_t handle, void* data);
+status_t ListRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t index);
+status_t ListRetrieveFromEnd(ContainerHandle_t handle, void** data);
+status_t ListDeleteAtIndex(ContainerHandle_t handle, int32_t index);
+status_t ListDeleteByData(ContainerHandle_t handle, void* data);
+status_t ListPop(ContainerHandle_t handle, void** data);
+status_t ListUpdateNode(ContainerHandle_t handle, void* oldData, void* newData);
+status_t SortedLinkedListInit(ContainerHandle_t handle);
+status_t SortedLinkedListInsert(ContainerHandle_t handle, void* data);
+status_t SortedLinkedListPush(ContainerHandle_t handle, void* data);
+status_t SortedListUpdateNode(ContainerHandle_t handle, void* oldData, void* newData);
+// The place in front of the first entry that isn't below `data`, or the end.
+int32_t SortedListPosition(ContainerHandle_t handle, void* data);
+
+// The red-black tree (RBTree.cpp)
+status_t RBTreeInit(ContainerHandle_t handle);
+status_t RBTreeInsert(ContainerHandle_t handle, void* data);
+status_t RBTreeDelete(ContainerHandle_t handle, void* data);
+status_t RBTreeRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t index);
+status_t RBTreeRetrieveFromEnd(ContainerHandle_t handle, void** data);
+status_t RBTreeUpdateNode(ContainerHandle_t handle, void* oldData, void* newData);
+
+// The AVL tree (AVLTree.cpp)
+status_t AVLTreeInit(ContainerHandle_t handle);
+status_t AVLTreeInsert(ContainerHandle_t handle, void* data);
+status_t AVLTreeDelete(ContainerHandle_t handle, void* data);
+status_t AVLTreeRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t index);
+status_t AVLTreeRetrieveFromEnd(ContainerHandle_t handle, void** data);
+status_t AVLTreeUpdateNode(ContainerHandle_t handle, void* oldData, void* newData);
+
+// Stores the entry at `index` in ascending order, counted from 0. `absent` is what stands for no child.
+// Status  1; 2 no entry of that index; 5 more than kMostPendingNodes nodes pending, for a tree out of balance
+template <class Node_t>
+status_t RetrieveInOrder(TreePlace_t* place, Node_t* root, const Node_t* absent, void** data, int32_t index) {
+    if (!place->Known || index < place->Index) {
+        place->Index = -1;
+        place->Depth = 0;
+        place->Next = root;
+    }
+    place->Known = false;
+    auto* node = static_cast<Node_t*>(place->Next);
+    while (place->Index < index || index < 0) {
+        for (; node != absent; node = node->Left) {
+            if (place->Depth == kMostPendingNodes) return kFailure;
+            place->Pending[place->Depth++] = node;
+        }
+        if (place->Depth == 0) return kBadValue;
+        node = static_cast<Node_t*>(place->Pending[--place->Depth]);
+        ++place->Index;
+        place->Data = node->Data;
+        node = node->Right;
+    }
+    place->Next = node;
+    place->Known = true;
+    *data = place->Data;
+    return kSuccess;
+}

@@ -1,0 +1,317 @@
+// The configuration file debug.conf: its lines, the entries that they make, and how a handle takes its settings from
+// them. Docs/Trace.md tells how the file is written.
+#include <cstring>
+#include <string_view>
+
+#include "Packages/Debug/DebugInternal.h"
+#include "Packages/OS/OS.h"
+#include "Packages/Platform/ConfigFile.h"
+
+static constexpr size_t kPieceSize = 256;  // 255 characters and a NUL: a longer line is taken in such pieces
+static constexpr size_t kNameSize = 64;    // 63 characters and a NUL: of longer names no more counts
+static constexpr const char* kGlobal = "Global";
+
+// Bits of DebugConfEntry::SetMask: which keys were given.
+static constexpr uint32_t kSetTraceType = 1;
+static constexpr uint32_t kSetOutputType = 2;
+static constexpr uint32_t kSetTraceFormatType = 4;
+static constexpr uint32_t kSetDebugFlagsType = 8;
+static constexpr uint32_t kSetFileName = 16;
+static constexpr uint32_t kSetSyncFlag = 32;
+
+// What the file says of one package.
+struct DebugConfEntry {
+    char PackageName[kNameSize];
+    uint32_t SetMask;
+    int32_t TraceType;
+    int32_t OutputType;
+    uint32_t TraceFormatType;
+    uint32_t DebugFlagsType;  // kFlagFlush, kFlagLocked...
+    uint8_t SyncFlag;
+    FILE* Stream;  // open from the first handle that needs it on
+    char FileName[kNameSize];
+};
+
+static ContainerHandle_t DebugConfList = nullptr;
+static bool GlobalSeen = false;  // never cleared but by DebugForgetConfig: the file is not read again
+
+// Tokens: two letters each, with nothing between them.
+
+struct Token_t {
+    char name[3];
+    uint32_t bits;
+};
+
+static constexpr Token_t kTraceTypes[] = {
+    {"En", kEntry    },
+    {"In", kInfo     },
+    {"Pa", kParams   },
+    {"Wa", kWarning  },
+    {"Er", kError    },
+    {"Ex", kExit     },
+    {"Al", kAllLevels},
+};
+static constexpr Token_t kOutputTypes[] = {
+    {"Co", kConsoleOutput },
+    {"Fi", kFileOutput    },
+    {"In", kInternalOutput},
+    {"Al", kAllOutputs    },
+};
+static constexpr Token_t kTraceFormats[] = {
+    {"Fn", kFormatFunction},
+    {"Ln", kFormatLine    },
+    {"Ti", kFormatTime    },
+    {"Td", kFormatTags    },
+    {"Al", kAllFormats    },
+};
+static constexpr Token_t kDebugFlags[] = {
+    {"Sy", kFlagFlush       },
+    {"Lo", kFlagLocked      },
+    {"Tr", kFlagThreaded    },
+    {"Lg", kFlagLogToPackage},
+    {"Al", kAllFlags        },
+};
+
+// The bits of a row of tokens; "No" takes back what stands before it. False for a row with anything else in it.
+template <size_t Count>
+static bool ReadTokens(const Token_t (&tokens)[Count], std::string_view row, uint32_t* bits) {
+    *bits = 0;
+    for (; !row.empty(); row.remove_prefix(2)) {
+        if (row.size() < 2) return false;
+        const std::string_view name = row.substr(0, 2);
+        const Token_t* token = tokens;
+        while (token != tokens + Count && name != token->name) token++;
+        if (name == "No")
+            *bits = 0;
+        else if (token != tokens + Count)
+            *bits |= token->bits;
+        else
+            return false;
+    }
+    return true;
+}
+
+// Keys: each decodes its value into its field. False for a bad value.
+
+static bool ReadTraceType(std::string_view value, DebugConfEntry* entry) {
+    uint32_t bits = 0;
+    if (!ReadTokens(kTraceTypes, value, &bits)) return false;
+    entry->TraceType = static_cast<int32_t>(bits);
+    return true;
+}
+
+static bool ReadOutputType(std::string_view value, DebugConfEntry* entry) {
+    uint32_t bits = 0;
+    if (!ReadTokens(kOutputTypes, value, &bits)) return false;
+    entry->OutputType = static_cast<int32_t>(bits);
+    return true;
+}
+
+static bool ReadTraceFormatType(std::string_view value, DebugConfEntry* entry) {
+    return ReadTokens(kTraceFormats, value, &entry->TraceFormatType);
+}
+
+static bool ReadDebugFlagsType(std::string_view value, DebugConfEntry* entry) {
+    return ReadTokens(kDebugFlags, value, &entry->DebugFlagsType);
+}
+
+// `name` holds kNameSize bytes.
+static void CopyName(std::string_view from, char* name) {
+    const size_t length = from.copy(name, kNameSize - 1);
+    name[length] = '\0';
+}
+
+static bool ReadFileName(std::string_view value, DebugConfEntry* entry) {
+    CopyName(value, entry->FileName);
+    return true;
+}
+
+static bool ReadSyncFlag(std::string_view value, DebugConfEntry* entry) {
+    entry->SyncFlag = value == "Y" ? 1 : 0;
+    return true;
+}
+
+struct Key_t {
+    const char* name;
+    uint32_t setBit;
+    bool onlyGlobal;  // passed over in other packages
+    bool (*read)(std::string_view value, DebugConfEntry* entry);
+};
+
+static constexpr Key_t kKeys[] = {
+    {"TraceType",       kSetTraceType,       false, ReadTraceType      },
+    {"OutputType",      kSetOutputType,      false, ReadOutputType     },
+    {"TraceFormatType", kSetTraceFormatType, false, ReadTraceFormatType},
+    {"DebugFlagsType",  kSetDebugFlagsType,  false, ReadDebugFlagsType },
+    {"FileName",        kSetFileName,        false, ReadFileName       },
+    {"SyncFlag",        kSetSyncFlag,        true,  ReadSyncFlag       },
+};
+
+// Lines.
+
+static int32_t CompareEntries(const void* first, const void* second) {
+    return Fold(std::strncmp(static_cast<const DebugConfEntry*>(first)->PackageName,
+                             static_cast<const DebugConfEntry*>(second)->PackageName, kNameSize));
+}
+
+static DebugConfEntry* FindPackage(std::string_view package) {
+    const std::string_view name = package.substr(0, kNameSize - 1);
+    return FindEntry<DebugConfEntry>(DebugConfList,
+                                     [name](const DebugConfEntry& entry) { return name == entry.PackageName; });
+}
+
+static status_t AddPackage(std::string_view package, DebugConfEntry** out) {
+    void* block = os_malloc(sizeof(DebugConfEntry));
+    if (block == nullptr) return kNoMemory;
+    os_memset(block, sizeof(DebugConfEntry), 0, sizeof(DebugConfEntry));
+    auto* entry = static_cast<DebugConfEntry*>(block);
+    CopyName(package, entry->PackageName);
+    const status_t status = Insert(DebugConfList, entry);
+    if (status != kSuccess) {
+        os_free(block);
+        return status;
+    }
+    *out = entry;
+    return kSuccess;
+}
+
+static status_t StoreSetting(std::string_view package, std::string_view key, std::string_view value) {
+    const bool isGlobal = package == kGlobal;
+    if (isGlobal) GlobalSeen = true;
+    DebugConfEntry* entry = FindPackage(package);
+    if (entry == nullptr) {
+        const status_t status = AddPackage(package, &entry);
+        if (status != kSuccess) return status;
+    }
+    for (const Key_t& row : kKeys) {
+        if (key != row.name) continue;
+        if (row.onlyGlobal && !isGlobal) return kSuccess;
+        if (!row.read(value, entry)) return kFailure;
+        entry->SetMask |= row.setBit;
+        return kSuccess;
+    }
+    return kFailure;
+}
+
+// Takes `*text` up to the first `delimiter`, and leaves what stands behind that. False if there is none.
+static bool TakeUpTo(char delimiter, std::string_view* text, std::string_view* part) {
+    const size_t length = text->find(delimiter);
+    if (length == std::string_view::npos) return false;
+    *part = text->substr(0, length);
+    text->remove_prefix(length + 1);
+    return true;
+}
+
+// Package:Key<Value>, a comment, a header or nothing.
+static status_t ReadLine(std::string_view line) {
+    if (line.empty() || line == "[GLOBAL]" || line == "[PACKAGES]" || line.front() == '#') return kSuccess;
+    std::string_view package, key, value;
+    if (!TakeUpTo(':', &line, &package) || !TakeUpTo('<', &line, &key) || !TakeUpTo('>', &line, &value))
+        return kFailure;
+    return StoreSetting(package, key, value);
+}
+
+// Takes all white space out of a NUL-terminated text, in place.
+static std::string_view RemoveWhiteSpace(char* text) {
+    size_t length = 0;
+    for (const char* from = text; *from != '\0'; from++)
+        if (std::strchr(" \t\n\v\f\r", *from) == nullptr) text[length++] = *from;
+    return {text, length};
+}
+
+// Reads pieces until `nextPiece`, which fills kPieceSize bytes, has no more or one is bad.
+template <typename NextPiece>
+static status_t ReadPieces(NextPiece nextPiece) {
+    if (DebugConfList != nullptr) return kSuccess;
+    status_t status = CreateList("DebugConfList", CompareEntries, &DebugConfList);
+    char piece[kPieceSize];
+    while (status == kSuccess && nextPiece(piece)) status = ReadLine(RemoveWhiteSpace(piece));
+    return status;
+}
+
+status_t DebugReadConfigStream(FILE* stream) {
+    return ReadPieces([stream](char* piece) { return std::fgets(piece, kPieceSize, stream) != nullptr; });
+}
+
+status_t DebugReadConfigText(const char* text) {
+    return ReadPieces([&text](char* piece) {
+        if (*text == '\0') return false;
+        size_t length = std::strcspn(text, "\n;");
+        const bool whole = length < kPieceSize;
+        if (!whole) length = kPieceSize - 1;
+        os_strncpy(piece, text, length);
+        text += length;
+        if (whole && *text != '\0') text++;  // the separator
+        return true;
+    });
+}
+
+status_t DebugReadConfig() {
+    FILE* file = OpenConfigFile("debug.conf");
+    if (file == nullptr) return kSuccess;
+    const status_t status = DebugReadConfigStream(file);
+    std::fclose(file);
+    return status;
+}
+
+// Settings of a handle.
+
+static status_t OpenLog(DebugConfEntry* entry, FILE** stream) {
+    if ((entry->SetMask & kSetFileName) == 0) return kSuccess;
+    if (entry->Stream == nullptr) entry->Stream = os_fopen(entry->FileName, "w");
+    if (entry->Stream == nullptr) return kFailure;
+    *stream = entry->Stream;
+    return kSuccess;
+}
+
+static void ApplyEntry(const DebugConfEntry& entry, DebugRecord_t* record) {
+    if (entry.SetMask & kSetTraceType) record->TraceMask = static_cast<uint64_t>(entry.TraceType);
+    if (entry.SetMask & kSetOutputType) record->OutputType = static_cast<uint64_t>(entry.OutputType);
+    if (entry.SetMask & kSetTraceFormatType) record->TraceFormat = entry.TraceFormatType;
+    if (entry.SetMask & kSetDebugFlagsType) {
+        SetBits(&record->Flags, kFlushPackageStream, (entry.DebugFlagsType & kFlagFlush) != 0);
+        SetBits(&record->Flags, kLocked, (entry.DebugFlagsType & kFlagLocked) != 0);
+        SetBits(&record->Flags, kThreadedOutput, (entry.DebugFlagsType & kFlagThreaded) != 0);
+        SetBits(&record->Flags, kLogToPackageStream, (entry.DebugFlagsType & kFlagLogToPackage) != 0);
+    }
+}
+
+status_t DebugApplyConfig(DebugHandle_t handle) {
+    if (handle == nullptr) return kNullPointer;
+    DebugConfEntry* own = FindPackage(handle->Name);
+    DebugConfEntry* global = FindPackage(kGlobal);
+    if (GlobalSeen && global == nullptr) return kFailure;
+    if (own != nullptr) {
+        if (OpenLog(own, &handle->PackageStream) != kSuccess) return kFailure;
+        ApplyEntry(*own, handle);
+    }
+    if (global != nullptr) {
+        if (OpenLog(global, &handle->GlobalStream) != kSuccess) return kFailure;
+        ApplyEntry(*global, handle);
+        if (global->SetMask & kSetSyncFlag) SetBits(&handle->Flags, kFlushGlobalStream, global->SyncFlag != 0);
+    }
+    return kSuccess;
+}
+
+status_t DebugFreeConfig() {
+    if (DebugConfList == nullptr) return kSuccess;
+    status_t status = kSuccess;
+    void* data = nullptr;
+    while (status == kSuccess && RetrieveFromIndex(DebugConfList, &data, 0) == kSuccess) {
+        auto* entry = static_cast<DebugConfEntry*>(data);
+        if (entry->Stream != nullptr) std::fclose(entry->Stream);
+        entry->Stream = nullptr;
+        if (DeleteByData(DebugConfList, entry) == kSuccess)
+            os_free(entry);
+        else
+            status = kFailure;
+    }
+    if (UnInitContainer(DebugConfList) != kSuccess) status = kFailure;
+    DebugConfList = nullptr;
+    return status;
+}
+
+status_t DebugForgetConfig() {
+    GlobalSeen = false;
+    return DebugFreeConfig();
+}

@@ -1,0 +1,27 @@
+// On Board Devices Information (the SMBIOS standard, type 10).
+#include "Sources/Decoders.h"
+
+namespace {
+
+std::string ShowDeviceType(const Field_t& field) {
+    constexpr uint8_t kEnabled = 0x80;
+    const uint8_t device = field.Byte();
+    return ((device & kEnabled) != 0 ? "Enabled, " : "Disabled, ") + ClSMBIOSType::GetOnboardDeviceTypeString(device);
+}
+
+constexpr Rendering_t DeviceType{ShowDeviceType};
+constexpr size_t kEntries = 0x04, kEntrySize = 2;
+
+}  // namespace
+
+void ClSMBIOSType10::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("On Board Devices Information {Type 10}", pData)) return;
+    const ClStructure structure = ClStructure::WholeRecord(pData);
+    for (size_t entry = kEntries; structure.Holds(entry, kEntrySize); entry += kEntrySize) {
+        const ItemRow_t items[] = {
+            {"Device Type",        entry,     DeviceType  },
+            {"Description String", entry + 1, StringOrNone},
+        };
+        PrintItems(items, structure);
+    }
+}

@@ -1,0 +1,110 @@
+// BIOS Language Information (the SMBIOS standard, type 13).
+#include "Sources/Decoders.h"
+
+namespace {
+
+struct LanguageName_t {
+    std::string_view code, name;
+};
+
+// In the order of the search: French of a country stands before the country's other language.
+constexpr LanguageName_t kLanguages[] = {
+    {"us",    "English, United States" },
+    {"gb",    "English, United Kingdom"},
+    {"se",    "Swedish, Sweden"        },
+    {"fi",    "Finnish, Finland"       },
+    {"es",    "Spanish, Spain"         },
+    {"pt",    "Portuguese, Portugal"   },
+    {"no",    "Norwegian, Norway"      },
+    {"nl",    "Dutch, Netherlands"     },
+    {"it",    "Italian, Italy"         },
+    {"gr",    "German, Germany"        },
+    {"fr",    "French, France"         },
+    {"dk",    "Dannish, Denmark"       },
+    {"fr|ca", "French, Canada"         },
+    {"frca",  "French, Canada"         },
+    {"ca",    "English, Canada"        },
+    {"fr|be", "French, Belgium"        },
+    {"frbe",  "French, Belgium"        },
+    {"be",    "Dutch, Belgium"         },
+    {"la",    "Spanish, Latin"         },
+    {"au",    "English, Australia"     },
+    {"fr|ch", "French, Switzerland"    },
+    {"frch",  "French, Switzerland"    },
+    {"ch",    "German, Switzerland"    },
+    {"br",    "Spanish, Brazil"        },
+    {"tr",    "Turkish, Turkey"        },
+    {"jp",    "Japanese, Japan"        },
+};
+
+bool HoldsAt(std::string_view text, size_t place, std::string_view code) {
+    return place < text.size() && text.substr(place).starts_with(code);
+}
+
+// A language string is "en|us|iso8859-1", or "enus" in its abbreviated form. A 2-letter code is that of the country.
+bool Matches(std::string_view language, std::string_view code) {
+    if (code.size() > 2) return language.starts_with(code);
+    return HoldsAt(language, 3, code) || HoldsAt(language, 2, code);
+}
+
+// The lower-case string and its language's name; `otherwise` for one of the parenthesised texts that StringOf gives
+// for a string that is missing.
+std::string LanguageText(const char* language, std::string_view otherwise) {
+    if (language[0] == '(') return std::string(otherwise);
+    std::string text = language;
+    for (char& letter : text)
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    const std::string name = ClSMBIOSType13::GetLanguageName(text.c_str());
+    return text.append(" (").append(name).append(")");
+}
+
+std::string ShowCurrentLanguage(const Field_t& field) {
+    const uint8_t current = field.Byte(), installable = field.structure.Byte(0x04);
+    if (current == 0 || current > installable) return "(Invalid Current Language)";
+    return LanguageText(StringOf(field.structure.Data(), current), "(Language(s) not set)");
+}
+
+std::string ShowLanguage(const Field_t& field) {
+    return LanguageText(StringOf(field.structure.Data(), field.row.rendering.number), " (Language(s) not set)");
+}
+
+// Version 2.0 of the standard had no flags.
+std::string ShowFlags(const Field_t& field) {
+    const bool hasFlags = static_cast<const ClSMBIOSType13&>(field.decoder).IsVersion21OrLater();
+    return hasFlags ? HexText(field.Byte(), 2) : "None";
+}
+
+constexpr Rendering_t CurrentLanguage{ShowCurrentLanguage}, Flags{ShowFlags};
+constexpr Rendering_t Language(uint32_t number) { return {ShowLanguage, {}, {}, number}; }
+
+constexpr ItemRow_t kItems[] = {
+    {"Current Language",                0x15, CurrentLanguage},
+    {"Flags",                           0x05, Flags          },
+    {"Number of Installable Languages", 0x04, Dec8           },
+};
+
+}  // namespace
+
+bool ClSMBIOSType13::IsVersion21OrLater() const {
+    return m_smbiosMajor > 2 || (m_smbiosMajor == 2 && m_smbiosMinor >= 1);
+}
+
+std::string ClSMBIOSType13::GetLanguageName(const char* ccStr) {
+    if (ccStr != nullptr)
+        for (const LanguageName_t& language : kLanguages)
+            if (Matches(ccStr, language.code)) return std::string(language.name);
+    return "Unknown Language";
+}
+
+void ClSMBIOSType13::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("BIOS Language Information {Type 13}", pData)) return;
+    const ClStructure structure = ClStructure::WholeRecord(pData);
+    PrintItems(kItems, structure);
+    const uint8_t installable = structure.Byte(0x04);
+    for (uint32_t number = 1; number <= installable; number++) {
+        const ItemRow_t language[] = {
+            {"Language", 0, Language(number)},
+        };
+        PrintItems(language, structure);
+    }
+}

@@ -1,0 +1,281 @@
+// debug.conf: its lines, and the settings that handles take from it.
+#include "Tests/Packages/Debug/TraceFixture.h"
+
+class ClDebugConfig : public ClTraceTest {
+  protected:
+    // As if the process had just started.
+    void Restart(const std::string& config) {
+        CloseAll();
+        DebugResetForTest();
+        WriteConfig(config);
+    }
+};
+
+TEST_F(ClDebugConfig, TokensAddUpFromLeftToRight) {
+    const struct {
+        const char* line;
+        uint64_t traceMask, outputType;
+        uint32_t traceFormat, flags;
+    } kCases[] = {
+        {"A:TraceType<En>",         1,  1, 15, 8 },
+        {"A:TraceType<In>",         2,  1, 15, 8 },
+        {"A:TraceType<Pa>",         4,  1, 15, 8 },
+        {"A:TraceType<Wa>",         8,  1, 15, 8 },
+        {"A:TraceType<Er>",         16, 1, 15, 8 },
+        {"A:TraceType<Ex>",         32, 1, 15, 8 },
+        {"A:TraceType<Al>",         63, 1, 15, 8 },
+        {"A:TraceType<EnExEr>",     49, 1, 15, 8 },
+        {"A:TraceType<EnNoEx>",     32, 1, 15, 8 },
+        {"A:TraceType<AlNo>",       0,  1, 15, 8 },
+        {"A:TraceType<EnEn>",       1,  1, 15, 8 },
+        {"A:OutputType<>",          0,  0, 15, 8 },
+        {"A:OutputType<Co>",        0,  1, 15, 8 },
+        {"A:OutputType<Fi>",        0,  2, 15, 8 },
+        {"A:OutputType<In>",        0,  4, 15, 8 },
+        {"A:OutputType<Al>",        0,  7, 15, 8 },
+        {"A:OutputType<No>",        0,  0, 15, 8 },
+        {"A:TraceFormatType<Fn>",   0,  1, 1,  8 },
+        {"A:TraceFormatType<Ln>",   0,  1, 2,  8 },
+        {"A:TraceFormatType<Ti>",   0,  1, 4,  8 },
+        {"A:TraceFormatType<Td>",   0,  1, 8,  8 },
+        {"A:TraceFormatType<NoAl>", 0,  1, 15, 8 },
+        {"A:TraceFormatType<No>",   0,  1, 0,  8 },
+        {"A:DebugFlagsType<Sy>",    0,  1, 15, 1 }, // all four flags are replaced: the package stream is off
+        {"A:DebugFlagsType<Lo>",    0,  1, 15, 4 },
+        {"A:DebugFlagsType<Tr>",    0,  1, 15, 16},
+        {"A:DebugFlagsType<Lg>",    0,  1, 15, 8 },
+        {"A:DebugFlagsType<Al>",    0,  1, 15, 29},
+        {"A:DebugFlagsType<No>",    0,  1, 15, 0 },
+    };
+    for (const auto& c : kCases) {
+        Restart(c.line);
+        DebugHandle_t handle = Open("A");
+        ASSERT_NE(handle, nullptr) << c.line;
+        EXPECT_EQ(handle->TraceMask, c.traceMask) << c.line;
+        EXPECT_EQ(handle->OutputType, c.outputType) << c.line;
+        EXPECT_EQ(handle->TraceFormat, c.traceFormat) << c.line;
+        EXPECT_EQ(handle->Flags, c.flags) << c.line;
+    }
+}
+
+// Each text follows a line that gives handle A the mask 1. A bad one takes that away as well.
+TEST_F(ClDebugConfig, TakesAndRefusesLines) {
+    const struct {
+        const char* what;
+        const char* text;
+        uint64_t traceMask;
+    } kCases[] = {
+        {"white space anywhere",          "A : Trace\tType < I n >\r\n",                    2},
+        {"text behind the value",         "A:TraceType<In>:<>#",                            2},
+        {"the last of a key counts",      "A:TraceType<In>\nA:TraceType<Pa>",               4},
+        {"an empty value",                "A:TraceType<>",                                  0},
+        {"another package",               "B:TraceType<In>",                                1},
+        {"another case",                  "a:TraceType<In>",                                1},
+        {"headers and empty lines",       "[GLOBAL]\n\n \t\n[ PACKAGES ]\nA:TraceType<In>", 2},
+        {"comments",                      "# A:TraceType<In>\n  #\n#:<>",                   1},
+        {"flush of a package",            "A:SyncFlag<Y>",                                  1},
+        {"flush of a package, any value", "A:SyncFlag<?>",                                  1},
+        {"flush of all, any value",       "Global:SyncFlag<yes>",                           1},
+        {"a package without a name",      ":TraceType<In>",                                 1},
+        {"first delimiters",              "A<>:TraceType<In>",                              1},
+        {"no end of line",                "A:TraceType<In>",                                2},
+
+        {"no colon",                      "A.TraceType<In>",                                0},
+        {"no less-than",                  "A:TraceType.In>",                                0},
+        {"no greater-than",               "A:TraceType<In",                                 0},
+        {"delimiters in another order",   "A<TraceType:In>",                                0},
+        {"greater-than before the value", "A:Trace>Type<In",                                0},
+        {"unknown key",                   "A:Foo<Al>",                                      0},
+        {"unknown key, other package",    "B:Foo<Al>",                                      0},
+        {"another case of the key",       "A:tracetype<Al>",                                0},
+        {"no key",                        "A:<Al>",                                         0},
+        {"a single letter",               "A:TraceType<Inx>",                               0},
+        {"unknown token",                 "A:TraceType<InXx>",                              0},
+        {"another case of the token",     "A:TraceType<IN>",                                0},
+        {"a token of another key",        "A:TraceType<Co>",                                0},
+        {"tokens with a comma",           "A:TraceType<In,Pa>",                             0},
+        {"unknown header",                "[OTHER]",                                        0},
+        {"a header with more behind it",  "[GLOBAL]x",                                      0},
+        {"good lines behind a bad one",   "x\nA:TraceType<Al>",                             0},
+        {"bytes",                         "\xFF\xFE\x01:\x80<>",                            0},
+    };
+    for (const auto& c : kCases) {
+        Restart(std::string("A:TraceType<En>\n") + c.text);
+        DebugHandle_t handle = Open("A");
+        ASSERT_NE(handle, nullptr) << c.what;
+        EXPECT_EQ(handle->TraceMask, c.traceMask) << c.what;
+    }
+}
+
+TEST_F(ClDebugConfig, ALongLineIsTakenInPieces) {
+    const std::string comment255 = "#" + std::string(254, 'x');
+    const struct {
+        const char *what, *behind;
+        uint64_t traceMask;
+    } kCases[] = {
+        {"255 characters",             "\nA:TraceType<In>", 2},
+        {"a second piece",             "A:TraceType<In>",   2},
+        {"a second piece that is bad", "x",                 0},
+    };
+    for (const auto& c : kCases) {
+        Restart("A:TraceType<En>\n" + comment255 + c.behind);
+        EXPECT_EQ(Open("A")->TraceMask, c.traceMask) << c.what;
+    }
+}
+
+TEST_F(ClDebugConfig, ANulEndsItsLine) {
+    using namespace std::string_literals;
+    Restart("A:TraceType<In>\0x\nA:OutputType<Fi>\n\0A:TraceType<Pa>"s);
+    EXPECT_EQ(Open("A")->TraceMask, 2u);
+    EXPECT_EQ(Open("A")->OutputType, 2u);
+}
+
+TEST_F(ClDebugConfig, GlobalIsAppliedLast) {
+    const struct {
+        const char* config;
+        uint64_t traceMask, outputType;
+        uint32_t flags;
+    } kCases[] = {
+        {"Global:TraceType<ErWa>\nA:TraceType<Al>",                    24, 1, 8 },
+        {"A:TraceType<Al>\nA:OutputType<Co>\nGlobal:OutputType<CoFi>", 63, 3, 8 },
+        {"Global:DebugFlagsType<Lg>\nA:DebugFlagsType<Lo>",            0,  1, 8 },
+        {"Global:DebugFlagsType<Lo>\nGlobal:TraceType<Al>",            63, 1, 4 }, // a lock stops no configuration
+        {"Global:SyncFlag<Y>",                                         0,  1, 10},
+        {"Global:SyncFlag<Y>\nGlobal:SyncFlag<y>",                     0,  1, 8 },
+        {"Global:TraceType<>\nA:TraceType<Al>",                        0,  1, 8 }, // an empty value is a value
+        {"global:TraceType<Er>\nA:TraceType<Al>",                      63, 1, 8 },
+    };
+    for (const auto& c : kCases) {
+        Restart(c.config);
+        DebugHandle_t handle = Open("A");
+        ASSERT_NE(handle, nullptr) << c.config;
+        EXPECT_EQ(handle->TraceMask, c.traceMask) << c.config;
+        EXPECT_EQ(handle->OutputType, c.outputType) << c.config;
+        EXPECT_EQ(handle->Flags, c.flags) << c.config;
+    }
+}
+
+TEST_F(ClDebugConfig, ALockedHandleKeepsItsSettings) {
+    Restart("A:DebugFlagsType<Lo>\nA:TraceType<En>");
+    DebugHandle_t locked = Open("A"), other = Open("B");
+    EXPECT_EQ(DebugSetTraceMask(locked, kAllLevels, true), kBadValue);
+    EXPECT_EQ(DebugSetAllTraceMask(kAllLevels, true), kSuccess);
+    EXPECT_EQ(locked->TraceMask, 1u);
+    EXPECT_EQ(other->TraceMask, 63u);
+    EXPECT_EQ(DebugSetFlag(locked, kFlagLocked, false), kSuccess);
+    EXPECT_EQ(DebugSetTraceMask(locked, kAllLevels, true), kSuccess);
+}
+
+TEST_F(ClDebugConfig, NamesCountTo63Characters) {
+    const std::string name63(63, 'n'), file63(63, 'f');
+    Restart(name63 + "xyz:TraceType<Al>\n" + name63 + ":FileName<" + file63 + "ghi>");
+    DebugHandle_t handle = Open((name63 + "other").c_str());
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(handle->TraceMask, 63u);
+    EXPECT_TRUE(std::filesystem::exists(file63));
+}
+
+TEST_F(ClDebugConfig, LogFilesBelongToEntries) {
+    WriteFile("global.log", "old");
+    Restart(
+        "Global:FileName<global.log>\nGlobal:OutputType<Fi>\nGlobal:TraceType<Al>\nGlobal:TraceFormatType<No>\n"
+        "A:FileName<a.log>\n");
+    DebugHandle_t a = Open("A"), b = Open("B");
+    EXPECT_NE(a->PackageStream, nullptr);
+    EXPECT_EQ(b->PackageStream, nullptr);
+    EXPECT_EQ(a->GlobalStream, b->GlobalStream);
+    DebugTrace(a, "", "F", 1, kInfo, "from a");
+    DebugTrace(b, "", "F", 1, kInfo, "from b");
+    CloseAll();
+    EXPECT_EQ(ReadFile("global.log"), "\n from a\n from b");
+    EXPECT_EQ(ReadFile("a.log"), "\n from a");
+    EXPECT_EQ(Printed(), "");
+
+    // Two entries with one file name open it twice.
+    Restart("A:FileName<x.log>\nB:FileName<x.log>");
+    EXPECT_NE(Open("A")->PackageStream, Open("B")->PackageStream);
+
+    // A file output without a file is no output.
+    Restart("A:OutputType<Fi>\nA:TraceType<Al>");
+    EXPECT_EQ(DebugTrace(Open("A"), "", "F", 1, kInfo, "m"), kSuccess);
+    EXPECT_EQ(Printed(), "");
+}
+
+TEST_F(ClDebugConfig, ALogFileThatCannotBeOpenedIsAFailure) {
+    for (const char* config : {"A:FileName<no-such-folder/a.log>", "Global:FileName<.>", "A:FileName<>",
+                               "A:FileName<a.log>\nGlobal:FileName<no-such-folder/g.log>"}) {
+        Restart(config);
+        DebugHandle_t handle = nullptr;
+        EXPECT_EQ(DebugLibInit("A", &handle), kFailure) << config;
+        EXPECT_EQ(handle, nullptr) << config;
+    }
+    // Only the handles that need the file are lost.
+    Restart("A:FileName<no-such-folder/a.log>");
+    EXPECT_EQ(Open("A"), nullptr);
+    EXPECT_NE(Open("B"), nullptr);
+}
+
+TEST_F(ClDebugConfig, TheFileIsReadOnceInAProcess) {
+    DebugHandle_t handle = Open("A");  // no file yet
+    CloseAll();
+    WriteConfig("A:TraceType<Al>");
+    handle = Open("A");
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(handle->TraceMask, 0u);
+
+    Restart("A:TraceType<Al>");
+    EXPECT_EQ(Open("A")->TraceMask, 63u);
+    CloseAll();
+    EXPECT_EQ(Open("A")->TraceMask, 0u);  // the entries went with the last handle
+
+    Restart("Global:TraceType<Al>");
+    EXPECT_EQ(Open("A")->TraceMask, 63u);
+    CloseAll();
+    EXPECT_EQ(DebugLibInit("A", &handle), kFailure);  // that there was a Global entry is remembered
+
+    Restart("A:TraceType<Al>\nbad");
+    EXPECT_EQ(Open("A")->TraceMask, 0u);
+    CloseAll();
+    WriteConfig("A:TraceType<Al>");
+    EXPECT_EQ(Open("A")->TraceMask, 0u);
+}
+
+TEST_F(ClDebugConfig, AFolderOfThatNameIsNoFile) {
+    std::filesystem::create_directory("debug.conf");
+    EXPECT_NE(Open("A"), nullptr);
+}
+
+TEST_F(ClDebugConfig, AHostsTextStandsInForTheFile) {
+    const struct {
+        const char* text;
+        status_t status;
+        uint64_t traceMask;
+        uint32_t traceFormat;
+    } kCases[] = {
+        {"A:TraceType<In>",                          1, 2, 15},
+        {"A:TraceType<In>;A:TraceFormatType<Fn>",    1, 2, 1 },
+        {"A:TraceType<In>\n; ;A : TraceType < Pa >", 1, 4, 15},
+        {"A:TraceType<In>;#A:TraceType<Pa>;",        1, 2, 15},
+        {"",                                         1, 0, 15},
+ // The file counts after a text that is refused.
+        {"A:TraceType<Xx>",                          5, 1, 15},
+        {"Global:TraceType<In>;bad",                 5, 1, 15},
+    };
+    for (const auto& c : kCases) {
+        Restart("A:TraceType<En>");
+        EXPECT_EQ(DebugUseConfigText(c.text), c.status) << c.text;
+        DebugHandle_t handle = Open("A");
+        ASSERT_NE(handle, nullptr) << c.text;
+        EXPECT_EQ(handle->TraceMask, c.traceMask) << c.text;
+        EXPECT_EQ(handle->TraceFormat, c.traceFormat) << c.text;
+        EXPECT_EQ(DebugUseConfigText("A:TraceType<Pa>"), kFailure) << c.text;
+    }
+    EXPECT_EQ(DebugUseConfigText(nullptr), kNullPointer);
+
+    // Long lines come in pieces, as from a file.
+    Restart("");
+    EXPECT_EQ(DebugUseConfigText(("#" + std::string(254, 'x') + "A:TraceType<In>;A:TraceFormatType<Fn>").c_str()),
+              kSuccess);
+    EXPECT_EQ(Open("A")->TraceMask, 2u);
+    EXPECT_EQ(Open("A")->TraceFormat, 1u);
+}

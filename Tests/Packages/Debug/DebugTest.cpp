@@ -1,0 +1,431 @@
+// Handles, their settings, and the lines that they write.
+#include <cinttypes>
+#include <cstring>
+#include <functional>
+
+#include "Packages/OS/OS.h"
+#include "Tests/Packages/Debug/TraceFixture.h"
+
+class ClDebug : public ClTraceTest {};
+
+static std::string callbackText;
+static uint32_t callbackLevel, callbackSize;
+
+static void Callback(uint32_t level, const char* message, uint32_t size) {
+    callbackText = message;
+    callbackLevel = level;
+    callbackSize = size;
+}
+
+TEST_F(ClDebug, AFreshHandleHasItsDefaultsAndIsSilent) {
+    DebugHandle_t handle = Open("A");
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(handle->InternalFunction, nullptr);
+    EXPECT_NE(handle->FileFunction, nullptr);
+    EXPECT_EQ(handle->Callback, nullptr);
+    EXPECT_EQ(handle->CallbackMask, 63u);
+    EXPECT_EQ(handle->OutputType, 1u);
+    EXPECT_EQ(handle->TraceMask, 0u);
+    EXPECT_EQ(handle->RefCount, 1u);
+    EXPECT_EQ(handle->Flags, 8u);
+    EXPECT_EQ(handle->TraceFormat, 15u);
+    EXPECT_STREQ(handle->Name, "A");
+    EXPECT_EQ(DebugTrace(handle, "", "F", 1, 63, "m"), kSuccess);
+    EXPECT_EQ(Printed(), "");
+}
+
+TEST_F(ClDebug, TheDefaultConsoleIsStandardOutput) {
+    DebugHandle_t handle = nullptr;
+    ASSERT_EQ(DebugLibInit("A", &handle), kSuccess);
+    DebugSetTraceMask(handle, kInfo, true);
+    DebugSetTraceFormat(handle, kFormatTime, false);
+    testing::internal::CaptureStdout();
+    DebugTrace(handle, "", "F", 1, kInfo, "%s", "m");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "\n Info  Fn:F Ln:1 m");
+    EXPECT_EQ(DebugLibExit(handle), kSuccess);
+}
+
+TEST_F(ClDebug, HeaderHoldsThePartsThatTheFormatNames) {
+    const struct {
+        const char* what;
+        uint32_t format, level, line;
+        uint64_t mask;
+        const char *function, *text;
+    } kCases[] = {
+        {"nothing",               0,  1,  7,          63, "Fun",   "\n m"                                        },
+        {"tags",                  8,  1,  7,          63, "Fun",   "\n -->  m"                                   },
+        {"function",              1,  1,  7,          63, "Fun",   "\n Fn:Fun m"                                 },
+        {"no function",           1,  1,  7,          63, nullptr, "\n Fn: m"                                    },
+        {"line",                  2,  1,  7,          63, "Fun",   "\n Ln:7 m"                                   },
+        {"line of six digits",    2,  1,  4294967295, 63, "Fun",   "\n Ln:429496 m"                              },
+        {"all but the time",      11, 32, 12,         63, "Fun",   "\n <--  Fn:Fun Ln:12 m"                      },
+        {"order of the tags",     8,  63, 7,          63, "Fun",   "\n Info  PARAM  WARN  **ERROR**  -->  <--  m"},
+        {"tags in the mask only", 8,  48, 7,          16, "Fun",   "\n **ERROR**  m"                             },
+        {"unknown level bits",    8,  66, 7,          63, "Fun",   "\n Info  m"                                  },
+    };
+    DebugHandle_t handle = Open("A");
+    for (const auto& c : kCases) {
+        handle->TraceFormat = c.format;
+        handle->TraceMask = c.mask;
+        DebugTrace(handle, "file", c.function, c.line, c.level, "m");
+        EXPECT_EQ(Printed(), c.text) << c.what;
+    }
+
+    handle->TraceFormat = kFormatFunction | kFormatLine;
+    DebugTrace(handle, "file", std::string(200, 'f').c_str(), 7, kInfo, "m");
+    EXPECT_EQ(Printed(), "\n Fn:" + std::string(94, 'f') + " m");  // 99 characters, and the line number is lost
+}
+
+TEST_F(ClDebug, TimeIsTheCounterInMilliseconds) {
+    DebugHandle_t handle = Open("A");
+    handle->TraceFormat = kFormatTime;
+    handle->TraceMask = kInfo;
+    uint64_t before = 0, after = 0, shown = 0;
+    os_GetTimestampMs(&before);
+    DebugTrace(handle, "", "F", 1, kInfo, "m");
+    os_GetTimestampMs(&after);
+    const std::string line = Printed();
+    char rest[8] = "";
+    ASSERT_EQ(std::sscanf(line.c_str(), "\n TS:%" SCNu64 " %7s", &shown, rest), 2) << line;
+    EXPECT_STREQ(rest, "m");
+    EXPECT_LE(before, shown);
+    EXPECT_LE(shown, after);
+}
+
+TEST_F(ClDebug, MessageIsCutAt255) {
+    DebugHandle_t handle = Open("A");
+    handle->TraceFormat = 0;
+    handle->TraceMask = kInfo;
+    for (const size_t length : {255u, 256u, 300u, 5000u}) {
+        DebugTrace(handle, "", "F", 1, kInfo, "%s", std::string(length, 'x').c_str());
+        EXPECT_EQ(Printed(), "\n " + std::string(255, 'x')) << length;
+    }
+}
+
+TEST_F(ClDebug, CallbackWorksWhileOutputsAreOff) {
+    const struct {
+        const char* what;
+        uint64_t traceMask, outputType, callbackMask;
+        uint32_t level;
+        uint32_t calledWith;  // 0: not called
+        const char* printed;
+    } kCases[] = {
+        {"no output mask",        0,  1, 63, 48, 48, ""      },
+        {"no output",             63, 0, 63, 2,  2,  ""      },
+        {"both",                  2,  1, 63, 2,  2,  "\n m 5"},
+        {"the callback's levels", 0,  1, 16, 48, 16, ""      },
+        {"other levels",          48, 1, 2,  48, 0,  "\n m 5"},
+    };
+    DebugHandle_t handle = Open("A");
+    handle->TraceFormat = 0;
+    ASSERT_EQ(DebugSetCallback(handle, Callback), kSuccess);
+    for (const auto& c : kCases) {
+        handle->TraceMask = c.traceMask;
+        handle->OutputType = c.outputType;
+        DebugSetCallbackMask(handle, c.callbackMask);
+        callbackText.clear();
+        callbackLevel = callbackSize = 0;
+        EXPECT_EQ(DebugTrace(handle, "", "F", 1, c.level, "m %d", 5), kSuccess) << c.what;
+        EXPECT_EQ(callbackText, c.calledWith == 0 ? "" : "m 5") << c.what;
+        EXPECT_EQ(callbackLevel, c.calledWith) << c.what;
+        EXPECT_EQ(callbackSize, c.calledWith == 0 ? 0u : 281u) << c.what;
+        EXPECT_EQ(Printed(), c.printed) << c.what;
+    }
+    ASSERT_EQ(DebugSetCallback(handle, nullptr), kSuccess);
+    callbackText.clear();
+    DebugTrace(handle, "", "F", 1, kError, "m");
+    EXPECT_EQ(callbackText, "");
+}
+
+static std::string internalText;
+
+static int PrintInternal(const char* format, ...) {
+    char text[512];
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    internalText += text;
+    return length;
+}
+
+TEST_F(ClDebug, EachOutputGetsTheLineThatItsBitAsksFor) {
+    const struct {
+        uint64_t outputType;
+        uint32_t flags;
+        const char *console, *internal, *package, *global;
+    } kCases[] = {
+        {0, 8,  "",     "",     "",     ""    },
+        {1, 8,  "\n m", "",     "",     ""    },
+        {2, 8,  "",     "",     "\n m", "\n m"},
+        {2, 0,  "",     "",     "",     "\n m"}, // LogToPackageStream is off
+        {4, 8,  "",     "",     "",     ""    }, // the internal output needs another one beside it
+        {5, 8,  "\n m", "\n m", "",     ""    },
+        {6, 8,  "",     "\n m", "\n m", "\n m"},
+        {7, 24, "\n m", "\n m", "\n m", "\n m"},
+    };
+    for (const auto& c : kCases) {
+        DebugHandle_t handle = Open("A");
+        FILE* package = std::fopen("package.log", "w");
+        FILE* global = std::fopen("global.log", "w");
+        ASSERT_EQ(DebugSetPackageStream(handle, package), kSuccess);
+        ASSERT_EQ(DebugSetGlobalStreamAll(global), kSuccess);
+        ASSERT_EQ(DebugSetInternalFunction(handle, PrintInternal), kSuccess);
+        handle->TraceFormat = 0;
+        handle->TraceMask = kInfo;
+        handle->OutputType = c.outputType;
+        handle->Flags = c.flags;
+        internalText.clear();
+        DebugTrace(handle, "", "F", 1, kInfo, "m");
+        std::fclose(package);
+        std::fclose(global);
+        EXPECT_EQ(Printed(), c.console) << c.outputType;
+        EXPECT_EQ(internalText, c.internal) << c.outputType;
+        EXPECT_EQ(ReadFile("package.log"), c.package) << c.outputType;
+        EXPECT_EQ(ReadFile("global.log"), c.global) << c.outputType;
+        CloseAll();
+    }
+}
+
+TEST_F(ClDebug, FlushingShowsALineAtOnce) {
+    DebugHandle_t handle = Open("A");
+    FILE* package = std::fopen("package.log", "w");
+    FILE* global = std::fopen("global.log", "w");
+    DebugSetPackageStream(handle, package);
+    DebugSetGlobalStreamAll(global);
+    DebugSetTraceMask(handle, kInfo, true);
+    DebugSetTraceFormat(handle, kAllFormats, false);
+    DebugSetOutputType(handle, kFileOutput, true);
+    DebugTrace(handle, "", "F", 1, kInfo, "1");
+    // How much of a line that isn't flushed has reached the file is the runtime's matter, but it isn't all of it.
+    EXPECT_NE(ReadFile("package.log"), "\n 1");
+    DebugSetFlag(handle, kFlagFlush, true);
+    DebugTrace(handle, "", "F", 1, kInfo, "2");
+    EXPECT_EQ(ReadFile("package.log"), "\n 1\n 2");
+    EXPECT_NE(ReadFile("global.log"), "\n 1\n 2");
+    DebugSetGlobalFlush(true);
+    DebugTrace(handle, "", "F", 1, kInfo, "3");
+    EXPECT_EQ(ReadFile("global.log"), "\n 1\n 2\n 3");
+    // A host's own function does its own flushing.
+    DebugSetFileFunction(handle, std::fprintf);
+    DebugTrace(handle, "", "F", 1, kInfo, "4");
+    EXPECT_NE(ReadFile("global.log"), "\n 1\n 2\n 3\n 4");
+    std::fclose(package);
+    std::fclose(global);
+}
+
+TEST_F(ClDebug, AHandleOpenedTwiceLivesUntilItsSecondExit) {
+    DebugHandle_t other = Open("B"), first = nullptr, second = nullptr;
+    ASSERT_EQ(DebugLibInit("A", &first), kSuccess);
+    ASSERT_EQ(DebugLibInit("A", &second), kSuccess);
+    EXPECT_EQ(first, second);
+    EXPECT_NE(first, other);
+    EXPECT_EQ(first->RefCount, 2u);
+    EXPECT_EQ(DebugLibExit(first), kSuccess);
+    EXPECT_EQ(DebugSetTraceMask(second, 1, true), kSuccess);
+    EXPECT_EQ(DebugLibExit(second), kSuccess);
+
+    // The name is free again, and a new handle has the defaults.
+    ASSERT_EQ(DebugLibInit("A", &first), kSuccess);
+    EXPECT_EQ(first->TraceMask, 0u);
+    EXPECT_EQ(DebugLibExit(first), kSuccess);
+
+    // One that counts as many references as it can takes no more.
+    other->RefCount = UINT16_MAX;
+    EXPECT_EQ(DebugLibInit("B", &second), kFailure);
+    EXPECT_EQ(second, nullptr);
+    other->RefCount = 1;
+}
+
+TEST_F(ClDebug, NullAndUnknownHandlesAreRefused) {
+    DebugHandle_t handle = nullptr;
+    EXPECT_EQ(DebugLibInit(nullptr, &handle), kNullPointer);
+    EXPECT_EQ(DebugLibInit("A", nullptr), kNullPointer);
+    EXPECT_EQ(DebugLibExit(nullptr), kNullPointer);
+    EXPECT_EQ(DebugTrace(nullptr, "", "F", 1, 63, "m"), kNullPointer);
+    EXPECT_EQ(GetDebugLibVersion(nullptr), kNullPointer);
+
+    DebugRecord_t unknown = {};
+    EXPECT_EQ(DebugLibExit(&unknown), kFailure);
+    EXPECT_EQ(DebugSetTraceMask(&unknown, 1, true), kBadValue);
+    EXPECT_EQ(DebugDumpValues(&unknown, 1, "", 1, "", "", 1), kBadValue);
+    EXPECT_EQ(DebugSetAllTraceMask(63, true), kSuccess);  // of no handles
+    EXPECT_EQ(DebugSetAllTraceMask(64, true), kBadValue);
+}
+
+TEST_F(ClDebug, VersionIsFilledByTheFirstHandle) {
+    Open("A");
+    LibVersion_t version;
+    ASSERT_EQ(GetDebugLibVersion(&version), kSuccess);
+    EXPECT_STREQ(version.Major, "02");
+    EXPECT_STREQ(version.Minor, "00");
+    EXPECT_STREQ(version.Revision, "0");
+    EXPECT_STREQ(version.Build, "1001");
+}
+
+// What a setter does to a locked handle.
+enum class Locked_t { Refused, PassedOver, Changed };
+
+class ClSetters : public ClTraceTest {
+  protected:
+    using Call_t = std::function<status_t(DebugHandle_t)>;
+
+    // `good` changes a fresh handle. `bad` has an argument that is refused with `badStatus`, or is null.
+    void Check(const char* what, Locked_t locked, const Call_t& good, const Call_t& bad, status_t badStatus) {
+        DebugHandle_t handle = Open("A");
+        DebugRecord_t fresh;
+        std::memcpy(&fresh, handle, sizeof fresh);  // with its padding
+        const auto changed = [&] { return std::memcmp(&fresh, handle, sizeof fresh) != 0; };
+        if (bad != nullptr) {
+            EXPECT_EQ(bad(handle), badStatus) << what;
+        }
+        EXPECT_FALSE(changed()) << what;
+        EXPECT_EQ(good(handle), kSuccess) << what;
+        EXPECT_TRUE(changed()) << what;
+
+        std::memcpy(handle, &fresh, sizeof fresh);
+        handle->Flags |= kLocked;
+        EXPECT_EQ(good(handle), locked == Locked_t::Refused ? kBadValue : kSuccess) << what;
+        handle->Flags &= ~kLocked;
+        EXPECT_EQ(changed(), locked == Locked_t::Changed) << what;
+        CloseAll();
+    }
+
+    // For the setters of one handle.
+    void CheckOne(const char* what, Locked_t locked, const Call_t& good, const Call_t& bad, status_t badStatus) {
+        EXPECT_EQ(good(nullptr), kNullPointer) << what;
+        Check(what, locked, good, bad, badStatus);
+    }
+};
+
+TEST_F(ClSetters, OneHandle) {
+    const auto refused = Locked_t::Refused, changed = Locked_t::Changed;
+    CheckOne(
+        "TraceMask", refused, [](auto h) { return DebugSetTraceMask(h, 63, true); },
+        [](auto h) { return DebugSetTraceMask(h, 64, true); }, kBadValue);
+    CheckOne(
+        "OutputType", refused, [](auto h) { return DebugSetOutputType(h, 6, true); },
+        [](auto h) { return DebugSetOutputType(h, 8, true); }, kBadValue);
+    CheckOne(
+        "TraceFormat", refused, [](auto h) { return DebugSetTraceFormat(h, 4, false); },
+        [](auto h) { return DebugSetTraceFormat(h, 16, true); }, kBadValue);
+    CheckOne(
+        "Flag", changed, [](auto h) { return DebugSetFlag(h, 1, true); },
+        [](auto h) { return DebugSetFlag(h, 64, true); }, kBadValue);
+    CheckOne(
+        "Callback", refused, [](auto h) { return DebugSetCallback(h, Callback); }, nullptr, kSuccess);
+    CheckOne(
+        "CallbackMask", refused, [](auto h) { return DebugSetCallbackMask(h, 0); }, nullptr, kSuccess);
+    CheckOne(
+        "ConsoleFunction", refused, [](auto h) { return DebugSetConsoleFunction(h, PrintInternal); },
+        [](auto h) { return DebugSetConsoleFunction(h, nullptr); }, kNullPointer);
+    CheckOne(
+        "FileFunction", refused, [](auto h) { return DebugSetFileFunction(h, std::fprintf); },
+        [](auto h) { return DebugSetFileFunction(h, nullptr); }, kNullPointer);
+    CheckOne(
+        "InternalFunction", refused, [](auto h) { return DebugSetInternalFunction(h, PrintInternal); },
+        [](auto h) { return DebugSetInternalFunction(h, nullptr); }, kNullPointer);
+    CheckOne(
+        "PackageStream", refused, [](auto h) { return DebugSetPackageStream(h, stderr); },
+        [](auto h) { return DebugSetPackageStream(h, nullptr); }, kNullPointer);
+}
+
+TEST_F(ClSetters, AllHandles) {
+    const auto passedOver = Locked_t::PassedOver, changed = Locked_t::Changed;
+    Check(
+        "TraceMask", passedOver, [](auto) { return DebugSetAllTraceMask(63, true); },
+        [](auto) { return DebugSetAllTraceMask(64, true); }, kBadValue);
+    Check(
+        "OutputType", passedOver, [](auto) { return DebugSetAllOutputType(6, true); },
+        [](auto) { return DebugSetAllOutputType(8, true); }, kBadValue);
+    Check(
+        "TraceFormat", passedOver, [](auto) { return DebugSetAllTraceFormat(4, false); },
+        [](auto) { return DebugSetAllTraceFormat(16, true); }, kBadValue);
+    Check(
+        "GlobalStream", passedOver, [](auto) { return DebugSetGlobalStreamAll(stderr); },
+        [](auto) { return DebugSetGlobalStreamAll(nullptr); }, kNullPointer);
+    Check(
+        "Flags", changed, [](auto) { return DebugSetAllFlags(1, true); },
+        [](auto) { return DebugSetAllFlags(16, true); }, kBadValue);
+    Check(
+        "GlobalFlush", changed, [](auto) { return DebugSetGlobalFlush(true); }, nullptr, kSuccess);
+}
+
+TEST_F(ClDebug, MaskSettersSwitchTheirBitsAlone) {
+    DebugHandle_t handle = Open("A"), other = Open("B");
+    DebugSetTraceMask(handle, 0xFFFF'FFFF'0000'0031, true);
+    EXPECT_EQ(handle->TraceMask, 0x31u);
+    DebugSetAllTraceMask(0x11, false);
+    EXPECT_EQ(handle->TraceMask, 0x20u);
+    DebugSetAllOutputType(2, true);
+    EXPECT_EQ(handle->OutputType, 3u);
+    EXPECT_EQ(other->OutputType, 3u);
+    DebugSetTraceFormat(handle, 5, false);
+    EXPECT_EQ(handle->TraceFormat, 10u);
+    EXPECT_EQ(other->TraceFormat, 15u);
+}
+
+TEST_F(ClDebug, FlagSettersChangeTheFirstThatMatches) {
+    const struct {
+        uint32_t which;
+        bool on;
+        status_t oneStatus;
+        uint32_t one;  // Flags from 8 on
+        status_t allStatus;
+        uint32_t all;
+    } kCases[] = {
+        {15, true,  1, 9,  1, 9 }, // flush is first with both
+        {14, false, 1, 0,  1, 8 }, // one: log to package; all: locked
+        {14, true,  1, 8,  1, 12},
+        {6,  true,  1, 24, 1, 12}, // one: threaded
+        {12, true,  1, 8,  1, 24},
+        {2,  true,  1, 12, 1, 12},
+        {8,  false, 1, 0,  1, 0 },
+        {48, true,  1, 8,  2, 8 }, // bits that one accepts and that name no flag
+        {64, true,  2, 8,  2, 8 },
+        {0,  true,  2, 8,  2, 8 },
+    };
+    DebugHandle_t handle = Open("A");
+    for (const auto& c : kCases) {
+        handle->Flags = 8;
+        EXPECT_EQ(DebugSetFlag(handle, c.which, c.on), c.oneStatus) << c.which;
+        EXPECT_EQ(handle->Flags, c.one) << c.which;
+        handle->Flags = 8;
+        EXPECT_EQ(DebugSetAllFlags(c.which, c.on), c.allStatus) << c.which;
+        EXPECT_EQ(handle->Flags, c.all) << c.which;
+    }
+}
+
+TEST_F(ClDebug, DumpShowsGroupsOfEight) {
+    DebugHandle_t handle = Open("A");
+    handle->TraceFormat = kFormatFunction | kFormatLine;
+    handle->TraceMask = kParams;
+    const uint8_t data[] = {0x00, 0x01, 0x7F, 0x80, 0xFF, 0x10, 0x20, 0x30, 0xAB, 0xCD};
+    EXPECT_EQ(DebugDumpValues(handle, kParams, data, sizeof data, "file", "Fun", 3), kSuccess);
+    char first[19], second[19];
+    std::snprintf(first, sizeof first, "0x%016" PRIxPTR, reinterpret_cast<uintptr_t>(data));
+    std::snprintf(second, sizeof second, "0x%016" PRIxPTR, reinterpret_cast<uintptr_t>(data) + 8);
+    EXPECT_EQ(Printed(), "\n Fn: Ln:0 " + std::string(29, ' ') +
+                             "--------------------Values------------------"
+                             "\n Fn:Fun Ln:3  Pos  " +
+                             first +
+                             ":  0x00 0x01 0x7f 0x80 0xff 0x10 0x20 0x30 "
+                             "\n Fn:Fun Ln:3  Pos  " +
+                             second + ":  0xab 0xcd       ");
+
+    EXPECT_EQ(DebugDumpValues(handle, kParams, nullptr, 1, "", "", 0), kNullPointer);
+    EXPECT_EQ(DebugDumpValues(nullptr, kParams, data, 1, "", "", 0), kNullPointer);
+    EXPECT_EQ(Printed(), "");
+}
+
+TEST_F(ClDebug, TheMacroWorksAsOneStatement) {
+    DebugHandle_t handle = Open("A"), none = nullptr;
+    handle->TraceFormat = kFormatFunction;
+    handle->TraceMask = kEntry;
+    for (DebugHandle_t each : {handle, none})
+        if (each == handle)
+            QUORLIN_TRACE(each, "file", "Fun", kEntry, "%d", 1);
+        else
+            QUORLIN_TRACE(each, "file", "Fun", kEntry, "%d", 2);
+    EXPECT_EQ(Printed(), "\n Fn:Fun 1");
+}

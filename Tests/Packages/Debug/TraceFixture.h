@@ -1,0 +1,81 @@
+// A process that has not traced yet, in an empty working folder of its own, and what a handle prints.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "Packages/Debug/DebugInternal.h"
+
+class ClTraceTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        home_ = std::filesystem::current_path();
+        const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
+        folder_ = std::filesystem::temp_directory_path() /
+                  (std::string("quorlin-") + test->test_suite_name() + "-" + test->name());
+        std::filesystem::remove_all(folder_);
+        std::filesystem::create_directory(folder_);
+        std::filesystem::current_path(folder_);
+        DebugResetForTest();
+        printed_.clear();
+    }
+
+    void TearDown() override {
+        CloseAll();
+        DebugResetForTest();
+        std::filesystem::current_path(home_);
+        std::filesystem::remove_all(folder_);
+    }
+
+    // Opens a handle that prints into Printed(). Null when it could not be opened.
+    DebugHandle_t Open(const char* name) {
+        DebugHandle_t handle = nullptr;
+        if (DebugLibInit(name, &handle) != kSuccess) return nullptr;
+        handle->ConsoleFunction = Print;
+        open_.push_back(handle);
+        return handle;
+    }
+
+    void CloseAll() {
+        for (DebugHandle_t handle : open_) EXPECT_EQ(DebugLibExit(handle), kSuccess);
+        open_.clear();
+    }
+
+    // What was printed since the last call.
+    static std::string Printed() { return std::exchange(printed_, {}); }
+
+    // A configuration file that any process may obey.
+    static void WriteConfig(const std::string& text) {
+        WriteFile("debug.conf", text);
+        using std::filesystem::perms;
+        std::filesystem::permissions("debug.conf", perms::owner_read | perms::owner_write);
+    }
+
+    static void WriteFile(const char* path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
+
+    static std::string ReadFile(const char* path) {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    static int Print(const char* format, ...) {
+        char text[1024];
+        va_list arguments;
+        va_start(arguments, format);
+        const int length = std::vsnprintf(text, sizeof text, format, arguments);
+        va_end(arguments);
+        printed_ += text;
+        return length;
+    }
+
+  private:
+    inline static std::string printed_;
+    std::filesystem::path home_, folder_;
+    std::vector<DebugHandle_t> open_;
+};

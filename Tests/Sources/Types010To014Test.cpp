@@ -1,0 +1,197 @@
+// The decoders of types 10 to 14, whose items depend on how much a structure holds.
+#include <gtest/gtest.h>
+
+#include "Sources/Decoders.h"
+#include "Tests/Support/Enumerations.h"
+
+namespace {
+
+TEST(Type10, ShowsAsManyEntriesAsItHolds) {
+    const auto devices = ClStructureBuilder(10, 9).Bytes(4, {0x83, 1, 0x03, 0, 0x8F}).Strings({"Display"});
+    EXPECT_EQ(Decode(devices).Lines(),
+              "On Board Devices Information {Type 10}#GROUPNAME=\nType=10\nLength=9\nHandle=16\n"
+              "Device Type=Enabled, Video\nDescription String=Display\n"
+              "Device Type=Disabled, Video\nDescription String=None\n");
+    const struct {
+        uint8_t length;
+        size_t items;
+    } kLengths[] = {
+        {4,   4          },
+        {5,   4          },
+        {6,   6          },
+        {7,   6          },
+        {0,   4          },
+        {255, 4 + 2 * 125}
+    };
+    for (const auto& c : kLengths) {
+        ClStructureBuilder structure(10, c.length);
+        EXPECT_EQ(Decode(structure).Count(), c.items) << int{c.length};
+    }
+}
+
+TEST(Type10, Enumerations) {
+    const Run_t run = {
+        1,
+        {"Other", "Unknown", "Video", "SCSI Controller", "Ethernet", "Token Ring", "Sound", "PATA Controller",
+          "SATA Controller", "SAS Controller"}
+    };
+    const std::vector<std::string> types = TextsOfRuns({run}, 128, "Error: Invalid Type");
+    for (uint32_t value = 0; value < 256; value++) {
+        const std::string status = value < 128 ? "Disabled, " : "Enabled, ";
+        EXPECT_EQ(Decode(ClStructureBuilder(10, 6).Byte(4, static_cast<uint8_t>(value))).Text("Device Type"),
+                  status + types[value % 128]);
+    }
+}
+
+TEST(Types11And12, ListTheirStrings) {
+    EXPECT_EQ(Decode(ClStructureBuilder(11, 5).Byte(4, 3).Strings({"one", "two"})).Lines(),
+              "OEM Strings {Type 11}#GROUPNAME=\nType=11\nLength=5\nHandle=16\nNumber of OEM Strings=3\n"
+              "OEM String=one\nOEM String=two\nOEM String=(no such string)\n");
+    EXPECT_EQ(Decode(ClStructureBuilder(12, 5).Byte(4, 1).Strings({"JP2: clear"})).Lines(),
+              "System Configuration Options {Type 12}#GROUPNAME=\nType=12\nLength=5\nHandle=16\n"
+              "Number of System Configuration Options Strings=1\n"
+              "System Configuration Options String=JP2: clear\n");
+    EXPECT_EQ(Decode(ClStructureBuilder(11, 5)).Count(), 5u);
+    EXPECT_EQ(Decode(ClStructureBuilder(12, 5).Byte(4, 2)).Texts("System Configuration Options String"),
+              (std::vector<std::string>{"(null string)", "(null string)"}));
+    // All 255 strings of a full structure.
+    EXPECT_EQ(Decode(ClStructureBuilder(11, 5).Byte(4, 255).Strings({"one"})).Texts("OEM String").size(), 255u);
+}
+
+ClStructureBuilder Languages(uint8_t count, uint8_t current) {
+    return ClStructureBuilder(13, 0x16).Bytes(4, {count, 1}).Byte(0x15, current);
+}
+
+TEST(Type13, ShowsEveryField) {
+    EXPECT_EQ(Decode(Languages(2, 2).Strings({"EN|GB|iso8859-1", "frCA"})).Lines(),
+              "BIOS Language Information {Type 13}#GROUPNAME=\nType=13\nLength=22\nHandle=16\n"
+              "Current Language=frca (French, Canada)\nFlags=01h\nNumber of Installable Languages=2\n"
+              "Language=en|gb|iso8859-1 (English, United Kingdom)\nLanguage=frca (French, Canada)\n");
+}
+
+TEST(Type13, TellsWhenTheCurrentLanguageIsNone) {
+    const struct {
+        uint8_t count, current;
+        const char *text, *language;
+    } kCases[] = {
+        {1, 0, "(Invalid Current Language)", "enus (English, United States)"},
+        {1, 2, "(Invalid Current Language)", "enus (English, United States)"},
+        {0, 1, "(Invalid Current Language)", "(no such item)"               },
+        {2, 2, "(Language(s) not set)",      "enus (English, United States)"},
+    };
+    for (const auto& c : kCases) {
+        const ClItems items = Decode(Languages(c.count, c.current).Strings({"enus"}));
+        EXPECT_EQ(items.Text("Current Language"), c.text);
+        EXPECT_EQ(items.Text("Language"), c.language);
+    }
+    const ClItems empty = Decode(Languages(1, 1));
+    EXPECT_EQ(empty.Text("Current Language"), "(Language(s) not set)");
+    EXPECT_EQ(empty.Text("Language"), " (Language(s) not set)");
+    EXPECT_EQ(Decode(Languages(1, 1).Strings({"(odd)"})).Text("Language"), " (Language(s) not set)");
+}
+
+TEST(Type13, ShowsFlagsFromVersion21On) {
+    const struct {
+        uint8_t major, minor;
+        const char* text;
+    } kCases[] = {
+        {1, 9, "None"},
+        {2, 0, "None"},
+        {2, 1, "01h" },
+        {2, 7, "01h" },
+        {3, 0, "01h" }
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(Decode(Languages(0, 0), {.major = c.major, .minor = c.minor}).Text("Flags"), c.text);
+}
+
+TEST(Type13, NamesLanguagesByTheirCountry) {
+    const struct {
+        const char *language, *name;
+    } kCases[] = {
+        {"en|us|iso8859-1", "English, United States" },
+        {"xx|us",           "English, United States" },
+        {"engb",            "English, United Kingdom"},
+        {"svse",            "Swedish, Sweden"        },
+        {"fi|fi",           "Finnish, Finland"       },
+        {"eses",            "Spanish, Spain"         },
+        {"pt|pt",           "Portuguese, Portugal"   },
+        {"nono",            "Norwegian, Norway"      },
+        {"nl|nl",           "Dutch, Netherlands"     },
+        {"itit",            "Italian, Italy"         },
+        {"de|gr",           "German, Germany"        },
+        {"frfr",            "French, France"         },
+        {"da|dk",           "Dannish, Denmark"       },
+        {"fr|ca|iso8859-1", "French, Canada"         },
+        {"frca",            "French, Canada"         },
+        {"enca",            "English, Canada"        },
+        {"fr|be",           "French, Belgium"        },
+        {"frbe",            "French, Belgium"        },
+        {"nl|be",           "Dutch, Belgium"         },
+        {"esla",            "Spanish, Latin"         },
+        {"en|au",           "English, Australia"     },
+        {"fr|ch",           "French, Switzerland"    },
+        {"frch",            "French, Switzerland"    },
+        {"de|ch",           "German, Switzerland"    },
+        {"ptbr",            "Spanish, Brazil"        },
+        {"trtr",            "Turkish, Turkey"        },
+        {"ja|jp|unicode",   "Japanese, Japan"        },
+        {"de|de|iso8859-1", "Unknown Language"       },
+        {"us",              "Unknown Language"       },
+        {"en|u",            "Unknown Language"       },
+        {"enu",             "Unknown Language"       },
+        {"",                "Unknown Language"       },
+        {nullptr,           "Unknown Language"       },
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(ClSMBIOSType13::GetLanguageName(c.language), c.name) << (c.language == nullptr ? "null" : c.language);
+}
+
+// A firmware version structure of two entries.
+ClStructureBuilder Versions(uint8_t type, uint8_t count = 2) {
+    return ClStructureBuilder(type, 0x13)
+        .Byte(0x04, count)
+        .Bytes(0x05, {0, 1, 1, 2, 3, 0x04, 0x00})
+        .Bytes(0x0C, {0, 2, 0x0A, 0xFF, 0, 0xCD, 0xAB});
+}
+
+// A group of members of these types.
+ClStructureBuilder GroupOf(std::initializer_list<uint8_t> types) {
+    ClStructureBuilder group(14, static_cast<uint8_t>(5 + 3 * types.size()));
+    size_t offset = 5;
+    for (const uint8_t type : types) group.Byte(offset, type), offset += 3;
+    return group.Strings({"Group name"});
+}
+
+constexpr const char* kTitle = "Group Associations {Type 14}#GROUPNAME=\n";
+
+// Expects these lines below the title for a table of this group and this structure.
+void ExpectGroup(const char* what, const ClStructureBuilder& group, const ClStructureBuilder& member,
+                 const std::string& lines) {
+    EXPECT_EQ(Decode({group, member}).Lines(), kTitle + lines) << what;
+}
+
+TEST(Type14, ShowsTheVersionsOfItsMembers) {
+    const ClStructureBuilder group = GroupOf({221});
+    const std::string first = "BIOS= 01.02.03.0004\n", both = first + "EC= 0a.ff.00.abcd\n";
+    ExpectGroup("names in order", group, Versions(221).Strings({"BIOS", "EC"}), both);
+    ExpectGroup("a disabled name leaves its entry", group, Versions(221).Strings({"BIOS", "Disabled", "EC"}), both);
+    ExpectGroup("fewer names than entries", group, Versions(221).Strings({"BIOS", "Disabled"}), first);
+    ExpectGroup("no names", group, Versions(221), "(null string)= 01.02.03.0004\n(null string)= 0a.ff.00.abcd\n");
+    ExpectGroup("no entries", group, Versions(221, 0).Strings({"BIOS"}), "");
+    ExpectGroup("more entries than it holds", group, Versions(221, 255).Strings({"BIOS", "EC", "ME"}), both);
+    ExpectGroup("no room for a count", GroupOf({11}), ClStructureBuilder(11, 4).Strings({"a"}), "");
+    ExpectGroup("the first type that is present", GroupOf({200, 221, 221}), Versions(221, 1).Strings({"BIOS"}), first);
+    ExpectGroup("no type that is present", GroupOf({200}), Versions(221), "");
+    ExpectGroup("no room for a member", ClStructureBuilder(14, 4), Versions(221), "");
+    ExpectGroup("a parsed record", GroupOf({0}), Versions(0).Strings({"BIOS", "EC"}), both);
+    ExpectGroup("the group itself", GroupOf({14}).Byte(0x04, 1), Versions(221), "");
+}
+
+TEST(Type14, TitlesTheFirstGroupAndShowsTheMembersOfAll) {
+    const auto first = Versions(221, 1).Strings({"one"}), second = Versions(221, 1).Strings({"two"});
+    const std::string members = "one= 01.02.03.0004\ntwo= 01.02.03.0004\n";
+    EXPECT_EQ(Decode({GroupOf({221}), first, GroupOf({221}), second}).Lines(), kTitle + members + members);
+}
+
+}  // namespace
