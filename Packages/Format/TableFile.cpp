@@ -118,9 +118,7 @@ Counts_t CountStructures(std::span<const uint8_t> table) {
 
 }  // namespace
 
-std::string_view NameOfForm(TableForm_t form) {
-    return std::ranges::find(kFormNames, form, &FormName_t::form)->name;
-}
+std::string_view NameOfForm(TableForm_t form) { return std::ranges::find(kFormNames, form, &FormName_t::form)->name; }
 
 bool FormByName(std::string_view name, TableForm_t* form) {
     const auto* row = std::ranges::find(kFormNames, name, &FormName_t::name);

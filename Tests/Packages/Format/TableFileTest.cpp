@@ -10,6 +10,7 @@
 namespace {
 
 using Bytes_t = std::vector<uint8_t>;
+using enum TableForm_t;
 
 const Bytes_t kTable = TableOf({ClStructureBuilder(1, 0x1B), ClStructureBuilder(126, 4).Strings({"a"})});
 
@@ -21,13 +22,17 @@ Bytes_t With(Bytes_t bytes, size_t more) {
 // The system's answer, whose head states `length` for the bytes behind it.
 Bytes_t Answer(uint8_t method, uint8_t major, uint32_t length, const Bytes_t& behind) {
     Bytes_t answer = {method, major, 4, 0, static_cast<uint8_t>(length), static_cast<uint8_t>(length >> 8), 0, 0};
-    answer.insert(answer.end(), behind.begin(), behind.end());
+    for (const uint8_t byte : behind) answer.push_back(byte);
     return answer;
 }
 
 const Bytes_t kNothing, kCutPoint = {'_', 'S', 'M', '_', 0};
 
 const auto kSize = static_cast<uint32_t>(kTable.size());
+const Bytes_t kDump32 = DumpOf(kTable, 3, 2, 32), kAnswer = Answer(0, 3, kSize, kTable),
+              kLongAnswer = Answer(1, 2, kSize, With(kTable, 1)), kCutAnswer = Answer(0, 2, kSize + 7, kTable),
+              kOddAnswer = Answer(7, 9, 2, Bytes_t(2)), kHeadAlone = Answer(0, 3, 100, kNothing),
+              kPointAlone = DumpOf(kNothing, 3, 0, 32), kText = Bytes_t(500, 'a'), kNoise = Bytes_t(9, 0xAA);
 
 TEST(TableFile, RecognisesAFormByItsContent) {
     const struct {
@@ -37,13 +42,13 @@ TEST(TableFile, RecognisesAFormByItsContent) {
         uint8_t major;
         uint32_t missing;
     } kCases[] = {
-        {"bare",           kTable,                                      TableForm_t::kAny,           TableForm_t::kBareTable,     0, 0},
-        {"dump, _SM3_",    DumpOf(kTable, 3, 2, 32),                    TableForm_t::kAny,           TableForm_t::kDump,          3, 0},
-        {"answer",         Answer(0, 3, kSize, kTable),     TableForm_t::kAny,           TableForm_t::kWindowsAnswer, 3, 0},
-        {"answer, longer", Answer(1, 2, kSize, With(kTable, 1)), TableForm_t::kAny,          TableForm_t::kWindowsAnswer, 2, 0},
-        {"answer, cut",    Answer(0, 2, kSize + 7, kTable), TableForm_t::kAny,           TableForm_t::kWindowsAnswer, 2, 7},
-        {"forced table",   Bytes_t(9, 0xAA),                            TableForm_t::kBareTable,     TableForm_t::kBareTable,     0, 0},
-        {"forced answer",  Answer(7, 9, 2, Bytes_t(2)),         TableForm_t::kWindowsAnswer, TableForm_t::kWindowsAnswer, 9, 0},
+        {"bare",           kTable,      kAny,           kBareTable,     0, 0},
+        {"dump, _SM3_",    kDump32,     kAny,           kDump,          3, 0},
+        {"answer",         kAnswer,     kAny,           kWindowsAnswer, 3, 0},
+        {"answer, longer", kLongAnswer, kAny,           kWindowsAnswer, 2, 0},
+        {"answer, cut",    kCutAnswer,  kAny,           kWindowsAnswer, 2, 7},
+        {"forced table",   kNoise,      kBareTable,     kBareTable,     0, 0},
+        {"forced answer",  kOddAnswer,  kWindowsAnswer, kWindowsAnswer, 9, 0},
     };
     for (const auto& c : kCases) {
         const TableFound_t found = FindTable(c.bytes, c.as);
@@ -51,7 +56,7 @@ TEST(TableFile, RecognisesAFormByItsContent) {
         EXPECT_EQ(found.form, c.form) << c.what;
         EXPECT_EQ(found.major, c.major) << c.what;
         EXPECT_EQ(found.missing, c.missing) << c.what;
-        if (c.as == TableForm_t::kAny) {
+        if (c.as == kAny) {
             EXPECT_EQ(Bytes_t(found.table.begin(), found.table.end()), kTable) << c.what;
         }
     }
@@ -63,14 +68,14 @@ TEST(TableFile, RefusesWhatIsNone) {
         TableForm_t as;
         const char* says;
     } kCases[] = {
-        {kNothing,                        TableForm_t::kBareTable,     "empty"      },
-        {Bytes_t(500, 'a'),         TableForm_t::kAny,           "not a table"},
-        {Answer(0, 3, 100, kNothing),     TableForm_t::kAny,           "not a table"},
-        {Answer(0, 3, 100, kNothing),     TableForm_t::kWindowsAnswer, "truncated"  },
-        {kTable,                    TableForm_t::kDump,          "entry point"},
-        {kTable,                    TableForm_t::kFolder,        "folder"     },
-        {kCutPoint,   TableForm_t::kAny,           "truncated"  },
-        {DumpOf(kNothing, 3, 0, 32),      TableForm_t::kAny,           "truncated"  },
+        {kNothing,    kBareTable,     "empty"      },
+        {kText,       kAny,           "not a table"},
+        {kHeadAlone,  kAny,           "not a table"},
+        {kHeadAlone,  kWindowsAnswer, "truncated"  },
+        {kTable,      kDump,          "entry point"},
+        {kTable,      kFolder,        "folder"     },
+        {kCutPoint,   kAny,           "truncated"  },
+        {kPointAlone, kAny,           "truncated"  },
     };
     for (const auto& c : kCases) {
         const TableFound_t found = FindTable(c.bytes, c.as);
@@ -84,7 +89,7 @@ TEST(TableFile, AFolderHoldsEntryPointAndTable) {
     point.resize(31);
     const TableFound_t found = FindTableInFolder(point, kTable);
     EXPECT_EQ(found.status, kSuccess);
-    EXPECT_EQ(found.form, TableForm_t::kFolder);
+    EXPECT_EQ(found.form, kFolder);
     EXPECT_EQ(found.major, 2);
     EXPECT_EQ(found.table.size(), kTable.size());
     EXPECT_EQ(FindTableInFolder(kTable, kTable).status, kFailure);
@@ -97,9 +102,9 @@ TEST(TableFile, ADumpHasAnEntryPointThatHolds) {
         uint8_t major, minor;
         bool is64;
     } kCases[] = {
-        {kTable,               2, 8,  false},
-        {kTable,               3, 4,  true },
-        {Bytes_t(0x10000, 1),  2, 7,  true },
+        {kTable, 2, 8,    false},
+        {               kTable,     3, 4, true     },
+        { Bytes_t(0x10000,     1),     2, 7,      true},
     };
     for (const auto& c : kCases) {
         const Bytes_t dump = MakeDump(c.table, c.major, c.minor);
@@ -109,7 +114,7 @@ TEST(TableFile, ADumpHasAnEntryPointThatHolds) {
         EXPECT_EQ(point.lengthIsBound, c.is64);
         EXPECT_EQ(point.tableAddress, kTableOffset);
         EXPECT_EQ(point.tableLength, c.table.size());
-        const TableFound_t found = FindTable(dump, TableForm_t::kAny);
+        const TableFound_t found = FindTable(dump, kAny);
         EXPECT_EQ(found.major, c.major);
         EXPECT_EQ(found.minor, c.minor);
         EXPECT_EQ(Bytes_t(found.table.begin(), found.table.end()), c.table);
