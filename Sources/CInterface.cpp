@@ -7,6 +7,7 @@
 
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/OS.h"
 #include "Packages/Platform/Platform.h"
 #include "Sources/Quorlin.h"
 #include "Sources/SMBIOSType.h"
@@ -41,9 +42,10 @@ std::mutex opening;
 
 constexpr uint8_t kUsualMajor = 3;
 
-// What quorlin_last_error tells: the problem, or the status where no more is known.
+// What quorlin_last_error tells: the problem, or the status where no more is known. Without a destructor, which would
+// keep the library from being unloaded until the thread ends.
 thread_local quorlin_status lastStatus = QUORLIN_OK;
-thread_local std::string lastProblem;
+thread_local char lastProblem[256] = "";
 
 // A package for as long as it takes to copy its items. What it changes in the process is as before afterwards: the
 // chosen machine, and the host's crash filter.
@@ -100,8 +102,11 @@ quorlin_status Open(quorlin_table** out, const Choose& choose) {
     return QUORLIN_OK;
 }
 
-quorlin_status OpenImage(quorlin_table** out, const Image_t& image) {
-    return Open(out, [&image] { SetImageMachine(&image.source); });
+// Opens an image that was read with this status, or keeps the problem.
+quorlin_status OpenImage(quorlin_table** out, status_t status, const Image_t& image, const std::string& problem) {
+    if (status == kSuccess) return Open(out, [&image] { SetImageMachine(&image.source); });
+    os_snprintf(lastProblem, sizeof lastProblem, sizeof lastProblem - 1, "%s", problem.c_str());
+    return QUORLIN_NO_IMAGE;
 }
 
 // What the options say of an image. 0.0 is the version of a caller who doesn't know.
@@ -129,7 +134,7 @@ quorlin_status Guarded(const Function& function) {
 // The common way of the functions that open: checks the arguments, then opens with the options given or none.
 template <class Function>
 quorlin_status Opening(bool hasArguments, const quorlin_options* given, const Function& open) {
-    lastProblem.clear();
+    lastProblem[0] = '\0';
     lastStatus = !hasArguments ? quorlin_status{QUORLIN_NULL_POINTER}
                  : given != nullptr && given->size != sizeof *given
                      ? quorlin_status{QUORLIN_BAD_VALUE}
@@ -155,9 +160,9 @@ quorlin_status quorlin_open_machine(const quorlin_options* options, quorlin_tabl
 quorlin_status quorlin_open_file(const char* path, const quorlin_options* options, quorlin_table** table) {
     return Opening(path != nullptr && table != nullptr, options, [&](const quorlin_options& wanted) {
         Image_t image = ImageWith(wanted);
-        if (ReadImage(path, TableForm_t::kAny, &image, &lastProblem) != kSuccess)
-            return quorlin_status{QUORLIN_NO_IMAGE};
-        return OpenImage(table, image);
+        std::string problem;
+        const status_t status = ReadImage(path, TableForm_t::kAny, &image, &problem);
+        return OpenImage(table, status, image, problem);
     });
 }
 
@@ -166,9 +171,9 @@ quorlin_status quorlin_open_memory(const void* bytes, size_t size, const quorlin
     return Opening(bytes != nullptr && table != nullptr, options, [&](const quorlin_options& wanted) {
         Image_t image = ImageWith(wanted);
         const auto* begin = static_cast<const uint8_t*>(bytes);
-        if (ImageFromBytes({begin, begin + size}, TableForm_t::kAny, &image, &lastProblem) != kSuccess)
-            return quorlin_status{QUORLIN_NO_IMAGE};
-        return OpenImage(table, image);
+        std::string problem;
+        const status_t status = ImageFromBytes({begin, begin + size}, TableForm_t::kAny, &image, &problem);
+        return OpenImage(table, status, image, problem);
     });
 }
 
@@ -235,7 +240,7 @@ const char* quorlin_status_text(quorlin_status status) {
 
 const char* quorlin_last_error() {
     if (lastStatus == QUORLIN_OK) return "";
-    return lastProblem.empty() ? quorlin_status_text(lastStatus) : lastProblem.c_str();
+    return lastProblem[0] == '\0' ? quorlin_status_text(lastStatus) : lastProblem;
 }
 
 const char* quorlin_version() {
