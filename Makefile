@@ -13,7 +13,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test asan windows install deb zip bench format lint clean
+.PHONY: build run test asan windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -60,6 +60,12 @@ bench:
 	@cmake --preset bench >/dev/null
 	@cmake --build --preset bench
 	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json
+
+# Each fuzzer for a minute.
+fuzz:
+	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz --target fuzz
 
 format:
 	@$(INSTALL) $(STYLE_PACKAGES)

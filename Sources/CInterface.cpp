@@ -3,6 +3,7 @@
 #include <mutex>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
@@ -67,10 +68,10 @@ class ClPackageInUse {
     Quorlin m_package{Quorlin::kSweep};
 };
 
-uint32_t KindOf(const ItemPair& item) {
+uint32_t KindOf(std::string_view key, std::string_view value) {
     // A group item of a setting carries a value and is an item.
-    if (!item.key.ends_with(kGroupMark) || !item.value.empty()) return QUORLIN_ITEM;
-    return item.key.find("{Type ") != item.key.npos ? QUORLIN_STRUCTURE : QUORLIN_GROUP;
+    if (!key.ends_with(kGroupMark) || !value.empty()) return QUORLIN_ITEM;
+    return key.find(" {Type ") != key.npos ? QUORLIN_STRUCTURE : QUORLIN_GROUP;
 }
 
 void CopyItems(ClPackageInUse& package, quorlin_table* table) {
@@ -78,13 +79,16 @@ void CopyItems(ClPackageInUse& package, quorlin_table* table) {
     if (LibSMBIOSInit(entry) == kSuccess) LibSMBIOSExit();
     table->major = entry[6];
     table->minor = entry[7];
+    const uint32_t count = package->GetItemCount();
+    table->items.reserve(count);
     uint32_t structure = 0;
-    for (uint32_t index = 0; const ItemPair* item = package->ItemAt(index); index++) {
-        const uint32_t kind = KindOf(*item);
+    for (uint32_t index = 0; index < count; index++) {
+        const ItemPair& item = package->Item(index);
+        std::string_view key = item.key.View();
+        const uint32_t kind = KindOf(key, item.value.View());
         if (kind == QUORLIN_STRUCTURE) structure = index;
-        std::string key = item->key;
-        if (key.ends_with(kGroupMark)) key.resize(key.size() - kGroupMark.size());
-        table->items.push_back({std::move(key), item->value, structure, kind});
+        if (key.ends_with(kGroupMark)) key.remove_suffix(kGroupMark.size());
+        table->items.push_back({std::string(key), item.value.String(), structure, kind});
     }
 }
 

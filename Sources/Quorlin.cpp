@@ -1,6 +1,7 @@
 // The package: set-up and tear-down, the sweep, and the items that a host reads.
 #include "Sources/Quorlin.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -80,21 +81,34 @@ status_t Quorlin::GetItemByName(std::string name) {
     return kBadValue;
 }
 
+void Quorlin::AppendLine(const ItemPair& item, std::string& text) {
+    constexpr std::string_view kMiddle = "\", \"";
+    const std::string_view key = item.key.View();
+    std::string_view value = item.value.View();
+    if (value == " ") value = {};
+    const size_t begin = text.size();
+    text.resize(begin + key.size() + value.size() + kMiddle.size() + 2);
+    char* place = text.data() + begin;
+    *place++ = '"';
+    place = std::copy_n(key.data(), key.size(), place);
+    place = std::copy_n(kMiddle.data(), kMiddle.size(), place);
+    if (value.find('"') == value.npos) {
+        place = std::copy_n(value.data(), value.size(), place);
+        *place = '"';
+    } else {
+        place = std::remove_copy(value.begin(), value.end(), place, '"');
+        *place++ = '"';
+        text.resize(static_cast<size_t>(place - text.data()));
+    }
+}
+
 status_t Quorlin::GetNextItem(std::string& text) {
     if (m_cursor >= m_items.size()) {
         TRACE("GetNextItem", kInfo, "\nNo more items");
         return kFailure;
     }
-    const ItemPair& item = *m_items[m_cursor];
     text.clear();
-    text.append("\"").append(item.key).append("\", \"");
-    if (item.value != " ") {
-        const size_t begin = text.size();
-        text += item.value;
-        if (item.value.find('"') != item.value.npos)
-            text.erase(std::remove(text.begin() + static_cast<ptrdiff_t>(begin), text.end(), '"'), text.end());
-    }
-    text += '"';
+    AppendLine(*m_items[m_cursor], text);
     m_cursor++;
     return kSuccess;
 }
@@ -107,10 +121,15 @@ status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
     return status;
 }
 
+bool Quorlin::IsSwept(uint8_t type) {
+    return std::ranges::any_of(kSweptTypes,
+                               [type](const TypeRange_t& range) { return type >= range.first && type <= range.last; });
+}
+
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }
 
 std::string Quorlin::GetItemValue(uint32_t index) {
-    return index < m_items.size() ? m_items[index]->value : std::string();
+    return index < m_items.size() ? m_items[index]->value.String() : std::string();
 }
 
 // One step: all structures of a type through one decoder, which lives for this step only.

@@ -63,8 +63,13 @@ class Quorlin : public BaseAbstraction {
     // The value of an item as decoded, or empty text behind the last one.
     virtual std::string GetItemValue(uint32_t index);
 
-    // An item as decoded, or null behind the last one. It lives until UnInitialize.
-    const ItemPair* ItemAt(uint32_t index) const { return index < m_items.size() ? m_items[index] : nullptr; }
+    // Whether a sweep takes this type.
+    static bool IsSwept(uint8_t type);
+    // Appends an item to `text` as GetNextItem gives it.
+    static void AppendLine(const ItemPair& item, std::string& text);
+    // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
+    // GetItemCount.
+    const ItemPair& Item(uint32_t index) const { return *m_items[index]; }
 
   private:
     status_t DecodeType(uint8_t type);

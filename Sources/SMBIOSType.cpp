@@ -146,57 +146,61 @@ std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t
     return text;
 }
 
-std::string ShowDec8(const Field_t& field) { return std::to_string(field.Byte()); }
-std::string ShowDec16(const Field_t& field) { return std::to_string(field.Word()); }
-std::string ShowDec32(const Field_t& field) { return std::to_string(field.Dword()); }
-std::string ShowHex8(const Field_t& field) { return HexText(field.Byte(), field.row.rendering.number); }
-std::string ShowHex16(const Field_t& field) { return HexText(field.Word(), field.row.rendering.number); }
-std::string ShowHex32(const Field_t& field) { return HexText(field.Dword(), field.row.rendering.number); }
-std::string ShowHex64(const Field_t& field) { return HexText(field.Qword(), field.row.rendering.number); }
+ClText ShowDec8(const Field_t& field) { return std::to_string(field.Byte()); }
+ClText ShowDec16(const Field_t& field) { return std::to_string(field.Word()); }
+ClText ShowDec32(const Field_t& field) { return std::to_string(field.Dword()); }
+ClText ShowHex8(const Field_t& field) { return HexText(field.Byte(), field.row.rendering.number); }
+ClText ShowHex16(const Field_t& field) { return HexText(field.Word(), field.row.rendering.number); }
+ClText ShowHex32(const Field_t& field) { return HexText(field.Dword(), field.row.rendering.number); }
+ClText ShowHex64(const Field_t& field) { return HexText(field.Qword(), field.row.rendering.number); }
 
-std::string ShowString(const Field_t& field) { return StringOf(field.structure.Data(), field.Byte()); }
+ClText ShowString(const Field_t& field) { return StringOf(field.structure.Data(), field.Byte()); }
 
-std::string ShowStringOrNone(const Field_t& field) {
+ClText ShowStringOrNone(const Field_t& field) {
     const uint8_t number = field.Byte();
     return number == 0 ? "None" : StringOf(field.structure.Data(), number);
 }
 
-std::string ShowNumberedString(const Field_t& field) {
-    return StringOf(field.structure.Data(), field.row.rendering.number);
-}
+ClText ShowNumberedString(const Field_t& field) { return StringOf(field.structure.Data(), field.row.rendering.number); }
 
-std::string ShowEnum8(const Field_t& field) {
+ClText ShowEnum8(const Field_t& field) {
     const Rendering_t& rendering = field.row.rendering;
-    return std::string(TextOf(rendering.table, field.Byte(), rendering.text));
+    return TextOf(rendering.table, field.Byte(), rendering.text);
 }
 
-std::string ShowYesNo8(const Field_t& field) {
-    return (field.Byte() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
-}
+ClText ShowYesNo8(const Field_t& field) { return (field.Byte() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No"; }
 
-std::string ShowYesNo32(const Field_t& field) {
+ClText ShowYesNo32(const Field_t& field) {
     return (field.Dword() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
 }
 
-std::string ShowDec16WithUnit(const Field_t& field) {
-    return std::to_string(field.Word()).append(field.row.rendering.text);
+ClText ShowDec16WithUnit(const Field_t& field) { return std::to_string(field.Word()).append(field.row.rendering.text); }
+
+ClText ShowDec16AndHex(const Field_t& field) {
+    const uint16_t value = field.Word();
+    return std::to_string(value).append(" (").append(HexText(value, field.row.rendering.number)).append(")");
 }
 
-std::string ShowDec16AndHex(const Field_t& field) {
-    return ShowDec16(field).append(" (").append(ShowHex16(field)).append(")");
+ClText ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeString(field.Byte()); }
+ClText ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
+ClText ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
+
+static ClText BitText(const Field_t& field, uint32_t value) {
+    const Rendering_t& rendering = field.row.rendering;
+    return TextOf(rendering.table, value >> rendering.number & 1, {});
 }
 
-std::string ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeString(field.Byte()); }
-std::string ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
-std::string ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
+ClText ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
+ClText ShowBit16(const Field_t& field) { return BitText(field, field.Word()); }
+ClText ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
 
 ClSMBIOSType::~ClSMBIOSType() {
     for (ItemPair* item : m_items) delete item;
 }
 
-void ClSMBIOSType::Fill_String_Data(std::string key, std::string value, uint8_t group) {
+void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
     try {
-        if (group != 0) key += kGroupMark;
+        if (group != 0) key = key.String().append(kGroupMark);
         std::unique_ptr<ItemPair> item(new ItemPair{std::move(key), std::move(value)});
         m_items.push_back(item.get());
         item.release();
@@ -233,20 +237,20 @@ std::string ClSMBIOSType::GetHexString(uint32_t value, uint8_t width) { return H
 
 const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) { return StringOf(pData, strNum); }
 
-std::string ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
-    return std::string(TextOf(kErrorGranularities, code, "Error: Invalid Granularity"));
+std::string_view ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
+    return TextOf(kErrorGranularities, code, "Error: Invalid Granularity");
 }
 
-std::string ClSMBIOSType::GetErrorOperationString(uint8_t code) {
-    return std::string(TextOf(kErrorOperations, code, "Error: Invalid Operation"));
+std::string_view ClSMBIOSType::GetErrorOperationString(uint8_t code) {
+    return TextOf(kErrorOperations, code, "Error: Invalid Operation");
 }
 
-std::string ClSMBIOSType::GetErrorTypeString(uint8_t code) {
-    return std::string(TextOf(kErrorTypes, code, "Error: Invalid Type"));
+std::string_view ClSMBIOSType::GetErrorTypeString(uint8_t code) {
+    return TextOf(kErrorTypes, code, "Error: Invalid Type");
 }
 
-std::string ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
-    return std::string(TextOf(kOnboardDeviceTypes, code & 0x7F, "Error: Invalid Type"));
+std::string_view ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
+    return TextOf(kOnboardDeviceTypes, code & 0x7F, "Error: Invalid Type");
 }
 
 bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
@@ -277,9 +281,9 @@ void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure
     for (const ItemRow_t& row : rows) {
         try {
             if (row.rendering.render == nullptr)
-                Fill_String_Data(std::string(row.key), {}, 1);
+                Fill_String_Data(row.key, {}, 1);
             else
-                Fill_String_Data(std::string(row.key), row.rendering.render({structure, row, *this}), 0);
+                Fill_String_Data(row.key, row.rendering.render({structure, row, *this}), 0);
         } catch (const std::bad_alloc&) {
             TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
         }

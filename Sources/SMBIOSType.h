@@ -11,14 +11,61 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Packages/OS/Status.h"
 
+// The text of a key or a value: its own, or a view of text that outlives all items and needs no copy: a literal, a word
+// of a table, a string of a record (the store keeps its records as long as a package holds items).
+class ClText {
+  public:
+    ClText() = default;
+    ClText(std::string_view lasting) : m_data{lasting.data()}, m_size(static_cast<uint32_t>(lasting.size())) {}
+    ClText(const char* lasting) : ClText(std::string_view(lasting)) {}
+    template <size_t size>
+    ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: make it a std::string
+    ClText(const std::string& own) : m_size(static_cast<uint32_t>(own.size())), m_keep(Keep_t::kHere) {
+        char* place = m_data.here;
+        if (own.size() > sizeof m_data.here) {
+            m_data.elsewhere = place = new char[own.size()];
+            m_keep = Keep_t::kHeap;
+        }
+        std::memcpy(place, own.data(), own.size());
+    }
+    ClText(ClText&& other) noexcept : m_data(other.m_data), m_size(other.m_size), m_keep(other.m_keep) {
+        other.m_keep = Keep_t::kLasting;
+        other.m_size = 0;
+    }
+    ClText(const ClText& other) : ClText(other.m_keep == Keep_t::kLasting ? ClText(other.View()) : other.String()) {}
+    ClText& operator=(ClText other) noexcept {
+        std::swap(m_data, other.m_data);
+        std::swap(m_size, other.m_size);
+        std::swap(m_keep, other.m_keep);
+        return *this;
+    }
+    ~ClText() {
+        if (m_keep == Keep_t::kHeap) delete[] m_data.elsewhere;
+    }
+
+    std::string_view View() const { return {m_keep == Keep_t::kHere ? m_data.here : m_data.elsewhere, m_size}; }
+    std::string String() const { return std::string(View()); }
+    friend bool operator==(const ClText& text, std::string_view other) { return text.View() == other; }
+
+  private:
+    enum class Keep_t : uint8_t { kLasting, kHere, kHeap };
+    union {
+        const char* elsewhere = nullptr;
+        char here[24];  // enough for every number
+    } m_data;
+    uint32_t m_size = 0;
+    Keep_t m_keep = Keep_t::kLasting;
+};
+
 // One key and one value. A group item's key ends in kGroupMark and its value is empty.
 struct ItemPair {
-    std::string key;
-    std::string value;
+    ClText key;
+    ClText value;
 };
 
 inline constexpr std::string_view kGroupMark = "#GROUPNAME";
@@ -116,10 +163,10 @@ struct Field_t {
 };
 
 struct Rendering_t {
-    std::string (*render)(const Field_t& field);  // null: the row opens a sub-group
-    std::span<const CodeText_t> table = {};       // of an enumeration or a bit list
-    std::string_view text = {};                   // what else the rendering needs: an error word, a unit
-    uint32_t number = 0;                          // hexadecimal digits, or a bit's number
+    ClText (*render)(const Field_t& field);  // null: the row opens a sub-group
+    std::span<const CodeText_t> table = {};  // of an enumeration or a bit list
+    std::string_view text = {};              // what else the rendering needs: an error word, a unit
+    uint32_t number = 0;                     // hexadecimal digits, or a bit's number
 };
 
 struct ItemRow_t {
@@ -136,24 +183,27 @@ std::string PlainHex(uint64_t value);  // lowercase, no zeros in front, no "h"
 std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t count);
 
 // The renderings that decoders share. The number in a name is the field's width in bits.
-std::string ShowDec8(const Field_t& field);
-std::string ShowDec16(const Field_t& field);
-std::string ShowDec32(const Field_t& field);
-std::string ShowHex8(const Field_t& field);
-std::string ShowHex16(const Field_t& field);
-std::string ShowHex32(const Field_t& field);
-std::string ShowHex64(const Field_t& field);
-std::string ShowString(const Field_t& field);
-std::string ShowStringOrNone(const Field_t& field);
-std::string ShowNumberedString(const Field_t& field);
-std::string ShowEnum8(const Field_t& field);
-std::string ShowYesNo8(const Field_t& field);
-std::string ShowYesNo32(const Field_t& field);
-std::string ShowDec16WithUnit(const Field_t& field);
-std::string ShowDec16AndHex(const Field_t& field);
-std::string ShowErrorType(const Field_t& field);
-std::string ShowErrorGranularity(const Field_t& field);
-std::string ShowErrorOperation(const Field_t& field);
+ClText ShowDec8(const Field_t& field);
+ClText ShowDec16(const Field_t& field);
+ClText ShowDec32(const Field_t& field);
+ClText ShowHex8(const Field_t& field);
+ClText ShowHex16(const Field_t& field);
+ClText ShowHex32(const Field_t& field);
+ClText ShowHex64(const Field_t& field);
+ClText ShowString(const Field_t& field);
+ClText ShowStringOrNone(const Field_t& field);
+ClText ShowNumberedString(const Field_t& field);
+ClText ShowEnum8(const Field_t& field);
+ClText ShowYesNo8(const Field_t& field);
+ClText ShowYesNo32(const Field_t& field);
+ClText ShowDec16WithUnit(const Field_t& field);
+ClText ShowDec16AndHex(const Field_t& field);
+ClText ShowErrorType(const Field_t& field);
+ClText ShowErrorGranularity(const Field_t& field);
+ClText ShowErrorOperation(const Field_t& field);
+ClText ShowBit8(const Field_t& field);
+ClText ShowBit16(const Field_t& field);
+ClText ShowBit32(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
@@ -179,11 +229,15 @@ constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}
 // The three codes of the memory error structures.
 inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
     ErrorOperation{ShowErrorOperation};
+// One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
+constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
+constexpr Rendering_t Bit16(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit16, table, {}, bit}; }
+constexpr Rendering_t Bit32(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit32, table, {}, bit}; }
 // A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
 template <auto GetText>
-inline constexpr Rendering_t Text8{[](const Field_t& field) { return GetText(field.Byte()); }};
+inline constexpr Rendering_t Text8{[](const Field_t& field) -> ClText { return GetText(field.Byte()); }};
 template <auto GetText>
-inline constexpr Rendering_t Text16{[](const Field_t& field) { return GetText(field.Word()); }};
+inline constexpr Rendering_t Text16{[](const Field_t& field) -> ClText { return GetText(field.Word()); }};
 
 // Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
 class ClSMBIOSType {
@@ -206,14 +260,14 @@ class ClSMBIOSType {
     static std::string GetDecimalString(uint32_t value);
     static std::string GetHexString(uint32_t value, uint8_t width);
     static const char* GetString(uint32_t strNum, const uint8_t* pData);
-    static std::string GetErrorGranularityString(uint8_t code);
-    static std::string GetErrorOperationString(uint8_t code);
-    static std::string GetErrorTypeString(uint8_t code);
-    static std::string GetOnboardDeviceTypeString(uint8_t code);
+    static std::string_view GetErrorGranularityString(uint8_t code);
+    static std::string_view GetErrorOperationString(uint8_t code);
+    static std::string_view GetErrorTypeString(uint8_t code);
+    static std::string_view GetOnboardDeviceTypeString(uint8_t code);
 
   protected:
     // Adds one item; `group` not 0 makes it a group item. Without memory the item is dropped.
-    void Fill_String_Data(std::string key, std::string value, uint8_t group);
+    void Fill_String_Data(ClText key, ClText value, uint8_t group);
     // Counts the structure, and adds the group item: the title, with the count behind it from the second structure
     // on. Gives false, with a trace, for a null `pData`: the decoder then ends.
     bool PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace = "\npData is NULL");

@@ -10,14 +10,14 @@ const char* BiosString(const Field_t& field) {
     return ParsedString(field.structure.Data(), kBiosBytes, kBiosStrings, field.row.offset);
 }
 
-std::string ShowBiosString(const Field_t& field) {
+ClText ShowBiosString(const Field_t& field) {
     const char* text = BiosString(field);
     return text == nullptr ? "None" : text;
 }
 
-std::string ShowRomSize(const Field_t& field) { return std::to_string((field.Byte() + 1) * 64) + " KB"; }
+ClText ShowRomSize(const Field_t& field) { return std::to_string((field.Byte() + 1) * 64) + " KB"; }
 
-std::string ShowRelease(const Field_t& field) {
+ClText ShowRelease(const Field_t& field) {
     const uint8_t release = field.Byte();
     if (release == 255) return "255 (Not Supported)";
     return PlainHex(release) + "h (" + std::to_string(release) + ")";

@@ -17,13 +17,13 @@ constexpr CodeText_t kWakeUpTypes[] = {
 };
 static_assert(IsRising(kWakeUpTypes));
 
-std::string ShowSystemString(const Field_t& field) {
+ClText ShowSystemString(const Field_t& field) {
     const char* text = ParsedString(field.structure.Data(), kSystemBytes, kSystemStrings, field.row.offset);
     return field.Byte() == 0 || text == nullptr ? "None" : text;
 }
 
 // The bytes in the structure's order, none swapped.
-std::string ShowUuid(const Field_t& field) {
+ClText ShowUuid(const Field_t& field) {
     std::string text;
     for (size_t place = 0; place < 16; place++) {
         if (place != 0) text += ' ';

@@ -34,14 +34,12 @@ const char* BoardString(const Field_t& field) {
     return ParsedString(field.structure.Data(), kBaseboardBytes, kBaseboardStrings, field.row.offset);
 }
 
-std::string ShowBoardString(const Field_t& field) {
+ClText ShowBoardString(const Field_t& field) {
     const char* text = BoardString(field);
     return field.Byte() == 0 || text == nullptr ? "None" : text;
 }
 
-std::string ShowFeatures(const Field_t& field) {
-    return field.Byte() == 0 ? "None" : BitsText(kFeatures, field.Byte(), 8);
-}
+ClText ShowFeatures(const Field_t& field) { return field.Byte() == 0 ? "None" : BitsText(kFeatures, field.Byte(), 8); }
 
 constexpr Rendering_t BoardText{ShowBoardString}, Features{ShowFeatures},
     BoardType = Enum8(kBoardTypes, "Error: Invalid Type");

@@ -65,25 +65,25 @@ constexpr CodeText_t kSecurityStatuses[] = {
 };
 static_assert(IsRising(kSecurityStatuses));
 
-std::string ShowChassisType(const Field_t& field) {
+ClText ShowChassisType(const Field_t& field) {
     const uint8_t type = field.Byte();
     if (type == 0) return "None";
-    return std::string(TextOf(kChassisTypes, type & kTypeMask, "Error: Invalid Type"));
+    return TextOf(kChassisTypes, type & kTypeMask, "Error: Invalid Type");
 }
 
-std::string ShowLock(const Field_t& field) {
+ClText ShowLock(const Field_t& field) {
     const uint8_t type = field.Byte();
     if (type == 0) return "None";
     return (type & kLockPresent) != 0 ? "Present" : "Not Present or Unknown";
 }
 
 // Rack units of 1.75 inches, in centimetres.
-std::string ShowHeight(const Field_t& field) {
+ClText ShowHeight(const Field_t& field) {
     const uint8_t units = field.Byte();
     return units == 0 ? "Unspecified" : std::to_string(static_cast<int>(units * 4.445)) + " cm";
 }
 
-std::string ShowCount(const Field_t& field) { return field.Byte() == 0 ? "Unspecified" : std::to_string(field.Byte()); }
+ClText ShowCount(const Field_t& field) { return field.Byte() == 0 ? "Unspecified" : std::to_string(field.Byte()); }
 
 constexpr Rendering_t ChassisType{ShowChassisType}, Lock{ShowLock}, Height{ShowHeight}, Count{ShowCount},
     State = Enum8(kStates, "Error: Invalid State"), Security = Enum8(kSecurityStatuses, "Error: Invalid Status");

@@ -115,22 +115,22 @@ constexpr CodeText_t kCharacteristics[] = {
 };
 static_assert(IsRising(kCharacteristics));
 
-std::string ShowFamily8(const Field_t& field) {
+ClText ShowFamily8(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Byte());
 }
 
-std::string ShowFamily16(const Field_t& field) {
+ClText ShowFamily16(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Word());
 }
 
 // The upper half first, with all its digits; the lower half follows with those that it needs.
-std::string ShowProcessorId(const Field_t& field) {
+ClText ShowProcessorId(const Field_t& field) {
     const size_t offset = field.row.offset;
     return HexText(field.structure.Dword(offset + 4), 8) + ' ' + HexText(field.structure.Dword(offset), 1);
 }
 
 // Bit 7 set: the voltage in tenths. Clear: a bit for each voltage that the socket takes, of which the lowest counts.
-std::string ShowVoltage(const Field_t& field) {
+ClText ShowVoltage(const Field_t& field) {
     constexpr uint8_t kTenths = 0x80;
     constexpr uint32_t kVoltages[] = {50, 33, 29};  // tenths, by bit
     const uint8_t voltage = field.Byte();
@@ -144,14 +144,14 @@ std::string ShowVoltage(const Field_t& field) {
 }
 
 // The row's text stands behind the handle that names no cache.
-std::string ShowCacheHandle(const Field_t& field) {
+ClText ShowCacheHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
     std::string text = std::to_string(handle);
     if (text.size() < 2) text.insert(0, 1, '0');
     return text.append(handle == 0xFFFF ? field.row.rendering.text : " ");
 }
 
-std::string ShowCharacteristics(const Field_t& field) {
+ClText ShowCharacteristics(const Field_t& field) {
     const uint16_t characteristics = field.Word();
     return characteristics == 0 ? "None" : ClSMBIOSType4::GetProcessorCharacteristicsString(characteristics);
 }
@@ -195,18 +195,18 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-std::string ClSMBIOSType4::GetProcessorFamilyString(uint16_t family) const {
+std::string_view ClSMBIOSType4::GetProcessorFamilyString(uint16_t family) const {
     const std::string_view text = TextOf(kProcessorFamilies, family, "Unknown");
-    if (m_processorSignature != kRenamingSignature) return std::string(text);
-    return std::string(TextOf(kRenamedFamilies, family, text));
+    if (m_processorSignature != kRenamingSignature) return text;
+    return TextOf(kRenamedFamilies, family, text);
 }
 
-std::string ClSMBIOSType4::GetProcessorStatusString(uint16_t status) {
-    return std::string(TextOf(kStatuses, status, "Unknown"));
+std::string_view ClSMBIOSType4::GetProcessorStatusString(uint16_t status) {
+    return TextOf(kStatuses, status, "Unknown");
 }
 
-std::string ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) {
-    return std::string(TextOf(kProcessorUpgrades, upgrade, "Unknown"));
+std::string_view ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) {
+    return TextOf(kProcessorUpgrades, upgrade, "Unknown");
 }
 
 std::string ClSMBIOSType4::GetProcessorCharacteristicsString(uint16_t characteristics) {

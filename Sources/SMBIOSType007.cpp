@@ -71,7 +71,7 @@ constexpr CodeText_t kAssociativities[] = {
 };
 static_assert(IsRising(kAssociativities));
 
-std::string ShowConfiguration(const Field_t& field) {
+ClText ShowConfiguration(const Field_t& field) {
     const uint16_t configuration = field.Word();
     std::string text{'L', static_cast<char>('1' + (configuration & kLevelMask))};
     text += (configuration & kSocketed) != 0 ? "; Socketed; " : "; Not Socketed; ";
@@ -79,7 +79,7 @@ std::string ShowConfiguration(const Field_t& field) {
     return text.append("; ").append(TextOf(kModes, configuration >> kModeShift & 3, {}));
 }
 
-std::string ShowSpeed(const Field_t& field) {
+ClText ShowSpeed(const Field_t& field) {
     const uint8_t speed = field.Byte();
     return std::to_string(speed) + (speed == 0 ? " Ns (unknown)" : " Ns ");
 }
@@ -118,8 +118,8 @@ std::string ClSMBIOSType7::GetCacheMemoryTypeString(uint16_t types) {
     return text.empty() ? "None" : text;
 }
 
-std::string ClSMBIOSType7::GetAssociativityString(uint8_t associativity) {
-    return std::string(TextOf(kAssociativities, associativity, "Error: Invalid Type"));
+std::string_view ClSMBIOSType7::GetAssociativityString(uint8_t associativity) {
+    return TextOf(kAssociativities, associativity, "Error: Invalid Type");
 }
 
 void ClSMBIOSType7::PrintStructure(const uint8_t* pData) {

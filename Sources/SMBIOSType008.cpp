@@ -105,12 +105,12 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-std::string ClSMBIOSType8::GetConnectorTypeString(uint8_t type) {
-    return std::string(TextOf(kConnectorTypes, type, "Error: Invalid Type"));
+std::string_view ClSMBIOSType8::GetConnectorTypeString(uint8_t type) {
+    return TextOf(kConnectorTypes, type, "Error: Invalid Type");
 }
 
-std::string ClSMBIOSType8::GetPortTypeString(uint8_t type) {
-    return std::string(TextOf(kPortTypes, type, "Error: Invalid Type"));
+std::string_view ClSMBIOSType8::GetPortTypeString(uint8_t type) {
+    return TextOf(kPortTypes, type, "Error: Invalid Type");
 }
 
 void ClSMBIOSType8::PrintStructure(const uint8_t* pData) {

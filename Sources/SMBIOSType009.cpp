@@ -131,10 +131,10 @@ bool HasAddress(uint8_t slotType) {
     return slotType == 0x06 || slotType == 0x0F || slotType == 0x12 || (slotType >= 0xA5 && slotType <= 0xAA);
 }
 
-std::string ShowSlotId(const Field_t& field) { return field.Word() == 0 ? "None" : HexText(field.Word(), 2); }
-std::string ShowDevice(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
-std::string ShowFunction(const Field_t& field) { return std::to_string(field.Byte() & 7); }
-std::string ShowNoAddress(const Field_t&) { return "0FFh"; }
+ClText ShowSlotId(const Field_t& field) { return field.Word() == 0 ? "None" : HexText(field.Word(), 2); }
+ClText ShowDevice(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
+ClText ShowFunction(const Field_t& field) { return std::to_string(field.Byte() & 7); }
+ClText ShowNoAddress(const Field_t&) { return "0FFh"; }
 
 constexpr Rendering_t SlotType = Text8<ClSMBIOSType9::GetSlotTypeString>,
                       DataBusWidth = Text8<ClSMBIOSType9::GetSlotDataBusWidthString>,
@@ -174,12 +174,12 @@ std::string CharacteristicsText(std::span<const CodeText_t> table, uint8_t chara
 
 }  // namespace
 
-std::string ClSMBIOSType9::GetSlotTypeString(uint8_t type) {
-    return std::string(TextOf(kSlotTypes, type, "Error: Invalid Type"));
+std::string_view ClSMBIOSType9::GetSlotTypeString(uint8_t type) {
+    return TextOf(kSlotTypes, type, "Error: Invalid Type");
 }
 
-std::string ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) {
-    return std::string(TextOf(kDataBusWidths, width, "Error: Invalid Width"));
+std::string_view ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) {
+    return TextOf(kDataBusWidths, width, "Error: Invalid Width");
 }
 
 std::string ClSMBIOSType9::GetSlotCharacteristicsString(uint8_t characteristics) {

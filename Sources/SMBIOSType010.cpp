@@ -3,10 +3,11 @@
 
 namespace {
 
-std::string ShowDeviceType(const Field_t& field) {
+ClText ShowDeviceType(const Field_t& field) {
     constexpr uint8_t kEnabled = 0x80;
     const uint8_t device = field.Byte();
-    return ((device & kEnabled) != 0 ? "Enabled, " : "Disabled, ") + ClSMBIOSType::GetOnboardDeviceTypeString(device);
+    const char* status = (device & kEnabled) != 0 ? "Enabled, " : "Disabled, ";
+    return std::string(status).append(ClSMBIOSType::GetOnboardDeviceTypeString(device));
 }
 
 constexpr Rendering_t DeviceType{ShowDeviceType};

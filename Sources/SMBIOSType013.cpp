@@ -58,18 +58,18 @@ std::string LanguageText(const char* language, std::string_view otherwise) {
     return text.append(" (").append(name).append(")");
 }
 
-std::string ShowCurrentLanguage(const Field_t& field) {
+ClText ShowCurrentLanguage(const Field_t& field) {
     const uint8_t current = field.Byte(), installable = field.structure.Byte(0x04);
     if (current == 0 || current > installable) return "(Invalid Current Language)";
     return LanguageText(StringOf(field.structure.Data(), current), "(Language(s) not set)");
 }
 
-std::string ShowLanguage(const Field_t& field) {
+ClText ShowLanguage(const Field_t& field) {
     return LanguageText(StringOf(field.structure.Data(), field.row.rendering.number), " (Language(s) not set)");
 }
 
 // Version 2.0 of the standard had no flags.
-std::string ShowFlags(const Field_t& field) {
+ClText ShowFlags(const Field_t& field) {
     const bool hasFlags = static_cast<const ClSMBIOSType13&>(field.decoder).IsVersion21OrLater();
     return hasFlags ? HexText(field.Byte(), 2) : "None";
 }

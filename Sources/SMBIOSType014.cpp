@@ -18,16 +18,16 @@ constexpr size_t kGroupItems = 0x05, kGroupItemSize = 3;
 // its offset 2 and a word.
 constexpr size_t kEntryCount = 0x04, kEntries = 0x05, kEntrySize = 7, kVersionInEntry = 2;
 
-// Whatever precedes the body in a record.
+// In front of a record's body stands its type.
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
-std::string ShowVersion(const Field_t& field) {
+ClText ShowVersion(const Field_t& field) {
     const ClStructure& member = field.structure;
     const size_t offset = field.row.offset;
     char text[48];
     std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", member.Byte(offset), member.Byte(offset + 1),
                   member.Byte(offset + 2), member.Word(offset + 3));
-    return text;
+    return std::string(text);
 }
 
 constexpr Rendering_t Version{ShowVersion};
@@ -58,7 +58,7 @@ void ClSMBIOSType14::GetComponentInfo(const uint8_t* pData) {
         uint8_t** records = nullptr;
         uint8_t count = 0;
         if (GetSMBIOSStruture(type, &records, &count) != kSuccess) {
-            TRACE("GetComponentInfo", kError, "No structures of type %u", static_cast<unsigned>(type));
+            TRACE("GetComponentInfo", kError, "The structures of type %u can't be had", static_cast<unsigned>(type));
             continue;
         }
         for (uint8_t index = 0; index < count; index++) GetBiosVersionInfo(records[index] + kTypeWordSize);

@@ -11,7 +11,7 @@ constexpr size_t kDescriptorCount = 0x15, kDescriptors = 0x17, kDescriptorSize =
 // Bits of the log status.
 constexpr uint8_t kAreaValid = 0x01, kAreaFull = 0x02;
 
-std::string ShowLogStatus(const Field_t& field) {
+ClText ShowLogStatus(const Field_t& field) {
     const uint8_t status = field.Byte();
     return HexText(status, 2)
         .append(" (Log Area: ")
@@ -28,12 +28,12 @@ std::string_view HeaderFormat(uint8_t format) {
     return "BIOS or OEM specific header type";
 }
 
-std::string ShowHeaderFormat(const Field_t& field) {
+ClText ShowHeaderFormat(const Field_t& field) {
     return HexText(field.Byte(), 2).append(" (").append(HeaderFormat(field.Byte())).append(")");
 }
 
 // The log type and the format of its variable data.
-std::string ShowDescriptor(const Field_t& field) {
+ClText ShowDescriptor(const Field_t& field) {
     const uint16_t descriptor = field.Word();
     return std::string("\t\t").append(HexText(descriptor & 0xFF, 2)).append(" ").append(HexText(descriptor >> 8, 2));
 }

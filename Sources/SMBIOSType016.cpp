@@ -43,10 +43,10 @@ constexpr CodeText_t kErrorCorrections[] = {
 };
 static_assert(IsRising(kErrorCorrections));
 
-std::string ShowLocation(const Field_t& field) { return ClSMBIOSType16::GetLocationString(field.Byte()); }
+ClText ShowLocation(const Field_t& field) { return ClSMBIOSType16::GetLocationString(field.Byte()); }
 
 // The high and the low half, each with its "h".
-std::string ShowHalves(const Field_t& field) {
+ClText ShowHalves(const Field_t& field) {
     const uint64_t value = field.Qword();
     return HexText(value >> 32, 4).append(" ").append(HexText(value & 0xFFFFFFFF, 4));
 }
@@ -67,8 +67,8 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-std::string ClSMBIOSType16::GetLocationString(uint8_t location) {
-    return std::string(TextOf(kLocations, location, "Error: Invalid Type"));
+std::string_view ClSMBIOSType16::GetLocationString(uint8_t location) {
+    return TextOf(kLocations, location, "Error: Invalid Type");
 }
 
 void ClSMBIOSType16::PrintStructure(const uint8_t* pData) {

@@ -104,16 +104,16 @@ std::string Revalidated(std::string_view text) {
     return result;
 }
 
-std::string ShowFormFactor(const Field_t& field) { return ClSMBIOSType17::GetFormFactorString(field.Byte()); }
-std::string ShowMemoryType(const Field_t& field) { return ClSMBIOSType17::GetMemoryTypeString(field.Byte()); }
-std::string ShowTypeDetail(const Field_t& field) { return ClSMBIOSType17::GetTypeDetailString(field.Word()); }
+ClText ShowFormFactor(const Field_t& field) { return ClSMBIOSType17::GetFormFactorString(field.Byte()); }
+ClText ShowMemoryType(const Field_t& field) { return ClSMBIOSType17::GetMemoryTypeString(field.Byte()); }
+ClText ShowTypeDetail(const Field_t& field) { return ClSMBIOSType17::GetTypeDetailString(field.Word()); }
 
-std::string ShowPartNumber(const Field_t& field) {
+ClText ShowPartNumber(const Field_t& field) {
     if (field.Byte() == 0) return "None";
     return ClSMBIOSType17::GetCleanPartNumber(StringOf(field.structure.Data(), field.Byte()));
 }
 
-std::string ShowExtendedSize(const Field_t& field) {
+ClText ShowExtendedSize(const Field_t& field) {
     if (field.structure.Word(kSize) != kSizeIsExtended) return "0";
     std::string size = std::to_string(field.Dword());
     if (size.size() < kExtendedSizeWidth) size.insert(0, kExtendedSizeWidth - size.size(), ' ');
@@ -121,7 +121,7 @@ std::string ShowExtendedSize(const Field_t& field) {
 }
 
 // A number and its unit, if it has one.
-std::string ShowKnown(const Field_t& field) { return field.Word() == 0 ? "Unknown" : ShowDec16WithUnit(field); }
+ClText ShowKnown(const Field_t& field) { return field.Word() == 0 ? "Unknown" : ShowDec16WithUnit(field); }
 
 constexpr Rendering_t FormFactor{ShowFormFactor}, MemoryType{ShowMemoryType}, TypeDetail{ShowTypeDetail},
     PartNumber{ShowPartNumber}, ExtendedSize{ShowExtendedSize}, KnownSpeed{ShowKnown, {}, " MHz"},
@@ -155,18 +155,18 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-std::string ClSMBIOSType17::GetFormFactorString(uint8_t formFactor) {
+ClText ClSMBIOSType17::GetFormFactorString(uint8_t formFactor) {
     const std::string_view text = TextOf(kFormFactors, formFactor, {});
-    return text.empty() ? GetUnknownValueString(formFactor) : std::string(text);
+    return text.empty() ? ClText(GetUnknownValueString(formFactor)) : ClText(text);
 }
 
-std::string ClSMBIOSType17::GetMemoryTypeString(uint8_t memoryType) {
+ClText ClSMBIOSType17::GetMemoryTypeString(uint8_t memoryType) {
     const std::string_view text = TextOf(kMemoryTypes, memoryType, {});
-    return text.empty() ? GetUnknownValueString(memoryType) : std::string(text);
+    return text.empty() ? ClText(GetUnknownValueString(memoryType)) : ClText(text);
 }
 
-std::string ClSMBIOSType17::GetTypeDetailString(uint16_t typeDetail) {
-    return typeDetail == 0 ? "None" : BitsText(kTypeDetails, typeDetail, 16);
+ClText ClSMBIOSType17::GetTypeDetailString(uint16_t typeDetail) {
+    return typeDetail == 0 ? ClText("None") : ClText(BitsText(kTypeDetails, typeDetail, 16));
 }
 
 std::string ClSMBIOSType17::GetUnknownValueString(uint8_t value) {
@@ -175,9 +175,9 @@ std::string ClSMBIOSType17::GetUnknownValueString(uint8_t value) {
     return "Unknown, Value read = 0x" + digits;
 }
 
-std::string ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {
+ClText ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {
     // Plain text, which is nearly all there is, comes back from the conversions as it was.
-    if (std::ranges::all_of(partNumber, IsPrintableAscii)) return std::string(partNumber);
+    if (std::ranges::all_of(partNumber, IsPrintableAscii)) return partNumber;
     std::string text = Revalidated(partNumber);
     std::ranges::replace_if(text, IsControl, '.');
     return text;

@@ -4,7 +4,7 @@
 namespace {
 
 // The high half without an "h" of its own, then the low half.
-std::string ShowExtendedAddress(const Field_t& field) {
+ClText ShowExtendedAddress(const Field_t& field) {
     const uint64_t address = field.Qword();
     std::string text = HexText(address >> 32, 4);
     text.back() = ' ';

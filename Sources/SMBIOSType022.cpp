@@ -4,7 +4,7 @@
 namespace {
 
 // Day, month and year of a packed date, in bits 0 to 4, 5 to 8 and 9 to 15. Years count from 1980.
-std::string ShowDate(const Field_t& field) {
+ClText ShowDate(const Field_t& field) {
     const uint16_t date = field.Word();
     const int day = date & 0x1F, month = date >> 5 & 0x0F, year = 1980 + (date >> 9);
     return std::to_string(day).append("/").append(std::to_string(month)).append("/").append(std::to_string(year));

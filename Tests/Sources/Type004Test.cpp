@@ -150,7 +150,7 @@ TEST(Type4, NamesEveryFamily) {
     const ClSMBIOSType4 decoder(0);
     size_t named = 0;
     for (uint32_t family = 0; family < expected.size(); family++) {
-        const std::string text = decoder.GetProcessorFamilyString(static_cast<uint16_t>(family));
+        const std::string_view text = decoder.GetProcessorFamilyString(static_cast<uint16_t>(family));
         ASSERT_EQ(text, expected[family]) << family;
         if (text != "Unknown") named++;
     }

@@ -1,16 +1,31 @@
 // Standard output in large blocks, errors in one line.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
+
+#include "Tools/quorlin/CommandLine.h"
 
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitNoTable = 1;  // no table, an unreadable one, or output that can't be written
 inline constexpr int kExitUsage = 2;
+// Commands that answer a question tell the answer by 0 and 1, and trouble apart from it.
+inline constexpr int kExitNo = 1;
+inline constexpr int kExitTrouble = 2;
 
+enum class Format_t { kText, kJson, kNdjson, kCsv, kLines };
+
+// The format of this name, if it is one of `allowed`. As ParseCommandLine when it isn't.
+bool ChooseFormat(const Usage_t& usage, const std::string& name, std::span<const Format_t> allowed, Format_t* format,
+                  int* exitCode);
 // Collects text and writes it in blocks. Once a write failed the rest is dropped, and Finish tells.
 class ClOutput {
   public:
+    ClOutput() { m_text.reserve(kBlock + kMargin); }
+
+    // What is collected so far, to append to; `<<` writes it when it is enough.
+    std::string& Text() { return m_text; }
     ClOutput& operator<<(std::string_view text) {
         m_text += text;
         if (m_text.size() >= kBlock) Flush();
@@ -27,7 +42,7 @@ class ClOutput {
     bool Finish();
 
   private:
-    static constexpr size_t kBlock = 64u << 10;
+    static constexpr size_t kBlock = 64u << 10, kMargin = 4u << 10;
 
     void Flush();
 

@@ -1,111 +1,173 @@
-#include "Tools/quorlin/Show.h"
-
-#include <algorithm>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
+// quorlin show: the items of a table.
 #include "Packages/Platform/Program.h"
-#include "Sources/SMBIOSType.h"
+#include "Tools/quorlin/Columns.h"
+#include "Tools/quorlin/Commands.h"
+#include "Tools/quorlin/Csv.h"
+#include "Tools/quorlin/Json.h"
+#include "Tools/quorlin/Model.h"
+#include "Tools/quorlin/Table.h"
+#include "Tools/quorlin/Text.h"
 
 namespace {
 
-struct Item_t {
-    std::string key, value;
-    bool isGroup;
-
-    // A title carries its type's mark; any other group item opens a sub-group.
-    bool IsTitle() const { return isGroup && key.find("{Type ") != key.npos; }
+constexpr Usage_t kUsage = {
+    "quorlin",
+    "Shows what a machine's SMBIOS table says, structure by structure: this machine's, or a table image's.",
+    "Commands (quorlin COMMAND --help tells more):\n"
+    "  show   what these options say; also without the word\n"
+    "  types  the structure types of a table, with counts\n"
+    "  find   the items that hold a text\n"
+    "  get    the bare values of a key, for scripts\n"
+    "  diff   what differs between two tables\n"
+    "  dump   a table into a new file\n"
+    "  raw    the bytes and strings of structures\n"
+    "  check  what is wrong with a table\n"
+    "\n"
+    "Example: quorlin --image table.bin --type 4 --type 17\n"
+    "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
 };
 
-// The next item with its value as decoded. The line tells the key: what stands in front of the value, whose length is
-// known.
-bool NextItem(Quorlin& package, uint32_t* index, Item_t* item) {
-    std::string line;
-    if (package.GetNextItem(line) != kSuccess) return false;
-    item->value = package.GetItemValue((*index)++);
-    const auto quotes = static_cast<size_t>(std::ranges::count(item->value, '"'));
-    const size_t shown = item->value == " " ? 0 : item->value.size() - quotes;
-    item->key = line.substr(1, line.size() - shown - 6);
-    // A group item of a setting carries a value and reads as an item.
-    item->isGroup = item->key.ends_with(kGroupMark);
-    if (item->isGroup) item->key.resize(item->key.size() - kGroupMark.size());
-    if (!item->value.empty()) item->isGroup = false;
-    return true;
-}
+constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv, Format_t::kLines};
 
-// Firmware's strings reach a terminal here: control characters would steer it.
-std::string Printable(std::string text) {
-    for (char& character : text)
-        if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) character = ' ';
-    while (!text.empty() && text.back() == ' ') text.pop_back();
-    return text;
-}
-
-constexpr size_t kWidestKey = 44;  // longer keys push their value to the right
-
-class ClTextFormat {
-  public:
-    explicit ClTextFormat(ClOutput& output) : m_output(output) {
-        const char* noColor = std::getenv("NO_COLOR");
-        if (IsStandardOutputTerminal() && (noColor == nullptr || *noColor == '\0')) {
-            m_titleBegin = "\x1b[1m";
-            m_titleEnd = "\x1b[0m";
-        }
-    }
-
-    void Add(Item_t item) {
-        if (!item.isGroup) {
-            m_block.push_back(std::move(item));
-            return;
-        }
-        FinishBlock();
-        if (item.IsTitle()) {
-            if (m_begun) m_output << "\n";
-            m_output << m_titleBegin << Printable(std::move(item.key)) << m_titleEnd << "\n";
-            m_indent = 2;
+// Each item as the library gives it.
+void ShowLines(Quorlin& package, std::span<const uint8_t> types, ClOutput& output) {
+    for (const uint8_t type : types) package.GetTypes(type);
+    const bool isTerminal = IsStandardOutputTerminal();
+    const uint32_t count = package.GetItemCount();
+    for (uint32_t index = 0; index < count && !output.Failed(); index++) {
+        if (isTerminal) {
+            std::string line;
+            Quorlin::AppendLine(package.Item(index), line);
+            output << Printable(line) << "\n";
         } else {
-            m_output << "  " << Printable(std::move(item.key)) << "\n";
-            m_indent = 4;
+            Quorlin::AppendLine(package.Item(index), output.Text());
+            output << "\n";
         }
-        m_begun = true;
     }
+}
 
-    // The items since the last group item, with their values below each other.
-    void FinishBlock() {
-        size_t width = 0;
-        for (const Item_t& item : m_block)
-            if (item.key.size() <= kWidestKey) width = std::max(width, item.key.size());
-        for (Item_t& item : m_block) {
-            const size_t keySize = item.key.size();
-            m_output.Pad(m_indent) << Printable(std::move(item.key));
-            const std::string value = Printable(std::move(item.value));
-            if (!value.empty()) m_output.Pad(keySize < width ? width - keySize + 2 : 2) << value;
-            m_output << "\n";
+void ShowText(const ClModel& model, ClColumns& columns) {
+    for (const Structure_t& structure : model.Structures()) {
+        if (!structure.heading.empty()) columns.Heading(structure.heading);
+        size_t indent = 2;
+        for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
+            const Item_t item = model.Item(index);
+            if (!item.opensGroup) {
+                columns.Pair(item.key, item.value);
+                continue;
+            }
+            columns.Finish(indent);
+            columns.Line(2, item.key);
+            indent = 4;
         }
-        m_block.clear();
+        columns.Finish(indent);
     }
+}
 
-  private:
-    ClOutput& m_output;
-    std::vector<Item_t> m_block;
-    size_t m_indent = 0;
-    bool m_begun = false;
-    const char* m_titleBegin = "";
-    const char* m_titleEnd = "";
-};
+void WriteItems(const ClModel& model, const Structure_t& structure, ClJson& json) {
+    bool inGroup = false;
+    const auto finishGroup = [&] {
+        if (!inGroup) return;
+        json.FinishList();
+        json.FinishObject();
+    };
+    json.BeginList();
+    for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
+        const Item_t item = model.Item(index);
+        if (!item.opensGroup) {
+            json.Pair(item.key, item.value);
+            continue;
+        }
+        finishGroup();
+        inGroup = true;
+        json.BeginObject();
+        if (json.Member("group", item.key)) {
+            json.Name("replaced");
+            json.Truth(true);
+        }
+        json.Name("items");
+        json.BeginList();
+    }
+    finishGroup();
+    json.FinishList();
+}
+
+void ShowJson(const ClModel& model, const ClTable& table, Format_t format, ClJson& json) {
+    json.BeginObject();
+    WriteTableMembers(json, table);
+    json.Name("structures");
+    json.BeginList();
+    for (const Structure_t& structure : model.Structures()) {
+        if (format == Format_t::kJson) json.Break();
+        json.BeginObject();
+        WriteStructureMembers(json, structure);
+        json.Name("items");
+        WriteItems(model, structure, json);
+        json.FinishObject();
+    }
+    json.FinishList();
+    json.FinishObject();
+    json.Finish();
+}
+
+void ShowCsv(const ClModel& model, ClOutput& output) {
+    ClCsv csv(output);
+    csv.Row({"type", "handle", "instance", "title", "group", "key", "value"});
+    for (const Structure_t& structure : model.Structures()) {
+        std::string_view group;
+        const std::string type = std::to_string(structure.type), handle = std::to_string(structure.handle),
+                          instance = std::to_string(structure.instance);
+        for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
+            const Item_t item = model.Item(index);
+            if (item.opensGroup)
+                group = item.key;
+            else
+                csv.Row({type, handle, instance, structure.title, group, item.key, item.value});
+        }
+    }
+}
 
 }  // namespace
 
-void ShowItems(Quorlin& package, Format_t format, ClOutput& output) {
-    if (format == Format_t::kLines) {
-        std::string line;
-        while (package.GetNextItem(line) == kSuccess && !output.Failed()) output << line << "\n";
-        return;
+int RunShow(const Arguments_t& arguments) {
+    Source_t source;
+    std::string formatName = "text";
+    std::vector<std::string> typeNames;
+    std::vector<Option_t> options = source.Options();
+    options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
+    options.push_back(
+        {"--format", "FORMAT", "text (for people), json, ndjson, csv, or lines (one item a line)", &formatName});
+    bool wantsVersion = false;
+    options.push_back({"--version", nullptr, "Print the version", &wantsVersion});
+    int exitCode = kExitDone;
+    Format_t format;
+    std::vector<uint8_t> types;
+    if (!ParseCommandLine(kUsage, options, arguments, &exitCode)) return exitCode;
+    ClOutput output;
+    if (wantsVersion) {
+        output << "quorlin " QUORLIN_VERSION "\n";
+        return output.Finish() ? kExitDone : kExitNoTable;
     }
-    ClTextFormat text(output);
-    Item_t item;
-    uint32_t index = 0;
-    while (NextItem(package, &index, &item) && !output.Failed()) text.Add(std::move(item));
-    text.FinishBlock();
+    if (!source.Check(kUsage, &exitCode) || !ChooseFormat(kUsage, formatName, kFormats, &format, &exitCode) ||
+        !CheckFleet(kUsage, source, format, &exitCode) || !ChooseTypes(kUsage, typeNames, &types, &exitCode))
+        return exitCode;
+    if (types.empty()) types = SweptTypes();
+    ClJson json(output);
+    exitCode = RunOnTables(source, format, kExitNoTable, json, [&](ClTable& table) {
+        if (format == Format_t::kLines) {
+            ShowLines(table.Package(), types, output);
+            return kExitDone;
+        }
+        const ClModel model(table.Package(), types);
+        if (format == Format_t::kText) {
+            ClColumns columns(output);
+            ShowText(model, columns);
+        } else if (format == Format_t::kCsv) {
+            ShowCsv(model, output);
+        } else {
+            ShowJson(model, table, format, json);
+        }
+        return kExitDone;
+    });
+    return output.Finish() ? exitCode : kExitNoTable;
 }

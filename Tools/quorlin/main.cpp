@@ -1,86 +1,39 @@
-// The host program: chooses a machine, drives a package on it, and prints its items.
-#include <memory>
+// The host program: its commands, and the choice among them.
+#include <algorithm>
 #include <new>
 
-#include "Packages/FERROXExternal/StructureStore/ImageFile.h"
-#include "Packages/FERROXExternal/StructureStore/Machine.h"
-#include "Packages/Platform/Platform.h"
 #include "Packages/Platform/Program.h"
-#include "Packages/Sample/Sample.h"
-#include "Tools/quorlin/Options.h"
+#include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
-#include "Tools/quorlin/Show.h"
 
 namespace {
 
-constexpr uint32_t kRawSMBIOSProvider = 0x52534D42;
-
-bool UseImage(const Image_t& image) { return SetImageMachine(&image.source) == kSuccess; }
-
-// Takes the image of a file. False with a line on standard error.
-bool UseImageFile(const std::string& path, Image_t* image) {
-    std::string error;
-    if (ReadImage(path, TableForm_t::kAny, image, &error) != kSuccess) {
-        SayError(path, error);
-        return false;
-    }
-    if (const std::string remark = image->Remark(); !remark.empty()) SayError(path, remark);
-    return UseImage(*image);
-}
-
-bool UseSample(const Options_t& options, Image_t* image) {
-    const std::span<const uint8_t> table = SampleTable();
-    image->source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, options.signature};
-    return UseImage(*image);
-}
-
-// Why this machine gives no table, in words that say what to try.
-std::string WhyNoTable() {
-    if (GetSystemFirmwareTable(kRawSMBIOSProvider, 0, nullptr, 0) == 0 && GetLastError() == ERROR_ACCESS_DENIED)
-        return "reading the SMBIOS table needs more rights; try as root";
-    return "no SMBIOS table here; try --sample, or --image FILE";
-}
-
-// Brings a package up on the machine that the options name. False with a line on standard error.
-bool BringUp(const Options_t& options, Image_t* image, Quorlin& package) {
-    image->source = {nullptr, 0, options.major, options.minor, options.signature};
-    if (options.source == Source_t::kImageFile && !UseImageFile(options.image, image)) return false;
-    if (options.source == Source_t::kSample && !UseSample(options, image)) return false;
-    if (package.Initialize() == kSuccess) return true;
-    package.UnInitialize();
-    if (options.source == Source_t::kThisMachineOrSample) {
-        SayError("this machine", "no SMBIOS table to be had; showing the embedded sample");
-        if (UseSample(options, image) && package.Initialize() == kSuccess) return true;
-        package.UnInitialize();
-    }
-    SayError(options.source == Source_t::kImageFile ? options.image : "this machine",
-             options.source == Source_t::kImageFile ? "out of memory" : WhyNoTable());
-    return false;
-}
+struct Command_t {
+    std::string_view name;
+    int (*run)(const Arguments_t& arguments);  // those behind the command's name; gives the exit code
+};
+constexpr Command_t kCommands[] = {
+    {"show", RunShow},
+};
 
 int Run(int argc, char** argv) {
     PrepareStandardOutput();
-    Options_t options;
-    int exitCode = kExitDone;
-    if (!ParseOptions(ProgramArguments(argc, argv), &options, &exitCode)) return exitCode;
-    Image_t image;
-    BaseAbstraction* created =
-        options.types.empty() ? CreateSmbiosPackage() : CreateSmbiosPackageForKovr(options.types.front());
-    const std::unique_ptr<BaseAbstraction, void (*)(BaseAbstraction*)> holder(created, DestroySmbiosPackage);
-    if (created == nullptr) throw std::bad_alloc();
-    auto& package = static_cast<Quorlin&>(*created);
-    if (!BringUp(options, &image, package)) return kExitNoTable;
-    for (const uint8_t type : options.types) package.GetTypes(type);
-    ClOutput output;
-    ShowItems(package, options.format, output);
-    exitCode = output.Finish() ? kExitDone : kExitNoTable;
-    package.UnInitialize();
-    return exitCode;
+    Arguments_t arguments = ProgramArguments(argc, argv);
+    if (!arguments.empty()) arguments.erase(arguments.begin());
+    // Without a command the options are those of show.
+    if (arguments.empty() || arguments.front().starts_with('-')) return RunShow(arguments);
+    const Command_t* command = std::ranges::find(kCommands, arguments.front(), &Command_t::name);
+    if (command == std::end(kCommands)) {
+        SayError("bad usage", "'" + arguments.front() + "' is no command; try quorlin --help");
+        return kExitUsage;
+    }
+    arguments.erase(arguments.begin());
+    return command->run(arguments);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) try { return Run(argc, argv); } catch (const std::bad_alloc&) {
     SayError("memory", "not enough for this table");
-    return kExitNoTable;
+    return kExitTrouble;
 }

@@ -22,10 +22,13 @@ ContainerHandle_t mySMBIOSLinkedListHdl = nullptr;
 LibVersion_t libraryVersion = {};
 uint8_t tableVersion[2] = {};  // SMBIOS major and minor, for later instances
 
-// The records of the list, sorted by type and in table order within each, so that no lookup has to search the list:
-// those of type T stand from firstOfType[T] to firstOfType[T + 1]. Built once, when the list is complete.
-uint8_t** recordsByType = nullptr;
-uint32_t firstOfType[kTypes + 1] = {};
+// The records of one type, in table order: beside the list, so that no lookup has to search it.
+struct TypeRecords_t {
+    uint8_t** records;
+    uint32_t count;
+    uint32_t room;
+};
+TypeRecords_t recordsOfType[kTypes] = {};
 
 uint32_t RecordType(const void* record) {
     uint32_t type;
@@ -37,36 +40,28 @@ int32_t CompareRecords(const void* first, const void* second) {
     return RecordType(first) == RecordType(second) ? 0 : -1;
 }
 
-// Empties the list and the index, and releases every record.
+// Empties the list, and releases every record.
 void ReleaseRecords() {
     void* record;
     while (Pop(mySMBIOSLinkedListHdl, &record) == kSuccess) os_free(record);
-    os_free(recordsByType);
-    recordsByType = nullptr;
-    os_memset(firstOfType, sizeof firstOfType, 0, sizeof firstOfType);
-}
-
-// Takes a record into the list. One that can't be taken stays the caller's.
-status_t StoreRecord(uint8_t* record) {
-    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) return kFailure;
-    firstOfType[RecordType(record) + 1]++;  // so far the type's count
-    return kSuccess;
-}
-
-// Turns the counts of the types into places, and puts the records there.
-status_t IndexRecords() {
-    for (uint32_t type = 0; type < kTypes; type++) firstOfType[type + 1] += firstOfType[type];
-    const uint32_t count = firstOfType[kTypes];
-    if (count == 0) return kSuccess;
-    recordsByType = static_cast<uint8_t**>(os_malloc(count * sizeof(uint8_t*)));
-    if (recordsByType == nullptr) return kNoMemory;
-    uint32_t next[kTypes];
-    std::memcpy(next, firstOfType, sizeof next);
-    for (uint32_t index = 0; index < count; index++) {
-        void* record;
-        if (RetrieveFromIndex(mySMBIOSLinkedListHdl, &record, static_cast<int32_t>(index)) != kSuccess) return kFailure;
-        recordsByType[next[RecordType(record)]++] = static_cast<uint8_t*>(record);
+    for (TypeRecords_t& type : recordsOfType) {
+        os_free(type.records);
+        type = {};
     }
+}
+
+// Takes a record in, behind all others. One that can't be taken stays the caller's.
+status_t StoreRecord(uint8_t* record) {
+    TypeRecords_t& type = recordsOfType[RecordType(record)];
+    if (type.count == type.room) {
+        const uint32_t room = type.room == 0 ? 4 : 2 * type.room;
+        auto** records = static_cast<uint8_t**>(os_realloc(type.records, room * sizeof(uint8_t*)));
+        if (records == nullptr) return kNoMemory;
+        type.records = records;
+        type.room = room;
+    }
+    if (Insert(mySMBIOSLinkedListHdl, record) != kSuccess) return kFailure;
+    type.records[type.count++] = record;
     return kSuccess;
 }
 
@@ -252,9 +247,8 @@ status_t LibSMBIOSInit(uint8_t* entry) {
         os_free(image);
         return kFailure;
     }
-    if (ParseAllStructures(image->Length, image->Data()) != kSuccess || IndexRecords() != kSuccess) {
+    if (ParseAllStructures(image->Length, image->Data()) != kSuccess) {
         TRACE("LibSMBIOSInit", kErrorExit, "Error in Parsing all structures  ... Exiting ");
-        ReleaseRecords();
         UnInitContainer(mySMBIOSLinkedListHdl);
         mySMBIOSLinkedListHdl = nullptr;
         os_free(image);
@@ -297,7 +291,7 @@ status_t LibSMBIOSExit() {
 
 status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records, uint32_t* count) {
     *count = 0;
-    const uint32_t all = type < kTypes ? firstOfType[type + 1] - firstOfType[type] : 0;
+    const uint32_t all = type < kTypes ? recordsOfType[type].count : 0;
     if (all <= first) {
         TRACE("GetSMBIOSStruture", kInfo, "No Structures found ");
         *records = nullptr;
@@ -309,7 +303,7 @@ status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records
         TRACE("GetSMBIOSStruture", kErrorExit, "Error allocating memory  .. Exiting ");
         return kFailure;
     }
-    os_memcpy(array, size, recordsByType + firstOfType[type] + first, size);
+    os_memcpy(array, size, recordsOfType[type].records + first, size);
     *records = array;
     *count = all - first;
     return kSuccess;

@@ -1,5 +1,7 @@
 #include "Packages/Platform/Program.h"
 
+#include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +11,11 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv,
 
 std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
 
+std::FILE* CreateNewFile(const std::string& path) {
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    return file < 0 ? nullptr : fdopen(file, "w");
+}
+
 bool IsFolder(const std::string& path) {
     struct stat facts = {};
     return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
@@ -17,6 +24,13 @@ bool IsFolder(const std::string& path) {
 void PrepareStandardOutput() {}
 
 bool IsStandardOutputTerminal() { return isatty(STDOUT_FILENO) == 1; }
+
+bool IsStandardErrorTerminal() { return isatty(STDERR_FILENO) == 1; }
+
+size_t TerminalWidth() {
+    winsize size = {};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
 
 bool WriteStandardOutput(const char* bytes, size_t size) {
     while (size != 0) {

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
@@ -42,6 +43,11 @@ std::FILE* OpenFile(const std::string& path, const char* mode) {
     return _wfopen(ToWide(path).c_str(), (ToWide(mode) + L"b").c_str());
 }
 
+std::FILE* CreateNewFile(const std::string& path) {
+    const int file = _wopen(ToWide(path).c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
+    return file < 0 ? nullptr : _fdopen(file, "wb");
+}
+
 bool IsFolder(const std::string& path) {
     const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -53,6 +59,14 @@ void PrepareStandardOutput() {
 }
 
 bool IsStandardOutputTerminal() { return _isatty(_fileno(stdout)) != 0; }
+
+bool IsStandardErrorTerminal() { return _isatty(_fileno(stderr)) != 0; }
+
+size_t TerminalWidth() {
+    CONSOLE_SCREEN_BUFFER_INFO facts;
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &facts) == 0) return 0;
+    return static_cast<size_t>(facts.srWindow.Right - facts.srWindow.Left + 1);
+}
 
 bool WriteStandardOutput(const char* bytes, size_t size) {
     while (size != 0) {

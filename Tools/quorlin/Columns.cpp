@@ -1,0 +1,80 @@
+#include "Tools/quorlin/Columns.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Packages/Platform/Program.h"
+#include "Tools/quorlin/Text.h"
+
+namespace {
+
+constexpr size_t kWidestKey = 44;   // longer keys push their value to the right
+constexpr size_t kLeastValue = 24;  // columns that a value gets, however narrow the terminal
+
+// Where to break `text` so that at most `width` characters stand in front: behind a blank if there is one.
+size_t BreakAt(std::string_view text, size_t width) {
+    size_t end = 0, lastBlank = 0;
+    for (size_t columns = 0; end < text.size(); columns++) {
+        if (columns == width) return lastBlank != 0 ? lastBlank : end;
+        if (text[end] == ' ') lastBlank = end + 1;
+        end += std::max<size_t>(SequenceLength(text.substr(end)), 1);
+    }
+    return text.size();
+}
+
+}  // namespace
+
+ClColumns::ClColumns(ClOutput& output) : m_output(output), m_width(TerminalWidth()) {
+    const char* noColor = std::getenv("NO_COLOR");
+    if (IsStandardOutputTerminal() && (noColor == nullptr || *noColor == '\0')) {
+        m_headingBegin = "\x1b[1m";
+        m_headingEnd = "\x1b[0m";
+    }
+}
+
+void ClColumns::Heading(std::string_view text) {
+    if (m_begun) m_output << "\n";
+    m_output << m_headingBegin << Printable(text) << m_headingEnd << "\n";
+    m_begun = true;
+}
+
+void ClColumns::Line(size_t indent, std::string_view text) {
+    m_output.Pad(indent) << Printable(text) << "\n";
+    m_begun = true;
+}
+
+void ClColumns::Value(size_t column, std::string_view value) {
+    m_text.clear();
+    AppendPrintable(m_text, value);
+    std::string_view rest = m_text;
+    const size_t room = m_width == 0 ? rest.size() : std::max(m_width - std::min(column, m_width), kLeastValue);
+    while (rest.size() > room) {
+        const size_t end = BreakAt(rest, room);
+        if (end == rest.size()) break;
+        m_output << rest.substr(0, end) << "\n";
+        m_output.Pad(column);
+        rest.remove_prefix(end);
+    }
+    m_output << rest;
+}
+
+void ClColumns::Finish(size_t indent) {
+    const size_t widest = m_width == 0 ? kWidestKey : std::clamp<size_t>(m_width / 2, 12, kWidestKey);
+    size_t width = 0;
+    for (const auto& [key, value] : m_block)
+        if (key.size() <= widest) width = std::max(width, key.size());
+    for (const auto& [key, value] : m_block) {
+        m_text.clear();
+        AppendPrintable(m_text, key);
+        m_output.Pad(indent) << m_text;
+        if (!value.empty()) {
+            const size_t pad = m_text.size() < width ? width - m_text.size() + 2 : 2;
+            const size_t column = indent + m_text.size() + pad;
+            m_output.Pad(pad);
+            Value(column, value);
+        }
+        m_output << "\n";
+        m_begun = true;
+    }
+    m_block.clear();
+}

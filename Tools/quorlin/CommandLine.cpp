@@ -1,0 +1,143 @@
+#include "Tools/quorlin/CommandLine.h"
+
+#include <getopt.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+
+#include "Tools/quorlin/Output.h"
+
+namespace {
+
+constexpr int kHelp = 'h', kMissingValue = ':';
+constexpr int kFirstOption = 256;  // what getopt_long gives for the first option of the table
+constexpr size_t kHelpColumn = 28;
+
+bool IsArgument(const Option_t& option) { return option.name[0] != '-'; }
+bool TakesValue(const Option_t& option) { return !std::holds_alternative<bool*>(option.target); }
+bool IsList(const Option_t& option) { return std::holds_alternative<std::vector<std::string>*>(option.target); }
+
+void Store(const Option_t& option, const char* value) {
+    if (auto* const* flag = std::get_if<bool*>(&option.target))
+        **flag = true;
+    else if (auto* const* text = std::get_if<std::string*>(&option.target))
+        **text = value;
+    else
+        std::get<std::vector<std::string>*>(option.target)->emplace_back(value);
+}
+
+std::string HelpLine(std::string_view name, const char* help) {
+    std::string left("  ");
+    left.append(name);
+    if (left.size() + 2 > kHelpColumn)
+        left.append("\n").append(kHelpColumn, ' ');
+    else
+        left.append(kHelpColumn - left.size(), ' ');
+    return left.append(help).append("\n");
+}
+
+void PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
+    std::string text = std::string(usage.description) + "\nUsage: " + usage.command + " [OPTIONS]";
+    std::string arguments, named = HelpLine("-h, --help", "Print this help and exit");
+    for (const Option_t& option : options) {
+        std::string name = option.name;
+        if (IsArgument(option)) {
+            text.append(option.required ? " " : " [").append(name).append(IsList(option) ? "..." : "");
+            if (!option.required) text += ']';
+            arguments += HelpLine(name, option.help);
+        } else {
+            if (option.typeName != nullptr) name.append(" ").append(option.typeName);
+            named += HelpLine(name, option.help);
+        }
+    }
+    text += "\n";
+    if (!arguments.empty()) text += "\nArguments:\n" + arguments;
+    text += "\nOptions:\n" + named + "\n" + usage.footer + "\n";
+    std::fputs(text.c_str(), stdout);
+}
+
+// The words in front, one for each argument of the table; the last one may be a list.
+bool StoreArguments(const Usage_t& usage, std::span<const Option_t> options, std::span<char* const> words,
+                    int* exitCode) {
+    size_t next = 0;
+    for (const Option_t& option : options) {
+        if (!IsArgument(option)) continue;
+        const size_t before = next;
+        while (next < words.size() && (next == before || IsList(option))) Store(option, words[next++]);
+        if (next == before && option.required)
+            return SayBadUsage(usage, std::string(option.name).append(" is missing"), exitCode);
+    }
+    if (next == words.size()) return true;
+    return SayBadUsage(usage, std::string("'").append(words[next]).append("' is one argument too many"), exitCode);
+}
+
+}  // namespace
+
+bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, const Arguments_t& arguments,
+                      int* exitCode) {
+    std::vector<char*> words = {const_cast<char*>(usage.command)};
+    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    const auto count = static_cast<int>(words.size());
+    words.push_back(nullptr);
+    std::vector<option> known;
+    for (const Option_t& option : options) {
+        if (IsArgument(option)) continue;
+        const int number = kFirstOption + static_cast<int>(&option - options.data());
+        known.push_back({option.name + 2, TakesValue(option) ? required_argument : no_argument, nullptr, number});
+    }
+    known.push_back({"help", no_argument, nullptr, kHelp});
+    known.push_back({});
+    opterr = 0;
+    optind = 0;  // from the start, as after an earlier parse
+    for (int found; (found = getopt_long(count, words.data(), ":h", known.data(), nullptr)) != -1;) {
+        // The word that named the option: in front of its value, if that is a word of its own.
+        const bool ownWord = optarg != nullptr && optind >= 2 && optarg == words[static_cast<size_t>(optind) - 1];
+        const std::string_view word = words[static_cast<size_t>(optind) - (ownWord ? 2 : 1)];
+        if (found == kHelp) {
+            PrintHelp(usage, options);
+            *exitCode = kExitDone;
+            return false;
+        }
+        if (found == kMissingValue) return SayBadUsage(usage, std::string(word).append(" needs a value"), exitCode);
+        const Option_t* option = found < kFirstOption ? nullptr : &options[static_cast<size_t>(found - kFirstOption)];
+        // Names are taken whole: an abbreviation that works today may name another option tomorrow.
+        if (option == nullptr || word.substr(0, word.find('=')) != option->name)
+            return SayBadUsage(usage, std::string("'").append(word).append("' is no option here"), exitCode);
+        Store(*option, optarg);
+    }
+    return StoreArguments(usage, options,
+                          std::span(words).first(static_cast<size_t>(count)).subspan(static_cast<size_t>(optind)),
+                          exitCode);
+}
+
+bool SayBadUsage(const Usage_t& usage, const std::string& message, int* exitCode) {
+    SayError("bad usage", message + "; try " + usage.command + " --help");
+    *exitCode = kExitUsage;
+    return false;
+}
+
+static bool ParseDigits(std::string_view text, int base, uint64_t most, uint64_t* value) {
+    uint64_t parsed = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed, base);
+    if (error != std::errc() || end != text.data() + text.size() || parsed > most) return false;
+    *value = parsed;
+    return true;
+}
+
+static bool DropHexPrefix(std::string_view* text) {
+    if (!text->starts_with("0x") && !text->starts_with("0X")) return false;
+    text->remove_prefix(2);
+    return true;
+}
+
+bool ParseNumber(std::string_view text, uint64_t most, uint64_t* value) {
+    const int base = DropHexPrefix(&text) ? 16 : 10;
+    return ParseDigits(text, base, most, value);
+}
+
+bool ParseHex(std::string_view text, uint64_t most, uint64_t* value) {
+    DropHexPrefix(&text);
+    if (text.ends_with('h') || text.ends_with('H')) text.remove_suffix(1);
+    return ParseDigits(text, 16, most, value);
+}

@@ -1,0 +1,39 @@
+// A command's options as a table, and the one function that reads them from the command line.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+using Arguments_t = std::vector<std::string>;
+
+struct Usage_t {
+    const char* command;  // as typed, "quorlin find"
+    const char* description;
+    const char* footer;  // examples and exit codes
+};
+
+// One option. A name without dashes is that of an argument, which stands in its place on the command line.
+struct Option_t {
+    const char* name;
+    const char* typeName;  // of its value; null for a flag
+    const char* help;
+    std::variant<bool*, std::string*, std::vector<std::string>*> target;  // a list takes the option once for each value
+    bool required = false;
+};
+
+// Fills the options' targets. False when the command is to end here with `exitCode`: help was asked for and printed,
+// or the usage was bad and a line said so.
+bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, const Arguments_t& arguments,
+                      int* exitCode);
+
+// "quorlin: bad usage: MESSAGE; try COMMAND --help" on standard error; gives false.
+bool SayBadUsage(const Usage_t& usage, const std::string& message, int* exitCode);
+
+// Numbers as users write them: decimal, or hexadecimal behind 0x. False for anything else, and above `most`.
+bool ParseNumber(std::string_view text, uint64_t most, uint64_t* value);
+// Hexadecimal digits, with or without 0x in front or h behind.
+bool ParseHex(std::string_view text, uint64_t most, uint64_t* value);

@@ -1,0 +1,13 @@
+// The commands, each in the file of its name.
+#pragma once
+
+#include "Tools/quorlin/CommandLine.h"
+
+int RunShow(const Arguments_t& arguments);
+int RunTypes(const Arguments_t& arguments);
+int RunFind(const Arguments_t& arguments);
+int RunGet(const Arguments_t& arguments);
+int RunDiff(const Arguments_t& arguments);
+int RunDump(const Arguments_t& arguments);
+int RunRaw(const Arguments_t& arguments);
+int RunCheck(const Arguments_t& arguments);

@@ -1,0 +1,120 @@
+#include "Tools/quorlin/Json.h"
+
+#include <cstring>
+
+#include "Tools/quorlin/Text.h"
+
+namespace {
+
+constexpr size_t kLarge = 64u << 10;
+
+// Whether the text stands in JSON as it is: ASCII without control characters, quotes and backslashes. Most texts are
+// such, and eight bytes are looked at in one step: of a byte that isn't, the high bit of its test comes out set. (A
+// borrow from a lower byte can only make a test too strict.)
+bool StandsAsItIs(std::string_view text) {
+    constexpr uint64_t kOnes = 0x0101010101010101, kHighs = kOnes << 7;
+    const auto test = [](uint64_t bytes) {
+        const uint64_t quotes = bytes ^ (kOnes * '"'), slashes = bytes ^ (kOnes * '\\');
+        return (bytes | (bytes - kOnes * 0x20) | (quotes - kOnes) | (slashes - kOnes)) & kHighs;
+    };
+    uint64_t bytes = kOnes * ' ', bad = 0;
+    const char* at = text.data();
+    size_t size = text.size();
+    for (; size >= sizeof bytes; size -= sizeof bytes, at += sizeof bytes) {
+        std::memcpy(&bytes, at, sizeof bytes);
+        bad |= test(bytes);
+    }
+    bytes = kOnes * ' ';
+    std::memcpy(&bytes, at, size);
+    return (bad | test(bytes)) == 0;
+}
+
+char* Append(char* at, std::string_view text) {
+    std::memcpy(at, text.data(), text.size());
+    return at + text.size();
+}
+
+}  // namespace
+
+void ClJson::FlushIfLarge() {
+    if (m_buffer.GetSize() < kLarge) return;
+    m_output << std::string_view(m_buffer.GetString(), m_buffer.GetSize());
+    m_buffer.Clear();
+}
+
+void ClJson::Quoted(std::string_view plain) {
+    Prefix(rapidjson::kStringType);
+    char* at = m_buffer.Push(plain.size() + 2);
+    *at = '"';
+    *Append(at + 1, plain) = '"';
+}
+
+bool ClJson::Text(std::string_view text) {
+    if (StandsAsItIs(text)) {
+        Quoted(text);
+        return false;
+    }
+    std::string clean;
+    const bool isReplaced = AppendUtf8(clean, text);
+    String(clean.data(), static_cast<rapidjson::SizeType>(clean.size()));
+    return isReplaced;
+}
+
+void ClJson::Pair(std::string_view key, std::string_view value) {
+    FlushIfLarge();
+    if (StandsAsItIs(key) && StandsAsItIs(value)) {
+        // The usual pair in one step.
+        constexpr std::string_view kBegin = R"({"key":")", kMiddle = R"(","value":")", kEnd = R"("})";
+        Prefix(rapidjson::kObjectType);
+        char* at = m_buffer.Push(kBegin.size() + key.size() + kMiddle.size() + value.size() + kEnd.size());
+        Append(Append(Append(Append(Append(at, kBegin), key), kMiddle), value), kEnd);
+        return;
+    }
+    BeginObject();
+    const bool keyReplaced = Member("key", key), valueReplaced = Member("value", value);
+    if (keyReplaced || valueReplaced) {
+        Name("replaced");
+        Truth(true);
+    }
+    FinishObject();
+}
+
+void ClJson::Finish() {
+    m_buffer.Put('\n');
+    m_output << std::string_view(m_buffer.GetString(), m_buffer.GetSize());
+    m_buffer.Clear();
+    Reset(m_buffer);
+}
+
+void WriteTableMembers(ClJson& json, const ClTable& table) {
+    json.Member("source", table.Name());
+    json.Member("smbios", std::to_string(table.Major()) + "." + std::to_string(table.Minor()));
+    if (!table.Remark().empty()) json.Member("remark", table.Remark());
+}
+
+void WriteStructureMembers(ClJson& json, const Structure_t& structure) {
+    json.Member("type", structure.type);
+    json.Member("handle", structure.handle);
+    json.Member("instance", structure.instance);
+    if (json.Member("title", structure.title)) {
+        json.Name("replaced");
+        json.Truth(true);
+    }
+}
+
+int RunOnTables(const Source_t& source, Format_t format, int trouble, ClJson& json,
+                const std::function<int(ClTable&)>& work) {
+    if (format != Format_t::kNdjson) return ForEachTable(source, trouble, work);
+    return ForEachTable(source, trouble, work, [&](const ClTable& table) {
+        json.BeginObject();
+        json.Member("source", table.Name());
+        json.Member("error", table.Error());
+        json.FinishObject();
+        json.Finish();
+    });
+}
+
+bool CheckFleet(const Usage_t& usage, const Source_t& source, Format_t format, int* exitCode) {
+    if (!source.IsFleet() || format == Format_t::kNdjson) return true;
+    return SayBadUsage(usage, "several images need --format ndjson", exitCode);
+}

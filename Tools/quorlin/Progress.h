@@ -1,0 +1,21 @@
+// How far a long run is, on a terminal only.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+class ClProgress {
+  public:
+    explicit ClProgress(bool isWanted);
+    ~ClProgress();
+    ClProgress(const ClProgress&) = delete;
+    ClProgress& operator=(const ClProgress&) = delete;
+
+    // One more table is done.
+    void Step();
+
+  private:
+    bool m_isShown;
+    size_t m_done = 0;
+    std::chrono::steady_clock::time_point m_begin, m_next;
+};

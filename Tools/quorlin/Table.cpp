@@ -1,0 +1,271 @@
+#include "Tools/quorlin/Table.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+#include "Packages/OS/OS.h"
+#include "Packages/Platform/Platform.h"
+#include "Packages/Platform/Program.h"
+#include "Packages/Sample/Sample.h"
+#include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Progress.h"
+#include "Tools/quorlin/Recover.h"
+
+namespace {
+
+constexpr DWORD kRawSMBIOSProvider = 0x52534D42;
+constexpr uint8_t kNoSweep = 127;  // a preset type, so that a package decodes only what it is asked for
+
+// Why this machine gives no table, in words that say what to try.
+std::string WhyNoTable() {
+    if (GetSystemFirmwareTable(kRawSMBIOSProvider, 0, nullptr, 0) == 0 && GetLastError() == ERROR_ACCESS_DENIED)
+        return "reading the SMBIOS table needs more rights; try as root";
+    return "no SMBIOS table here; try --sample, or --image FILE";
+}
+
+// The machine that the process began with, whatever images came since.
+const MachineServices_t& MachineAtStart() {
+    static const MachineServices_t machine = *CurrentMachine();
+    return machine;
+}
+
+// "M.m", two numbers below 256.
+bool ParseVersion(const std::string& text, uint8_t* major, uint8_t* minor) {
+    unsigned parts[2];
+    char rest;
+    if (std::sscanf(text.c_str(), "%3u.%3u%c", &parts[0], &parts[1], &rest) != 2) return false;
+    if (parts[0] > 255 || parts[1] > 255) return false;
+    *major = static_cast<uint8_t>(parts[0]);
+    *minor = static_cast<uint8_t>(parts[1]);
+    return true;
+}
+
+// The lines of a file of names, one by one, so that a long list takes no memory.
+class ClNameList {
+  public:
+    explicit ClNameList(const std::string& path) : m_file(path == "-" ? stdin : OpenFile(path, "r")) {}
+    ~ClNameList() {
+        if (m_file != nullptr && m_file != stdin) std::fclose(m_file);
+    }
+    ClNameList(const ClNameList&) = delete;
+    ClNameList& operator=(const ClNameList&) = delete;
+
+    bool IsOpen() const { return m_file != nullptr; }
+    // The next line that isn't empty.
+    bool Next(std::string* name) {
+        do {
+            name->clear();
+            int character;
+            while ((character = std::getc(m_file)) != EOF && character != '\n')
+                name->push_back(static_cast<char>(character));
+            if (character == EOF && name->empty()) return false;
+            if (name->ends_with('\r')) name->pop_back();
+        } while (name->empty());
+        return true;
+    }
+
+  private:
+    std::FILE* m_file;
+};
+
+}  // namespace
+
+std::vector<Option_t> Source_t::Options() {
+    return {
+        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both; may be given more than once", &images        },
+        {"--image-list",     "FILE",  "Read the images that FILE names, one a line (- for standard input)",          &imageList     },
+        {"--sample",         nullptr, "Take the embedded sample table",                                              &sample        },
+        {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                             &sampleIfNone  },
+        {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells",  &asGiven       },
+        {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                              &versionGiven  },
+        {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",               &signatureGiven},
+        {"--recover",        nullptr, "Look for structures behind a damaged one",                                    &recover       },
+        {"--verbose",        nullptr, "Say on standard error where a table comes from",                              &verbose       },
+    };
+}
+
+bool Source_t::Check(const Usage_t& usage, int* exitCode) {
+    const bool fromFiles = !images.empty() || !imageList.empty();
+    if (int{fromFiles} + int{sample} + int{sampleIfNone} > 1)
+        return SayBadUsage(usage, "--image, --sample and --sample-if-none exclude each other", exitCode);
+    if (!asGiven.empty() && !FormByName(asGiven, &as))
+        return SayBadUsage(usage, "--as: '" + asGiven + "' is none of any, dump, table, windows and sysfs", exitCode);
+    if (!versionGiven.empty() && !ParseVersion(versionGiven, &major, &minor))
+        return SayBadUsage(usage, "--smbios-version: '" + versionGiven + "' is no version like 3.0", exitCode);
+    uint64_t number = 0;
+    if (!signatureGiven.empty() && !ParseHex(signatureGiven, UINT32_MAX, &number))
+        return SayBadUsage(usage, "--signature: '" + signatureGiven + "' is no hexadecimal number of 32 bits",
+                           exitCode);
+    signature = static_cast<uint32_t>(number);
+    return true;
+}
+
+bool ClTable::BringUp() {
+    BaseAbstraction* created = CreateSmbiosPackageForKovr(kNoSweep);
+    if (created == nullptr) throw std::bad_alloc();
+    m_package.reset(static_cast<Quorlin*>(created));
+    if (m_package->Initialize() == kSuccess) return true;
+    Close();
+    return false;
+}
+
+bool ClTable::UseSample(const Source_t& source) {
+    const std::span<const uint8_t> table = SampleTable();
+    m_image.source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, source.signature};
+    m_isSample = true;
+    m_name = "sample";
+    return SetImageMachine(&m_image.source) == kSuccess && BringUp();
+}
+
+void ClTable::AddRemark(const std::string& text) {
+    if (text.empty()) return;
+    if (!m_remark.empty()) m_remark += "; ";
+    m_remark += text;
+}
+
+// From here on the table is what can be read of it. Expects m_image to point to the whole.
+bool ClTable::UseRecovered(const Source_t& source) {
+    if (!source.recover) return true;
+    Recovered_t recovered = RecoverTable({m_image.source.table, m_image.source.length});
+    AddRemark(recovered.Remark());
+    m_recovered = std::move(recovered.table);
+    m_image.source.table = m_recovered.data();
+    m_image.source.length = static_cast<uint32_t>(m_recovered.size());
+    return true;
+}
+
+bool ClTable::OpenImage(const Source_t& source, const std::string& path) {
+    m_isImage = true;
+    m_name = path;
+    m_image.source = {nullptr, 0, source.major, source.minor, source.signature};
+    if (ReadImage(path, source.as, &m_image, &m_error) != kSuccess) return false;
+    AddRemark(m_image.Remark());
+    UseRecovered(source);
+    if (SetImageMachine(&m_image.source) == kSuccess && BringUp()) return true;
+    m_error = "out of memory";
+    return false;
+}
+
+bool ClTable::OpenThisMachine(const Source_t& source) {
+    m_name = "this machine";
+    SetMachine(&MachineAtStart());
+    if (BringUp()) {
+        uint8_t entry[kEntryBufferSize] = {};
+        if (LibSMBIOSInit(entry) == kSuccess) LibSMBIOSExit();  // one more user for a moment, to learn the version
+        std::copy_n(entry + 6, 2, m_version);
+        if (!source.recover) return true;
+        // The same table as an image, as far as it can be read.
+        CPUIDRecord_t cpuid = {};
+        cpuid.Eax = 1;
+        MachineAtStart().ReadCPUID(kAnyProcessor, &cpuid);
+        const std::span<const uint8_t> bytes = Bytes();
+        m_image.bytes.assign(bytes.begin(), bytes.end());
+        m_image.source = {m_image.bytes.data(), static_cast<uint32_t>(m_image.bytes.size()), Major(), Minor(),
+                          cpuid.Eax};
+        Close();
+        UseRecovered(source);
+        return SetImageMachine(&m_image.source) == kSuccess && BringUp();
+    }
+    if (source.sampleIfNone) {
+        AddRemark("no SMBIOS table to be had; showing the embedded sample");
+        SayError(m_name, m_remark);
+        m_remark.clear();
+        if (UseSample(source)) return true;
+    }
+    m_error = WhyNoTable();
+    return false;
+}
+
+bool ClTable::Open(const Source_t& source, const std::string* path) {
+    MachineAtStart();
+    Close();
+    m_isImage = m_isSample = false;
+    m_error.clear();
+    m_remark.clear();
+    const bool isOpen = path != nullptr ? OpenImage(source, *path)
+                        : source.sample ? UseSample(source)
+                                        : OpenThisMachine(source);
+    if (!isOpen) return false;
+    if (m_isImage || m_isSample || source.recover) {
+        m_version[0] = m_image.source.major;
+        m_version[1] = m_image.source.minor;
+    }
+    if (source.verbose) SayError(m_name, "read " + Form());
+    return true;
+}
+
+bool ClTable::IsThisMachine() const { return !m_isImage && !m_isSample; }
+
+void ClTable::Close() {
+    os_free(m_dump);
+    m_dump = nullptr;
+    if (m_package == nullptr) return;
+    m_package->UnInitialize();
+    DestroySmbiosPackageForKovr(m_package.release());
+}
+
+std::span<const uint8_t> ClTable::Bytes() {
+    if (m_isImage || m_isSample) return {m_image.source.table, m_image.source.length};
+    uint8_t entry[kEntryBufferSize] = {};
+    if (m_dump == nullptr && GetSMBIOSDump(entry, &m_dump) != kSuccess) return {};
+    return {m_dump->Data(), m_dump->Length};
+}
+
+std::string ClTable::Form() const {
+    std::string form = m_isSample  ? std::string("the embedded sample")
+                       : m_isImage ? "as " + std::string(NameOfForm(m_image.form)) +
+                                         (m_image.isCompressed ? ", compressed with gzip" : "")
+                                   : std::string("by the system's firmware-table call");
+    form += ", SMBIOS " + std::to_string(Major()) + "." + std::to_string(Minor());
+    if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
+    return form;
+}
+
+int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work,
+                 const std::function<void(const ClTable&)>& failed) {
+    // What the last image took goes with the process: giving it back piece by piece would be a good part of a short
+    // run.
+    static ClTable& table = *new ClTable;
+    int exitCode = kExitDone;
+    const auto one = [&](const std::string* path) {
+        if (table.Open(source, path)) {
+            exitCode = std::max(exitCode, work(table));
+            if (table.IsThisMachine()) table.Close();
+        } else {
+            failed(table);
+            exitCode = std::max(exitCode, trouble);
+        }
+    };
+    if (!source.IsFleet() && source.images.empty()) {
+        one(nullptr);
+        return exitCode;
+    }
+    ClProgress progress(source.IsFleet());
+    for (const std::string& path : source.images) {
+        one(&path);
+        progress.Step();
+    }
+    if (source.imageList.empty()) return exitCode;
+    ClNameList names(source.imageList);
+    if (!names.IsOpen()) {
+        SayError(source.imageList, std::string(std::strerror(errno)) + "; try - to give the names on standard input");
+        return trouble;
+    }
+    for (std::string name; names.Next(&name);) {
+        one(&name);
+        progress.Step();
+    }
+    return exitCode;
+}
+
+int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work) {
+    return ForEachTable(
+        source, trouble,
+        [&](ClTable& table) {
+            if (!table.Remark().empty()) SayError(table.Name(), table.Remark());
+            return work(table);
+        },
+        [](const ClTable& table) { SayError(table.Name(), table.Error()); });
+}

@@ -1,0 +1,24 @@
+// Firmware's text on its way to people and to other programs. It is untrusted: control characters would steer a
+// terminal, and other programs expect valid UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// The length of the valid UTF-8 sequence at the begin of `text`, or 0.
+size_t SequenceLength(std::string_view text);
+// Whether there is nothing but printable ASCII.
+bool IsPlain(std::string_view text);
+// Adds `text` with control characters as blanks and invalid bytes as U+FFFD, without the blanks at its end.
+void AppendPrintable(std::string& out, std::string_view text);
+std::string Printable(std::string_view text);
+// Adds `text` with invalid bytes as U+FFFD, control characters kept. Whether there were any.
+bool AppendUtf8(std::string& out, std::string_view text);
+
+// ASCII letters alike, whatever their case.
+bool EqualsIgnoringCase(std::string_view first, std::string_view second);
+bool ContainsIgnoringCase(std::string_view text, std::string_view part);
+
+// A handle as the standard's tables write it: 0011h.
+std::string HandleText(uint16_t handle);
