@@ -5,8 +5,8 @@
  * and the items behind it are its own, up to the next title. Types 0 to 42, 126, 127, 130, 131, 221 and 222 are
  * decoded.
  *
- * Text       NUL-terminated. Keys and titles are ASCII. A value may hold bytes of a firmware's string, which come as
- *            they are, whatever their encoding. The text of an item lives until its handle is closed.
+ * Text       NUL-terminated. A value, and the key of a vendor's item, may hold bytes of a firmware's string, which come
+ *            as they are, whatever their encoding. The text of an item lives until its handle is closed.
  * Null       A null pointer for an out argument or a needed text gives QUORLIN_NULL_POINTER, a null handle too where
  *            a status is given; other functions then give 0 or null. quorlin_close takes null.
  * Out        Out arguments are written on QUORLIN_OK only.
