@@ -3,7 +3,7 @@
 
     exports.py LIBRARY HEADER-FOLDER
 
-LIBRARY is a libquorlin.so or a quorlin.dll.
+LIBRARY is a libquorlin.so or a quorlin.dll, and HEADER-FOLDER holds the installed headers.
 """
 import pathlib
 import re
