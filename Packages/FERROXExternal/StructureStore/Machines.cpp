@@ -73,3 +73,10 @@ status_t SetImageMachine(const ImageSource_t* source) {
     imageSource = *source;
     return SetMachine(&kImageMachine);
 }
+
+MachineChoice_t ChosenMachine() { return {currentMachine, imageSource}; }
+
+void ChooseMachine(const MachineChoice_t& choice) {
+    currentMachine = choice.services;
+    imageSource = choice.image;
+}
