@@ -1,9 +1,11 @@
 # The short front of the build; the configurations stand in CMakePresets.json. Targets install what they need.
 BUILD_PACKAGES = g++ make cmake ninja-build libcli11-dev rapidjson-dev zlib1g-dev
-TEST_PACKAGES = libgtest-dev
+TEST_PACKAGES = libgtest-dev pkg-config python3
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 BENCH_PACKAGES = libbenchmark-dev
 FUZZ_PACKAGES = clang
+DEB_PACKAGES = dpkg-dev debhelper lintian
+ZIP_PACKAGES = zip
 STYLE_PACKAGES = clang-format clang-tidy
 
 INSTALL = cmake/install-packages.sh
@@ -11,7 +13,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test asan windows bench fuzz format lint clean
+.PHONY: build run test asan windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -38,6 +40,20 @@ windows:
 	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES)
 	@cmake --preset windows >/dev/null
 	@cmake --build --preset windows
+
+# Into $(DESTDIR)$(PREFIX); without DESTDIR the loader learns of the library.
+PREFIX = /usr/local
+install: build
+	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+	@[ -n "$(DESTDIR)" ] || [ "$$(id -u)" != 0 ] || ldconfig
+
+deb:
+	@$(INSTALL) $(BUILD_PACKAGES) $(DEB_PACKAGES)
+	@cmake/make-deb.sh build/deb
+
+zip: windows
+	@$(INSTALL) $(ZIP_PACKAGES)
+	@cmake/make-zip.sh build/windows
 
 bench:
 	@$(INSTALL) $(BUILD_PACKAGES) $(BENCH_PACKAGES)

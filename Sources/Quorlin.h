@@ -39,7 +39,9 @@ class BaseAbstraction {
     virtual status_t ReservedOperation2() { return kFailure; }
 };
 
-class Quorlin final : public BaseAbstraction {
+// Not final: a host's calls have to go through the table of virtual operations, as the operations themselves aren't
+// exported.
+class Quorlin : public BaseAbstraction {
   public:
     static constexpr uint8_t kSweep = 255;
 

@@ -5,18 +5,20 @@
 #include "Packages/Debug/Debug.h"
 #include "Tests/Platform/ScriptedPlatform.h"
 
-// The tests' only trace handle: it is never looked into.
-static int handleMark;
+// The tests' only trace handle, with every level on.
+static DebugRecord_t record = {};
 
 status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
     if (!Platform().Call("DebugLibInit") || name != std::string("FERROX")) return kFailure;
     ++Platform().traceHandles;
-    *handle = reinterpret_cast<DebugHandle_t>(&handleMark);
+    record.TraceMask = kAllLevels;
+    record.OutputType = kConsoleOutput;
+    *handle = &record;
     return kSuccess;
 }
 
 status_t DebugLibExit(DebugHandle_t handle) {
-    if (handle != reinterpret_cast<DebugHandle_t>(&handleMark)) return kNullPointer;
+    if (handle != &record) return kNullPointer;
     --Platform().traceHandles;
     return kSuccess;
 }

@@ -53,3 +53,8 @@ class ClOutput {
 
 // "quorlin: SUBJECT: MESSAGE" on standard error.
 void SayError(std::string_view subject, std::string_view message);
+
+// Sixteen bytes a line: the offset, hexadecimal, and what of it is ASCII.
+void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);
+// Writes a file that doesn't exist yet, its owner's alone to read. False with a line on standard error.
+bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes);

@@ -22,6 +22,7 @@ constexpr Usage_t kUsage = {
     "  dump   a table into a new file\n"
     "  raw    the bytes and strings of structures\n"
     "  check  what is wrong with a table\n"
+    "  hw     reads hardware: CPUID, PCI, memory, registers, ACPI\n"
     "\n"
     "Example: quorlin --image table.bin --type 4 --type 17\n"
     "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",

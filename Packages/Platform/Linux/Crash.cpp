@@ -168,8 +168,9 @@ bool IsOurs(const struct sigaction& action) {
 
 }  // namespace
 
-// A null filter takes ours away. The calling thread gets a signal stack, others keep what they have.
+// A null filter takes ours away. With a filter the calling thread gets a signal stack, others keep what they have.
 LPTOP_LEVEL_EXCEPTION_FILTER SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_FILTER filter) {
+    // Not without a filter, as when this code is unloaded: an object made then would outlive its destructor.
     if (filter != nullptr) static thread_local ClSignalStack stackOfThread;
     const LPTOP_LEVEL_EXCEPTION_FILTER previous = theFilter.exchange(filter);
     for (const int signal : kSignals) {

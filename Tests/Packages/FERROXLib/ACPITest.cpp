@@ -93,22 +93,22 @@ TEST_F(ACPI, SegmentsOfMCFG) {
     const Entry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
     const struct {
         const char* what;
-        std::vector<uint8_t> table;
+        size_t entries;   // that the table has room for
+        uint32_t length;  // that it says it has; 0 for the truth
         status_t status;
         uint32_t count;
     } kCases[] = {
-        {"two",                         MCFG({kSegment, kSegment}), 1,        2                                     },
-        {"none",                        MCFG({}),                   5,        0                                     },
-        {"a broken entry",              MCFG({kSegment, kSegment},  75),      1,                                      1},
-        {"a length below 44",                             MCFG({kSegment},                                     43),  5, 0},
-        {"longer than any",                            MCFG({kSegment},                                                      0xFFFFFFFF),                                              1,                                          1},
-        {"longer than the table",                            MCFG({kSegment},                                                     0x10000),                1,1},
-        {"256",                     MCFG(std::vector(256,kSegment)),1,                                  256},
-        {"more than there are numbers",MCFG(std::vector(300,            kSegment)),                                  1,                                    256},
-        {"no whole header", {'M', 'C', 'F', 'G', 0xFF, 0xFF},                   5,      0         },
+        {"two",                         2,   0,          1, 2  },
+        {"none",                        0,   0,          5, 0  },
+        {"a broken entry",              2,   75,         1, 1  },
+        {"a length below 44",           1,   43,         5, 0  },
+        {"a length beyond the table",   1,   0x10000,    1, 1  },
+        {"the largest length",          1,   0xFFFFFFFF, 1, 1  },
+        {"256",                         256, 0,          1, 256},
+        {"more than there are numbers", 300, 0,          1, 256},
     };
     for (const auto& c : kCases) {
-        Platform().tables["MCFG"] = c.table;
+        Platform().tables["MCFG"] = MCFG(std::vector(c.entries, kSegment), c.length);
         // As large as the table's count of entries, so that the sanitizers see one too many.
         std::vector<SegBusInfo_t> segments(std::max(c.count, 1u));
         uint32_t count = 99;
@@ -123,6 +123,9 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         EXPECT_EQ(uint32_t{last.SegmentCount}, c.count) << c.what;
         EXPECT_EQ(GetSegBusInfo(segments.data()), kSuccess) << c.what;
     }
+    SegBusInfo_t segment = {};
+    Platform().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // no whole header
+    EXPECT_EQ(GetSegBusInfo(&segment), kFailure);
     EXPECT_TRUE(Platform().Traced(2, "Total Number of segments = 256"));
     EXPECT_TRUE(
         Platform().Traced(48, "OSGetSegBusInfo: No PCI segment found. This might not be a Selvane based system!!\n"));

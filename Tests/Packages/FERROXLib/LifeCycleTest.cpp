@@ -7,6 +7,10 @@ namespace {
 
 using LifeCycle = ClMachineTest;
 
+bool Traced(const std::string& text) {
+    return std::ranges::any_of(Platform().lines, [&](const TraceLine_t& line) { return line.text == text; });
+}
+
 size_t Count(const char* function) {
     return static_cast<size_t>(std::ranges::count_if(
         Platform().calls, [&](const std::string& call) { return call.starts_with(std::string(function) + "#"); }));
@@ -157,101 +161,76 @@ TEST_F(LifeCycle, ForeignServiceSurvivesAFailedOpen) {
     EXPECT_EQ(Platform().SharedCount(), std::nullopt);
 }
 
-// Stop pending: the waits, and how they end.
-TEST_F(LifeCycle, StopOfTheService) {
+TEST_F(LifeCycle, StopWaitsATenthOfTheHint) {
     constexpr DWORD kPending = SERVICE_STOP_PENDING, kRunning = SERVICE_RUNNING, kStopped = SERVICE_STOPPED;
     const struct {
-        const char* what;
+        const char* line;
         DWORD hint;
         std::deque<DWORD> states;
         std::vector<DWORD> sleeps;
-        DWORD stateAfterStop;
-        std::set<std::string> failing;
-        status_t status;
         size_t controls;
-        const char* line;
+        status_t status;
     } kCases[] = {
-        {"stopped already",            0,      {kStopped},                     {},      kStopped, {},                         1, 0, "StopDriver: Service is already stopped.\n"},
-        {"hint 0",
-         0,                                    {kPending, kPending, kStopped},
-         {1000, 1000},
-         kStopped,                                                                                {},
-         1,                                                                                                                      0,
-         "StopDriver: Service stopped.\n"                                                                                                                                      },
-        {"hint 200",                   200,    {kPending, kStopped},           {1000},  kStopped, {},                         1, 0, "StopDriver: Service stop pending...\n"    },
-        {"hint 25000",                 25000,  {kPending, kStopped},           {2500},  kStopped, {},                         1, 0, "StopDriver: Service stopped.\n"           },
-        {"hint 200000",                200000, {kPending, kStopped},           {10000}, kStopped, {},                         1, 0, "StopDriver: Service stopped.\n"           },
-        {"runs again",                 0,      {kPending, kRunning},           {1000},  kStopped, {},                         1, 1, "StopDriver: Service stop pending...\n"    },
-        {"never comes",
-         200000,                               {kPending},
-         {10000, 10000, 10000, 10000},
-         kStopped,                                                                                {},
-         5,                                                                                                                      0,
-         "OSFERROXTerminate: StopDriver failed"                                                                                                                                },
-        {"not stopped",                0,      {kRunning},                     {},      kRunning, {},                         5, 1, "StopDriver: Service has not stopped \n"   },
-        {"query fails while pending",
-         0,                                    {kPending},
-         {1000},
-         kStopped,                                                                                {"QueryServiceStatusEx#2"},
-         5,                                                                                                                      0,
-         "OSFERROXTerminate: StopDriver failed"                                                                                                                                },
-        {"query fails",                0,      {},                             {},      kStopped, {"QueryServiceStatusEx#1"}, 5, 0, "OSFERROXTerminate: StopDriver failed"     },
-        {"query fails after the stop",
-         0,                                    {},
-         {},
-         kStopped,                                                                                {"QueryServiceStatusEx#2"},
-         5,                                                                                                                      1,
-         "OSFERROXTerminate: StopDriver failed"                                                                                                                                },
-        {"control fails",
-         0,                                    {},
-         {},
-         kStopped,                                                                                {"ControlService#1"},
-         5,                                                                                                                      0,
-         "StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n"                                                                                                          },
-        {"manager fails",              0,      {},                             {},      kStopped, {"OpenSCManagerA#3"},       5, 0, "OSFERROXTerminate: StopDriver failed"     },
-        {"service fails",              0,      {},                             {},      kStopped, {"OpenServiceA#3"},         5, 0, "OSFERROXTerminate: StopDriver failed"     },
-        {"file stays locked",
-         0,                                    {},
-         {},
-         kStopped,                                                                                {"CloseHandle file#1"},
-         5,                                                                                                                      1,
-         "StopDriver: Could not unlock file : Ravelink.sys \n"                                                                                                                 },
-        {"delete fails",               0,      {},                             {},      kStopped, {"DeleteService#1"},        5, 1, "OSFERROXTerminate: RemoveDriver failed"   },
-        {"service fails at removal",
-         0,                                    {},
-         {},
-         kStopped,                                                                                {"OpenServiceA#4"},
-         5,                                                                                                                      1,
-         "OSFERROXTerminate: RemoveDriver failed"                                                                                                                              },
+        {"StopDriver: Service is already stopped.\n", 0,      {kStopped},           {},                       0, 1},
+        {"StopDriver: Service stopped.\n",            0,      {kPending, kStopped}, {1000},                   0, 1},
+        {"StopDriver: Service stopped.\n",            200,    {kPending, kStopped}, {1000},                   0, 1},
+        {"StopDriver: Service stopped.\n",            25000,  {kPending, kStopped}, {2500},                   0, 1},
+        {"StopDriver: Service stopped.\n",            200000, {kPending, kStopped}, {10000},                  0, 1},
+        {"StopDriver: Service stop pending...\n",     0,      {kPending, kRunning}, {1000},                   1, 1},
+        {"OSFERROXTerminate: StopDriver failed",      90000,  {kPending},           {9000, 9000, 9000, 9000}, 0, 5},
     };
     for (const auto& c : kCases) {
         NewPlatform();
-        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.what;
+        ASSERT_EQ(FERROXInitialize(), kSuccess);
         Platform().service.waitHint = c.hint;
         Platform().service.nextStates = c.states;
-        Platform().service.stateAfterStop = c.stateAfterStop;
-        Platform().failCalls = c.failing;
-        EXPECT_EQ(FERROXTerminate(), c.status) << c.what;
-        EXPECT_EQ(Platform().sleeps, c.sleeps) << c.what;
-        EXPECT_EQ(Platform().controls.size(), c.controls) << c.what;
-        const bool told = std::ranges::any_of(Platform().lines, [&](const auto& line) { return line.text == c.line; });
-        EXPECT_TRUE(told) << c.what;
-        EXPECT_EQ(FERROXTerminate(), kFailure) << c.what;  // closed, whatever became of the service
-        if (c.status == kSuccess) {
-            EXPECT_FALSE(Platform().service.exists) << c.what;
-            EXPECT_EQ(Platform().Open(), "") << c.what;
-            continue;
-        }
-        // View and section stay, and nothing else does. A later try takes them over and brings all to its end.
-        EXPECT_EQ(Platform().Open(), "section view ") << c.what;
-        EXPECT_EQ(Platform().SharedCount(), 0u) << c.what;
+        EXPECT_EQ(FERROXTerminate(), c.status) << c.hint;
+        EXPECT_EQ(Platform().sleeps, c.sleeps) << c.hint;
+        EXPECT_EQ(Platform().controls.size(), c.controls) << c.hint;
+        EXPECT_TRUE(Traced(c.line)) << c.hint;
+        EXPECT_EQ(Platform().service.exists, c.status != kSuccess) << c.hint;
+        if (c.status == kSuccess) continue;
+        // Left behind for the next try, once the service has stopped.
+        Platform().service.state = kStopped;
+        EXPECT_EQ(FERROXInitialize(), kSuccess);
+        EXPECT_EQ(FERROXTerminate(), kSuccess);
+    }
+}
+
+TEST_F(LifeCycle, FailedStopOrRemovalLeavesSectionAndView) {
+    const struct {
+        const char* failing;
+        size_t controls;
+        const char* line;
+    } kCases[] = {
+        {"OpenSCManagerA#3",       0, "OSFERROXTerminate: StopDriver failed"                      },
+        {"OpenServiceA#3",         0, "OSFERROXTerminate: StopDriver failed"                      },
+        {"QueryServiceStatusEx#1", 0, "OSFERROXTerminate: StopDriver failed"                      },
+        {"ControlService#1",       0, "StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n"},
+        {"QueryServiceStatusEx#2", 1, "OSFERROXTerminate: StopDriver failed"                      },
+        {"(still running)",        1, "StopDriver: Service has not stopped \n"                    },
+        {"CloseHandle file#1",     1, "StopDriver: Could not unlock file : Ravelink.sys \n"       },
+        {"OpenServiceA#4",         1, "OSFERROXTerminate: RemoveDriver failed"                    },
+        {"DeleteService#1",        1, "OSFERROXTerminate: RemoveDriver failed"                    },
+    };
+    for (const auto& c : kCases) {
+        NewPlatform();
+        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.failing;
+        Platform().failCalls = {c.failing};
+        if (c.failing[0] == '(') Platform().service.stateAfterStop = SERVICE_RUNNING;
+        EXPECT_EQ(FERROXTerminate(), kFailure) << c.failing;
+        EXPECT_EQ(Platform().controls.size(), c.controls) << c.failing;
+        EXPECT_TRUE(Traced(c.line)) << c.failing;
+        EXPECT_EQ(Platform().Open(), "section view ") << c.failing;
+        EXPECT_EQ(Platform().SharedCount(), 0u) << c.failing;
+        EXPECT_EQ(FERROXTerminate(), kFailure) << c.failing;  // closed, whatever became of the service
+        // A later try takes both over and brings all to its end.
         Platform().failCalls.clear();
         Platform().service.stateAfterStop = SERVICE_STOPPED;
-        if (Platform().service.state == kPending) Platform().service.state = kStopped;
-        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.what;
-        ASSERT_EQ(FERROXTerminate(), kSuccess) << c.what;
-        EXPECT_FALSE(Platform().service.exists) << c.what;
-        EXPECT_EQ(Platform().Open(), "") << c.what;
+        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.failing;
+        ASSERT_EQ(FERROXTerminate(), kSuccess) << c.failing;
+        EXPECT_FALSE(Platform().service.exists) << c.failing;
+        EXPECT_EQ(Platform().Open(), "") << c.failing;
     }
 }
 

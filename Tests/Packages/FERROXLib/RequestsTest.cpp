@@ -7,25 +7,17 @@ namespace {
 
 using Requests = ClLibraryTest;
 
-std::vector<uint8_t> Bytes(const std::string& hex) {
-    std::vector<uint8_t> bytes;
-    for (size_t index = 0; index < hex.size(); index += 3) {
-        bytes.push_back(static_cast<uint8_t>(std::stoi(hex.substr(index, 2), nullptr, 16)));
-    }
-    return bytes;
-}
-
-uint32_t word;
-ClBuffer buffer(3);
-MSRRecord_t msr;
-CPUIDRecord_t cpuid;
-NonTurboRecord_t nonTurbo;
-const DynamicMMIORecord_t kDynamic = {0xA1A2A3A4, 0x10, 0x40};
 constexpr uint64_t kBar = 0x00000001FED00000;
 
-// Bytes of the caller's block after the call.
-std::string Buffer() { return buffer.Text(); }
-std::string Word() { return Hex(reinterpret_cast<uint8_t*>(&word), 4); }
+// What the driver got last: "code: bytes". As many bytes go in as come back.
+std::string Sent() {
+    const DeviceRequest_t& request = Platform().requests.back();
+    EXPECT_EQ(request.in.size(), request.outSize);
+    char code[16];
+    std::snprintf(code, sizeof(code), "%08x: ", static_cast<unsigned>(request.code));
+    return code + Hex(request.in.data(), request.in.size());
+}
+
 template <typename Record>
 std::string Text(const Record& record) {
     return Hex(reinterpret_cast<const uint8_t*>(&record), sizeof(record));
@@ -33,104 +25,121 @@ std::string Text(const Record& record) {
 
 }  // namespace
 
-TEST_F(Requests, HaveTheirRecords) {
-    const std::string kHead = "00 00 00 00 00 01 00 00 ";  // reserved, any processor
-    const std::string kPlace = "00 00 d0 fe 01 00 00 00 20 00 00 00 03 00 00 00 ";
-    const std::string kSum = "20 00 d0 fe 01 00 00 00 20 00 00 00 03 00 00 00 ";
+TEST_F(Requests, OfVersions) {
     const struct {
-        const char* what;
-        std::function<status_t()> call;
+        status_t (*ask)(uint32_t*);
         uint32_t code;
-        std::string in;
-        DWORD outSize;
-        std::function<std::string()> after;
-        std::string text;
     } kCases[] = {
-        {"driver version",      [] { return GetFERROXDriverVersion(&word); },                0x80240004, "",                          4,  Word,                          "04 00 00 01"                                                },
-        {"CPU library version", [] { return GetCPULibVersion(&word); },                      0x80240090, "",                          4,  Word,                          "90 00 00 01"                                                },
-        {"I/O library version", [] { return GetIOLibVersion(&word); },                       0x80240094, "",                          4,  Word,                          "94 00 00 01"                                                },
-        {"PCI library version", [] { return GetPCILibVersion(&word); },                      0x80240098, "",                          4,  Word,                          "98 00 00 01"                                                },
-        {"port read",           [] { return ReadWakeupTimer(0x1234, buffer.Get()); },        0x80240034,
-         kHead + "34 12 00 00 03 00 00 00 00 00 00 00",                                                                               20, Buffer,                        "90 91 92"                                                   },
-        {"port write",          [] { return ConfigureWakeUpTimer(0xCF8, buffer.Get()); },    0x80244074,
-         kHead + "f8 0c 00 00 03 00 00 00 a0 a1 a2 00",                                                                               20, Buffer,                        "a0 a1 a2"                                                   },
-        {"MSR read",            [] { return ReadMSR(&msr); },                                0x80240040,
-         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05",                                                               20, [] { return Text(msr); },
-         "00 00 00 00 05 00 00 00 10 00 00 00 44 33 22 11 88 77 66 55"                                                                                                                                                                },
-        {"MSR write",           [] { return WriteMSR(&msr); },                               0x80244080,
-         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05",                                                               20, [] { return Text(msr); },
-         "00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05"                                                                                                                                                                },
-        {"CPUID",               [] { return ReadCPUID(7, &cpuid); },                         0x80240000,
-         "00 00 00 00 07 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 04 00 00 00 00 00 00 00 02 00 00 00 00 00 00 00 "
-         "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00",                                                               56, [] { return Text(cpuid); },    "00 00 00 00 a9 06 03 00 04 00 00 00 00 00 00 00 02 00 00 00"},
-        {"non-turbo frequency", [] { return CalcFreqNonTurbo(&nonTurbo); },                  0x8024009C,
-         "01 00 00 00 ce 00 00 00 08 04 00 00 00 00 00 00 00 00 00 00",                                                               20, [] { return Text(nonTurbo); },
-         "01 00 00 00 ce 00 00 00 08 04 00 00 60 09 00 00 00 00 00 00"                                                                                                                                                                },
-        {"MMIO read",           [] { return PCIMMIORead(kBar, 0x20, buffer.Get()); },        0x80240114, kHead + kSum + "00 00 00",   27,
-         Buffer,                                                                                                                                                         "20 21 22"                                                   },
-        {"memory",              [] { return GetSystemTables(kBar, 0x20, buffer.Get()); },    0x80240118, kHead + kSum + "00 00 00",   27,
-         Buffer,                                                                                                                                                         "20 21 22"                                                   },
-        {"stored read",         [] { return PCIMMIOReadStored(kBar, 0x20, buffer.Get()); },  0x802400FC,
-         kHead + kPlace + "00 00 00",                                                                                                 27, Buffer,                        "20 21 22"                                                   },
-        {"GPIO read",           [] { return MMIOReadGPIO(kBar, 0x20, buffer.Get()); },       0x80240104, kHead + kPlace + "00 00 00",
-         27,                                                                                                                              Buffer,                        "20 21 22"                                                   },
-        {"stored write",        [] { return PCIMMIOWriteStored(kBar, 0x20, buffer.Get()); }, 0x80240108,
-         kHead + kPlace + "a0 a1 a2",                                                                                                 27, Buffer,                        "a0 a1 a2"                                                   },
-        {"GPIO write",          [] { return MMIOWriteGPIO(kBar, 0x20, buffer.Get()); },      0x80240110, kHead + kPlace + "a0 a1 a2",
-         27,                                                                                                                              Buffer,                        "a0 a1 a2"                                                   },
-        {"dynamic write",       [] { return PCIMMIOWriteDynamic(&kDynamic, buffer.Get()); }, 0x8024010C,
-         kHead + "a4 a3 a2 a1 10 00 00 00 40 00 00 00 03 00 00 00 a0 a1 a2",                                                          27, Buffer,                        "a0 a1 a2"                                                   },
+        {GetFERROXDriverVersion, 0x80240004},
+        {GetCPULibVersion,       0x80240090},
+        {GetIOLibVersion,        0x80240094},
+        {GetPCILibVersion,       0x80240098},
     };
     for (const auto& c : kCases) {
-        word = 0;
-        buffer = {0xA0, 0xA1, 0xA2};
-        msr = {0, 5, 0x10, 0x01020304, 0x05060708};
-        cpuid = {0, 4, 0, 2, 0};
-        nonTurbo = {1, 0xCE, 0x408, {}};
-        Platform().requests.clear();
-        EXPECT_EQ(c.call(), kSuccess) << c.what;
-        ASSERT_EQ(Platform().requests.size(), 1u) << c.what;
-        const DeviceRequest_t& request = Platform().requests[0];
-        EXPECT_EQ(request.code, c.code) << c.what;
-        EXPECT_EQ(Hex(request.in.data(), request.in.size()), Hex(Bytes(c.in).data(), Bytes(c.in).size())) << c.what;
-        EXPECT_EQ(request.outSize, c.outSize) << c.what;
-        EXPECT_EQ(c.after(), c.text) << c.what;
+        uint32_t version = 0;
+        EXPECT_EQ(c.ask(&version), kSuccess);
+        EXPECT_EQ(version, 0x01000000 | (c.code & 0xFF));
+        const DeviceRequest_t& request = Platform().requests.back();
+        EXPECT_EQ(request.code, c.code);
+        EXPECT_EQ(request.in.size(), 0u);
+        EXPECT_EQ(request.outSize, 4u);
     }
 }
 
-TEST_F(Requests, FailuresAreToldAndChangeNothing) {
+TEST_F(Requests, OfMemory) {
+    const std::string kHead = "00 00 00 00 00 01 00 00 ";  // reserved, any processor
+    const std::string kBarAlone = kHead + "00 00 d0 fe 01 00 00 00 20 00 00 00 03 00 00 00 ";
+    const std::string kBarAndOffset = kHead + "20 00 d0 fe 01 00 00 00 20 00 00 00 03 00 00 00 ";
     const struct {
-        std::function<status_t()> call;
-        status_t status;
-        const char* line;
+        status_t (*move)(uint64_t, uint32_t, DataBuffer_t*);
+        std::string sent;
+        const char* after;  // in the caller's buffer; memory reads as its address
     } kCases[] = {
-        {[] { return GetFERROXDriverVersion(&word); },            5,
-         "ERROR in OSGetFERROXDriverVersion ret =  0Bytes Returned = 0"                                                      },
-        {[] { return GetPCILibVersion(&word); },                  5, "ERROR in OSGetPCILibVersion ret =  0Bytes Returned = 0"},
-        {[] { return PCIRead(0, 0, buffer.Get()); },              0, "ERROR in OSPCIRead ret = 0Bytes Returned0"             },
-        {[] { return PCIMMIORead(kBar, 0, buffer.Get()); },       0, "ERROR in OSPCIMMIORead ret =  0Bytes Returned0"        },
-        {[] { return GetSystemTables(kBar, 0, buffer.Get()); },   0,
-         "ERROR in OSGetSystemTables ret =  0Bytes Returned0"                                                                },
-        {[] { return MMIOWriteGPIO(kBar, 0, buffer.Get()); },     0, "ERROR in OSMMIOWriteGPIO ret =  0Bytes Returned0"      },
-        {[] { return ReadWakeupTimer(0x70, buffer.Get()); },      0, "ERROR in OSReadPort ret = 0Bytes Returned0"            },
-        {[] { return ConfigureWakeUpTimer(0x70, buffer.Get()); }, 0, "ERROR in OSWritePort ret = 0Bytes Returned0"           },
-        {[] { return ReadMSR(&msr); },                            0, "ERROR in OSReadMSR ret =  0 Bytes Returned0"           },
-        {[] { return WriteMSR(&msr); },                           0, "ERROR in OSWriteMSR ret =  0 Bytes Returned0"          },
-        {[] { return ReadCPUID(kAnyProcessor, &cpuid); },         0, "ERROR in OSReadCPUID ret =  0Bytes Returned0"          },
-        {[] { return CalcFreqNonTurbo(&nonTurbo); },              5, "ERROR in OSDriverCalcNonTurbo ret =  0Bytes Returned0" },
+        {PCIMMIORead,        "80240114: " + kBarAndOffset + "00 00 00", "20 21 22"},
+        {GetSystemTables,    "80240118: " + kBarAndOffset + "00 00 00", "20 21 22"},
+        {PCIMMIOReadStored,  "802400fc: " + kBarAlone + "00 00 00",     "20 21 22"},
+        {MMIOReadGPIO,       "80240104: " + kBarAlone + "00 00 00",     "20 21 22"},
+        {PCIMMIOWriteStored, "80240108: " + kBarAlone + "a0 a1 a2",     "a0 a1 a2"},
+        {MMIOWriteGPIO,      "80240110: " + kBarAlone + "a0 a1 a2",     "a0 a1 a2"},
     };
-    int number = 1;  // the hypervisor test was the first
     for (const auto& c : kCases) {
-        word = 77;
-        buffer = {0xA0, 0xA1, 0xA2};
-        msr = {0, 0, 0x10, 1, 2};
+        ClBuffer buffer = {0xA0, 0xA1, 0xA2};
+        EXPECT_EQ(c.move(kBar, 0x20, buffer.Get()), kSuccess) << c.sent;
+        EXPECT_EQ(Sent(), c.sent);
+        EXPECT_EQ(buffer.Text(), c.after) << c.sent;
+    }
+    // The caller's record takes the place of address and offset.
+    const DynamicMMIORecord_t dynamic = {0xA1A2A3A4, 0x10, 0x40};
+    ClBuffer buffer = {0xA0, 0xA1, 0xA2};
+    EXPECT_EQ(PCIMMIOWriteDynamic(&dynamic, buffer.Get()), kSuccess);
+    EXPECT_EQ(Sent(), "8024010c: " + kHead + "a4 a3 a2 a1 10 00 00 00 40 00 00 00 03 00 00 00 a0 a1 a2");
+}
+
+TEST_F(Requests, OfPorts) {
+    ClBuffer buffer = {0xA0, 0xA1, 0xA2};
+    EXPECT_EQ(ConfigureWakeUpTimer(0xCF8, buffer.Get()), kSuccess);
+    EXPECT_EQ(Sent(), "80244074: 00 00 00 00 00 01 00 00 f8 0c 00 00 03 00 00 00 a0 a1 a2 00");
+    EXPECT_EQ(ReadWakeupTimer(0x1234, buffer.Get()), kSuccess);
+    EXPECT_EQ(Sent(), "80240034: 00 00 00 00 00 01 00 00 34 12 00 00 03 00 00 00 00 00 00 00");
+    EXPECT_EQ(buffer.Text(), "90 91 92");
+}
+
+TEST_F(Requests, OfAProcessor) {
+    MSRRecord_t msr = {0, 5, 0x10, 0x01020304, 0x05060708};
+    EXPECT_EQ(WriteMSR(&msr), kSuccess);
+    EXPECT_EQ(Sent(), "80244080: 00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05");
+    EXPECT_EQ(ReadMSR(&msr), kSuccess);
+    EXPECT_EQ(Sent(), "80240040: 00 00 00 00 05 00 00 00 10 00 00 00 04 03 02 01 08 07 06 05");
+    EXPECT_EQ(Text(msr), "00 00 00 00 05 00 00 00 10 00 00 00 44 33 22 11 88 77 66 55");
+
+    CPUIDRecord_t cpuid = {0, 4, 0, 2, 0};
+    EXPECT_EQ(ReadCPUID(7, &cpuid), kSuccess);
+    EXPECT_EQ(Sent(),
+              "80240000: 00 00 00 00 07 00 00 00 00 00 00 00 00 00 00 00 "
+              "00 00 00 00 04 00 00 00 00 00 00 00 02 00 00 00 00 00 00 00 "
+              "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+    EXPECT_EQ(Text(cpuid), "00 00 00 00 a9 06 03 00 04 00 00 00 00 00 00 00 02 00 00 00");
+
+    NonTurboRecord_t nonTurbo = {1, 0xCE, 0x408, {}};
+    EXPECT_EQ(CalcFreqNonTurbo(&nonTurbo), kSuccess);
+    EXPECT_EQ(Sent(), "8024009c: 01 00 00 00 ce 00 00 00 08 04 00 00 00 00 00 00 00 00 00 00");
+    EXPECT_EQ(Text(nonTurbo), "01 00 00 00 ce 00 00 00 08 04 00 00 60 09 00 00 00 00 00 00");
+}
+
+TEST_F(Requests, FailuresAreToldAndChangeNothing) {
+    static ClBuffer buffer(3);
+    static uint32_t word = 77;
+    static MSRRecord_t msr = {0, 0, 0x10, 1, 2};
+    static CPUIDRecord_t cpuid = {0, 7, 0, 0, 0};
+    static NonTurboRecord_t nonTurbo;
+    const struct {
+        const char* line;  // behind "ERROR in "
+        status_t status;
+        std::function<status_t()> call;
+    } kCases[] = {
+        {"OSGetFERROXDriverVersion ret =  0Bytes Returned = 0", 5, [] { return GetFERROXDriverVersion(&word); }           },
+        {"OSGetPCILibVersion ret =  0Bytes Returned = 0",       5, [] { return GetPCILibVersion(&word); }                 },
+        {"OSPCIRead ret = 0Bytes Returned0",                    0, [] { return PCIRead(0, 0, buffer.Get()); }             },
+        {"OSPCIMMIORead ret =  0Bytes Returned0",               0, [] { return PCIMMIORead(kBar, 0, buffer.Get()); }      },
+        {"OSGetSystemTables ret =  0Bytes Returned0",           0, [] { return GetSystemTables(kBar, 0, buffer.Get()); }  },
+        {"OSMMIOWriteGPIO ret =  0Bytes Returned0",             0, [] { return MMIOWriteGPIO(kBar, 0, buffer.Get()); }    },
+        {"OSReadPort ret = 0Bytes Returned0",                   0, [] { return ReadWakeupTimer(0x70, buffer.Get()); }     },
+        {"OSWritePort ret = 0Bytes Returned0",                  0, [] { return ConfigureWakeUpTimer(0x70, buffer.Get()); }},
+        {"OSReadMSR ret =  0 Bytes Returned0",                  0, [] { return ReadMSR(&msr); }                           },
+        {"OSWriteMSR ret =  0 Bytes Returned0",                 0, [] { return WriteMSR(&msr); }                          },
+        {"OSReadCPUID ret =  0Bytes Returned0",                 0, [] { return ReadCPUID(kAnyProcessor, &cpuid); }        },
+        {"OSDriverCalcNonTurbo ret =  0Bytes Returned0",        5, [] { return CalcFreqNonTurbo(&nonTurbo); }             },
+    };
+    int number = 1;  // the hypervisor test was the first request
+    for (const auto& c : kCases) {
         Platform().failCalls = {"DeviceIoControl#" + std::to_string(++number)};
         EXPECT_EQ(c.call(), c.status) << c.line;
-        EXPECT_TRUE(Platform().Traced(16, c.line)) << c.line;
-        EXPECT_EQ(buffer.Text(), "a0 a1 a2") << c.line;
-        EXPECT_EQ(word, 77u) << c.line;
-        EXPECT_EQ(msr.HiContent, 1u) << c.line;
+        EXPECT_TRUE(Platform().Traced(16, std::string("ERROR in ") + c.line)) << c.line;
     }
+    EXPECT_EQ(buffer.Text(), "ee ee ee");
+    EXPECT_EQ(word, 77u);
+    EXPECT_EQ(msr.HiContent, 1u);
+    EXPECT_EQ(cpuid.Eax, 7u);
 }
 
 TEST_F(Requests, ConfigurationSpaceIsReadInAlignedWords) {
@@ -219,7 +228,8 @@ TEST_F(Requests, MemoryBlock) {
 
 TEST_F(Requests, DynamicReadAsksNothing) {
     ClBuffer data({1, 2, 3});
-    EXPECT_EQ(PCIMMIOReadDynamic(&kDynamic, data.Get()), kSuccess);
+    const DynamicMMIORecord_t dynamic = {1, 0x10, 0x40};
+    EXPECT_EQ(PCIMMIOReadDynamic(&dynamic, data.Get()), kSuccess);
     EXPECT_EQ(data.Text(), "01 02 03");
     EXPECT_EQ(Platform().requests.size(), 0u);
 }

@@ -212,8 +212,32 @@ TEST(Commands, JsonIsValidWhateverTheBytes) {
     EXPECT_TRUE(Has(RunQuorlin("--type 3 --image " + image).output, "q\"\\ \xC3\xA9\xEF\xBF\xBD\n"));
 }
 
+// What would write, or is not understood, ends before the hardware library is opened.
+TEST(Commands, HardwareIsWrittenOnlyWithBothWords) {
+    const struct {
+        const char *arguments, *says;
+    } kCases[] = {
+        {"msr write 16",                                        "needs --write VALUE"  },
+        {"msr write 16 --write 1",                              "takes both"           },
+        {"msr write 16 --yes-write-hardware",                   "takes both"           },
+        {"port write 0x80 1 --write 1",                         "takes both"           },
+        {"mem 0xFED00000 4 --write 1",                          "takes both"           },
+        {"cpuid 0 --write 1 --yes-write-hardware",              "writes nothing"       },
+        {"pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", "writes nothing"       },
+        {"cpuid",                                               "takes other arguments"},
+        {"cpuids 0",                                            "is no operation"      },
+        {"cpuid 0 --cpu 256",                                   "no processor number"  },
+    };
+    for (const auto& c : kCases) {
+        const ProgramRun_t run = RunQuorlin(std::string("hw ") + c.arguments);
+        EXPECT_EQ(run.exitCode, 2) << c.arguments;
+        EXPECT_EQ(run.output, "") << c.arguments;
+        EXPECT_TRUE(Has(run.errors, c.says)) << c.arguments << ": " << run.errors;
+    }
+}
+
 TEST(Commands, EachHasHelpWithAnExample) {
-    for (const char* command : {"show", "types", "find", "get", "diff", "dump", "raw", "check"}) {
+    for (const char* command : {"show", "types", "find", "get", "diff", "dump", "raw", "check", "hw"}) {
         const ProgramRun_t run = RunQuorlin(std::string(command) + " --help");
         EXPECT_EQ(run.exitCode, 0) << command;
         EXPECT_TRUE(Has(run.output, "Example: quorlin ")) << command;

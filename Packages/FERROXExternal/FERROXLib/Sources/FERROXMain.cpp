@@ -59,6 +59,7 @@ void CloseTraceHandle() {
 }
 
 status_t OpenLibrary() {
+    libVersion = kVersion;
     if (DebugLibInit("FERROX", &ferroxTraceHandle) != kSuccess) ferroxTraceHandle = nullptr;
     lockReference = CreateMutexA(nullptr, FALSE, kLockName);
     return lockReference == nullptr ? kFailure : OSFERROXInitialize();
@@ -77,7 +78,6 @@ status_t FERROXInitialize() {
     const ClLibraryLock lock;
     if (!lock.Held()) return kFailure;
     const status_t status = instanceCount == 0 ? OpenLibrary() : kSuccess;
-    libVersion = kVersion;
     if (status == kSuccess) ++instanceCount;
     TRACE("FERROXInitialize", kExit, "FERROXInitialize %s", status == kSuccess ? "Success" : "Failure");
     if (instanceCount == 0) CloseLibrary();
