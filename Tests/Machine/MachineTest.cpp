@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -190,6 +191,56 @@ TEST_F(Machine, AnMSRIsTheKernels) {
     ASSERT_EQ(ReadMSR(&record), kSuccess);
     EXPECT_EQ(std::memcmp(&record.LoContent, shown.data(), 4), 0);
     EXPECT_EQ(std::memcmp(&record.HiContent, &shown[4], 4), 0);
+}
+
+TEST_F(Machine, TheNonTurboFrequencyIsMeasuredAgainstTheACPITimer) {
+    DataBuffer_t* table = nullptr;
+    if (GetACPITable("FACP", &table) != kSuccess) GTEST_SKIP() << "no ACPI timer here, or not for this user";
+    NonTurboRecord_t record = {0, 0x10, 0, {}};  // the time-stamp counter
+    std::memcpy(&record.PMTimerAddress, table->Data() + 76, 4);
+    os_free(table);
+    if (BytesAt("/dev/cpu/0/msr", 0x10, 8).empty() || record.PMTimerAddress == 0)
+        GTEST_SKIP() << "no MSRs or timer here";
+    const Bytes_t countBefore = BytesAt("/dev/cpu/0/msr", 0x10, 8);
+    const auto before = std::chrono::steady_clock::now();
+    ASSERT_EQ(CalcFreqNonTurbo(&record), kSuccess);
+    EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(9)) << "the timer's 10";
+    uint64_t perSecond;
+    std::memcpy(&perSecond, record.Result, sizeof perSecond);
+    // An emulator's counter may stand still.
+    const bool counts = BytesAt("/dev/cpu/0/msr", 0x10, 8) != countBefore;
+    EXPECT_GE(perSecond, counts ? 100'000'000u : 0u);
+    EXPECT_LE(perSecond, counts ? 20'000'000'000u : 0u);
+}
+
+// The memory of the guest's display, which nobody uses: written by each road, read by each other.
+TEST_F(Machine, WritesReachTheRegistersAndNothingElse) {
+    if (!IsGuest()) GTEST_SKIP() << "writes to a device, so in guests alone";
+    for (const Function_t& function : Functions()) {
+        if (function.shown[0x0B] != 0x03) continue;
+        uint64_t base = 0;
+        std::memcpy(&base, &function.shown[0x10], 4);
+        base &= ~15ull;
+        ClBuffer before(16), pattern(7), after(16);
+        const DynamicMMIORecord_t dynamic = {function.location, 0x10, 0x1001};
+        for (int road = 0; road < 3; ++road) {
+            for (uint8_t i = 0; i < 7; ++i) pattern.Get()->Data()[i] = static_cast<uint8_t>(0x40 * road + i + 1);
+            ASSERT_EQ(MMIOReadGPIO(base, 0x1000, before.Get()), kSuccess);
+            ASSERT_EQ(road == 0   ? PCIMMIOWriteStored(base, 0x1001, pattern.Get())
+                      : road == 1 ? MMIOWriteGPIO(base, 0x1001, pattern.Get())
+                                  : PCIMMIOWriteDynamic(&dynamic, pattern.Get()),
+                      kSuccess);
+            ASSERT_EQ(PCIMMIOReadStored(base, 0x1000, after.Get()), kSuccess);
+            Bytes_t expected = before.Bytes();
+            std::memcpy(&expected[1], pattern.Get()->Data(), 7);
+            EXPECT_EQ(after.Bytes(), expected) << road;
+        }
+        MSRRecord_t record = {0, 0, 0x1B, 0, 0};
+        ASSERT_EQ(ReadMSR(&record), kSuccess);
+        EXPECT_EQ(WriteMSR(&record), kSuccess) << "the same value once more";
+        return;
+    }
+    FAIL() << "the guest has a display";
 }
 
 // The clock's battery-backed memory: an index port that is written, and a data port.
