@@ -101,8 +101,10 @@ void WriteDumps(ClFolders& folders) {
     write("bare-table", 0, Text(table));
     write("answer", 3, "\0\3\2\0\0\2\0\0"sv.substr(0, 8));
     write("whole-answer", 0, std::string("\0\3\2\0\0\2\0\0"sv) + Text(table));
-    // gzip of a bare End-of-Table, in one stored block
-    write("gzip", 0, "\x1F\x8B\x08\0\0\0\0\0\0\3\1\6\0\xF9\xFF\x7F\4\0\x7F\0\0\x1A\x97\x9B\xE1\6\0\0\0"sv);
+    // a bare table of one OEM string, in one stored block
+    write(
+        "gzip", 0,
+        "\x1F\x8B\x08\x00\x00\x00\x00\x00\x00\x03\x01\x08\x00\xF7\xFF\x0B\x05\x01\x00\x01\x61\x00\x00\x4F\xF9\x85\x50\x08\x00\x00\x00"sv);
 }
 
 }  // namespace

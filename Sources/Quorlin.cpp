@@ -111,7 +111,12 @@ status_t Quorlin::GetNextItem(std::string& text) {
         return kFailure;
     }
     text.clear();
-    AppendLine(*m_items[m_cursor], text);
+    try {
+        AppendLine(*m_items[m_cursor], text);
+    } catch (const std::bad_alloc&) {
+        TRACE("GetNextItem", kError, "\nNULL Pointer:");
+        return kNoMemory;
+    }
     m_cursor++;
     return kSuccess;
 }
@@ -131,8 +136,10 @@ bool Quorlin::IsSwept(uint8_t type) {
 
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }
 
-std::string Quorlin::GetItemValue(uint32_t index) {
+std::string Quorlin::GetItemValue(uint32_t index) try {
     return index < m_items.size() ? m_items[index]->value.String() : std::string();
+} catch (const std::bad_alloc&) {
+    return {};
 }
 
 // One step: all structures of a type through one decoder, which lives for this step only.

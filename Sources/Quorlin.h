@@ -34,7 +34,7 @@ class BaseAbstraction {
     virtual status_t GetItemByName(std::string name) = 0;
     // The item under the cursor as one line, "KEY", "VALUE", and the cursor moves on. A group item's key ends in
     // "#GROUPNAME". The value comes without double quotes, and a value of one blank as nothing. 5 at the end, which
-    // leaves `text` as it was.
+    // leaves `text` as it was; 3 without memory, which leaves it empty and the cursor where it is.
     virtual status_t GetNextItem(std::string& text) = 0;
     virtual ~BaseAbstraction() = default;
     virtual status_t ReservedOperation1() { return kFailure; }
@@ -62,7 +62,7 @@ class Quorlin : public BaseAbstraction {
     virtual status_t GetTypes(uint8_t SMBIOSStructNumber);
     // The number of items, group items included, whatever the cursor.
     virtual uint32_t GetItemCount();
-    // The value of an item as decoded, or empty text behind the last one.
+    // The value of an item as decoded, or empty text behind the last one and without memory.
     virtual std::string GetItemValue(uint32_t index);
 
     // Whether a sweep takes this type.

@@ -8,9 +8,24 @@
 bool IsCompressed(std::span<const uint8_t> bytes) { return bytes.size() > 2 && bytes[0] == 0x1F && bytes[1] == 0x8B; }
 
 #ifdef QUORLIN_HAS_ZLIB
+namespace {
+
+// Ended also when memory is short on the way. One that was never begun is left alone.
+struct Inflation_t {
+    z_stream stream = {};
+
+    Inflation_t() = default;
+    Inflation_t(const Inflation_t&) = delete;
+    Inflation_t& operator=(const Inflation_t&) = delete;
+    ~Inflation_t() { inflateEnd(&stream); }
+};
+
+}  // namespace
+
 const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflated) {
     constexpr int kGzip = 15 + 16;  // the largest window, and gzip's own head and tail
-    z_stream stream = {};
+    Inflation_t inflation;
+    z_stream& stream = inflation.stream;
     if (inflateInit2(&stream, kGzip) != Z_OK) return "out of memory";
     stream.next_in = const_cast<Bytef*>(bytes.data());
     stream.avail_in = static_cast<uInt>(bytes.size());
@@ -24,9 +39,12 @@ const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflat
         status = inflate(&stream, Z_NO_FLUSH);
         inflated->resize(inflated->size() - stream.avail_out);
     }
-    inflateEnd(&stream);
-    if (status == Z_OK) return "larger than 64 MiB once decompressed, so not a table; try the file that holds the dump";
-    return status == Z_STREAM_END ? nullptr : "compressed with gzip, but damaged or cut short; fetch the file anew";
+    switch (status) {
+        case Z_STREAM_END: return nullptr;
+        case Z_OK: return "larger than 64 MiB once decompressed, so not a table; try the file that holds the dump";
+        case Z_MEM_ERROR: return "out of memory";
+        default: return "compressed with gzip, but damaged or cut short; fetch the file anew";
+    }
 }
 #else
 const char* Inflate(std::span<const uint8_t>, std::vector<uint8_t>*) {
