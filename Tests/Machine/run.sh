@@ -32,11 +32,12 @@ fi
 cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF >/dev/null
 cmake --build "$work/programs" --target quorlin_program MachineTest PlatformTest sample_files >/dev/null
 rm -rf "$work/root" "$work/sample"
-mkdir -p "$work/root/bin" "$work/root/etc" "$work/sample"
+mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work/sample"
 "$work/programs/bin/sample_files" "$work/sample" >"$work/sample/options"
 cp "$work"/programs/bin/quorlin "$work"/programs/bin/MachineTest "$work"/programs/bin/PlatformTest /bin/busybox \
     "$work/root/bin"
 cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
+ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests look for it
 chmod 755 "$work/root/init"
 printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >"$work/root/etc/passwd"
 (cd "$work/root" && find . | busybox cpio -o -H newc 2>/dev/null | gzip -1) >"$work/initramfs"
