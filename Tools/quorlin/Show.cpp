@@ -1,4 +1,5 @@
 // quorlin show: the items of a table.
+#include "Packages/OS/OS.h"
 #include "Packages/Platform/Program.h"
 #include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Commands.h"
@@ -42,7 +43,8 @@ void ShowLines(Quorlin& package, std::span<const uint8_t> types, ClOutput& outpu
             output << Printable(line) << "\n";
         } else {
             Quorlin::AppendLine(package.Item(index), output.Text());
-            output << "\n";
+            output.Text() += '\n';
+            output.FlushWhenFull();
         }
     }
 }
@@ -63,6 +65,17 @@ void ShowText(const ClModel& model, ClColumns& columns) {
         }
         columns.Finish(indent);
     }
+}
+
+// Tells of structures that a sweep leaves out and that have items all the same.
+void TellOfLeftOut(ClOutput& output) {
+    constexpr uint8_t kOnDemand = 148;
+    uint8_t** records = nullptr;
+    uint32_t count = 0;
+    if (GetSMBIOSStrutureFrom(kOnDemand, 0, &records, &count) != kSuccess || count == 0) return;
+    os_free(records);
+    output << "\nNot shown: " << std::to_string(count) << (count == 1 ? " structure" : " structures")
+           << " of type 148, firmware versions; see them with --type 148\n";
 }
 
 void WriteItems(const ClModel& model, const Structure_t& structure, ClJson& json) {
@@ -163,6 +176,7 @@ int RunShow(const Arguments_t& arguments) {
         if (format == Format_t::kText) {
             ClColumns columns(output);
             ShowText(model, columns);
+            if (typeNames.empty()) TellOfLeftOut(output);
         } else if (format == Format_t::kCsv) {
             ShowCsv(model, output);
         } else {
