@@ -236,6 +236,27 @@ TEST(Commands, HardwareIsWrittenOnlyWithBothWords) {
     }
 }
 
+// Sequences that are too long, stand for half of a pair or for too much, or lack their end; and the control characters
+// beyond ASCII, which some terminals obey.
+TEST(Commands, TextIsValidAndHarmlessWhateverTheBytes) {
+    const std::string u = "\xEF\xBF\xBD";  // U+FFFD
+    const struct {
+        std::string bytes, shown;
+    } kCases[] = {
+        {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        {"\xC0\xAF.",                            u + u + "."                           },
+        {"\xE0\x9F\xBF.",                        u + u + u + "."                       },
+        {"\xED\xA0\x80.",                        u + u + u + "."                       },
+        {"\xF0\x8F\xBF\xBF.",                    u + u + u + u + "."                   },
+        {"\xF4\x90\x80\x80.",                    u + u + u + u + "."                   },
+        {"\xE2\x82",                             u + u                                 },
+        {"a\xC2\x9B"
+         "31mb\x7F.",                   "a 31mb ."                            },
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(RunQuorlin("get 3 Manufacturer --image " + ImageBy(c.bytes, "text.bin")).output, c.shown + "\n");
+}
+
 TEST(Commands, EachHasHelpWithAnExample) {
     for (const char* command : {"show", "types", "find", "get", "diff", "dump", "raw", "check", "hw"}) {
         const ProgramRun_t run = RunQuorlin(std::string(command) + " --help");
