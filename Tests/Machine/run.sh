@@ -32,8 +32,12 @@ if [ ! -s "$work/kernel/vmlinux" ]; then
 fi
 
 # Programs that need nothing of the guest.
-cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF >/dev/null
-cmake --build "$work/programs" --target quorlin_program MachineTest PlatformTest sample_files >/dev/null
+cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
+    -DZLIB_USE_STATIC_LIBS=ON >/dev/null
+cmake --build "$work/programs" --target quorlin_program MachineTest PlatformTest sample_files >"$work/build.log" || {
+    tail -40 "$work/build.log"
+    exit 1
+}
 rm -rf "$work/root" "$work/sample"
 mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work/sample"
 "$work/programs/bin/sample_files" "$work/sample" >"$work/sample/options"
