@@ -133,12 +133,20 @@ status_t DoCPUID(Request_t& request) {
     return kSuccess;
 }
 
+// "SEG:BUS:DEV.FN", all hexadecimal.
+bool ParsePlace(std::string_view text, uint64_t* segment, uint64_t* bus, uint64_t* device, uint64_t* function) {
+    const size_t first = text.find(':'), second = text.find(':', first + 1), dot = text.rfind('.');
+    if (first == text.npos || second == text.npos || dot == text.npos || dot < second) return false;
+    return ParseHex(text.substr(0, first), 0xFFFF, segment) &&
+           ParseHex(text.substr(first + 1, second - first - 1), 0xFF, bus) &&
+           ParseHex(text.substr(second + 1, dot - second - 1), 31, device) &&
+           ParseHex(text.substr(dot + 1), 7, function);
+}
+
 status_t DoPCI(Request_t& request) {
     constexpr uint64_t kLegacySpace = 256, kWholeSpace = 4096;
-    unsigned segment, bus, device, function;
-    char rest;
-    if (std::sscanf(request.words[0].c_str(), "%4x:%2x:%2x.%1x%c", &segment, &bus, &device, &function, &rest) != 4 ||
-        device > 31 || function > 7) {
+    uint64_t segment, bus, device, function;
+    if (!ParsePlace(request.words[0], &segment, &bus, &device, &function)) {
         request.problem = "'" + request.words[0] + "' is no PCI function like 0000:00:03.0";
         return kBadUsage;
     }
@@ -146,7 +154,7 @@ status_t DoPCI(Request_t& request) {
     if (!request.Number(1, kWholeSpace - 1, &offset) || !request.Number(2, kWholeSpace - offset, &size))
         return kBadUsage;
     if (!request.Open()) return kNotOpen;
-    const uint32_t location = segment << 16 | function << 13 | device << 8 | bus;
+    const auto location = static_cast<uint32_t>(segment << 16 | function << 13 | device << 8 | bus);
     ClBuffer buffer(static_cast<uint32_t>(size));
     const auto read = offset + size <= kLegacySpace ? PCIRead : PCIExRead;
     const status_t status = read(location, static_cast<uint32_t>(offset), buffer.Get());

@@ -226,6 +226,8 @@ TEST(Commands, HardwareIsWrittenOnlyWithBothWords) {
         {"pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", "writes nothing"       },
         {"cpuid",                                               "takes other arguments"},
         {"cpuids 0",                                            "is no operation"      },
+        {"pci 0000:00:20.0 2 5",                                "is no PCI function"   },
+        {"pci 00:03.0 2 5",                                     "is no PCI function"   },
         {"cpuid 0 --cpu 256",                                   "no processor number"  },
     };
     for (const auto& c : kCases) {
