@@ -1,9 +1,11 @@
 # The short front of the build; the configurations stand in CMakePresets.json. Targets install what they need.
-BUILD_PACKAGES = g++ make cmake ninja-build libcli11-dev rapidjson-dev zlib1g-dev
-TEST_PACKAGES = libgtest-dev
+BUILD_PACKAGES = g++ make cmake ninja-build rapidjson-dev zlib1g-dev
+TEST_PACKAGES = libgtest-dev pkg-config python3
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 BENCH_PACKAGES = libbenchmark-dev
 FUZZ_PACKAGES = clang
+DEB_PACKAGES = dpkg-dev debhelper lintian
+ZIP_PACKAGES = zip
 STYLE_PACKAGES = clang-format clang-tidy
 
 INSTALL = cmake/install-packages.sh
@@ -11,7 +13,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test asan windows bench format lint clean
+.PHONY: build run test test-machine asan windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -28,6 +30,10 @@ test:
 	@cmake --build --preset release
 	@ctest --preset release
 
+# Boots a small Linux with an SMBIOS table in an emulator, and reads it there by both roads.
+test-machine:
+	@Tests/Machine/run.sh
+
 asan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset asan >/dev/null
@@ -39,15 +45,35 @@ windows:
 	@cmake --preset windows >/dev/null
 	@cmake --build --preset windows
 
+# Into $(DESTDIR)$(PREFIX); without DESTDIR the loader learns of the library.
+PREFIX = /usr/local
+install: build
+	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+	@[ -n "$(DESTDIR)" ] || [ "$$(id -u)" != 0 ] || ldconfig
+
+deb:
+	@$(INSTALL) $(BUILD_PACKAGES) $(DEB_PACKAGES)
+	@cmake/make-deb.sh build/deb
+
+zip: windows
+	@$(INSTALL) $(ZIP_PACKAGES)
+	@cmake/make-zip.sh build/windows
+
 bench:
 	@$(INSTALL) $(BUILD_PACKAGES) $(BENCH_PACKAGES)
 	@cmake --preset bench >/dev/null
 	@cmake --build --preset bench
 	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json
 
+# Each fuzzer for a minute.
+fuzz:
+	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz --target fuzz
+
 format:
 	@$(INSTALL) $(STYLE_PACKAGES)
-	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+	@git ls-files '*.cpp' '*.h' | xargs -n 1 sh -c 'clang-format -i "$$0" || echo "left as it is: $$0"'
 
 lint:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(STYLE_PACKAGES)

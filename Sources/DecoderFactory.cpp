@@ -43,10 +43,24 @@ ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
         case 29: return New<ClSMBIOSType29>();
         case 30: return New<ClSMBIOSType30>();
         case 31: return New<ClSMBIOSType31>();
+        case 32: return New<ClSMBIOSType32>();
+        case 33: return New<ClSMBIOSType33>();
+        case 34: return New<ClSMBIOSType34>();
+        case 35: return New<ClSMBIOSType35>();
+        case 36: return New<ClSMBIOSType36>();
+        case 37: return New<ClSMBIOSType37>();
+        case 38: return New<ClSMBIOSType38>();
+        case 39: return New<ClSMBIOSType39>();
         case 40: return New<ClSMBIOSType40>();
+        case 41: return New<ClSMBIOSType41>();
         case 42: return New<ClSMBIOSType42>();
         case 126: return New<ClSMBIOSType126>();
         case 127: return New<ClSMBIOSType127>();
+        case 130: return New<ClSMBIOSType130>();
+        case 131: return New<ClSMBIOSType131>();
+        case 148: return New<ClSMBIOSType148>(m_processorSignature);
+        case 221: return New<ClSMBIOSType221>();
+        case 222: return New<ClSMBIOSType222>();
         default: return nullptr;
     }
 }

@@ -40,7 +40,9 @@ class ClSMBIOSType7 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
 
+    // Kilobytes up to 1024, megabytes above, by the size's own granularity bit.
     static std::string GetCacheSizeString(uint16_t size);
+    // The types of the set bits, joined by ", "; "None" for none.
     static std::string GetCacheMemoryTypeString(uint16_t types);
     static std::string_view GetAssociativityString(uint8_t associativity);
 };
@@ -59,7 +61,9 @@ class ClSMBIOSType9 final : public ClSMBIOSType {
 
     static std::string_view GetSlotTypeString(uint8_t type);
     static std::string_view GetSlotDataBusWidthString(uint8_t width);
+    // The characteristics of the set bits, joined by ", "; "None" for 0.
     static std::string GetSlotCharacteristicsString(uint8_t characteristics);
+    // The same for the second byte of characteristics.
     static std::string GetSlotCharacteristics2String(uint8_t characteristics);
 };
 
@@ -189,6 +193,116 @@ class ClSMBIOSType29 final : public ClSMBIOSType {
 class ClSMBIOSType30 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType32 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType33 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType34 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType35 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType36 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType37 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType38 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType39 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType41 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType130 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType131 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+};
+
+class ClSMBIOSType148 final : public ClSMBIOSType {
+  public:
+    explicit ClSMBIOSType148(uint32_t processorSignature);
+
+    void PrintStructure(const uint8_t* pData) override;
+    // A string as it shows: at most 100 characters, with a blank for each byte that isn't printable ASCII.
+    static std::string GetPrintableString(const char* text);
+    // " (f1)": lowercase hexadecimal, zero-filled to `width` digits.
+    static std::string GetHexSuffix(uint32_t value, uint32_t width);
+
+    // Translators of a string into words. Most read a decimal number from its start and give "ERR" for a number
+    // without a word and for a text without a number.
+    std::string GetBoardTypeString(const char* text);  // sets BoardId
+    std::string GetBoardRevString(const char* text);   // sets BoardRev; depends on BoardId
+    std::string GetPMICString(const char* text);       // depends on both
+    static std::string GetBootMode(const char* text);
+    static std::string GetSecureBootStatus(const char* text);
+    static std::string GetCadrelStatus(const char* text);
+    static std::string GetCPUTurboStatus(const char* text);
+    static std::string GetGfxTurboStatus(const char* text);
+    static std::string GetMaxCState(const char* text);
+    static std::string GetMaxPkgCState(const char* text);
+    static std::string GetS0ix(const char* text);
+    static std::string GetRC6(const char* text);
+    // 1; 2 for a text without a number, with `out` as it was.
+    static status_t GetCPUFlavorString(const char* text, std::string* out);
+    static status_t GetMaxCoreCState(const char* text, std::string* out);
+
+  private:
+    // The layouts of a board's firmware and of a platform.
+    void PrintStructureExt(const uint8_t* pData);
+    // The layout whose keys come from the structure. 1; 5 when a value without a number ended the structure.
+    status_t PrintStructureExtEx(const uint8_t* pData);
+
+    // What the board's items left, for the items behind them and for the next structure.
+    uint32_t BoardId = 0;
+    uint32_t BoardRev = 0;
+};
+
+class ClSMBIOSType221 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+  private:
+    void GetBiosVersionInfo(const uint8_t* pData);
+};
+
+class ClSMBIOSType222 final : public ClSMBIOSType {
+  public:
+    void PrintStructure(const uint8_t* pData) override;
+
+  private:
+    void GetCheckPointInfo(const uint8_t* pData);
 };
 
 // Types whose structures give no items, not even a title.

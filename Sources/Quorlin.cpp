@@ -34,9 +34,8 @@ constexpr TypeRange_t kSweptTypes[] = {
 
 }  // namespace
 
-Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType) {}
+Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType), m_pool(std::make_unique<ClItemPool>()) {}
 
-// The items go with UnInitialize, which a host calls first.
 Quorlin::~Quorlin() = default;
 
 status_t Quorlin::Initialize() {
@@ -47,6 +46,7 @@ status_t Quorlin::Initialize() {
     m_smbiosMajor = 0;
     m_smbiosMinor = 0;
     m_items.clear();
+    m_pool->Clear();
     CPUIDRecord_t cpuid = {};
     cpuid.Eax = 1;
     uint8_t entry[kEntryBufferSize] = {};
@@ -67,11 +67,14 @@ status_t Quorlin::Initialize() {
 }
 
 status_t Quorlin::UnInitialize() {
-    for (ItemPair* item : m_items) delete item;
     m_items.clear();
+    m_pool->Clear();
     const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
     const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
+    // With the last reference the handle is gone, and nobody may trace on it any more.
+    const bool isLast = packageTraceHandle != nullptr && packageTraceHandle->RefCount == 1;
     DebugLibExit(packageTraceHandle);
+    if (isLast) packageTraceHandle = nullptr;
     return status;
 }
 
@@ -81,22 +84,34 @@ status_t Quorlin::GetItemByName(std::string name) {
     return kBadValue;
 }
 
+void Quorlin::AppendLine(const ItemPair& item, std::string& text) {
+    constexpr std::string_view kMiddle = "\", \"";
+    const std::string_view key = item.key.View();
+    std::string_view value = item.value.View();
+    if (value == " ") value = {};
+    const size_t begin = text.size();
+    text.resize(begin + key.size() + value.size() + kMiddle.size() + 2);
+    char* place = text.data() + begin;
+    *place++ = '"';
+    place = std::copy_n(key.data(), key.size(), place);
+    place = std::copy_n(kMiddle.data(), kMiddle.size(), place);
+    if (value.find('"') == value.npos) {
+        place = std::copy_n(value.data(), value.size(), place);
+        *place = '"';
+    } else {
+        place = std::remove_copy(value.begin(), value.end(), place, '"');
+        *place++ = '"';
+        text.resize(static_cast<size_t>(place - text.data()));
+    }
+}
+
 status_t Quorlin::GetNextItem(std::string& text) {
     if (m_cursor >= m_items.size()) {
         TRACE("GetNextItem", kInfo, "\nNo more items");
         return kFailure;
     }
-    const ItemPair& item = *m_items[m_cursor];
     text.clear();
-    const std::string_view value = item.value.View();
-    text.append("\"").append(item.key.View()).append("\", \"");
-    if (value != " ") {
-        const size_t begin = text.size();
-        text += value;
-        if (value.find('"') != value.npos)
-            text.erase(std::remove(text.begin() + static_cast<ptrdiff_t>(begin), text.end(), '"'), text.end());
-    }
-    text += '"';
+    AppendLine(*m_items[m_cursor], text);
     m_cursor++;
     return kSuccess;
 }
@@ -110,9 +125,8 @@ status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
 }
 
 bool Quorlin::IsSwept(uint8_t type) {
-    return std::ranges::any_of(kSweptTypes, [type](const TypeRange_t& range) {
-        return type >= range.first && type <= range.last;
-    });
+    return std::ranges::any_of(kSweptTypes,
+                               [type](const TypeRange_t& range) { return type >= range.first && type <= range.last; });
 }
 
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }
@@ -128,7 +142,10 @@ status_t Quorlin::DecodeType(uint8_t type) {
     const status_t status = GetSMBIOSStruture(type, &records, &count);
     if (status != kSuccess || count == 0) return status;
     const std::unique_ptr<ClSMBIOSType> decoder(DecoderFactory(type));
-    if (decoder == nullptr) TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
+    if (decoder == nullptr)
+        TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
+    else
+        decoder->UsePool(m_pool.get());
     PrintStructure(decoder.get(), count, records, type);
     os_free(records);
     if (count < kBatch || decoder == nullptr) return status;
@@ -148,10 +165,9 @@ status_t Quorlin::PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint
     }
     for (uint8_t place = 0; place < NumOfStructs; place++) {
         pType->PrintStructure(pData[place] + kRecordHead);
-        while (std::unique_ptr<ItemPair> item{pType->TakeNextItem()}) {
+        while (const ItemPair* item = pType->TakeNextItem()) {
             try {
-                m_items.push_back(item.get());
-                item.release();
+                m_items.push_back(item);
             } catch (const std::bad_alloc&) {
                 TRACE("PrintStructure", kError, "\nNULL Pointer:");
             }
@@ -164,7 +180,11 @@ BaseAbstraction* CreateSmbiosPackage() { return CreateSmbiosPackageForKovr(Quorl
 
 BaseAbstraction* CreateSmbiosPackageForKovr(uint8_t presetType) {
     packageTraceHandle = nullptr;
-    return new (std::nothrow) Quorlin(presetType);
+    try {
+        return new Quorlin(presetType);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 void DestroySmbiosPackage(BaseAbstraction* package) { delete package; }

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "Packages/Platform/Export.h"
 
 struct ItemPair;
+class ClItemPool;
 class ClSMBIOSType;
 
 class BaseAbstraction {
@@ -39,7 +41,9 @@ class BaseAbstraction {
     virtual status_t ReservedOperation2() { return kFailure; }
 };
 
-class Quorlin final : public BaseAbstraction {
+// Not final: a host's calls have to go through the table of virtual operations, as the operations themselves aren't
+// exported.
+class Quorlin : public BaseAbstraction {
   public:
     static constexpr uint8_t kSweep = 255;
 
@@ -63,6 +67,8 @@ class Quorlin final : public BaseAbstraction {
 
     // Whether a sweep takes this type.
     static bool IsSwept(uint8_t type);
+    // Appends an item to `text` as GetNextItem gives it.
+    static void AppendLine(const ItemPair& item, std::string& text);
     // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
     // GetItemCount.
     const ItemPair& Item(uint32_t index) const { return *m_items[index]; }
@@ -76,8 +82,9 @@ class Quorlin final : public BaseAbstraction {
     uint32_t m_processorSignature = 0;
     uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package holds a reference on the store
     uint8_t m_smbiosMinor = 0;
-    std::vector<ItemPair*> m_items;
+    std::vector<const ItemPair*> m_items;
     uint8_t m_presetType;
+    std::unique_ptr<ClItemPool> m_pool;  // where the items live
 };
 
 extern "C" {

@@ -6,8 +6,11 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,20 +24,52 @@
 class ClText {
   public:
     ClText() = default;
-    ClText(std::string_view lasting) : m_lasting(lasting) {}
-    ClText(const char* lasting) : m_lasting(lasting) {}
+    ClText(std::string_view lasting) : m_data{lasting.data()}, m_size(static_cast<uint32_t>(lasting.size())) {}
+    ClText(const char* lasting) : ClText(std::string_view(lasting)) {}
     template <size_t size>
     ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: make it a std::string
-    ClText(std::string&& own) : m_own(std::move(own)) {}
-    ClText(const std::string& own) : m_own(own) {}
+    ClText(const std::string& own) { std::memcpy(Own(own.size()), own.data(), own.size()); }
+    // Text of its own, made of pieces.
+    static ClText Joined(std::initializer_list<std::string_view> pieces);
+    ClText(ClText&& other) noexcept : m_data(other.m_data), m_size(other.m_size), m_keep(other.m_keep) {
+        other.m_keep = Keep_t::kLasting;
+        other.m_size = 0;
+    }
+    ClText(const ClText& other) : ClText(other.m_keep == Keep_t::kLasting ? ClText(other.View()) : other.String()) {}
+    ClText& operator=(ClText other) noexcept {
+        std::swap(m_data, other.m_data);
+        std::swap(m_size, other.m_size);
+        std::swap(m_keep, other.m_keep);
+        return *this;
+    }
+    ~ClText() {
+        if (m_keep == Keep_t::kHeap) delete[] m_data.elsewhere;
+    }
 
-    std::string_view View() const { return m_lasting.data() != nullptr ? m_lasting : std::string_view(m_own); }
+    std::string_view View() const { return {m_keep == Keep_t::kHere ? m_data.here : m_data.elsewhere, m_size}; }
     std::string String() const { return std::string(View()); }
     friend bool operator==(const ClText& text, std::string_view other) { return text.View() == other; }
 
   private:
-    std::string m_own;
-    std::string_view m_lasting;
+    // Room for text of its own; expects a text that has none yet.
+    char* Own(size_t size) {
+        if (size <= sizeof m_data.here) {
+            m_keep = Keep_t::kHere;
+        } else {
+            m_data.elsewhere = new char[size];
+            m_keep = Keep_t::kHeap;
+        }
+        m_size = static_cast<uint32_t>(size);
+        return m_keep == Keep_t::kHere ? m_data.here : const_cast<char*>(m_data.elsewhere);
+    }
+
+    enum class Keep_t : uint8_t { kLasting, kHere, kHeap };
+    union {
+        const char* elsewhere = nullptr;
+        char here[24];  // enough for every number
+    } m_data;
+    uint32_t m_size = 0;
+    Keep_t m_keep = Keep_t::kLasting;
 };
 
 // One key and one value. A group item's key ends in kGroupMark and its value is empty.
@@ -44,6 +79,29 @@ struct ItemPair {
 };
 
 inline constexpr std::string_view kGroupMark = "#GROUPNAME";
+
+// Where items live: many in a block, and all released together, as the items of a package are. One by one they would
+// cost more to allocate than to decode.
+class ClItemPool {
+  public:
+    ClItemPool() = default;
+    ClItemPool(const ClItemPool&) = delete;
+    ClItemPool& operator=(const ClItemPool&) = delete;
+    ~ClItemPool() { Clear(); }
+
+    // Throws std::bad_alloc without memory.
+    ItemPair* New(ClText&& key, ClText&& value);
+    void Clear();
+
+  private:
+    static constexpr size_t kBlockItems = 64;
+    struct Block_t {
+        alignas(ItemPair) std::byte room[kBlockItems * sizeof(ItemPair)];
+    };
+
+    std::vector<std::unique_ptr<Block_t>> m_blocks;
+    size_t m_used = kBlockItems;  // items of the last block
+};
 
 // The record of one structure. No read leaves it, whatever bytes the table holds; numbers are little-endian.
 //
@@ -176,6 +234,9 @@ ClText ShowDec16AndHex(const Field_t& field);
 ClText ShowErrorType(const Field_t& field);
 ClText ShowErrorGranularity(const Field_t& field);
 ClText ShowErrorOperation(const Field_t& field);
+ClText ShowBit8(const Field_t& field);
+ClText ShowBit16(const Field_t& field);
+ClText ShowBit32(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
@@ -201,6 +262,10 @@ constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}
 // The three codes of the memory error structures.
 inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
     ErrorOperation{ShowErrorOperation};
+// One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
+constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
+constexpr Rendering_t Bit16(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit16, table, {}, bit}; }
+constexpr Rendering_t Bit32(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit32, table, {}, bit}; }
 // A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
 template <auto GetText>
 inline constexpr Rendering_t Text8{[](const Field_t& field) -> ClText { return GetText(field.Byte()); }};
@@ -210,7 +275,7 @@ inline constexpr Rendering_t Text16{[](const Field_t& field) -> ClText { return 
 // Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
 class ClSMBIOSType {
   public:
-    virtual ~ClSMBIOSType();
+    virtual ~ClSMBIOSType() = default;
     ClSMBIOSType() = default;
     ClSMBIOSType(const ClSMBIOSType&) = delete;
     ClSMBIOSType& operator=(const ClSMBIOSType&) = delete;
@@ -220,8 +285,10 @@ class ClSMBIOSType {
 
     // Copies the next item that hasn't been read to `output`. 1; 2 for a null output; 5 when there is none.
     status_t GetNextItem(ItemPair* output);
-    // Gives the next item itself away, or null when there is none: what a package takes, without a copy.
-    ItemPair* TakeNextItem();
+    // The next item itself, or null when there is none. It lives as long as its pool.
+    const ItemPair* TakeNextItem();
+    // Puts the items that follow into `pool`, which outlives the decoder: a package's, that lists them.
+    void UsePool(ClItemPool* pool) { m_pool = pool; }
 
     uint32_t ProcessorSignature() const { return m_processorSignature; }
 
@@ -246,7 +313,13 @@ class ClSMBIOSType {
     uint32_t m_processorSignature = 0;  // given to the decoders of types 4 and 148 only
     uint32_t m_readCursor = 0;
     int32_t m_instanceCounter = 0;
-    std::vector<ItemPair*> m_items;
+    std::vector<const ItemPair*> m_items;
+
+  private:
+    void AddItem(ClText&& key, ClText&& value);
+
+    ClItemPool m_ownPool;
+    ClItemPool* m_pool = &m_ownPool;
 };
 
 inline uint8_t Field_t::Byte() const { return structure.Byte(row.offset); }

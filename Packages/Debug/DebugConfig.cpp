@@ -134,17 +134,16 @@ static bool ReadSyncFlag(std::string_view value, DebugConfEntry* entry) {
 struct Key_t {
     const char* name;
     uint32_t setBit;
-    bool onlyGlobal;  // passed over in other packages
     bool (*read)(std::string_view value, DebugConfEntry* entry);
 };
 
 static constexpr Key_t kKeys[] = {
-    {"TraceType",       kSetTraceType,       false, ReadTraceType      },
-    {"OutputType",      kSetOutputType,      false, ReadOutputType     },
-    {"TraceFormatType", kSetTraceFormatType, false, ReadTraceFormatType},
-    {"DebugFlagsType",  kSetDebugFlagsType,  false, ReadDebugFlagsType },
-    {"FileName",        kSetFileName,        false, ReadFileName       },
-    {"SyncFlag",        kSetSyncFlag,        true,  ReadSyncFlag       },
+    {"TraceType",       kSetTraceType,       ReadTraceType      },
+    {"OutputType",      kSetOutputType,      ReadOutputType     },
+    {"TraceFormatType", kSetTraceFormatType, ReadTraceFormatType},
+    {"DebugFlagsType",  kSetDebugFlagsType,  ReadDebugFlagsType },
+    {"FileName",        kSetFileName,        ReadFileName       },
+    {"SyncFlag",        kSetSyncFlag,        ReadSyncFlag       }, // allowed everywhere, of use in Global alone
 };
 
 // Lines.
@@ -176,8 +175,7 @@ static status_t AddPackage(std::string_view package, DebugConfEntry** out) {
 }
 
 static status_t StoreSetting(std::string_view package, std::string_view key, std::string_view value) {
-    const bool isGlobal = package == kGlobal;
-    if (isGlobal) GlobalSeen = true;
+    if (package == kGlobal) GlobalSeen = true;
     DebugConfEntry* entry = FindPackage(package);
     if (entry == nullptr) {
         const status_t status = AddPackage(package, &entry);
@@ -185,7 +183,6 @@ static status_t StoreSetting(std::string_view package, std::string_view key, std
     }
     for (const Key_t& row : kKeys) {
         if (key != row.name) continue;
-        if (row.onlyGlobal && !isGlobal) return kSuccess;
         if (!row.read(value, entry)) return kFailure;
         entry->SetMask |= row.setBit;
         return kSuccess;

@@ -47,6 +47,7 @@ int32_t os_vsnprintf(char* buffer, size_t size, const char* format, va_list argu
     if (buffer == nullptr || size == 0) return -1;
     buffer[0] = '\0';
     if (format == nullptr) return -1;
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the check doesn't see the caller's va_start
     const int length = std::vsnprintf(buffer, size, format, arguments);
     // A text that could not be formatted may have been written in part.
     if (length < 0) buffer[size - 1] = '\0';
@@ -65,7 +66,10 @@ int32_t os_snprintf(char* buffer, size_t size, size_t count, const char* format,
 status_t os_GetTimestampMs(uint64_t* milliseconds) {
     if (milliseconds == nullptr) return kNullPointer;
     LARGE_INTEGER ticks, perSecond;
-    if (!QueryPerformanceCounter(&ticks) || !QueryPerformanceFrequency(&perSecond)) return GetLastError();
+    if (!QueryPerformanceCounter(&ticks) || !QueryPerformanceFrequency(&perSecond)) {
+        const status_t error = GetLastError();
+        return error != kSuccess ? error : kFailure;  // the system has an error of the number of our success
+    }
     const double seconds = static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
     *milliseconds = static_cast<uint64_t>(seconds * 1000);
     return kSuccess;

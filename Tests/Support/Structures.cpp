@@ -32,6 +32,11 @@ ClStructureBuilder& ClStructureBuilder::Strings(std::initializer_list<std::strin
     return *this;
 }
 
+ClStructureBuilder& ClStructureBuilder::String(size_t offset, std::string text) {
+    m_strings.push_back(std::move(text));
+    return Byte(offset, static_cast<uint8_t>(m_strings.size()));
+}
+
 std::vector<uint8_t> ClStructureBuilder::Image() const {
     std::vector<uint8_t> image = m_bytes;
     for (const std::string& text : m_strings) {

@@ -18,6 +18,8 @@ class ClStructureBuilder {
     ClStructureBuilder& Qword(size_t offset, uint64_t value);
     ClStructureBuilder& Bytes(size_t offset, std::initializer_list<uint8_t> values);
     ClStructureBuilder& Strings(std::initializer_list<std::string> texts);
+    // Adds a string behind the others and sets the byte at `offset` to its number.
+    ClStructureBuilder& String(size_t offset, std::string text);
 
     uint8_t Type() const { return m_bytes[0]; }
     // The structure as a table holds it, closed by a double NUL.

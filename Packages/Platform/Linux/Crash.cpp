@@ -87,22 +87,14 @@ void DescribeBus(EXCEPTION_RECORD* record, const siginfo_t& info, const greg_t* 
 
 DWORD ArithmeticCode(int code) {
     switch (code) {
-        case FPE_INTDIV:
-            return EXCEPTION_INT_DIVIDE_BY_ZERO;
-        case FPE_INTOVF:
-            return EXCEPTION_INT_OVERFLOW;
-        case FPE_FLTDIV:
-            return EXCEPTION_FLT_DIVIDE_BY_ZERO;
-        case FPE_FLTOVF:
-            return EXCEPTION_FLT_OVERFLOW;
-        case FPE_FLTUND:
-            return EXCEPTION_FLT_UNDERFLOW;
-        case FPE_FLTRES:
-            return EXCEPTION_FLT_INEXACT_RESULT;
-        case FPE_FLTSUB:
-            return EXCEPTION_ARRAY_BOUNDS_EXCEEDED;
-        default:
-            return EXCEPTION_FLT_INVALID_OPERATION;
+        case FPE_INTDIV: return EXCEPTION_INT_DIVIDE_BY_ZERO;
+        case FPE_INTOVF: return EXCEPTION_INT_OVERFLOW;
+        case FPE_FLTDIV: return EXCEPTION_FLT_DIVIDE_BY_ZERO;
+        case FPE_FLTOVF: return EXCEPTION_FLT_OVERFLOW;
+        case FPE_FLTUND: return EXCEPTION_FLT_UNDERFLOW;
+        case FPE_FLTRES: return EXCEPTION_FLT_INEXACT_RESULT;
+        case FPE_FLTSUB: return EXCEPTION_ARRAY_BOUNDS_EXCEEDED;
+        default: return EXCEPTION_FLT_INVALID_OPERATION;
     }
 }
 
@@ -119,18 +111,10 @@ void OnSignal(int signal, siginfo_t* info, void* context) {
     EXCEPTION_RECORD record = {};
     record.ExceptionAddress = reinterpret_cast<PVOID>(registers[REG_RIP]);
     switch (signal) {
-        case SIGSEGV:
-            DescribeSegmentation(&record, *info, registers);
-            break;
-        case SIGBUS:
-            DescribeBus(&record, *info, registers);
-            break;
-        case SIGFPE:
-            Describe(&record, ArithmeticCode(info->si_code));
-            break;
-        case SIGTRAP:
-            DescribeTrap(&record, info->si_code);
-            break;
+        case SIGSEGV: DescribeSegmentation(&record, *info, registers); break;
+        case SIGBUS: DescribeBus(&record, *info, registers); break;
+        case SIGFPE: Describe(&record, ArithmeticCode(info->si_code)); break;
+        case SIGTRAP: DescribeTrap(&record, info->si_code); break;
         default:
             Describe(&record, info->si_code == ILL_PRVOPC ? EXCEPTION_PRIV_INSTRUCTION : EXCEPTION_ILLEGAL_INSTRUCTION);
     }
@@ -174,7 +158,7 @@ class ClSignalStack {
     }
 
   private:
-    static constexpr size_t kGuard = 4096, kSize = kGuard + 128 * 1024;  // room for a formatting filter
+    static constexpr size_t kGuard = 4096, kSize = kGuard + size_t{128} * 1024;  // room for a formatting filter
     void* memory_ = MAP_FAILED;
 };
 
@@ -184,9 +168,10 @@ bool IsOurs(const struct sigaction& action) {
 
 }  // namespace
 
-// A null filter takes ours away. The calling thread gets a signal stack, others keep what they have.
+// A null filter takes ours away. With a filter the calling thread gets a signal stack, others keep what they have.
 LPTOP_LEVEL_EXCEPTION_FILTER SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_FILTER filter) {
-    static thread_local ClSignalStack stackOfThread;
+    // Not without a filter, as when this code is unloaded: an object made then would outlive its destructor.
+    if (filter != nullptr) static thread_local ClSignalStack stackOfThread;
     const LPTOP_LEVEL_EXCEPTION_FILTER previous = theFilter.exchange(filter);
     for (const int signal : kSignals) {
         struct sigaction present;

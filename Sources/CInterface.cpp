@@ -1,0 +1,252 @@
+// The C interface: a package that is opened, copied into a handle and closed at once.
+#include <memory>
+#include <mutex>
+#include <new>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Packages/FERROXExternal/StructureStore/ImageFile.h"
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/OS.h"
+#include "Packages/Platform/Platform.h"
+#include "Sources/Quorlin.h"
+#include "Sources/SMBIOSType.h"
+#include "Sources/quorlin_c.h"
+
+#define QUORLIN_TEXT(number) #number
+#define QUORLIN_VERSION_TEXT(major, minor, patch) QUORLIN_TEXT(major) "." QUORLIN_TEXT(minor) "." QUORLIN_TEXT(patch)
+
+namespace {
+
+struct TableItem_t {
+    std::string key, value;
+    uint32_t structure;
+    uint32_t kind;
+};
+
+}  // namespace
+
+struct quorlin_table {
+    std::vector<TableItem_t> items;
+    uint32_t cursor = 0;
+    uint8_t major = 0, minor = 0;
+};
+
+namespace {
+
+static_assert(QUORLIN_OK == kSuccess && QUORLIN_BAD_VALUE == kBadValue && QUORLIN_NO_MEMORY == kNoMemory &&
+              QUORLIN_NULL_POINTER == kNullPointer && QUORLIN_NO_TABLE == kFailure);
+
+// The machine and the store are the process's, so one table is opened at a time.
+std::mutex opening;
+
+constexpr uint8_t kUsualMajor = 3;
+
+// What quorlin_last_error tells: the problem, or the status where no more is known. Without a destructor, which would
+// keep the library from being unloaded until the thread ends.
+thread_local quorlin_status lastStatus = QUORLIN_OK;
+thread_local char lastProblem[256] = "";
+
+// A package for as long as it takes to copy its items. What it changes in the process is as before afterwards: the
+// chosen machine, and the host's crash filter.
+class ClPackageInUse {
+  public:
+    ClPackageInUse() : m_chosen(ChosenMachine()), m_filter(SetUnhandledExceptionFilter(nullptr)) {}
+    ClPackageInUse(const ClPackageInUse&) = delete;
+    ClPackageInUse& operator=(const ClPackageInUse&) = delete;
+    ~ClPackageInUse() {
+        m_package.UnInitialize();
+        ChooseMachine(m_chosen);
+        SetUnhandledExceptionFilter(m_filter);
+    }
+    Quorlin* operator->() { return &m_package; }
+
+  private:
+    MachineChoice_t m_chosen;
+    LPTOP_LEVEL_EXCEPTION_FILTER m_filter;
+    Quorlin m_package{Quorlin::kSweep};
+};
+
+uint32_t KindOf(std::string_view key, std::string_view value) {
+    // A group item of a setting carries a value and is an item.
+    if (!key.ends_with(kGroupMark) || !value.empty()) return QUORLIN_ITEM;
+    return key.find(" {Type ") != key.npos ? QUORLIN_STRUCTURE : QUORLIN_GROUP;
+}
+
+void CopyItems(ClPackageInUse& package, quorlin_table* table) {
+    uint8_t entry[kEntryBufferSize] = {};
+    if (LibSMBIOSInit(entry) == kSuccess) LibSMBIOSExit();
+    table->major = entry[6];
+    table->minor = entry[7];
+    const uint32_t count = package->GetItemCount();
+    table->items.reserve(count);
+    uint32_t structure = 0;
+    for (uint32_t index = 0; index < count; index++) {
+        const ItemPair& item = package->Item(index);
+        std::string_view key = item.key.View();
+        const uint32_t kind = KindOf(key, item.value.View());
+        if (kind == QUORLIN_STRUCTURE) structure = index;
+        if (key.ends_with(kGroupMark)) key.remove_suffix(kGroupMark.size());
+        table->items.push_back({std::string(key), item.value.String(), structure, kind});
+    }
+}
+
+// Makes a handle of the items of the machine that `choose` chooses.
+template <class Choose>
+quorlin_status Open(quorlin_table** out, const Choose& choose) {
+    const std::lock_guard lock(opening);
+    if (StoreIsUp()) return QUORLIN_BUSY;
+    ClPackageInUse package;
+    choose();
+    if (package->Initialize() != kSuccess) return QUORLIN_NO_TABLE;
+    auto table = std::make_unique<quorlin_table>();
+    CopyItems(package, table.get());
+    *out = table.release();
+    return QUORLIN_OK;
+}
+
+// Opens an image that was read with this status, or keeps the problem.
+quorlin_status OpenImage(quorlin_table** out, status_t status, const Image_t& image, const std::string& problem) {
+    if (status == kSuccess) return Open(out, [&image] { SetImageMachine(&image.source); });
+    os_snprintf(lastProblem, sizeof lastProblem, sizeof lastProblem - 1, "%s", problem.c_str());
+    return QUORLIN_NO_IMAGE;
+}
+
+// What the options say of an image. 0.0 is the version of a caller who doesn't know.
+Image_t ImageWith(const quorlin_options& options) {
+    Image_t image;
+    image.source.signature = options.signature;
+    image.source.major = options.smbios_major;
+    image.source.minor = options.smbios_minor;
+    if (options.smbios_major == 0 && options.smbios_minor == 0) image.source.major = kUsualMajor;
+    return image;
+}
+
+// Calls `function`, which gives a status. No exception leaves the interface.
+template <class Function>
+quorlin_status Guarded(const Function& function) {
+    try {
+        return function();
+    } catch (const std::bad_alloc&) {
+        return QUORLIN_NO_MEMORY;
+    } catch (...) {
+        return QUORLIN_NO_TABLE;
+    }
+}
+
+// The common way of the functions that open: checks the arguments, then opens with the options given or none.
+template <class Function>
+quorlin_status Opening(bool hasArguments, const quorlin_options* given, const Function& open) {
+    lastProblem[0] = '\0';
+    lastStatus = !hasArguments ? quorlin_status{QUORLIN_NULL_POINTER}
+                 : given != nullptr && given->size != sizeof *given
+                     ? quorlin_status{QUORLIN_BAD_VALUE}
+                     : Guarded([&] { return open(given != nullptr ? *given : quorlin_options{}); });
+    return lastStatus;
+}
+
+void Show(const quorlin_table& table, uint32_t index, quorlin_item* item) {
+    const TableItem_t& shown = table.items[index];
+    *item = {shown.key.c_str(), shown.value.c_str(), index, shown.structure, shown.kind};
+}
+
+}  // namespace
+
+quorlin_status quorlin_open_machine(const quorlin_options* options, quorlin_table** table) {
+    return Opening(table != nullptr, options, [&](const quorlin_options& wanted) {
+        const quorlin_status status = Open(table, [] { SetMachine(ThisMachineWithoutDriver()); });
+        if (status != QUORLIN_NO_TABLE || wanted.use_driver == 0) return status;
+        return Open(table, [] { SetMachine(ThisMachine()); });
+    });
+}
+
+quorlin_status quorlin_open_file(const char* path, const quorlin_options* options, quorlin_table** table) {
+    return Opening(path != nullptr && table != nullptr, options, [&](const quorlin_options& wanted) {
+        Image_t image = ImageWith(wanted);
+        std::string problem;
+        const status_t status = ReadImage(path, TableForm_t::kAny, &image, &problem);
+        return OpenImage(table, status, image, problem);
+    });
+}
+
+quorlin_status quorlin_open_memory(const void* bytes, size_t size, const quorlin_options* options,
+                                   quorlin_table** table) {
+    return Opening(bytes != nullptr && table != nullptr, options, [&](const quorlin_options& wanted) {
+        Image_t image = ImageWith(wanted);
+        const auto* begin = static_cast<const uint8_t*>(bytes);
+        std::string problem;
+        const status_t status = ImageFromBytes({begin, begin + size}, TableForm_t::kAny, &image, &problem);
+        return OpenImage(table, status, image, problem);
+    });
+}
+
+void quorlin_close(quorlin_table* table) { delete table; }
+
+quorlin_status quorlin_smbios_version(const quorlin_table* table, uint8_t* major, uint8_t* minor) {
+    if (table == nullptr) return QUORLIN_NULL_POINTER;
+    if (major != nullptr) *major = table->major;
+    if (minor != nullptr) *minor = table->minor;
+    return QUORLIN_OK;
+}
+
+quorlin_status quorlin_next(quorlin_table* table, quorlin_item* item) {
+    if (table == nullptr || item == nullptr) return QUORLIN_NULL_POINTER;
+    if (table->cursor >= table->items.size()) return QUORLIN_NO_MORE;
+    Show(*table, table->cursor++, item);
+    return QUORLIN_OK;
+}
+
+quorlin_status quorlin_rewind(quorlin_table* table) {
+    if (table == nullptr) return QUORLIN_NULL_POINTER;
+    table->cursor = 0;
+    return QUORLIN_OK;
+}
+
+uint32_t quorlin_count(const quorlin_table* table) {
+    return table == nullptr ? 0 : static_cast<uint32_t>(table->items.size());
+}
+
+quorlin_status quorlin_get(const quorlin_table* table, uint32_t index, quorlin_item* item) {
+    if (table == nullptr || item == nullptr) return QUORLIN_NULL_POINTER;
+    if (index >= table->items.size()) return QUORLIN_BAD_VALUE;
+    Show(*table, index, item);
+    return QUORLIN_OK;
+}
+
+const char* quorlin_value(const quorlin_table* table, uint32_t index) {
+    return index < quorlin_count(table) ? table->items[index].value.c_str() : nullptr;
+}
+
+quorlin_status quorlin_find(const quorlin_table* table, const char* key, uint32_t from, quorlin_item* item) {
+    if (table == nullptr || key == nullptr || item == nullptr) return QUORLIN_NULL_POINTER;
+    for (uint32_t index = from; index < table->items.size(); index++) {
+        if (table->items[index].key != key) continue;
+        Show(*table, index, item);
+        return QUORLIN_OK;
+    }
+    return QUORLIN_NO_MORE;
+}
+
+const char* quorlin_status_text(quorlin_status status) {
+    switch (status) {
+        case QUORLIN_OK: return "success";
+        case QUORLIN_BAD_VALUE: return "an argument's value is out of range";
+        case QUORLIN_NO_MEMORY: return "out of memory";
+        case QUORLIN_NULL_POINTER: return "an argument is null";
+        case QUORLIN_NO_TABLE: return "this machine has no SMBIOS table, or doesn't let this user read it";
+        case QUORLIN_NO_MORE: return "there is no such item, or none behind the last one";
+        case QUORLIN_BUSY: return "the process has a package open, and one table is read at a time";
+        case QUORLIN_NO_IMAGE: return "the file can't be read, or holds no table";
+        default: return "unknown status";
+    }
+}
+
+const char* quorlin_last_error() {
+    if (lastStatus == QUORLIN_OK) return "";
+    return lastProblem[0] == '\0' ? quorlin_status_text(lastStatus) : lastProblem;
+}
+
+const char* quorlin_version() {
+    return QUORLIN_VERSION_TEXT(QUORLIN_VERSION_MAJOR, QUORLIN_VERSION_MINOR, QUORLIN_VERSION_PATCH);
+}

@@ -1,0 +1,27 @@
+// Memory Channel (the SMBIOS standard, type 37), without its list of devices.
+#include "Sources/Decoders.h"
+
+namespace {
+
+constexpr CodeText_t kChannelTypes[] = {
+    {1, "Other"   },
+    {2, "Unknown" },
+    {3, "RamBus"  },
+    {4, "SyncLink"},
+};
+static_assert(IsRising(kChannelTypes));
+
+constexpr Rendering_t ChannelType = Enum8(kChannelTypes, "Error: Invalid Channel Type");
+
+constexpr ItemRow_t kItems[] = {
+    {"Channel Type",         0x04, ChannelType},
+    {"Maximum Channel Load", 0x05, Dec8       },
+    {"Memory Device Count",  0x06, Dec8       },
+};
+
+}  // namespace
+
+void ClSMBIOSType37::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("Memory Channel {Type 37}", pData)) return;
+    PrintItems(kItems, ClStructure::WholeRecord(pData));
+}

@@ -1,0 +1,103 @@
+// System Power Supply (the SMBIOS standard, type 39).
+#include "Sources/Decoders.h"
+
+namespace {
+
+// The characteristics word: bits 15 to 10 the supply's type, 9 to 7 its status, 6 to 3 its range switching, then
+// three single bits.
+constexpr CodeText_t kSupplyTypes[] = {
+    {0, "Error: Invalid Power Suppy Type"},
+    {1, "Other"                          },
+    {2, "Unknown"                        },
+    {3, "Linear"                         },
+    {4, "Switching"                      },
+    {5, "Battery"                        },
+    {6, "UPS"                            },
+    {7, "Converter"                      },
+    {8, "Regulator"                      },
+};
+static_assert(IsRising(kSupplyTypes));
+
+constexpr CodeText_t kStatuses[] = {
+    {1, "Other"                                                         },
+    {2, "Unknown"                                                       },
+    {3, "OK"                                                            },
+    {4, "Non-critical"                                                  },
+    {5, "Critical; power supply has failed and has been taken off-line."},
+};
+static_assert(IsRising(kStatuses));
+
+constexpr CodeText_t kRangeSwitchings[] = {
+    {0, "Error: Invalid Switch"},
+    {1, "Other"                },
+    {2, "Unknown"              },
+    {3, "Manual"               },
+    {4, "Auto-switch"          },
+    {5, "Wide range"           },
+    {6, "Not applicable"       },
+};
+static_assert(IsRising(kRangeSwitchings));
+
+constexpr CodeText_t kYesNo[] = {
+    {0, "No" },
+    {1, "Yes"},
+};
+static_assert(IsRising(kYesNo));
+
+// Hexadecimal, then whether the supply is one of a redundant group.
+ClText ShowUnitGroup(const Field_t& field) {
+    const uint8_t group = field.Byte();
+    return HexText(group, 2) +
+           (group == 0 ? " Power supply is not a member of a redundant power unit"
+                       : " Redundancy. At least one other power supply will be enumerated with the same value");
+}
+
+// What bits 10 to 15 say.
+ClText ShowSupplyType(const Field_t& field) { return TextOf(kSupplyTypes, field.Word() >> 10, "Reserved"); }
+
+// What bits 7 to 9 say.
+ClText ShowStatus(const Field_t& field) { return TextOf(kStatuses, field.Word() >> 7 & 7, "Error: Invalid Status"); }
+
+// What bits 3 to 6 say.
+ClText ShowRangeSwitching(const Field_t& field) { return TextOf(kRangeSwitchings, field.Word() >> 3 & 15, "Reserved"); }
+
+// The handle of a structure that the supply may lack.
+ClText ShowHandle(const Field_t& field) {
+    const uint16_t handle = field.Word();
+    return handle == 0xFFFF ? ClText(field.row.rendering.text) : HexText(handle, 4);
+}
+
+constexpr Rendering_t UnitGroup{ShowUnitGroup}, MilliWatts = Dec16WithUnit(" milliWatts");
+constexpr Rendering_t SupplyType{ShowSupplyType}, Status{ShowStatus}, RangeSwitching{ShowRangeSwitching};
+constexpr Rendering_t YesNo16(uint32_t bit) { return Bit16(kYesNo, bit); }
+constexpr Rendering_t VoltageProbe{ShowHandle, {}, "No probe(Type 26) is provided"};
+constexpr Rendering_t CoolingDevice{ShowHandle, {}, "No cooling device(Type 27) is provided"};
+constexpr Rendering_t CurrentProbe{ShowHandle, {}, "No current probe(Type 29) is provided"};
+
+constexpr ItemRow_t kItems[] = {
+    {"Power Unit Group",                        0x04, UnitGroup     },
+    {"Location",                                0x05, String        },
+    {"Device Name",                             0x06, String        },
+    {"Manufacturer",                            0x07, String        },
+    {"Serial Number",                           0x08, String        },
+    {"Asset Tag Number",                        0x09, String        },
+    {"Model Part Number",                       0x0A, String        },
+    {"Revision Level",                          0x0B, String        },
+    {"Max Power Capacity",                      0x0C, MilliWatts    },
+    {"DMTF Power Supply Type",                  0x0E, SupplyType    },
+    {"DMTF Power Supply Status",                0x0E, Status        },
+    {"DMTF Input Voltage Range Switching",      0x0E, RangeSwitching},
+    {"Is power supply unplugged from the wall", 0x0E, YesNo16(2)    },
+    {"Is power supply present",                 0x0E, YesNo16(1)    },
+    {"Is power supply hot-replaceable",         0x0E, YesNo16(0)    },
+    {"Input Voltage Probe Handle",              0x10, VoltageProbe  },
+    {"Cooling Device Handle",                   0x12, CoolingDevice },
+    {"Input Current Probe Handle",              0x14, CurrentProbe  },
+};
+
+}  // namespace
+
+void ClSMBIOSType39::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("System Power Supply {Type 39}", pData)) return;
+    PrintItems(kItems, ClStructure::WholeRecord(pData));
+}

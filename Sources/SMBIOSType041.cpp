@@ -1,0 +1,37 @@
+// Onboard Devices Extended Information (the SMBIOS standard, type 41).
+#include "Sources/Decoders.h"
+
+namespace {
+
+constexpr CodeText_t kDeviceStatuses[] = {
+    {0, "Device Disabled"},
+    {1, "Device Enabled" },
+};
+static_assert(IsRising(kDeviceStatuses));
+
+// Decimal, bits 3 to 7.
+ClText ShowDeviceNumber(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
+// Decimal, bits 0 to 2.
+ClText ShowFunctionNumber(const Field_t& field) { return std::to_string(field.Byte() & 7); }
+
+constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7),
+                      DeviceType = Text8<ClSMBIOSType::GetOnboardDeviceTypeString>;
+constexpr Rendering_t DeviceNumber{ShowDeviceNumber}, FunctionNumber{ShowFunctionNumber};
+
+constexpr ItemRow_t kItems[] = {
+    {"Reference Designation", 0x04, String        },
+    {"Device Status",         0x05, DeviceStatus  },
+    {"Device Type",           0x05, DeviceType    },
+    {"Device Type Instance",  0x06, Hex8          },
+    {"Segment Group Number",  0x07, Dec16         },
+    {"Bus Number",            0x09, Dec8          },
+    {"Device Number",         0x0A, DeviceNumber  },
+    {"Function Number",       0x0A, FunctionNumber},
+};
+
+}  // namespace
+
+void ClSMBIOSType41::PrintStructure(const uint8_t* pData) {
+    if (!PrintHead("Onboard Devices Extended Information {Type 41}", pData)) return;
+    PrintItems(kItems, ClStructure::WholeRecord(pData));
+}

@@ -1,0 +1,101 @@
+// A host built apart from the library, with the public headers alone: loads it, takes its exports by name, and walks
+// all items of this machine through the ten virtual operations, one line an item. A bare table in a file takes the
+// machine's place.
+//
+//     host LIBRARY [TABLE]
+//
+// Exit  0; 1 the library can't be loaded or used; 2 an operation didn't answer as it should
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "Loader.h"
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Quorlin.h"
+
+namespace {
+
+bool allIsWell = true;
+
+void Expect(bool isSo, const char* what) {
+    if (isSo) return;
+    std::fprintf(stderr, "not so: %s\n", what);
+    allIsWell = false;
+}
+#define EXPECT(condition) Expect((condition), #condition)
+
+std::vector<std::string> Lines(BaseAbstraction& package) {
+    std::vector<std::string> lines;
+    std::string line;
+    while (package.GetNextItem(line) == kSuccess) lines.push_back(line);
+    return lines;
+}
+
+// What stands between the last two quotes of a line.
+std::string ValueOf(const std::string& line) {
+    const size_t begin = line.find("\", \"") + 4;
+    return line.substr(begin, line.size() - begin - 1);
+}
+
+std::vector<std::string> Sweep(BaseAbstraction* created) {
+    auto& package = static_cast<Quorlin&>(*created);
+    const status_t status = package.Initialize();
+    if (status != kSuccess) {
+        std::fprintf(stderr, "Initialize: status %u\n", status);
+        return {};
+    }
+    EXPECT(package.ReservedOperation1() == kFailure);
+    EXPECT(package.ReservedOperation2() == kFailure);
+    EXPECT(package.GetItemByName("") == kBadValue);
+    EXPECT(package.GetItemByName("a name that is longer than a string object holds by itself") == kFailure);
+    std::vector<std::string> lines = Lines(package);
+    EXPECT(package.GetItemCount() == lines.size());
+    EXPECT(package.GetItemValue(package.GetItemCount()).empty());
+    for (uint32_t index = 0; index < lines.size(); index++) {
+        const std::string value = package.GetItemValue(index);
+        if (value != " " && value.find('"') == value.npos) EXPECT(value == ValueOf(lines[index]));
+    }
+    const uint32_t count = package.GetItemCount();
+    EXPECT(package.GetTypes(1) == kSuccess);  // the same structures again
+    EXPECT(Lines(package).size() == package.GetItemCount() - count);
+    EXPECT(package.UnInitialize() == kSuccess);
+    EXPECT(package.GetItemCount() == 0);
+    return lines;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) return 1;
+    const ClLoader library(argv[1]);
+    auto* create = library.Find<decltype(CreateSmbiosPackage)>("CreateSmbiosPackage");
+    auto* createFor = library.Find<decltype(CreateSmbiosPackageForKovr)>("CreateSmbiosPackageForKovr");
+    auto* destroy = library.Find<decltype(DestroySmbiosPackage)>("DestroySmbiosPackage");
+    auto* destroyFor = library.Find<decltype(DestroySmbiosPackageForKovr)>("DestroySmbiosPackageForKovr");
+
+    std::vector<char> bytes;
+    if (argc > 2) {
+        std::ifstream file(argv[2], std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(file), {});
+        const ImageSource_t image = {reinterpret_cast<const uint8_t*>(bytes.data()),
+                                     static_cast<uint32_t>(bytes.size()), 3, 0, 0};
+        EXPECT(library.Find<decltype(SetImageMachine)>("SetImageMachine")(&image) == kSuccess);
+    }
+
+    BaseAbstraction* package = create();
+    const std::vector<std::string> lines = Sweep(package);
+    destroyFor(package);  // either serves either
+    if (lines.empty()) return 1;
+    for (const std::string& line : lines) std::printf("%s\n", line.c_str());
+
+    BaseAbstraction* preset = createFor(17);
+    EXPECT(preset->Initialize() == kSuccess);
+    EXPECT(Lines(*preset).empty());
+    EXPECT(preset->UnInitialize() == kSuccess);
+    destroy(preset);
+    delete createFor(17);  // a virtual destructor, and the heap that both sides share
+    destroy(nullptr);
+    return allIsWell ? 0 : 2;
+}

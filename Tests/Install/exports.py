@@ -1,0 +1,53 @@
+#!/usr/bin/python3
+"""Checks that a library exports what the public headers mark with QUORLIN_API, and nothing else.
+
+    exports.py LIBRARY HEADER-FOLDER
+
+LIBRARY is a libquorlin.so or a quorlin.dll, and HEADER-FOLDER holds the installed headers.
+"""
+import pathlib
+import re
+import subprocess
+import sys
+
+# The package's four exports, which the headers could lose without anyone noticing.
+PACKAGE = {
+    "CreateSmbiosPackage",
+    "CreateSmbiosPackageForKovr",
+    "DestroySmbiosPackage",
+    "DestroySmbiosPackageForKovr",
+}
+
+
+def marked(folder):
+    names = set()
+    for header in pathlib.Path(folder).rglob("*.h"):
+        text = re.sub(r"//.*|/\*[\s\S]*?\*/|^\s*#.*", "", header.read_text(), flags=re.M)
+        names.update(re.findall(r"QUORLIN_API\s[^;(]*?(\w+)\(", text))
+    return names
+
+
+def exported(library):
+    if library.endswith(".dll"):
+        listing = subprocess.run(["objdump", "-p", library], check=True, capture_output=True, text=True).stdout
+        table = listing[listing.index("[Ordinal/Name Pointer] Table"):]
+        return set(re.findall(r"^\s*\[\s*\d+\](?:\s+\+base\[\s*\d+\]\s+[0-9a-f]+)?\s+(\S+)$", table, flags=re.M))
+    listing = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True).stdout
+    rows = [line.split() for line in listing.splitlines()]
+    # The symbol of the version itself is no export.
+    return {name.split("@")[0] for _, kind, name in rows if kind != "A"}
+
+
+def main(library, folder):
+    wanted, found = marked(folder), exported(library)
+    for title, names in (
+        ("marked and not exported", wanted - found),
+        ("exported and not marked", found - wanted),
+        ("no export", PACKAGE - found),
+    ):
+        for name in sorted(names):
+            print(f"{library}: {title}: {name}")
+    sys.exit(0 if wanted == found and PACKAGE <= found else 1)
+
+
+main(*sys.argv[1:])

@@ -1,0 +1,197 @@
+// The C interface: items, statuses, handles that don't know of each other, and what an opening leaves in the process.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/Platform/Platform.h"
+#include "Packages/Sample/Sample.h"
+#include "Sources/Quorlin.h"
+#include "Sources/quorlin_c.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+using Table_t = std::unique_ptr<quorlin_table, decltype(&quorlin_close)>;
+
+Table_t Open(const std::vector<uint8_t>& bytes, const quorlin_options* options = nullptr) {
+    quorlin_table* table = nullptr;
+    EXPECT_EQ(quorlin_open_memory(bytes.data(), bytes.size(), options, &table), QUORLIN_OK) << quorlin_last_error();
+    return {table, quorlin_close};
+}
+
+std::vector<uint8_t> Sample() { return {SampleTable().begin(), SampleTable().end()}; }
+
+const ClStructureBuilder kSystem = ClStructureBuilder(1, 0x1B, 1).Bytes(4, {1, 2}).Strings({"Halvorsen", "\"Fjord\""});
+const ClStructureBuilder kChassis = ClStructureBuilder(3, 0x15, 2).Bytes(4, {1, 3}).Strings({"Nord"});
+
+TEST(CInterface, GivesItemsByCursorNumberAndKey) {
+    const Table_t table = Open(TableOf({kSystem, kChassis}));
+    quorlin_item item = {};
+    std::vector<std::string> titles;
+    uint32_t count = 0;
+    for (; quorlin_next(table.get(), &item) == QUORLIN_OK; count++) {
+        EXPECT_EQ(item.index, count);
+        if (item.kind == QUORLIN_STRUCTURE) {
+            titles.emplace_back(item.key);
+            EXPECT_EQ(item.structure, item.index);
+        }
+        quorlin_item same = {};
+        EXPECT_EQ(quorlin_get(table.get(), count, &same), QUORLIN_OK);
+        EXPECT_EQ(same.key, item.key);
+        EXPECT_EQ(quorlin_value(table.get(), count), item.value);
+    }
+    EXPECT_EQ(titles,
+              (std::vector<std::string>{"System Information {Type 1}", "System Enclosure or Chassis Types {Type 3}"}));
+    EXPECT_EQ(quorlin_count(table.get()), count);
+    EXPECT_EQ(quorlin_next(table.get(), &item), QUORLIN_NO_MORE);
+    EXPECT_EQ(item.index, count - 1);  // as it was
+    EXPECT_EQ(quorlin_rewind(table.get()), QUORLIN_OK);
+    EXPECT_EQ(quorlin_next(table.get(), &item), QUORLIN_OK);
+    EXPECT_EQ(item.index, 0u);
+
+    EXPECT_EQ(quorlin_find(table.get(), "Manufacturer", 0, &item), QUORLIN_OK);
+    EXPECT_STREQ(item.value, "Halvorsen");
+    EXPECT_EQ(item.structure, 0u);
+    EXPECT_EQ(quorlin_find(table.get(), "Manufacturer", item.index + 1, &item), QUORLIN_OK);
+    EXPECT_STREQ(item.value, "Nord");
+    quorlin_item title = {};
+    EXPECT_EQ(quorlin_get(table.get(), item.structure, &title), QUORLIN_OK);
+    EXPECT_STREQ(title.key, titles[1].c_str());
+    EXPECT_EQ(quorlin_find(table.get(), "Manufacturer", item.index + 1, &item), QUORLIN_NO_MORE);
+    EXPECT_EQ(quorlin_find(table.get(), "manufacturer", 0, &item), QUORLIN_NO_MORE);
+    EXPECT_EQ(quorlin_get(table.get(), count, &item), QUORLIN_BAD_VALUE);
+    EXPECT_EQ(quorlin_value(table.get(), count), nullptr);
+}
+
+// Item by item the same as from a package, but for the mark of groups.
+TEST(CInterface, AgreesWithThePackage) {
+    const ClItems expected = DecodeTable(Sample(), Quorlin::kSweep);
+    const Table_t table = Open(Sample());
+    ASSERT_EQ(quorlin_count(table.get()), expected.Count());
+    for (uint32_t index = 0; index < expected.Count(); index++) {
+        quorlin_item item = {};
+        ASSERT_EQ(quorlin_get(table.get(), index, &item), QUORLIN_OK);
+        const bool isMarked = expected[index].key.ends_with("#GROUPNAME");
+        EXPECT_EQ(item.key + std::string(isMarked ? "#GROUPNAME" : ""), expected[index].key);
+        EXPECT_EQ(item.value, expected[index].value);
+        EXPECT_EQ(item.kind != QUORLIN_ITEM, isMarked && expected[index].value.empty()) << item.key;
+    }
+}
+
+TEST(CInterface, KeepsHandlesApart) {
+    Table_t first = Open(TableOf({kSystem}));
+    quorlin_item item = {};
+    ASSERT_EQ(quorlin_find(first.get(), "Product Name", 0, &item), QUORLIN_OK);
+    const Table_t second = Open(TableOf({kChassis}));
+    EXPECT_STREQ(item.value, "\"Fjord\"");
+    first.reset();
+    EXPECT_EQ(quorlin_find(second.get(), "Manufacturer", 0, &item), QUORLIN_OK);
+    EXPECT_STREQ(item.value, "Nord");
+
+    const std::vector<uint8_t> system = TableOf({kSystem}), chassis = TableOf({kChassis});
+    std::atomic<int> bad{0};
+    std::vector<std::thread> threads;
+    for (const auto* bytes : {&system, &chassis, &system, &chassis})
+        threads.emplace_back([&bad, bytes, maker = bytes == &system ? "Halvorsen" : "Nord"] {
+            for (int round = 0; round < 50; round++) {
+                const Table_t table = Open(*bytes);
+                quorlin_item found = {};
+                if (quorlin_find(table.get(), "Manufacturer", 0, &found) != QUORLIN_OK ||
+                    found.value != std::string(maker))
+                    bad++;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(bad, 0);
+}
+
+LONG WINAPI FilterOfHost(EXCEPTION_POINTERS*) { return EXCEPTION_CONTINUE_SEARCH; }
+
+TEST(CInterface, LeavesTheProcessAsItWas) {
+    const LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(FilterOfHost);
+    const std::vector<uint8_t> chosen = TableOf({kChassis}), other = TableOf({kSystem});
+    const ImageSource_t source = {chosen.data(), static_cast<uint32_t>(chosen.size()), 3, 0, 0};
+    ASSERT_EQ(SetImageMachine(&source), kSuccess);
+    const Table_t table = Open(other);
+    EXPECT_EQ(SetUnhandledExceptionFilter(before), FilterOfHost);
+
+    // The host's own package still reads the host's own choice, and while it does no handle can be opened.
+    BaseAbstraction* package = CreateSmbiosPackage();
+    ASSERT_EQ(package->Initialize(), kSuccess);
+    std::string line;
+    EXPECT_EQ(package->GetNextItem(line), kSuccess);
+    EXPECT_EQ(line, "\"System Enclosure or Chassis Types {Type 3}#GROUPNAME\", \"\"");
+    quorlin_table* none = nullptr;
+    EXPECT_EQ(quorlin_open_memory(other.data(), other.size(), nullptr, &none), QUORLIN_BUSY);
+    EXPECT_EQ(quorlin_open_machine(nullptr, &none), QUORLIN_BUSY);
+    EXPECT_EQ(none, nullptr);
+    EXPECT_STREQ(quorlin_last_error(), quorlin_status_text(QUORLIN_BUSY));
+    EXPECT_EQ(package->UnInitialize(), kSuccess);
+    DestroySmbiosPackage(package);
+    EXPECT_NE(Open(other), nullptr);
+    EXPECT_STREQ(quorlin_last_error(), "");
+}
+
+TEST(CInterface, ReadsDumpsAndTakesOptionsForBareTables) {
+    const auto versionOf = [](const Table_t& table) {
+        uint8_t major = 0, minor = 0;
+        EXPECT_EQ(quorlin_smbios_version(table.get(), &major, &minor), QUORLIN_OK);
+        return std::to_string(major) + "." + std::to_string(minor);
+    };
+    quorlin_options options = {sizeof options, 0, 2, 7, 0, 0};
+    EXPECT_EQ(versionOf(Open(TableOf({kSystem}))), "3.0");
+    EXPECT_EQ(versionOf(Open(TableOf({kSystem}), &options)), "2.7");
+    EXPECT_EQ(versionOf(Open(DumpOf(TableOf({kSystem}), 3, 4, 32), &options)), "3.4");
+
+    const std::string path = WriteFile("Ærø-表.bin", DumpOf(TableOf({kSystem}), 3, 1, 32));
+    quorlin_table* fromFile = nullptr;
+    ASSERT_EQ(quorlin_open_file(path.c_str(), nullptr, &fromFile), QUORLIN_OK) << quorlin_last_error();
+    EXPECT_EQ(versionOf(Table_t(fromFile, quorlin_close)), "3.1");
+}
+
+TEST(CInterface, RefusesWhatIsNoTable) {
+    const std::vector<uint8_t> noise(64, 0xA5), empty;
+    const quorlin_options fromTheFuture = {sizeof(quorlin_options) + 4, 0, 0, 0, 0, 0};
+    quorlin_table* table = nullptr;
+    EXPECT_EQ(quorlin_open_memory(noise.data(), noise.size(), nullptr, &table), QUORLIN_NO_IMAGE);
+    EXPECT_NE(std::string(quorlin_last_error()).find("not a table"), std::string::npos);
+    EXPECT_EQ(quorlin_open_memory(noise.data(), 0, nullptr, &table), QUORLIN_NO_IMAGE);
+    EXPECT_EQ(quorlin_open_file("/no/such/file", nullptr, &table), QUORLIN_NO_IMAGE);
+    EXPECT_EQ(quorlin_open_memory(noise.data(), noise.size(), &fromTheFuture, &table), QUORLIN_BAD_VALUE);
+    EXPECT_EQ(table, nullptr);
+}
+
+TEST(CInterface, BearsNullPointers) {
+    const Table_t table = Open(TableOf({kSystem}));
+    const std::vector<uint8_t> bytes = TableOf({kSystem});
+    quorlin_table* out = nullptr;
+    quorlin_item item = {};
+    EXPECT_EQ(quorlin_open_machine(nullptr, nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_open_file(nullptr, nullptr, &out), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_open_file("x", nullptr, nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_open_memory(nullptr, 4, nullptr, &out), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_open_memory(bytes.data(), bytes.size(), nullptr, nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_next(nullptr, &item), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_next(table.get(), nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_get(nullptr, 0, &item), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_get(table.get(), 0, nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_find(nullptr, "x", 0, &item), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_find(table.get(), nullptr, 0, &item), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_find(table.get(), "x", 0, nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_rewind(nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_smbios_version(nullptr, nullptr, nullptr), QUORLIN_NULL_POINTER);
+    EXPECT_EQ(quorlin_smbios_version(table.get(), nullptr, nullptr), QUORLIN_OK);
+    EXPECT_EQ(quorlin_count(nullptr), 0u);
+    EXPECT_EQ(quorlin_value(nullptr, 0), nullptr);
+    quorlin_close(nullptr);
+}
+
+TEST(CInterface, TellsTheVersionOfTheBuild) { EXPECT_STREQ(quorlin_version(), QUORLIN_PROJECT_VERSION); }
+
+}  // namespace

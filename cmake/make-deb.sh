@@ -1,0 +1,16 @@
+#!/bin/sh
+# Builds the Debian packages and has lintian look at them: make-deb.sh FOLDER. The tree is copied there first, as the
+# tools write beside and into it.
+set -eu
+folder=$1
+version=$(dpkg-parsechangelog -S Version)
+rm -rf "$folder"
+mkdir -p "$folder/quorlin-$version"
+git ls-files -z | xargs -0 cp --parents -t "$folder/quorlin-$version"
+(cd "$folder/quorlin-$version" && dpkg-buildpackage -b -us -uc >../build.log 2>&1) || {
+    tail -n 40 "$folder/build.log" >&2
+    exit 1
+}
+# Warnings are shown, errors end it.
+lintian --allow-root --fail-on error "$folder"/*.changes
+ls "$folder"/*.deb
