@@ -34,9 +34,8 @@ constexpr TypeRange_t kSweptTypes[] = {
 
 }  // namespace
 
-Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType) {}
+Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType), m_pool(std::make_unique<ClItemPool>()) {}
 
-// The items go with UnInitialize, which a host calls first.
 Quorlin::~Quorlin() = default;
 
 status_t Quorlin::Initialize() {
@@ -47,6 +46,7 @@ status_t Quorlin::Initialize() {
     m_smbiosMajor = 0;
     m_smbiosMinor = 0;
     m_items.clear();
+    m_pool->Clear();
     CPUIDRecord_t cpuid = {};
     cpuid.Eax = 1;
     uint8_t entry[kEntryBufferSize] = {};
@@ -67,11 +67,14 @@ status_t Quorlin::Initialize() {
 }
 
 status_t Quorlin::UnInitialize() {
-    for (ItemPair* item : m_items) delete item;
     m_items.clear();
+    m_pool->Clear();
     const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
     const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
+    // With the last reference the handle is gone, and nobody may trace on it any more.
+    const bool isLast = packageTraceHandle != nullptr && packageTraceHandle->RefCount == 1;
     DebugLibExit(packageTraceHandle);
+    if (isLast) packageTraceHandle = nullptr;
     return status;
 }
 
@@ -139,7 +142,10 @@ status_t Quorlin::DecodeType(uint8_t type) {
     const status_t status = GetSMBIOSStruture(type, &records, &count);
     if (status != kSuccess || count == 0) return status;
     const std::unique_ptr<ClSMBIOSType> decoder(DecoderFactory(type));
-    if (decoder == nullptr) TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
+    if (decoder == nullptr)
+        TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
+    else
+        decoder->UsePool(m_pool.get());
     PrintStructure(decoder.get(), count, records, type);
     os_free(records);
     if (count < kBatch || decoder == nullptr) return status;
@@ -159,10 +165,9 @@ status_t Quorlin::PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint
     }
     for (uint8_t place = 0; place < NumOfStructs; place++) {
         pType->PrintStructure(pData[place] + kRecordHead);
-        while (std::unique_ptr<ItemPair> item{pType->TakeNextItem()}) {
+        while (const ItemPair* item = pType->TakeNextItem()) {
             try {
-                m_items.push_back(item.get());
-                item.release();
+                m_items.push_back(item);
             } catch (const std::bad_alloc&) {
                 TRACE("PrintStructure", kError, "\nNULL Pointer:");
             }
@@ -175,7 +180,11 @@ BaseAbstraction* CreateSmbiosPackage() { return CreateSmbiosPackageForKovr(Quorl
 
 BaseAbstraction* CreateSmbiosPackageForKovr(uint8_t presetType) {
     packageTraceHandle = nullptr;
-    return new (std::nothrow) Quorlin(presetType);
+    try {
+        return new Quorlin(presetType);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 void DestroySmbiosPackage(BaseAbstraction* package) { delete package; }

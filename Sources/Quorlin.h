@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "Packages/Platform/Export.h"
 
 struct ItemPair;
+class ClItemPool;
 class ClSMBIOSType;
 
 class BaseAbstraction {
@@ -80,8 +82,9 @@ class Quorlin : public BaseAbstraction {
     uint32_t m_processorSignature = 0;
     uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package holds a reference on the store
     uint8_t m_smbiosMinor = 0;
-    std::vector<ItemPair*> m_items;
+    std::vector<const ItemPair*> m_items;
     uint8_t m_presetType;
+    std::unique_ptr<ClItemPool> m_pool;  // where the items live
 };
 
 extern "C" {

@@ -102,6 +102,32 @@ void TraceNullData(std::string_view title, const char* message) {
 
 }  // namespace
 
+ClText ClText::Joined(std::initializer_list<std::string_view> pieces) {
+    size_t size = 0;
+    for (const std::string_view piece : pieces) size += piece.size();
+    ClText text;
+    char* place = text.Own(size);
+    for (const std::string_view piece : pieces) place = std::copy_n(piece.data(), piece.size(), place);
+    return text;
+}
+
+ItemPair* ClItemPool::New(ClText&& key, ClText&& value) {
+    if (m_used == kBlockItems) {
+        m_blocks.push_back(std::unique_ptr<Block_t>(new Block_t));  // its room stays as it is until an item takes it
+        m_used = 0;
+    }
+    return new (&m_blocks.back()->room[m_used++ * sizeof(ItemPair)]) ItemPair{std::move(key), std::move(value)};
+}
+
+void ClItemPool::Clear() {
+    for (const std::unique_ptr<Block_t>& block : m_blocks) {
+        auto* items = std::launder(reinterpret_cast<ItemPair*>(block->room));
+        std::destroy_n(items, block == m_blocks.back() ? m_used : kBlockItems);
+    }
+    m_blocks.clear();
+    m_used = kBlockItems;
+}
+
 ClStructure ClStructure::WholeRecord(const uint8_t* pData) {
     const uint8_t parsedBytes = ParsedBytes(pData[0]);
     return parsedBytes == 0 ? ClStructure(pData, pData[1], true) : FixedBytes(pData, parsedBytes);
@@ -194,16 +220,14 @@ ClText ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
 ClText ShowBit16(const Field_t& field) { return BitText(field, field.Word()); }
 ClText ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
 
-ClSMBIOSType::~ClSMBIOSType() {
-    for (ItemPair* item : m_items) delete item;
+void ClSMBIOSType::AddItem(ClText&& key, ClText&& value) {
+    m_items.push_back(m_pool->New(std::move(key), std::move(value)));
 }
 
 void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
     try {
-        if (group != 0) key = key.String().append(kGroupMark);
-        std::unique_ptr<ItemPair> item(new ItemPair{std::move(key), std::move(value)});
-        m_items.push_back(item.get());
-        item.release();
+        if (group != 0) key = ClText::Joined({key.View(), kGroupMark});
+        AddItem(std::move(key), std::move(value));
     } catch (const std::bad_alloc&) {
         TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
     }
@@ -223,12 +247,12 @@ status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
     return kSuccess;
 }
 
-ItemPair* ClSMBIOSType::TakeNextItem() {
+const ItemPair* ClSMBIOSType::TakeNextItem() {
     if (m_readCursor >= m_items.size()) {
         TRACE("GetNextItem", kInfo, "\nNo more items");
         return nullptr;
     }
-    return std::exchange(m_items[m_readCursor++], nullptr);
+    return m_items[m_readCursor++];
 }
 
 std::string ClSMBIOSType::GetDecimalString(uint32_t value) { return std::to_string(value); }
@@ -256,9 +280,10 @@ std::string_view ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
 bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
     m_instanceCounter++;
     try {
-        std::string text(title);
-        if (m_instanceCounter >= 2) text.append("_").append(std::to_string(m_instanceCounter));
-        Fill_String_Data(std::move(text), {}, 1);
+        const std::string count = std::to_string(m_instanceCounter);
+        AddItem(m_instanceCounter < 2 ? ClText::Joined({title, kGroupMark})
+                                      : ClText::Joined({title, "_", count, kGroupMark}),
+                {});
     } catch (const std::bad_alloc&) {
         TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
     }
@@ -281,9 +306,9 @@ void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure
     for (const ItemRow_t& row : rows) {
         try {
             if (row.rendering.render == nullptr)
-                Fill_String_Data(row.key, {}, 1);
+                AddItem(ClText::Joined({row.key, kGroupMark}), {});
             else
-                Fill_String_Data(row.key, row.rendering.render({structure, row, *this}), 0);
+                AddItem(row.key, row.rendering.render({structure, row, *this}));
         } catch (const std::bad_alloc&) {
             TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
         }

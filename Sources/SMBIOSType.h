@@ -6,8 +6,11 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,14 +28,9 @@ class ClText {
     ClText(const char* lasting) : ClText(std::string_view(lasting)) {}
     template <size_t size>
     ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: make it a std::string
-    ClText(const std::string& own) : m_size(static_cast<uint32_t>(own.size())), m_keep(Keep_t::kHere) {
-        char* place = m_data.here;
-        if (own.size() > sizeof m_data.here) {
-            m_data.elsewhere = place = new char[own.size()];
-            m_keep = Keep_t::kHeap;
-        }
-        std::memcpy(place, own.data(), own.size());
-    }
+    ClText(const std::string& own) { std::memcpy(Own(own.size()), own.data(), own.size()); }
+    // Text of its own, made of pieces.
+    static ClText Joined(std::initializer_list<std::string_view> pieces);
     ClText(ClText&& other) noexcept : m_data(other.m_data), m_size(other.m_size), m_keep(other.m_keep) {
         other.m_keep = Keep_t::kLasting;
         other.m_size = 0;
@@ -53,6 +51,18 @@ class ClText {
     friend bool operator==(const ClText& text, std::string_view other) { return text.View() == other; }
 
   private:
+    // Room for text of its own; expects a text that has none yet.
+    char* Own(size_t size) {
+        if (size <= sizeof m_data.here) {
+            m_keep = Keep_t::kHere;
+        } else {
+            m_data.elsewhere = new char[size];
+            m_keep = Keep_t::kHeap;
+        }
+        m_size = static_cast<uint32_t>(size);
+        return m_keep == Keep_t::kHere ? m_data.here : const_cast<char*>(m_data.elsewhere);
+    }
+
     enum class Keep_t : uint8_t { kLasting, kHere, kHeap };
     union {
         const char* elsewhere = nullptr;
@@ -69,6 +79,29 @@ struct ItemPair {
 };
 
 inline constexpr std::string_view kGroupMark = "#GROUPNAME";
+
+// Where items live: many in a block, and all released together, as the items of a package are. One by one they would
+// cost more to allocate than to decode.
+class ClItemPool {
+  public:
+    ClItemPool() = default;
+    ClItemPool(const ClItemPool&) = delete;
+    ClItemPool& operator=(const ClItemPool&) = delete;
+    ~ClItemPool() { Clear(); }
+
+    // Throws std::bad_alloc without memory.
+    ItemPair* New(ClText&& key, ClText&& value);
+    void Clear();
+
+  private:
+    static constexpr size_t kBlockItems = 64;
+    struct Block_t {
+        alignas(ItemPair) std::byte room[kBlockItems * sizeof(ItemPair)];
+    };
+
+    std::vector<std::unique_ptr<Block_t>> m_blocks;
+    size_t m_used = kBlockItems;  // items of the last block
+};
 
 // The record of one structure. No read leaves it, whatever bytes the table holds; numbers are little-endian.
 //
@@ -242,7 +275,7 @@ inline constexpr Rendering_t Text16{[](const Field_t& field) -> ClText { return 
 // Base of the decoders. A decoder serves the structures of one type in one step of a package and then dies.
 class ClSMBIOSType {
   public:
-    virtual ~ClSMBIOSType();
+    virtual ~ClSMBIOSType() = default;
     ClSMBIOSType() = default;
     ClSMBIOSType(const ClSMBIOSType&) = delete;
     ClSMBIOSType& operator=(const ClSMBIOSType&) = delete;
@@ -252,8 +285,10 @@ class ClSMBIOSType {
 
     // Copies the next item that hasn't been read to `output`. 1; 2 for a null output; 5 when there is none.
     status_t GetNextItem(ItemPair* output);
-    // Gives the next item itself away, or null when there is none: what a package takes, without a copy.
-    ItemPair* TakeNextItem();
+    // The next item itself, or null when there is none. It lives as long as its pool.
+    const ItemPair* TakeNextItem();
+    // Puts the items that follow into `pool`, which outlives the decoder: a package's, that lists them.
+    void UsePool(ClItemPool* pool) { m_pool = pool; }
 
     uint32_t ProcessorSignature() const { return m_processorSignature; }
 
@@ -278,7 +313,13 @@ class ClSMBIOSType {
     uint32_t m_processorSignature = 0;  // given to the decoders of types 4 and 148 only
     uint32_t m_readCursor = 0;
     int32_t m_instanceCounter = 0;
-    std::vector<ItemPair*> m_items;
+    std::vector<const ItemPair*> m_items;
+
+  private:
+    void AddItem(ClText&& key, ClText&& value);
+
+    ClItemPool m_ownPool;
+    ClItemPool* m_pool = &m_ownPool;
 };
 
 inline uint8_t Field_t::Byte() const { return structure.Byte(row.offset); }

@@ -13,6 +13,7 @@ set(quorlin_package_headers
   Packages/FERROXExternal/StructureStore/Machine.h
   Packages/FERROXExternal/StructureStore/StructureStore.h
   Packages/OS/OS.h
+  Packages/OS/OSServices.h
   Packages/OS/Status.h
   Packages/Platform/Export.h)
 set(headers_to ${CMAKE_INSTALL_INCLUDEDIR}/quorlin)

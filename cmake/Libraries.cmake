@@ -8,5 +8,4 @@ function(quorlin_header_only name folder)
   target_include_directories(${name} SYSTEM INTERFACE ${PROJECT_BINARY_DIR}/include)
 endfunction()
 
-quorlin_header_only(cli11 CLI)
 quorlin_header_only(rapidjson rapidjson)

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Sources/PackageTrace.h"
 #include "Sources/Quorlin.h"
 #include "Tests/Support/Structures.h"
 
@@ -80,7 +81,8 @@ TEST(Package, ReadsOnFromItsCursorAfterMoreTypes) {
 TEST(Package, AddsNothingForTypesWithoutStructuresOrDecoder) {
     ClPackage package(TableOf({ClStructureBuilder(200, 8), ClStructureBuilder(126, 8), ClStructureBuilder(5, 20)}));
     EXPECT_EQ(package->GetItemCount(), 0u);
-    for (const int type : {3, 5, 126, 127, 200, 254}) EXPECT_EQ(package->GetTypes(static_cast<uint8_t>(type)), kSuccess);
+    for (const int type : {3, 5, 126, 127, 200, 254})
+        EXPECT_EQ(package->GetTypes(static_cast<uint8_t>(type)), kSuccess);
     EXPECT_EQ(package->GetItemCount(), 0u);
     EXPECT_EQ(package->GetItemByName(""), kBadValue);
     EXPECT_EQ(package->GetItemByName("Type"), kFailure);
@@ -108,6 +110,24 @@ TEST(Package, SharesTheTableOfTheFirst) {
     EXPECT_EQ(second->Initialize(), kSuccess);  // a package may begin anew
     EXPECT_EQ(second->GetItemCount(), 17u);
     EXPECT_EQ(second->UnInitialize(), kSuccess);
+    DestroySmbiosPackage(second);
+}
+
+// The trace handle dies with its last reference, and a package may still be asked afterwards.
+TEST(Package, LetsTheTraceHandleGoWithTheLast) {
+    const std::vector<uint8_t> table = TableOf({kChassis});
+    UseTable(table);
+    auto* first = static_cast<Quorlin*>(CreateSmbiosPackage());
+    auto* second = static_cast<Quorlin*>(CreateSmbiosPackage());
+    EXPECT_EQ(first->Initialize(), kSuccess);
+    EXPECT_EQ(second->Initialize(), kSuccess);
+    EXPECT_EQ(first->UnInitialize(), kSuccess);
+    EXPECT_NE(packageTraceHandle, nullptr);
+    EXPECT_EQ(second->UnInitialize(), kSuccess);
+    EXPECT_EQ(packageTraceHandle, nullptr);
+    std::string line;
+    EXPECT_EQ(second->GetNextItem(line), kFailure);
+    DestroySmbiosPackage(first);
     DestroySmbiosPackage(second);
 }
 

@@ -11,3 +11,4 @@ int RunDiff(const Arguments_t& arguments);
 int RunDump(const Arguments_t& arguments);
 int RunRaw(const Arguments_t& arguments);
 int RunCheck(const Arguments_t& arguments);
+int RunHardware(const Arguments_t& arguments);

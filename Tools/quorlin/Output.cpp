@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Packages/Platform/Program.h"
+#include "Tools/quorlin/Text.h"
 
 namespace {
 
@@ -54,6 +55,44 @@ bool ClOutput::Finish() {
 
 void SayError(std::string_view subject, std::string_view message) {
     std::string line("quorlin: ");
-    line.append(subject).append(": ").append(message).append("\n");
+    // Names of files, too, may hold what steers a terminal.
+    AppendPrintable(line, subject);
+    line += ": ";
+    AppendPrintable(line, message);
+    line += '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output) {
+    constexpr size_t kPerLine = 16;
+    for (size_t begin = 0; begin < bytes.size(); begin += kPerLine) {
+        const std::span<const uint8_t> line = bytes.subspan(begin, std::min(kPerLine, bytes.size() - begin));
+        char text[8];
+        std::snprintf(text, sizeof text, "  %04zX", begin & 0xFFFF);
+        output << text;
+        for (const uint8_t byte : line) {
+            std::snprintf(text, sizeof text, " %02X", byte);
+            output << text;
+        }
+        output.Pad(3 * (kPerLine - line.size()) + 2);
+        for (const uint8_t byte : line) {
+            const char character = byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.';
+            output << std::string_view(&character, 1);
+        }
+        output << "\n";
+    }
+}
+
+bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
+    std::FILE* file = CreateNewFile(path);
+    if (file == nullptr) {
+        SayError(path, errno == EEXIST ? std::string("exists already, and a dump overwrites nothing; try another name")
+                                       : std::string(std::strerror(errno)) + "; try another name");
+        return false;
+    }
+    const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    const int problem = errno;
+    if (std::fclose(file) == 0 && isWritten) return true;
+    SayError(path, std::string(std::strerror(isWritten ? errno : problem)) + "; the file is not whole");
+    return false;
 }

@@ -24,11 +24,14 @@ class ClOutput {
   public:
     ClOutput() { m_text.reserve(kBlock + kMargin); }
 
-    // What is collected so far, to append to; `<<` writes it when it is enough.
+    // What is collected so far, to append to. Then FlushWhenFull.
     std::string& Text() { return m_text; }
+    void FlushWhenFull() {
+        if (m_text.size() >= kBlock) Flush();
+    }
     ClOutput& operator<<(std::string_view text) {
         m_text += text;
-        if (m_text.size() >= kBlock) Flush();
+        FlushWhenFull();
         return *this;
     }
     ClOutput& Pad(size_t count) {
@@ -53,3 +56,8 @@ class ClOutput {
 
 // "quorlin: SUBJECT: MESSAGE" on standard error.
 void SayError(std::string_view subject, std::string_view message);
+
+// Sixteen bytes a line: the offset, hexadecimal, and what of it is ASCII.
+void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);
+// Writes a file that doesn't exist yet, its owner's alone to read. False with a line on standard error.
+bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes);

@@ -1,4 +1,5 @@
 // quorlin show: the items of a table.
+#include "Packages/OS/OS.h"
 #include "Packages/Platform/Program.h"
 #include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Commands.h"
@@ -22,6 +23,7 @@ constexpr Usage_t kUsage = {
     "  dump   a table into a new file\n"
     "  raw    the bytes and strings of structures\n"
     "  check  what is wrong with a table\n"
+    "  hw     reads hardware: CPUID, PCI, memory, registers, ACPI\n"
     "\n"
     "Example: quorlin --image table.bin --type 4 --type 17\n"
     "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
@@ -41,7 +43,8 @@ void ShowLines(Quorlin& package, std::span<const uint8_t> types, ClOutput& outpu
             output << Printable(line) << "\n";
         } else {
             Quorlin::AppendLine(package.Item(index), output.Text());
-            output << "\n";
+            output.Text() += '\n';
+            output.FlushWhenFull();
         }
     }
 }
@@ -62,6 +65,17 @@ void ShowText(const ClModel& model, ClColumns& columns) {
         }
         columns.Finish(indent);
     }
+}
+
+// Tells of structures that a sweep leaves out and that have items all the same.
+void TellOfLeftOut(ClOutput& output) {
+    constexpr uint8_t kOnDemand = 148;
+    uint8_t** records = nullptr;
+    uint32_t count = 0;
+    if (GetSMBIOSStrutureFrom(kOnDemand, 0, &records, &count) != kSuccess || count == 0) return;
+    os_free(records);
+    output << "\nNot shown: " << std::to_string(count) << (count == 1 ? " structure" : " structures")
+           << " of type 148, firmware versions; see them with --type 148\n";
 }
 
 void WriteItems(const ClModel& model, const Structure_t& structure, ClJson& json) {
@@ -162,6 +176,7 @@ int RunShow(const Arguments_t& arguments) {
         if (format == Format_t::kText) {
             ClColumns columns(output);
             ShowText(model, columns);
+            if (typeNames.empty()) TellOfLeftOut(output);
         } else if (format == Format_t::kCsv) {
             ShowCsv(model, output);
         } else {

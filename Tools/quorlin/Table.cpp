@@ -5,6 +5,8 @@
 #include <cstring>
 #include <new>
 
+#include "Packages/Debug/Debug.h"
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Platform/Platform.h"
 #include "Packages/Platform/Program.h"
@@ -19,26 +21,27 @@ constexpr DWORD kRawSMBIOSProvider = 0x52534D42;
 constexpr uint8_t kNoSweep = 127;  // a preset type, so that a package decodes only what it is asked for
 
 // Why this machine gives no table, in words that say what to try.
-std::string WhyNoTable() {
+std::string WhyNoTable(const Source_t& source) {
+    if (source.driver || source.scan) {
+        if (ThisMachine()->FERROXInitialize() != kSuccess)
+            return "its driver isn't to be had; try as root, or --no-driver";
+        ThisMachine()->FERROXTerminate();
+        if (source.scan) return "the scan of its memory finds no table; try without --road";
+    }
     if (GetSystemFirmwareTable(kRawSMBIOSProvider, 0, nullptr, 0) == 0 && GetLastError() == ERROR_ACCESS_DENIED)
         return "reading the SMBIOS table needs more rights; try as root";
     return "no SMBIOS table here; try --sample, or --image FILE";
 }
 
-// The machine that the process began with, whatever images came since.
-const MachineServices_t& MachineAtStart() {
-    static const MachineServices_t machine = *CurrentMachine();
-    return machine;
-}
-
 // "M.m", two numbers below 256.
-bool ParseVersion(const std::string& text, uint8_t* major, uint8_t* minor) {
-    unsigned parts[2];
-    char rest;
-    if (std::sscanf(text.c_str(), "%3u.%3u%c", &parts[0], &parts[1], &rest) != 2) return false;
-    if (parts[0] > 255 || parts[1] > 255) return false;
-    *major = static_cast<uint8_t>(parts[0]);
-    *minor = static_cast<uint8_t>(parts[1]);
+bool ParseVersion(std::string_view text, uint8_t* major, uint8_t* minor) {
+    const size_t dot = text.find('.');
+    uint64_t first, second;
+    if (dot == text.npos || !ParseNumber(text.substr(0, dot), 255, &first) ||
+        !ParseNumber(text.substr(dot + 1), 255, &second))
+        return false;
+    *major = static_cast<uint8_t>(first);
+    *minor = static_cast<uint8_t>(second);
     return true;
 }
 
@@ -78,10 +81,14 @@ std::vector<Option_t> Source_t::Options() {
         {"--image-list",     "FILE",  "Read the images that FILE names, one a line (- for standard input)",          &imageList     },
         {"--sample",         nullptr, "Take the embedded sample table",                                              &sample        },
         {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                             &sampleIfNone  },
+        {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                        &driver        },
+        {"--no-driver",      nullptr, "Reach this machine without its driver",                                       &noDriver      },
+        {"--road",           "ROAD",  "How to get this machine's table: firmware (first) or scan (of its memory)",   &roadGiven     },
         {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells",  &asGiven       },
         {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                              &versionGiven  },
         {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",               &signatureGiven},
         {"--recover",        nullptr, "Look for structures behind a damaged one",                                    &recover       },
+        {"--trace",          "SPEC",  "Trace the libraries' work, as a debug.conf with this line would",             &trace         },
         {"--verbose",        nullptr, "Say on standard error where a table comes from",                              &verbose       },
     };
 }
@@ -90,6 +97,12 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
     const bool fromFiles = !images.empty() || !imageList.empty();
     if (int{fromFiles} + int{sample} + int{sampleIfNone} > 1)
         return SayBadUsage(usage, "--image, --sample and --sample-if-none exclude each other", exitCode);
+    if (fromFiles + int{sample} > 0 && (driver || noDriver || !roadGiven.empty()))
+        return SayBadUsage(usage, "--driver, --no-driver and --road are for this machine, not for an image", exitCode);
+    if (!roadGiven.empty() && roadGiven != "firmware" && roadGiven != "scan")
+        return SayBadUsage(usage, "--road: '" + roadGiven + "' is neither firmware nor scan", exitCode);
+    scan = roadGiven == "scan";
+    if (noDriver && (driver || scan)) return SayBadUsage(usage, "--no-driver excludes --driver and the scan", exitCode);
     if (!asGiven.empty() && !FormByName(asGiven, &as))
         return SayBadUsage(usage, "--as: '" + asGiven + "' is none of any, dump, table, windows and sysfs", exitCode);
     if (!versionGiven.empty() && !ParseVersion(versionGiven, &major, &minor))
@@ -99,7 +112,14 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
         return SayBadUsage(usage, "--signature: '" + signatureGiven + "' is no hexadecimal number of 32 bits",
                            exitCode);
     signature = static_cast<uint32_t>(number);
+    if (!trace.empty() && DebugUseConfigText(trace.c_str()) != kSuccess)
+        return SayBadUsage(usage, "--trace: '" + trace + "' is no setting like Global:TraceType<ErWa>", exitCode);
     return true;
+}
+
+bool Source_t::CheckOne(const Usage_t& usage, int* exitCode) {
+    if (IsFleet()) return SayBadUsage(usage, "it takes one table; give one --image", exitCode);
+    return Check(usage, exitCode);
 }
 
 bool ClTable::BringUp() {
@@ -148,10 +168,22 @@ bool ClTable::OpenImage(const Source_t& source, const std::string& path) {
     return false;
 }
 
+// With its driver first, and without it where there is no driver, unless the user chose.
+bool ClTable::BringUpThisMachine(const Source_t& source) {
+    if (!source.noDriver) {
+        SetMachine(source.scan ? ThisMachineByScan() : ThisMachine());
+        if (BringUp()) return true;
+        if (source.driver || source.scan) return false;
+    }
+    SetMachine(ThisMachineWithoutDriver());
+    if (!BringUp()) return false;
+    if (!source.noDriver) SayError(m_name, "its driver isn't to be had; read without it");
+    return true;
+}
+
 bool ClTable::OpenThisMachine(const Source_t& source) {
     m_name = "this machine";
-    SetMachine(&MachineAtStart());
-    if (BringUp()) {
+    if (BringUpThisMachine(source)) {
         uint8_t entry[kEntryBufferSize] = {};
         if (LibSMBIOSInit(entry) == kSuccess) LibSMBIOSExit();  // one more user for a moment, to learn the version
         std::copy_n(entry + 6, 2, m_version);
@@ -159,7 +191,7 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
         // The same table as an image, as far as it can be read.
         CPUIDRecord_t cpuid = {};
         cpuid.Eax = 1;
-        MachineAtStart().ReadCPUID(kAnyProcessor, &cpuid);
+        CurrentMachine()->ReadCPUID(kAnyProcessor, &cpuid);
         const std::span<const uint8_t> bytes = Bytes();
         m_image.bytes.assign(bytes.begin(), bytes.end());
         m_image.source = {m_image.bytes.data(), static_cast<uint32_t>(m_image.bytes.size()), Major(), Minor(),
@@ -174,12 +206,11 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
         m_remark.clear();
         if (UseSample(source)) return true;
     }
-    m_error = WhyNoTable();
+    m_error = WhyNoTable(source);
     return false;
 }
 
 bool ClTable::Open(const Source_t& source, const std::string* path) {
-    MachineAtStart();
     Close();
     m_isImage = m_isSample = false;
     m_error.clear();
@@ -203,6 +234,8 @@ void ClTable::Close() {
     m_dump = nullptr;
     if (m_package == nullptr) return;
     m_package->UnInitialize();
+    // A package takes a table of version 0.0 for none, and leaves the store up.
+    if (StoreIsUp()) LibSMBIOSExit();
     DestroySmbiosPackageForKovr(m_package.release());
 }
 

@@ -16,8 +16,10 @@ struct Source_t {
     std::vector<std::string> images;
     std::string imageList;
     bool sample = false, sampleIfNone = false, verbose = false, recover = false;
-    std::string asGiven, versionGiven, signatureGiven;
+    bool driver = false, noDriver = false;
+    std::string asGiven, versionGiven, signatureGiven, roadGiven, trace;
 
+    bool scan = false;  // this machine's memory is the only road
     TableForm_t as = TableForm_t::kAny;
     uint8_t major = 3, minor = 0;  // of a bare table
     uint32_t signature = 0;        // of an image's processor
@@ -26,6 +28,8 @@ struct Source_t {
     std::vector<Option_t> Options();
     // Checks what was given as a whole. As ParseCommandLine when it is bad.
     bool Check(const Usage_t& usage, int* exitCode);
+    // The same for a command that takes one table only.
+    bool CheckOne(const Usage_t& usage, int* exitCode);
     bool IsFleet() const { return !imageList.empty() || images.size() > 1; }
 };
 
@@ -64,6 +68,7 @@ class ClTable {
   private:
     bool OpenImage(const Source_t& source, const std::string& path);
     bool OpenThisMachine(const Source_t& source);
+    bool BringUpThisMachine(const Source_t& source);
     bool UseSample(const Source_t& source);
     bool UseRecovered(const Source_t& source);
     bool BringUp();

@@ -13,7 +13,15 @@ struct Command_t {
     int (*run)(const Arguments_t& arguments);  // those behind the command's name; gives the exit code
 };
 constexpr Command_t kCommands[] = {
-    {"show", RunShow},
+    {"show",  RunShow    },
+    {"types", RunTypes   },
+    {"find",  RunFind    },
+    {"get",   RunGet     },
+    {"dump",  RunDump    },
+    {"raw",   RunRaw     },
+    {"check", RunCheck   },
+    {"diff",  RunDiff    },
+    {"hw",    RunHardware},
 };
 
 int Run(int argc, char** argv) {

@@ -35,6 +35,8 @@ QUORLIN_API status_t SetMachine(const MachineServices_t* services);
 
 // This machine with its driver.
 QUORLIN_API const MachineServices_t* ThisMachine();
+// The same with the scan of physical memory as its only road.
+QUORLIN_API const MachineServices_t* ThisMachineByScan();
 // This machine without driver: the firmware-table service and the CPUID instruction alone.
 QUORLIN_API const MachineServices_t* ThisMachineWithoutDriver();
 }

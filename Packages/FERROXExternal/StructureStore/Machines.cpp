@@ -37,18 +37,26 @@ status_t ReadImageCPUID(uint32_t, CPUIDRecord_t* record) {
     return kSuccess;
 }
 
+constexpr MachineServices_t kThisMachine = {
+    FERROXInitialize, FERROXTerminate, osGetStructuresDataEFI, osGetStructuresDataNonEFI, ReadCPUID,
+};
+constexpr MachineServices_t kThisMachineByScan = {
+    FERROXInitialize, FERROXTerminate, NoTable, osGetStructuresDataNonEFI, ReadCPUID,
+};
 constexpr MachineServices_t kThisMachineWithoutDriver = {
     NothingToDo, NothingToDo, osGetStructuresDataEFI, NoTable, ReadCPUIDByInstruction,
 };
 constexpr MachineServices_t kImageMachine = {NothingToDo, NothingToDo, GetImage, NoTable, ReadImageCPUID};
 
-MachineServices_t currentMachine = kThisMachineWithoutDriver;
+MachineServices_t currentMachine = kThisMachine;
 
 }  // namespace
 
 const MachineServices_t* CurrentMachine() { return &currentMachine; }
 
-const MachineServices_t* ThisMachine() { return &kThisMachineWithoutDriver; }
+const MachineServices_t* ThisMachine() { return &kThisMachine; }
+
+const MachineServices_t* ThisMachineByScan() { return &kThisMachineByScan; }
 
 const MachineServices_t* ThisMachineWithoutDriver() { return &kThisMachineWithoutDriver; }
 

@@ -1,4 +1,8 @@
 // The two roads by which this machine's table gets into memory.
+#include <cstring>
+#include <string_view>
+
+#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
@@ -11,6 +15,70 @@ namespace {
 
 constexpr DWORD kRawSMBIOSProvider = 0x52534D42;  // "RSMB"
 constexpr UINT kAnswerHead = 8;                   // calling method, major, minor, revision, length
+
+// Where the entry points stand: in the BIOS area, each on a 16-byte boundary. Source: the SMBIOS standard, "accessing
+// SMBIOS information".
+constexpr uint32_t kScanBase = 0xF0000;
+constexpr uint32_t kScanSize = 0x10000;
+constexpr uint32_t kBlockSize = 0x1000;  // that one read takes
+constexpr uint32_t kBoundary = 16;
+
+bool HasAnchor(const uint8_t* bytes, std::string_view anchor) {
+    return std::memcmp(bytes, anchor.data(), anchor.size()) == 0;
+}
+
+uint32_t Number(const uint8_t* bytes, uint32_t width) {
+    uint32_t number = 0;
+    for (uint32_t index = width; index > 0; --index) number = number << 8 | bytes[index - 1];
+    return number;
+}
+
+// Looks for the entry points in the block that stands at `address`, until both `entryFound` and `dmiFound`.
+void ScanBlock(const uint8_t* block, uint32_t address, uint8_t* entry, bool* entryFound, uint8_t* dmiEntry,
+               bool* dmiFound) {
+    for (uint32_t place = 0; place < kBlockSize && !(*entryFound && *dmiFound); place += kBoundary) {
+        if (HasAnchor(block + place, "_SM_")) {
+            os_memcpy(entry, kEntryBufferSize, block + place, kEntryBufferSize);
+            *entryFound = true;
+            TRACE("osGetStructuresDataNonEFI", kInfo, "SMBIOS Entry point found  at 0x%lx",
+                  static_cast<unsigned long>(address + place));
+        }
+        if (HasAnchor(block + place, "_DMI_")) {
+            os_memcpy(dmiEntry, kDMIEntryBufferSize, block + place, kDMIEntryBufferSize);
+            *dmiFound = true;
+            TRACE("osGetStructuresDataNonEFI", kInfo, "DMI  Entry point foundat 0x%lx",
+                  static_cast<unsigned long>(address + place));
+        }
+    }
+}
+
+// Reads the BIOS area block by block until both entry points are found. 1, 3, or 5.
+status_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
+    auto* block = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + kBlockSize));
+    if (block == nullptr) {
+        TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error Allocating memory");
+        return kNoMemory;
+    }
+    bool entryFound = false;
+    bool dmiFound = false;
+    for (uint32_t offset = 0; offset < kScanSize && !(entryFound && dmiFound); offset += kBlockSize) {
+        block->Size = kBlockSize;
+        const status_t status = GetSystemTables(kScanBase, offset, block);
+        if (status != kSuccess) {
+            TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error doing GetSystemTables ret = %d",
+                  static_cast<int>(status));
+            os_free(block);
+            return kFailure;
+        }
+        ScanBlock(block->Data(), kScanBase + offset, entry, &entryFound, dmiEntry, &dmiFound);
+    }
+    os_free(block);
+    if (!entryFound || !dmiFound) {
+        TRACE("osGetStructuresDataNonEFI", kErrorExit, "Both the SMI and DMI Structure not found");
+        return kFailure;
+    }
+    return kSuccess;
+}
 
 }  // namespace
 
@@ -49,6 +117,38 @@ status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableIm
           "The SMBIOS Major version = 0x%x SMBIOS Minor Version = 0x%x and DMI Version = 0x%x", entry[6], entry[7],
           dmiEntry[14]);
     TRACE("osGetStructuresDataEFI", kExit, "Read the SMBIOS Table Successfully ");
+    *image = table;
+    return kSuccess;
+}
+
+// The second road: neither checksum nor entry point length is tested, and the walk needs no number of structures.
+status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    status_t status = FindEntryPoints(entry, dmiEntry);
+    if (status != kSuccess) return status;
+    const uint32_t length = Number(dmiEntry + 6, 2);
+    const uint32_t address = Number(dmiEntry + 8, 4);
+    TRACE("osGetStructuresDataNonEFI", kInfo, "SMBIOS and DMI Table entry points found");
+    TRACE("osGetStructuresDataNonEFI", kInfo, "The SMBIOS major version = 0x%x and minor version = 0x%x", entry[6],
+          entry[7]);
+    TRACE("osGetStructuresDataNonEFI", kInfo,
+          "The DMI length = 0x%x and address = 0x%lx NumberofSMBIOSStructure = 0x%x", length,
+          static_cast<unsigned long>(address), Number(dmiEntry + 12, 2));
+
+    auto* table = static_cast<SMBIOSTableImage_t*>(os_malloc(sizeof(SMBIOSTableImage_t) + length));
+    if (table == nullptr) {
+        TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error allocating memory for main structure ... Exiting");
+        return kNoMemory;
+    }
+    table->Length = length;
+    // An image has the shape of a data buffer, so the table is read into its place.
+    static_assert(sizeof(SMBIOSTableImage_t) == sizeof(DataBuffer_t));
+    status = GetSystemTables(address, 0, reinterpret_cast<DataBuffer_t*>(table));
+    if (status != kSuccess) {
+        TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error doing GetSystemTables ret = %d\n",
+              static_cast<int>(status));
+        os_free(table);
+        return kFailure;
+    }
     *image = table;
     return kSuccess;
 }

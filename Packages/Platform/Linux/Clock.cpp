@@ -1,5 +1,6 @@
 // The clock. The performance counter is the monotonic clock; its ticks are nanoseconds.
 #include <sched.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <ctime>
@@ -26,11 +27,11 @@ DWORD GetTickCount() {
 
 void Sleep(DWORD milliseconds) {
     if (milliseconds == 0) sched_yield();
-    timespec left = {milliseconds / 1000, milliseconds % 1000 * 1'000'000};
-    do
-        while (nanosleep(&left, &left) != 0 && errno == EINTR) {
-        }
-    while (milliseconds == INFINITE);
+    timespec left = {milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
+    if (milliseconds == INFINITE)
+        for (;;) pause();
+    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
 }
 
 void GetLocalTime(LPSYSTEMTIME now) {

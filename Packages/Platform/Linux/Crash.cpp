@@ -158,7 +158,7 @@ class ClSignalStack {
     }
 
   private:
-    static constexpr size_t kGuard = 4096, kSize = kGuard + 128 * 1024;  // room for a formatting filter
+    static constexpr size_t kGuard = 4096, kSize = kGuard + size_t{128} * 1024;  // room for a formatting filter
     void* memory_ = MAP_FAILED;
 };
 

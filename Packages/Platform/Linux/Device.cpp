@@ -447,7 +447,7 @@ BOOL DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, LPVOID 
     if (request == nullptr) return Fail(ERROR_INVALID_FUNCTION);
     if (!IsAllowed(code, device->access)) return Fail(ERROR_ACCESS_DENIED);
     if (inSize < request->inSize || outSize < request->outSize) return Fail(ERROR_INSUFFICIENT_BUFFER);
-    if ((in == nullptr && request->inSize != 0) || out == nullptr) return Fail(ERROR_NOACCESS);
+    if ((in == nullptr && (request->inSize != 0 || request->hasData)) || out == nullptr) return Fail(ERROR_NOACCESS);
     uint32_t dataSize = 0;
     if (request->hasData) {
         std::memcpy(&dataSize, static_cast<const uint8_t*>(in) + offsetof(MemoryRequest_t, Size), sizeof dataSize);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Packages/Format/EntryPoint.h"
+#include "Packages/Platform/Linux/Descriptor.h"
 #include "Packages/Platform/Linux/Handles.h"
 
 namespace {
@@ -21,22 +22,20 @@ constexpr size_t kMostBytes = 64u << 20;          // far above any table
 
 // The whole file, or FALSE with the last error set.
 BOOL ReadWhole(const char* path, std::vector<uint8_t>* bytes) {
-    const int file = open(path, O_RDONLY | O_CLOEXEC);
-    if (file < 0) return FailWithErrno();
+    const ClDescriptor file(open(path, O_RDONLY | O_CLOEXEC));
+    if (!file.IsOpen()) return FailWithErrno();
     bytes->clear();
     for (;;) {
         const size_t size = bytes->size();
         bytes->resize(size + 16384);
-        const ssize_t got = read(file, bytes->data() + size, 16384);
+        const ssize_t got = read(file.Get(), bytes->data() + size, 16384);
         if (got < 0 && errno == EINTR) {
             bytes->resize(size);
             continue;
         }
         bytes->resize(size + static_cast<size_t>(got < 0 ? 0 : got));
         if (got > 0 && bytes->size() <= kMostBytes) continue;
-        const BOOL done = got == 0 ? TRUE : got < 0 ? FailWithErrno() : Fail(ERROR_INSUFFICIENT_BUFFER);
-        close(file);
-        return done;
+        return got == 0 ? TRUE : got < 0 ? FailWithErrno() : Fail(ERROR_INSUFFICIENT_BUFFER);
     }
 }
 

@@ -58,7 +58,7 @@ class ClChild {
     DWORD Wait(DWORD milliseconds) {
         if (exitCode_.has_value()) return WAIT_OBJECT_0;
         pollfd ended = {descriptor_.Get(), POLLIN, 0};
-        timespec timeout = {milliseconds / 1000, milliseconds % 1000 * 1'000'000};
+        timespec timeout = {milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
         const int result = ppoll(&ended, 1, milliseconds == INFINITE ? nullptr : &timeout, nullptr);
         if (result == 0) return WAIT_TIMEOUT;
         if (result < 0 && errno == EINTR) return Wait(milliseconds);
@@ -190,6 +190,7 @@ BOOL CreateProcessA(LPCSTR application, LPSTR commandLine, LPSECURITY_ATTRIBUTES
     if (application != nullptr && program.find('/') == std::string::npos) program.insert(0, "./");
     if (arguments[0].empty()) arguments[0] = program;
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     const std::vector<char*> texts =

@@ -7,7 +7,6 @@
 
 #include <cctype>
 #include <cerrno>
-#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -41,7 +40,8 @@ void ForEachOnline(Visit visit) {
 uint64_t MemoryInBlocks() {
     uint64_t blockSize = 0, blocks = 0;
     if (FILE* file = std::fopen("/sys/devices/system/memory/block_size_bytes", "re")) {
-        if (std::fscanf(file, "%" SCNx64, &blockSize) != 1) blockSize = 0;
+        char digits[32] = "";
+        if (std::fgets(digits, sizeof digits, file) != nullptr) blockSize = std::strtoull(digits, nullptr, 16);
         std::fclose(file);
     }
     if (DIR* folder = opendir("/sys/devices/system/memory")) {

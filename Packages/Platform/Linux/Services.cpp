@@ -98,7 +98,7 @@ ClDescriptor OpenRegistered(const ClRegister& reg, const std::string& name) {
     struct stat facts;
     if (fstatat(reg.Folder(), name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) == 0) {
         ClDescriptor file(OpenPrivateFile(reg.Folder(), name.c_str()));
-        Record_t record;
+        Record_t record = {};
         if (!file.IsOpen()) {
             SetLastError(ERROR_ACCESS_DENIED);
             return file;
@@ -124,7 +124,7 @@ class ClService : public ClObject {
         : file_(std::move(file)), name_(std::move(name)), access_(access) {}
     ~ClService() override {
         const ClRegister reg;
-        Record_t record;
+        Record_t record = {};
         if (reg.IsUsable() && ReadRecord(file_.Get(), &record)) DeleteIfDue(reg.Folder(), name_, file_.Get(), record);
         Lock(file_.Get(), LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
     }
@@ -173,7 +173,7 @@ DWORD AcceptedControls(const Record_t& record) { return record.State == SERVICE_
 
 bool IsServiceRunning(const char* name) try {
     const ClRegister reg;
-    Record_t record;
+    Record_t record = {};
     if (!reg.IsUsable()) return false;
     const ClDescriptor file = OpenRegistered(reg, FileNameOf(name));
     return file.IsOpen() && ReadRecord(file.Get(), &record) && record.State == SERVICE_RUNNING;
@@ -215,7 +215,7 @@ SC_HANDLE CreateServiceA(SC_HANDLE managerHandle, LPCSTR name, LPCSTR displayNam
     const ClRegister reg;
     if (!reg.IsUsable()) return nullptr;
     if (const ClDescriptor old = OpenRegistered(reg, fileName); old.IsOpen()) {
-        Record_t oldRecord;
+        Record_t oldRecord = {};
         const bool isMarked = ReadRecord(old.Get(), &oldRecord) && oldRecord.IsMarkedForDelete != 0;
         return NoHandle(isMarked ? ERROR_SERVICE_MARKED_FOR_DELETE : ERROR_SERVICE_EXISTS);
     }
@@ -236,7 +236,7 @@ BOOL StartServiceA(SC_HANDLE handle, DWORD, LPCSTR*) try {
     const ClService* service = Get<ClService>(handle);
     if (service == nullptr) return FALSE;
     const ClRegister reg;
-    Record_t record;
+    Record_t record = {};
     if (!reg.IsUsable() || !service->Read(SERVICE_START, &record)) return FALSE;
     if (record.IsMarkedForDelete != 0) return Fail(ERROR_SERVICE_MARKED_FOR_DELETE);
     if (record.State == SERVICE_RUNNING) return Fail(ERROR_SERVICE_ALREADY_RUNNING);
@@ -254,7 +254,7 @@ BOOL ControlService(SC_HANDLE handle, DWORD control, LPSERVICE_STATUS status) {
     if (status == nullptr || (control != SERVICE_CONTROL_STOP && control != SERVICE_CONTROL_INTERROGATE))
         return Fail(status == nullptr ? ERROR_INVALID_PARAMETER : ERROR_INVALID_SERVICE_CONTROL);
     const ClRegister reg;
-    Record_t record;
+    Record_t record = {};
     if (!reg.IsUsable() || !service->Read(control == SERVICE_CONTROL_STOP ? SERVICE_STOP : 0, &record)) return FALSE;
     if (record.State != SERVICE_RUNNING) return Fail(ERROR_SERVICE_NOT_ACTIVE);
     if (control == SERVICE_CONTROL_STOP) record.State = SERVICE_STOPPED;
@@ -269,7 +269,7 @@ BOOL QueryServiceStatusEx(SC_HANDLE handle, SC_STATUS_TYPE level, LPBYTE buffer,
     if (level != SC_STATUS_PROCESS_INFO) return Fail(kInvalidLevel);
     if (needed == nullptr) return Fail(ERROR_INVALID_PARAMETER);
     const ClRegister reg;
-    Record_t record;
+    Record_t record = {};
     if (!reg.IsUsable() || !service->Read(SERVICE_QUERY_STATUS, &record)) return FALSE;
     const SERVICE_STATUS_PROCESS status = {record.Type, record.State, AcceptedControls(record), 0, 0, 0, 0, 0, 0};
     *needed = buffer == nullptr || size < sizeof status ? sizeof status : 0;
@@ -283,7 +283,7 @@ BOOL QueryServiceConfigA(SC_HANDLE handle, LPQUERY_SERVICE_CONFIGA config, DWORD
     if (service == nullptr) return FALSE;
     if (needed == nullptr) return Fail(ERROR_INVALID_PARAMETER);
     const ClRegister reg;
-    Record_t record;
+    Record_t record = {};
     if (!reg.IsUsable() || !service->Read(SERVICE_QUERY_CONFIG, &record)) return FALSE;
     const char* texts[] = {record.Path, record.Group, "", record.Account, record.DisplayName};
     size_t total = sizeof *config;
@@ -305,7 +305,7 @@ BOOL DeleteService(SC_HANDLE handle) {
     const ClService* service = Get<ClService>(handle);
     if (service == nullptr) return FALSE;
     const ClRegister reg;
-    Record_t record;
+    Record_t record = {};
     if (!reg.IsUsable() || !service->Read(DELETE, &record)) return FALSE;
     if (record.IsMarkedForDelete != 0) return Fail(ERROR_SERVICE_MARKED_FOR_DELETE);
     record.IsMarkedForDelete = 1;

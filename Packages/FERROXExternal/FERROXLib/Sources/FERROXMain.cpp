@@ -1,0 +1,286 @@
+// The front of the hardware library: counts its users, tests the arguments and hands on to the platform halves.
+#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/OS/OS.h"
+
+#define TRACE(function, level, ...) FERROX_TRACE("FERROXMain", function, level, __VA_ARGS__)
+
+DebugHandle_t ferroxTraceHandle = nullptr;
+
+namespace {
+
+constexpr char kLockName[] = "FERROXLIB";
+constexpr LibVersion_t kVersion = {"03", "00", "0", "1000"};
+constexpr uint32_t kNoOffset = 65535;
+
+uint32_t instanceCount = 0;
+LibVersion_t libVersion = {};
+// The open library's reference to the lock, so that the named mutex lasts as long as any process has the library open.
+HANDLE lockReference = nullptr;
+
+// Holds the library's lock while it lives. Every call opens the mutex for itself, so that none waits on a handle that
+// another thread may close.
+class ClLibraryLock {
+  public:
+    ClLibraryLock() : mutex_(CreateMutexA(nullptr, FALSE, kLockName)) {
+        if (mutex_ == nullptr) return;
+        // An abandoned mutex is ours, too: its holder died, and the counts stand as it left them.
+        const DWORD waited = WaitForSingleObject(mutex_, INFINITE);
+        held_ = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
+    }
+    ~ClLibraryLock() {
+        if (held_) ReleaseMutex(mutex_);
+        if (mutex_ != nullptr) CloseHandle(mutex_);
+    }
+    ClLibraryLock(const ClLibraryLock&) = delete;
+    ClLibraryLock& operator=(const ClLibraryLock&) = delete;
+
+    bool Held() const { return held_; }
+
+  private:
+    HANDLE mutex_;
+    bool held_ = false;
+};
+
+// The lines on entering and leaving an operation.
+class ClOperation {
+  public:
+    explicit ClOperation(const char* name) : name_(name) { TRACE(name_, kEntry, "%s", name_); }
+    ~ClOperation() { TRACE(name_, kExit, "%s", name_); }
+    ClOperation(const ClOperation&) = delete;
+    ClOperation& operator=(const ClOperation&) = delete;
+
+  private:
+    const char* name_;
+};
+
+void CloseTraceHandle() {
+    if (ferroxTraceHandle != nullptr) DebugLibExit(ferroxTraceHandle);
+    ferroxTraceHandle = nullptr;
+}
+
+status_t OpenLibrary() {
+    libVersion = kVersion;
+    if (DebugLibInit("FERROX", &ferroxTraceHandle) != kSuccess) ferroxTraceHandle = nullptr;
+    lockReference = CreateMutexA(nullptr, FALSE, kLockName);
+    return lockReference == nullptr ? kFailure : OSFERROXInitialize();
+}
+
+// Undoes OpenLibrary but for the platform half.
+void CloseLibrary() {
+    if (lockReference != nullptr) CloseHandle(lockReference);
+    lockReference = nullptr;
+    CloseTraceHandle();
+}
+
+}  // namespace
+
+status_t FERROXInitialize() {
+    const ClLibraryLock lock;
+    if (!lock.Held()) return kFailure;
+    const status_t status = instanceCount == 0 ? OpenLibrary() : kSuccess;
+    if (status == kSuccess) ++instanceCount;
+    TRACE("FERROXInitialize", kExit, "FERROXInitialize %s", status == kSuccess ? "Success" : "Failure");
+    if (instanceCount == 0) CloseLibrary();
+    return status;
+}
+
+status_t FERROXTerminate() {
+    const ClLibraryLock lock;
+    if (!lock.Held() || instanceCount == 0) return kFailure;
+    --instanceCount;
+    if (instanceCount != 0) return kSuccess;
+    const status_t status = OSFERROXTerminate();
+    CloseLibrary();
+    return status;
+}
+
+// ---- Versions
+
+status_t GetFERROXLibVersion(LibVersion_t* version) {
+    const ClOperation operation("GetFERROXLibVersion");
+    if (version == nullptr) return kNullPointer;
+    *version = libVersion;
+    TRACE("GetFERROXLibVersion", kParams, "GetFERROXLibVersion:Major = %s Minor = %s Revision = %s Build = %s",
+          version->Major, version->Minor, version->Revision, version->Build);
+    return kSuccess;
+}
+
+static status_t DriverVersion(const char* name, status_t (*ask)(uint32_t*), uint32_t* version) {
+    const ClOperation operation(name);
+    if (version == nullptr) return kNullPointer;
+    const status_t status = ask(version);
+    TRACE(name, kParams, "%s:Version = 0x%x status = %u", name, status == kSuccess ? *version : 0, status);
+    return status;
+}
+
+status_t GetFERROXDriverVersion(uint32_t* version) {
+    return DriverVersion("GetFERROXDriverVersion", OSGetFERROXDriverVersion, version);
+}
+
+status_t GetPCILibVersion(uint32_t* version) { return DriverVersion("GetPCILibVersion", OSGetPCILibVersion, version); }
+
+status_t GetIOLibVersion(uint32_t* version) { return DriverVersion("GetIOLibVersion", OSGetIOLibVersion, version); }
+
+status_t GetCPULibVersion(uint32_t* version) { return DriverVersion("GetCPULibVersion", OSGetCPULibVersion, version); }
+
+// ---- PCI configuration space
+
+static status_t ReadConfiguration(const char* name, status_t (*read)(uint32_t, uint32_t, DataBuffer_t*), uint32_t bound,
+                                  uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
+    const ClOperation operation(name);
+    if (buffer == nullptr) return kNullPointer;
+    TRACE(name, kParams, "%s:RegisterOffset = %u size  = %u", name, offset, buffer->Size);
+    if (offset == kNoOffset || uint64_t{offset} + buffer->Size > bound) return kBadValue;
+    return read(location, offset, buffer);
+}
+
+status_t PCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
+    return ReadConfiguration("PCIRead", OSPCIRead, 256, location, offset, buffer);
+}
+
+status_t PCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
+    return ReadConfiguration("PCIExRead", OSPCIExRead, 4096, location, offset, buffer);
+}
+
+// ---- Memory by address and offset
+
+enum BadPlaceLine_t { kSilent, kTold };
+
+static status_t MoveAtPlace(const char* name, BadPlaceLine_t line, status_t (*move)(uint64_t, uint32_t, DataBuffer_t*),
+                            uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
+    const ClOperation operation(name);
+    if (buffer == nullptr) return kNullPointer;
+    TRACE(name, kParams, "%s:BAR = 0x%llx RegisterOffset = %u size  = %u", name,
+          static_cast<unsigned long long>(address), offset, buffer->Size);
+    if (offset == kNoOffset || address == 0 || address == 65535) {
+        if (line == kTold) TRACE(name, kError, "%s: Invalid register offset status = %u\n", name, kBadValue);
+        return kBadValue;
+    }
+    if (buffer->Size == 0) return kBadValue;
+    return move(address, offset, buffer);
+}
+
+status_t PCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
+    return MoveAtPlace("PCIMMIORead", kTold, OSPCIMMIORead, bar, offset, buffer);
+}
+
+status_t PCIMMIOReadStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
+    return MoveAtPlace("PCIMMIOReadStored", kTold, OSPCIMMIOReadStored, bar, offset, buffer);
+}
+
+status_t MMIOReadGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
+    return MoveAtPlace("MMIOReadGPIO", kTold, OSMMIOReadGPIO, bar, offset, buffer);
+}
+
+status_t PCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
+    return MoveAtPlace("PCIMMIOWriteStored", kSilent, OSPCIMMIOWriteStored, bar, offset, buffer);
+}
+
+status_t MMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
+    return MoveAtPlace("MMIOWriteGPIO", kSilent, OSMMIOWriteGPIO, bar, offset, buffer);
+}
+
+status_t GetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
+    return MoveAtPlace("GetSystemTables", kTold, OSGetSystemTables, address, offset, buffer);
+}
+
+static status_t MoveDynamic(const char* name, status_t (*move)(const DynamicMMIORecord_t*, DataBuffer_t*),
+                            const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {
+    const ClOperation operation(name);
+    if (record == nullptr || buffer == nullptr) return kNullPointer;
+    const DynamicMMIORecord_t own = *record;
+    TRACE(name, kParams, "%s:PCIRegisterOffset = %u MMIOOffset = %u size  = %u", name, own.PCIRegisterOffset,
+          own.MMIOOffset, buffer->Size);
+    if (own.PCIRegisterOffset == kNoOffset) {
+        TRACE(name, kError, "%s: Invalid register offset status = %u\n", name, kBadValue);
+        return kBadValue;
+    }
+    if (buffer->Size == 0) return kBadValue;
+    return move(&own, buffer);
+}
+
+status_t PCIMMIOReadDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {
+    return MoveDynamic("PCIMMIOReadDynamic", OSPCIMMIOReadDynamic, record, buffer);
+}
+
+status_t PCIMMIOWriteDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {
+    return MoveDynamic("PCIMMIOWriteDynamic", OSPCIMMIOWriteDynamic, record, buffer);
+}
+
+// ---- Ports
+
+static status_t MovePort(const char* name, status_t (*move)(uint16_t, DataBuffer_t*), uint16_t port,
+                         DataBuffer_t* buffer) {
+    const ClOperation operation(name);
+    if (buffer == nullptr) return kNullPointer;
+    TRACE(name, kParams, "%s:Port = %u size  = %u", name, port, buffer->Size);
+    if (port == 255) return kBadValue;
+    return move(port, buffer);
+}
+
+status_t ReadWakeupTimer(uint16_t port, DataBuffer_t* buffer) {
+    return MovePort("ReadWakeupTimer", OSReadPort, port, buffer);
+}
+
+status_t ConfigureWakeUpTimer(uint16_t port, DataBuffer_t* buffer) {
+    return MovePort("ConfigureWakeUpTimer", OSWritePort, port, buffer);
+}
+
+// ---- Registers of a processor
+
+static status_t MoveMSR(const char* name, status_t (*move)(MSRRecord_t*), MSRRecord_t* record) {
+    const ClOperation operation(name);
+    if (record == nullptr) return kNullPointer;
+    TRACE(name, kParams, "%s:Cpu = %u Msr = 0x%x", name, record->Cpu, record->Msr);
+    if (record->Msr == 0 || record->Msr == 65535) return kBadValue;
+    return move(record);
+}
+
+status_t ReadMSR(MSRRecord_t* record) { return MoveMSR("ReadMSR", OSReadMSR, record); }
+
+status_t WriteMSR(MSRRecord_t* record) { return MoveMSR("WriteMSR", OSWriteMSR, record); }
+
+status_t ReadCPUID(uint32_t processor, CPUIDRecord_t* record) {
+    const ClOperation operation("ReadCPUID");
+    if (record == nullptr) return kNullPointer;
+    TRACE("ReadCPUID", kParams, "ReadCPUID:Cpu = %u Eax = 0x%x Ecx = 0x%x", processor, record->Eax, record->Ecx);
+    return OSReadCPUID(processor, record);
+}
+
+status_t CalcFreqNonTurbo(NonTurboRecord_t* record) {
+    const ClOperation operation("CalcFreqNonTurbo");
+    if (record == nullptr) return kNullPointer;
+    TRACE("CalcFreqNonTurbo", kParams, "CalcFreqNonTurbo:Core = %u Msr = 0x%x PMTimerAddress = 0x%x", record->Core,
+          record->Msr, record->PMTimerAddress);
+    return OSCalcNonTurbo(record);
+}
+
+// ---- ACPI tables and PCI segments
+
+status_t GetACPITable(const char* name, DataBuffer_t** table) {
+    if (name == nullptr || table == nullptr) return kNullPointer;
+    const ClOperation operation("GetACPITable");
+    TRACE("GetACPITable", kParams, "GetACPITable:Name = %s", name);
+    return OSGetACPITable(name, table);
+}
+
+status_t GetACPITableEx(const char* name, DataBuffer_t* buffer, uint32_t* size) {
+    if (name == nullptr || size == nullptr) return kNullPointer;
+    const ClOperation operation("GetACPITableEx");
+    TRACE("GetACPITableEx", kParams, "GetACPITableEx:Name = %s size  = %u", name, buffer == nullptr ? 0 : buffer->Size);
+    return OSGetACPITableEx(name, buffer, size);
+}
+
+status_t GetPCIExCfgBaseAddr(uint64_t* base, uint32_t location) {
+    const ClOperation operation("GetPCIExCfgBaseAddr");
+    if (base == nullptr) return kNullPointer;
+    TRACE("GetPCIExCfgBaseAddr", kParams, "GetPCIExCfgBaseAddr:Location = 0x%x", location);
+    if (location >> 16 >= kMaxSegments) return kBadValue;
+    return OSGetPCIExCfgBaseAddr(base, location);
+}
+
+status_t GetSegBusInfo(SegBusInfo_t* segments) {
+    const ClOperation operation("GetSegBusInfo");
+    TRACE("GetSegBusInfo", kParams, "GetSegBusInfo:Segments = %p", static_cast<void*>(segments));
+    return OSGetSegBusInfo(segments);
+}

@@ -1,0 +1,166 @@
+// ACPI tables, from the operating system's firmware-table service, and the PCI segments that the MCFG table tells.
+#include <algorithm>
+#include <cstdio>
+
+#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/OS/OS.h"
+
+#define TRACE(function, level, ...) FERROX_TRACE("Misc", function, level, __VA_ARGS__)
+
+namespace {
+
+constexpr DWORD kACPIProvider = 0x41435049;  // "ACPI"
+
+// The service's number of the table: the name's first letter in the low byte.
+DWORD TableIdentifier(const char* name) {
+    DWORD identifier = 0;
+    for (int letter = 3; letter >= 0; --letter) identifier = identifier << 8 | static_cast<uint8_t>(name[letter]);
+    return identifier;
+}
+
+bool IsTableName(const char* name) { return os_strlen(name) == 4; }
+
+// Fetches the table of `size` bytes; `got` gets their number. False when there is none any more, or it doesn't fit.
+bool FetchTable(const char* name, uint8_t* table, uint32_t size, uint32_t* got) {
+    const UINT answer = GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), table, size);
+    if (answer == 0 || answer > size) return false;
+    *got = answer;
+    return true;
+}
+
+// Where MCFG's entries begin, and the size of one. Source: PCI Firmware Specification, MCFG table.
+constexpr uint32_t kMCFGHead = 44;
+constexpr uint32_t kMCFGEntry = 16;
+
+uint32_t Number32(const uint8_t* bytes) {
+    return uint32_t{bytes[0]} | uint32_t{bytes[1]} << 8 | uint32_t{bytes[2]} << 16 | uint32_t{bytes[3]} << 24;
+}
+
+// The number of entries by the table's own length, as far as the table has them and there is a segment number for each.
+uint32_t CountSegments(const uint8_t* mcfg, uint32_t size) {
+    if (size < kMCFGHead) return 0;
+    const uint32_t length = std::min(Number32(mcfg + 4), size);
+    return length < kMCFGHead ? 0 : std::min((length - kMCFGHead) / kMCFGEntry, kMaxSegments);
+}
+
+void FillSegments(const uint8_t* mcfg, uint32_t count, SegBusInfo_t* segments) {
+    for (uint32_t index = 0; index < count; ++index) {
+        const uint8_t* entry = mcfg + kMCFGHead + index * kMCFGEntry;
+        SegBusInfo_t& segment = segments[index];
+        segment.BaseAddress = uint64_t{Number32(entry + 4)} << 32 | Number32(entry);
+        segment.Segment = uint32_t{entry[8]} | uint32_t{entry[9]} << 8;
+        segment.StartBus = entry[10];
+        segment.EndBus = entry[11];
+        segment.SegmentCount = count;
+    }
+}
+
+}  // namespace
+
+// ---- ACPI tables
+
+status_t OSGetACPITable(const char* name, DataBuffer_t** table) {
+    if (name == nullptr || table == nullptr) return kNullPointer;
+    if (!IsTableName(name)) {
+        TRACE("OSGetACPITable", kError, " OSGetACPITable  ACPI table Name not correct Status = 0x%x", kBadValue);
+        return kBadValue;
+    }
+    const UINT size = GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), nullptr, 0);
+    if (size == 0) {
+        TRACE("OSGetACPITable", kError, "Error in reading ACPI %s table", name);
+        return kFailure;
+    }
+    auto* block = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + size_t{size}));
+    if (block == nullptr) {
+        TRACE("OSGetACPITable", kError, "Error in Memory allocation ");
+        return kNoMemory;
+    }
+    if (!FetchTable(name, block->Data(), size, &block->Size)) {
+        TRACE("OSGetACPITable", kError, "Error in reading ACPI %s table", name);
+        os_free(block);
+        return kFailure;
+    }
+    *table = block;
+    return kSuccess;
+}
+
+status_t OSGetACPITableEx(const char* name, DataBuffer_t* buffer, uint32_t* size) {
+    if (name == nullptr || size == nullptr) return kNullPointer;
+    if (!IsTableName(name)) {
+        TRACE("OSGetACPITableEx", kError, " OSGetACPITable  ACPI table Name not correct Status = 0x%x", kBadValue);
+        return kBadValue;
+    }
+    *size = GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), nullptr, 0);
+    if (*size == 0) {
+        TRACE("OSGetACPITableEx", kError, "Error in reading ACPI %s table", name);
+        return kFailure;
+    }
+    if (buffer == nullptr) return kSuccess;
+    if (buffer->Size < *size) {
+        TRACE("OSGetACPITableEx", kError, " OSGetACPITable Status = 0x%x", kBadValue);
+        return kBadValue;
+    }
+    if (!FetchTable(name, buffer->Data(), buffer->Size, size)) {
+        TRACE("OSGetACPITableEx", kError, "Error in reading ACPI %s table", name);
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+// ---- PCI segments
+
+status_t OSGetSegBusInfoWithCount(SegBusInfo_t* segments, uint32_t* count) {
+    if (count == nullptr) return kBadValue;
+    if (segments == nullptr) return kNullPointer;
+    uint32_t size = 0;
+    status_t status = OSGetACPITableEx("MCFG", nullptr, &size);
+    if (status != kSuccess) {
+        std::fputs("Error getting ACPI table size\n", stdout);
+        return status;
+    }
+    auto* mcfg = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + size_t{size}));
+    if (mcfg == nullptr) return kNoMemory;
+    mcfg->Size = size;
+    status = OSGetACPITableEx("MCFG", mcfg, &size);
+    if (status != kSuccess) {
+        TRACE("OSGetSegBusInfoWithCount", kError, "ERROR in OSGetSegBusInfo status =  %d", static_cast<int>(status));
+        os_free(mcfg);
+        return status;
+    }
+    *count = CountSegments(mcfg->Data(), size);
+    TRACE("OSGetSegBusInfoWithCount", kInfo, "Total Number of segments = %d", static_cast<int>(*count));
+    FillSegments(mcfg->Data(), *count, segments);
+    os_free(mcfg);
+    if (*count == 0) {
+        TRACE("OSGetSegBusInfoWithCount", kErrorExit,
+              "OSGetSegBusInfo: No PCI segment found. This might not be a Selvane based system!!\n");
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+status_t OSGetSegBusInfo(SegBusInfo_t* segments) {
+    uint32_t count = 0;
+    return OSGetSegBusInfoWithCount(segments, &count);
+}
+
+status_t OSGetPCIExCfgBaseAddr(uint64_t* base, uint32_t location) {
+    SegBusInfo_t segments[kMaxSegments] = {};
+    uint32_t count = 0;
+    const status_t status = OSGetSegBusInfoWithCount(segments, &count);
+    if (status != kSuccess) {
+        TRACE("OSGetPCIExCfgBaseAddr", kError, "ERROR in OSGetPCIExCgfBaseAddr status =  %d", static_cast<int>(status));
+        return status;
+    }
+    // Only the first entry of a segment counts.
+    const SegBusInfo_t* const end = segments + count;
+    const SegBusInfo_t* const found = std::find_if(
+        segments, segments + count, [&](const SegBusInfo_t& each) { return each.Segment == location >> 16; });
+    if (found == end) return kBadValue;
+    TRACE("OSGetPCIExCfgBaseAddr", kInfo, "Start Bus =  %d", static_cast<int>(found->StartBus));
+    TRACE("OSGetPCIExCfgBaseAddr", kInfo, "End Bus =  %d", static_cast<int>(found->EndBus));
+    const uint32_t bus = location & 0xFF;
+    if (bus < found->StartBus || bus > found->EndBus) return kBadValue;
+    *base = found->BaseAddress;
+    return kSuccess;
+}

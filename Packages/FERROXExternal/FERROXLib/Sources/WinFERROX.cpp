@@ -1,0 +1,431 @@
+// Life cycle of the driver Ravelink, shared by all processes of the machine, and the one way to its device.
+//
+// A 4-byte section that all processes map counts the opens of the driver. The process that finds the count at 0
+// registers and starts the service; the one that brings it back to 0 stops and removes it. All of this runs under the
+// front's named lock, so the count is changed with plain operations.
+#include <algorithm>
+
+#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/OS/OS.h"
+
+#define TRACE(function, level, ...) FERROX_TRACE("WinFERROX", function, level, __VA_ARGS__)
+
+uint8_t HyperVEnabled = 0;
+
+namespace {
+
+constexpr char kDriverName[] = "Ravelink";
+constexpr char kDevicePath[] = "\\\\.\\Ravelink";
+constexpr char kSectionName[] = "Global\\OSMIRALSharedMemoryExt";
+constexpr char kRegistryKey[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";
+constexpr char kRegistryValue[] = "FERROXDrvPath";
+
+constexpr DWORD kLongestStop = 30000;  // milliseconds, as the next two
+constexpr DWORD kShortestWait = 1000;
+constexpr DWORD kLongestWait = 10000;
+
+struct SharedMemory_t {
+    uint32_t ReferenceCountExt;  // opens of the driver by all processes of the machine
+};
+static_assert(sizeof(SharedMemory_t) == 4);
+
+HANDLE DeviceHandle = INVALID_HANDLE_VALUE;  // valid while the library is open in this process
+HANDLE InstallFileHandle = INVALID_HANDLE_VALUE;
+HANDLE SharedSectionHandle = nullptr;
+SharedMemory_t* SharedMemory = nullptr;
+SC_HANDLE ServiceManagerHandle = nullptr;
+char ServiceName[64] = "";
+char DriverPath[kDriverPathSize] = "";
+uint32_t DriverAutoLoaded = 0;
+// What this process did to the service, so that a failing open undoes that much and no more.
+bool serviceCreated = false;
+bool serviceStarted = false;
+
+// A handle of service control that closes itself.
+class ClServiceHandle {
+  public:
+    explicit ClServiceHandle(SC_HANDLE handle) : handle_(handle) {}
+    ~ClServiceHandle() {
+        if (handle_ != nullptr) CloseServiceHandle(handle_);
+    }
+    ClServiceHandle(const ClServiceHandle&) = delete;
+    ClServiceHandle& operator=(const ClServiceHandle&) = delete;
+
+    SC_HANDLE Get() const { return handle_; }
+
+  private:
+    SC_HANDLE handle_;
+};
+
+void SetServiceName() { os_strncpy(ServiceName, kDriverName, sizeof(ServiceName) - 1); }
+
+void CloseServiceManager() {
+    if (ServiceManagerHandle != nullptr) CloseServiceHandle(ServiceManagerHandle);
+    ServiceManagerHandle = nullptr;
+}
+
+// Opens the service manager anew.
+bool OpenServiceManager() {
+    CloseServiceManager();
+    ServiceManagerHandle = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+    return ServiceManagerHandle != nullptr;
+}
+
+SC_HANDLE OpenDriverService() { return OpenServiceA(ServiceManagerHandle, ServiceName, SERVICE_ALL_ACCESS); }
+
+}  // namespace
+
+// ---- The shared count
+
+// Attributes that let every process of every user open the section. False when they can't be built.
+static bool OpenForAll(SECURITY_DESCRIPTOR* descriptor, SECURITY_ATTRIBUTES* attributes) {
+    if (!InitializeSecurityDescriptor(descriptor, SECURITY_DESCRIPTOR_REVISION)) return false;
+    if (!SetSecurityDescriptorDacl(descriptor, TRUE, nullptr, FALSE)) return false;
+    *attributes = {sizeof(*attributes), descriptor, TRUE};
+    return true;
+}
+
+static void CloseSharedCount() {
+    if (SharedMemory != nullptr) UnmapViewOfFile(SharedMemory);
+    SharedMemory = nullptr;
+    if (SharedSectionHandle != nullptr) CloseHandle(SharedSectionHandle);
+    SharedSectionHandle = nullptr;
+}
+
+static status_t OpenSharedCount() {
+    // A driver that couldn't be stopped or removed has left it open.
+    if (SharedMemory != nullptr) return kSuccess;
+    SECURITY_DESCRIPTOR descriptor;
+    SECURITY_ATTRIBUTES attributes;
+    const bool forAll = OpenForAll(&descriptor, &attributes);
+    SharedSectionHandle = CreateFileMappingA(INVALID_HANDLE_VALUE, forAll ? &attributes : nullptr, PAGE_READWRITE, 0,
+                                             sizeof(SharedMemory_t), kSectionName);
+    if (SharedSectionHandle == nullptr) {
+        TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: CreateFileMapping failed %u\n",
+              static_cast<unsigned>(GetLastError()));
+        return kFailure;
+    }
+    SharedMemory = static_cast<SharedMemory_t*>(
+        MapViewOfFile(SharedSectionHandle, FILE_MAP_ALL_ACCESS, 0, 0, sizeof(SharedMemory_t)));
+    if (SharedMemory == nullptr) {
+        TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: MapViewOfFile failed %u\n",
+              static_cast<unsigned>(GetLastError()));
+        CloseSharedCount();
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+// ---- Open and close
+
+// Registers and starts the driver; false when it doesn't run then.
+static bool BringDriverUp() {
+    serviceCreated = false;
+    serviceStarted = false;
+    if (RegisterDriver() != kSuccess) {
+        TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: RegisterDriver failed");
+        return false;
+    }
+    if (StartDriver() != kSuccess) {
+        TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: StartDriver failed");
+        return false;
+    }
+    return true;
+}
+
+// Lets go of what this process itself holds of service and driver file.
+static void ReleaseDriver() {
+    unlockInstallFile();
+    CloseServiceManager();
+    serviceCreated = false;
+    serviceStarted = false;
+}
+
+static void UndoBringDriverUp() {
+    if (serviceStarted) StopDriver();
+    if (serviceCreated) RemoveDriver();
+    ReleaseDriver();
+}
+
+status_t OSFERROXInitialize() {
+    if (DeviceHandle != INVALID_HANDLE_VALUE) {
+        ++SharedMemory->ReferenceCountExt;
+        TRACE("OSFERROXInitialize", kInfo, "\n SharedMemory->ReferenceCountExt = %d",
+              static_cast<int>(SharedMemory->ReferenceCountExt));
+        return kSuccess;
+    }
+    const status_t status = OpenSharedCount();
+    if (status != kSuccess) return status;
+
+    DriverAutoLoaded = checkDriverAutoLoaded();
+    // A count above 0 tells that another process has the driver running.
+    if (DriverAutoLoaded == 0 && SharedMemory->ReferenceCountExt == 0 && !BringDriverUp()) {
+        UndoBringDriverUp();
+        CloseSharedCount();
+        return kFailure;
+    }
+    DeviceHandle = CreateFileA(kDevicePath, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (DeviceHandle == INVALID_HANDLE_VALUE) {
+        TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: Error opening FERROX");
+        UndoBringDriverUp();
+        CloseSharedCount();
+        return kFailure;
+    }
+    ++SharedMemory->ReferenceCountExt;
+    return getHyperVStatus(&HyperVEnabled);
+}
+
+status_t OSFERROXTerminate() {
+    if (DeviceHandle == INVALID_HANDLE_VALUE) {
+        TRACE("OSFERROXTerminate", kError, "OSFERROXTerminate: FERROX not initialized");
+        return kBadValue;
+    }
+    CloseHandle(DeviceHandle);
+    DeviceHandle = INVALID_HANDLE_VALUE;
+    // Not below 0, whatever another process has written there.
+    if (SharedMemory->ReferenceCountExt != 0) --SharedMemory->ReferenceCountExt;
+    TRACE("OSFERROXTerminate", kInfo, "\n SharedMemory->ReferenceCountExt = %d",
+          static_cast<int>(SharedMemory->ReferenceCountExt));
+    bool removed = true;
+    if (SharedMemory->ReferenceCountExt == 0 && DriverAutoLoaded == 0) {
+        TRACE("OSFERROXTerminate", kInfo, "Removing the driver if driver is not auto loaded");
+        if (StopDriver() != kSuccess) {
+            TRACE("OSFERROXTerminate", kError, "OSFERROXTerminate: StopDriver failed");
+            removed = false;
+        } else if (RemoveDriver() != kSuccess) {
+            TRACE("OSFERROXTerminate", kError, "OSFERROXTerminate: RemoveDriver failed");
+            removed = false;
+        }
+    }
+    ReleaseDriver();
+    if (!removed) return kFailure;
+    CloseSharedCount();
+    return kSuccess;
+}
+
+status_t getHyperVStatus(uint8_t* enabled) {
+    CPUIDRecord_t record = {};
+    record.Eax = 1;
+    const status_t status = OSReadCPUID(0, &record);
+    if (status != kSuccess) {
+        TRACE("getHyperVStatus", kError, "\n read CPUID failed ");
+        return status;
+    }
+    *enabled = static_cast<uint8_t>(record.Ecx >> 31);
+    return kSuccess;
+}
+
+// ---- The service
+
+status_t checkDriverAutoLoaded() {
+    const ClServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
+    if (manager.Get() == nullptr) return 0;
+    const ClServiceHandle service(OpenServiceA(manager.Get(), kDriverName, SERVICE_ALL_ACCESS));
+    if (service.Get() == nullptr) return 0;
+
+    DWORD size = 0;
+    if (QueryServiceConfigA(service.Get(), nullptr, 0, &size) || GetLastError() != ERROR_INSUFFICIENT_BUFFER) return 0;
+    auto* config =
+        static_cast<QUERY_SERVICE_CONFIGA*>(os_malloc(std::max(size_t{size}, sizeof(QUERY_SERVICE_CONFIGA))));
+    if (config == nullptr) return 0;
+    // Boot, system and automatic start stand below demand start.
+    const bool autoLoaded =
+        QueryServiceConfigA(service.Get(), config, size, &size) && config->dwStartType <= SERVICE_AUTO_START;
+    os_free(config);
+    if (!autoLoaded) return 0;
+    TRACE("checkDriverAutoLoaded", kInfo, "The driver is autoloaded");
+    return kSuccess;
+}
+
+status_t RegisterDriver() {
+    SetServiceName();
+    if (!OpenServiceManager()) return 0;
+    if (getFERROXinstallPath(DriverPath) != kSuccess) {
+        CloseServiceManager();
+        return 0;
+    }
+    const ClServiceHandle service(CreateServiceA(ServiceManagerHandle, ServiceName, ServiceName, SERVICE_ALL_ACCESS,
+                                                 SERVICE_KERNEL_DRIVER, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
+                                                 DriverPath, "Extended Base", nullptr, nullptr, nullptr, nullptr));
+    if (service.Get() != nullptr) {
+        serviceCreated = true;
+        return kSuccess;
+    }
+    if (GetLastError() == ERROR_SERVICE_EXISTS) {
+        TRACE("RegisterDriver", kInfo, "RegisterDriver: Service already registered");
+        return kSuccess;
+    }
+    CloseServiceManager();
+    return 0;
+}
+
+// Starts `service` and locks its file: 1 or 0. `error` gets the reason when the service wasn't started.
+static status_t StartAndLock(SC_HANDLE service, DWORD* error) {
+    if (!StartServiceA(service, 0, nullptr)) {
+        *error = GetLastError();
+        return 0;
+    }
+    serviceStarted = true;
+    return lockInstallFile() == kSuccess ? kSuccess : 0;
+}
+
+status_t StartDriver() {
+    DWORD error = ERROR_SUCCESS;
+    {
+        const ClServiceHandle service(OpenDriverService());
+        if (service.Get() == nullptr) return 0;
+        const status_t status = StartAndLock(service.Get(), &error);
+        if (error == ERROR_SUCCESS) return status;
+        if (error == ERROR_SERVICE_ALREADY_RUNNING || error == ERROR_ALREADY_EXISTS) {
+            TRACE("StartDriver", kInfo, "StartDriver: Service already exsits/running.\n");
+            return kSuccess;
+        }
+        if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) return 0;
+        TRACE("StartDriver", kWarning, "StartDriver: StartService failed  trying stop + remove + register%u\n",
+              static_cast<unsigned>(error));
+    }
+    // A service left over from another installation points at a file that is gone: register it anew.
+    StopDriver();
+    RemoveDriver();
+    RegisterDriver();
+    const ClServiceHandle service(OpenDriverService());
+    return service.Get() == nullptr ? 0 : StartAndLock(service.Get(), &error);
+}
+
+static bool QueryState(SC_HANDLE service, SERVICE_STATUS_PROCESS* state) {
+    DWORD needed = 0;
+    return QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<LPBYTE>(state), sizeof(*state),
+                                &needed) != FALSE;
+}
+
+// The service, stopped: 1, or 0. `began` is the tick count from which the longest stop counts.
+static status_t StopOpenService(SC_HANDLE service, DWORD began) {
+    SERVICE_STATUS_PROCESS state = {};
+    if (!QueryState(service, &state)) return 0;
+    if (state.dwCurrentState == SERVICE_STOPPED) {
+        TRACE("StopDriver", kInfo, "StopDriver: Service is already stopped.\n");
+        return kSuccess;
+    }
+    while (state.dwCurrentState == SERVICE_STOP_PENDING) {
+        TRACE("StopDriver", kInfo, "StopDriver: Service stop pending...\n");
+        Sleep(std::clamp(state.dwWaitHint / 10, kShortestWait, kLongestWait));
+        if (!QueryState(service, &state)) return 0;
+        if (state.dwCurrentState == SERVICE_STOPPED) {
+            TRACE("StopDriver", kInfo, "StopDriver: Service stopped.\n");
+            return kSuccess;
+        }
+        if (GetTickCount() - began > kLongestStop) return 0;
+    }
+    SERVICE_STATUS ignored = {};
+    if (!ControlService(service, SERVICE_CONTROL_STOP, &ignored)) {
+        TRACE("StopDriver", kError, "StopDriver: ControlService SERVICE_CONTROL_STOP failed %u\n",
+              static_cast<unsigned>(GetLastError()));
+        return 0;
+    }
+    // A driver has stopped when the control returns: no wait.
+    if (!QueryState(service, &state)) return 0;
+    if (state.dwCurrentState != SERVICE_STOPPED) {
+        TRACE("StopDriver", kError, "StopDriver: Service has not stopped \n");
+        return 0;
+    }
+    if (unlockInstallFile() != kSuccess) {
+        TRACE("StopDriver", kError, "StopDriver: Could not unlock file : Ravelink.sys \n");
+        return 0;
+    }
+    return kSuccess;
+}
+
+status_t StopDriver() {
+    const DWORD began = GetTickCount();
+    if (!OpenServiceManager()) return 0;
+    SetServiceName();
+    status_t status = 0;
+    {
+        const ClServiceHandle service(OpenDriverService());
+        if (service.Get() != nullptr) status = StopOpenService(service.Get(), began);
+    }
+    if (status != kSuccess) CloseServiceManager();
+    return status;
+}
+
+status_t RemoveDriver() {
+    if (ServiceManagerHandle == nullptr && !OpenServiceManager()) return 0;
+    status_t status = 0;
+    {
+        const ClServiceHandle service(OpenDriverService());
+        if (service.Get() != nullptr) status = DeleteService(service.Get()) ? kSuccess : 0;
+    }
+    CloseServiceManager();
+    return status;
+}
+
+// ---- The driver's file
+
+status_t lockInstallFile() {
+    unlockInstallFile();
+    InstallFileHandle =
+        CreateFileA(DriverPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (InstallFileHandle == INVALID_HANDLE_VALUE) {
+        TRACE("lockInstallFile", kError, "lockInstallFile: Error opening Ravelink.sys\n");
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+status_t unlockInstallFile() {
+    if (InstallFileHandle == INVALID_HANDLE_VALUE) return kSuccess;
+    if (!CloseHandle(InstallFileHandle)) {
+        TRACE("unlockInstallFile", kError, "unlockInstallFile: Error closing Ravelink.sys\n");
+        return kFailure;
+    }
+    InstallFileHandle = INVALID_HANDLE_VALUE;
+    return kSuccess;
+}
+
+// The two lines of a failed registry call.
+static status_t RegistryFailed(const char* call, LSTATUS result) {
+    const DWORD error = GetLastError();
+    TRACE("getFERROXinstallPath", kError, "getFERROXinstallPath: %s failed, last error %u\n", call,
+          static_cast<unsigned>(error));
+    TRACE("getFERROXinstallPath", kError, "getFERROXinstallPath: %s returned %ld\n", call, static_cast<long>(result));
+    return kFailure;
+}
+
+status_t getFERROXinstallPath(char* path) {
+    HKEY key = nullptr;
+    LSTATUS result = RegOpenKeyExA(HKEY_LOCAL_MACHINE, kRegistryKey, 0, KEY_ALL_ACCESS, &key);
+    if (result != ERROR_SUCCESS) return RegistryFailed("RegOpenKeyEx", result);
+    DWORD size = kDriverPathSize;
+    result = RegQueryValueExA(key, kRegistryValue, nullptr, nullptr, reinterpret_cast<LPBYTE>(path), &size);
+    if (result != ERROR_SUCCESS) {
+        const status_t status = RegistryFailed("RegQueryValueEx", result);
+        RegCloseKey(key);
+        return status;
+    }
+    path[std::min<DWORD>(size, kDriverPathSize - 1)] = '\0';
+    result = RegCloseKey(key);
+    return result == ERROR_SUCCESS ? kSuccess : RegistryFailed("RegCloseKey", result);
+}
+
+// ---- Requests
+
+BOOL SendRequest(RequestCode_t code, void* record, uint32_t size, DWORD* returned) {
+    *returned = 0;
+    return DeviceIoControl(DeviceHandle, code, record, size, record, size, returned, nullptr);
+}
+
+status_t AskVersion(RequestCode_t code, const char* function, uint32_t* version) {
+    DWORD returned = 0;
+    const BOOL sent = DeviceIoControl(DeviceHandle, code, nullptr, 0, version, sizeof(*version), &returned, nullptr);
+    if (!sent) {
+        TRACE(function, kError, "ERROR in %s ret =  %dBytes Returned = %ld", function, sent,
+              static_cast<long>(returned));
+        return kFailure;
+    }
+    return kSuccess;
+}
+
+status_t OSGetFERROXDriverVersion(uint32_t* version) {
+    return AskVersion(kRequestDriverVersion, "OSGetFERROXDriverVersion", version);
+}

@@ -1,0 +1,363 @@
+// The whole lower storey on the machine at hand: what the hardware library reads is held against what the kernel says.
+// A machine that lacks something skips the test of it. The guests that run.sh boots have it all; there the environment
+// variable QUORLIN_GUEST is set, and nothing is skipped that isn't meant to be.
+#include <cpuid.h>
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/OS/OS.h"
+#include "Packages/Platform/Linux/RuntimeFolder.h"
+#include "Sources/CrashReport.h"
+#include "Tests/Support/Linux/Processes.h"
+
+namespace {
+
+using Bytes_t = std::vector<uint8_t>;
+
+Bytes_t FileBytes(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return Bytes_t(std::istreambuf_iterator<char>(file), {});
+}
+
+// `size` bytes at `offset` of a device file; empty where they can't be read.
+Bytes_t BytesAt(const char* path, off_t offset, size_t size) {
+    Bytes_t bytes(size);
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0 || pread(file, bytes.data(), size, offset) != static_cast<ssize_t>(size)) bytes.clear();
+    if (file >= 0) close(file);
+    return bytes;
+}
+
+// A data buffer of the library.
+class ClBuffer {
+  public:
+    explicit ClBuffer(uint32_t size) : block_(4 + size) { Get()->Size = size; }
+    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(block_.data()); }
+    Bytes_t Bytes() const { return Bytes_t(block_.begin() + 4, block_.end()); }
+
+  private:
+    Bytes_t block_;
+};
+
+Bytes_t Part(const Bytes_t& bytes, size_t offset, size_t size) {
+    const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(offset);
+    return Bytes_t(first, first + static_cast<std::ptrdiff_t>(size));
+}
+
+struct Function_t {
+    uint32_t location;
+    std::string name;
+    Bytes_t shown;  // its configuration space, as far as this user may see it
+};
+
+std::vector<Function_t> Functions() {
+    std::vector<Function_t> functions;
+    DIR* folder = opendir("/sys/bus/pci/devices");
+    while (const dirent* entry = folder == nullptr ? nullptr : readdir(folder)) {
+        unsigned segment, bus, device, function;
+        if (std::sscanf(entry->d_name, "%x:%x:%x.%x", &segment, &bus, &device, &function) != 4 || segment > 0xFFFF)
+            continue;
+        const std::string path = std::string("/sys/bus/pci/devices/") + entry->d_name + "/config";
+        functions.push_back({segment << 16 | function << 13 | device << 8 | bus, entry->d_name, FileBytes(path)});
+    }
+    if (folder != nullptr) closedir(folder);
+    return functions;
+}
+
+uint64_t ConfigurationAddress(uint64_t base, uint32_t location) {
+    return base + ((location & 0xFFull) << 20) + ((location >> 8 & 0x1Full) << 15) + ((location >> 13 & 7ull) << 12);
+}
+
+bool HasHypervisor() {
+    uint32_t eax, ebx, ecx, edx;
+    __cpuid(1, eax, ebx, ecx, edx);
+    return (ecx >> 31 & 1) != 0;
+}
+
+bool IsGuest() { return std::getenv("QUORLIN_GUEST") != nullptr; }
+
+// Whether something of that kind ("service.", "section.") is in the folder of this user.
+bool IsLeft(const char* kind) {
+    bool isLeft = false;
+    DIR* folder = fdopendir(OpenRuntimeFolder());
+    while (const dirent* entry = folder == nullptr ? nullptr : readdir(folder))
+        isLeft |= std::strncmp(entry->d_name, kind, std::strlen(kind)) == 0;
+    if (folder != nullptr) closedir(folder);
+    return isLeft;
+}
+
+}  // namespace
+
+class Machine : public testing::Test {
+  protected:
+    void SetUp() override { ASSERT_EQ(FERROXInitialize(), kSuccess); }
+    void TearDown() override {
+        EXPECT_EQ(FERROXTerminate(), kSuccess);
+        EXPECT_FALSE(IsLeft("service."));
+        EXPECT_FALSE(IsLeft("section."));
+    }
+};
+
+TEST_F(Machine, CPUIDIsTheInstruction) {
+    for (const uint32_t leaf : {0u, 0x80000002u, 0x80000003u}) {
+        uint32_t eax, ebx, ecx, edx;
+        __cpuid_count(leaf, 0, eax, ebx, ecx, edx);
+        CPUIDRecord_t record = {0, leaf, 0, 0, 0};
+        ASSERT_EQ(ReadCPUID(kAnyProcessor, &record), kSuccess);
+        EXPECT_EQ(std::memcmp(&record.Eax, std::vector<uint32_t>{eax, ebx, ecx, edx}.data(), 16), 0) << leaf;
+    }
+}
+
+TEST_F(Machine, PCIRegistersAreTheKernels) {
+    const std::vector<Function_t> functions = Functions();
+    if (functions.empty()) GTEST_SKIP() << "no PCI here";
+    for (const Function_t& function : functions) {
+        for (const auto& [offset, size] : {
+                 std::pair{0u,   4u },
+                 {2u,   2u },
+                 {3u,   1u },
+                 {1u,   7u },
+                 {0u,   64u},
+                 {64u,  64u},
+                 {253u, 3u }
+        }) {
+            if (offset + size > function.shown.size()) continue;  // not for this user
+            ClBuffer buffer(size);
+            ASSERT_EQ(PCIRead(function.location, offset, buffer.Get()), kSuccess) << function.name << " " << offset;
+            EXPECT_EQ(buffer.Bytes(), Part(function.shown, offset, size)) << function.name << " " << offset;
+        }
+        ClBuffer extended(4);
+        const status_t status = PCIExRead(function.location, 256, extended.Get());
+        if (HasHypervisor()) {
+            EXPECT_EQ(status, kBadValue);
+        } else if (status == kSuccess && function.shown.size() == 4096) {
+            EXPECT_EQ(extended.Bytes(), Part(function.shown, 256, 4)) << function.name;
+        }
+    }
+}
+
+TEST_F(Machine, SegmentsAndTheirRegistersAreTheKernels) {
+    const Bytes_t shown = FileBytes("/sys/firmware/acpi/tables/MCFG");
+    if (shown.size() < 60) GTEST_SKIP() << "no MCFG table here, or not for this user";
+    DataBuffer_t* table = nullptr;
+    ASSERT_EQ(GetACPITable("MCFG", &table), kSuccess);
+    EXPECT_EQ(Bytes_t(table->Data(), table->Data() + table->Size), shown);
+    os_free(table);
+    std::vector<SegBusInfo_t> segments(kMaxSegments);
+    ASSERT_EQ(GetSegBusInfo(segments.data()), kSuccess);
+    EXPECT_EQ(std::memcmp(&segments[0].BaseAddress, &shown[44], 8), 0);
+    EXPECT_EQ(segments[0].EndBus, shown[55]);
+    bool isExtended = false;
+    for (const Function_t& function : Functions()) {
+        if (function.location >> 16 != 0 || function.shown.size() < 256) continue;
+        const uint64_t address = ConfigurationAddress(segments[0].BaseAddress, function.location);
+        for (const auto& [offset, size] : {
+                 std::pair{0u,    4u  },
+                 {1u,    3u  },
+                 {62u,   9u  },
+                 {0u,    64u },
+                 {256u,  128u},
+                 {4093u, 3u  }
+        }) {
+            if (offset + size > function.shown.size()) continue;
+            isExtended |= offset > 256;
+            ClBuffer buffer(size);
+            ASSERT_EQ(PCIMMIORead(address, offset, buffer.Get()), kSuccess) << function.name << " " << offset;
+            EXPECT_EQ(buffer.Bytes(), Part(function.shown, offset, size)) << function.name << " " << offset;
+        }
+    }
+    EXPECT_TRUE(isExtended || !IsGuest()) << "the guest has a PCI Express device";
+}
+
+TEST_F(Machine, AnMSRIsTheKernels) {
+    const Bytes_t shown = BytesAt("/dev/cpu/0/msr", 0x1B, 8);
+    if (shown.empty()) GTEST_SKIP() << "no MSRs here, or not for this user";
+    MSRRecord_t record = {0, 0, 0x1B, 0, 0};
+    ASSERT_EQ(ReadMSR(&record), kSuccess);
+    EXPECT_EQ(std::memcmp(&record.LoContent, shown.data(), 4), 0);
+    EXPECT_EQ(std::memcmp(&record.HiContent, &shown[4], 4), 0);
+}
+
+TEST_F(Machine, TheNonTurboFrequencyIsMeasuredAgainstTheACPITimer) {
+    DataBuffer_t* table = nullptr;
+    if (GetACPITable("FACP", &table) != kSuccess) GTEST_SKIP() << "no ACPI timer here, or not for this user";
+    NonTurboRecord_t record = {0, 0x10, 0, {}};  // the time-stamp counter
+    std::memcpy(&record.PMTimerAddress, table->Data() + 76, 4);
+    os_free(table);
+    if (BytesAt("/dev/cpu/0/msr", 0x10, 8).empty() || record.PMTimerAddress == 0)
+        GTEST_SKIP() << "no MSRs or timer here";
+    const Bytes_t countBefore = BytesAt("/dev/cpu/0/msr", 0x10, 8);
+    const auto before = std::chrono::steady_clock::now();
+    ASSERT_EQ(CalcFreqNonTurbo(&record), kSuccess);
+    EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(9)) << "the timer's 10";
+    uint64_t perSecond;
+    std::memcpy(&perSecond, record.Result, sizeof perSecond);
+    // An emulator's counter may stand still.
+    const bool counts = BytesAt("/dev/cpu/0/msr", 0x10, 8) != countBefore;
+    EXPECT_GE(perSecond, counts ? 100'000'000u : 0u);
+    EXPECT_LE(perSecond, counts ? 20'000'000'000u : 0u);
+}
+
+// The memory of the guest's display, which nobody uses: written by each road, read by each other.
+TEST_F(Machine, WritesReachTheRegistersAndNothingElse) {
+    if (!IsGuest()) GTEST_SKIP() << "writes to a device, so in guests alone";
+    for (const Function_t& function : Functions()) {
+        if (function.shown[0x0B] != 0x03) continue;
+        uint64_t base = 0;
+        std::memcpy(&base, &function.shown[0x10], 4);
+        base &= ~15ull;
+        ClBuffer before(16), pattern(7), after(16);
+        const DynamicMMIORecord_t dynamic = {function.location, 0x10, 0x1001};
+        for (int road = 0; road < 3; ++road) {
+            for (uint8_t i = 0; i < 7; ++i) pattern.Get()->Data()[i] = static_cast<uint8_t>(0x40 * road + i + 1);
+            ASSERT_EQ(MMIOReadGPIO(base, 0x1000, before.Get()), kSuccess);
+            ASSERT_EQ(road == 0   ? PCIMMIOWriteStored(base, 0x1001, pattern.Get())
+                      : road == 1 ? MMIOWriteGPIO(base, 0x1001, pattern.Get())
+                                  : PCIMMIOWriteDynamic(&dynamic, pattern.Get()),
+                      kSuccess);
+            ASSERT_EQ(PCIMMIOReadStored(base, 0x1000, after.Get()), kSuccess);
+            Bytes_t expected = before.Bytes();
+            std::memcpy(&expected[1], pattern.Get()->Data(), 7);
+            EXPECT_EQ(after.Bytes(), expected) << road;
+        }
+        MSRRecord_t record = {0, 0, 0x1B, 0, 0};
+        ASSERT_EQ(ReadMSR(&record), kSuccess);
+        EXPECT_EQ(WriteMSR(&record), kSuccess) << "the same value once more";
+        return;
+    }
+    FAIL() << "the guest has a display";
+}
+
+// The clock's battery-backed memory: an index port that is written, and a data port.
+TEST_F(Machine, PortsAreTheKernels) {
+    if (!IsGuest()) GTEST_SKIP() << "writes a port, so in guests alone";
+    for (const uint8_t index : {uint8_t{0x0B}, uint8_t{0x14}, uint8_t{0x32}}) {
+        ClBuffer select(1), value(1);
+        select.Get()->Data()[0] = index;
+        ASSERT_EQ(ConfigureWakeUpTimer(0x70, select.Get()), kSuccess);
+        ASSERT_EQ(ReadWakeupTimer(0x71, value.Get()), kSuccess);
+        EXPECT_EQ(value.Bytes(), BytesAt("/dev/port", 0x71, 1)) << index;
+    }
+    // The PCI address port holds what it was given, in one access of four bytes; the device behind it is 0:0.0.
+    ClBuffer address(4), identity(4);
+    const uint32_t word = 0x80000000;
+    std::memcpy(address.Get()->Data(), &word, sizeof word);
+    ASSERT_EQ(ConfigureWakeUpTimer(0xCF8, address.Get()), kSuccess);
+    ASSERT_EQ(ReadWakeupTimer(0xCFC, identity.Get()), kSuccess);
+    EXPECT_EQ(identity.Bytes(), Part(FileBytes("/sys/bus/pci/devices/0000:00:00.0/config"), 0, 4));
+}
+
+TEST_F(Machine, TheBIOSAreaIsTheKernels) {
+    const Bytes_t shown = BytesAt("/dev/mem", 0xF0000, 65536);
+    if (shown.empty()) GTEST_SKIP() << "no memory here, or not for this user";
+    ClBuffer whole(65536), odd(5);
+    ASSERT_EQ(GetSystemTables(0xF0000, 0, whole.Get()), kSuccess);
+    EXPECT_EQ(whole.Bytes(), shown);
+    ASSERT_EQ(GetSystemTables(0xF0000, 4093, odd.Get()), kSuccess);
+    EXPECT_EQ(odd.Bytes(), Part(shown, 4093, 5));
+}
+
+// In a guest QUORLIN_SCAN says how the scan must end, "same" or "fails", and QUORLIN_TABLE names a file with what the
+// table must begin with.
+TEST_F(Machine, BothRoadsLeadToTheSameTable) {
+    uint8_t entry[2][kEntryBufferSize] = {}, dmiEntry[2][kDMIEntryBufferSize] = {};
+    SMBIOSTableImage_t *first = nullptr, *second = nullptr;
+    const char* expected = std::getenv("QUORLIN_SCAN");
+    const status_t served = osGetStructuresDataEFI(entry[0], dmiEntry[0], &first);
+    const status_t scanned = osGetStructuresDataNonEFI(entry[1], dmiEntry[1], &second);
+    const std::unique_ptr<SMBIOSTableImage_t, void (*)(void*)> freeFirst(first, os_free), freeSecond(second, os_free);
+    if (expected == nullptr && (served != kSuccess || scanned != kSuccess)) GTEST_SKIP() << "not two roads here";
+    ASSERT_EQ(served, kSuccess);
+    const Bytes_t table(first->Data(), first->Data() + first->Length);
+    const char* file = std::getenv("QUORLIN_TABLE");
+    const Bytes_t begin = file == nullptr ? Bytes_t() : FileBytes(file);
+    ASSERT_GE(table.size(), begin.size());
+    EXPECT_EQ(Part(table, 0, begin.size()), begin);
+    if (expected != nullptr && std::strcmp(expected, "fails") == 0) {
+        EXPECT_EQ(scanned, kFailure);
+        EXPECT_EQ(second, nullptr);
+        return;
+    }
+    ASSERT_EQ(scanned, kSuccess);
+    EXPECT_EQ(table, Bytes_t(second->Data(), second->Data() + second->Length));
+    EXPECT_EQ(std::memcmp(&entry[0][6], &entry[1][6], 2), 0);
+}
+
+TEST(MachineSharing, ProcessesCountEachOtherAndTheLastOneCleansUp) {
+    const auto use = [] {
+        if (FERROXInitialize() != kSuccess) _exit(1);
+    };
+    std::vector<std::unique_ptr<ClHolder>> holders;
+    for (int i = 0; i < 10; ++i) holders.push_back(std::make_unique<ClHolder>(use));
+    EXPECT_TRUE(IsLeft("service."));
+    // Whoever opens and closes beside them leaves the service to them.
+    EXPECT_EQ(InChild([] { return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1; }), 0);
+    EXPECT_TRUE(IsLeft("service."));
+    for (auto& holder : holders) holder->Kill();
+    // The killed ones' count is gone with the last of them, so the next one is the only one: it finds the service
+    // running, and removes it.
+    EXPECT_TRUE(IsLeft("service."));
+    EXPECT_EQ(InChild([] { return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1; }), 0);
+    EXPECT_FALSE(IsLeft("service."));
+    EXPECT_FALSE(IsLeft("section."));
+}
+
+TEST(MachineSharing, AKilledProcessKeepsItsCountWhileAnotherHoldsTheSection) {
+    ClHolder killed([] { FERROXInitialize(); });
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    killed.Kill();
+    EXPECT_EQ(FERROXTerminate(), kSuccess);
+    EXPECT_TRUE(IsLeft("service.")) << "of two users only one has said goodbye";
+    EXPECT_EQ(InChild([] { return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1; }), 0);
+    EXPECT_FALSE(IsLeft("service."));
+}
+
+// Locked down or without rights: the library opens, CPUID is there, and what isn't allowed is refused.
+TEST(MachineRefusals, AreStatusesAndNothingMore) {
+    const char* lockedDown = std::getenv("QUORLIN_LOCKED_DOWN");
+    const int result = InChild([lockedDown] {
+        if (lockedDown == nullptr && !BecomeNobody()) return 99;
+        if (FERROXInitialize() != kSuccess) return 1;
+        CPUIDRecord_t record = {0, 1, 0, 0, 0};
+        if (ReadCPUID(kAnyProcessor, &record) != kSuccess || record.Eax == 0) return 2;
+        ClBuffer memory(16), port(1);
+        if (GetSystemTables(0xF0000, 0, memory.Get()) != 0) return 3;
+        if (ReadWakeupTimer(0x71, port.Get()) != 0) return 4;
+        MSRRecord_t msr = {0, 0, 0x1B, 0, 0};
+        if (lockedDown == nullptr && ReadMSR(&msr) != 0) return 5;
+        uint8_t entry[kEntryBufferSize], dmiEntry[kDMIEntryBufferSize];
+        SMBIOSTableImage_t* image = nullptr;
+        if (osGetStructuresDataNonEFI(entry, dmiEntry, &image) != kFailure) return 6;
+        if (FERROXTerminate() != kSuccess) return 7;
+        return IsLeft("service.") || IsLeft("section.") ? 8 : 0;
+    });
+    if (result == 99) GTEST_SKIP() << "only root can become another user";
+    EXPECT_EQ(result, 0);
+}
+
+TEST(MachineCrashDeathTest, PrintsTheReportAndDiesBySIGSEGV) {
+    const auto crash = [] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        signal(SIGSEGV, SIG_DFL);  // a sanitizer's own
+        InstallCrashReport();
+        __asm__ volatile("movl $0, 0x10");
+    };
+    EXPECT_EXIT(
+        crash(), testing::KilledBySignal(SIGSEGV),
+        "EXCEPTION HANDLING START.*\n.*EXCEPTION_ACCESS_VIOLATION Attempted to write to: 0x00000010\n.*HANDLING END");
+}

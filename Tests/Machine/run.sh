@@ -1,0 +1,92 @@
+#!/bin/sh
+# Boots a small Linux in an emulator, whose firmware has an SMBIOS table, and runs the library there: both roads to the
+# table, the hardware library against what the guest's kernel says, refusals, sharing, a crash. Needs no rights beyond
+# those for installing packages, and no network once it has the kernel. Fails where it can't have what it needs.
+#
+#     Tests/Machine/run.sh [JOB...]      the boots by name; all of them if none is named
+set -eu
+cd "$(dirname "$0")/../.."
+work=$PWD/build/machine
+jobs=${*:-pc q35 sample sm3 lockdown}
+
+cmake/install-packages.sh g++ cmake ninja-build rapidjson-dev zlib1g-dev libgtest-dev qemu-system-x86 seabios \
+    busybox-static xz-utils
+
+# Debian's kernel, unpacked and never installed. Unpacked it starts twice as fast: the payload's place stands in the
+# image's boot header.
+number() { od -An -t"$3" -j "$2" -N "${3#u}" "$1" | tr -d ' '; }
+if [ ! -s "$work/kernel/vmlinux" ]; then
+    rm -rf "$work/kernel"
+    mkdir -p "$work/kernel"
+    sudo=
+    [ "$(id -u)" = 0 ] || sudo=sudo
+    apt-cache show linux-image-amd64 >/dev/null 2>&1 || $sudo apt-get update -qq
+    package=$(apt-cache depends linux-image-amd64 | sed -n 's/.*Depends: \(linux-image-[^ ]*\).*/\1/p' | head -n 1)
+    (cd "$work/kernel" && apt-get download -qq "$package" 2>/dev/null && dpkg -x "$package"_*.deb .)
+    image=$(echo "$work"/kernel/boot/vmlinuz-*)
+    start=$(((1 + $(number "$image" 497 u1)) * 512 + $(number "$image" 584 u4)))
+    tail -c +$((start + 1)) "$image" | head -c "$(number "$image" 588 u4)" | xz -dc --single-stream >"$work/kernel/payload"
+    find "$work/kernel/lib" -name msr.ko -exec cp {} "$work/kernel/msr.ko" \;
+    mv "$work/kernel/payload" "$work/kernel/vmlinux"
+    rm -rf "$work/kernel/boot" "$work/kernel/lib" "$work/kernel/usr" "$work"/kernel/*.deb
+fi
+
+# Programs that need nothing of the guest.
+cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
+    -DZLIB_USE_STATIC_LIBS=ON >/dev/null
+cmake --build "$work/programs" --target quorlin_program MachineTest PlatformTest sample_files >"$work/build.log" || {
+    tail -40 "$work/build.log"
+    exit 1
+}
+rm -rf "$work/root" "$work/sample"
+mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work/sample"
+"$work/programs/bin/sample_files" "$work/sample" >"$work/sample/options"
+cp "$work"/programs/bin/quorlin "$work"/programs/bin/MachineTest "$work"/programs/bin/PlatformTest /bin/busybox \
+    "$work/root/bin"
+cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
+ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests look for it
+chmod 755 "$work/root/init"
+printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >"$work/root/etc/passwd"
+(cd "$work/root" && find . | busybox cpio -o -H newc 2>/dev/null | gzip -1) >"$work/initramfs"
+
+# boot JOB MACHINE PROCESSOR KERNEL-OPTIONS EMULATOR-OPTIONS...
+boot() {
+    job=$1 machine=$2 processor=$3 kernelOptions=$4
+    shift 4
+    started=$(date +%s)
+    timeout 90 qemu-system-x86_64 -nographic -no-reboot -net none -m 512 -machine "$machine" -cpu "$processor" \
+        -kernel "$work/kernel/vmlinux" -initrd "$work/initramfs" \
+        -append "console=ttyS0 quiet panic=-1 job=$job $kernelOptions" "$@" </dev/null 2>&1 |
+        tr -d '\r' >"$work/$job.log" || true
+    sed -n '/^ok: /s/^/  /p' "$work/$job.log"
+    if grep -qx 'guest: done' "$work/$job.log"; then
+        echo "$job: done in $(($(date +%s) - started)) s"
+    else
+        echo "$job: FAILED; all it said:"
+        cat "$work/$job.log"
+        failed=1
+    fi
+}
+
+failed=0
+plain=max,la57=off
+for name in $jobs; do
+    case $name in
+    pc) boot pc pc "$plain" "" -smp 2 -smbios type=1,manufacturer=Quorlin,product=Guest ;;
+    q35)
+        boot q35 q35 "$plain,-hypervisor" "" -smp 2 -device pcie-root-port,id=rp -device virtio-rng-pci,bus=rp \
+            -smbios type=1,manufacturer=Quorlin,product=Guest
+        ;;
+    sample)
+        # shellcheck disable=SC2046  # one word an option
+        boot sample pc "$plain" "" -smp 2,sockets=2 $(cat "$work/sample/options")
+        ;;
+    sm3) boot sm3 q35,smbios-entry-point-type=64 "$plain" "" ;;
+    lockdown) boot lockdown pc "$plain" lockdown=integrity ;;
+    *)
+        echo "no boot is named $name" >&2
+        exit 2
+        ;;
+    esac
+done
+exit $failed

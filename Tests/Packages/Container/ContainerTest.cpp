@@ -1,0 +1,442 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <future>
+#include <limits>
+#include <sstream>
+#include <thread>
+
+#include "Tests/Packages/Container/Nodes.h"
+#include "Tests/Support/Program.h"
+
+namespace {
+
+constexpr uint32_t kAllTypes[] = {kPlainList, kSortedList, kRedBlackTree, kAVLTree};
+
+// Does what the words say: 5 inserts an entry of key 5, -5 deletes one.
+void Play(const ClContainer& container, std::vector<Entry_t>* entries, const std::string& words) {
+    std::istringstream stream(words);
+    entries->reserve(words.size());
+    for (int key; stream >> key;) {
+        Entry_t& entry = entries->emplace_back(Entry_t{std::abs(key)});
+        EXPECT_EQ(key < 0 ? DeleteByData(container.handle, &entry) : Insert(container.handle, &entry), kSuccess) << key;
+    }
+}
+
+TEST(Trees, TakeTheShapeThatTheirRotationsGive) {
+    const struct {
+        uint32_t type;
+        const char *words, *shape;
+    } kCases[] = {
+        {kAVLTree,      "1 2 3",         "2(1,3)"        },
+        {kAVLTree,      "3 2 1",         "2(1,3)"        },
+        {kAVLTree,      "1 3 2",         "2(1,3)"        },
+        {kAVLTree,      "3 1 2",         "2(1,3)"        },
+        {kAVLTree,      "5 5 5 5",       "5(,5(,5(,5)))" }, // equal keys: no rotation
+        {kAVLTree,      "5 5 5 5 3",     "5(5(3,),5(,5))"}, // nothing to raise on the inner side
+        {kAVLTree,      "2 1 -2",        "1"             },
+        {kAVLTree,      "2 1 3 4 -1",    "3(2,4)"        },
+        {kAVLTree,      "3 1 4 2 -4",    "2(1,3)"        },
+        {kAVLTree,      "2 1 4 3 5 -2",  "3(1,4(,5))"    }, // the successor's data moves
+        {kRedBlackTree, "1 2 3",         "2B(1R,3R)"     },
+        {kRedBlackTree, "3 1 2",         "2B(1R,3R)"     },
+        {kRedBlackTree, "2 2 2",         "2B(2R,2R)"     },
+        {kRedBlackTree, "1 2 3 4",       "2B(1B,3B(,4R))"}, // red uncle
+        {kRedBlackTree, "1 2 3 4 -1",    "3B(2B,4B)"     }, // black sibling, far child red
+        {kRedBlackTree, "1 2 4 3 -1",    "3B(2B,4B)"     }, // black sibling, near child red
+        {kRedBlackTree, "1 2 3 4 -2",    "3B(1B,4B)"     },
+        {kRedBlackTree, "1 2 3 4 -4 -1", "2B(,3R)"       }, // black sibling with black children
+    };
+    for (const auto& c : kCases) {
+        std::vector<Entry_t> entries;
+        ClContainer container(c.type);
+        Play(container, &entries, c.words);
+        EXPECT_EQ(container.Shape(), c.shape) << c.words;
+        container.Check();
+    }
+}
+
+TEST(Trees, ANodeWithTwoChildrenKeepsItsAddress) {
+    for (const uint32_t type : {kRedBlackTree, kAVLTree}) {
+        std::vector<Entry_t> entries;
+        ClContainer container(type);
+        Play(container, &entries, "2 1 3");
+        const AVLNode_t* root = container.handle->AVLRoot;  // one field serves all kinds
+        Play(container, &entries, "-2");
+        EXPECT_EQ(container.handle->AVLRoot, root);
+        EXPECT_EQ(container.Entries(), (std::vector<void*>{&entries[1], &entries[2]}));
+    }
+}
+
+TEST(Trees, AnEqualEntryIsNotTakenForTheSuccessor) {
+    std::vector<Entry_t> entries;
+    ClContainer container(kAVLTree);
+    Play(container, &entries, "5 1 7 7 7 7 9");
+    void* at = nullptr;
+    for (int left = 6; left > 0; --left) {  // delete the root each time: no entry may stand twice or get lost
+        const std::vector<void*> before = container.Entries();
+        at = container.handle->AVLRoot->Data;
+        ASSERT_EQ(DeleteByData(container.handle, at), kSuccess);
+        std::vector<void*> expected = before;
+        std::erase(expected, at);
+        EXPECT_EQ(container.Entries(), expected);
+    }
+}
+
+TEST(Trees, RefuseMoreThan99PendingNodes) {
+    std::array<AVLNode_t, kMostPendingNodes + 1> spine{};
+    Entry_t entry{1};
+    for (size_t i = 0; i < spine.size(); ++i) spine[i] = {1, 0, i > 0 ? &spine[i - 1] : nullptr, nullptr, &entry};
+    ClContainer container(kAVLTree);
+    void* data = nullptr;
+    container.handle->AVLRoot = &spine[kMostPendingNodes];
+    EXPECT_EQ(RetrieveFromIndex(container.handle, &data, 0), kFailure);
+    EXPECT_EQ(data, nullptr);
+    container.handle->AVLRoot = &spine[kMostPendingNodes - 1];
+    EXPECT_EQ(RetrieveFromIndex(container.handle, &data, 98), kSuccess);
+    container.handle->AVLRoot = nullptr;
+}
+
+TEST(SortedList, EqualEntriesGoInFrontByInsertAndBehindByPush) {
+    std::vector<Entry_t> entries;
+    ClContainer container(kSortedList);
+    Play(container, &entries, "3 1 2 2");
+    Entry_t last{3}, low{0};
+    EXPECT_EQ(Push(container.handle, &last), kSuccess);
+    EXPECT_EQ(Push(container.handle, &low), kBadValue);
+    EXPECT_EQ(container.Entries(), (std::vector<void*>{&entries[1], &entries[3], &entries[2], &entries[0], &last}));
+}
+
+TEST(SortedList, TakesTheCallersPosition) {
+    static int32_t position;
+    ContainerParams_t params{};
+    params.ContainerType = kSortedList;
+    params.DataType = kInt32Data;
+    params.OwnPositionFunction = 1;
+    // Reads the list by index, as such a function well may.
+    params.PositionFunction = [](ContainerHandle_t handle, void*) {
+        void* data;
+        for (int32_t i = 0; RetrieveFromIndex(handle, &data, i) == kSuccess; ++i) {
+        }
+        return position;
+    };
+    ContainerHandle_t handle = nullptr;
+    ASSERT_EQ(InitContainer(&params, &handle, 0), kSuccess);
+    int32_t value = 7;
+    const struct {
+        int32_t position;
+        status_t status;
+    } kCases[] = {
+        {-1, 2},
+        {1,  2},
+        {0,  1},
+        {2,  2},
+        {1,  1},
+        {0,  1},
+    };
+    for (const auto& c : kCases) {
+        position = c.position;
+        EXPECT_EQ(Insert(handle, &value), c.status) << c.position;
+    }
+    void* data = nullptr;
+    while (Pop(handle, &data) == kSuccess) EXPECT_EQ(data, &value);
+    EXPECT_EQ(UnInitContainer(handle), kSuccess);
+}
+
+TEST(Front, TheDataTypeChoosesTheComparison) {
+    static const float kNaN = std::numeric_limits<float>::quiet_NaN(), kOne = 1, kTwo = 2;
+    static const int32_t kLow = INT32_MIN, kHigh = INT32_MAX;
+    static const int8_t kMinus = -1, kPlus = 1;
+    const struct {
+        uint32_t dataType;
+        const void *first, *second;
+        int32_t order;
+    } kCases[] = {
+        {kInt32Data,  &kHigh,  &kLow,      1 },
+        {kInt32Data,  &kLow,   &kHigh,     -1},
+        {kInt32Data,  &kLow,   &kLow,      0 },
+        {kInt8Data,   &kPlus,  &kMinus,    1 },
+        {kInt8Data,   &kMinus, &kPlus,     -1},
+        {kFloatData,  &kTwo,   &kOne,      1 },
+        {kFloatData,  &kOne,   &kOne,      0 },
+        {kFloatData,  &kNaN,   &kOne,      -1},
+        {kFloatData,  &kOne,   &kNaN,      -1},
+        {kStringData, "ab",    "a",        1 },
+        {kStringData, "a",     "\xC3\xA4", -1}, // bytes, not signed characters
+        {kStringData, "a",     "a",        0 },
+    };
+    for (const auto& c : kCases) {
+        ContainerParams_t params{};
+        params.DataType = c.dataType;
+        params.CompareFunction = CompareKeys;
+        ContainerHandle_t handle = nullptr;
+        ASSERT_EQ(InitContainer(&params, &handle, 0), kSuccess);
+        EXPECT_NE(params.CompareFunction, CompareKeys);
+        EXPECT_EQ(params.CompareFunction(c.first, c.second), c.order);
+        EXPECT_EQ(params.PositionFunction, SortedListPosition);
+        EXPECT_EQ(UnInitContainer(handle), kSuccess);
+    }
+}
+
+TEST(Front, InitContainerTellsWhatIsMissing) {
+    const struct {
+        const char* what;
+        uint32_t type, dataType, ownPosition;
+        status_t status;
+    } kCases[] = {
+        {"plain list without comparison",  kPlainList,    kOwnData,   0, 1},
+        {"sorted list without comparison", kSortedList,   kOwnData,   0, 5},
+        {"sorted list without position",   kSortedList,   kInt32Data, 1, 5},
+        {"red-black without comparison",   kRedBlackTree, kOwnData,   0, 5},
+        {"AVL without comparison",         kAVLTree,      kOwnData,   0, 5},
+        {"no such kind",                   4,             kInt32Data, 0, 5},
+    };
+    for (const auto& c : kCases) {
+        ContainerParams_t params{};
+        params.ContainerType = c.type;
+        params.DataType = c.dataType;
+        params.OwnPositionFunction = c.ownPosition;
+        ContainerHandle_t handle = nullptr;
+        const int32_t live = containerLibrary.LiveContainers;
+        EXPECT_EQ(InitContainer(&params, &handle, 0), c.status) << c.what;
+        EXPECT_EQ(containerLibrary.LiveContainers, live + (c.status == kSuccess)) << c.what;
+        EXPECT_EQ(handle != nullptr, c.status == kSuccess) << c.what;
+        if (c.status != kSuccess) continue;
+        int32_t value = 0;
+        EXPECT_EQ(Push(handle, &value), kSuccess);
+        EXPECT_EQ(DeleteByData(handle, &value), kNullPointer);
+        EXPECT_EQ(UpdateNode(handle, &value, &value), kNullPointer);
+        EXPECT_EQ(DeleteAtIndex(handle, 0), kSuccess);
+        EXPECT_EQ(UnInitContainer(handle), kSuccess);
+    }
+    ContainerHandle_t handle = nullptr;
+    EXPECT_EQ(InitContainer(nullptr, &handle, 0), kNullPointer);
+}
+
+TEST(Front, NullHandlesAndTheVersion) {
+    void* data = nullptr;
+    int32_t value = 0;
+    for (const status_t status :
+         {Insert(nullptr, &value), InsertAtIndex(nullptr, &value, 0), RetrieveFromIndex(nullptr, &data, 0),
+          RetrieveFromEnd(nullptr, &data), DeleteAtIndex(nullptr, 0), DeleteByData(nullptr, &value),
+          Push(nullptr, &value), Pop(nullptr, &data), UpdateNode(nullptr, &value, &value), UnInitContainer(nullptr),
+          GetContainerLibVersion(nullptr)}) {
+        EXPECT_EQ(status, kNullPointer);
+    }
+    ClContainer container(kPlainList);
+    LibVersion_t version{};
+    ASSERT_EQ(GetContainerLibVersion(&version), kSuccess);
+    EXPECT_STREQ(version.Major, "02");
+    EXPECT_STREQ(version.Minor, "00");
+    EXPECT_STREQ(version.Revision, "0");
+    EXPECT_STREQ(version.Build, "1001");
+}
+
+TEST(Front, TheHandleKeeps127CharactersOfTheName) {
+    for (const size_t length : {1u, 126u, 127u, 128u}) {  // 128: a name without its NUL
+        ContainerParams_t params{};
+        std::memset(params.ListName, 'n', length);
+        ContainerHandle_t handle = nullptr;
+        ASSERT_EQ(InitContainer(&params, &handle, 0), kSuccess);
+        EXPECT_EQ(std::string(handle->ListName), std::string(std::min<size_t>(length, 127), 'n'));
+        int32_t value = 1;
+        EXPECT_EQ(Insert(handle, &value), kSuccess);
+        EXPECT_EQ(DeleteAtIndex(handle, 0), kSuccess);
+        EXPECT_EQ(UnInitContainer(handle), kSuccess);
+    }
+}
+
+// Allocations of the library, counted; the one after `allowed` more fails.
+struct {
+    int allowed, live;
+} heap;
+void* CountedMalloc(size_t size) {
+    if (heap.allowed-- == 0) return nullptr;
+    ++heap.live;
+    return os_malloc(size);
+}
+void CountedFree(void* block) {
+    --heap.live;
+    os_free(block);
+}
+class Memory : public testing::Test {
+  protected:
+    Memory() {
+        heap = {-1, 0};
+        containerLibrary.Malloc = CountedMalloc;
+        containerLibrary.Free = CountedFree;
+    }
+    ~Memory() override {
+        containerLibrary.Malloc = os_malloc;
+        containerLibrary.Free = os_free;
+    }
+};
+
+TEST_F(Memory, RunningOutLeavesWhatWasThere) {
+    enum { kInsert, kInsertAtIndex, kPush, kUpdate };
+    const struct {
+        const char* what;
+        uint32_t type;
+        const char* words;
+        int operation;
+        status_t status;
+        size_t left;
+    } kCases[] = {
+        {"plain, first",              kPlainList,    "",      kInsert,        3, 0},
+        {"plain, in front",           kPlainList,    "2",     kInsertAtIndex, 3, 1},
+        {"plain, behind",             kPlainList,    "2",     kPush,          3, 1},
+        {"sorted, between",           kSortedList,   "1 3",   kInsert,        3, 2},
+        {"sorted, refused anyway",    kSortedList,   "1 3",   kPush,          3, 2},
+        {"sorted, old entry is gone", kSortedList,   "1 2 3", kUpdate,        3, 2},
+        {"red-black, root",           kRedBlackTree, "",      kInsert,        3, 0},
+        {"red-black, deeper",         kRedBlackTree, "1 3",   kInsert,        3, 2},
+        {"red-black, old is gone",    kRedBlackTree, "1 2 3", kUpdate,        3, 2},
+        {"AVL, root",                 kAVLTree,      "",      kInsert,        3, 0},
+        {"AVL, deeper",               kAVLTree,      "1",     kInsert,        5, 1},
+        {"AVL, deeper still",         kAVLTree,      "1 3 4", kInsert,        5, 3},
+        {"AVL, last old is gone",     kAVLTree,      "2",     kUpdate,        3, 0},
+        {"AVL, old is gone",          kAVLTree,      "1 2 3", kUpdate,        5, 2},
+    };
+    for (const auto& c : kCases) {
+        std::vector<Entry_t> entries;
+        Entry_t entry{2};
+        ClContainer container(c.type);
+        Play(container, &entries, c.words);
+        const std::vector<void*> before = container.Entries();
+        heap.allowed = 0;
+        const status_t status = c.operation == kInsert          ? Insert(container.handle, &entry)
+                                : c.operation == kInsertAtIndex ? InsertAtIndex(container.handle, &entry, 0)
+                                : c.operation == kPush          ? Push(container.handle, &entry)
+                                                                : UpdateNode(container.handle, &entry, &entry);
+        heap.allowed = -1;
+        EXPECT_EQ(status, c.status) << c.what;
+        EXPECT_EQ(container.Entries().size(), c.left) << c.what;
+        EXPECT_TRUE(c.operation == kUpdate || container.Entries() == before) << c.what;
+        container.Check();
+    }
+    EXPECT_EQ(heap.live, 0);
+}
+
+TEST_F(Memory, EachAllocationMayFail) {
+    for (const uint32_t type : kAllTypes) {
+        for (int allowed = 0; allowed <= 21; ++allowed) {
+            std::vector<Entry_t> entries;
+            for (int32_t i = 0; i < 20; ++i) entries.push_back({i * 7 % 20});
+            ContainerParams_t params{};
+            params.ContainerType = type;
+            params.DataType = kInt32Data;
+            ContainerHandle_t handle = nullptr;
+            const int32_t live = containerLibrary.LiveContainers;
+            heap.allowed = allowed;
+            if (allowed == 0) {
+                EXPECT_EQ(InitContainer(&params, &handle, 0), kNullPointer);
+                EXPECT_EQ(handle, nullptr);
+                EXPECT_EQ(containerLibrary.LiveContainers, live);
+                continue;
+            }
+            ASSERT_EQ(InitContainer(&params, &handle, 0), kSuccess);
+            int inserted = 0;
+            for (Entry_t& entry : entries) {
+                const status_t status = Insert(handle, &entry);
+                inserted += status == kSuccess;
+                heap.allowed = status == kSuccess ? heap.allowed : -1;  // goes on when memory is there again
+            }
+            EXPECT_EQ(inserted, allowed == 21 ? 20 : 19);
+            for (Entry_t& entry : entries) inserted -= DeleteByData(handle, &entry) == kSuccess;
+            EXPECT_EQ(inserted, 0);
+            EXPECT_EQ(UnInitContainer(handle), kSuccess);
+        }
+    }
+    EXPECT_EQ(heap.live, 0);
+}
+
+// Far beyond what a read takes that goes on from the last place, far below one that starts over for each entry.
+TEST(Place, AWholeReadByRisingIndexIsLinear) {
+    std::vector<Entry_t> entries(100'000);
+    for (size_t i = 0; i < entries.size(); ++i) entries[i].Key = static_cast<int32_t>(i);
+    for (const uint32_t type : kAllTypes) {
+        ClContainer container(type);
+        for (Entry_t& entry : entries)
+            ASSERT_EQ(container.IsTree() ? Insert(container.handle, &entry) : Push(container.handle, &entry), kSuccess);
+        const auto start = std::chrono::steady_clock::now();
+        void* data = nullptr;
+        for (size_t i = 0; i < entries.size(); ++i) {
+            ASSERT_EQ(RetrieveFromIndex(container.handle, &data, static_cast<int32_t>(i)), kSuccess);
+            ASSERT_EQ(data, &entries[i]);
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << type;
+        container.Check();
+    }
+}
+
+TEST(Lock, FourThreadsOnOneHandle) {
+    static std::atomic<bool> inside;
+    const auto compare = [](const void* first, const void* second) {
+        EXPECT_FALSE(inside.exchange(true));
+        const int32_t order = CompareKeys(first, second);
+        inside = false;
+        return order;
+    };
+    for (const uint32_t type : kAllTypes) {
+        std::vector<std::vector<Entry_t>> entries(4, std::vector<Entry_t>(200));
+        ClContainer container(type, compare);
+        std::vector<std::thread> threads;
+        for (int32_t t = 0; t < 4; ++t) {
+            threads.emplace_back([&, t] {
+                auto& mine = entries[static_cast<size_t>(t)];
+                void* data;
+                for (int32_t i = 0; i < 200; ++i) {
+                    mine[static_cast<size_t>(i)].Key = i * 4 + t;
+                    EXPECT_EQ(Insert(container.handle, &mine[static_cast<size_t>(i)]), kSuccess);
+                    EXPECT_EQ(RetrieveFromIndex(container.handle, &data, i / 2), kSuccess);
+                    if (i % 2 == 0) continue;
+                    EXPECT_EQ(DeleteByData(container.handle, &mine[static_cast<size_t>(i)]), kSuccess);
+                }
+            });
+        }
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_EQ(container.Entries().size(), 400u);
+        container.Check();
+    }
+}
+
+// Runs an insertion into the other container on another thread while the first one's comparison runs.
+ContainerHandle_t other;
+std::future<status_t> insertion;
+bool waited;
+int32_t CompareSlowly(const void* first, const void* second) {
+    static Entry_t entry{1};
+    insertion = std::async(std::launch::async, [] { return Insert(other, &entry); });
+    waited = insertion.wait_for(std::chrono::milliseconds(100)) == std::future_status::timeout;
+    return CompareKeys(first, second);
+}
+
+TEST(Lock, ContainersOfOneNameExcludeEachOther) {
+    for (const bool sameName : {true, false}) {
+        std::vector<Entry_t> entries;
+        ClContainer second(kPlainList, CompareKeys, sameName ? "ContainerTest" : "ContainerTestOther");
+        ClContainer first(kRedBlackTree, CompareSlowly);
+        other = second.handle;
+        Play(first, &entries, "1 2");
+        EXPECT_EQ(insertion.get(), kSuccess);
+        EXPECT_EQ(waited, sameName);
+        EXPECT_EQ(second.Entries().size(), 1u);
+        first.handle->CompareFunction = CompareKeys;
+    }
+}
+
+// The page shows the example as it is, and what it prints.
+TEST(Docs, TheExampleDoesAsThePageSays) {
+    const std::string page = ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/Containers.md");
+    const std::string program = ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/examples/containers.cpp");
+    const std::string outputFile = testing::TempDir() + "example_containers.out";
+    ASSERT_EQ(std::system((QUORLIN_EXAMPLES "/example_containers >" + outputFile).c_str()), 0);
+    std::string output = ReadWholeFile(outputFile);
+    std::erase(output, '\r');
+    EXPECT_NE(page.find("```cpp\n" + program + "```\n"), std::string::npos);
+    EXPECT_FALSE(output.empty());
+    EXPECT_NE(page.find("```\n" + output + "```\n"), std::string::npos) << output;
+}
+
+}  // namespace

@@ -1,0 +1,209 @@
+// Random operations on each kind, beside a sorted or plain std::vector that says what each of them should do.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+
+#include "Tests/Packages/Container/Nodes.h"
+
+namespace {
+
+// The entry that a search of the tree for `key` meets first, or null.
+template <class Node_t>
+void* FirstOnTheWay(const Node_t* node, const Node_t* absent, int32_t key) {
+    while (node != absent && KeyOf(node->Data) != key) node = key < KeyOf(node->Data) ? node->Left : node->Right;
+    return node == absent ? nullptr : node->Data;
+}
+
+class ClModel {
+  public:
+    explicit ClModel(const ClContainer& container) : container_(container), type_(container.handle->ContainerType) {}
+
+    const std::vector<void*>& Entries() const { return entries_; }
+    int32_t Size() const { return static_cast<int32_t>(entries_.size()); }
+
+    status_t InsertAtIndex(void* data, int32_t index) {
+        if (type_ != kPlainList) return 5;
+        if (data == nullptr) return 4;
+        if (index < 0 || index > Size()) return 2;
+        entries_.insert(entries_.begin() + index, data);
+        return 1;
+    }
+    status_t Insert(void* data) {
+        if (data == nullptr) return 4;
+        const auto below = [](void* a, void* b) { return KeyOf(a) < KeyOf(b); };
+        auto place = entries_.end();
+        if (type_ == kSortedList) place = std::lower_bound(entries_.begin(), entries_.end(), data, below);
+        if (IsTree()) place = std::upper_bound(entries_.begin(), entries_.end(), data, below);
+        entries_.insert(place, data);
+        return 1;
+    }
+    status_t RetrieveFromIndex(void** data, int32_t index) const {
+        if (entries_.empty()) return type_ == kRedBlackTree ? 2 : 4;
+        if (index < 0) return 2;
+        if (index >= Size()) return IsTree() ? 2 : 5;
+        *data = entries_[static_cast<size_t>(index)];
+        return 1;
+    }
+    status_t RetrieveFromEnd(void** data) const {
+        if (entries_.empty() && type_ != kRedBlackTree) return 5;
+        *data = entries_.empty() ? nullptr : entries_.back();
+        return 1;
+    }
+    status_t DeleteAtIndex(int32_t index) {
+        if (IsTree()) return 5;
+        if (entries_.empty()) return 4;
+        if (index < 0 || index >= Size()) return 2;
+        entries_.erase(entries_.begin() + index);
+        return 1;
+    }
+    // To be asked before the container is.
+    status_t DeleteByData(const void* data) {
+        if (data == nullptr) return 4;
+        if (entries_.empty()) return type_ == kRedBlackTree ? 5 : 4;
+        const void* leaving = ToDelete(KeyOf(data));
+        if (leaving == nullptr) return type_ == kRedBlackTree ? 5 : 2;
+        entries_.erase(std::find(entries_.begin(), entries_.end(), leaving));
+        return 1;
+    }
+    status_t Push(void* data) {
+        if (IsTree()) return 5;
+        if (data == nullptr) return 4;
+        if (type_ == kSortedList && !entries_.empty() && KeyOf(data) < KeyOf(entries_.back())) return 2;
+        entries_.push_back(data);
+        return 1;
+    }
+    status_t Pop(void** data) {
+        if (IsTree() || entries_.empty()) return 5;
+        *data = entries_.back();
+        entries_.pop_back();
+        return 1;
+    }
+    status_t UpdateNode(void* oldData, void* newData) {
+        if (oldData == nullptr || newData == nullptr) return 4;
+        if (type_ != kPlainList) {
+            const status_t deleted = DeleteByData(oldData);
+            return deleted == 1 ? Insert(newData) : deleted;
+        }
+        const auto place =
+            std::find_if(entries_.begin(), entries_.end(), [&](void* entry) { return KeyOf(entry) == KeyOf(oldData); });
+        if (place == entries_.end()) return 2;
+        *place = newData;
+        return 1;
+    }
+
+  private:
+    bool IsTree() const { return type_ >= kRedBlackTree; }
+    const void* ToDelete(int32_t key) const {
+        const ContainerRecord_t& record = *container_.handle;
+        if (type_ == kRedBlackTree) return FirstOnTheWay<RBNode_t>(record.RBRoot, &record.Sentinel, key);
+        if (type_ == kAVLTree) return FirstOnTheWay<AVLNode_t>(record.AVLRoot, nullptr, key);
+        const auto place =
+            std::find_if(entries_.begin(), entries_.end(), [&](void* entry) { return KeyOf(entry) == key; });
+        return place == entries_.end() ? nullptr : *place;
+    }
+
+    const ClContainer& container_;
+    const uint32_t type_;
+    std::vector<void*> entries_;
+};
+
+struct Run_t {
+    const char* what;
+    uint32_t type;
+    int32_t keys;  // 0 up to this one
+    bool distinct;
+};
+
+class Model : public testing::TestWithParam<Run_t> {};
+
+TEST_P(Model, RandomOperationsDoAsTheModelSays) {
+    const Run_t run = GetParam();
+    std::vector<std::unique_ptr<Entry_t>> made;
+    ClContainer container(run.type);
+    ClModel model(container);
+    ContainerHandle_t handle = container.handle;
+    std::mt19937 random(20240611);
+    const auto upTo = [&](int32_t last) { return std::uniform_int_distribution<int32_t>(0, last)(random); };
+    const auto newEntry = [&]() -> void* {
+        if (upTo(99) == 0) return nullptr;
+        int32_t key = upTo(run.keys);
+        const auto taken = [&] {
+            return std::any_of(model.Entries().begin(), model.Entries().end(),
+                               [&](void* e) { return KeyOf(e) == key; });
+        };
+        while (run.distinct && taken()) key = upTo(run.keys);
+        return made.emplace_back(new Entry_t{key, static_cast<int>(made.size())}).get();
+    };
+    int32_t nextRead = 0, target = 0;
+    size_t largest = 0;
+    for (int step = 0; step < 100'000; ++step) {
+        // Towards another size every now and then, empty among them.
+        if (step % 500 == 0) target = upTo(3) == 0 ? 0 : upTo(200);
+        const bool growing = model.Size() < target;
+        Entry_t wanted{upTo(run.keys)};
+        if (model.Size() > 0 && upTo(1) == 0)
+            wanted.Key = KeyOf(model.Entries()[static_cast<size_t>(upTo(model.Size() - 1))]);
+        void* sought = upTo(99) == 0 ? nullptr : &wanted;
+        const int32_t index = upTo(model.Size() + 2) - 1;
+        void *got = &wanted, *expected = &wanted;
+        status_t status = 0, right = 0;
+        const int operation = upTo(9);
+        if (operation <= 1) {
+            void* data = growing ? newEntry() : nullptr;
+            right = model.Insert(data);
+            status = Insert(handle, data);
+        } else if (operation == 2) {
+            void* data = growing ? newEntry() : nullptr;
+            right = model.InsertAtIndex(data, index);
+            status = InsertAtIndex(handle, data, index);
+        } else if (operation == 3) {
+            void* data = growing ? newEntry() : nullptr;
+            right = model.Push(data);
+            status = Push(handle, data);
+        } else if (operation == 4) {
+            right = model.DeleteByData(sought);
+            status = DeleteByData(handle, sought);
+        } else if (operation == 5 && !growing) {
+            right = model.DeleteAtIndex(index);
+            status = DeleteAtIndex(handle, index);
+        } else if (operation == 5) {
+            right = model.RetrieveFromEnd(&expected);
+            status = RetrieveFromEnd(handle, &got);
+        } else if (operation == 6 && !growing) {
+            right = model.Pop(&expected);
+            status = Pop(handle, &got);
+        } else if (operation == 7) {
+            void* data = newEntry();
+            right = model.UpdateNode(sought, data);
+            status = UpdateNode(handle, sought, data);
+        } else {  // mostly rising, as the remembered place has it, with jumps between
+            const int32_t place = upTo(3) == 0 ? index : nextRead;
+            right = model.RetrieveFromIndex(&expected, place);
+            status = RetrieveFromIndex(handle, &got, place);
+            nextRead = status == 1 ? place + 1 : 0;
+        }
+        ASSERT_EQ(status, right) << "operation " << operation << " at step " << step;
+        ASSERT_EQ(got, expected) << "operation " << operation << " at step " << step;
+        ASSERT_EQ(container.Entries(), model.Entries()) << "operation " << operation << " at step " << step;
+        container.Check();
+        largest = std::max(largest, model.Entries().size());
+        const bool bound = run.type == kAVLTree && run.distinct;
+        ASSERT_TRUE(!bound || IsBalanced(handle->AVLRoot)) << step;
+        if (HasFailure()) FAIL() << "operation " << operation << " at step " << step;
+    }
+    EXPECT_GT(largest, 100u);
+}
+
+constexpr Run_t kRuns[] = {
+    {"PlainList",             kPlainList,    40,   false},
+    {"SortedList",            kSortedList,   40,   false},
+    {"RedBlackTreeEqualKeys", kRedBlackTree, 40,   false},
+    {"RedBlackTreeDistinct",  kRedBlackTree, 1000, true },
+    {"AVLTreeEqualKeys",      kAVLTree,      40,   false},
+    {"AVLTreeDistinct",       kAVLTree,      1000, true },
+};
+INSTANTIATE_TEST_SUITE_P(Kinds, Model, testing::ValuesIn(kRuns), [](const auto& run) { return run.param.what; });
+
+}  // namespace

@@ -1,0 +1,142 @@
+// Looks behind a container's handle: reads the nodes as they stand, and checks what each kind promises about them.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Packages/Container/Sources/ContainerRecord.h"
+
+struct Entry_t {
+    int32_t Key;  // first, so that an entry also reads as the integer of kInt32Data
+    int Serial = 0;
+};
+
+inline int32_t KeyOf(const void* data) { return static_cast<const Entry_t*>(data)->Key; }
+inline int32_t CompareKeys(const void* first, const void* second) { return KeyOf(first) - KeyOf(second); }
+
+// A container of the test's own, emptied and closed at the end: entries are to be declared before it.
+class ClContainer {
+  public:
+    explicit ClContainer(uint32_t type, ContainerCompare_t compare = CompareKeys, const char* name = "ContainerTest") {
+        ContainerParams_t params{};
+        os_snprintf(params.ListName, sizeof params.ListName, sizeof params.ListName - 1, "%s", name);
+        params.ContainerType = type;
+        params.DataType = kOwnData;
+        params.CompareFunction = compare;
+        EXPECT_EQ(InitContainer(&params, &handle, 0), kSuccess);
+    }
+    ClContainer(const ClContainer&) = delete;
+    ClContainer& operator=(const ClContainer&) = delete;
+    ~ClContainer() {
+        Clear();
+        EXPECT_EQ(UnInitContainer(handle), kSuccess);
+    }
+    bool IsTree() const { return handle->ContainerType >= kRedBlackTree; }
+    void Clear() {
+        for (void* data : Entries())
+            EXPECT_EQ(IsTree() ? DeleteByData(handle, data) : DeleteAtIndex(handle, 0), kSuccess);
+    }
+    std::vector<void*> Entries() const;  // in order
+    void Check() const;                  // the kind's promises
+    std::string Shape() const;           // of a tree: 2(1,3), for a red-black tree 2B(1R,3R)
+
+    ContainerHandle_t handle = nullptr;
+};
+
+template <class Node_t, class Visit_t>
+void InOrder(const Node_t* node, const Node_t* absent, const Visit_t& visit) {
+    if (node == absent) return;
+    InOrder(node->Left, absent, visit);
+    visit(node);
+    InOrder(node->Right, absent, visit);
+}
+
+inline std::vector<void*> ClContainer::Entries() const {
+    std::vector<void*> entries;
+    const auto keep = [&](const auto* node) { entries.push_back(node->Data); };
+    if (handle->ContainerType == kRedBlackTree)
+        InOrder<RBNode_t>(handle->RBRoot, &handle->Sentinel, keep);
+    else if (handle->ContainerType == kAVLTree)
+        InOrder<AVLNode_t>(handle->AVLRoot, nullptr, keep);
+    else
+        for (const ListNode_t* node = handle->Head; node != nullptr; node = node->Next) keep(node);
+    return entries;
+}
+
+inline void CheckList(const ContainerRecord_t& list) {
+    const ListNode_t* previous = nullptr;
+    size_t count = 0;
+    for (const ListNode_t* node = list.Head; node != nullptr; node = node->Next, ++count) {
+        ASSERT_EQ(node->Prev, previous);
+        previous = node;
+    }
+    ASSERT_EQ(list.Tail, previous);
+    ASSERT_EQ(list.ListCount, count);
+}
+
+// Gives the number of black nodes on each path down from `node`.
+inline int CheckRB(const RBNode_t* node, const RBNode_t* absent) {
+    if (node == absent) return 0;
+    for (const RBNode_t* child : {node->Left, node->Right}) {
+        if (child == absent) continue;
+        EXPECT_EQ(child->Parent, node);
+        EXPECT_FALSE(node->Color == kRed && child->Color == kRed);
+    }
+    const int left = CheckRB(node->Left, absent), right = CheckRB(node->Right, absent);
+    EXPECT_EQ(left, right);
+    return left + (node->Color == kBlack);
+}
+
+inline int32_t CheckAVL(const AVLNode_t* node) {
+    if (node == nullptr) return 0;
+    const int32_t left = CheckAVL(node->Left), right = CheckAVL(node->Right);
+    EXPECT_EQ(node->Height, std::max(left, right) + 1);
+    EXPECT_EQ(node->Balance, left - right);
+    return node->Height;
+}
+
+inline bool IsBalanced(const AVLNode_t* node) {
+    return node == nullptr || (std::abs(node->Balance) <= 1 && IsBalanced(node->Left) && IsBalanced(node->Right));
+}
+
+inline void ClContainer::Check() const {
+    if (handle->ContainerType == kRedBlackTree) {
+        const RBNode_t& sentinel = handle->Sentinel;
+        EXPECT_EQ(handle->RBRoot->Color, kBlack);
+        EXPECT_TRUE(handle->RBRoot == &sentinel || handle->RBRoot->Parent == &sentinel);
+        EXPECT_TRUE(sentinel.Color == kBlack && sentinel.Data == nullptr && sentinel.Left == nullptr &&
+                    sentinel.Right == nullptr && sentinel.Parent == nullptr);
+        CheckRB(handle->RBRoot, &sentinel);
+    } else if (handle->ContainerType == kAVLTree) {
+        CheckAVL(handle->AVLRoot);
+    } else {
+        CheckList(*handle);
+    }
+}
+
+template <class Node_t>
+void WriteShape(std::ostream& shape, const Node_t* node, const Node_t* absent, const char* (*mark)(const Node_t*)) {
+    if (node == absent) return;
+    shape << KeyOf(node->Data) << mark(node);
+    if (node->Left == absent && node->Right == absent) return;
+    shape << '(';
+    WriteShape<Node_t>(shape, node->Left, absent, mark);
+    shape << ',';
+    WriteShape<Node_t>(shape, node->Right, absent, mark);
+    shape << ')';
+}
+
+inline std::string ClContainer::Shape() const {
+    std::ostringstream shape;
+    if (handle->ContainerType == kAVLTree) {
+        WriteShape<AVLNode_t>(shape, handle->AVLRoot, nullptr, [](const AVLNode_t*) { return ""; });
+    } else {
+        WriteShape<RBNode_t>(shape, handle->RBRoot, &handle->Sentinel,
+                             [](const RBNode_t* node) { return node->Color == kRed ? "R" : "B"; });
+    }
+    return shape.str();
+}

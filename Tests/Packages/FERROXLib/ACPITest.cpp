@@ -1,0 +1,213 @@
+// ACPI tables, PCI segments, and extended configuration space behind them.
+#include "Packages/OS/OS.h"
+#include "Tests/Packages/FERROXLib/Library.h"
+
+namespace {
+
+using ACPI = ClLibraryTest;
+
+struct Entry_t {
+    uint64_t base;
+    uint16_t segment;
+    uint8_t startBus, endBus;
+};
+
+// An MCFG table with these entries; `length` is what it says of itself, 0 for the truth.
+std::vector<uint8_t> MCFG(const std::vector<Entry_t>& entries, uint32_t length = 0) {
+    std::vector<uint8_t> table(44);
+    table[0] = 'M';
+    for (const auto& entry : entries) {
+        for (int byte = 0; byte < 8; ++byte) table.push_back(static_cast<uint8_t>(entry.base >> 8 * byte));
+        table.push_back(static_cast<uint8_t>(entry.segment));
+        table.push_back(static_cast<uint8_t>(entry.segment >> 8));
+        table.push_back(entry.startBus);
+        table.push_back(entry.endBus);
+        table.insert(table.end(), 4, 0xAA);
+    }
+    if (length == 0) length = static_cast<uint32_t>(table.size());
+    for (int byte = 0; byte < 4; ++byte)
+        table[4 + static_cast<size_t>(byte)] = static_cast<uint8_t>(length >> 8 * byte);
+    return table;
+}
+
+}  // namespace
+
+TEST_F(ACPI, TableIntoANewBlock) {
+    Platform().tables["FACP"] = {1, 2, 3, 4, 5};
+    DataBuffer_t* table = nullptr;
+    ASSERT_EQ(GetACPITable("FACP", &table), kSuccess);
+    EXPECT_EQ(table->Size, 5u);
+    EXPECT_EQ(Hex(table->Data(), 5), "01 02 03 04 05");
+    os_free(table);
+
+    table = nullptr;
+    EXPECT_EQ(GetACPITable("FAC", &table), kBadValue);
+    EXPECT_EQ(GetACPITable("FACPX", &table), kBadValue);
+    EXPECT_TRUE(Platform().Traced(16, " OSGetACPITable  ACPI table Name not correct Status = 0x2"));
+    EXPECT_EQ(GetACPITable("SSDT", &table), kFailure);
+    EXPECT_TRUE(Platform().Traced(16, "Error in reading ACPI SSDT table"));
+    ClScriptedPlatform::failAllocationOf = 9;
+    EXPECT_EQ(GetACPITable("FACP", &table), kNoMemory);
+    EXPECT_TRUE(Platform().Traced(16, "Error in Memory allocation "));
+    ClScriptedPlatform::failAllocationOf = 0;
+    // A table that is another one at the second look.
+    Platform().tableAnswers = {5, 0};
+    EXPECT_EQ(GetACPITable("FACP", &table), kFailure);
+    Platform().tableAnswers = {4, 5};
+    EXPECT_EQ(GetACPITable("FACP", &table), kFailure);
+    EXPECT_EQ(table, nullptr);
+}
+
+TEST_F(ACPI, TableIntoTheCallersBuffer) {
+    Platform().tables["FACP"] = {1, 2, 3, 4, 5};
+    const struct {
+        const char* what;
+        const char* name;
+        uint32_t room;
+        status_t status;
+        uint32_t size;
+        const char* text;
+    } kCases[] = {
+        {"exact",         "FACP",  5, 1, 5,  "01 02 03 04 05"   },
+        {"room to spare", "FACP",  6, 1, 5,  "01 02 03 04 05 ee"},
+        {"one byte less", "FACP",  4, 2, 5,  "ee ee ee ee"      },
+        {"no table",      "SSDT",  2, 5, 0,  "ee ee"            },
+        {"three letters", "FAC",   2, 2, 99, "ee ee"            },
+        {"five letters",  "FACPX", 2, 2, 99, "ee ee"            },
+    };
+    for (const auto& c : kCases) {
+        ClBuffer buffer(c.room);
+        uint32_t size = 99;
+        EXPECT_EQ(GetACPITableEx(c.name, buffer.Get(), &size), c.status) << c.what;
+        EXPECT_EQ(size, c.size) << c.what;
+        EXPECT_EQ(buffer.Text(), c.text) << c.what;
+        EXPECT_EQ(buffer.Get()->Size, c.room) << c.what;
+    }
+    EXPECT_TRUE(Platform().Traced(16, " OSGetACPITable Status = 0x2"));
+    uint32_t size = 0;
+    EXPECT_EQ(GetACPITableEx("FACP", nullptr, &size), kSuccess);
+    EXPECT_EQ(size, 5u);
+}
+
+TEST_F(ACPI, SegmentsOfMCFG) {
+    const Entry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
+    const struct {
+        const char* what;
+        size_t entries;   // that the table has room for
+        uint32_t length;  // that it says it has; 0 for the truth
+        status_t status;
+        uint32_t count;
+    } kCases[] = {
+        {"two",                         2,   0,          1, 2  },
+        {"none",                        0,   0,          5, 0  },
+        {"a broken entry",              2,   75,         1, 1  },
+        {"a length below 44",           1,   43,         5, 0  },
+        {"a length beyond the table",   1,   0x10000,    1, 1  },
+        {"the largest length",          1,   0xFFFFFFFF, 1, 1  },
+        {"256",                         256, 0,          1, 256},
+        {"more than there are numbers", 300, 0,          1, 256},
+    };
+    for (const auto& c : kCases) {
+        Platform().tables["MCFG"] = MCFG(std::vector(c.entries, kSegment), c.length);
+        // As large as the table's count of entries, so that the sanitizers see one too many.
+        std::vector<SegBusInfo_t> segments(std::max(c.count, 1u));
+        uint32_t count = 99;
+        EXPECT_EQ(OSGetSegBusInfoWithCount(segments.data(), &count), c.status) << c.what;
+        EXPECT_EQ(count, c.count) << c.what;
+        if (c.count == 0) continue;
+        const SegBusInfo_t& last = segments[c.count - 1];
+        EXPECT_EQ(uint32_t{last.Segment}, 0x0102u) << c.what;
+        EXPECT_EQ(uint32_t{last.StartBus}, 3u) << c.what;
+        EXPECT_EQ(uint32_t{last.EndBus}, 0x7Fu) << c.what;
+        EXPECT_EQ(uint64_t{last.BaseAddress}, kSegment.base) << c.what;
+        EXPECT_EQ(uint32_t{last.SegmentCount}, c.count) << c.what;
+        EXPECT_EQ(GetSegBusInfo(segments.data()), kSuccess) << c.what;
+    }
+    SegBusInfo_t segment = {};
+    Platform().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // no whole header
+    EXPECT_EQ(GetSegBusInfo(&segment), kFailure);
+    EXPECT_TRUE(Platform().Traced(2, "Total Number of segments = 256"));
+    EXPECT_TRUE(
+        Platform().Traced(48, "OSGetSegBusInfo: No PCI segment found. This might not be a Selvane based system!!\n"));
+}
+
+TEST_F(ACPI, SegmentsThatCannotBeRead) {
+    SegBusInfo_t segment = {};
+    uint32_t count = 99;
+    EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, nullptr), kBadValue);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error getting ACPI table size\n");
+    Platform().tables["MCFG"] = MCFG({
+        {0xE0000000, 0, 0, 255}
+    });
+    Platform().tableAnswers = {60, 0};  // gone at the second look
+    EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
+    EXPECT_TRUE(Platform().Traced(16, "ERROR in OSGetSegBusInfo status =  5"));
+    ClScriptedPlatform::failAllocationOf = 64;
+    EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kNoMemory);
+    ClScriptedPlatform::failAllocationOf = 0;
+    EXPECT_EQ(count, 99u);
+}
+
+TEST_F(ACPI, BaseOfALocation) {
+    Platform().tables["MCFG"] = MCFG({
+        {0xE0000000,  1, 1, 0x3F},
+        {0xF0000000,  1, 0, 0xFF},
+        {0x2F0000000, 2, 0, 0xFF},
+    });
+    const struct {
+        const char* what;
+        uint32_t location;
+        status_t status;
+        uint64_t base;
+    } kCases[] = {
+        {"first bus",                         0x10001, 1, 0xE0000000 },
+        {"last bus",                          0x1FF3F, 1, 0xE0000000 },
+        {"below the first",                   0x10000, 2, 7          },
+        {"above the last, in a second entry", 0x10040, 2, 7          },
+        {"above 4 GiB",                       0x20000, 1, 0x2F0000000},
+        {"unknown segment",                   0x30000, 2, 7          },
+        {"segment 0, as unused places read",  0,       2, 7          },
+    };
+    for (const auto& c : kCases) {
+        uint64_t base = 7;
+        EXPECT_EQ(GetPCIExCfgBaseAddr(&base, c.location), c.status) << c.what;
+        EXPECT_EQ(base, c.base) << c.what;
+    }
+    EXPECT_TRUE(Platform().Traced(2, "Start Bus =  1"));
+    EXPECT_TRUE(Platform().Traced(2, "End Bus =  63"));
+}
+
+TEST_F(ACPI, ExtendedSpaceIsReadFromTheSegmentsBase) {
+    Platform().tables["MCFG"] = MCFG({
+        {0x00000002E0000005, 0, 0, 0x7F},
+        {0,                  1, 0, 0   }
+    });
+    const struct {
+        const char* what;
+        uint32_t location, offset, size;
+        status_t status;
+        uint64_t address;
+    } kCases[] = {
+        {"bus 0",                    0,       0,    4, 1, 0x2E0000000},
+        {"bus, device and function", 0xE345,  0x10, 4, 1, 0x2E451F010},
+        {"the last word",            0xE345,  4092, 4, 1, 0x2E451FFFC},
+        {"a bus outside",            0x80,    0,    4, 2, 0          },
+        {"a base of 0",              0x10000, 0,    4, 2, 0          },
+        {"size 0",                   0,       0,    0, 2, 0          },
+    };
+    for (const auto& c : kCases) {
+        ClBuffer buffer(c.size);
+        Platform().requests.clear();
+        EXPECT_EQ(PCIExRead(c.location, c.offset, buffer.Get()), c.status) << c.what;
+        if (c.status != kSuccess) {
+            EXPECT_EQ(Platform().requests.size(), 0u) << c.what;
+            continue;
+        }
+        ASSERT_EQ(Platform().requests.size(), 1u) << c.what;
+        EXPECT_EQ(Platform().requests[0].code, 0x80240114u) << c.what;
+        EXPECT_EQ(Platform().requests[0].Number(8, 8), c.address) << c.what;
+    }
+    EXPECT_TRUE(Platform().Traced(16, "OSPCIExRead: myPCIExBaseAddr read failed. status = 2"));
+}

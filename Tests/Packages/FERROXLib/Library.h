@@ -1,0 +1,66 @@
+// What the hardware library's tests share: a library on a scripted machine, and a caller's buffer.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Tests/Platform/ScriptedPlatform.h"
+
+// "0f a0": two digits a byte.
+inline std::string Hex(const uint8_t* bytes, size_t size) {
+    std::string text;
+    for (size_t index = 0; index < size; ++index) {
+        char digits[4];
+        std::snprintf(digits, sizeof(digits), "%02x ", bytes[index]);
+        text += digits;
+    }
+    if (!text.empty()) text.pop_back();
+    return text;
+}
+
+// A block of Size and `room` bytes EEh, in one allocation without spare bytes, so that the sanitizers see its end.
+class ClBuffer {
+  public:
+    explicit ClBuffer(uint32_t size) : ClBuffer(size, size) {}
+    ClBuffer(uint32_t size, uint32_t room) : block_(sizeof(DataBuffer_t) + room, 0xEE) { Get()->Size = size; }
+    ClBuffer(std::initializer_list<uint8_t> bytes) : ClBuffer(static_cast<uint32_t>(bytes.size())) {
+        std::copy(bytes.begin(), bytes.end(), Get()->Data());
+    }
+
+    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(block_.data()); }
+    std::string Text() { return Hex(Get()->Data(), block_.size() - sizeof(DataBuffer_t)); }
+
+  private:
+    std::vector<uint8_t> block_;
+};
+
+// A machine with its driver's file, and nothing open before and after.
+class ClMachineTest : public testing::Test {
+  protected:
+    void SetUp() override { NewPlatform(); }
+    void TearDown() override {
+        while (FERROXTerminate() != kFailure) continue;
+        EXPECT_EQ(Platform().Open(), "");
+        EXPECT_EQ(Platform().badCloses, 0);
+        EXPECT_EQ(Platform().traceHandles, 0);
+        EXPECT_FALSE(Platform().mutexHeld);
+    }
+};
+
+// The same with the library open, and its requests not yet noted.
+class ClLibraryTest : public ClMachineTest {
+  protected:
+    void SetUp() override {
+        ClMachineTest::SetUp();
+        Open();
+    }
+    void Open() {
+        ASSERT_EQ(FERROXInitialize(), kSuccess);
+        Platform().requests.clear();
+        Platform().lines.clear();
+    }
+};

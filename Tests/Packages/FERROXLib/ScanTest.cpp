@@ -1,0 +1,121 @@
+// The second table road: the scan of the BIOS area.
+#include <cstring>
+
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/OS/OS.h"
+#include "Tests/Packages/FERROXLib/Library.h"
+
+namespace {
+
+using Scan = ClLibraryTest;
+using ScanFailures = ClMachineTest;
+
+constexpr uint32_t kTable = 0x9F000;
+
+void Put(uint64_t address, std::initializer_list<int> bytes) {
+    for (const int byte : bytes) Platform().memory[address++] = static_cast<uint8_t>(byte);
+}
+
+void PutEntry(uint64_t address, int minor = 8) {
+    Put(address, {'_', 'S', 'M', '_', 0, 0x1F, 2, minor, 9, 10, 11, 12, 13, 14, 15, 16});
+}
+
+void PutDMI(uint64_t address, int length = 5, uint32_t table = kTable) {
+    Put(address, {'_', 'D', 'M', 'I', '_', 0, length & 0xFF, length >> 8, static_cast<int>(table & 0xFF),
+                  static_cast<int>(table >> 8 & 0xFF), static_cast<int>(table >> 16 & 0xFF),
+                  static_cast<int>(table >> 24), 1, 0, 0x28});
+}
+
+struct Found_t {
+    status_t status;
+    uint8_t entry[kEntryBufferSize] = {};
+    uint8_t dmiEntry[kDMIEntryBufferSize] = {};
+    SMBIOSTableImage_t* image = nullptr;
+
+    Found_t() { status = osGetStructuresDataNonEFI(entry, dmiEntry, &image); }
+    ~Found_t() { os_free(image); }
+    Found_t(const Found_t&) = delete;
+    Found_t& operator=(const Found_t&) = delete;
+};
+
+}  // namespace
+
+TEST_F(Scan, FindsBothAnchorsWhereverTheyStand) {
+    const struct {
+        const char* what;
+        std::vector<uint64_t> entries, dmis;
+        status_t status;
+        size_t reads;  // of the scan and of the table
+    } kCases[] = {
+        {"one block",               {0xF0000},          {0xF0010},          1, 2 },
+        {"first and last block",    {0xF0000},          {0xFF000},          1, 17},
+        {"last block before first", {0xFF000},          {0xF0000},          1, 17},
+        {"end of a block",          {0xF0FF0},          {0xF1000},          1, 3 },
+        {"last place of all",       {0xF5550},          {0xFFFF0},          1, 17},
+        {"not on a boundary",       {0xF0000},          {0xF0018},          5, 16},
+        {"_DMI_ alone",             {},                 {0xF0010},          5, 16},
+        {"_SM_ alone",              {0xF0010},          {},                 5, 16},
+        {"below the area",          {0xEFFF0},          {0xF0010},          5, 16},
+        {"stops at once",           {0xF0000, 0xF3000}, {0xF0010, 0xF4000}, 1, 2 },
+    };
+    for (const auto& c : kCases) {
+        Platform().memory.clear();
+        Platform().requests.clear();
+        for (const uint64_t place : c.entries) PutEntry(place);
+        for (const uint64_t place : c.dmis) PutDMI(place);
+        const Found_t found;
+        EXPECT_EQ(found.status, c.status) << c.what;
+        EXPECT_EQ(Platform().requests.size(), c.reads) << c.what;
+        EXPECT_EQ(found.image != nullptr, c.status == kSuccess) << c.what;
+        if (c.status != kSuccess) continue;
+        EXPECT_EQ(Hex(found.entry, kEntryBufferSize), "5f 53 4d 5f 00 1f 02 08 09 0a 0b 0c 0d 0e 0f 10") << c.what;
+        EXPECT_EQ(Hex(found.dmiEntry, kDMIEntryBufferSize), "5f 44 4d 49 5f 00 05 00 00 f0 09 00 01 00 28") << c.what;
+        EXPECT_EQ(found.image->Length, 5u) << c.what;
+        EXPECT_EQ(Hex(found.image->Data(), 5), "00 01 02 03 04") << c.what;  // memory reads as its address
+        EXPECT_EQ(Platform().requests.back().Number(8, 8), kTable) << c.what;
+    }
+}
+
+TEST_F(Scan, LaterFindOverwritesWhileTheOtherIsMissing) {
+    PutEntry(0xF0000, 4);
+    PutEntry(0xF2000, 6);
+    PutDMI(0xF3000);
+    PutEntry(0xF3010, 7);
+    const Found_t found;
+    EXPECT_EQ(found.status, kSuccess);
+    EXPECT_EQ(found.entry[7], 6);
+}
+
+TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
+    const struct {
+        const char* what;
+        int length;
+        uint32_t table;
+        int failingRead;  // counted with the hypervisor test
+        size_t failingAllocation;
+        status_t status;
+    } kCases[] = {
+        {"first block",    5, kTable, 2, 0,    5},
+        {"second block",   5, kTable, 3, 0,    5},
+        {"the table",      5, kTable, 4, 0,    5},
+        {"length 0",       0, kTable, 0, 0,    5},
+        {"address 0",      5, 0,      0, 0,    5},
+        {"no scan buffer", 5, kTable, 0, 4100, 3},
+        {"no request",     5, kTable, 0, 4120, 5},
+        {"no image",       5, kTable, 0, 9,    3},
+        {"nothing",        5, kTable, 0, 0,    1},
+    };
+    for (const auto& c : kCases) {
+        NewPlatform();
+        ASSERT_EQ(FERROXInitialize(), kSuccess);
+        PutEntry(0xF0000);
+        PutDMI(0xF1000, c.length, c.table);
+        if (c.failingRead != 0) Platform().failCalls = {"DeviceIoControl#" + std::to_string(c.failingRead)};
+        ClScriptedPlatform::failAllocationOf = c.failingAllocation;
+        const Found_t found;
+        EXPECT_EQ(found.status, c.status) << c.what;
+        EXPECT_EQ(found.image != nullptr, c.status == kSuccess) << c.what;
+        ClScriptedPlatform::failAllocationOf = 0;
+        ASSERT_EQ(FERROXTerminate(), kSuccess);
+    }
+}

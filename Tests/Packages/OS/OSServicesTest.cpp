@@ -1,0 +1,205 @@
+#include "Packages/OS/OSServices.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Packages/OS/OS.h"
+
+namespace fs = std::filesystem;
+
+// This program, told to run one test that is not for other runs.
+static status_t StartSelf(const char* test, const std::vector<const char*>& environment, ProcessRecord_t* process) {
+    static const std::string self = fs::absolute(testing::internal::GetArgvs()[0]).string();
+    const std::string filter = std::string("--gtest_filter=OSServicesChild.DISABLED_") + test;
+    const char* const arguments[] = {"skipped", filter.c_str(), "--gtest_also_run_disabled_tests", "--gtest_brief=1",
+                                     nullptr};
+    return os_StartProcess(self.c_str(), arguments, environment.empty() ? nullptr : environment.data(), process);
+}
+
+TEST(OSServicesChild, DISABLED_WritesItsEnvironment) {
+    std::ofstream(std::getenv("QUORLIN_FILE"))
+        << std::getenv("QUORLIN_TEXT") << "|" << (std::getenv("HOME") == nullptr);
+}
+TEST(OSServicesChild, DISABLED_Waits) { std::this_thread::sleep_for(std::chrono::seconds(60)); }
+
+class OSServices : public testing::Test {
+  protected:
+    void SetUp() override {
+        folder_ = fs::path(testing::TempDir()) / "quorlin-os-services";
+        fs::remove_all(folder_);
+        fs::create_directories(folder_);
+    }
+    void TearDown() override { fs::remove_all(folder_); }
+    fs::path folder_;
+};
+
+TEST_F(OSServices, AProcessGetsItsArgumentsAndItsEnvironmentAlone) {
+    const std::string file = "QUORLIN_FILE=" + (folder_ / "written").string();
+    ProcessRecord_t process = {};
+    ASSERT_EQ(StartSelf("WritesItsEnvironment", {file.c_str(), "QUORLIN_TEXT=a b=c", nullptr}, &process), kSuccess);
+    EXPECT_NE(process.ProcessNumber, 0u);
+    EXPECT_EQ(os_WaitProcess(&process), kSuccess);
+    EXPECT_EQ(process.Process, nullptr);
+    std::ifstream written(folder_ / "written");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), "a b=c|1");
+}
+
+TEST_F(OSServices, AProcessIsKilledWithoutWaitingForIt) {
+    const auto before = std::chrono::steady_clock::now();
+    ProcessRecord_t process = {};
+    ASSERT_EQ(StartSelf("Waits", {}, &process), kSuccess);
+    EXPECT_EQ(os_KillProcess(&process), kSuccess);
+    EXPECT_EQ(process.Process, nullptr);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
+    EXPECT_EQ(os_WaitProcess(&process), 6u) << "no such handle";
+}
+
+TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
+    constexpr status_t kFileNotFound = 2;
+    const std::string fits(1018, 'a'), tooLong(1019, 'a'), environmentFits(1022, 'a'), environmentTooLong(1023, 'a');
+    const struct {
+        const char *what, *argument, *environment;
+        status_t status;
+    } kCases[] = {
+        {"nothing",              nullptr,         nullptr,                    kFileNotFound},
+        {"the longest line",     fits.c_str(),    nullptr,                    kFileNotFound},
+        {"a longer line",        tooLong.c_str(), nullptr,                    kNoMemory    },
+        {"the longest block",    nullptr,         environmentFits.c_str(),    kFileNotFound},
+        {"a longer environment", nullptr,         environmentTooLong.c_str(), kNoMemory    },
+    };
+    for (const auto& c : kCases) {
+        const char* const arguments[] = {"", c.argument, nullptr};
+        const char* const environment[] = {c.environment, nullptr};
+        ProcessRecord_t process = {};
+        EXPECT_EQ(os_StartProcess("no-such-program.exe", arguments, c.environment == nullptr ? nullptr : environment,
+                                  &process),
+                  c.status)
+            << c.what;
+        EXPECT_EQ(process.Process, nullptr) << c.what;
+    }
+    EXPECT_EQ(os_StartProcess("no-such-program.exe", nullptr, nullptr, nullptr), kNullPointer);
+    EXPECT_EQ(os_StartProcessDetached("no-such-program.exe", nullptr), kFailure);
+    EXPECT_EQ(os_StartProcessDetached(nullptr, nullptr), kFailure);
+}
+
+TEST_F(OSServices, FindsFilesAndNoFolders) {
+    char** names = nullptr;
+    uint32_t count = 7;
+    ASSERT_EQ(os_FindFiles(folder_.string().c_str(), &names, &count), kSuccess);
+    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(names, nullptr);
+    std::vector<std::string> expected;
+    for (int i = 0; i < 20; ++i) {
+        expected.push_back("file " + std::to_string(10 + i) + ".bin");
+        std::ofstream(folder_ / expected.back()) << i;
+    }
+    fs::create_directory(folder_ / "folder");
+    ASSERT_EQ(os_FindFiles(folder_.string().c_str(), &names, &count), kSuccess);
+    std::vector<std::string> found(names, names + count);
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, expected);
+    EXPECT_EQ(os_FreeStringArray(&names, count), kSuccess);
+    EXPECT_EQ(names, nullptr);
+    EXPECT_EQ(os_FreeStringArray(&names, count), kFailure);
+
+    const struct {
+        const char* what;
+        std::string directory;
+    } kRefused[] = {
+        {"missing",                           (folder_ / "missing").string()},
+        { "258 characters", folder_.string() + std::string(258,                           '/')},
+    };
+    for (const auto& c : kRefused) {
+        count = 7;
+        EXPECT_EQ(os_FindFiles(c.directory.c_str(), &names, &count), kFailure) << c.what;
+        EXPECT_EQ(count, 7u) << c.what;
+    }
+    EXPECT_EQ(os_FindFiles(nullptr, &names, &count), kFailure);
+}
+
+TEST_F(OSServices, TellsTheMachinesNamesMemoryAndFolder) {
+    char* text = nullptr;
+    ASSERT_EQ(os_GetOSName(&text), kSuccess);
+    EXPECT_NE(text[0], '\0');
+    os_free(text);
+    ASSERT_EQ(os_GetMachineName(&text), kSuccess);
+    EXPECT_NE(text[0], '\0');
+    os_free(text);
+    EXPECT_EQ(os_GetOSName(nullptr), kBadValue);
+    EXPECT_EQ(os_GetMachineName(nullptr), kBadValue);
+    text = nullptr;
+    EXPECT_EQ(os_ReadRegistryString(kLocalMachine, "SOFTWARE\\NoSuchKey", "NoSuchValue", &text, nullptr), kFailure);
+    EXPECT_EQ(os_ReadRegistryString(kLocalMachine, "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", "NoSuchValue",
+                                    &text, nullptr),
+              kFailure);
+    EXPECT_EQ(text, nullptr);
+    uint64_t bytes = 0;
+    ASSERT_EQ(os_GetMemorySize(&bytes), kSuccess);
+    EXPECT_GE(bytes, uint64_t{64} << 20);  // bytes, not kilobytes: no machine that runs this has less
+    EXPECT_EQ(bytes % 1024, 0u);
+    const fs::path before = fs::current_path();
+    const fs::path deep = folder_ / std::string(90, 'a') / std::string(90, 'b');
+    fs::create_directories(deep);
+    for (const fs::path& folder : {folder_, deep}) {
+        fs::current_path(folder);
+        ASSERT_EQ(os_GetCurrentDirectory(&text), kSuccess);
+        EXPECT_TRUE(fs::equivalent(text, folder)) << text;
+        os_free(text);
+    }
+    fs::current_path(before);
+}
+
+TEST_F(OSServices, ThreadsMoveToEachProcessor) {
+    GroupAffinity_t affinity = {};
+    std::thread([&] {
+        const uint32_t count = std::min(64u, std::thread::hardware_concurrency());
+        for (uint32_t processor = 0; processor < count; ++processor) {
+            EXPECT_EQ(os_GetProcessorAffinity(processor, &affinity), kSuccess);
+            EXPECT_EQ(affinity.Mask, uint64_t{1} << processor);
+            EXPECT_EQ(affinity.Group, 0);
+            EXPECT_EQ(os_SetThreadAffinity(processor), kSuccess);
+        }
+    }).join();
+    EXPECT_EQ(os_SetThreadAffinity(100'000), kFailure);
+    EXPECT_EQ(os_GetProcessorAffinity(100'000, &affinity), kFailure);
+    EXPECT_EQ(os_GetProcessorAffinity(0, nullptr), kNullPointer);
+}
+
+TEST_F(OSServices, TimeIsLocalAndWrittenOut) {
+    char* text = nullptr;
+    LocalTime_t before = {}, after = {};
+    unsigned month, day, year, hour, minute, second;
+    ASSERT_EQ(os_GetLocalTime(&before), kSuccess);
+    ASSERT_EQ(os_GetDateTimeString(&text), kSuccess);
+    ASSERT_EQ(os_GetLocalTime(&after), kSuccess);
+    EXPECT_EQ(std::string(text).size(), 19u);
+    ASSERT_EQ(os_sscanf(text, "%02u/%02u/%04u %02u:%02u:%02u", &month, &day, &year, &hour, &minute, &second), 6);
+    os_free(text);
+    if (before.Hour == after.Hour && before.Minute == after.Minute) {
+        EXPECT_EQ(month, before.Month);
+        EXPECT_EQ(day, before.Day);
+        EXPECT_EQ(year, before.Year);
+        EXPECT_EQ(hour, before.Hour);
+        EXPECT_EQ(minute, before.Minute);
+    }
+    EXPECT_EQ(os_GetDateTimeString(nullptr), kNullPointer);
+    EXPECT_EQ(os_GetLocalTime(nullptr), kNullPointer);
+}
+
+TEST_F(OSServices, AppendedTextNeverLeavesItsBuffer) {
+    char buffer[8] = "abc";
+    EXPECT_EQ(os_strcat(buffer, 7, "defg"), nullptr);
+    EXPECT_STREQ(buffer, "abc");
+    EXPECT_EQ(os_strcat(buffer, 8, "defg"), buffer);
+    EXPECT_STREQ(buffer, "abcdefg");
+    EXPECT_EQ(os_strcat(buffer, 4, ""), nullptr) << "the text is longer than its buffer";
+}

@@ -1,0 +1,311 @@
+// Named mutexes between threads and processes. Names are fixed, as each stays in the user's table.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+#include <new>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Packages/Container/Container.h"
+#include "Packages/Platform/Linux/MutexTable.h"
+#include "Packages/Platform/Linux/RuntimeFolder.h"
+#include "Packages/Platform/Platform.h"
+
+// Allocations by new, which the provider makes: while `refuseNew` is set, all fail.
+static thread_local bool refuseNew = false;
+[[gnu::noinline]] void* operator new(size_t size) {
+    void* block = refuseNew ? nullptr : std::malloc(size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return refuseNew ? nullptr : std::malloc(size);
+}
+// Not inlined: the compiler would take malloc and free in these places for a mistake.
+[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block, size_t) noexcept { std::free(block); }
+
+namespace {
+
+constexpr char kName[] = "QuorlinMutexTest";
+
+// A child process that does `work` and then sleeps until it is killed. The constructor waits for the end of `work`.
+class ClChild {
+  public:
+    explicit ClChild(const std::function<void()>& work) {
+        int pipe[2];
+        EXPECT_EQ(::pipe(pipe), 0);
+        process_ = fork();
+        if (process_ == 0) {
+            work();
+            if (write(pipe[1], "", 1) == 1) sleep(60);
+            _exit(0);
+        }
+        close(pipe[1]);
+        char byte;
+        EXPECT_EQ(read(pipe[0], &byte, 1), 1);
+        close(pipe[0]);
+    }
+    ClChild(const ClChild&) = delete;
+    ClChild& operator=(const ClChild&) = delete;
+    ~ClChild() { Kill(); }
+    void Kill() {
+        if (process_ <= 0) return;
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+        process_ = 0;
+    }
+
+  private:
+    pid_t process_;
+};
+
+DWORD OnAnotherThread(const std::function<DWORD()>& call) {
+    DWORD answer = WAIT_FAILED;
+    std::thread([&] { answer = call(); }).join();
+    return answer;
+}
+
+TEST(Mutex, IsRecursiveAndOwnedByTheThread) {
+    for (const char* name : {kName, static_cast<const char*>(nullptr)}) {
+        HANDLE mutex = CreateMutexA(nullptr, FALSE, name);
+        ASSERT_NE(mutex, nullptr);
+        EXPECT_FALSE(ReleaseMutex(mutex));
+        EXPECT_EQ(GetLastError(), ERROR_NOT_OWNER);
+        EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        EXPECT_EQ(OnAnotherThread([&] { return WaitForSingleObject(mutex, 0); }), WAIT_TIMEOUT);
+        EXPECT_EQ(OnAnotherThread([&] { return WaitForSingleObject(mutex, 20); }), WAIT_TIMEOUT);
+        EXPECT_EQ(OnAnotherThread([&] { return ReleaseMutex(mutex) ? ERROR_SUCCESS : GetLastError(); }),
+                  ERROR_NOT_OWNER);
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        EXPECT_FALSE(ReleaseMutex(mutex));
+        EXPECT_EQ(OnAnotherThread([&] { return WaitForSingleObject(mutex, INFINITE); }), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_ABANDONED);  // that thread has ended
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        EXPECT_TRUE(CloseHandle(mutex));
+    }
+}
+
+// Memory checkers see here that the lock goes or stays as it has to.
+TEST(Mutex, AnUnnamedOneMayBeClosedWhileItIsHeld) {
+    HANDLE mutex = CreateMutexA(nullptr, TRUE, nullptr);
+    EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(mutex));
+    HANDLE abandoned = CreateMutexA(nullptr, FALSE, nullptr);
+    EXPECT_EQ(OnAnotherThread([&] { return WaitForSingleObject(abandoned, INFINITE); }), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(abandoned));
+    HANDLE next = CreateMutexA(nullptr, TRUE, nullptr);  // this thread's list of held mutexes is in order
+    EXPECT_TRUE(ReleaseMutex(next));
+    EXPECT_TRUE(CloseHandle(next));
+}
+
+TEST(Mutex, CreationTellsWhetherTheNameIsInUse) {
+    HANDLE first = CreateMutexA(nullptr, FALSE, kName);
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    HANDLE second = CreateMutexA(nullptr, TRUE, kName);  // in use: not owned
+    EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
+    EXPECT_FALSE(ReleaseMutex(second));
+    EXPECT_EQ(WaitForSingleObject(first, 0), WAIT_OBJECT_0);
+    EXPECT_TRUE(ReleaseMutex(second));
+    CloseHandle(first);
+    CloseHandle(second);
+    HANDLE owned = CreateMutexA(nullptr, TRUE, kName);
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    EXPECT_TRUE(ReleaseMutex(owned));
+    CloseHandle(owned);
+    EXPECT_EQ(CreateMutexA(nullptr, FALSE, std::string(kLongestMutexName + 1, 'n').c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_FILENAME_EXCED_RANGE);
+    EXPECT_FALSE(ReleaseMutex(nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+}
+
+TEST(Mutex, AKilledHolderLeavesItToTheNext) {
+    HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
+    for (int round = 0; round < 3; ++round) {
+        ClChild holder([] {  // its own handle: only the name is shared
+            HANDLE own = CreateMutexA(nullptr, FALSE, kName);
+            WaitForSingleObject(own, INFINITE);
+            WaitForSingleObject(own, INFINITE);
+        });
+        EXPECT_EQ(WaitForSingleObject(mutex, 20), WAIT_TIMEOUT);
+        holder.Kill();
+        EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_ABANDONED);
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        EXPECT_FALSE(ReleaseMutex(mutex));
+    }
+    CloseHandle(mutex);
+}
+
+TEST(Mutex, AChildMayUseAnInheritedHandle) {
+    HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
+    EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
+    {
+        ClChild child([&] {
+            if (WaitForSingleObject(mutex, 20) != WAIT_TIMEOUT) _exit(1);
+            if (ReleaseMutex(mutex)) _exit(2);
+        });
+    }
+    EXPECT_TRUE(ReleaseMutex(mutex));
+    ClChild child([&] { WaitForSingleObject(mutex, INFINITE); });
+    EXPECT_EQ(WaitForSingleObject(mutex, 20), WAIT_TIMEOUT);
+    child.Kill();
+    EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_ABANDONED);
+    EXPECT_TRUE(ReleaseMutex(mutex));
+    CloseHandle(mutex);
+}
+
+ContainerHandle_t NewList(const char* name, ContainerCompare_t compare) {
+    ContainerParams_t params{};
+    std::snprintf(params.ListName, sizeof params.ListName, "%s", name);
+    params.DataType = kOwnData;
+    params.CompareFunction = compare;
+    ContainerHandle_t handle = nullptr;
+    EXPECT_EQ(InitContainer(&params, &handle, 0), kSuccess);
+    return handle;
+}
+
+int tellEntered = -1;
+int32_t StayInside(const void*, const void*) {
+    EXPECT_EQ(write(tellEntered, "", 1), 1);
+    sleep(60);
+    return 0;
+}
+
+// A process stays inside an operation of a container; another one's container of that name waits, until it is killed.
+TEST(Mutex, ContainersOfOneNameExcludeEachOtherBetweenProcesses) {
+    int entered[2];
+    ASSERT_EQ(pipe(entered), 0);
+    const pid_t process = fork();
+    if (process == 0) {
+        tellEntered = entered[1];
+        ContainerHandle_t list = NewList(kName, StayInside);
+        Insert(list, &entered);
+        DeleteByData(list, &entered);
+        _exit(0);
+    }
+    close(entered[1]);
+    char byte;
+    ASSERT_EQ(read(entered[0], &byte, 1), 1);
+    ContainerHandle_t list = NewList(kName, StayInside);
+    std::atomic<status_t> status = 0;
+    std::thread waiting([&] { status = Insert(list, &byte); });
+    usleep(50'000);
+    EXPECT_EQ(status, 0u);
+    kill(process, SIGKILL);
+    waiting.join();
+    EXPECT_EQ(status, kSuccess);
+    waitpid(process, nullptr, 0);
+    void* data = nullptr;
+    EXPECT_EQ(Pop(list, &data), kSuccess);
+    EXPECT_EQ(UnInitContainer(list), kSuccess);
+    close(entered[0]);
+}
+
+TEST(Mutex, NoMemoryForALockMeansNoContainer) {
+    ContainerParams_t params{};
+    ContainerHandle_t handle = nullptr;
+    refuseNew = true;
+    const status_t status = InitContainer(&params, &handle, 0);
+    HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
+    refuseNew = false;
+    EXPECT_EQ(status, kFailure);
+    EXPECT_EQ(handle, nullptr);
+    EXPECT_EQ(mutex, nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+}
+
+class MutexTable : public testing::Test {
+  protected:
+    MutexTable() : path_(testing::TempDir() + "QuorlinMutexTable" + std::to_string(getpid())) {
+        folder_ = OpenPrivateFolder(path_.c_str());
+        EXPECT_GE(folder_, 0);
+    }
+    ~MutexTable() override {
+        close(folder_);
+        std::filesystem::remove_all(path_);
+    }
+    std::string File() const {
+        for (const auto& file : std::filesystem::directory_iterator(path_)) return file.path();
+        return "";
+    }
+    const std::string path_;
+    int folder_;
+};
+
+TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
+    std::vector<pid_t> processes;
+    for (int i = 0; i < 8; ++i) {
+        const pid_t process = fork();
+        if (process != 0) {
+            processes.push_back(process);
+            continue;
+        }
+        ClMutexTable* table = ClMutexTable::Map(folder_);
+        for (int n = 0; table != nullptr && n < 20; ++n) {
+            if (table->Find(std::to_string(n).c_str()) == nullptr) table = nullptr;
+        }
+        _exit(table == nullptr);
+    }
+    for (const pid_t process : processes) {
+        int status;
+        waitpid(process, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    // 20 names took 20 slots: all others are still to be had, and one more is not.
+    ClMutexTable* table = ClMutexTable::Map(folder_);
+    ASSERT_NE(table, nullptr);
+    for (uint32_t n = 0; n < ClMutexTable::kSlots; ++n) EXPECT_NE(table->Find(std::to_string(n).c_str()), nullptr) << n;
+    EXPECT_EQ(table->Find("one more"), nullptr);
+    EXPECT_NE(table->Find("7"), nullptr);
+    EXPECT_NE(table->Find("7"), table->Find("77"));
+}
+
+TEST_F(MutexTable, RefusesAFileThatIsNotItsOwn) {
+    ASSERT_NE(ClMutexTable::Map(folder_), nullptr);
+    const std::string file = File();
+    chmod(file.c_str(), 0666);
+    EXPECT_EQ(ClMutexTable::Map(folder_), nullptr) << "anyone may write it";
+    std::filesystem::rename(file, path_ + "/elsewhere");
+    std::filesystem::create_symlink("elsewhere", file);
+    EXPECT_EQ(ClMutexTable::Map(folder_), nullptr) << "a link";
+    std::filesystem::remove(file);
+    const int other = OpenPrivateFile(folder_, std::filesystem::path(file).filename().c_str());
+    EXPECT_EQ(write(other, "other", 5), 5);
+    close(other);
+    EXPECT_EQ(ClMutexTable::Map(folder_), nullptr) << "another layout";
+}
+
+TEST(RuntimeFolder, IsTheUsersAlone) {
+    const std::string path = testing::TempDir() + "QuorlinRuntimeFolder" + std::to_string(getpid());
+    const auto opens = [&](const std::string& folder) {
+        const int descriptor = OpenPrivateFolder(folder.c_str());
+        if (descriptor >= 0) close(descriptor);
+        return descriptor >= 0;
+    };
+    EXPECT_TRUE(opens(path));
+    EXPECT_TRUE(opens(path));
+    std::filesystem::create_symlink(path, path + "Link");
+    EXPECT_FALSE(opens(path + "Link"));
+    for (const mode_t mode : {0755u, 0770u, 0701u}) {
+        chmod(path.c_str(), mode);
+        EXPECT_FALSE(opens(path)) << mode;
+    }
+    EXPECT_FALSE(opens(path + "/none/below"));
+    if (geteuid() == 0) {  // another user's
+        chmod(path.c_str(), 0700);
+        ASSERT_EQ(chown(path.c_str(), 1, 1), 0);
+        EXPECT_FALSE(opens(path));
+    }
+    std::filesystem::remove(path + "Link");
+    std::filesystem::remove(path);
+}
+
+}  // namespace

@@ -1,0 +1,102 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "Tests/Support/Linux/Processes.h"
+#include "Packages/Platform/Linux/RuntimeFolder.h"
+#include "Packages/Platform/Platform.h"
+
+static const char kName[] = "Global\\QuorlinTestSection";
+
+static HANDLE Create() { return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4, kName); }
+
+static uint32_t* Map(HANDLE section) {
+    return static_cast<uint32_t*>(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 4));
+}
+
+static bool IsLeft() {
+    const int folder = OpenRuntimeFolder();
+    const bool isLeft = faccessat(folder, "section.QuorlinTestSection", F_OK, 0) == 0;
+    close(folder);
+    return isLeft;
+}
+
+TEST(Section, IsOneForAllProcessesAndGoesWithTheLast) {
+    HANDLE section = Create();
+    ASSERT_NE(section, nullptr) << GetLastError();
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    uint32_t* view = Map(section);
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(*view, 0u);
+    *view = 41;
+    EXPECT_EQ(InChild([] {
+                  HANDLE same = Create();
+                  if (GetLastError() != ERROR_ALREADY_EXISTS) return 1;
+                  uint32_t* count = Map(same);
+                  if (*count != 41) return 2;
+                  *count = 42;
+                  return UnmapViewOfFile(count) && CloseHandle(same) ? 0 : 3;
+              }),
+              0);
+    EXPECT_EQ(*view, 42u);
+    EXPECT_TRUE(CloseHandle(section));
+    EXPECT_TRUE(IsLeft()) << "a view holds it";
+    EXPECT_TRUE(UnmapViewOfFile(view));
+    EXPECT_FALSE(IsLeft());
+    EXPECT_FALSE(UnmapViewOfFile(view));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_ADDRESS);
+}
+
+TEST(Section, AKilledHolderLeavesTheValueOnlyWhileAnotherHolds) {
+    const auto addOne = [] { *Map(Create()) += 1; };
+    ClHolder first(addOne), second(addOne);
+    first.Kill();
+    HANDLE section = Create();
+    uint32_t* view = Map(section);
+    EXPECT_EQ(*view, 2u);
+    second.Kill();
+    EXPECT_EQ(*view, 2u);
+    UnmapViewOfFile(view);
+    CloseHandle(section);
+    EXPECT_FALSE(IsLeft());
+
+    ClHolder third(addOne);
+    third.Kill();  // nobody is left: what it has written doesn't count
+    section = Create();
+    EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+    view = Map(section);
+    EXPECT_EQ(*view, 0u);
+    UnmapViewOfFile(view);
+    CloseHandle(section);
+}
+
+TEST(Section, WhatCannotBeIsRefused) {
+    const struct {
+        const char* what;
+        HANDLE file;
+        DWORD protection, size;
+        const char* name;
+        DWORD error;
+    } kCases[] = {
+        {"size 0",         INVALID_HANDLE_VALUE, PAGE_READWRITE, 0, kName,         ERROR_INVALID_PARAMETER},
+        {"another place",  INVALID_HANDLE_VALUE, PAGE_READWRITE, 4, "Else\\Name",  ERROR_INVALID_NAME     },
+        {"a path",         INVALID_HANDLE_VALUE, PAGE_READWRITE, 4, "Global\\a/b", ERROR_INVALID_NAME     },
+        {"no name at all", INVALID_HANDLE_VALUE, PAGE_READWRITE, 4, "Global\\",    ERROR_INVALID_NAME     },
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(CreateFileMappingA(c.file, nullptr, c.protection, 0, c.size, c.name), nullptr) << c.what;
+        EXPECT_EQ(GetLastError(), c.error) << c.what;
+    }
+    HANDLE section = Create();
+    EXPECT_EQ(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 5), nullptr) << "beyond the end";
+    CloseHandle(section);
+}
+
+TEST(Section, ALinkInTheFolderIsNotFollowed) {
+    const int folder = OpenRuntimeFolder();
+    ASSERT_EQ(symlinkat("/etc/hostname", folder, "section.QuorlinTestSection"), 0);
+    EXPECT_EQ(Create(), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    unlinkat(folder, "section.QuorlinTestSection", 0);
+    close(folder);
+}

@@ -1,0 +1,131 @@
+// Stand-ins: files, the device, processors and firmware tables. The device is a driver that answers from a pattern:
+// configuration space reads as register offset, memory as address, a port as 90h and up.
+#include <algorithm>
+#include <cstring>
+
+#include "Tests/Platform/ScriptedPlatform.h"
+#include "Tests/Platform/StandIn.h"
+
+namespace {
+
+// The shapes of the requests, as the driver's own description has them: typed here once more, on purpose.
+constexpr size_t kMemoryHead = 24;
+constexpr size_t kFixedData = 16;
+
+void Put32(uint8_t* bytes, uint32_t number) {
+    for (int index = 0; index < 4; ++index) bytes[index] = static_cast<uint8_t>(number >> 8 * index);
+}
+
+void AnswerMemory(const DeviceRequest_t& request, bool addOffset, uint8_t* out) {
+    const uint64_t address = request.Number(8, 8) + (addOffset ? request.Number(16, 4) : 0);
+    const size_t size = request.Number(20, 4);
+    for (size_t index = 0; index < size && kMemoryHead + index < request.outSize; ++index) {
+        const auto byte = Platform().memory.find(address + index);
+        out[kMemoryHead + index] =
+            byte == Platform().memory.end() ? static_cast<uint8_t>(address + index) : byte->second;
+    }
+}
+
+void Answer(const DeviceRequest_t& request, uint8_t* out) {
+    switch (request.code) {
+        case 0x80240000:  // CPUID: the leaf comes back in EBX and the sub-leaf in EDX
+            Put32(out + 24, static_cast<uint32_t>(request.Number(20, 4)));
+            Put32(out + 32, static_cast<uint32_t>(request.Number(28, 4)));
+            Put32(out + 20, 0x000306A9);
+            Put32(out + 28, Platform().hypervisorECX);
+            break;
+        case 0x80240004:
+        case 0x80240090:
+        case 0x80240094:
+        case 0x80240098:  // versions
+            Put32(out, 0x01000000 | (request.code & 0xFF));
+            break;
+        case 0x80240034:  // port
+            for (uint8_t index = 0; index < 4; ++index) {
+                out[kFixedData + index] = static_cast<uint8_t>(0x90 + index);
+            }
+            break;
+        case 0x80240040:  // MSR
+            Put32(out + 12, 0x11223344);
+            Put32(out + 16, 0x55667788);
+            break;
+        case 0x80240048:
+        case 0x802400F4:  // configuration space
+            for (uint8_t index = 0; index < 4; ++index) {
+                out[kFixedData + index] = static_cast<uint8_t>(request.Number(8, 4) + index);
+            }
+            break;
+        case 0x8024009C:  // non-turbo frequency
+            Put32(out + 12, 2400);
+            break;
+        case 0x80240114:
+        case 0x80240118: AnswerMemory(request, false, out); break;
+        case 0x802400FC:
+        case 0x80240104: AnswerMemory(request, true, out); break;
+        default:  // writes
+            break;
+    }
+}
+
+BOOL Fail(DWORD error) {
+    SetLastError(error);
+    return FALSE;
+}
+
+}  // namespace
+
+STAND_IN(HANDLE, CreateFileA,
+         (LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
+          HANDLE templateFile)) {
+    if (auto* system = SystemFunction<decltype(CreateFileA)>("CreateFileA");
+        system != nullptr && path[0] != '\\' && path != std::string(kDriverFile)) {
+        return system(path, access, share, security, disposition, flags, templateFile);
+    }
+    if (!Platform().Call("CreateFileA")) return INVALID_HANDLE_VALUE;
+    if (path == std::string("\\\\.\\Ravelink")) {
+        if (access == (GENERIC_READ | GENERIC_WRITE) && share == 0 && disposition == OPEN_EXISTING &&
+            Platform().service.state == SERVICE_RUNNING) {
+            return Platform().Add("device");
+        }
+    } else if (access == GENERIC_READ && share == FILE_SHARE_READ && disposition == OPEN_EXISTING &&
+               Platform().files.contains(path)) {
+        return Platform().Add("file");
+    }
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return INVALID_HANDLE_VALUE;
+}
+
+STAND_IN(BOOL, DeviceIoControl,
+         (HANDLE device, DWORD code, LPVOID in, DWORD inSize, LPVOID out, DWORD outSize, LPDWORD returned,
+          LPOVERLAPPED)) {
+    if (!Platform().Call("DeviceIoControl")) return FALSE;
+    if (!Platform().IsOpen(device, "device")) return Fail(ERROR_INVALID_HANDLE);
+    const auto* bytes = static_cast<const uint8_t*>(in);
+    DeviceRequest_t request = {code, {}, outSize};
+    if (inSize != 0) request.in.assign(bytes, bytes + inSize);
+    Platform().requests.push_back(request);
+    Answer(request, static_cast<uint8_t*>(out));
+    *returned = outSize;
+    return TRUE;
+}
+
+STAND_IN(DWORD, GetActiveProcessorCount, (WORD group)) {
+    return Platform().Call("GetActiveProcessorCount") && group == 65535 ? Platform().processors : 0;
+}
+
+STAND_IN(UINT, GetSystemFirmwareTable, (DWORD provider, DWORD table, PVOID buffer, DWORD size)) {
+    if (!Platform().Call("GetSystemFirmwareTable", ERROR_FILE_NOT_FOUND) || provider != 0x41435049) return 0;
+    uint8_t number[4];
+    Put32(number, table);
+    const auto found = Platform().tables.find(std::string(number, number + 4));
+    if (found == Platform().tables.end()) return 0;
+    auto needed = static_cast<UINT>(found->second.size());
+    if (!Platform().tableAnswers.empty()) {
+        needed = Platform().tableAnswers.front();
+        Platform().tableAnswers.pop_front();
+    }
+    if (buffer != nullptr && size >= needed) {
+        std::memcpy(buffer, found->second.data(), std::min<size_t>(needed, found->second.size()));
+    }
+    return needed;
+}

@@ -1,0 +1,18 @@
+// Stand-ins where Windows' own functions serve the tests: the last error and the performance counter.
+#include "Packages/Platform/Platform.h"
+
+static thread_local DWORD lastError = 0;
+
+DWORD GetLastError() { return lastError; }
+
+void SetLastError(DWORD error) { lastError = error; }
+
+BOOL QueryPerformanceCounter(LARGE_INTEGER* ticks) {
+    ticks->QuadPart = 1000;
+    return TRUE;
+}
+
+BOOL QueryPerformanceFrequency(LARGE_INTEGER* perSecond) {
+    perSecond->QuadPart = 1000;
+    return TRUE;
+}

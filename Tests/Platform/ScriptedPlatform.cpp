@@ -1,0 +1,74 @@
+#include "Tests/Platform/ScriptedPlatform.h"
+
+#include <algorithm>
+
+size_t ClScriptedPlatform::failAllocationOf = 0;
+
+static ClScriptedPlatform platform;
+
+ClScriptedPlatform& Platform() { return platform; }
+
+ClScriptedPlatform& NewPlatform() {
+    ClScriptedPlatform::failAllocationOf = 0;
+    platform = ClScriptedPlatform();
+    return platform;
+}
+
+uint64_t DeviceRequest_t::Number(size_t offset, size_t width) const {
+    uint64_t number = 0;
+    for (size_t index = width; index > 0; --index) number = number << 8 | in.at(offset + index - 1);
+    return number;
+}
+
+std::string ClScriptedPlatform::Open() const {
+    std::string text;
+    for (const auto& [handle, kind] : handles_) text += kind + " ";
+    return text;
+}
+
+bool ClScriptedPlatform::Called(const std::string& function) const {
+    return std::ranges::find(calls, function + "#1") != calls.end();
+}
+
+bool ClScriptedPlatform::Traced(uint32_t level, const std::string& text) const {
+    return std::ranges::any_of(lines,
+                               [&](const TraceLine_t& line) { return line.level == level && line.text == text; });
+}
+
+void ClScriptedPlatform::OtherProcess(int opens) {
+    otherProcesses += static_cast<uint32_t>(opens);
+    section += static_cast<uint32_t>(opens);
+    if (opens < 0) return;
+    service.exists = true;
+    service.path = kDriverFile;
+    service.state = SERVICE_RUNNING;
+}
+
+std::optional<uint32_t> ClScriptedPlatform::SharedCount() const {
+    const bool held = otherProcesses != 0 || std::ranges::any_of(handles_, [](const auto& each) {
+                          return each.second == "section" || each.second == "view";
+                      });
+    return held ? std::optional(section) : std::nullopt;
+}
+
+bool ClScriptedPlatform::Call(const char* function, DWORD error) {
+    const std::string name = std::string(function) + "#" + std::to_string(++occurrences_[function]);
+    calls.push_back(name);
+    if (calls.size() != failCall && !failCalls.contains(name)) return true;
+    SetLastError(error);
+    return false;
+}
+
+HANDLE ClScriptedPlatform::Add(const char* kind) {
+    nextHandle_ += 16;
+    const HANDLE handle = reinterpret_cast<HANDLE>(nextHandle_);
+    handles_[handle] = kind;
+    return handle;
+}
+
+bool ClScriptedPlatform::IsOpen(HANDLE handle, const char* kind) const {
+    const auto found = handles_.find(handle);
+    return found != handles_.end() && found->second == kind;
+}
+
+bool ClScriptedPlatform::Remove(HANDLE handle) { return handles_.erase(handle) != 0; }

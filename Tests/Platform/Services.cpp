@@ -1,0 +1,147 @@
+// Stand-ins: service control and the registry.
+#include <algorithm>
+#include <cstring>
+
+#include "Tests/Platform/ScriptedPlatform.h"
+#include "Tests/Platform/StandIn.h"
+
+namespace {
+
+BOOL Fail(DWORD error) {
+    SetLastError(error);
+    return FALSE;
+}
+
+SC_HANDLE AddService(const char* kind) { return static_cast<SC_HANDLE>(static_cast<void*>(Platform().Add(kind))); }
+
+bool IsService(SC_HANDLE handle) { return Platform().IsOpen(handle, "service"); }
+
+}  // namespace
+
+STAND_IN(SC_HANDLE, OpenSCManagerA, (LPCSTR, LPCSTR, DWORD)) {
+    return Platform().Call("OpenSCManagerA") ? AddService("manager") : nullptr;
+}
+
+STAND_IN(SC_HANDLE, OpenServiceA, (SC_HANDLE manager, LPCSTR name, DWORD)) {
+    if (!Platform().Call("OpenServiceA")) return nullptr;
+    if (!Platform().IsOpen(manager, "manager")) return Fail(ERROR_INVALID_HANDLE), nullptr;
+    if (!Platform().service.exists || std::strcmp(name, "Ravelink") != 0) {
+        return Fail(ERROR_SERVICE_DOES_NOT_EXIST), nullptr;
+    }
+    return AddService("service");
+}
+
+STAND_IN(SC_HANDLE, CreateServiceA,
+         (SC_HANDLE manager, LPCSTR name, LPCSTR displayName, DWORD, DWORD type, DWORD startType, DWORD errorControl,
+          LPCSTR path, LPCSTR group, LPDWORD, LPCSTR, LPCSTR, LPCSTR)) {
+    if (!Platform().Call("CreateServiceA")) return nullptr;
+    if (!Platform().IsOpen(manager, "manager")) return Fail(ERROR_INVALID_HANDLE), nullptr;
+    if (std::strcmp(name, "Ravelink") != 0 || std::strcmp(displayName, name) != 0 || type != SERVICE_KERNEL_DRIVER ||
+        errorControl != SERVICE_ERROR_NORMAL || std::strcmp(group, "Extended Base") != 0) {
+        return Fail(ERROR_INVALID_PARAMETER), nullptr;
+    }
+    ScriptedService_t& service = Platform().service;
+    if (service.exists) return Fail(ERROR_SERVICE_EXISTS), nullptr;
+    service.exists = true;
+    service.path = path;
+    service.startType = startType;
+    service.state = SERVICE_STOPPED;
+    return AddService("service");
+}
+
+STAND_IN(BOOL, StartServiceA, (SC_HANDLE handle, DWORD, LPCSTR*)) {
+    if (!Platform().Call("StartServiceA")) return FALSE;
+    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    ScriptedService_t& service = Platform().service;
+    if (!service.startErrors.empty()) {
+        const DWORD error = service.startErrors.front();
+        service.startErrors.pop_front();
+        return Fail(error);
+    }
+    if (service.state == SERVICE_RUNNING) return Fail(ERROR_SERVICE_ALREADY_RUNNING);
+    if (!Platform().files.contains(service.path)) return Fail(ERROR_FILE_NOT_FOUND);
+    service.state = SERVICE_RUNNING;
+    return TRUE;
+}
+
+STAND_IN(BOOL, ControlService, (SC_HANDLE handle, DWORD control, LPSERVICE_STATUS)) {
+    if (!Platform().Call("ControlService")) return FALSE;
+    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    Platform().controls.push_back(control);
+    Platform().service.state = Platform().service.stateAfterStop;
+    return TRUE;
+}
+
+STAND_IN(BOOL, QueryServiceStatusEx, (SC_HANDLE handle, SC_STATUS_TYPE, LPBYTE buffer, DWORD size, LPDWORD needed)) {
+    if (!Platform().Call("QueryServiceStatusEx")) return FALSE;
+    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    *needed = sizeof(SERVICE_STATUS_PROCESS);
+    if (size < sizeof(SERVICE_STATUS_PROCESS)) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    ScriptedService_t& service = Platform().service;
+    if (!service.nextStates.empty()) {
+        service.state = service.nextStates.front();
+        service.nextStates.pop_front();
+    }
+    SERVICE_STATUS_PROCESS status = {};
+    status.dwServiceType = SERVICE_KERNEL_DRIVER;
+    status.dwCurrentState = service.state;
+    status.dwWaitHint = service.waitHint;
+    std::memcpy(buffer, &status, sizeof(status));
+    return TRUE;
+}
+
+STAND_IN(BOOL, QueryServiceConfigA, (SC_HANDLE handle, LPQUERY_SERVICE_CONFIGA config, DWORD size, LPDWORD needed)) {
+    if (!Platform().Call("QueryServiceConfigA")) return FALSE;
+    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    // The texts follow the record, as a real answer has them.
+    *needed = sizeof(QUERY_SERVICE_CONFIGA) + 120;
+    if (config == nullptr || size < *needed) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    *config = {};
+    config->dwServiceType = SERVICE_KERNEL_DRIVER;
+    config->dwStartType = Platform().service.startType;
+    return TRUE;
+}
+
+STAND_IN(BOOL, DeleteService, (SC_HANDLE handle)) {
+    if (!Platform().Call("DeleteService")) return FALSE;
+    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    Platform().service.exists = false;
+    return TRUE;
+}
+
+STAND_IN(BOOL, CloseServiceHandle, (SC_HANDLE handle)) {
+    if (Platform().Remove(handle)) return TRUE;
+    ++Platform().badCloses;
+    return Fail(ERROR_INVALID_HANDLE);
+}
+
+// ---- Registry
+
+static LSTATUS Code(DWORD error) { return static_cast<LSTATUS>(error); }
+
+STAND_IN(LSTATUS, RegOpenKeyExA, (HKEY root, LPCSTR path, DWORD, REGSAM, PHKEY key)) {
+    if (!Platform().Call("RegOpenKeyExA")) return Code(ERROR_ACCESS_DENIED);
+    if (root != HKEY_LOCAL_MACHINE || std::strcmp(path, "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink") != 0) {
+        return Code(ERROR_FILE_NOT_FOUND);
+    }
+    *key = static_cast<HKEY>(static_cast<void*>(Platform().Add("key")));
+    return Code(ERROR_SUCCESS);
+}
+
+STAND_IN(LSTATUS, RegQueryValueExA, (HKEY key, LPCSTR name, LPDWORD, LPDWORD, LPBYTE data, LPDWORD size)) {
+    if (!Platform().Call("RegQueryValueExA")) return Code(ERROR_ACCESS_DENIED);
+    const auto& path = Platform().registryPath;
+    if (!Platform().IsOpen(key, "key")) return Code(ERROR_INVALID_HANDLE);
+    if (!path || std::strcmp(name, "FERROXDrvPath") != 0) return Code(ERROR_FILE_NOT_FOUND);
+    // A value as long as the buffer is stored without its NUL, as the registry allows.
+    const size_t stored = path->size() == *size ? path->size() : path->size() + 1;
+    if (stored > *size) return Code(ERROR_MORE_DATA);
+    std::memcpy(data, path->c_str(), stored);
+    *size = static_cast<DWORD>(stored);
+    return Code(ERROR_SUCCESS);
+}
+
+STAND_IN(LSTATUS, RegCloseKey, (HKEY key)) {
+    if (!Platform().Remove(key)) ++Platform().badCloses;
+    return Code(Platform().Call("RegCloseKey") ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
+}

@@ -1,0 +1,80 @@
+// The report of an unhandled exception: its text by code and access, and that it reads no more than the record has.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+#include "Sources/CrashReport.h"
+
+namespace {
+
+std::string Report(DWORD code, std::initializer_list<ULONG_PTR> information) {
+    EXCEPTION_RECORD record = {};
+    record.ExceptionCode = code;
+    record.ExceptionAddress = reinterpret_cast<PVOID>(ULONG_PTR{0x1234});
+    record.NumberParameters = static_cast<DWORD>(information.size());
+    std::fill(std::begin(record.ExceptionInformation), std::end(record.ExceptionInformation), 0xEEEEEEEE);
+    std::copy(information.begin(), information.end(), record.ExceptionInformation);
+    EXCEPTION_POINTERS pointers = {&record, nullptr};
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(ReportUnhandledException(&pointers), 0);
+    return testing::internal::GetCapturedStdout();
+}
+
+// What stands between the address and the last frame line.
+std::string Body(const std::string& report) {
+    const size_t cause = report.find(" Cause: ");
+    const size_t end = report.find("\n***EXCEPTION HANDLING END***\n");
+    return cause == std::string::npos || end == std::string::npos ? report : report.substr(cause, end - cause);
+}
+
+}  // namespace
+
+TEST(CrashReport, TellsCauseAndAccess) {
+    const struct {
+        DWORD code;
+        std::initializer_list<ULONG_PTR> information;
+        std::string cause, detail;
+    } kCases[] = {
+        {0x80000002, {},                  "EXCEPTION_DATATYPE_MISALIGNMENT", ""                                                        },
+        {0x80000003, {},                  "EXCEPTION_BREAKPOINT",            ""                                                        },
+        {0xC000001D, {},                  "EXCEPTION_ILLEGAL_INSTRUCTION",   ""                                                        },
+        {0xC0000094, {1, 2, 3},           "EXCEPTION_INT_DIVIDE_BY_ZERO",    ""                                                        },
+        {0xC00000FD, {1, 2},              "EXCEPTION_STACK_OVERFLOW",        ""                                                        },
+        {0x40010005, {},                  "DBG_CONTROL_C (WTF!)",            ""                                                        },
+        {0xE06D7363, {1, 2, 3},           "e06d7363",                        ""                                                        },
+        {0x00000001, {},                  "00000001",                        ""                                                        },
+        {0xC0000005, {0, 0},              "EXCEPTION_ACCESS_VIOLATION",      " Attempted to read from: 0x00000000"                     },
+        {0xC0000005, {1, 0x7FFE12345678}, "EXCEPTION_ACCESS_VIOLATION",      " Attempted to write to: 0x7ffe12345678"                  },
+        {0xC0000005, {8, 16},             "EXCEPTION_ACCESS_VIOLATION",      " Data Execution Prevention (DEP) at: 0x00000010"         },
+        {0xC0000005, {2, 16, 9},          "EXCEPTION_ACCESS_VIOLATION",      " Unknown access violation at: 0x00000010"                },
+        {0xC0000005, {},                  "EXCEPTION_ACCESS_VIOLATION",      " Attempted to read from: 0x00000000"                     },
+        {0xC0000006,
+         {1, 16, 0xC0000011},
+         "EXCEPTION_IN_PAGE_ERROR",                                          " Attempted to write to: 0x00000010 NTSTATUS: 0xc0000011" },
+        {0xC0000006, {0, 16},             "EXCEPTION_IN_PAGE_ERROR",         " Attempted to read from: 0x00000010 NTSTATUS: 0x00000000"},
+    };
+    for (const auto& c : kCases) EXPECT_EQ(Body(Report(c.code, c.information)), " Cause: " + c.cause + c.detail);
+}
+
+TEST(CrashReport, StandsBetweenItsFrameLines) {
+    EXPECT_EQ(Report(0x80000003, {}),
+              "\n***EXCEPTION HANDLING START***\n"
+              " Exception at address: 0x0000000000001234 Cause: EXCEPTION_BREAKPOINT"
+              "\n***EXCEPTION HANDLING END***\n");
+}
+
+// An illegal instruction, because that signal is one that no sanitizer takes.
+TEST(CrashReport, IsPrintedBeforeTheProcessDies) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(
+        {
+            InstallCrashReport();
+            InstallCrashReport();
+            dup2(2, 1);  // a death test sees the error stream alone
+            __builtin_trap();
+        },
+        "START.*\n.*Cause: EXCEPTION_ILLEGAL_INSTRUCTION\n.*END");
+}

@@ -1,0 +1,274 @@
+// The commands of the host program from outside, and the forms of what they print.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+using Bytes_t = std::vector<uint8_t>;
+using testing::TempDir;
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
+
+// A chassis with nothing to object to.
+ClStructureBuilder Chassis(uint16_t handle, const std::string& maker) {
+    return ClStructureBuilder(3, 0x15, handle).Bytes(4, {1, 3}).Bytes(9, {3, 3, 3, 3}).Strings({maker});
+}
+
+// One chassis whose maker is `maker`, and a BIOS language structure.
+Bytes_t TableBy(const std::string& maker) { return TableOf({Chassis(7, maker), ClStructureBuilder(13, 0x16)}); }
+
+std::string ImageBy(const std::string& maker, const std::string& name) {
+    return WriteFile(name, DumpOf(TableBy(maker), 2, 7, 32));
+}
+
+TEST(Commands, TypesCountsWhatTheTableHolds) {
+    const std::string image = WriteFile(
+        "types.bin", TableOf({ClStructureBuilder(3, 0x15), ClStructureBuilder(200, 4), ClStructureBuilder(200, 4)}));
+    EXPECT_EQ(RunQuorlin("types --image " + image).output,
+              "Type  Count  Title\n   3      1  System Enclosure or Chassis Types\n"
+              " 127      1  End-of-Table\n 200      2  OEM-specific\n");
+    EXPECT_EQ(RunQuorlin("types --format csv --image " + image).output,
+              "type,count,title,decoded\r\n3,1,System Enclosure or Chassis Types,true\r\n"
+              "127,1,End-of-Table,false\r\n200,2,OEM-specific,false\r\n");
+}
+
+TEST(Commands, FindLooksAtKeysAndValuesInAnyCase) {
+    const std::string image = ImageBy("Halvorsen", "find.bin");
+    const ProgramRun_t byValue = RunQuorlin("find hALVOR --image " + image),
+                       byKey = RunQuorlin("find manuf --image " + image);
+    EXPECT_EQ(byValue.output, "System Enclosure or Chassis Types {Type 3}, handle 0007h\n  Manufacturer  Halvorsen\n");
+    EXPECT_EQ(byKey.output, byValue.output);
+    EXPECT_EQ(byValue.exitCode, 0);
+    const ProgramRun_t none = RunQuorlin("find nowhere --image " + image);
+    EXPECT_EQ(none.output, "");
+    EXPECT_EQ(none.exitCode, 1);
+}
+
+TEST(Commands, GetGivesBareValues) {
+    const std::string image =
+        WriteFile("get.bin", TableOf({ClStructureBuilder(3, 0x15).Byte(4, 1).Strings({"one"}),
+                                      ClStructureBuilder(3, 0x15).Byte(4, 1).Strings({"tw\x1bo"})}));
+    EXPECT_EQ(RunQuorlin("get 3 manufacturer --image " + image).output, "one\ntw o\n");
+    EXPECT_EQ(RunQuorlin("get 3 Manufacturer --instance 2 --image " + image).output, "tw o\n");
+    const ProgramRun_t none = RunQuorlin("get 3 Makers --image " + image);
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_EQ(none.output, "");
+    EXPECT_TRUE(Has(none.errors, "--type 3"));
+}
+
+TEST(Commands, DiffTellsByItsExitCode) {
+    const std::string a = ImageBy("A", "a.bin"), b = ImageBy("B", "b.bin");
+    const ProgramRun_t changed = RunQuorlin("diff " + a + " " + b);
+    EXPECT_EQ(changed.exitCode, 1);
+    EXPECT_TRUE(Has(changed.output,
+                    "System Enclosure or Chassis Types, type 3, handle 0007h\n"
+                    "-   Manufacturer  A\n+   Manufacturer  B\n"))
+        << changed.output;
+    EXPECT_EQ(RunQuorlin("diff " + a + " " + b + " --ignore manufacturer").exitCode, 0);
+    const ProgramRun_t same = RunQuorlin("diff " + a + " " + a);
+    EXPECT_EQ(same.exitCode, 0);
+    EXPECT_EQ(same.output, "");
+    EXPECT_EQ(RunQuorlin("diff " + a + " " + TempDir() + "no-such-file").exitCode, 2);
+    const ProgramRun_t sample = RunQuorlin("diff " + a + " --sample --format csv");
+    EXPECT_EQ(sample.exitCode, 1);
+    EXPECT_TRUE(Has(sample.output, "\r\nadded,0,0,BIOS Information,,,,\r\n"));
+}
+
+// Equal handles match first, whatever the order; what is left matches by order, and what then is left came or went.
+TEST(Commands, DiffMatchesByHandleThenByOrder) {
+    const std::string a = WriteFile("a.bin", TableOf({Chassis(1, "one"), Chassis(2, "two"), Chassis(3, "three")})),
+                      b = WriteFile("b.bin", TableOf({Chassis(2, "two"), Chassis(9, "one")})),
+                      c = WriteFile("c.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAB)})),
+                      d = WriteFile("d.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAC)}));
+    EXPECT_EQ(RunQuorlin("diff --format csv " + a + " " + b).output,
+              "change,type,handle,title,group,key,a,b\r\n"
+              "changed,3,1,System Enclosure or Chassis Types,,Handle,1,9\r\n"
+              "removed,3,3,System Enclosure or Chassis Types,,,,\r\n");
+    EXPECT_TRUE(Has(RunQuorlin("diff " + c + " " + d).output, "-   Bytes  AB0000\n+   Bytes  AC0000\n"));
+}
+
+TEST(Commands, DumpMakesANewFileThatReadsTheSame) {
+    const std::string dump = TempDir() + "new-dump.bin";
+    std::remove(dump.c_str());
+    ASSERT_EQ(RunQuorlin("dump --sample " + dump).exitCode, 0);
+    EXPECT_EQ(RunQuorlin("--format lines --image " + dump).output, RunQuorlin("--format lines --sample").output);
+    EXPECT_EQ(RunQuorlin("diff " + dump + " --sample").exitCode, 0);
+    const ProgramRun_t again = RunQuorlin("dump --sample " + dump);
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_TRUE(Has(again.errors, "exists already"));
+    std::remove(dump.c_str());
+}
+
+TEST(Commands, RawShowsBytesAndStrings) {
+    EXPECT_EQ(RunQuorlin("raw --handle 7 --image " + ImageBy("Ma\x1bker", "raw.bin")).output,
+              "Handle 0007h, type 3 (System Enclosure or Chassis), 29 bytes at offset 0h\n"
+              "  0000 03 15 07 00 01 03 00 00 00 03 03 03 03 00 00 00  ................\n"
+              "  0010 00 00 00 00 00                                   .....\n"
+              "  String 1: Ma ker\n");
+    EXPECT_EQ(RunQuorlin("raw --type 200 --sample").exitCode, 1);
+}
+
+TEST(Commands, CheckFindsEachFlaw) {
+    const auto chassis = Chassis(7, "Maker"), other = Chassis(8, "Maker");
+    const Bytes_t fine = TableBy("Maker"), noEnd(fine.begin(), fine.end() - 6),
+                  tooShort = TableOf({ClStructureBuilder(3, 8)}),
+                  noHeader = TableOf({ClStructureBuilder(200, 4, 0x1010).Byte(1, 3)}),
+                  noString = TableOf({ClStructureBuilder(other).Byte(4, 2)}), twice = TableOf({chassis, chassis}),
+                  reference = TableOf({ClStructureBuilder(19, 15).Word(12, 0x99)}),
+                  noReference = TableOf({ClStructureBuilder(19, 15).Word(12, 0xFFFE)}),
+                  count = TableOf({ClStructureBuilder(37, 10).Bytes(4, {3, 1, 2}).Word(8, 0x10)}),
+                  strings = TableOf({ClStructureBuilder(11, 5).Byte(4, 1)}),
+                  code = TableOf({ClStructureBuilder(chassis).Byte(5, 0x7F)});
+    const struct {
+        const char* what;
+        const Bytes_t& table;
+        const char* finding;  // a piece of the only one; empty for none
+    } kCases[] = {
+        {"fine",            fine,        ""                         },
+        {"too short",       tooShort,    "below the 9"              },
+        {"no header",       noHeader,    "below a header's 4"       },
+        {"string",          noString,    "string number 2 at offset"},
+        {"twice a handle",  twice,       "has this handle"          },
+        {"reference",       reference,   "0099h at offset Ch"       },
+        {"no reference",    noReference, ""                         },
+        {"count",           count,       "counts 2 entries"         },
+        {"strings counted", strings,     "counts 1 strings"         },
+        {"code",            code,        "Chassis Type: a code"     },
+        {"no end",          noEnd,       "no End-of-Table"          },
+    };
+    for (const auto& c : kCases) {
+        const ProgramRun_t run = RunQuorlin("check --image " + WriteFile("check.bin", c.table) + " --as table");
+        EXPECT_EQ(run.exitCode, *c.finding == '\0' ? 0 : 1) << c.what;
+        EXPECT_TRUE(Has(run.output, c.finding)) << c.what << ": " << run.output;
+        EXPECT_EQ(std::ranges::count(run.output, '\n'), *c.finding == '\0' ? 1 : 2) << c.what << ": " << run.output;
+    }
+    // A dump made by hand lacks its checksums.
+    const std::string unsound = WriteFile("check.bin", DumpOf(fine, 3, 0, 32));
+    EXPECT_TRUE(Has(RunQuorlin("check --image " + unsound).output, "checksums"));
+}
+
+TEST(Commands, RecoverGoesOnBehindDamage) {
+    Bytes_t table = ClStructureBuilder(200, 4, 1).Image();
+    const Bytes_t damage = {1, 2, 3, 0xFF, 0xFF}, rest = TableBy("Maker");
+    for (const Bytes_t& part : {damage, rest}) table.insert(table.end(), part.begin(), part.end());
+    const std::string image = WriteFile("recover.bin", table);
+    EXPECT_EQ(RunQuorlin("get 3 Manufacturer --image " + image).exitCode, 1);
+    const ProgramRun_t run = RunQuorlin("get 3 Manufacturer --recover --image " + image);
+    EXPECT_EQ(run.output, "Maker\n");
+    EXPECT_TRUE(Has(run.errors, "skipped 5 bytes at offset 6h")) << run.errors;
+}
+
+TEST(Commands, SayWhereATableComesFrom) {
+    const std::string folder = TempDir() + "tables";
+    std::filesystem::create_directory(folder);
+    Bytes_t point = DumpOf(TableBy("A"), 2, 7, 0xF0000);
+    point.resize(31);
+    std::filesystem::rename(WriteFile("point", point), folder + "/smbios_entry_point");
+    std::filesystem::rename(WriteFile("DMI", TableBy("A")), folder + "/DMI");
+    const ProgramRun_t run = RunQuorlin("get 3 Manufacturer --verbose --image " + folder);
+    EXPECT_EQ(run.output, "A\n");
+    EXPECT_TRUE(Has(run.errors, "as sysfs, SMBIOS 2.7")) << run.errors;
+    const ProgramRun_t forced = RunQuorlin("types --as table --verbose --image " + ImageBy("A", "as.bin"));
+    EXPECT_TRUE(Has(forced.errors, "as table, SMBIOS 3.0")) << forced.errors;
+    EXPECT_EQ(RunQuorlin("types --as folder --sample").exitCode, 2);
+}
+
+TEST(Commands, AFleetIsALineForEachImage) {
+    const std::string a = ImageBy("A", "a.bin"), b = ImageBy("B", "b.bin"), none = TempDir() + "no-such-file";
+    const std::string list = a + "\r\n\n" + none + "\n" + b;  // the last line may lack its end
+    const std::string names = WriteFile("names", Bytes_t(list.begin(), list.end()));
+    for (const std::string& arguments :
+         {"--image-list " + names, "--image-list - <" + names, "--image " + a + " --image " + b + " --image " + none}) {
+        const ProgramRun_t run = RunQuorlin("--format ndjson --type 3 " + arguments);
+        EXPECT_EQ(run.exitCode, 1) << arguments;
+        EXPECT_EQ(std::ranges::count(run.output, '\n'), 3) << arguments;
+        EXPECT_TRUE(Has(run.output, "\",\"error\":\"No such file")) << arguments;
+        EXPECT_TRUE(Has(run.output, "{\"key\":\"Manufacturer\",\"value\":\"B\"}")) << arguments;
+        EXPECT_EQ(run.errors, "") << arguments;
+    }
+    EXPECT_EQ(RunQuorlin("--image " + a + " --image " + b).exitCode, 2);
+    EXPECT_EQ(RunQuorlin("--format ndjson --image-list " + none).exitCode, 1);
+    // A version that is none stops no run.
+    const std::string bare = " --image " + WriteFile("bare.bin", TableBy("C"));
+    EXPECT_EQ(RunQuorlin("--format ndjson --smbios-version 0.0" + bare + bare).exitCode, 0);
+}
+
+TEST(Commands, JsonIsValidWhateverTheBytes) {
+    const std::string image = ImageBy("q\"\\\x01\xC3\xA9\xFF", "json.bin");
+    const std::string output = RunQuorlin("--format json --type 3 --image " + image).output;
+    EXPECT_TRUE(Has(output, R"({"key":"Manufacturer","value":"q\"\\\u0001)"
+                            "\xC3\xA9\xEF\xBF\xBD"
+                            R"(","replaced":true})"))
+        << output;
+    EXPECT_EQ(RunQuorlin("find q --format csv --image " + image).output,
+              "type,handle,instance,title,group,key,value\r\n"
+              "3,7,1,System Enclosure or Chassis Types,,Manufacturer,\"q\"\"\\ \xC3\xA9\xEF\xBF\xBD\"\r\n");
+    EXPECT_TRUE(Has(RunQuorlin("--type 3 --image " + image).output, "q\"\\ \xC3\xA9\xEF\xBF\xBD\n"));
+}
+
+// What would write, or is not understood, ends before the hardware library is opened.
+TEST(Commands, HardwareIsWrittenOnlyWithBothWords) {
+    const struct {
+        const char *arguments, *says;
+    } kCases[] = {
+        {"msr write 16",                                        "needs --write VALUE"  },
+        {"msr write 16 --write 1",                              "takes both"           },
+        {"msr write 16 --yes-write-hardware",                   "takes both"           },
+        {"port write 0x80 1 --write 1",                         "takes both"           },
+        {"mem 0xFED00000 4 --write 1",                          "takes both"           },
+        {"cpuid 0 --write 1 --yes-write-hardware",              "writes nothing"       },
+        {"pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", "writes nothing"       },
+        {"cpuid",                                               "takes other arguments"},
+        {"cpuids 0",                                            "is no operation"      },
+        {"pci 0000:00:20.0 2 5",                                "is no PCI function"   },
+        {"pci 00:03.0 2 5",                                     "is no PCI function"   },
+        {"cpuid 0 --cpu 256",                                   "no processor number"  },
+    };
+    for (const auto& c : kCases) {
+        const ProgramRun_t run = RunQuorlin(std::string("hw ") + c.arguments);
+        EXPECT_EQ(run.exitCode, 2) << c.arguments;
+        EXPECT_EQ(run.output, "") << c.arguments;
+        EXPECT_TRUE(Has(run.errors, c.says)) << c.arguments << ": " << run.errors;
+    }
+}
+
+// Sequences that are too long, stand for half of a pair or for too much, or lack their end; and the control characters
+// beyond ASCII, which some terminals obey.
+TEST(Commands, TextIsValidAndHarmlessWhateverTheBytes) {
+    const std::string u = "\xEF\xBF\xBD";  // U+FFFD
+    const struct {
+        std::string bytes, shown;
+    } kCases[] = {
+        {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        {"\xC0\xAF.",                            u + u + "."                           },
+        {"\xE0\x9F\xBF.",                        u + u + u + "."                       },
+        {"\xED\xA0\x80.",                        u + u + u + "."                       },
+        {"\xF0\x8F\xBF\xBF.",                    u + u + u + u + "."                   },
+        {"\xF4\x90\x80\x80.",                    u + u + u + u + "."                   },
+        {"\xE2\x82",                             u + u                                 },
+        {"a\xC2\x9B"
+         "31mb\x7F.",                   "a 31mb ."                            },
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(RunQuorlin("get 3 Manufacturer --image " + ImageBy(c.bytes, "text.bin")).output, c.shown + "\n");
+}
+
+TEST(Commands, EachHasHelpWithAnExample) {
+    for (const char* command : {"show", "types", "find", "get", "diff", "dump", "raw", "check", "hw"}) {
+        const ProgramRun_t run = RunQuorlin(std::string(command) + " --help");
+        EXPECT_EQ(run.exitCode, 0) << command;
+        EXPECT_TRUE(Has(run.output, "Example: quorlin ")) << command;
+        EXPECT_TRUE(Has(run.output, "Exit codes: ")) << command;
+    }
+    const ProgramRun_t unknown = RunQuorlin("shwo");
+    EXPECT_EQ(unknown.exitCode, 2);
+    EXPECT_TRUE(Has(unknown.errors, "try quorlin --help"));
+}
+
+}  // namespace

@@ -1,0 +1,270 @@
+// quorlin check: what is wrong with a table.
+#include <algorithm>
+#include <cstdio>
+#include <unordered_set>
+
+#include "Packages/Format/Structures.h"
+#include "Tools/quorlin/Commands.h"
+#include "Tools/quorlin/Csv.h"
+#include "Tools/quorlin/Json.h"
+#include "Tools/quorlin/Model.h"
+#include "Tools/quorlin/Standard.h"
+#include "Tools/quorlin/Text.h"
+#include "Tools/quorlin/Walk.h"
+
+namespace {
+
+constexpr Usage_t kUsage = {
+    "quorlin check",
+    "Says what is wrong with a table: lengths, string numbers, handles, references, counts, codes, checksums, and a "
+    "missing end.",
+    "Example: quorlin check --image table.bin\n"
+    "Exit codes: 0 nothing found, 1 something found, 2 bad usage, no table or an unreadable one.",
+};
+
+constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv};
+
+struct Finding_t {
+    const char* rule;
+    const TableStructure_t* structure;  // null for one of the table as a whole
+    uint32_t offset;                    // of the structure, or of where the table ends
+    std::string text;
+};
+
+// Codes that the oldest version of their type doesn't have. In a structure too short for one its decoder reads on into
+// the string area, and what it reads there is no code.
+struct LateCode_t {
+    std::string_view key;
+    uint8_t type, offset;
+};
+constexpr LateCode_t kLateCodes[] = {
+    {"Wake-up Type",       1, 0x18},
+    {"Board Type",         2, 0x0D},
+    {"Bootup State",       3, 0x09},
+    {"Power Supply State", 3, 0x0A},
+    {"Thermal State",      3, 0x0B},
+    {"Security Status",    3, 0x0C},
+};
+
+std::string Hex(uint32_t number) {
+    char text[12];
+    std::snprintf(text, sizeof text, "%Xh", number);
+    return text;
+}
+
+class ClLint {
+  public:
+    explicit ClLint(ClTable& table) : m_bytes(table.Bytes()) {
+        for (const TableStructure_t& structure : ClWalk(m_bytes)) m_structures.push_back(structure);
+        for (const TableStructure_t& structure : m_structures) m_handles.insert(structure.Handle());
+        CheckTable(table);
+        std::unordered_set<uint16_t> seen;
+        for (const TableStructure_t& structure : m_structures) {
+            m_structure = &structure;
+            m_facts = FactsOf(structure.Type());
+            m_length = std::min<uint32_t>(structure.Length(), structure.size);
+            if (!seen.insert(structure.Handle()).second)
+                Add("handle", "another structure in front of it has this handle");
+            if (!CheckLength() || m_facts == nullptr) continue;
+            CheckStrings();
+            for (const char offset : m_facts->handles) CheckReference(static_cast<uint8_t>(offset));
+            if (m_facts->list.listOffset != 0) CheckList(m_facts->list);
+        }
+        CheckCodes(table);
+        std::ranges::stable_sort(m_findings, {}, &Finding_t::offset);
+    }
+
+    const std::vector<Finding_t>& Findings() const { return m_findings; }
+
+  private:
+    void Add(const char* rule, std::string text) {
+        m_findings.push_back(
+            {rule, m_structure, static_cast<uint32_t>(m_structure->data - m_bytes.data()), std::move(text)});
+    }
+
+    void CheckTable(const ClTable& table) {
+        const auto end = static_cast<uint32_t>(m_bytes.size());
+        if (table.Image() != nullptr && !table.Image()->checksumsFit)
+            m_findings.push_back({"checksum", nullptr, 0, "the entry point's bytes don't add up to its checksums"});
+        if (table.Image() != nullptr && table.Image()->missing != 0)
+            m_findings.push_back({"length", nullptr, end,
+                                  "the table ends " + std::to_string(table.Image()->missing) +
+                                      " bytes before the length that it states"});
+        if (m_structures.empty() || m_structures.back().Type() != kEndOfTable)
+            m_findings.push_back({"end", nullptr, end, "no End-of-Table structure ends the table"});
+    }
+
+    // Whether the structure's formatted area can be looked at.
+    bool CheckLength() {
+        const uint8_t length = m_structure->Length();
+        const uint8_t least = MinimumLength(m_structure->Type());
+        if (length < kHeaderSize) {
+            Add("length", "length " + std::to_string(length) + " is below a header's 4");
+            return false;
+        }
+        if (length < least)
+            Add("length",
+                "length " + std::to_string(length) + " is below the " + std::to_string(least) + " that the type needs");
+        const uint8_t* end = m_structure->data + m_structure->size;
+        if (m_structure->size < length + 2u || end[-1] != 0 || end[-2] != 0)
+            Add("length", "the table ends before the structure does");
+        return true;
+    }
+
+    uint8_t Byte(uint32_t offset) const { return offset < m_length ? m_structure->data[offset] : uint8_t{0}; }
+
+    uint32_t CountStrings() const {
+        uint32_t count = 0;
+        for (uint32_t at = m_length; at < m_structure->size && m_structure->data[at] != 0; count++) {
+            while (at < m_structure->size && m_structure->data[at] != 0) at++;
+            at++;
+        }
+        return count;
+    }
+
+    void CheckStrings() {
+        const uint32_t count = CountStrings();
+        const auto check = [&](uint32_t offset) {
+            if (Byte(offset) > count)
+                Add("string", "string number " + std::to_string(Byte(offset)) + " at offset " + Hex(offset) + ", of " +
+                                  std::to_string(count));
+        };
+        for (const char offset : m_facts->strings) check(static_cast<uint8_t>(offset));
+        const uint8_t type = m_structure->Type();
+        if (type == 10)  // pairs of a device's type and its string, up to the end
+            for (uint32_t offset = 5; offset < m_length; offset += 2) check(offset);
+        if ((type >= 11 && type <= 13) && Byte(4) > count)
+            Add("count", "it counts " + std::to_string(Byte(4)) + " strings, and holds " + std::to_string(count));
+    }
+
+    // A handle of FFFEh or FFFFh says that there is none, or that it isn't known.
+    void CheckReference(uint32_t offset) {
+        if (offset + 2 > m_length) return;
+        const auto handle = static_cast<uint16_t>(Byte(offset) | Byte(offset + 1) << 8);
+        if (handle < 0xFFFE && !m_handles.contains(handle))
+            Add("reference", "handle " + HandleText(handle) + " at offset " + Hex(offset) + " is that of no structure");
+    }
+
+    void CheckList(const EntryList_t& list) {
+        if (m_length <= list.listOffset) return;
+        const uint32_t size = list.sizeOffset != 0 ? Byte(list.sizeOffset) : list.entrySize;
+        const uint32_t room = m_length - list.listOffset;
+        uint32_t count = size == 0 ? 0 : room / size;
+        if (list.countOffset != 0) {
+            if (Byte(list.countOffset) * size > room)
+                Add("count", "it counts " + std::to_string(Byte(list.countOffset)) + " entries of " +
+                                 std::to_string(size) + " bytes, and holds " + std::to_string(count));
+            count = std::min<uint32_t>(count, Byte(list.countOffset));
+        }
+        if (list.handleAt == kNoHandle) return;
+        for (uint32_t entry = 0; entry < count; entry++) CheckReference(list.listOffset + entry * size + list.handleAt);
+    }
+
+    bool IsThere(std::string_view key) const {
+        return std::ranges::none_of(kLateCodes, [&](const LateCode_t& code) {
+            return code.type == m_structure->Type() && code.key == key && code.offset >= m_structure->Length();
+        });
+    }
+
+    // The decoders know every enumeration: where a code stands outside its table they say so.
+    void CheckCodes(ClTable& table) {
+        const ClModel model(table.Package(), AllTypes());
+        std::vector<const TableStructure_t*> ofType[256];
+        for (const TableStructure_t& structure : m_structures) ofType[structure.Type()].push_back(&structure);
+        for (const Structure_t& decoded : model.Structures()) {
+            if (decoded.instance > ofType[decoded.type].size()) continue;
+            m_structure = ofType[decoded.type][decoded.instance - 1];
+            for (uint32_t index = decoded.firstItem; index < decoded.endItem; index++) {
+                const Item_t item = model.Item(index);
+                if (item.value.find("Error: Invalid") != item.value.npos && IsThere(item.key))
+                    Add("code", std::string(item.key) + ": a code outside its table");
+            }
+        }
+    }
+
+    std::span<const uint8_t> m_bytes;
+    std::vector<TableStructure_t> m_structures;
+    std::unordered_set<uint16_t> m_handles;
+    std::vector<Finding_t> m_findings;
+
+    // The structure at hand.
+    const TableStructure_t* m_structure = nullptr;
+    const TypeFacts_t* m_facts = nullptr;
+    uint32_t m_length = 0;  // of its formatted area, as far as it is there
+};
+
+void ListText(const std::vector<Finding_t>& findings, ClOutput& output) {
+    for (const Finding_t& finding : findings) {
+        if (finding.structure != nullptr)
+            output << "Handle " << HandleText(finding.structure->Handle()) << ", type "
+                   << std::to_string(finding.structure->Type()) << " (" << NameOfType(finding.structure->Type())
+                   << "), offset " << Hex(finding.offset);
+        else
+            output << "Table, offset " << Hex(finding.offset);
+        output << ": " << Printable(finding.text) << "\n";
+    }
+    output << (findings.empty()
+                   ? "No findings\n"
+                   : std::to_string(findings.size()) + (findings.size() == 1 ? " finding\n" : " findings\n"));
+}
+
+void ListCsv(const std::vector<Finding_t>& findings, ClOutput& output) {
+    ClCsv csv(output);
+    csv.Row({"rule", "type", "handle", "offset", "text"});
+    for (const Finding_t& finding : findings) {
+        const bool isOfStructure = finding.structure != nullptr;
+        csv.Row({finding.rule, isOfStructure ? std::to_string(finding.structure->Type()) : "",
+                 isOfStructure ? std::to_string(finding.structure->Handle()) : "", std::to_string(finding.offset),
+                 finding.text});
+    }
+}
+
+void ListJson(const std::vector<Finding_t>& findings, const ClTable& table, ClJson& json) {
+    json.BeginObject();
+    WriteTableMembers(json, table);
+    json.Name("findings");
+    json.BeginList();
+    for (const Finding_t& finding : findings) {
+        json.BeginObject();
+        json.Member("rule", std::string_view(finding.rule));
+        if (finding.structure != nullptr) {
+            json.Member("type", finding.structure->Type());
+            json.Member("handle", finding.structure->Handle());
+        }
+        json.Member("offset", finding.offset);
+        json.Member("text", finding.text);
+        json.FinishObject();
+    }
+    json.FinishList();
+    json.FinishObject();
+    json.Finish();
+}
+
+}  // namespace
+
+int RunCheck(const Arguments_t& arguments) {
+    Source_t source;
+    std::string formatName = "text";
+    std::vector<Option_t> options = source.Options();
+    options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
+    int exitCode = kExitDone;
+    Format_t format;
+    if (!ParseCommandLine(kUsage, options, arguments, &exitCode) || !source.Check(kUsage, &exitCode) ||
+        !ChooseFormat(kUsage, formatName, kFormats, &format, &exitCode) ||
+        !CheckFleet(kUsage, source, format, &exitCode))
+        return exitCode;
+    ClOutput output;
+    ClJson json(output);
+    exitCode = RunOnTables(source, format, kExitTrouble, json, [&](ClTable& table) {
+        const ClLint lint(table);
+        const std::vector<Finding_t>& findings = lint.Findings();
+        if (format == Format_t::kText)
+            ListText(findings, output);
+        else if (format == Format_t::kCsv)
+            ListCsv(findings, output);
+        else
+            ListJson(findings, table, json);
+        return findings.empty() ? kExitDone : kExitNo;
+    });
+    return output.Finish() ? exitCode : kExitTrouble;
+}

@@ -1,0 +1,96 @@
+// quorlin dump and quorlin raw: a table's bytes, into a file and for people's eyes.
+#include <algorithm>
+#include <cstdio>
+
+#include "Packages/Platform/Program.h"
+#include "Tools/quorlin/Commands.h"
+#include "Tools/quorlin/Model.h"
+#include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Standard.h"
+#include "Tools/quorlin/Table.h"
+#include "Tools/quorlin/Text.h"
+#include "Tools/quorlin/Walk.h"
+
+namespace {
+
+constexpr Usage_t kDumpUsage = {
+    "quorlin dump",
+    "Writes a table into a new file, behind an entry point, as this program and the system's other tools read it. The "
+    "file is its owner's alone to read, as tables hold serial numbers. A file that exists is left as it is.",
+    "Example: quorlin dump machine.bin\n"
+    "Exit codes: 0 done, 1 no table, or a file that can't be made, 2 bad usage.",
+};
+
+constexpr Usage_t kRawUsage = {
+    "quorlin raw",
+    "Shows the bytes and the strings of a table's structures.",
+    "Example: quorlin raw --type 17\n"
+    "Exit codes: 0 done, 1 no such structure, 2 bad usage, no table or an unreadable one.",
+};
+
+void ShowRaw(const TableStructure_t& structure, uint32_t offset, ClOutput& output) {
+    char place[24];
+    std::snprintf(place, sizeof place, "%Xh", offset);
+    const size_t length = std::min<size_t>(structure.Length(), structure.size);
+    output << "Handle " << HandleText(structure.Handle()) << ", type " << std::to_string(structure.Type()) << " ("
+           << NameOfType(structure.Type()) << "), " << std::to_string(structure.size) << " bytes at offset " << place
+           << "\n";
+    ShowBytes({structure.data, length}, output);
+    const std::string_view area(reinterpret_cast<const char*>(structure.data) + length, structure.size - length);
+    unsigned number = 1;
+    for (size_t begin = 0; begin < area.size() && area[begin] != '\0'; number++) {
+        const std::string_view text = area.substr(begin, area.find('\0', begin) - begin);
+        output << "  String " << std::to_string(number) << ": " << Printable(text) << "\n";
+        begin += text.size() + 1;
+    }
+}
+
+}  // namespace
+
+int RunDump(const Arguments_t& arguments) {
+    Source_t source;
+    std::string path;
+    std::vector<Option_t> options = source.Options();
+    options.push_back({"file", "FILE", "The file to make", &path, true});
+    int exitCode = kExitDone;
+    if (!ParseCommandLine(kDumpUsage, options, arguments, &exitCode) || !source.CheckOne(kDumpUsage, &exitCode))
+        return exitCode;
+    return ForEachTable(source, kExitNoTable, [&](ClTable& table) {
+        const std::span<const uint8_t> bytes = table.Bytes();
+        return WriteNewFile(path, MakeDump(bytes, table.Major(), table.Minor())) ? kExitDone : kExitNoTable;
+    });
+}
+
+int RunRaw(const Arguments_t& arguments) {
+    Source_t source;
+    std::string handleName;
+    std::vector<std::string> typeNames;
+    std::vector<Option_t> options = source.Options();
+    options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
+    options.push_back({"--handle", "H", "Only the structures of handle H, in hexadecimal", &handleName});
+    int exitCode = kExitDone;
+    std::vector<uint8_t> types;
+    uint64_t handle = 0;
+    if (!ParseCommandLine(kRawUsage, options, arguments, &exitCode) || !source.CheckOne(kRawUsage, &exitCode) ||
+        !ChooseTypes(kRawUsage, typeNames, &types, &exitCode))
+        return exitCode;
+    if (!handleName.empty() && !ParseHex(handleName, 0xFFFF, &handle)) {
+        SayBadUsage(kRawUsage, "--handle: '" + handleName + "' is no hexadecimal number of 16 bits", &exitCode);
+        return exitCode;
+    }
+    ClOutput output;
+    exitCode = ForEachTable(source, kExitTrouble, [&](ClTable& table) {
+        const std::span<const uint8_t> bytes = table.Bytes();
+        bool isFirst = true;
+        for (const TableStructure_t& structure : ClWalk(bytes)) {
+            if (!types.empty() && std::ranges::find(types, structure.Type()) == types.end()) continue;
+            if (!handleName.empty() && structure.Handle() != handle) continue;
+            if (!isFirst) output << "\n";
+            isFirst = false;
+            ShowRaw(structure, static_cast<uint32_t>(structure.data - bytes.data()), output);
+        }
+        if (isFirst) SayError(table.Name(), "no such structure; try quorlin types");
+        return isFirst ? kExitNo : kExitDone;
+    });
+    return output.Finish() ? exitCode : kExitTrouble;
+}

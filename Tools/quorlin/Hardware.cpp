@@ -1,0 +1,337 @@
+// quorlin hw: what the hardware library offers, one operation a call.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/OS/OS.h"
+#include "Tools/quorlin/Commands.h"
+#include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Text.h"
+
+namespace {
+
+constexpr Usage_t kUsage = {
+    "quorlin hw",
+    "Reads hardware: the CPUID instruction, PCI configuration space, physical memory, model-specific registers, ports, "
+    "ACPI tables. Most of it needs root.",
+    "Operations (numbers are decimal, or hexadecimal behind 0x):\n"
+    "  cpuid LEAF [SUBLEAF]             the four registers; with --cpu N on processor N\n"
+    "  pci SEG:BUS:DEV.FN OFFSET SIZE   bytes of configuration space\n"
+    "  mem ADDRESS SIZE                 bytes of physical memory\n"
+    "  msr read N                       a model-specific register; with --cpu N of processor N\n"
+    "  port read PORT SIZE              an I/O port, in one access of SIZE bytes\n"
+    "  acpi NAME                        an ACPI table; with --out FILE into a new file\n"
+    "  segments                         the PCI segments and their configuration spaces\n"
+    "  versions                         of this library and of the driver\n"
+    "Writing can hang or damage a machine. mem, msr write N and port write PORT SIZE write --write VALUE, and only "
+    "with "
+    "--yes-write-hardware.\n"
+    "\n"
+    "Example: quorlin hw pci 0000:00:03.0 2 5\n"
+    "Exit codes: 0 done, 1 the operation failed, 2 bad usage.",
+};
+
+constexpr uint64_t kMostBytes = 1u << 20;  // that one call reads
+
+const char* WordsOf(status_t status) {
+    switch (status) {
+        case 0: return "the driver refused the request";
+        case kBadValue: return "an argument is out of range";
+        case kNoMemory: return "out of memory";
+        case kNullPointer: return "there is nothing";
+        case kNotSupported: return "not to be had under a hypervisor";
+        default: return "it failed, or there is no such thing here";
+    }
+}
+
+// A block of a head that tells the size, and that many bytes.
+class ClBuffer {
+  public:
+    explicit ClBuffer(uint32_t size) : m_block(sizeof(DataBuffer_t) + size) { Get()->Size = size; }
+    ClBuffer(uint32_t size, uint64_t value) : ClBuffer(size) {
+        std::memcpy(Get()->Data(), &value, std::min<size_t>(size, sizeof value));
+    }
+    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(m_block.data()); }
+    std::span<const uint8_t> Bytes() { return {Get()->Data(), Get()->Size}; }
+
+  private:
+    std::vector<uint8_t> m_block;
+};
+
+// Keeps the hardware library open from Open on.
+class ClHardware {
+  public:
+    ClHardware() = default;
+    ~ClHardware() {
+        if (m_isOpen) FERROXTerminate();
+    }
+    ClHardware(const ClHardware&) = delete;
+    ClHardware& operator=(const ClHardware&) = delete;
+    status_t Open() {
+        const status_t status = FERROXInitialize();
+        m_isOpen = status == kSuccess;
+        return status;
+    }
+
+  private:
+    bool m_isOpen = false;
+};
+
+// What the command line holds, and where results go.
+struct Request_t {
+    Request_t(std::span<const std::string> theWords, ClOutput& theOutput) : words(theWords), output(theOutput) {}
+
+    std::span<const std::string> words;  // behind the operation's name
+    uint32_t cpu = kAnyProcessor;
+    bool writes = false;
+    uint64_t value = 0;  // to be written
+    std::string out;
+    ClOutput& output;
+    std::string problem;  // what is wrong with the words, for kBadUsage
+    ClHardware hardware;
+    status_t openStatus = kSuccess;  // for kNotOpen
+
+    bool Number(size_t word, uint64_t most, uint64_t* number) {
+        if (ParseNumber(words[word], most, number)) return true;
+        problem = "'" + words[word] + "' is no number within 0 to " + std::to_string(most);
+        return false;
+    }
+    // To be called when all words are understood.
+    bool Open() {
+        openStatus = hardware.Open();
+        return openStatus == kSuccess;
+    }
+};
+
+void ShowHex(std::span<const uint8_t> bytes, ClOutput& output) {
+    char text[4];
+    for (const uint8_t& byte : bytes) {
+        std::snprintf(text, sizeof text, &byte == bytes.data() ? "%02x" : " %02x", byte);
+        output << text;
+    }
+    output << "\n";
+}
+
+// What an operation gives instead of the library's status.
+constexpr status_t kBadUsage = 0xFFFFFFFF, kNotOpen = 0xFFFFFFFE;
+
+status_t DoCPUID(Request_t& request) {
+    uint64_t leaf, subleaf = 0;
+    if (!request.Number(0, UINT32_MAX, &leaf)) return kBadUsage;
+    if (request.words.size() > 1 && !request.Number(1, UINT32_MAX, &subleaf)) return kBadUsage;
+    if (!request.Open()) return kNotOpen;
+    CPUIDRecord_t record = {};
+    record.Eax = static_cast<uint32_t>(leaf);
+    record.Ecx = static_cast<uint32_t>(subleaf);
+    const status_t status = ReadCPUID(request.cpu, &record);
+    if (status != kSuccess) return status;
+    char text[64];
+    std::snprintf(text, sizeof text, "eax %08x ebx %08x ecx %08x edx %08x\n", record.Eax, record.Ebx, record.Ecx,
+                  record.Edx);
+    request.output << text;
+    return kSuccess;
+}
+
+// "SEG:BUS:DEV.FN", all hexadecimal.
+bool ParsePlace(std::string_view text, uint64_t* segment, uint64_t* bus, uint64_t* device, uint64_t* function) {
+    const size_t first = text.find(':'), second = text.find(':', first + 1), dot = text.rfind('.');
+    if (first == text.npos || second == text.npos || dot == text.npos || dot < second) return false;
+    return ParseHex(text.substr(0, first), 0xFFFF, segment) &&
+           ParseHex(text.substr(first + 1, second - first - 1), 0xFF, bus) &&
+           ParseHex(text.substr(second + 1, dot - second - 1), 31, device) &&
+           ParseHex(text.substr(dot + 1), 7, function);
+}
+
+status_t DoPCI(Request_t& request) {
+    constexpr uint64_t kLegacySpace = 256, kWholeSpace = 4096;
+    uint64_t segment, bus, device, function;
+    if (!ParsePlace(request.words[0], &segment, &bus, &device, &function)) {
+        request.problem = "'" + request.words[0] + "' is no PCI function like 0000:00:03.0";
+        return kBadUsage;
+    }
+    uint64_t offset, size;
+    if (!request.Number(1, kWholeSpace - 1, &offset) || !request.Number(2, kWholeSpace - offset, &size))
+        return kBadUsage;
+    if (!request.Open()) return kNotOpen;
+    const auto location = static_cast<uint32_t>(segment << 16 | function << 13 | device << 8 | bus);
+    ClBuffer buffer(static_cast<uint32_t>(size));
+    const auto read = offset + size <= kLegacySpace ? PCIRead : PCIExRead;
+    const status_t status = read(location, static_cast<uint32_t>(offset), buffer.Get());
+    if (status == kSuccess) ShowHex(buffer.Bytes(), request.output);
+    return status;
+}
+
+status_t DoMemory(Request_t& request) {
+    uint64_t address, size;
+    if (!request.Number(0, UINT64_MAX, &address) || !request.Number(1, request.writes ? 8 : kMostBytes, &size))
+        return kBadUsage;
+    if (!request.Open()) return kNotOpen;
+    ClBuffer buffer(static_cast<uint32_t>(size), request.value);
+    if (request.writes) return PCIMMIOWriteStored(address, 0, buffer.Get());
+    const status_t status = GetSystemTables(address, 0, buffer.Get());
+    if (status == kSuccess) ShowBytes(buffer.Bytes(), request.output);
+    return status;
+}
+
+// The word in front of a register's number says what is to be done, and must agree with --write.
+bool SaysDirection(Request_t& request) {
+    const std::string& word = request.words[0];
+    if (word == (request.writes ? "write" : "read")) return true;
+    request.problem = word == "write"  ? std::string("write needs --write VALUE and --yes-write-hardware")
+                      : word == "read" ? std::string("read and --write exclude each other")
+                                       : "'" + word + "' is neither read nor write";
+    return false;
+}
+
+status_t DoMSR(Request_t& request) {
+    uint64_t number;
+    if (!SaysDirection(request) || !request.Number(1, UINT32_MAX, &number)) return kBadUsage;
+    if (!request.Open()) return kNotOpen;
+    MSRRecord_t record = {};
+    record.Cpu = request.cpu == kAnyProcessor ? 0 : request.cpu;
+    record.Msr = static_cast<uint32_t>(number);
+    record.HiContent = static_cast<uint32_t>(request.value >> 32);
+    record.LoContent = static_cast<uint32_t>(request.value);
+    if (request.writes) return WriteMSR(&record);
+    const status_t status = ReadMSR(&record);
+    if (status != kSuccess) return status;
+    char text[24];
+    std::snprintf(text, sizeof text, "%08x%08x\n", record.HiContent, record.LoContent);
+    request.output << text;
+    return kSuccess;
+}
+
+status_t DoPort(Request_t& request) {
+    uint64_t port, size;
+    if (!SaysDirection(request) || !request.Number(1, UINT16_MAX, &port) || !request.Number(2, 4, &size))
+        return kBadUsage;
+    if (!request.Open()) return kNotOpen;
+    ClBuffer buffer(static_cast<uint32_t>(size), request.value);
+    if (request.writes) return ConfigureWakeUpTimer(static_cast<uint16_t>(port), buffer.Get());
+    const status_t status = ReadWakeupTimer(static_cast<uint16_t>(port), buffer.Get());
+    if (status == kSuccess) ShowHex(buffer.Bytes(), request.output);
+    return status;
+}
+
+status_t DoACPI(Request_t& request) {
+    DataBuffer_t* table = nullptr;
+    status_t status = GetACPITable(request.words[0].c_str(), &table);
+    if (status != kSuccess) return status;
+    const std::span<const uint8_t> bytes(table->Data(), table->Size);
+    if (request.out.empty())
+        ShowBytes(bytes, request.output);
+    else if (!WriteNewFile(request.out, bytes))
+        status = kFailure;
+    os_free(table);
+    return status;
+}
+
+status_t DoSegments(Request_t& request) {
+    std::vector<SegBusInfo_t> segments(kMaxSegments);
+    const status_t status = GetSegBusInfo(segments.data());
+    if (status != kSuccess) return status;
+    request.output << "Segment  Buses  Configuration space\n";
+    char text[64];
+    for (uint32_t place = 0; place < segments[0].SegmentCount; place++) {
+        const SegBusInfo_t& segment = segments[place];
+        const uint32_t number = segment.Segment, first = segment.StartBus, last = segment.EndBus;
+        std::snprintf(text, sizeof text, "   %04x  %02x-%02x  0x%llx\n", number, first, last,
+                      static_cast<unsigned long long>(segment.BaseAddress));
+        request.output << text;
+    }
+    return kSuccess;
+}
+
+status_t DoVersions(Request_t& request) {
+    if (!request.Open()) return kNotOpen;
+    LibVersion_t library = {};
+    status_t status = GetFERROXLibVersion(&library);
+    if (status != kSuccess) return status;
+    request.output << "Library  " << library.Major << "." << library.Minor << "." << library.Revision << "."
+                   << library.Build << "\n";
+    const struct {
+        const char* name;
+        status_t (*get)(uint32_t* version);
+    } kOthers[] = {
+        {"Driver   ", GetFERROXDriverVersion},
+        {"PCI      ", GetPCILibVersion      },
+        {"I/O      ", GetIOLibVersion       },
+        {"CPU      ", GetCPULibVersion      },
+    };
+    for (const auto& other : kOthers) {
+        uint32_t version = 0;
+        status = other.get(&version);
+        if (status != kSuccess) return status;
+        request.output << other.name << std::to_string(version >> 16) << "." << std::to_string(version & 0xFFFF)
+                       << "\n";
+    }
+    return kSuccess;
+}
+
+struct Operation_t {
+    std::string_view name;
+    size_t leastWords, mostWords;  // behind the name
+    bool canWrite;
+    status_t (*run)(Request_t& request);
+};
+constexpr Operation_t kOperations[] = {
+    {"cpuid",    1, 2, false, DoCPUID   },
+    {"pci",      3, 3, false, DoPCI     },
+    {"mem",      2, 2, true,  DoMemory  },
+    {"msr",      2, 2, true,  DoMSR     },
+    {"port",     3, 3, true,  DoPort    },
+    {"acpi",     1, 1, false, DoACPI    },
+    {"segments", 0, 0, false, DoSegments},
+    {"versions", 0, 0, false, DoVersions},
+};
+
+std::string Reason(status_t status) {
+    return std::string(WordsOf(status)) + " (status " + std::to_string(status) + "); most hardware needs root";
+}
+
+}  // namespace
+
+int RunHardware(const Arguments_t& arguments) {
+    std::vector<std::string> words;
+    std::string cpuName, valueName, out;
+    bool yes = false;
+    const Option_t options[] = {
+        {"operation", "OPERATION", "The operation, and what it needs", &words,                 true},
+        {"--cpu",           "N",                "Processor number, from 0 (any if absent)",                                     &cpuName },
+        {"--out",           "FILE",                "Write an ACPI table into this new file",                                  &out},
+        {"--write",           "VALUE",              "Write VALUE instead of reading",                               &valueName        },
+        {"--yes-write-hardware",           nullptr, "Yes, write to the hardware",                  &yes   },
+    };
+    int exitCode = kExitDone;
+    if (!ParseCommandLine(kUsage, options, arguments, &exitCode)) return exitCode;
+    const auto badUsage = [&](const std::string& problem) {
+        SayBadUsage(kUsage, problem, &exitCode);
+        return exitCode;
+    };
+    const Operation_t* operation = std::ranges::find(kOperations, words.front(), &Operation_t::name);
+    if (operation == std::end(kOperations)) return badUsage("'" + words.front() + "' is no operation");
+    ClOutput output;
+    Request_t request(std::span<const std::string>(words).subspan(1), output);
+    request.out = out;
+    if (request.words.size() < operation->leastWords || request.words.size() > operation->mostWords)
+        return badUsage(words.front() + " takes other arguments");
+    uint64_t cpu = kAnyProcessor;
+    if (!cpuName.empty() && !ParseNumber(cpuName, kAnyProcessor - 1, &cpu))
+        return badUsage("--cpu: '" + cpuName + "' is no processor number");
+    request.cpu = static_cast<uint32_t>(cpu);
+    request.writes = !valueName.empty();
+    if (request.writes && !operation->canWrite) return badUsage(words.front() + " writes nothing");
+    if (request.writes && !ParseNumber(valueName, UINT64_MAX, &request.value))
+        return badUsage("--write: '" + valueName + "' is no number");
+    if (request.writes != yes) return badUsage("writing takes both --write VALUE and --yes-write-hardware");
+    const status_t status = operation->run(request);
+    if (status == kBadUsage) return badUsage(request.problem);
+    if (status == kNotOpen) {
+        SayError("the hardware library", "it can't be opened: " + Reason(request.openStatus));
+        return kExitNo;
+    }
+    const bool isWritten = output.Finish();
+    if (status != kSuccess) SayError("hw " + words.front(), Reason(status));
+    return status == kSuccess && isWritten ? kExitDone : kExitNo;
+}
