@@ -65,10 +65,11 @@ bench:
 	@cmake --build --preset bench
 	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json
 
-# Each fuzzer for a minute.
+# Each fuzzer for a minute, or for FUZZ_SECONDS.
+FUZZ_SECONDS = 60
 fuzz:
 	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)
-	@cmake --preset fuzz >/dev/null
+	@cmake --preset fuzz -DQUORLIN_FUZZ_SECONDS=$(FUZZ_SECONDS) >/dev/null
 	@cmake --build --preset fuzz --target fuzz
 
 format:

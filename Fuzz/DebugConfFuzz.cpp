@@ -1,14 +1,8 @@
 // Any bytes as a debug.conf, from a stream and as a host's text. Both end in a status, and agree.
 #include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <string_view>
 
+#include "Fuzz/Fuzz.h"
 #include "Packages/Debug/DebugInternal.h"
-
-static void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 static status_t ReadAsStream(const std::string& bytes) {
     FILE* stream = fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "r");
@@ -30,14 +24,6 @@ static void OpenHandles() {
         Require((handles[i]->TraceFormat & ~kAllFormats) == 0);
     }
     for (DebugHandle_t handle : handles) Require(DebugLibExit(handle) == kSuccess);
-}
-
-// Files that the bytes name are not to be opened. The key may be broken up by white space.
-static bool NamesAFile(const std::string& bytes) {
-    std::string plain;
-    for (const char c : bytes)
-        if (std::string_view(" \t\n\v\f\r").find(c) == std::string_view::npos) plain += c;
-    return plain.find("FileName") != std::string::npos;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

@@ -63,9 +63,9 @@ class ClPackageInUse {
     Quorlin* operator->() { return &m_package; }
 
   private:
+    Quorlin m_package{Quorlin::kSweep};  // first: without memory for it, nothing has been changed yet
     MachineChoice_t m_chosen;
     LPTOP_LEVEL_EXCEPTION_FILTER m_filter;
-    Quorlin m_package{Quorlin::kSweep};
 };
 
 uint32_t KindOf(std::string_view key, std::string_view value) {

@@ -14,7 +14,8 @@ if(QUORLIN_SANITIZE)
 endif()
 if(QUORLIN_FUZZ)
   # What guides the search; the search itself is linked into each fuzzer.
-  target_compile_options(quorlin_flags INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_options(quorlin_flags INTERFACE -fsanitize=fuzzer-no-link
+    -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/Fuzz/Ignored.txt)
 endif()
 if(WIN32)
   # No MinGW library is needed beside ours.

@@ -12,3 +12,6 @@ int RunDump(const Arguments_t& arguments);
 int RunRaw(const Arguments_t& arguments);
 int RunCheck(const Arguments_t& arguments);
 int RunHardware(const Arguments_t& arguments);
+
+// Runs the command that the first argument names, or show; gives the program's exit code.
+int RunProgram(Arguments_t arguments);

@@ -81,7 +81,7 @@ bool EqualsIgnoringCase(std::string_view first, std::string_view second) {
 }
 
 bool ContainsIgnoringCase(std::string_view text, std::string_view part) {
-    return !std::ranges::search(text, part, SameLetter).empty() || part.empty();
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), SameLetter) != text.end() || part.empty();
 }
 
 std::string HandleText(uint16_t handle) {

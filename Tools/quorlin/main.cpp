@@ -1,47 +1,17 @@
-// The host program: its commands, and the choice among them.
-#include <algorithm>
+// The host program.
 #include <new>
+#include <utility>
 
 #include "Packages/Platform/Program.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
 
-namespace {
-
-struct Command_t {
-    std::string_view name;
-    int (*run)(const Arguments_t& arguments);  // those behind the command's name; gives the exit code
-};
-constexpr Command_t kCommands[] = {
-    {"show",  RunShow    },
-    {"types", RunTypes   },
-    {"find",  RunFind    },
-    {"get",   RunGet     },
-    {"dump",  RunDump    },
-    {"raw",   RunRaw     },
-    {"check", RunCheck   },
-    {"diff",  RunDiff    },
-    {"hw",    RunHardware},
-};
-
-int Run(int argc, char** argv) {
+int main(int argc, char** argv) try {
     PrepareStandardOutput();
     Arguments_t arguments = ProgramArguments(argc, argv);
     if (!arguments.empty()) arguments.erase(arguments.begin());
-    // Without a command the options are those of show.
-    if (arguments.empty() || arguments.front().starts_with('-')) return RunShow(arguments);
-    const Command_t* command = std::ranges::find(kCommands, arguments.front(), &Command_t::name);
-    if (command == std::end(kCommands)) {
-        SayError("bad usage", "'" + arguments.front() + "' is no command; try quorlin --help");
-        return kExitUsage;
-    }
-    arguments.erase(arguments.begin());
-    return command->run(arguments);
-}
-
-}  // namespace
-
-int main(int argc, char** argv) try { return Run(argc, argv); } catch (const std::bad_alloc&) {
+    return RunProgram(std::move(arguments));
+} catch (const std::bad_alloc&) {
     SayError("memory", "not enough for this table");
     return kExitTrouble;
 }

@@ -1,0 +1,60 @@
+// Any answers of the firmware-table service to the questions for ACPI tables, MCFG among them. In front of the table:
+// how the service errs (1 byte), and a location of configuration space (4 bytes).
+#include <cstring>
+
+#include "Fuzz/Fuzz.h"
+#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/OS/OS.h"
+#include "Packages/Platform/Platform.h"
+
+static std::vector<uint8_t> answer;
+static uint8_t errs;
+
+// The service, in place of the platform's: a table that goes away, grows or shrinks between two questions.
+UINT GetSystemFirmwareTable(DWORD, DWORD, PVOID buffer, DWORD size) {
+    size_t now = answer.size();
+    if (buffer != nullptr) {
+        if ((errs & 1) != 0) now = 0;
+        if ((errs & 2) != 0) now += 16;
+        if ((errs & 4) != 0) now /= 2;
+        if (now <= size) std::memcpy(buffer, answer.data(), std::min(now, answer.size()));
+    }
+    return static_cast<UINT>(now);
+}
+
+static void FetchTables() {
+    DataBuffer_t* table = nullptr;
+    if (GetACPITable("MCFG", &table) == kSuccess) {
+        Require(table->Size <= answer.size());
+        Require(std::memcmp(table->Data(), answer.data(), table->Size) == 0);
+        os_free(table);
+    }
+    uint32_t size = 0;
+    if (GetACPITableEx("MCFG", nullptr, &size) != kSuccess) return;
+    std::vector<uint8_t> block(sizeof(DataBuffer_t) + size);
+    auto* buffer = reinterpret_cast<DataBuffer_t*>(block.data());
+    buffer->Size = size;
+    if (GetACPITableEx("MCFG", buffer, &size) == kSuccess) Require(size <= buffer->Size);
+}
+
+static void FindSegments(uint32_t location) {
+    std::vector<SegBusInfo_t> segments(kMaxSegments);
+    uint32_t count = 0;
+    if (OSGetSegBusInfoWithCount(segments.data(), &count) == kSuccess) {
+        Require(count > 0 && count <= kMaxSegments && 44 + 16 * size_t{count} <= answer.size());
+        for (uint32_t index = 0; index < count; index++) Require(segments[index].SegmentCount == count);
+    }
+    uint64_t base = 0;
+    if (OSGetPCIExCfgBaseAddr(&base, location) == kSuccess) Require(count > 0);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    ClInput input(data, size);
+    errs = input.Take<uint8_t>();
+    const auto location = input.Take<uint32_t>();
+    answer = input.Rest();
+    FetchTables();
+    FindSegments(location);
+    return 0;
+}

@@ -1,0 +1,37 @@
+// A table decoded as a whole: the sweep, every item, every explicit type, and the end.
+#pragma once
+
+#include "Fuzz/Fuzz.h"
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Sources/Quorlin.h"
+#include "Sources/SMBIOSType.h"
+
+// Reads all items that the cursor hasn't passed; each is one line of the one form.
+inline void ReadItems(BaseAbstraction& package, uint32_t expected) {
+    uint32_t count = 0;
+    for (std::string line; package.GetNextItem(line) == kSuccess; count++) {
+        Require(line.size() >= 6 && line.front() == '"' && line.back() == '"');
+        Require(line.find("\", \"") != std::string::npos);
+    }
+    Require(count == expected);
+}
+
+// The source's table must live until this ends.
+inline void DecodeTable(const ImageSource_t& source) {
+    Require(SetImageMachine(&source) == kSuccess);
+    auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
+    Require(package != nullptr && package->Initialize() == kSuccess);
+    const uint32_t swept = package->GetItemCount();
+    ReadItems(*package, swept);
+    for (uint8_t type = 0; type < Quorlin::kSweep; type++) Require(package->GetTypes(type) == kSuccess);
+    const uint32_t all = package->GetItemCount();
+    Require(all >= swept);
+    ReadItems(*package, all - swept);
+    for (uint32_t index = 0; index < all; index++)
+        Require(package->GetItemValue(index) == package->Item(index).value.View());
+    Require(package->GetItemValue(all).empty());
+    Require(package->UnInitialize() == kSuccess);
+    // A package takes a table of version 0.0 for none, and leaves the store up.
+    if (StoreIsUp()) Require(LibSMBIOSExit() == kSuccess);
+    DestroySmbiosPackage(package);
+}

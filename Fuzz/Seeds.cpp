@@ -1,0 +1,119 @@
+// Writes the inputs that the fuzzers begin with, a folder for each fuzzer: seeds made of the sample, and the inputs
+// that once were findings.
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "Fuzz/Fuzz.h"
+#include "Packages/Format/Structures.h"
+#include "Packages/Format/TableFile.h"
+#include "Packages/Sample/Sample.h"
+
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
+struct Input_t {
+    const char* subject;  // of the fuzzer
+    const char* name;
+    std::string_view bytes;
+};
+
+// What fuzzing found, by what was wrong. Each stays here, so that no fault comes back.
+constexpr Input_t kRegressions[] = {
+    {"Table", "empty", ""sv},
+};
+
+constexpr Input_t kSeeds[] = {
+    {"Acpi",      "one-segment",
+     "\0\0\0\0\0MCFG\x3C\0\0\0\1\0QUORLNSAMPLE  \1\0\0\0QRLN\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\xE0\0\0\0\0\0\0\0\x7F\0\0\0\0"sv},
+    {"Acpi",      "length-above-size", "\0\0\0\0\0MCFG\xFF\xFF\xFF\xFF"sv                                                  },
+    {"Acpi",      "grows",             "\2\0\0\0\0MCFG\x2C\0\0\0"sv                                                        },
+    {"Acpi",      "goes-away",         "\1\0\0\0\0MCFG\x2C\0\0\0"sv                                                        },
+    {"Arguments", "show",              "--image\ndump\n--type\n17\n--format\njson"sv                                       },
+    {"Arguments", "lines",             "--sample\n--format\nlines\n--trace\nGlobal:TraceType<ErWaIn>"sv                    },
+    {"Arguments", "list",              "show\n--image-list\nnames\n--format\ncsv\n--verbose\n--recover"sv                  },
+    {"Arguments", "version",           "--image\ntable\n--smbios-version\n2.8\n--signature\n506C0h\n--as\nany"sv           },
+    {"Arguments", "types",             "types\n--sample"sv                                                                 },
+    {"Arguments", "find",              "find\n--sample\nDIMM"sv                                                            },
+    {"Arguments", "get",               "get\n--sample\nserial"sv                                                           },
+    {"Arguments", "dump",              "dump\n--sample\nout.bin"sv                                                         },
+    {"Arguments", "raw",               "raw\n--sample\n--handle\n1103"sv                                                   },
+    {"Arguments", "check",             "check\n--image\ntable"sv                                                           },
+    {"Arguments", "diff",              "diff\ndump\ntable"sv                                                               },
+    {"Arguments", "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                                  },
+    {"Container", "list",              "\0\0\1\0\2\4\5\2\0\3\1\7\2\6\4\1\2\5\0"sv                                          },
+    {"Container", "sorted-list",       "\1\0\5\0\1\4\x30\0\4\6\4\7\1\5\0"sv                                                },
+    {"Container", "red-black-tree",    "\2\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                              },
+    {"Container", "avl-tree",          "\3\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                              },
+};
+
+std::string Text(std::span<const uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
+
+class ClFolders {
+  public:
+    explicit ClFolders(const char* root) : m_root(root) {}
+
+    void Write(const std::string& subject, const std::string& name, std::string_view bytes) {
+        std::filesystem::create_directories(m_root / subject);
+        std::ofstream file(m_root / subject / name, std::ios::binary);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        file.close();
+        m_isWhole = m_isWhole && file.good();
+    }
+    bool IsWhole() const { return m_isWhole; }
+
+  private:
+    std::filesystem::path m_root;
+    bool m_isWhole = true;
+};
+
+// The sample, and each of its structures alone, whole and cut in its strings.
+void WriteTables(ClFolders& folders) {
+    const std::span<const uint8_t> sample = SampleTable();
+    const std::string head = "\xC0\x06\x05\0\3\0"s;  // signature and version
+    folders.Write("Table", "sample", head + Text(sample));
+    const auto length = static_cast<uint32_t>(sample.size());
+    for (uint32_t offset = 0; offset < length;) {
+        const TableStructure_t structure = StructureAt(sample.data(), length, offset);
+        const std::string bytes = head + Text({structure.data, structure.size});
+        const std::string name = "structure-" + std::to_string(structure.Type()) + "-" + std::to_string(offset);
+        folders.Write("Table", name, bytes);
+        if (structure.size > structure.Length() + 4u)
+            folders.Write("Table", name + "-cut", bytes.substr(0, bytes.size() - 3));
+        offset += structure.size;
+    }
+}
+
+// The forms of a file, each around a few structures of the sample.
+void WriteDumps(ClFolders& folders) {
+    const std::span<const uint8_t> table = SampleTable().first(512);
+    const auto write = [&](const char* name, char as, std::string_view bytes) {
+        folders.Write("Dump", name, std::string{as, '\1'}.append(bytes));
+    };
+    const std::string modern = Text(MakeDump(table, 3, 2)), old = Text(MakeDump(table, 2, 8));
+    write("64-bit-entry-point", 0, modern);
+    write("32-bit-entry-point", 0, old);
+    write("cut-entry-point", 1, old.substr(0, 0x1E));
+    write("cut-table", 1, modern.substr(0, 100));
+    write("bare-table", 0, Text(table));
+    write("answer", 3, "\0\3\2\0\0\2\0\0"sv.substr(0, 8));
+    write("whole-answer", 0, std::string("\0\3\2\0\0\2\0\0"sv) + Text(table));
+    // gzip of a bare End-of-Table, in one stored block
+    write("gzip", 0, "\x1F\x8B\x08\0\0\0\0\0\0\3\1\6\0\xF9\xFF\x7F\4\0\x7F\0\0\x1A\x97\x9B\xE1\6\0\0\0"sv);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    if (count != 2) return 1;
+    ClFolders folders(arguments[1]);
+    for (const Input_t& input : kSeeds) folders.Write(input.subject, input.name, input.bytes);
+    for (const Input_t& input : kRegressions)
+        folders.Write(input.subject, std::string("found-") + input.name, input.bytes);
+    WriteTables(folders);
+    WriteDumps(folders);
+    return folders.IsWhole() ? 0 : 1;
+}
