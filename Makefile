@@ -13,7 +13,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test asan windows install deb zip bench fuzz format lint clean
+.PHONY: build run test test-machine asan windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -29,6 +29,10 @@ test:
 	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
 	@cmake --build --preset release
 	@ctest --preset release
+
+# Boots a small Linux with an SMBIOS table in an emulator, and reads it there by both roads.
+test-machine:
+	@Tests/Machine/run.sh
 
 asan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)

@@ -40,7 +40,9 @@ class ClSMBIOSType7 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
 
+    // Kilobytes up to 1024, megabytes above, by the size's own granularity bit.
     static std::string GetCacheSizeString(uint16_t size);
+    // The types of the set bits, joined by ", "; "None" for none.
     static std::string GetCacheMemoryTypeString(uint16_t types);
     static std::string_view GetAssociativityString(uint8_t associativity);
 };
@@ -59,7 +61,9 @@ class ClSMBIOSType9 final : public ClSMBIOSType {
 
     static std::string_view GetSlotTypeString(uint8_t type);
     static std::string_view GetSlotDataBusWidthString(uint8_t width);
+    // The characteristics of the set bits, joined by ", "; "None" for 0.
     static std::string GetSlotCharacteristicsString(uint8_t characteristics);
+    // The same for the second byte of characteristics.
     static std::string GetSlotCharacteristics2String(uint8_t characteristics);
 };
 

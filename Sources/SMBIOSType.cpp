@@ -111,7 +111,7 @@ ClText ClText::Joined(std::initializer_list<std::string_view> pieces) {
     return text;
 }
 
-ItemPair* ClItemPool::New(ClText key, ClText value) {
+ItemPair* ClItemPool::New(ClText&& key, ClText&& value) {
     if (m_used == kBlockItems) {
         m_blocks.push_back(std::unique_ptr<Block_t>(new Block_t));  // its room stays as it is until an item takes it
         m_used = 0;
@@ -220,7 +220,7 @@ ClText ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
 ClText ShowBit16(const Field_t& field) { return BitText(field, field.Word()); }
 ClText ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
 
-void ClSMBIOSType::AddItem(ClText key, ClText value) {
+void ClSMBIOSType::AddItem(ClText&& key, ClText&& value) {
     m_items.push_back(m_pool->New(std::move(key), std::move(value)));
 }
 

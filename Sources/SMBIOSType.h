@@ -90,7 +90,7 @@ class ClItemPool {
     ~ClItemPool() { Clear(); }
 
     // Throws std::bad_alloc without memory.
-    ItemPair* New(ClText key, ClText value);
+    ItemPair* New(ClText&& key, ClText&& value);
     void Clear();
 
   private:
@@ -316,7 +316,7 @@ class ClSMBIOSType {
     std::vector<const ItemPair*> m_items;
 
   private:
-    void AddItem(ClText key, ClText value);
+    void AddItem(ClText&& key, ClText&& value);
 
     ClItemPool m_ownPool;
     ClItemPool* m_pool = &m_ownPool;

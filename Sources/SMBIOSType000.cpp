@@ -10,13 +10,16 @@ const char* BiosString(const Field_t& field) {
     return ParsedString(field.structure.Data(), kBiosBytes, kBiosStrings, field.row.offset);
 }
 
+// A string of the parsed record; "None" for number 0 or one that names no string.
 ClText ShowBiosString(const Field_t& field) {
     const char* text = BiosString(field);
     return text == nullptr ? "None" : text;
 }
 
+// In units of 64 KB, less one.
 ClText ShowRomSize(const Field_t& field) { return std::to_string((field.Byte() + 1) * 64) + " KB"; }
 
+// Hexadecimal, then decimal in parentheses; 255 says that there is none.
 ClText ShowRelease(const Field_t& field) {
     const uint8_t release = field.Byte();
     if (release == 255) return "255 (Not Supported)";

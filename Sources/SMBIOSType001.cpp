@@ -17,6 +17,7 @@ constexpr CodeText_t kWakeUpTypes[] = {
 };
 static_assert(IsRising(kWakeUpTypes));
 
+// A string of the parsed record; "None" for number 0 or one that names no string.
 ClText ShowSystemString(const Field_t& field) {
     const char* text = ParsedString(field.structure.Data(), kSystemBytes, kSystemStrings, field.row.offset);
     return field.Byte() == 0 || text == nullptr ? "None" : text;

@@ -34,11 +34,13 @@ const char* BoardString(const Field_t& field) {
     return ParsedString(field.structure.Data(), kBaseboardBytes, kBaseboardStrings, field.row.offset);
 }
 
+// A string of the parsed record; "None" for number 0 or one that names no string.
 ClText ShowBoardString(const Field_t& field) {
     const char* text = BoardString(field);
     return field.Byte() == 0 || text == nullptr ? "None" : text;
 }
 
+// The features of the set bits, joined by ", "; "None" for 0.
 ClText ShowFeatures(const Field_t& field) { return field.Byte() == 0 ? "None" : BitsText(kFeatures, field.Byte(), 8); }
 
 constexpr Rendering_t BoardText{ShowBoardString}, Features{ShowFeatures},

@@ -65,12 +65,14 @@ constexpr CodeText_t kSecurityStatuses[] = {
 };
 static_assert(IsRising(kSecurityStatuses));
 
+// A chassis type without its lock bit; "None" for 0.
 ClText ShowChassisType(const Field_t& field) {
     const uint8_t type = field.Byte();
     if (type == 0) return "None";
     return TextOf(kChassisTypes, type & kTypeMask, "Error: Invalid Type");
 }
 
+// Whether the lock bit is set; "None" for 0.
 ClText ShowLock(const Field_t& field) {
     const uint8_t type = field.Byte();
     if (type == 0) return "None";
@@ -83,6 +85,7 @@ ClText ShowHeight(const Field_t& field) {
     return units == 0 ? "Unspecified" : std::to_string(static_cast<int>(units * 4.445)) + " cm";
 }
 
+// Decimal; "Unspecified" for 0.
 ClText ShowCount(const Field_t& field) { return field.Byte() == 0 ? "Unspecified" : std::to_string(field.Byte()); }
 
 constexpr Rendering_t ChassisType{ShowChassisType}, Lock{ShowLock}, Height{ShowHeight}, Count{ShowCount},

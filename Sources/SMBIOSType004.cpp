@@ -115,10 +115,12 @@ constexpr CodeText_t kCharacteristics[] = {
 };
 static_assert(IsRising(kCharacteristics));
 
+// A processor family; two of them depend on the processor signature.
 ClText ShowFamily8(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Byte());
 }
 
+// A processor family; two of them depend on the processor signature.
 ClText ShowFamily16(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Word());
 }
@@ -151,6 +153,7 @@ ClText ShowCacheHandle(const Field_t& field) {
     return text.append(handle == 0xFFFF ? field.row.rendering.text : " ");
 }
 
+// The characteristics of the set bits, each with a closing bar; "None" for 0.
 ClText ShowCharacteristics(const Field_t& field) {
     const uint16_t characteristics = field.Word();
     return characteristics == 0 ? "None" : ClSMBIOSType4::GetProcessorCharacteristicsString(characteristics);

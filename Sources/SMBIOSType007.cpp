@@ -71,6 +71,7 @@ constexpr CodeText_t kAssociativities[] = {
 };
 static_assert(IsRising(kAssociativities));
 
+// Level, socket, location and operational mode, joined by "; ".
 ClText ShowConfiguration(const Field_t& field) {
     const uint16_t configuration = field.Word();
     std::string text{'L', static_cast<char>('1' + (configuration & kLevelMask))};
@@ -79,6 +80,7 @@ ClText ShowConfiguration(const Field_t& field) {
     return text.append("; ").append(TextOf(kModes, configuration >> kModeShift & 3, {}));
 }
 
+// Decimal, then " Ns"; 0 is unknown.
 ClText ShowSpeed(const Field_t& field) {
     const uint8_t speed = field.Byte();
     return std::to_string(speed) + (speed == 0 ? " Ns (unknown)" : " Ns ");

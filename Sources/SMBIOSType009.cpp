@@ -131,9 +131,13 @@ bool HasAddress(uint8_t slotType) {
     return slotType == 0x06 || slotType == 0x0F || slotType == 0x12 || (slotType >= 0xA5 && slotType <= 0xAA);
 }
 
+// Hexadecimal, 2 digits or more; "None" for 0.
 ClText ShowSlotId(const Field_t& field) { return field.Word() == 0 ? "None" : HexText(field.Word(), 2); }
+// Decimal, bits 3 to 7.
 ClText ShowDevice(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
+// Decimal, bits 0 to 2.
 ClText ShowFunction(const Field_t& field) { return std::to_string(field.Byte() & 7); }
+// The same text for every slot without an address.
 ClText ShowNoAddress(const Field_t&) { return "0FFh"; }
 
 constexpr Rendering_t SlotType = Text8<ClSMBIOSType9::GetSlotTypeString>,

@@ -3,6 +3,7 @@
 
 namespace {
 
+// Whether the device is enabled, and its type.
 ClText ShowDeviceType(const Field_t& field) {
     constexpr uint8_t kEnabled = 0x80;
     const uint8_t device = field.Byte();

@@ -58,12 +58,14 @@ std::string LanguageText(const char* language, std::string_view otherwise) {
     return text.append(" (").append(name).append(")");
 }
 
+// The lower-case language string and its name; a number of none is invalid.
 ClText ShowCurrentLanguage(const Field_t& field) {
     const uint8_t current = field.Byte(), installable = field.structure.Byte(0x04);
     if (current == 0 || current > installable) return "(Invalid Current Language)";
     return LanguageText(StringOf(field.structure.Data(), current), "(Language(s) not set)");
 }
 
+// The lower-case language string and its name.
 ClText ShowLanguage(const Field_t& field) {
     return LanguageText(StringOf(field.structure.Data(), field.row.rendering.number), " (Language(s) not set)");
 }

@@ -21,6 +21,7 @@ constexpr size_t kEntryCount = 0x04, kEntries = 0x05, kEntrySize = 7, kVersionIn
 // In front of a record's body stands its type.
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
+// A blank, then three bytes and a word in lower-case hexadecimal, joined by points.
 ClText ShowVersion(const Field_t& field) {
     const ClStructure& member = field.structure;
     const size_t offset = field.row.offset;

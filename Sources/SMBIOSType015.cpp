@@ -11,6 +11,7 @@ constexpr size_t kDescriptorCount = 0x15, kDescriptors = 0x17, kDescriptorSize =
 // Bits of the log status.
 constexpr uint8_t kAreaValid = 0x01, kAreaFull = 0x02;
 
+// Hexadecimal, then what its two low bits say.
 ClText ShowLogStatus(const Field_t& field) {
     const uint8_t status = field.Byte();
     return HexText(status, 2)
@@ -28,6 +29,7 @@ std::string_view HeaderFormat(uint8_t format) {
     return "BIOS or OEM specific header type";
 }
 
+// Hexadecimal, then the format in parentheses.
 ClText ShowHeaderFormat(const Field_t& field) {
     return HexText(field.Byte(), 2).append(" (").append(HeaderFormat(field.Byte())).append(")");
 }

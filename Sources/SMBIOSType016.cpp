@@ -43,6 +43,7 @@ constexpr CodeText_t kErrorCorrections[] = {
 };
 static_assert(IsRising(kErrorCorrections));
 
+// A location; other values are invalid.
 ClText ShowLocation(const Field_t& field) { return ClSMBIOSType16::GetLocationString(field.Byte()); }
 
 // The high and the low half, each with its "h".

@@ -104,15 +104,20 @@ std::string Revalidated(std::string_view text) {
     return result;
 }
 
+// A form factor; other values show their number.
 ClText ShowFormFactor(const Field_t& field) { return ClSMBIOSType17::GetFormFactorString(field.Byte()); }
+// A memory type; other values show their number.
 ClText ShowMemoryType(const Field_t& field) { return ClSMBIOSType17::GetMemoryTypeString(field.Byte()); }
+// The details of the set bits, joined by ", "; "None" for 0.
 ClText ShowTypeDetail(const Field_t& field) { return ClSMBIOSType17::GetTypeDetailString(field.Word()); }
 
+// A string in valid UTF-8, control characters as points; "None" for number 0.
 ClText ShowPartNumber(const Field_t& field) {
     if (field.Byte() == 0) return "None";
     return ClSMBIOSType17::GetCleanPartNumber(StringOf(field.structure.Data(), field.Byte()));
 }
 
+// Right-aligned in 8 characters, then " MB", where the size is 7FFFh; "0" elsewhere.
 ClText ShowExtendedSize(const Field_t& field) {
     if (field.structure.Word(kSize) != kSizeIsExtended) return "0";
     std::string size = std::to_string(field.Dword());

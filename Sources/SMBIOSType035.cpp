@@ -7,6 +7,7 @@ namespace {
 constexpr size_t kThresholdHandle = 0x09;
 constexpr uint16_t kNoThreshold = 0xFFFF;
 
+// The one text for the handle FFFFh; other handles give no item.
 ClText ShowNoThreshold(const Field_t&) { return "No Threshold Data structure is associated with this component"; }
 
 constexpr Rendering_t NoThreshold{ShowNoThreshold};

@@ -64,8 +64,10 @@ ClText ShowRevision(const Field_t& field) {
     return std::string("Revision ") + digits[0] + "." + digits[1];
 }
 
+// What bits 6 and 7 say.
 ClText ShowRegisterSpacing(const Field_t& field) { return TextOf(kRegisterSpacings, field.Byte() >> 6, {}); }
 
+// The same text for every value.
 ClText ShowReserved(const Field_t&) { return "Reserved"; }
 
 constexpr Rendering_t InterfaceType = Enum8(kInterfaceTypes, "Error: Invalid Interface Type");

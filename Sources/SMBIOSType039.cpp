@@ -44,6 +44,7 @@ constexpr CodeText_t kYesNo[] = {
 };
 static_assert(IsRising(kYesNo));
 
+// Hexadecimal, then whether the supply is one of a redundant group.
 ClText ShowUnitGroup(const Field_t& field) {
     const uint8_t group = field.Byte();
     return HexText(group, 2) +
@@ -51,10 +52,13 @@ ClText ShowUnitGroup(const Field_t& field) {
                        : " Redundancy. At least one other power supply will be enumerated with the same value");
 }
 
+// What bits 10 to 15 say.
 ClText ShowSupplyType(const Field_t& field) { return TextOf(kSupplyTypes, field.Word() >> 10, "Reserved"); }
 
+// What bits 7 to 9 say.
 ClText ShowStatus(const Field_t& field) { return TextOf(kStatuses, field.Word() >> 7 & 7, "Error: Invalid Status"); }
 
+// What bits 3 to 6 say.
 ClText ShowRangeSwitching(const Field_t& field) { return TextOf(kRangeSwitchings, field.Word() >> 3 & 15, "Reserved"); }
 
 // The handle of a structure that the supply may lack.

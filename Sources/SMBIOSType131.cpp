@@ -35,6 +35,7 @@ std::string ZeroXHex(uint32_t value) {
 // The bits of `mask`, where they stand.
 ClText ShowMasked(const Field_t& field) { return ZeroXHex(field.Dword() & field.row.rendering.number); }
 
+// Bits 3 to 7, shifted down, as 0x and hexadecimal digits.
 ClText ShowDevice(const Field_t& field) { return ZeroXHex(field.Dword() >> 3 & 0x1F); }
 
 constexpr Rendering_t Masked(uint32_t mask) { return {ShowMasked, {}, {}, mask}; }

@@ -3,6 +3,7 @@
 
 namespace {
 
+// 0X and upper-case hexadecimal digits.
 ClText ShowPort(const Field_t& field) {
     std::string text = "0X" + HexText(field.Word(), 0);
     text.pop_back();  // the "h"

@@ -21,6 +21,8 @@ if(WIN32)
   # No MinGW library is needed beside ours.
   target_link_options(quorlin_flags INTERFACE -static -fstack-protector-strong
     -Wl,--dynamicbase,--nxcompat,--high-entropy-va -Wl,--no-insert-timestamp)
+  # Stripped by the linker: the strip program would put the time of day into the file.
+  target_link_options(quorlin_flags INTERFACE $<$<CONFIG:Release>:-s>)
 else()
   target_link_options(quorlin_flags INTERFACE -Wl,-z,relro,-z,now)
 endif()

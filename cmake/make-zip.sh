@@ -5,8 +5,8 @@ set -eu
 build=$1
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 name=quorlin-$version-windows-x86_64
-rm -rf "$build/zip"
-DESTDIR='' cmake --install "$build" --prefix "$build/zip/$name" --strip >/dev/null
+rm -rf "$build/zip" "$build/$name.zip"
+DESTDIR='' cmake --install "$build" --prefix "$build/zip/$name" >/dev/null
 cp README.md CHANGELOG.md Docs/Library.md "$build/zip/$name"
 cp -r Docs/examples "$build/zip/$name"
 cd "$build/zip"

@@ -31,7 +31,7 @@ const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflat
     stream.avail_in = static_cast<uInt>(bytes.size());
     int status = Z_OK;
     inflated->clear();
-    while (status == Z_OK && inflated->size() <= kMostTableBytes) {
+    while (status == Z_OK && inflated->size() <= kMostFileBytes) {
         const size_t size = inflated->size();
         inflated->resize(size + (32u << 10));
         stream.next_out = inflated->data() + size;

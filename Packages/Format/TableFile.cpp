@@ -127,9 +127,9 @@ bool FormByName(std::string_view name, TableForm_t* form) {
     return true;
 }
 
-TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {
+static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm_t as) {
     if (bytes.empty()) return NoTable("empty; try a file that holds a dump");
-    if (bytes.size() > kMostTableBytes)
+    if (bytes.size() > kMostFileBytes)
         return NoTable("larger than 64 MiB, so not a table; try the file that holds the dump");
     switch (as) {
         case TableForm_t::kDump: return FindBehindEntryPoint(bytes);
@@ -142,6 +142,12 @@ TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {
     if (BeginsWithAnswer(bytes)) return FindBehindAnswer(bytes);
     if (BeginsWithStructure(bytes)) return WholeTable(bytes);
     return NoTable("not a table: neither an entry point nor a structure at its begin; try a dump or a bare table");
+}
+
+TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {
+    const TableFound_t found = FindTableOfAnySize(bytes, as);
+    if (found.table.size() <= kMostTableBytes) return found;
+    return NoTable("its table is larger than 4 MiB, so it isn't one; try the file that holds the dump");
 }
 
 TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<const uint8_t> table) {

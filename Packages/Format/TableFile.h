@@ -9,8 +9,11 @@
 
 #include "Packages/OS/Status.h"
 
-inline constexpr size_t kMostTableBytes = 64u << 20;  // far above any table
-inline constexpr size_t kTableOffset = 32;            // in dumps whose entry point keeps the table's physical address
+inline constexpr size_t kMostFileBytes = 64u << 20;  // far above any dump
+// Far above any table: 65,536 structures, as many as there are handles, of 64 bytes each. What is larger is no table,
+// and its pieces would fill the memory.
+inline constexpr size_t kMostTableBytes = 4u << 20;
+inline constexpr size_t kTableOffset = 32;  // in dumps whose entry point keeps the table's physical address
 
 enum class TableForm_t : uint8_t {
     kAny,            // as the content tells
@@ -43,7 +46,7 @@ TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as);
 // The same from the two files of a folder.
 TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<const uint8_t> table);
 
-// Files compressed with gzip. Inflate gives null and the bytes, or why it can't; at most kMostTableBytes come out.
+// Files compressed with gzip. Inflate gives null and the bytes, or why it can't; at most kMostFileBytes come out.
 bool IsCompressed(std::span<const uint8_t> bytes);
 const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflated);
 

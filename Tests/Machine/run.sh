@@ -9,7 +9,7 @@ cd "$(dirname "$0")/../.."
 work=$PWD/build/machine
 jobs=${*:-pc q35 sample sm3 lockdown}
 
-cmake/install-packages.sh g++ cmake ninja-build libcli11-dev rapidjson-dev libgtest-dev qemu-system-x86 seabios \
+cmake/install-packages.sh g++ cmake ninja-build rapidjson-dev zlib1g-dev libgtest-dev qemu-system-x86 seabios \
     busybox-static xz-utils
 
 # Debian's kernel, unpacked and never installed. Unpacked it starts twice as fast: the payload's place stands in the
@@ -18,6 +18,9 @@ number() { od -An -t"$3" -j "$2" -N "${3#u}" "$1" | tr -d ' '; }
 if [ ! -s "$work/kernel/vmlinux" ]; then
     rm -rf "$work/kernel"
     mkdir -p "$work/kernel"
+    sudo=
+    [ "$(id -u)" = 0 ] || sudo=sudo
+    apt-cache show linux-image-amd64 >/dev/null 2>&1 || $sudo apt-get update -qq
     package=$(apt-cache depends linux-image-amd64 | sed -n 's/.*Depends: \(linux-image-[^ ]*\).*/\1/p' | head -n 1)
     (cd "$work/kernel" && apt-get download -qq "$package" 2>/dev/null && dpkg -x "$package"_*.deb .)
     image=$(echo "$work"/kernel/boot/vmlinuz-*)
@@ -29,14 +32,19 @@ if [ ! -s "$work/kernel/vmlinux" ]; then
 fi
 
 # Programs that need nothing of the guest.
-cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF >/dev/null
-cmake --build "$work/programs" --target quorlin_program MachineTest PlatformTest sample_files >/dev/null
+cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
+    -DZLIB_USE_STATIC_LIBS=ON >/dev/null
+cmake --build "$work/programs" --target quorlin_program MachineTest PlatformTest sample_files >"$work/build.log" || {
+    tail -40 "$work/build.log"
+    exit 1
+}
 rm -rf "$work/root" "$work/sample"
-mkdir -p "$work/root/bin" "$work/root/etc" "$work/sample"
+mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work/sample"
 "$work/programs/bin/sample_files" "$work/sample" >"$work/sample/options"
 cp "$work"/programs/bin/quorlin "$work"/programs/bin/MachineTest "$work"/programs/bin/PlatformTest /bin/busybox \
     "$work/root/bin"
 cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
+ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests look for it
 chmod 755 "$work/root/init"
 printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >"$work/root/etc/passwd"
 (cd "$work/root" && find . | busybox cpio -o -H newc 2>/dev/null | gzip -1) >"$work/initramfs"

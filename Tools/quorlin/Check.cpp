@@ -34,17 +34,16 @@ struct Finding_t {
 // Codes that the oldest version of their type doesn't have. In a structure too short for one its decoder reads on into
 // the string area, and what it reads there is no code.
 struct LateCode_t {
-    uint8_t type;
     std::string_view key;
-    uint8_t offset;
+    uint8_t type, offset;
 };
 constexpr LateCode_t kLateCodes[] = {
-    {1, "Wake-up Type",       0x18},
-    {2, "Board Type",         0x0D},
-    {3, "Bootup State",       0x09},
-    {3, "Power Supply State", 0x0A},
-    {3, "Thermal State",      0x0B},
-    {3, "Security Status",    0x0C},
+    {"Wake-up Type",       1, 0x18},
+    {"Board Type",         2, 0x0D},
+    {"Bootup State",       3, 0x09},
+    {"Power Supply State", 3, 0x0A},
+    {"Thermal State",      3, 0x0B},
+    {"Security Status",    3, 0x0C},
 };
 
 std::string Hex(uint32_t number) {

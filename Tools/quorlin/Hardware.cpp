@@ -59,20 +59,48 @@ class ClBuffer {
     std::vector<uint8_t> m_block;
 };
 
+// Keeps the hardware library open from Open on.
+class ClHardware {
+  public:
+    ClHardware() = default;
+    ~ClHardware() {
+        if (m_isOpen) FERROXTerminate();
+    }
+    ClHardware(const ClHardware&) = delete;
+    ClHardware& operator=(const ClHardware&) = delete;
+    status_t Open() {
+        const status_t status = FERROXInitialize();
+        m_isOpen = status == kSuccess;
+        return status;
+    }
+
+  private:
+    bool m_isOpen = false;
+};
+
 // What the command line holds, and where results go.
 struct Request_t {
+    Request_t(std::span<const std::string> theWords, ClOutput& theOutput) : words(theWords), output(theOutput) {}
+
     std::span<const std::string> words;  // behind the operation's name
     uint32_t cpu = kAnyProcessor;
     bool writes = false;
     uint64_t value = 0;  // to be written
     std::string out;
     ClOutput& output;
-    std::string problem;  // bad usage, when an operation gives nullopt
+    std::string problem;  // what is wrong with the words, for kBadUsage
+    ClHardware hardware;
+    status_t openStatus = kSuccess;  // for kNotOpen
 
     bool Number(size_t word, uint64_t most, uint64_t* number) {
         if (ParseNumber(words[word], most, number)) return true;
         problem = "'" + words[word] + "' is no number within 0 to " + std::to_string(most);
         return false;
+    }
+    // To be called when all words are understood.
+    bool Open() {
+        openStatus = hardware.Open();
+        return openStatus == kSuccess;
     }
 };
 
@@ -85,13 +113,14 @@ void ShowHex(std::span<const uint8_t> bytes, ClOutput& output) {
     output << "\n";
 }
 
-// An operation's status; kBadUsage when its words are bad, with the request's problem set.
-constexpr status_t kBadUsage = 0xFFFFFFFF;
+// What an operation gives instead of the library's status.
+constexpr status_t kBadUsage = 0xFFFFFFFF, kNotOpen = 0xFFFFFFFE;
 
 status_t DoCPUID(Request_t& request) {
     uint64_t leaf, subleaf = 0;
     if (!request.Number(0, UINT32_MAX, &leaf)) return kBadUsage;
     if (request.words.size() > 1 && !request.Number(1, UINT32_MAX, &subleaf)) return kBadUsage;
+    if (!request.Open()) return kNotOpen;
     CPUIDRecord_t record = {};
     record.Eax = static_cast<uint32_t>(leaf);
     record.Ecx = static_cast<uint32_t>(subleaf);
@@ -104,19 +133,28 @@ status_t DoCPUID(Request_t& request) {
     return kSuccess;
 }
 
+// "SEG:BUS:DEV.FN", all hexadecimal.
+bool ParsePlace(std::string_view text, uint64_t* segment, uint64_t* bus, uint64_t* device, uint64_t* function) {
+    const size_t first = text.find(':'), second = text.find(':', first + 1), dot = text.rfind('.');
+    if (first == text.npos || second == text.npos || dot == text.npos || dot < second) return false;
+    return ParseHex(text.substr(0, first), 0xFFFF, segment) &&
+           ParseHex(text.substr(first + 1, second - first - 1), 0xFF, bus) &&
+           ParseHex(text.substr(second + 1, dot - second - 1), 31, device) &&
+           ParseHex(text.substr(dot + 1), 7, function);
+}
+
 status_t DoPCI(Request_t& request) {
     constexpr uint64_t kLegacySpace = 256, kWholeSpace = 4096;
-    unsigned segment, bus, device, function;
-    char rest;
-    if (std::sscanf(request.words[0].c_str(), "%4x:%2x:%2x.%1x%c", &segment, &bus, &device, &function, &rest) != 4 ||
-        device > 31 || function > 7) {
+    uint64_t segment, bus, device, function;
+    if (!ParsePlace(request.words[0], &segment, &bus, &device, &function)) {
         request.problem = "'" + request.words[0] + "' is no PCI function like 0000:00:03.0";
         return kBadUsage;
     }
     uint64_t offset, size;
     if (!request.Number(1, kWholeSpace - 1, &offset) || !request.Number(2, kWholeSpace - offset, &size))
         return kBadUsage;
-    const uint32_t location = segment << 16 | function << 13 | device << 8 | bus;
+    if (!request.Open()) return kNotOpen;
+    const auto location = static_cast<uint32_t>(segment << 16 | function << 13 | device << 8 | bus);
     ClBuffer buffer(static_cast<uint32_t>(size));
     const auto read = offset + size <= kLegacySpace ? PCIRead : PCIExRead;
     const status_t status = read(location, static_cast<uint32_t>(offset), buffer.Get());
@@ -128,6 +166,7 @@ status_t DoMemory(Request_t& request) {
     uint64_t address, size;
     if (!request.Number(0, UINT64_MAX, &address) || !request.Number(1, request.writes ? 8 : kMostBytes, &size))
         return kBadUsage;
+    if (!request.Open()) return kNotOpen;
     ClBuffer buffer(static_cast<uint32_t>(size), request.value);
     if (request.writes) return PCIMMIOWriteStored(address, 0, buffer.Get());
     const status_t status = GetSystemTables(address, 0, buffer.Get());
@@ -148,6 +187,7 @@ bool SaysDirection(Request_t& request) {
 status_t DoMSR(Request_t& request) {
     uint64_t number;
     if (!SaysDirection(request) || !request.Number(1, UINT32_MAX, &number)) return kBadUsage;
+    if (!request.Open()) return kNotOpen;
     MSRRecord_t record = {};
     record.Cpu = request.cpu == kAnyProcessor ? 0 : request.cpu;
     record.Msr = static_cast<uint32_t>(number);
@@ -166,6 +206,7 @@ status_t DoPort(Request_t& request) {
     uint64_t port, size;
     if (!SaysDirection(request) || !request.Number(1, UINT16_MAX, &port) || !request.Number(2, 4, &size))
         return kBadUsage;
+    if (!request.Open()) return kNotOpen;
     ClBuffer buffer(static_cast<uint32_t>(size), request.value);
     if (request.writes) return ConfigureWakeUpTimer(static_cast<uint16_t>(port), buffer.Get());
     const status_t status = ReadWakeupTimer(static_cast<uint16_t>(port), buffer.Get());
@@ -203,6 +244,7 @@ status_t DoSegments(Request_t& request) {
 }
 
 status_t DoVersions(Request_t& request) {
+    if (!request.Open()) return kNotOpen;
     LibVersion_t library = {};
     status_t status = GetFERROXLibVersion(&library);
     if (status != kSuccess) return status;
@@ -230,34 +272,18 @@ status_t DoVersions(Request_t& request) {
 struct Operation_t {
     std::string_view name;
     size_t leastWords, mostWords;  // behind the name
-    bool needsDriver, canWrite;
+    bool canWrite;
     status_t (*run)(Request_t& request);
 };
 constexpr Operation_t kOperations[] = {
-    {"cpuid",    1, 2, true,  false, DoCPUID   },
-    {"pci",      3, 3, true,  false, DoPCI     },
-    {"mem",      2, 2, true,  true,  DoMemory  },
-    {"msr",      2, 2, true,  true,  DoMSR     },
-    {"port",     3, 3, true,  true,  DoPort    },
-    {"acpi",     1, 1, false, false, DoACPI    },
-    {"segments", 0, 0, false, false, DoSegments},
-    {"versions", 0, 0, true,  false, DoVersions},
-};
-
-// Opens the hardware library for as long as it lives.
-class ClHardware {
-  public:
-    explicit ClHardware(bool isNeeded) : m_status(isNeeded ? FERROXInitialize() : kSuccess), m_isNeeded(isNeeded) {}
-    ~ClHardware() {
-        if (m_isNeeded && m_status == kSuccess) FERROXTerminate();
-    }
-    ClHardware(const ClHardware&) = delete;
-    ClHardware& operator=(const ClHardware&) = delete;
-    status_t Status() const { return m_status; }
-
-  private:
-    status_t m_status;
-    bool m_isNeeded;
+    {"cpuid",    1, 2, false, DoCPUID   },
+    {"pci",      3, 3, false, DoPCI     },
+    {"mem",      2, 2, true,  DoMemory  },
+    {"msr",      2, 2, true,  DoMSR     },
+    {"port",     3, 3, true,  DoPort    },
+    {"acpi",     1, 1, false, DoACPI    },
+    {"segments", 0, 0, false, DoSegments},
+    {"versions", 0, 0, false, DoVersions},
 };
 
 std::string Reason(status_t status) {
@@ -286,7 +312,8 @@ int RunHardware(const Arguments_t& arguments) {
     const Operation_t* operation = std::ranges::find(kOperations, words.front(), &Operation_t::name);
     if (operation == std::end(kOperations)) return badUsage("'" + words.front() + "' is no operation");
     ClOutput output;
-    Request_t request{.words = std::span(words).subspan(1), .out = out, .output = output, .problem = {}};
+    Request_t request(std::span<const std::string>(words).subspan(1), output);
+    request.out = out;
     if (request.words.size() < operation->leastWords || request.words.size() > operation->mostWords)
         return badUsage(words.front() + " takes other arguments");
     uint64_t cpu = kAnyProcessor;
@@ -298,16 +325,12 @@ int RunHardware(const Arguments_t& arguments) {
     if (request.writes && !ParseNumber(valueName, UINT64_MAX, &request.value))
         return badUsage("--write: '" + valueName + "' is no number");
     if (request.writes != yes) return badUsage("writing takes both --write VALUE and --yes-write-hardware");
-    status_t status;
-    {
-        const ClHardware hardware(operation->needsDriver);
-        if (hardware.Status() != kSuccess) {
-            SayError("the hardware library", "it can't be opened: " + Reason(hardware.Status()));
-            return kExitNo;
-        }
-        status = operation->run(request);
-    }
+    const status_t status = operation->run(request);
     if (status == kBadUsage) return badUsage(request.problem);
+    if (status == kNotOpen) {
+        SayError("the hardware library", "it can't be opened: " + Reason(request.openStatus));
+        return kExitNo;
+    }
     const bool isWritten = output.Finish();
     if (status != kSuccess) SayError("hw " + words.front(), Reason(status));
     return status == kSuccess && isWritten ? kExitDone : kExitNo;

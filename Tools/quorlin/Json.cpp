@@ -25,12 +25,12 @@ bool StandsAsItIs(std::string_view text) {
         bad |= test(bytes);
     }
     bytes = kOnes * ' ';
-    std::memcpy(&bytes, at, size);
+    if (size != 0) std::memcpy(&bytes, at, size);
     return (bad | test(bytes)) == 0;
 }
 
 char* Append(char* at, std::string_view text) {
-    std::memcpy(at, text.data(), text.size());
+    if (!text.empty()) std::memcpy(at, text.data(), text.size());
     return at + text.size();
 }
 

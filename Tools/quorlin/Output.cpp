@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Packages/Platform/Program.h"
+#include "Tools/quorlin/Text.h"
 
 namespace {
 
@@ -54,7 +55,11 @@ bool ClOutput::Finish() {
 
 void SayError(std::string_view subject, std::string_view message) {
     std::string line("quorlin: ");
-    line.append(subject).append(": ").append(message).append("\n");
+    // Names of files, too, may hold what steers a terminal.
+    AppendPrintable(line, subject);
+    line += ": ";
+    AppendPrintable(line, message);
+    line += '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

@@ -24,11 +24,14 @@ class ClOutput {
   public:
     ClOutput() { m_text.reserve(kBlock + kMargin); }
 
-    // What is collected so far, to append to; `<<` writes it when it is enough.
+    // What is collected so far, to append to. Then FlushWhenFull.
     std::string& Text() { return m_text; }
+    void FlushWhenFull() {
+        if (m_text.size() >= kBlock) Flush();
+    }
     ClOutput& operator<<(std::string_view text) {
         m_text += text;
-        if (m_text.size() >= kBlock) Flush();
+        FlushWhenFull();
         return *this;
     }
     ClOutput& Pad(size_t count) {

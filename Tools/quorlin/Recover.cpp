@@ -1,42 +1,87 @@
 #include "Tools/quorlin/Recover.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "Packages/Format/Structures.h"
 #include "Tools/quorlin/Standard.h"
 
 namespace {
 
-// The size of a plausible structure at the begin of `bytes`, or 0.
-uint32_t PlausibleSize(std::span<const uint8_t> bytes) {
-    if (!BeginsWithStructure(bytes) || bytes[1] < MinimumLength(bytes[0])) return 0;
-    return StructureAt(bytes.data(), static_cast<uint32_t>(bytes.size()), 0).size;
-}
+constexpr size_t kNowhere = static_cast<size_t>(-1);
 
-// Whether structures go on at `bytes`: one bad guess is easily made, two in a row are not.
-bool GoesOn(std::span<const uint8_t> bytes) {
-    const uint32_t first = PlausibleSize(bytes);
-    if (first == 0) return false;
-    const std::span<const uint8_t> rest = bytes.subspan(first);
-    return bytes[0] == kEndOfTable || rest.empty() || PlausibleSize(rest) != 0;
-}
+// Where strings end: the first double NUL from a place on. Asked with rising places, it looks at no byte twice, so that
+// a large file without any is searched in one go.
+class ClStringEnds {
+  public:
+    explicit ClStringEnds(std::span<const uint8_t> table) : m_table(table) {}
+
+    size_t From(size_t place) {
+        if (place >= m_from && place <= m_end) return m_end;
+        m_from = place;
+        m_end = kNowhere;
+        while (place + 1 < m_table.size()) {
+            const void* nul = std::memchr(&m_table[place], 0, m_table.size() - 1 - place);
+            if (nul == nullptr) break;
+            place = static_cast<size_t>(static_cast<const uint8_t*>(nul) - m_table.data());
+            if (m_table[place + 1] == 0) {
+                m_end = place;
+                break;
+            }
+            place++;
+        }
+        return m_end;
+    }
+
+  private:
+    std::span<const uint8_t> m_table;
+    size_t m_from = 1, m_end = 0;  // nothing looked at so far
+};
+
+class ClRecovery {
+  public:
+    explicit ClRecovery(std::span<const uint8_t> table) : m_table(table), m_ends(table), m_laterEnds(table) {}
+
+    // The size of a plausible structure at `offset`, or 0.
+    size_t SizeAt(size_t offset) { return SizeAt(offset, m_ends); }
+    // Whether structures go on at `offset`: one bad guess is easily made, two in a row are not.
+    bool GoesOn(size_t offset) {
+        const size_t size = SizeAt(offset);
+        if (size == 0) return false;
+        const size_t next = offset + size;
+        return m_table[offset] == kEndOfTable || next == m_table.size() || SizeAt(next, m_laterEnds) != 0;
+    }
+
+  private:
+    size_t SizeAt(size_t offset, ClStringEnds& ends) const {
+        constexpr size_t kHeader = 4;
+        if (m_table.size() - offset < kHeader) return 0;
+        const uint8_t length = m_table[offset + 1];
+        if (length < kHeader || length < MinimumLength(m_table[offset])) return 0;
+        const size_t end = ends.From(offset + length);
+        return end == kNowhere ? 0 : end + 2 - offset;
+    }
+
+    std::span<const uint8_t> m_table;
+    ClStringEnds m_ends, m_laterEnds;
+};
 
 }  // namespace
 
 Recovered_t RecoverTable(std::span<const uint8_t> table) {
     Recovered_t recovered;
+    ClRecovery recovery(table);
     for (size_t offset = 0; offset < table.size();) {
-        const std::span<const uint8_t> rest = table.subspan(offset);
-        if (const uint32_t size = PlausibleSize(rest); size != 0) {
-            recovered.table.insert(recovered.table.end(), rest.begin(), rest.begin() + size);
-            if (rest[0] == kEndOfTable) break;
+        if (const size_t size = recovery.SizeAt(offset); size != 0) {
+            recovered.table.insert(recovered.table.end(), &table[offset], &table[offset] + size);
+            if (table[offset] == kEndOfTable) break;
             offset += size;
             continue;
         }
-        size_t next = 1;
-        while (next < rest.size() && !GoesOn(rest.subspan(next))) next++;
-        recovered.skipped.push_back({static_cast<uint32_t>(offset), static_cast<uint32_t>(next)});
-        offset += next;
+        size_t next = offset + 1;
+        while (next < table.size() && !recovery.GoesOn(next)) next++;
+        recovered.skipped.push_back({static_cast<uint32_t>(offset), static_cast<uint32_t>(next - offset)});
+        offset = next;
     }
     return recovered;
 }

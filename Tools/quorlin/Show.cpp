@@ -43,7 +43,8 @@ void ShowLines(Quorlin& package, std::span<const uint8_t> types, ClOutput& outpu
             output << Printable(line) << "\n";
         } else {
             Quorlin::AppendLine(package.Item(index), output.Text());
-            output << "\n";
+            output.Text() += '\n';
+            output.FlushWhenFull();
         }
     }
 }

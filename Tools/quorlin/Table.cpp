@@ -34,13 +34,14 @@ std::string WhyNoTable(const Source_t& source) {
 }
 
 // "M.m", two numbers below 256.
-bool ParseVersion(const std::string& text, uint8_t* major, uint8_t* minor) {
-    unsigned parts[2];
-    char rest;
-    if (std::sscanf(text.c_str(), "%3u.%3u%c", &parts[0], &parts[1], &rest) != 2) return false;
-    if (parts[0] > 255 || parts[1] > 255) return false;
-    *major = static_cast<uint8_t>(parts[0]);
-    *minor = static_cast<uint8_t>(parts[1]);
+bool ParseVersion(std::string_view text, uint8_t* major, uint8_t* minor) {
+    const size_t dot = text.find('.');
+    uint64_t first, second;
+    if (dot == text.npos || !ParseNumber(text.substr(0, dot), 255, &first) ||
+        !ParseNumber(text.substr(dot + 1), 255, &second))
+        return false;
+    *major = static_cast<uint8_t>(first);
+    *minor = static_cast<uint8_t>(second);
     return true;
 }
 

@@ -13,7 +13,7 @@ status_t Fail(std::string_view problem, std::string* error) {
     return kFailure;
 }
 
-// Gives 0, or the errno of what failed. A file above kMostTableBytes is read no further than that.
+// Gives 0, or the errno of what failed. A file above kMostFileBytes is read no further than that.
 int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
     std::FILE* file = OpenFile(path, "r");
     if (file == nullptr) return errno;
@@ -24,7 +24,7 @@ int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
     do {
         got = std::fread(block, 1, sizeof block, file);
         bytes->insert(bytes->end(), block, block + got);
-    } while (got == sizeof block && bytes->size() <= kMostTableBytes);
+    } while (got == sizeof block && bytes->size() <= kMostFileBytes);
     const int problem = std::ferror(file) != 0 ? errno : 0;
     std::fclose(file);
     return problem;

@@ -31,18 +31,22 @@ class ClLock {
     ~ClLock();
 
     const std::string& Name() const { return name_; }
+    // As the pthread functions: 0; EOWNERDEAD taken from a holder that died; EBUSY or ETIMEDOUT; ENOMEM; EPERM.
+    int Lock(DWORD milliseconds);
+    int Unlock();
+
+  private:
     // The mutex, looked up or made at the first call; null if there is no memory.
     pthread_mutex_t* Mutex() {
         pthread_mutex_t* known = mutex_.load(std::memory_order_acquire);
         return known != nullptr ? known : Resolve();
     }
-
-  private:
     pthread_mutex_t* Resolve();
 
     const std::string name_;  // empty: unnamed
     std::atomic<pthread_mutex_t*> mutex_ = nullptr;
     pthread_mutex_t* own_ = nullptr;  // in this process only
+    std::atomic<int> held_ = 0;       // how often own_ is held
 };
 
 // Guards the names and every first look-up.
@@ -84,14 +88,53 @@ pthread_mutex_t* ClLock::Resolve() {
 // A mutex of this process that another thread still holds stays: that thread's list of held mutexes leads through it.
 ClLock::~ClLock() {
     if (own_ == nullptr) return;
-    while (pthread_mutex_unlock(own_) == 0) {
-    }
     const int status = pthread_mutex_trylock(own_);
     if (status != 0 && status != EOWNERDEAD) return;
-    if (status == EOWNERDEAD) RepairMutex(own_);
-    pthread_mutex_unlock(own_);
+    if (status == EOWNERDEAD) {
+        RepairMutex(own_);
+        held_ = 0;
+    }
+    for (int times = held_ + 1; times > 0; --times) pthread_mutex_unlock(own_);
     pthread_mutex_destroy(own_);
     delete own_;
+}
+
+timespec After(DWORD milliseconds) {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    time.tv_sec += milliseconds / 1000;
+    time.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
+    if (time.tv_nsec >= 1'000'000'000) {
+        ++time.tv_sec;
+        time.tv_nsec -= 1'000'000'000;
+    }
+    return time;
+}
+
+int LockWithin(pthread_mutex_t* mutex, DWORD milliseconds) {
+    if (milliseconds == 0) return pthread_mutex_trylock(mutex);
+    const timespec end = After(milliseconds);
+    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end);
+}
+
+int ClLock::Lock(DWORD milliseconds) {
+    pthread_mutex_t* mutex = Mutex();
+    if (mutex == nullptr) return ENOMEM;
+    const int status = milliseconds == INFINITE ? pthread_mutex_lock(mutex) : LockWithin(mutex, milliseconds);
+    if (status == EOWNERDEAD) {
+        RepairMutex(mutex);
+        held_ = 0;
+    }
+    if (own_ != nullptr && (status == 0 || status == EOWNERDEAD)) ++held_;
+    return status;
+}
+
+int ClLock::Unlock() {
+    pthread_mutex_t* mutex = Mutex();
+    if (mutex == nullptr) return EPERM;
+    const int status = pthread_mutex_unlock(mutex);
+    if (own_ != nullptr && status == 0) --held_;
+    return status;
 }
 
 class ClMutex final : public ClObject {
@@ -110,38 +153,18 @@ class ClMutex final : public ClObject {
     std::shared_ptr<ClLock> lock_;
 };
 
-timespec After(DWORD milliseconds) {
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    time.tv_sec += milliseconds / 1000;
-    time.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
-    if (time.tv_nsec >= 1'000'000'000) {
-        ++time.tv_sec;
-        time.tv_nsec -= 1'000'000'000;
-    }
-    return time;
-}
-
-int LockWithin(pthread_mutex_t* mutex, DWORD milliseconds) {
-    if (milliseconds == INFINITE) return pthread_mutex_lock(mutex);
-    if (milliseconds == 0) return pthread_mutex_trylock(mutex);
-    const timespec end = After(milliseconds);
-    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end);
-}
-
 DWORD ClMutex::Wait(DWORD milliseconds) {
-    pthread_mutex_t* mutex = lock_->Mutex();
-    const int status = mutex == nullptr ? ENOMEM : LockWithin(mutex, milliseconds);
+    const int status = lock_->Lock(milliseconds);
+    if (status == 0) return WAIT_OBJECT_0;
     switch (status) {
-        case 0: return WAIT_OBJECT_0;
-        case EOWNERDEAD: RepairMutex(mutex); return WAIT_ABANDONED;
+        case EOWNERDEAD: return WAIT_ABANDONED;
         case EBUSY:
         case ETIMEDOUT: return WAIT_TIMEOUT;
         default: SetLastError(ErrorFromErrno(status)); return WAIT_FAILED;
     }
 }
 
-BOOL ClMutex::Release() { return pthread_mutex_unlock(lock_->Mutex()) == 0 ? TRUE : Fail(ERROR_NOT_OWNER); }
+BOOL ClMutex::Release() { return lock_->Unlock() == 0 ? TRUE : Fail(ERROR_NOT_OWNER); }
 
 // The lock of that name, and whether it was there before.
 std::shared_ptr<ClLock> LockOf(const char* name, bool* existed) {

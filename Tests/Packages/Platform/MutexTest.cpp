@@ -94,6 +94,19 @@ TEST(Mutex, IsRecursiveAndOwnedByTheThread) {
     }
 }
 
+// Memory checkers see here that the lock goes or stays as it has to.
+TEST(Mutex, AnUnnamedOneMayBeClosedWhileItIsHeld) {
+    HANDLE mutex = CreateMutexA(nullptr, TRUE, nullptr);
+    EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(mutex));
+    HANDLE abandoned = CreateMutexA(nullptr, FALSE, nullptr);
+    EXPECT_EQ(OnAnotherThread([&] { return WaitForSingleObject(abandoned, INFINITE); }), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(abandoned));
+    HANDLE next = CreateMutexA(nullptr, TRUE, nullptr);  // this thread's list of held mutexes is in order
+    EXPECT_TRUE(ReleaseMutex(next));
+    EXPECT_TRUE(CloseHandle(next));
+}
+
 TEST(Mutex, CreationTellsWhetherTheNameIsInUse) {
     HANDLE first = CreateMutexA(nullptr, FALSE, kName);
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);

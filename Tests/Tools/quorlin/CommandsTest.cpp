@@ -226,6 +226,8 @@ TEST(Commands, HardwareIsWrittenOnlyWithBothWords) {
         {"pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", "writes nothing"       },
         {"cpuid",                                               "takes other arguments"},
         {"cpuids 0",                                            "is no operation"      },
+        {"pci 0000:00:20.0 2 5",                                "is no PCI function"   },
+        {"pci 00:03.0 2 5",                                     "is no PCI function"   },
         {"cpuid 0 --cpu 256",                                   "no processor number"  },
     };
     for (const auto& c : kCases) {
@@ -234,6 +236,27 @@ TEST(Commands, HardwareIsWrittenOnlyWithBothWords) {
         EXPECT_EQ(run.output, "") << c.arguments;
         EXPECT_TRUE(Has(run.errors, c.says)) << c.arguments << ": " << run.errors;
     }
+}
+
+// Sequences that are too long, stand for half of a pair or for too much, or lack their end; and the control characters
+// beyond ASCII, which some terminals obey.
+TEST(Commands, TextIsValidAndHarmlessWhateverTheBytes) {
+    const std::string u = "\xEF\xBF\xBD";  // U+FFFD
+    const struct {
+        std::string bytes, shown;
+    } kCases[] = {
+        {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        {"\xC0\xAF.",                            u + u + "."                           },
+        {"\xE0\x9F\xBF.",                        u + u + u + "."                       },
+        {"\xED\xA0\x80.",                        u + u + u + "."                       },
+        {"\xF0\x8F\xBF\xBF.",                    u + u + u + u + "."                   },
+        {"\xF4\x90\x80\x80.",                    u + u + u + u + "."                   },
+        {"\xE2\x82",                             u + u                                 },
+        {"a\xC2\x9B"
+         "31mb\x7F.",                   "a 31mb ."                            },
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(RunQuorlin("get 3 Manufacturer --image " + ImageBy(c.bytes, "text.bin")).output, c.shown + "\n");
 }
 
 TEST(Commands, EachHasHelpWithAnExample) {

@@ -1,0 +1,152 @@
+// What the docs say of the host program: every command that they show runs and prints what stands below it, and every
+// JSON document is one of the schema's.
+#include <gtest/gtest.h>
+#include <rapidjson/document.h>
+#include <rapidjson/error/en.h>
+#include <rapidjson/schema.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct ShownCommand_t {
+    std::string place, arguments;
+    std::vector<std::string> output;  // what stands below it; "..." stands for more
+};
+
+// The lines of code blocks that begin with "$ quorlin", each with the lines up to the next one or the block's end.
+std::vector<ShownCommand_t> CommandsOf(const fs::path& page) {
+    constexpr std::string_view kIndent = "    ", kPrompt = "    $ quorlin";
+    std::vector<ShownCommand_t> commands;
+    std::istringstream text(ReadWholeFile(page.string()));
+    bool isBelow = false;
+    size_t number = 0;
+    for (std::string line; std::getline(text, line);) {
+        number++;
+        if (line.starts_with(kPrompt)) {
+            const std::string place = page.filename().string() + ":" + std::to_string(number);
+            const size_t comment = std::min(line.find("  #"), line.size());
+            commands.push_back({place, line.substr(kPrompt.size(), comment - kPrompt.size()), {}});
+            isBelow = true;
+        } else if (!line.empty() && !line.starts_with(kIndent)) {
+            isBelow = false;
+        } else if (isBelow && !line.empty()) {
+            commands.back().output.push_back(line.substr(kIndent.size()));
+        }
+    }
+    return commands;
+}
+
+// A folder as the docs have it: two images and a list of them. The second has another version and serial number.
+fs::path DocsFolder() {
+    const fs::path folder = fs::path(testing::TempDir()) / "docs";
+    fs::remove_all(folder);
+    fs::create_directory(folder);
+    fs::current_path(folder);
+    EXPECT_EQ(RunQuorlin("dump --sample machine.bin").exitCode, 0);
+    std::string after = ReadWholeFile("machine.bin");
+    const auto replace = [&](std::string_view from, std::string_view to) {
+        after.replace(after.find(from), from.size(), to);
+    };
+    replace("HVB2.14.0308", "HVB2.15.0519");
+    replace("HV24-0811-00417", "HV24-0811-00733");
+    fs::rename(WriteFile("docs-after.bin", {after.begin(), after.end()}), "after.bin");
+    const std::string names = "machine.bin\nafter.bin\n";
+    fs::rename(WriteFile("docs-names.txt", {names.begin(), names.end()}), "names.txt");
+    return folder;
+}
+
+// Commands that name no table read this machine, which may have none.
+std::string WithATable(const std::string& arguments) {
+    const bool hasSource = arguments.starts_with(" diff ") || arguments.starts_with(" hw ") ||
+                           arguments.find("--sample") != arguments.npos || arguments.find("--image") != arguments.npos;
+    return hasSource ? arguments : arguments + " --sample";
+}
+
+TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
+    const fs::path source = QUORLIN_SOURCE_DIR, before = fs::current_path();
+    std::vector<fs::path> pages = {source / "README.md"};
+    for (const fs::directory_entry& entry : fs::directory_iterator(source / "Docs"))
+        if (entry.path().extension() == ".md") pages.push_back(entry.path());
+    DocsFolder();
+    size_t count = 0;
+    for (const fs::path& page : pages) {
+        for (const ShownCommand_t& command : CommandsOf(page)) {
+            count++;
+            // A page that shows how to make a dump makes it anew.
+            if (command.arguments.starts_with(" dump ")) fs::remove("machine.bin");
+            const ProgramRun_t run = RunQuorlin(WithATable(command.arguments));
+            EXPECT_LE(run.exitCode, 1) << command.place << ": " << run.errors;
+            EXPECT_EQ(run.errors.find("bad usage"), run.errors.npos) << command.place << ": " << run.errors;
+            const std::string printed = run.errors + run.output;
+            size_t at = 0;
+            for (const std::string& line : command.output) {
+                if (line.find_first_not_of(' ') == line.find("...")) continue;
+                at = printed.find(line, at);
+                ASSERT_NE(at, printed.npos) << command.place << ": " << line << "\n" << run.errors;
+                at += line.size();
+            }
+        }
+    }
+    EXPECT_GE(count, 25u);
+    fs::current_path(before);
+}
+
+// The schema of Docs.
+class ClSchema {
+  public:
+    ClSchema() {
+        rapidjson::Document document;
+        document.Parse(ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/json-schema.json").c_str());
+        EXPECT_FALSE(document.HasParseError());
+        m_schema = std::make_unique<rapidjson::SchemaDocument>(document);
+    }
+    // Empty for a document that the schema allows; otherwise what is wrong.
+    std::string Problem(const std::string& text) const {
+        rapidjson::Document document;
+        document.Parse<rapidjson::kParseValidateEncodingFlag>(text.c_str(), text.size());
+        if (document.HasParseError()) return rapidjson::GetParseError_En(document.GetParseError());
+        rapidjson::SchemaValidator validator(*m_schema);
+        return document.Accept(validator) ? "" : "not of the schema";
+    }
+
+  private:
+    std::unique_ptr<rapidjson::SchemaDocument> m_schema;
+};
+
+TEST(Docs, TheSchemaHoldsForEveryDocument) {
+    const ClSchema schema;
+    for (const char* wrong : {"{}", "[]", R"({"source":"a","smbios":"3.0","structures":[],"more":1})",
+                              R"({"source":"a","smbios":"3.0","structures":[{"type":256,"handle":0,"instance":1,)"
+                              R"("title":"","items":[]}]})",
+                              R"({"source":"a","smbios":"3.0","findings":[{"rule":"new","offset":0,"text":""}]})"})
+        EXPECT_NE(schema.Problem(wrong), "") << wrong;
+    // A string of all bytes, a title's structure cut short, and damage in front of it all.
+    std::string bytes;
+    for (unsigned byte = 1; byte < 256; byte++) bytes += static_cast<char>(byte);
+    const std::vector<uint8_t> table = TableOf({ClStructureBuilder(11, 5).Byte(4, 2).Strings({bytes, "\xED\xA0\x80"}),
+                                                ClStructureBuilder(14, 8), ClStructureBuilder(14, 8)});
+    std::vector<uint8_t> damaged = {1, 2, 3, 0, 0};
+    for (const uint8_t byte : table) damaged.push_back(byte);
+    const std::string odd = " --image " + WriteFile("odd.bin", table) + " --as table";
+    const std::string skipped = " --recover --as table --image " + WriteFile("damaged.bin", damaged);
+    const std::string none = " --image " + testing::TempDir() + "no-such-file";
+    for (const std::string& source : {std::string(" --sample"), odd, skipped, none})
+        for (const std::string command : {"show", "types", "find a", "check"}) {
+            const ProgramRun_t run = RunQuorlin(command + source + " --format ndjson");
+            EXPECT_EQ(schema.Problem(run.output), "") << command << source << "\n" << run.output.substr(0, 2000);
+        }
+    EXPECT_EQ(schema.Problem(RunQuorlin("--sample --format json").output), "");
+    EXPECT_EQ(schema.Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
+}
+
+}  // namespace
