@@ -3,7 +3,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <string>
 #include <string_view>
 
 #include "Tools/quorlin/Output.h"
@@ -15,5 +14,4 @@ class ClCsv {
 
   private:
     ClOutput& m_output;
-    std::string m_cell;
 };

@@ -1,0 +1,85 @@
+// Decoding of whole images: the sample, and those of the folder that QUORLIN_BENCH_IMAGES names. And reading them.
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "Packages/FERROXExternal/StructureStore/ImageFile.h"
+#include "Packages/Format/Structures.h"
+#include "Packages/Sample/Sample.h"
+#include "Sources/Quorlin.h"
+
+namespace {
+
+int64_t CountStructures(const ImageSource_t& source) {
+    int64_t count = 0;
+    for (uint32_t offset = 0; offset < source.length; count++) {
+        const TableStructure_t structure = StructureAt(source.table, source.length, offset);
+        if (structure.size == 0) break;
+        offset += structure.size;
+    }
+    return count;
+}
+
+// A package brought up, swept and taken down; nothing reads its items.
+void Decode(benchmark::State& state, const ImageSource_t& source) {
+    int64_t items = 0;
+    for (auto _ : state) {
+        SetImageMachine(&source);
+        BaseAbstraction* created = CreateSmbiosPackage();
+        if (created == nullptr) throw std::bad_alloc();
+        auto* package = static_cast<Quorlin*>(created);
+        package->Initialize();
+        items += package->GetItemCount();
+        package->UnInitialize();
+        DestroySmbiosPackage(package);
+    }
+    using benchmark::Counter;
+    const auto structures = static_cast<double>(state.iterations() * CountStructures(source));
+    state.counters["structures"] = Counter(structures, Counter::kIsRate);
+    state.counters["items"] = Counter(static_cast<double>(items), Counter::kIsRate);
+    state.counters["time_an_item"] = Counter(static_cast<double>(items), Counter::kIsRate | Counter::kInvert);
+}
+
+void BM_DecodeSample(benchmark::State& state) {
+    const std::span<const uint8_t> table = SampleTable();
+    Decode(state, {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0});
+}
+BENCHMARK(BM_DecodeSample)->Unit(benchmark::kMicrosecond);
+
+void DecodeFile(benchmark::State& state, const std::string& path) {
+    Image_t image;
+    std::string error;
+    if (ReadImage(path, TableForm_t::kAny, &image, &error) != kSuccess) return state.SkipWithError(error.c_str());
+    Decode(state, image.source);
+}
+
+void ReadFile(benchmark::State& state, const std::string& path) {
+    Image_t image;
+    std::string error;
+    int64_t bytes = 0;
+    for (auto _ : state) {
+        if (ReadImage(path, TableForm_t::kAny, &image, &error) != kSuccess) return state.SkipWithError(error.c_str());
+        bytes += static_cast<int64_t>(image.bytes.size());
+    }
+    state.SetBytesProcessed(bytes);
+}
+
+const bool registered = [] {
+    const char* folder = std::getenv("QUORLIN_BENCH_IMAGES");
+    if (folder == nullptr) return false;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const std::string path = entry.path().string(), name = entry.path().stem().string();
+        const auto add = [&](const char* what, auto* run) {
+            benchmark::RegisterBenchmark((what + name).c_str(), run, path)->Unit(benchmark::kMicrosecond);
+        };
+        add("BM_Decode/", DecodeFile);
+        add("BM_ReadImage/", ReadFile);
+    }
+    return true;
+}();
+
+}  // namespace

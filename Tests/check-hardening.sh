@@ -1,0 +1,52 @@
+#!/bin/sh
+# Checks that built files have what protects a process: check-hardening.sh FILE...
+# ELF files: position-independent, relocations read-only and bound at once, no writable and executable memory; shared
+# libraries also show the stack protector and the checked functions. Windows files: ASLR, high entropy, DEP.
+failures=0
+
+# has FILE TEXT PATTERN WHAT
+has() {
+  printf '%s\n' "$2" | grep -Eq "$3" && return
+  echo "$1: no $4"
+  failures=$((failures + 1))
+}
+
+# hasnt FILE TEXT PATTERN WHAT
+hasnt() {
+  printf '%s\n' "$2" | grep -Eq "$3" || return 0
+  echo "$1: has $4"
+  failures=$((failures + 1))
+}
+
+check_elf() {
+  facts=$(readelf -hlWd "$1")
+  has "$1" "$facts" 'Type: +DYN' 'position-independent code'
+  has "$1" "$facts" 'GNU_RELRO' 'read-only relocations'
+  has "$1" "$facts" 'BIND_NOW|Flags: NOW' 'binding at once'
+  has "$1" "$facts" 'GNU_STACK .* RW +0x' 'stack without execution'
+  hasnt "$1" "$facts" ' RWE ' 'writable and executable memory'
+  hasnt "$1" "$facts" 'TEXTREL' 'relocations in its code'
+  case "$1" in
+    *.so*)
+      symbols=$(readelf -sW "$1")
+      has "$1" "$symbols" '__stack_chk_fail' 'stack protector'
+      has "$1" "$symbols" '__v?snprintf_chk' 'checked functions'
+      ;;
+  esac
+}
+
+check_windows() {
+  facts=$("${OBJDUMP:-x86_64-w64-mingw32-objdump}" -p "$1")
+  has "$1" "$facts" 'DYNAMIC_BASE' 'ASLR'
+  has "$1" "$facts" 'HIGH_ENTROPY_VA' 'high entropy'
+  has "$1" "$facts" 'NX_COMPAT' 'DEP'
+}
+
+[ $# -gt 0 ] || exit 2
+for file; do
+  case "$file" in
+    *.exe | *.dll) check_windows "$file" ;;
+    *) check_elf "$file" ;;
+  esac
+done
+[ "$failures" -eq 0 ]
