@@ -22,6 +22,8 @@ int main(int argc, char** argv) {
         const ImageSource_t image = {reinterpret_cast<const uint8_t*>(bytes.data()),
                                      static_cast<uint32_t>(bytes.size()), 3, 0, 0};
         SetImageMachine(&image);
+    } else {
+        SetMachine(ThisMachineWithoutDriver());  // the default takes the driver, and installs it on Windows
     }
     const std::unique_ptr<BaseAbstraction, void (*)(BaseAbstraction*)> package(CreateSmbiosPackage(),
                                                                                DestroySmbiosPackage);

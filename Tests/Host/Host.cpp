@@ -2,7 +2,7 @@
 // all items of this machine through the ten virtual operations, one line an item. A bare table in a file takes the
 // machine's place.
 //
-//     host LIBRARY [TABLE]
+//     host LIBRARY [TABLE | --without-driver]
 //
 // Exit  0; 1 the library can't be loaded or used; 2 an operation didn't answer as it should
 #include <cstdio>
@@ -76,7 +76,10 @@ int main(int argc, char** argv) {
     auto* destroyFor = library.Find<decltype(DestroySmbiosPackageForKovr)>("DestroySmbiosPackageForKovr");
 
     std::vector<char> bytes;
-    if (argc > 2) {
+    if (argc > 2 && argv[2] == std::string("--without-driver")) {
+        auto* machine = library.Find<decltype(ThisMachineWithoutDriver)>("ThisMachineWithoutDriver");
+        EXPECT(library.Find<decltype(SetMachine)>("SetMachine")(machine()) == kSuccess);
+    } else if (argc > 2) {
         std::ifstream file(argv[2], std::ios::binary);
         bytes.assign(std::istreambuf_iterator<char>(file), {});
         const ImageSource_t image = {reinterpret_cast<const uint8_t*>(bytes.data()),
