@@ -93,7 +93,7 @@ std::string HexDigits(uint64_t value, uint32_t digits, const char* alphabet) {
 // A decoder's own trace line; its source and function are named by the number in the title's type mark.
 void TraceNullData(std::string_view title, const char* message) {
     const size_t mark = title.rfind(' ');
-    const int type = mark == title.npos ? 0 : std::atoi(title.data() + mark + 1);
+    const int type = mark == title.npos ? 0 : static_cast<int>(std::strtol(title.data() + mark + 1, nullptr, 10));
     char source[32], function[48];
     std::snprintf(source, sizeof source, "Sources\\SMBIOSType%03d", type);
     std::snprintf(function, sizeof function, "ClSMBIOSType%d::PrintStructure", type);

@@ -429,7 +429,7 @@ void ClSMBIOSType148::PrintStructureExt(const uint8_t* pData) {
         }
         std::string value;
         row.translation.translate(*this, StringOf(pData, number), &value);
-        Fill_String_Data(row.key, std::move(value), 0);
+        Fill_String_Data(row.key, value, 0);
     }
 }
 
@@ -445,7 +445,7 @@ status_t ClSMBIOSType148::PrintStructureExtEx(const uint8_t* pData) {
             TRACE("ClSMBIOSType148::PrintStructureExtEx", pair.translation.failureTrace);
             return kFailure;
         }
-        Fill_String_Data(GetPrintableString(StringOf(pData, key)), std::move(value), 0);
+        Fill_String_Data(GetPrintableString(StringOf(pData, key)), value, 0);
     }
     return kSuccess;
 }

@@ -28,7 +28,7 @@ consteval void AddMemory(ClSampleBuilder& table) {
         {0x1102, 0x1000, 0xFFFE, 72, 64, 0x4000, 9,  1, "DIMM A3", "CPU0 chan 2", 26, 0x8080, 2933, "Norvane",
                  "51B00C12",  0,            "NV16G4\tLR\t2933",    1,          0,             2933,    1200, 1200, 1200},
         {0x1103, 0x1000, 0xFFFE, 72, 64, 0x4000, 9,  1, "DIMM A4", "CPU0 chan 3", 26, 0x8080, 2933, "Norvane",
-                 "51B00C13",  0,            "NV16-\xC4\xD6 \xFF" "R2", 1,      0,             2933,    1200, 1200, 1200},
+                 "51B00C13",  0,            "NV16-\xC4\xD6 \xFFR2",    1,      0,             2933,    1200, 1200, 1200},
         {0x1104, 0x1000, 0xFFFE, 0,  0,  0,      9,  1, "DIMM A5", "CPU0 chan 4", 2,  0x0004, 0,    0,
                  0,           0,            0,                     0,          0,             0,       0,    0,    0},
         {0x1105, 0x1000, 0xFFFE, 0,  0,  0,      9,  1, "DIMM A6", "CPU0 chan 5", 2,  0x0000, 0,    "NO DIMM",

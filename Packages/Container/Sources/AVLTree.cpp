@@ -92,7 +92,9 @@ status_t AVLTreeInsert(ContainerHandle_t handle, void* data) {
     return status;
 }
 
-// The subtree's root after an entry has left it.
+// The subtree's root after an entry has left it. A balance that is out of bounds tells that the child is there, which
+// an analysis of this function alone can't know.
+// NOLINTBEGIN(clang-analyzer-core.NullDereference)
 static AVLNode_t* BalanceAfterDelete(AVLNode_t* node) {
     if (node->Balance > 1) {
         if (node->Left->Balance < 0) node->Left = RotateLeft(node->Left);
@@ -104,6 +106,7 @@ static AVLNode_t* BalanceAfterDelete(AVLNode_t* node) {
     }
     return node;
 }
+// NOLINTEND(clang-analyzer-core.NullDereference)
 
 // Removes the node at `place`, which has at most one child: it takes over all that the child is, and the child goes.
 static void RemoveAt(AVLNode_t** place) {

@@ -45,7 +45,7 @@ uint32_t CountSegments(const uint8_t* mcfg, uint32_t size) {
 
 void FillSegments(const uint8_t* mcfg, uint32_t count, SegBusInfo_t* segments) {
     for (uint32_t index = 0; index < count; ++index) {
-        const uint8_t* entry = mcfg + kMCFGHead + index * kMCFGEntry;
+        const uint8_t* entry = mcfg + kMCFGHead + size_t{index} * kMCFGEntry;
         SegBusInfo_t& segment = segments[index];
         segment.BaseAddress = uint64_t{Number32(entry + 4)} << 32 | Number32(entry);
         segment.Segment = uint32_t{entry[8]} | uint32_t{entry[9]} << 8;
