@@ -2,6 +2,7 @@
 BUILD_PACKAGES = g++ make cmake ninja-build rapidjson-dev zlib1g-dev
 TEST_PACKAGES = libgtest-dev pkg-config python3
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
+WINE_PACKAGES = wine googletest python3
 BENCH_PACKAGES = libbenchmark-dev
 FUZZ_PACKAGES = clang
 DEB_PACKAGES = dpkg-dev debhelper lintian
@@ -13,7 +14,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test test-machine asan windows install deb zip bench fuzz format lint clean
+.PHONY: build run test test-machine asan windows test-windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -44,6 +45,13 @@ windows:
 	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES)
 	@cmake --preset windows >/dev/null
 	@cmake --build --preset windows
+
+# The same tests as Windows programs under Wine, and those of the service and its driver.
+test-windows:
+	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES) $(WINE_PACKAGES)
+	@cmake --preset windows-tests >/dev/null
+	@cmake --build --preset windows-tests
+	@ctest --preset windows-tests
 
 # Into $(DESTDIR)$(PREFIX); without DESTDIR the loader learns of the library.
 PREFIX = /usr/local

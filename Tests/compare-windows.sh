@@ -3,19 +3,12 @@
 # for every table image given as an argument.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+[ -n "${WINEPREFIX:-}" ] || exec cmake/with-wine.sh Tests/compare-windows.sh "$@"
 
 native=build/release/bin/quorlin
-windows=build/windows/bin/quorlin.exe
+windows=build/windows-tests/bin/quorlin.exe
 scratch=$(mktemp -d)
-trap 'wineserver -k 2>/dev/null || true; rm -rf "$scratch"' EXIT
-
-# A prefix of its own, made by the first program; the server's output must not go to our pipe.
-export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe,winedbg.exe="
-unset DISPLAY
-PATH=$PATH:/usr/lib/wine
-mkdir -p "$WINEPREFIX"
-wineserver -p120 >/dev/null 2>&1 || true
-wine cmd /c exit >/dev/null 2>&1
+trap 'rm -rf "$scratch"' EXIT
 
 compared=0
 compare() {

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+
+#include "Packages/Platform/Program.h"
 
 std::string ReadWholeFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
@@ -14,8 +17,10 @@ std::string ReadWholeFile(const std::string& path) {
 
 std::string WriteFile(const std::string& name, const std::vector<uint8_t>& bytes) {
     const std::string path = testing::TempDir() + name;
-    std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::FILE* file = OpenFile(path, "w");  // as bytes; a name beyond ASCII works on every platform
+    if (file == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size())
+        ADD_FAILURE() << "cannot write " << path;
+    if (file != nullptr) std::fclose(file);
     return path;
 }
 

@@ -351,21 +351,26 @@ TEST_F(Memory, EachAllocationMayFail) {
     EXPECT_EQ(heap.live, 0);
 }
 
-// Far beyond what a read takes that goes on from the last place, far below one that starts over for each entry.
+// What each read costs is mostly the lock, at very different prices on different platforms: so the read is held against
+// as many reads of the first entry. One that starts over for each entry takes many times that natively.
 TEST(Place, AWholeReadByRisingIndexIsLinear) {
-    std::vector<Entry_t> entries(100'000);
+    std::vector<Entry_t> entries(20'000);
     for (size_t i = 0; i < entries.size(); ++i) entries[i].Key = static_cast<int32_t>(i);
     for (const uint32_t type : kAllTypes) {
         ClContainer container(type);
         for (Entry_t& entry : entries)
             ASSERT_EQ(container.IsTree() ? Insert(container.handle, &entry) : Push(container.handle, &entry), kSuccess);
-        const auto start = std::chrono::steady_clock::now();
-        void* data = nullptr;
-        for (size_t i = 0; i < entries.size(); ++i) {
-            ASSERT_EQ(RetrieveFromIndex(container.handle, &data, static_cast<int32_t>(i)), kSuccess);
-            ASSERT_EQ(data, &entries[i]);
-        }
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << type;
+        const auto timeToRead = [&](size_t step) {
+            const auto start = std::chrono::steady_clock::now();
+            void* data = nullptr;
+            for (size_t i = 0; i < entries.size(); ++i) {
+                EXPECT_EQ(RetrieveFromIndex(container.handle, &data, static_cast<int32_t>(i * step)), kSuccess);
+                EXPECT_EQ(data, &entries[i * step]);
+            }
+            return std::chrono::steady_clock::now() - start;
+        };
+        const auto first = timeToRead(0);
+        EXPECT_LT(timeToRead(1), 4 * first + std::chrono::milliseconds(100)) << type;
         container.Check();
     }
 }

@@ -1,0 +1,457 @@
+// The library with a real service manager, a driver, and further processes. On Windows only: these are its own.
+// A registered service whose file is missing is repaired on error 2 or 3, and Wine gives 1114 there: that repair is a
+// test of the hardware library with a scripted platform.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/OS/OS.h"
+#include "Packages/Platform/Platform.h"
+#include "Sources/Quorlin.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+constexpr char kSettings[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";
+constexpr DWORD kNoService = 0;  // no state has this number
+constexpr DWORD kPatience = 20'000;
+
+std::string FullPath(const std::string& path) {
+    char full[MAX_PATH] = {};
+    GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
+    return full;
+}
+
+// The service's state, or kNoService.
+DWORD ServiceState() {
+    DWORD state = kNoService;
+    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+    SC_HANDLE service = OpenServiceA(manager, "Ravelink", SERVICE_ALL_ACCESS);
+    SERVICE_STATUS status;
+    if (service != nullptr && QueryServiceStatus(service, &status) != 0) state = status.dwCurrentState;
+    if (service != nullptr) CloseServiceHandle(service);
+    CloseServiceHandle(manager);
+    return state;
+}
+
+void RemoveService() {
+    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+    SC_HANDLE service = OpenServiceA(manager, "Ravelink", SERVICE_ALL_ACCESS);
+    SERVICE_STATUS status;
+    if (service != nullptr) {
+        ControlService(service, SERVICE_CONTROL_STOP, &status);
+        DeleteService(service);
+        CloseServiceHandle(service);
+    }
+    CloseServiceHandle(manager);
+}
+
+bool SectionExists() {
+    HANDLE section = OpenFileMappingA(FILE_MAP_READ, FALSE, "Global\\OSMIRALSharedMemoryExt");
+    if (section != nullptr) CloseHandle(section);
+    return section != nullptr;
+}
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
+
+// This program once more, in the given role; see ROLES below. What it prints goes to the file `output`.
+class ClOtherProcess {
+  public:
+    explicit ClOtherProcess(const std::string& role, const std::string& output = testing::TempDir() + "other.out") {
+        char self[MAX_PATH] = {};
+        GetModuleFileNameA(nullptr, self, sizeof self);
+        std::string command =
+            std::string("\"") + self + "\" --gtest_also_run_disabled_tests --gtest_filter=Role.DISABLED_" + role;
+        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+        HANDLE file = CreateFileA(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdOutput = startup.hStdError = file;
+        EXPECT_NE(
+            CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process_),
+            0);
+        CloseHandle(file);
+    }
+    ~ClOtherProcess() {
+        Kill();
+        CloseHandle(process_.hThread);
+        CloseHandle(process_.hProcess);
+    }
+    ClOtherProcess(const ClOtherProcess&) = delete;
+    ClOtherProcess& operator=(const ClOtherProcess&) = delete;
+
+    void Kill() {
+        TerminateProcess(process_.hProcess, 99);
+        WaitForSingleObject(process_.hProcess, kPatience);
+    }
+    DWORD ExitCode() {
+        DWORD code = 0;
+        EXPECT_EQ(WaitForSingleObject(process_.hProcess, kPatience), WAIT_OBJECT_0);
+        GetExitCodeProcess(process_.hProcess, &code);
+        return code;
+    }
+
+  private:
+    PROCESS_INFORMATION process_ = {};
+};
+
+// Two events by which a role says that it is there, and is told to go on.
+struct Signals_t {
+    HANDLE ready = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestReady");
+    HANDLE go = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestGo");
+    ~Signals_t() {
+        CloseHandle(ready);
+        CloseHandle(go);
+    }
+    void AwaitReady() { EXPECT_EQ(WaitForSingleObject(ready, kPatience), WAIT_OBJECT_0); }
+    void ReadyAndAwaitGo() {
+        SetEvent(ready);
+        EXPECT_EQ(WaitForSingleObject(go, kPatience), WAIT_OBJECT_0);
+    }
+};
+
+// ROLES: what ClOtherProcess runs. Disabled, as they are no tests of their own.
+TEST(Role, DISABLED_HoldsTheDriver) {
+    Signals_t signals;
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    signals.ReadyAndAwaitGo();
+    EXPECT_EQ(FERROXTerminate(), kSuccess);
+}
+
+TEST(Role, DISABLED_HoldsTheMutex) {
+    Signals_t signals;
+    HANDLE mutex = CreateMutexA(nullptr, FALSE, "FERROXLIB");
+    ASSERT_EQ(WaitForSingleObject(mutex, kPatience), WAIT_OBJECT_0);
+    signals.ReadyAndAwaitGo();
+    Sleep(400);
+    ReleaseMutex(mutex);
+    CloseHandle(mutex);
+}
+
+TEST(Role, DISABLED_ReadsThroughNull) {
+    SetMachine(ThisMachineWithoutDriver());
+    BaseAbstraction* package = CreateSmbiosPackage();
+    ASSERT_EQ(package->Initialize(), kSuccess);
+    volatile int* volatile nowhere = nullptr;
+    std::printf("%d", *nowhere);
+}
+
+class Driver : public testing::Test {
+  protected:
+    void SetUp() override {
+        RemoveService();
+        SetDriverPath(FullPath(QUORLIN_DRIVER));
+        ASSERT_EQ(ServiceState(), kNoService);
+        ASSERT_FALSE(SectionExists());
+    }
+    void TearDown() override {
+        SetMachine(ThisMachine());
+        RemoveService();
+        RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings);
+    }
+    static void SetValue(const char* name, DWORD type, const void* bytes, size_t size) {
+        HKEY key;
+        ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, kSettings, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
+        RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(bytes), static_cast<DWORD>(size));
+        RegCloseKey(key);
+    }
+    static void SetDriverPath(const std::string& path) {
+        SetValue("FERROXDrvPath", REG_SZ, path.c_str(), path.size() + 1);
+    }
+    static void SetHypervisor(DWORD present) { SetValue("TestHypervisor", REG_DWORD, &present, sizeof present); }
+    static void ExpectNothingLeft() {
+        EXPECT_EQ(ServiceState(), kNoService);
+        EXPECT_FALSE(SectionExists());
+    }
+};
+
+struct Buffer_t {
+    uint32_t Size;
+    uint8_t bytes[64];
+    explicit Buffer_t(uint32_t size, std::vector<uint8_t> data = {}) : Size(size), bytes() {
+        std::copy(data.begin(), data.end(), bytes);
+    }
+    operator DataBuffer_t*() { return reinterpret_cast<DataBuffer_t*>(this); }
+    std::vector<uint8_t> Bytes() const { return {bytes, bytes + Size}; }
+};
+using Bytes_t = std::vector<uint8_t>;
+
+TEST_F(Driver, TheProgramReadsByBothRoadsAndLeavesNothing) {
+    const ProgramRun_t first = RunQuorlin("--driver --format lines"), scan = RunQuorlin("--road scan --format lines");
+    EXPECT_EQ(first.exitCode, 0) << first.errors;
+    EXPECT_EQ(first.output, RunQuorlin("--no-driver --format lines").output);
+    EXPECT_EQ(scan.exitCode, 0) << scan.errors;
+    EXPECT_TRUE(Has(scan.output, "\"Manufacturer\", \"Simulated\"\n")) << scan.output;
+    ExpectNothingLeft();
+}
+
+TEST_F(Driver, AnswersEveryRequest) {
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+    uint32_t version = 0;
+    EXPECT_EQ(GetFERROXDriverVersion(&version), kSuccess);
+    EXPECT_EQ(version, 0x01000001u);
+    EXPECT_EQ(GetCPULibVersion(&version), kSuccess);
+    EXPECT_EQ(version, 0x01000002u);
+    EXPECT_EQ(GetIOLibVersion(&version), kSuccess);
+    EXPECT_EQ(version, 0x01000003u);
+    EXPECT_EQ(GetPCILibVersion(&version), kSuccess);
+    EXPECT_EQ(version, 0x01000004u);
+
+    CPUIDRecord_t byDriver = {}, byInstruction = {};
+    ASSERT_EQ(ReadCPUID(kAnyProcessor, &byDriver), kSuccess);
+    ThisMachineWithoutDriver()->ReadCPUID(kAnyProcessor, &byInstruction);
+    EXPECT_EQ(byDriver.Ebx, byInstruction.Ebx);
+    EXPECT_EQ(byDriver.Edx, byInstruction.Edx);
+
+    MSRRecord_t msr = {0, 0, 0x12, 0, 0};
+    EXPECT_EQ(ReadMSR(&msr), kSuccess);
+    EXPECT_EQ(msr.HiContent, 3u);
+    EXPECT_EQ(msr.LoContent, 0x12u);
+    msr = {0, 0, 0x11, 7, 8};
+    EXPECT_EQ(WriteMSR(&msr), kSuccess);
+    msr = {0, 0, 0x11, 0, 0};
+    EXPECT_EQ(ReadMSR(&msr), kSuccess);
+    EXPECT_EQ(msr.HiContent, 7u);
+    msr.Msr = 0x1234;
+    EXPECT_EQ(ReadMSR(&msr), 0u);  // refused
+
+    Buffer_t port(2), written(1, {0x5A}), wide(4);
+    EXPECT_EQ(ReadWakeupTimer(0x81, port), kSuccess);
+    EXPECT_EQ(port.Bytes(), (Bytes_t{0x22, 0x33}));
+    EXPECT_EQ(ConfigureWakeUpTimer(0x82, written), kSuccess);
+    EXPECT_EQ(ReadWakeupTimer(0x80, wide), kSuccess);
+    EXPECT_EQ(wide.Bytes(), (Bytes_t{0x11, 0x22, 0x5A, 0x44}));
+    EXPECT_EQ(ReadWakeupTimer(0x70, port), 0u);
+
+    NonTurboRecord_t nonTurbo = {1, 0xCE, 0x408, {}};
+    EXPECT_EQ(CalcFreqNonTurbo(&nonTurbo), kSuccess);
+    EXPECT_EQ(nonTurbo.Result[0], 2400 & 0xFF);
+
+    Buffer_t pci(4);
+    EXPECT_EQ(PCIRead(0, 6, pci), kSuccess);
+    EXPECT_EQ(pci.Bytes(), (Bytes_t{6, 7, 8, 9}));
+    EXPECT_EQ(PCIRead(8, 6, pci), kSuccess);
+    EXPECT_EQ(pci.Bytes(), (Bytes_t{0xFF, 0xFF, 0xFF, 0xFF}));
+
+    constexpr uint64_t kBar = 0xFED00000;
+    Buffer_t stored(3, {1, 2, 3}), gpio(2, {4, 5}), dynamic(1, {6}), all(6), same(6), again(6);
+    const DynamicMMIORecord_t record = {1, 0, 0x15};
+    EXPECT_EQ(PCIMMIOWriteStored(kBar, 0x10, stored), kSuccess);
+    EXPECT_EQ(MMIOWriteGPIO(kBar, 0x13, gpio), kSuccess);
+    EXPECT_EQ(PCIMMIOWriteDynamic(&record, dynamic), kSuccess);
+    const Bytes_t expected = {1, 2, 3, 4, 5, 6};
+    EXPECT_EQ(PCIMMIORead(kBar, 0x10, all), kSuccess);
+    EXPECT_EQ(all.Bytes(), expected);
+    EXPECT_EQ(PCIMMIOReadStored(kBar, 0x10, same), kSuccess);
+    EXPECT_EQ(same.Bytes(), expected);
+    EXPECT_EQ(MMIOReadGPIO(kBar, 0x10, again), kSuccess);
+    EXPECT_EQ(again.Bytes(), expected);
+    EXPECT_EQ(PCIMMIORead(kBar, 0xFC, all), 0u);  // runs over the end
+
+    Buffer_t anchor(5);
+    EXPECT_EQ(GetSystemTables(0xF0000, 0x110, anchor), kSuccess);
+    EXPECT_EQ(anchor.Bytes(), (Bytes_t{'_', 'D', 'M', 'I', '_'}));
+    EXPECT_EQ(FERROXTerminate(), kSuccess);
+    ExpectNothingLeft();
+}
+
+TEST_F(Driver, ChecksTheSizesOfARequest) {
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    HANDLE device = CreateFileA("\\\\.\\Ravelink", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(device, INVALID_HANDLE_VALUE);
+    const struct {
+        DWORD code, in, out;
+    } kWrong[] = {
+        {0x80240000, 55, 56},
+        {0x80240000, 56, 20},
+        {0x80240004, 4,  4 },
+        {0x80240034, 20, 16},
+        {0x80240118, 23, 24},
+        {0x80240118, 28, 28},
+        {0x80240118, 24, 0 },
+        {0x80240008, 20, 20}
+    };
+    for (const auto& c : kWrong) {
+        uint8_t bytes[64] = {};
+        DWORD got = 0;
+        EXPECT_EQ(DeviceIoControl(device, c.code, bytes, c.in, bytes, c.out, &got, nullptr), FALSE)
+            << std::hex << c.code;
+    }
+    CloseHandle(device);
+    EXPECT_EQ(FERROXTerminate(), kSuccess);
+}
+
+TEST_F(Driver, TheHypervisorBitChoosesTheRoadToPCI) {
+    for (const DWORD present : {0u, 1u}) {
+        SetHypervisor(present);
+        ASSERT_EQ(FERROXInitialize(), kSuccess);
+        Buffer_t first(4), extended(4);
+        EXPECT_EQ(PCIRead(0, 0, first), kSuccess);
+        EXPECT_EQ(first.Bytes(), (Bytes_t{0, 1, 2, static_cast<uint8_t>(present != 0 ? 0x83 : 3)})) << present;
+        // Without a hypervisor it goes by the memory-mapped space, of which no table tells here.
+        EXPECT_EQ(PCIExRead(0, 252, extended), present != 0 ? kSuccess : kFailure);
+        EXPECT_EQ(PCIExRead(0, 256, extended), present != 0 ? kBadValue : kFailure);
+        EXPECT_EQ(FERROXTerminate(), kSuccess);
+    }
+}
+
+TEST_F(Driver, TheLastOfTwoProcessesRemovesTheService) {
+    for (const bool otherGoesFirst : {true, false}) {
+        Signals_t signals;
+        ClOtherProcess other("HoldsTheDriver");
+        signals.AwaitReady();
+        EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+        ASSERT_EQ(FERROXInitialize(), kSuccess);
+        if (!otherGoesFirst) {
+            EXPECT_EQ(FERROXTerminate(), kSuccess);
+        }
+        EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+        SetEvent(signals.go);
+        EXPECT_EQ(other.ExitCode(), 0u);
+        if (otherGoesFirst) {
+            EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+            EXPECT_EQ(FERROXTerminate(), kSuccess);
+        }
+        ExpectNothingLeft();
+    }
+}
+
+TEST_F(Driver, AKilledProcessLeavesAServiceThatTheNextTakesOver) {
+    {
+        Signals_t signals;
+        ClOtherProcess other("HoldsTheDriver");
+        signals.AwaitReady();
+        other.Kill();
+    }
+    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+    EXPECT_FALSE(SectionExists());
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    EXPECT_EQ(FERROXTerminate(), kSuccess);
+    ExpectNothingLeft();
+}
+
+// Its count stays raised as long as another process holds the section: nobody removes the service.
+TEST_F(Driver, AKilledProcessBesideAnotherKeepsTheServiceUp) {
+    Signals_t signals;
+    ClOtherProcess other("HoldsTheDriver");
+    signals.AwaitReady();
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    other.Kill();
+    EXPECT_EQ(FERROXTerminate(), kSuccess);
+    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+}
+
+TEST_F(Driver, AnAutoLoadedServiceIsLeftAlone) {
+    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+    SC_HANDLE service = CreateServiceA(manager, "Ravelink", "Ravelink", SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
+                                       SERVICE_AUTO_START, SERVICE_ERROR_NORMAL, FullPath(QUORLIN_DRIVER).c_str(),
+                                       nullptr, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(service, nullptr);
+    EXPECT_NE(StartServiceA(service, 0, nullptr), 0);
+    CloseServiceHandle(service);
+    CloseServiceHandle(manager);
+    EXPECT_EQ(RunQuorlin("--driver").exitCode, 0);
+    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+    EXPECT_FALSE(SectionExists());
+}
+
+TEST_F(Driver, WithoutItsFileTheProgramFallsBackAndSaysSo) {
+    for (const bool hasValue : {true, false}) {
+        if (hasValue)
+            SetDriverPath(FullPath("no-such-driver.sys"));
+        else
+            RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings);
+        const ProgramRun_t run = RunQuorlin("--format lines"), must = RunQuorlin("--driver --format lines");
+        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_EQ(run.output, RunQuorlin("--no-driver --format lines").output);
+        EXPECT_TRUE(Has(run.errors, "its driver isn't to be had; read without it")) << run.errors;
+        EXPECT_NE(must.exitCode, 0);
+        EXPECT_EQ(must.output, "");
+        EXPECT_FALSE(SectionExists());
+    }
+}
+
+TEST_F(Driver, OpeningWaitsForTheOtherProcessesMutex) {
+    for (const bool killed : {false, true}) {
+        Signals_t signals;
+        ClOtherProcess other("HoldsTheMutex");
+        signals.AwaitReady();
+        HANDLE mutex = CreateMutexA(nullptr, FALSE, "FERROXLIB");
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_ALREADY_EXISTS});
+        EXPECT_EQ(WaitForSingleObject(mutex, 50), DWORD{WAIT_TIMEOUT});
+        const auto start = std::chrono::steady_clock::now();
+        if (killed)
+            other.Kill();
+        else
+            SetEvent(signals.go);
+        EXPECT_EQ(FERROXInitialize(), kSuccess);
+        if (!killed) {
+            EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
+        }
+        EXPECT_EQ(FERROXTerminate(), kSuccess);
+        CloseHandle(mutex);
+    }
+}
+
+DWORD Handles() {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+}
+
+void Rounds(int count) {
+    for (int round = 0; round < count; ++round) {
+        BaseAbstraction* package = CreateSmbiosPackage();
+        ASSERT_EQ(package->Initialize(), kSuccess);
+        ASSERT_EQ(package->UnInitialize(), kSuccess);
+        DestroySmbiosPackage(package);
+    }
+}
+
+// A thousand with the driver kept up by one more use of it, as each start and stop takes its time; and some with all.
+TEST_F(Driver, RoundsLeaveNoHandle) {
+    Rounds(1);
+    const DWORD before = Handles();
+    Rounds(20);
+    EXPECT_EQ(Handles(), before);
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    Rounds(1000);
+    EXPECT_EQ(FERROXTerminate(), kSuccess);
+    EXPECT_EQ(Handles(), before);
+    ExpectNothingLeft();
+}
+
+TEST(Crash, AHostThatReadsThroughNullSaysSo) {
+    const std::string output = testing::TempDir() + "crash.out";
+    ClOtherProcess host("ReadsThroughNull", output);
+    EXPECT_EQ(host.ExitCode(), DWORD{EXCEPTION_ACCESS_VIOLATION});
+    const std::string report = ReadWholeFile(output);
+    EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING START***")) << report;
+    EXPECT_TRUE(Has(report, "EXCEPTION_ACCESS_VIOLATION Attempted to read from: 0x00000000")) << report;
+    EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING END***")) << report;
+}
+
+// The C runtime would read the names in the system's code page.
+TEST(Names, BeyondASCIIAreTakenAsTheyAre) {
+    const std::string image = WriteFile(
+        "Πίνακας-表格.bin", DumpOf(TableOf({ClStructureBuilder(3, 9).Byte(4, 1).Strings({"Ωメガ"})}), 2, 7, 32));
+    const std::string output = testing::TempDir() + "names.out";
+    std::string command = "\"\"" QUORLIN_PROGRAM "\" get 3 Manufacturer --image " + image + " >" + output + "\"";
+    std::wstring wide(command.size(), L'\0');
+    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, command.c_str(), static_cast<int>(command.size()),
+                                                        wide.data(), static_cast<int>(wide.size()))));
+    EXPECT_EQ(_wsystem(wide.c_str()), 0);
+    EXPECT_EQ(ReadWholeFile(output), "Ωメガ\n");
+}
+
+}  // namespace
