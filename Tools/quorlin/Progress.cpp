@@ -1,6 +1,8 @@
 #include "Tools/quorlin/Progress.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string>
 
 #include "Packages/Platform/Program.h"
 
@@ -23,6 +25,12 @@ void ClProgress::Step() {
     if (now < m_next) return;
     m_next = now + std::chrono::milliseconds(200);
     const double seconds = std::chrono::duration<double>(now - m_begin).count();
-    if (seconds > 0)
-        std::fprintf(stderr, "\r%zu images, %.0f a second\x1b[K", m_done, static_cast<double>(m_done) / seconds);
+    if (seconds <= 0) return;
+    std::fputs("\r", stderr);
+    if (m_total != 0) {
+        constexpr size_t kBar = 30;
+        const size_t filled = std::min(kBar, kBar * m_done / m_total);
+        std::fprintf(stderr, "[%s%s] ", std::string(filled, '#').c_str(), std::string(kBar - filled, '.').c_str());
+    }
+    std::fprintf(stderr, "%zu images, %.0f a second\x1b[K", m_done, static_cast<double>(m_done) / seconds);
 }

@@ -276,6 +276,13 @@ int ForEachTable(const Source_t& source, int trouble, const std::function<int(Cl
         return exitCode;
     }
     ClProgress progress(source.IsFleet());
+    // Names on standard input can be read only once, so they can't be counted first.
+    if (progress.IsShown() && source.imageList != "-") {
+        size_t total = source.images.size();
+        ClNameList names(source.imageList);
+        for (std::string name; !source.imageList.empty() && names.IsOpen() && names.Next(&name);) total++;
+        progress.SetTotal(total);
+    }
     for (const std::string& path : source.images) {
         one(&path);
         progress.Step();
