@@ -32,20 +32,20 @@ class ClOurs {
   public:
     explicit ClOurs(uint32_t type) {
         ContainerParams_t params{"ContainerBenchmark", type, kOwnData, 0, CompareInts, nullptr};
-        InitContainer(&params, &handle_, 0);
+        InitContainer(&params, &m_handle, 0);
     }
     ClOurs(const ClOurs&) = delete;
     ClOurs& operator=(const ClOurs&) = delete;
-    ~ClOurs() { UnInitContainer(handle_); }
-    bool Insert(void* data) { return ::Insert(handle_, data) == kSuccess; }
-    bool Find(void* data) { return UpdateNode(handle_, data, data) == kSuccess; }
-    bool Delete(void* data) { return DeleteByData(handle_, data) == kSuccess; }
-    bool Push(void* data) { return ::Push(handle_, data) == kSuccess; }
-    bool At(int32_t index, void** data) { return RetrieveFromIndex(handle_, data, index) == kSuccess; }
-    bool Pop(void** data) { return ::Pop(handle_, data) == kSuccess; }
+    ~ClOurs() { UnInitContainer(m_handle); }
+    bool Insert(void* data) { return ::Insert(m_handle, data) == kSuccess; }
+    bool Find(void* data) { return UpdateNode(m_handle, data, data) == kSuccess; }
+    bool Delete(void* data) { return DeleteByData(m_handle, data) == kSuccess; }
+    bool Push(void* data) { return ::Push(m_handle, data) == kSuccess; }
+    bool At(int32_t index, void** data) { return RetrieveFromIndex(m_handle, data, index) == kSuccess; }
+    bool Pop(void** data) { return ::Pop(m_handle, data) == kSuccess; }
 
   private:
-    ContainerHandle_t handle_ = nullptr;
+    ContainerHandle_t m_handle = nullptr;
 };
 struct ClRedBlackTree : ClOurs {
     ClRedBlackTree() : ClOurs(kRedBlackTree) {}
@@ -61,28 +61,28 @@ template <class Map_t>
 class ClStandardMap {
   public:
     bool Insert(void* data) {
-        const std::lock_guard guard(mutex_);
+        const std::lock_guard guard(m_mutex);
         if constexpr (requires { typename Map_t::mapped_type; })
-            entries_.emplace(data, data);
+            m_entries.emplace(data, data);
         else
-            entries_.insert(data);
+            m_entries.insert(data);
         return true;
     }
     bool Find(void* data) {
-        const std::lock_guard guard(mutex_);
-        return entries_.find(data) != entries_.end();
+        const std::lock_guard guard(m_mutex);
+        return m_entries.find(data) != m_entries.end();
     }
     bool Delete(void* data) {
-        const std::lock_guard guard(mutex_);
-        const auto place = entries_.find(data);
-        if (place == entries_.end()) return false;
-        entries_.erase(place);
+        const std::lock_guard guard(m_mutex);
+        const auto place = m_entries.find(data);
+        if (place == m_entries.end()) return false;
+        m_entries.erase(place);
         return true;
     }
 
   private:
-    std::mutex mutex_;
-    Map_t entries_;
+    std::mutex m_mutex;
+    Map_t m_entries;
 };
 using ClMultimap = ClStandardMap<std::multimap<void*, void*, Below_t>>;
 using ClMap = ClStandardMap<std::map<void*, void*, Below_t>>;
@@ -91,28 +91,28 @@ using ClMultiset = ClStandardMap<std::multiset<void*, Below_t>>;
 class ClStandardList {
   public:
     bool Push(void* data) {
-        const std::lock_guard guard(mutex_);
-        entries_.push_back(data);
+        const std::lock_guard guard(m_mutex);
+        m_entries.push_back(data);
         return true;
     }
     // As a reader would: with an iterator that goes along.
     bool At(int32_t index, void** data) {
-        const std::lock_guard guard(mutex_);
-        next_ = index == 0 ? entries_.begin() : std::next(next_);
-        *data = *next_;
+        const std::lock_guard guard(m_mutex);
+        m_next = index == 0 ? m_entries.begin() : std::next(m_next);
+        *data = *m_next;
         return true;
     }
     bool Pop(void** data) {
-        const std::lock_guard guard(mutex_);
-        *data = entries_.back();
-        entries_.pop_back();
+        const std::lock_guard guard(m_mutex);
+        *data = m_entries.back();
+        m_entries.pop_back();
         return true;
     }
 
   private:
-    std::mutex mutex_;
-    std::list<void*> entries_;
-    std::list<void*>::iterator next_;
+    std::mutex m_mutex;
+    std::list<void*> m_entries;
+    std::list<void*>::iterator m_next;
 };
 
 // Keys in an order of their own for each part of the work.

@@ -28,10 +28,10 @@ class ClFixedText {
   public:
     // False, with nothing added, for what would not leave room for a NUL.
     bool Add(const char* text, size_t length) {
-        if (length >= kCommandLineSize - length_) return false;
-        std::memcpy(bytes_ + length_, text, length);
-        length_ += length;
-        bytes_[length_] = '\0';
+        if (length >= kCommandLineSize - m_length) return false;
+        std::memcpy(m_bytes + m_length, text, length);
+        m_length += length;
+        m_bytes[m_length] = '\0';
         return true;
     }
     bool AddArguments(const char* const* arguments) {
@@ -46,11 +46,11 @@ class ClFixedText {
             if (!Add(*texts, std::strlen(*texts) + 1)) return false;
         return true;
     }
-    char* Bytes() { return bytes_; }
+    char* Bytes() { return m_bytes; }
 
   private:
-    char bytes_[kCommandLineSize] = "";
-    size_t length_ = 0;
+    char m_bytes[kCommandLineSize] = "";
+    size_t m_length = 0;
 };
 
 bool Start(const char* application, char* commandLine, char* environment, PROCESS_INFORMATION* information) {

@@ -46,12 +46,12 @@ Bytes_t BytesAt(const char* path, off_t offset, size_t size) {
 // A data buffer of the library.
 class ClBuffer {
   public:
-    explicit ClBuffer(uint32_t size) : block_(4 + size) { Get()->Size = size; }
-    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(block_.data()); }
-    Bytes_t Bytes() const { return Bytes_t(block_.begin() + 4, block_.end()); }
+    explicit ClBuffer(uint32_t size) : m_block(4 + size) { Get()->Size = size; }
+    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(m_block.data()); }
+    Bytes_t Bytes() const { return Bytes_t(m_block.begin() + 4, m_block.end()); }
 
   private:
-    Bytes_t block_;
+    Bytes_t m_block;
 };
 
 Bytes_t Part(const Bytes_t& bytes, size_t offset, size_t size) {

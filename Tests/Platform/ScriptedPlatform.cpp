@@ -22,7 +22,7 @@ uint64_t DeviceRequest_t::Number(size_t offset, size_t width) const {
 
 std::string ClScriptedPlatform::Open() const {
     std::string text;
-    for (const auto& [handle, kind] : handles_) text += kind + " ";
+    for (const auto& [handle, kind] : m_handles) text += kind + " ";
     return text;
 }
 
@@ -45,14 +45,14 @@ void ClScriptedPlatform::OtherProcess(int opens) {
 }
 
 std::optional<uint32_t> ClScriptedPlatform::SharedCount() const {
-    const bool held = otherProcesses != 0 || std::ranges::any_of(handles_, [](const auto& each) {
+    const bool held = otherProcesses != 0 || std::ranges::any_of(m_handles, [](const auto& each) {
                           return each.second == "section" || each.second == "view";
                       });
     return held ? std::optional(section) : std::nullopt;
 }
 
 bool ClScriptedPlatform::Call(const char* function, DWORD error) {
-    const std::string name = std::string(function) + "#" + std::to_string(++occurrences_[function]);
+    const std::string name = std::string(function) + "#" + std::to_string(++m_occurrences[function]);
     calls.push_back(name);
     if (calls.size() != failCall && !failCalls.contains(name)) return true;
     SetLastError(error);
@@ -60,15 +60,15 @@ bool ClScriptedPlatform::Call(const char* function, DWORD error) {
 }
 
 HANDLE ClScriptedPlatform::Add(const char* kind) {
-    nextHandle_ += 16;
-    const HANDLE handle = reinterpret_cast<HANDLE>(nextHandle_);
-    handles_[handle] = kind;
+    m_nextHandle += 16;
+    const HANDLE handle = reinterpret_cast<HANDLE>(m_nextHandle);
+    m_handles[handle] = kind;
     return handle;
 }
 
 bool ClScriptedPlatform::IsOpen(HANDLE handle, const char* kind) const {
-    const auto found = handles_.find(handle);
-    return found != handles_.end() && found->second == kind;
+    const auto found = m_handles.find(handle);
+    return found != m_handles.end() && found->second == kind;
 }
 
-bool ClScriptedPlatform::Remove(HANDLE handle) { return handles_.erase(handle) != 0; }
+bool ClScriptedPlatform::Remove(HANDLE handle) { return m_handles.erase(handle) != 0; }

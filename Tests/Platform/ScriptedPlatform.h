@@ -97,9 +97,9 @@ class ClScriptedPlatform {
     bool mutexHeld = false;
 
   private:
-    std::map<HANDLE, std::string> handles_;
-    std::map<std::string, int> occurrences_;
-    uintptr_t nextHandle_ = 0x5C000000;
+    std::map<HANDLE, std::string> m_handles;
+    std::map<std::string, int> m_occurrences;
+    uintptr_t m_nextHandle = 0x5C000000;
 };
 
 ClScriptedPlatform& Platform();

@@ -18,7 +18,8 @@ std::string ReadWholeFile(const std::string& path) {
 std::string WriteFile(const std::string& name, const std::vector<uint8_t>& bytes) {
     const std::string path = testing::TempDir() + name;
     std::FILE* file = OpenFile(path, "w");  // as bytes; a name beyond ASCII works on every platform
-    if (file == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size())
+    // An empty file: std::fwrite may not be given the null pointer of an empty vector.
+    if (file == nullptr || (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size()))
         ADD_FAILURE() << "cannot write " << path;
     if (file != nullptr) std::fclose(file);
     return path;

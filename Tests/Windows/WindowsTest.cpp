@@ -76,31 +76,31 @@ class ClOtherProcess {
         startup.dwFlags = STARTF_USESTDHANDLES;
         startup.hStdOutput = startup.hStdError = file;
         EXPECT_NE(
-            CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process_),
+            CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &m_process),
             0);
         CloseHandle(file);
     }
     ~ClOtherProcess() {
         Kill();
-        CloseHandle(process_.hThread);
-        CloseHandle(process_.hProcess);
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
     }
     ClOtherProcess(const ClOtherProcess&) = delete;
     ClOtherProcess& operator=(const ClOtherProcess&) = delete;
 
     void Kill() {
-        TerminateProcess(process_.hProcess, 99);
-        WaitForSingleObject(process_.hProcess, kPatience);
+        TerminateProcess(m_process.hProcess, 99);
+        WaitForSingleObject(m_process.hProcess, kPatience);
     }
     DWORD ExitCode() {
         DWORD code = 0;
-        EXPECT_EQ(WaitForSingleObject(process_.hProcess, kPatience), WAIT_OBJECT_0);
-        GetExitCodeProcess(process_.hProcess, &code);
+        EXPECT_EQ(WaitForSingleObject(m_process.hProcess, kPatience), WAIT_OBJECT_0);
+        GetExitCodeProcess(m_process.hProcess, &code);
         return code;
     }
 
   private:
-    PROCESS_INFORMATION process_ = {};
+    PROCESS_INFORMATION m_process = {};
 };
 
 // Two events by which a role says that it is there, and is told to go on.

@@ -90,7 +90,7 @@ bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
                                        : std::string(std::strerror(errno)) + "; try another name");
         return false;
     }
-    const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    const bool isWritten = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     const int problem = errno;
     if (std::fclose(file) == 0 && isWritten) return true;
     SayError(path, std::string(std::strerror(isWritten ? errno : problem)) + "; the file is not whole");

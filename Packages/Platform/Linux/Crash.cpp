@@ -136,11 +136,11 @@ class ClSignalStack {
     ClSignalStack() {
         stack_t present;
         if (sigaltstack(nullptr, &present) != 0 || (present.ss_flags & SS_DISABLE) == 0) return;
-        memory_ = mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
-        if (memory_ == MAP_FAILED) return;
-        mprotect(memory_, kGuard, PROT_NONE);
+        m_memory = mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
+        if (m_memory == MAP_FAILED) return;
+        mprotect(m_memory, kGuard, PROT_NONE);
         stack_t own = {};
-        own.ss_sp = static_cast<uint8_t*>(memory_) + kGuard;
+        own.ss_sp = static_cast<uint8_t*>(m_memory) + kGuard;
         own.ss_size = kSize - kGuard;
         sigaltstack(&own, nullptr);
     }
@@ -148,18 +148,18 @@ class ClSignalStack {
     ClSignalStack& operator=(const ClSignalStack&) = delete;
     ~ClSignalStack() {
         stack_t present;
-        if (memory_ == MAP_FAILED || sigaltstack(nullptr, &present) != 0) return;
-        if (present.ss_sp == static_cast<uint8_t*>(memory_) + kGuard) {
+        if (m_memory == MAP_FAILED || sigaltstack(nullptr, &present) != 0) return;
+        if (present.ss_sp == static_cast<uint8_t*>(m_memory) + kGuard) {
             stack_t none = {};
             none.ss_flags = SS_DISABLE;
             if (sigaltstack(&none, nullptr) != 0) return;
         }
-        munmap(memory_, kSize);
+        munmap(m_memory, kSize);
     }
 
   private:
     static constexpr size_t kGuard = 4096, kSize = kGuard + size_t{128} * 1024;  // room for a formatting filter
-    void* memory_ = MAP_FAILED;
+    void* m_memory = MAP_FAILED;
 };
 
 bool IsOurs(const struct sigaction& action) {

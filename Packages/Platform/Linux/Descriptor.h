@@ -7,15 +7,15 @@
 
 class ClDescriptor {
   public:
-    explicit ClDescriptor(int file) : file_(file) {}
-    ClDescriptor(ClDescriptor&& other) noexcept : file_(std::exchange(other.file_, -1)) {}
+    explicit ClDescriptor(int file) : m_file(file) {}
+    ClDescriptor(ClDescriptor&& other) noexcept : m_file(std::exchange(other.m_file, -1)) {}
     ClDescriptor& operator=(ClDescriptor&&) = delete;
     ~ClDescriptor() {
-        if (file_ >= 0) close(file_);
+        if (m_file >= 0) close(m_file);
     }
-    bool IsOpen() const { return file_ >= 0; }
-    int Get() const { return file_; }
+    bool IsOpen() const { return m_file >= 0; }
+    int Get() const { return m_file; }
 
   private:
-    int file_;
+    int m_file;
 };

@@ -71,17 +71,17 @@ class ClPin {
         if (logical == kAnyProcessor) return TRUE;
         ClProcessorSet one;
         if (!one.Add(SystemProcessor(logical))) return Fail(ERROR_INVALID_PARAMETER);
-        if (!before_.ReadFromThread() || !one.ApplyToThread()) return FailWithErrno();
-        isPinned_ = true;
+        if (!m_before.ReadFromThread() || !one.ApplyToThread()) return FailWithErrno();
+        m_isPinned = true;
         return TRUE;
     }
     ~ClPin() {
-        if (isPinned_) before_.ApplyToThread();
+        if (m_isPinned) m_before.ApplyToThread();
     }
 
   private:
-    ClProcessorSet before_;
-    bool isPinned_ = false;
+    ClProcessorSet m_before;
+    bool m_isPinned = false;
 };
 
 BOOL ReadCPUIDOn(CPUIDRequest_t& request) {
@@ -125,16 +125,16 @@ class ClPorts {
     BOOL Open(uint32_t port, uint32_t size) {
         if (port + uint64_t{size} > 0x10000) return Fail(ERROR_INVALID_PARAMETER);
         if (ioperm(port, size, 1) != 0) return FailWithErrno();
-        port_ = port;
-        size_ = size;
+        m_port = port;
+        m_size = size;
         return TRUE;
     }
     ~ClPorts() {
-        if (size_ != 0) ioperm(port_, size_, 0);
+        if (m_size != 0) ioperm(m_port, m_size, 0);
     }
 
   private:
-    uint32_t port_ = 0, size_ = 0;
+    uint32_t m_port = 0, m_size = 0;
 };
 
 BOOL MovePort(Direction_t direction, PortRequest_t& request) {

@@ -18,24 +18,19 @@ namespace {
 
 class ClFile : public ClObject {
   public:
-    explicit ClFile(ClDescriptor&& file) : file_(std::move(file)) {}
+    explicit ClFile(ClDescriptor&& file) : m_file(std::move(file)) {}
 
   private:
-    ClDescriptor file_;
+    ClDescriptor m_file;
 };
 
 int OpenFlags(DWORD disposition) {
     switch (disposition) {
-        case CREATE_NEW:
-            return O_CREAT | O_EXCL;
-        case CREATE_ALWAYS:
-            return O_CREAT | O_TRUNC;
-        case OPEN_ALWAYS:
-            return O_CREAT;
-        case TRUNCATE_EXISTING:
-            return O_TRUNC;
-        default:
-            return 0;
+        case CREATE_NEW: return O_CREAT | O_EXCL;
+        case CREATE_ALWAYS: return O_CREAT | O_TRUNC;
+        case OPEN_ALWAYS: return O_CREAT;
+        case TRUNCATE_EXISTING: return O_TRUNC;
+        default: return 0;
     }
 }
 
@@ -63,15 +58,15 @@ bool Matches(const char* pattern, const char* name) {
 
 class ClSearch : public ClObject {
   public:
-    ClSearch(DIR* folder, const char* pattern) : folder_(folder), pattern_(pattern) {}
-    ~ClSearch() override { closedir(folder_); }
+    ClSearch(DIR* folder, const char* pattern) : m_folder(folder), m_pattern(pattern) {}
+    ~ClSearch() override { closedir(m_folder); }
 
     BOOL Next(WIN32_FIND_DATAA* found) {
         for (;;) {
             errno = 0;
-            const dirent* entry = readdir(folder_);
+            const dirent* entry = readdir(m_folder);
             if (entry == nullptr) return errno != 0 ? FailWithErrno() : Fail(ERROR_NO_MORE_FILES);
-            if (!Matches(pattern_.c_str(), entry->d_name)) continue;
+            if (!Matches(m_pattern.c_str(), entry->d_name)) continue;
             Describe(entry->d_name, found);
             return TRUE;
         }
@@ -81,7 +76,7 @@ class ClSearch : public ClObject {
     // What can't be looked at any more is told as an empty file.
     void Describe(const char* name, WIN32_FIND_DATAA* found) const {
         struct stat facts = {};
-        if (fstatat(dirfd(folder_), name, &facts, 0) != 0) facts = {};
+        if (fstatat(dirfd(m_folder), name, &facts, 0) != 0) facts = {};
         *found = {};
         found->dwFileAttributes = S_ISDIR(facts.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
         if (name[0] == '.' && std::strspn(name, ".") != std::strlen(name))
@@ -99,8 +94,8 @@ class ClSearch : public ClObject {
         return {static_cast<DWORD>(steps), static_cast<DWORD>(steps >> 32)};
     }
 
-    DIR* folder_;
-    std::string pattern_;
+    DIR* m_folder;
+    std::string m_pattern;
 };
 
 HANDLE InvalidHandle(DWORD error) {

@@ -25,12 +25,12 @@ namespace {
 // What all handles of one name in this process share, or what one unnamed handle has.
 class ClLock {
   public:
-    explicit ClLock(const char* name) : name_(name) {}
+    explicit ClLock(const char* name) : m_name(name) {}
     ClLock(const ClLock&) = delete;
     ClLock& operator=(const ClLock&) = delete;
     ~ClLock();
 
-    const std::string& Name() const { return name_; }
+    const std::string& Name() const { return m_name; }
     // As the pthread functions: 0; EOWNERDEAD taken from a holder that died; EBUSY or ETIMEDOUT; ENOMEM; EPERM.
     int Lock(DWORD milliseconds);
     int Unlock();
@@ -38,15 +38,15 @@ class ClLock {
   private:
     // The mutex, looked up or made at the first call; null if there is no memory.
     pthread_mutex_t* Mutex() {
-        pthread_mutex_t* known = mutex_.load(std::memory_order_acquire);
+        pthread_mutex_t* known = m_mutex.load(std::memory_order_acquire);
         return known != nullptr ? known : Resolve();
     }
     pthread_mutex_t* Resolve();
 
-    const std::string name_;  // empty: unnamed
-    std::atomic<pthread_mutex_t*> mutex_ = nullptr;
-    pthread_mutex_t* own_ = nullptr;  // in this process only
-    std::atomic<int> held_ = 0;       // how often own_ is held
+    const std::string m_name;  // empty: unnamed
+    std::atomic<pthread_mutex_t*> m_mutex = nullptr;
+    pthread_mutex_t* m_own = nullptr;  // in this process only
+    std::atomic<int> m_held = 0;       // how often m_own is held
 };
 
 // Guards the names and every first look-up.
@@ -70,33 +70,33 @@ ClMutexTable* SharedTable() {
 
 pthread_mutex_t* ClLock::Resolve() {
     const std::lock_guard guard(processLock);
-    pthread_mutex_t* mutex = mutex_.load(std::memory_order_relaxed);
+    pthread_mutex_t* mutex = m_mutex.load(std::memory_order_relaxed);
     if (mutex != nullptr) return mutex;  // another thread came first
-    if (!name_.empty() && SharedTable() != nullptr) mutex = SharedTable()->Find(name_.c_str());
+    if (!m_name.empty() && SharedTable() != nullptr) mutex = SharedTable()->Find(m_name.c_str());
     if (mutex == nullptr) {
-        own_ = new (std::nothrow) pthread_mutex_t;
-        if (own_ != nullptr && !InitRobustMutex(own_, PTHREAD_PROCESS_PRIVATE)) {
-            delete own_;
-            own_ = nullptr;
+        m_own = new (std::nothrow) pthread_mutex_t;
+        if (m_own != nullptr && !InitRobustMutex(m_own, PTHREAD_PROCESS_PRIVATE)) {
+            delete m_own;
+            m_own = nullptr;
         }
-        mutex = own_;
+        mutex = m_own;
     }
-    mutex_.store(mutex, std::memory_order_release);
+    m_mutex.store(mutex, std::memory_order_release);
     return mutex;
 }
 
 // A mutex of this process that another thread still holds stays: that thread's list of held mutexes leads through it.
 ClLock::~ClLock() {
-    if (own_ == nullptr) return;
-    const int status = pthread_mutex_trylock(own_);
+    if (m_own == nullptr) return;
+    const int status = pthread_mutex_trylock(m_own);
     if (status != 0 && status != EOWNERDEAD) return;
     if (status == EOWNERDEAD) {
-        RepairMutex(own_);
-        held_ = 0;
+        RepairMutex(m_own);
+        m_held = 0;
     }
-    for (int times = held_ + 1; times > 0; --times) pthread_mutex_unlock(own_);
-    pthread_mutex_destroy(own_);
-    delete own_;
+    for (int times = m_held + 1; times > 0; --times) pthread_mutex_unlock(m_own);
+    pthread_mutex_destroy(m_own);
+    delete m_own;
 }
 
 timespec After(DWORD milliseconds) {
@@ -123,9 +123,9 @@ int ClLock::Lock(DWORD milliseconds) {
     const int status = milliseconds == INFINITE ? pthread_mutex_lock(mutex) : LockWithin(mutex, milliseconds);
     if (status == EOWNERDEAD) {
         RepairMutex(mutex);
-        held_ = 0;
+        m_held = 0;
     }
-    if (own_ != nullptr && (status == 0 || status == EOWNERDEAD)) ++held_;
+    if (m_own != nullptr && (status == 0 || status == EOWNERDEAD)) ++m_held;
     return status;
 }
 
@@ -133,28 +133,28 @@ int ClLock::Unlock() {
     pthread_mutex_t* mutex = Mutex();
     if (mutex == nullptr) return EPERM;
     const int status = pthread_mutex_unlock(mutex);
-    if (own_ != nullptr && status == 0) --held_;
+    if (m_own != nullptr && status == 0) --m_held;
     return status;
 }
 
 class ClMutex final : public ClObject {
   public:
-    explicit ClMutex(std::shared_ptr<ClLock> lock) : lock_(std::move(lock)) {}
+    explicit ClMutex(std::shared_ptr<ClLock> lock) : m_lock(std::move(lock)) {}
     ~ClMutex() override {
         const std::lock_guard guard(processLock);
-        const bool last = lock_.use_count() == 1 && !lock_->Name().empty();
-        if (last) Names().erase(lock_->Name());
-        lock_.reset();
+        const bool last = m_lock.use_count() == 1 && !m_lock->Name().empty();
+        if (last) Names().erase(m_lock->Name());
+        m_lock.reset();
     }
     DWORD Wait(DWORD milliseconds) override;
     BOOL Release();
 
   private:
-    std::shared_ptr<ClLock> lock_;
+    std::shared_ptr<ClLock> m_lock;
 };
 
 DWORD ClMutex::Wait(DWORD milliseconds) {
-    const int status = lock_->Lock(milliseconds);
+    const int status = m_lock->Lock(milliseconds);
     if (status == 0) return WAIT_OBJECT_0;
     switch (status) {
         case EOWNERDEAD: return WAIT_ABANDONED;
@@ -164,7 +164,7 @@ DWORD ClMutex::Wait(DWORD milliseconds) {
     }
 }
 
-BOOL ClMutex::Release() { return lock_->Unlock() == 0 ? TRUE : Fail(ERROR_NOT_OWNER); }
+BOOL ClMutex::Release() { return m_lock->Unlock() == 0 ? TRUE : Fail(ERROR_NOT_OWNER); }
 
 // The lock of that name, and whether it was there before.
 std::shared_ptr<ClLock> LockOf(const char* name, bool* existed) {

@@ -42,22 +42,22 @@ void ReapOrphans() {
 class ClChild {
   public:
     explicit ClChild(pid_t process)
-        : process_(process), descriptor_(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {}
+        : m_process(process), m_descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {}
     ClChild(const ClChild&) = delete;
     ClChild& operator=(const ClChild&) = delete;
     ~ClChild() {
-        if (Reap() || exitCode_.has_value()) return;
+        if (Reap() || m_exitCode.has_value()) return;
         auto& orphans = Orphans();
         const std::lock_guard<std::mutex> guard(orphans.lock);
         try {
-            orphans.processes.push_back(process_);
+            orphans.processes.push_back(m_process);
         } catch (...) {  // one dead child more in the system's list
         }
     }
 
     DWORD Wait(DWORD milliseconds) {
-        if (exitCode_.has_value()) return WAIT_OBJECT_0;
-        pollfd ended = {descriptor_.Get(), POLLIN, 0};
+        if (m_exitCode.has_value()) return WAIT_OBJECT_0;
+        pollfd ended = {m_descriptor.Get(), POLLIN, 0};
         timespec timeout = {milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
         const int result = ppoll(&ended, 1, milliseconds == INFINITE ? nullptr : &timeout, nullptr);
         if (result == 0) return WAIT_TIMEOUT;
@@ -69,36 +69,36 @@ class ClChild {
 
     BOOL Terminate(UINT exitCode) {
         if (Reap()) return Fail(ERROR_ACCESS_DENIED);  // as Windows answers for one that has ended
-        if (kill(process_, SIGKILL) != 0) return FailWithErrno();
-        terminatedWith_ = exitCode;
+        if (kill(m_process, SIGKILL) != 0) return FailWithErrno();
+        m_terminatedWith = exitCode;
         return TRUE;
     }
 
-    DWORD ExitCode() { return Reap() ? *exitCode_ : STILL_ACTIVE; }
+    DWORD ExitCode() { return Reap() ? *m_exitCode : STILL_ACTIVE; }
 
   private:
     // Whether the child has ended; its exit code is known then. One that a signal ended has 128 and the signal's
     // number, as shells have it, or the code that it was terminated with.
     bool Reap() {
         int status = 0;
-        if (exitCode_.has_value()) return true;
-        const pid_t reaped = waitpid(process_, &status, WNOHANG);
+        if (m_exitCode.has_value()) return true;
+        const pid_t reaped = waitpid(m_process, &status, WNOHANG);
         if (reaped == 0) return false;
         if (reaped < 0)
-            exitCode_ = 0;  // somebody else in this process has waited for it
+            m_exitCode = 0;  // somebody else in this process has waited for it
         else if (WIFEXITED(status))
-            exitCode_ = static_cast<DWORD>(WEXITSTATUS(status));
+            m_exitCode = static_cast<DWORD>(WEXITSTATUS(status));
         else
-            exitCode_ = WTERMSIG(status) == SIGKILL && terminatedWith_.has_value()
-                            ? *terminatedWith_
-                            : static_cast<DWORD>(128 + WTERMSIG(status));
+            m_exitCode = WTERMSIG(status) == SIGKILL && m_terminatedWith.has_value()
+                             ? *m_terminatedWith
+                             : static_cast<DWORD>(128 + WTERMSIG(status));
         return true;
     }
 
-    pid_t process_;
-    ClDescriptor descriptor_;
-    std::optional<DWORD> exitCode_;
-    std::optional<UINT> terminatedWith_;
+    pid_t m_process;
+    ClDescriptor m_descriptor;
+    std::optional<DWORD> m_exitCode;
+    std::optional<UINT> m_terminatedWith;
 };
 
 class ClProcess : public ClObject {

@@ -66,31 +66,31 @@ int SystemProcessor(uint32_t logical) {
     return found;
 }
 
-ClProcessorSet::ClProcessorSet() : set_(CPU_ALLOC(kMostProcessors)), size_(CPU_ALLOC_SIZE(kMostProcessors)) {
-    if (set_ != nullptr) CPU_ZERO_S(size_, set_);
+ClProcessorSet::ClProcessorSet() : m_set(CPU_ALLOC(kMostProcessors)), m_size(CPU_ALLOC_SIZE(kMostProcessors)) {
+    if (m_set != nullptr) CPU_ZERO_S(m_size, m_set);
 }
 
-ClProcessorSet::~ClProcessorSet() { CPU_FREE(set_); }
+ClProcessorSet::~ClProcessorSet() { CPU_FREE(m_set); }
 
 bool ClProcessorSet::Add(int processor) {
-    if (set_ == nullptr || processor < 0 || processor >= kMostProcessors) return false;
-    CPU_SET_S(static_cast<size_t>(processor), size_, set_);
+    if (m_set == nullptr || processor < 0 || processor >= kMostProcessors) return false;
+    CPU_SET_S(static_cast<size_t>(processor), m_size, m_set);
     return true;
 }
 
 bool ClProcessorSet::Has(int processor) const {
-    return set_ != nullptr && processor >= 0 && processor < kMostProcessors &&
-           CPU_ISSET_S(static_cast<size_t>(processor), size_, set_);
+    return m_set != nullptr && processor >= 0 && processor < kMostProcessors &&
+           CPU_ISSET_S(static_cast<size_t>(processor), m_size, m_set);
 }
 
 bool ClProcessorSet::ReadFromThread() {
     errno = ENOMEM;
-    return set_ != nullptr && sched_getaffinity(0, size_, set_) == 0;
+    return m_set != nullptr && sched_getaffinity(0, m_size, m_set) == 0;
 }
 
 bool ClProcessorSet::ApplyToThread() const {
     errno = ENOMEM;
-    return set_ != nullptr && sched_setaffinity(0, size_, set_) == 0;
+    return m_set != nullptr && sched_setaffinity(0, m_size, m_set) == 0;
 }
 
 DWORD GetActiveProcessorCount(WORD group) {

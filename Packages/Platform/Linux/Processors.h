@@ -23,6 +23,6 @@ class ClProcessorSet {
     bool ApplyToThread() const;
 
   private:
-    cpu_set_t* set_;
-    size_t size_;
+    cpu_set_t* m_set;
+    size_t m_size;
 };

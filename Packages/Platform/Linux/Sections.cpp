@@ -44,21 +44,21 @@ std::string FileNameOf(const char* name) {
 // The section itself. Handles and views share it, and it goes with the last of them.
 class ClSectionFile {
   public:
-    ClSectionFile(ClDescriptor&& file, std::string name) : file_(std::move(file)), name_(std::move(name)) {}
+    ClSectionFile(ClDescriptor&& file, std::string name) : m_file(std::move(file)), m_name(std::move(name)) {}
     ClSectionFile(const ClSectionFile&) = delete;
     ClSectionFile& operator=(const ClSectionFile&) = delete;
     ~ClSectionFile() {
-        if (name_.empty()) return;
+        if (m_name.empty()) return;
         const ClDescriptor folder(OpenRuntimeFolder());
         if (!folder.IsOpen() || !Lock(folder.Get(), LOCK_EX)) return;
-        if (Lock(file_.Get(), LOCK_EX | LOCK_NB)) unlinkat(folder.Get(), name_.c_str(), 0);
-        Lock(file_.Get(), LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
+        if (Lock(m_file.Get(), LOCK_EX | LOCK_NB)) unlinkat(folder.Get(), m_name.c_str(), 0);
+        Lock(m_file.Get(), LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
     }
-    int Get() const { return file_.Get(); }
+    int Get() const { return m_file.Get(); }
 
   private:
-    ClDescriptor file_;
-    std::string name_;  // empty for a section without a name
+    ClDescriptor m_file;
+    std::string m_name;  // empty for a section without a name
 };
 
 class ClSection : public ClObject {

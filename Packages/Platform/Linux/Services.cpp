@@ -43,14 +43,14 @@ bool Lock(int file, int kind) {
 // The folder, locked while this object lives.
 class ClRegister {
   public:
-    ClRegister() : folder_(OpenRuntimeFolder()), isLocked_(folder_.IsOpen() && Lock(folder_.Get(), LOCK_EX)) {}
+    ClRegister() : m_folder(OpenRuntimeFolder()), m_isLocked(m_folder.IsOpen() && Lock(m_folder.Get(), LOCK_EX)) {}
     // False with error 5 where there is no folder that only the right user can write.
-    bool IsUsable() const { return isLocked_ || Fail(ERROR_ACCESS_DENIED); }
-    int Folder() const { return folder_.Get(); }
+    bool IsUsable() const { return m_isLocked || Fail(ERROR_ACCESS_DENIED); }
+    int Folder() const { return m_folder.Get(); }
 
   private:
-    ClDescriptor folder_;
-    bool isLocked_;
+    ClDescriptor m_folder;
+    bool m_isLocked;
 };
 
 // Service names are the same in either case. Empty for a name that can't be.
@@ -121,24 +121,25 @@ class ClManager : public ClObject {
 class ClService : public ClObject {
   public:
     ClService(ClDescriptor&& file, std::string name, DWORD access)
-        : file_(std::move(file)), name_(std::move(name)), access_(access) {}
+        : m_file(std::move(file)), m_name(std::move(name)), m_access(access) {}
     ~ClService() override {
         const ClRegister reg;
         Record_t record = {};
-        if (reg.IsUsable() && ReadRecord(file_.Get(), &record)) DeleteIfDue(reg.Folder(), name_, file_.Get(), record);
-        Lock(file_.Get(), LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
+        if (reg.IsUsable() && ReadRecord(m_file.Get(), &record))
+            DeleteIfDue(reg.Folder(), m_name, m_file.Get(), record);
+        Lock(m_file.Get(), LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
     }
     // The record, for a handle that was opened for `access`; FALSE with the last error set.
     BOOL Read(DWORD access, Record_t* record) const {
-        if ((access_ & access) != access) return Fail(ERROR_ACCESS_DENIED);
-        return ReadRecord(file_.Get(), record) ? TRUE : Fail(ERROR_SERVICE_DOES_NOT_EXIST);
+        if ((m_access & access) != access) return Fail(ERROR_ACCESS_DENIED);
+        return ReadRecord(m_file.Get(), record) ? TRUE : Fail(ERROR_SERVICE_DOES_NOT_EXIST);
     }
-    BOOL Write(const Record_t& record) const { return WriteRecord(file_.Get(), record); }
+    BOOL Write(const Record_t& record) const { return WriteRecord(m_file.Get(), record); }
 
   private:
-    ClDescriptor file_;
-    std::string name_;
-    DWORD access_;
+    ClDescriptor m_file;
+    std::string m_name;
+    DWORD m_access;
 };
 
 template <typename Kind>

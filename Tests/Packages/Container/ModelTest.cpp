@@ -18,95 +18,95 @@ void* FirstOnTheWay(const Node_t* node, const Node_t* absent, int32_t key) {
 
 class ClModel {
   public:
-    explicit ClModel(const ClContainer& container) : container_(container), type_(container.handle->ContainerType) {}
+    explicit ClModel(const ClContainer& container) : m_container(container), m_type(container.handle->ContainerType) {}
 
-    const std::vector<void*>& Entries() const { return entries_; }
-    int32_t Size() const { return static_cast<int32_t>(entries_.size()); }
+    const std::vector<void*>& Entries() const { return m_entries; }
+    int32_t Size() const { return static_cast<int32_t>(m_entries.size()); }
 
     status_t InsertAtIndex(void* data, int32_t index) {
-        if (type_ != kPlainList) return 5;
+        if (m_type != kPlainList) return 5;
         if (data == nullptr) return 4;
         if (index < 0 || index > Size()) return 2;
-        entries_.insert(entries_.begin() + index, data);
+        m_entries.insert(m_entries.begin() + index, data);
         return 1;
     }
     status_t Insert(void* data) {
         if (data == nullptr) return 4;
         const auto below = [](void* a, void* b) { return KeyOf(a) < KeyOf(b); };
-        auto place = entries_.end();
-        if (type_ == kSortedList) place = std::lower_bound(entries_.begin(), entries_.end(), data, below);
-        if (IsTree()) place = std::upper_bound(entries_.begin(), entries_.end(), data, below);
-        entries_.insert(place, data);
+        auto place = m_entries.end();
+        if (m_type == kSortedList) place = std::lower_bound(m_entries.begin(), m_entries.end(), data, below);
+        if (IsTree()) place = std::upper_bound(m_entries.begin(), m_entries.end(), data, below);
+        m_entries.insert(place, data);
         return 1;
     }
     status_t RetrieveFromIndex(void** data, int32_t index) const {
-        if (entries_.empty()) return type_ == kRedBlackTree ? 2 : 4;
+        if (m_entries.empty()) return m_type == kRedBlackTree ? 2 : 4;
         if (index < 0) return 2;
         if (index >= Size()) return IsTree() ? 2 : 5;
-        *data = entries_[static_cast<size_t>(index)];
+        *data = m_entries[static_cast<size_t>(index)];
         return 1;
     }
     status_t RetrieveFromEnd(void** data) const {
-        if (entries_.empty() && type_ != kRedBlackTree) return 5;
-        *data = entries_.empty() ? nullptr : entries_.back();
+        if (m_entries.empty() && m_type != kRedBlackTree) return 5;
+        *data = m_entries.empty() ? nullptr : m_entries.back();
         return 1;
     }
     status_t DeleteAtIndex(int32_t index) {
         if (IsTree()) return 5;
-        if (entries_.empty()) return 4;
+        if (m_entries.empty()) return 4;
         if (index < 0 || index >= Size()) return 2;
-        entries_.erase(entries_.begin() + index);
+        m_entries.erase(m_entries.begin() + index);
         return 1;
     }
     // To be asked before the container is.
     status_t DeleteByData(const void* data) {
         if (data == nullptr) return 4;
-        if (entries_.empty()) return type_ == kRedBlackTree ? 5 : 4;
+        if (m_entries.empty()) return m_type == kRedBlackTree ? 5 : 4;
         const void* leaving = ToDelete(KeyOf(data));
-        if (leaving == nullptr) return type_ == kRedBlackTree ? 5 : 2;
-        entries_.erase(std::find(entries_.begin(), entries_.end(), leaving));
+        if (leaving == nullptr) return m_type == kRedBlackTree ? 5 : 2;
+        m_entries.erase(std::find(m_entries.begin(), m_entries.end(), leaving));
         return 1;
     }
     status_t Push(void* data) {
         if (IsTree()) return 5;
         if (data == nullptr) return 4;
-        if (type_ == kSortedList && !entries_.empty() && KeyOf(data) < KeyOf(entries_.back())) return 2;
-        entries_.push_back(data);
+        if (m_type == kSortedList && !m_entries.empty() && KeyOf(data) < KeyOf(m_entries.back())) return 2;
+        m_entries.push_back(data);
         return 1;
     }
     status_t Pop(void** data) {
-        if (IsTree() || entries_.empty()) return 5;
-        *data = entries_.back();
-        entries_.pop_back();
+        if (IsTree() || m_entries.empty()) return 5;
+        *data = m_entries.back();
+        m_entries.pop_back();
         return 1;
     }
     status_t UpdateNode(void* oldData, void* newData) {
         if (oldData == nullptr || newData == nullptr) return 4;
-        if (type_ != kPlainList) {
+        if (m_type != kPlainList) {
             const status_t deleted = DeleteByData(oldData);
             return deleted == 1 ? Insert(newData) : deleted;
         }
-        const auto place =
-            std::find_if(entries_.begin(), entries_.end(), [&](void* entry) { return KeyOf(entry) == KeyOf(oldData); });
-        if (place == entries_.end()) return 2;
+        const auto place = std::find_if(m_entries.begin(), m_entries.end(),
+                                        [&](void* entry) { return KeyOf(entry) == KeyOf(oldData); });
+        if (place == m_entries.end()) return 2;
         *place = newData;
         return 1;
     }
 
   private:
-    bool IsTree() const { return type_ >= kRedBlackTree; }
+    bool IsTree() const { return m_type >= kRedBlackTree; }
     const void* ToDelete(int32_t key) const {
-        const ContainerRecord_t& record = *container_.handle;
-        if (type_ == kRedBlackTree) return FirstOnTheWay<RBNode_t>(record.RBRoot, &record.Sentinel, key);
-        if (type_ == kAVLTree) return FirstOnTheWay<AVLNode_t>(record.AVLRoot, nullptr, key);
+        const ContainerRecord_t& record = *m_container.handle;
+        if (m_type == kRedBlackTree) return FirstOnTheWay<RBNode_t>(record.RBRoot, &record.Sentinel, key);
+        if (m_type == kAVLTree) return FirstOnTheWay<AVLNode_t>(record.AVLRoot, nullptr, key);
         const auto place =
-            std::find_if(entries_.begin(), entries_.end(), [&](void* entry) { return KeyOf(entry) == key; });
-        return place == entries_.end() ? nullptr : *place;
+            std::find_if(m_entries.begin(), m_entries.end(), [&](void* entry) { return KeyOf(entry) == key; });
+        return place == m_entries.end() ? nullptr : *place;
     }
 
-    const ClContainer& container_;
-    const uint32_t type_;
-    std::vector<void*> entries_;
+    const ClContainer& m_container;
+    const uint32_t m_type;
+    std::vector<void*> m_entries;
 };
 
 struct Run_t {

@@ -15,22 +15,22 @@
 class ClTraceTest : public testing::Test {
   protected:
     void SetUp() override {
-        home_ = std::filesystem::current_path();
+        m_home = std::filesystem::current_path();
         const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
-        folder_ = std::filesystem::temp_directory_path() /
-                  (std::string("quorlin-") + test->test_suite_name() + "-" + test->name());
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directory(folder_);
-        std::filesystem::current_path(folder_);
+        m_folder = std::filesystem::temp_directory_path() /
+                   (std::string("quorlin-") + test->test_suite_name() + "-" + test->name());
+        std::filesystem::remove_all(m_folder);
+        std::filesystem::create_directory(m_folder);
+        std::filesystem::current_path(m_folder);
         DebugResetForTest();
-        printed_.clear();
+        m_printed.clear();
     }
 
     void TearDown() override {
         CloseAll();
         DebugResetForTest();
-        std::filesystem::current_path(home_);
-        std::filesystem::remove_all(folder_);
+        std::filesystem::current_path(m_home);
+        std::filesystem::remove_all(m_folder);
     }
 
     // Opens a handle that prints into Printed(). Null when it could not be opened.
@@ -38,17 +38,17 @@ class ClTraceTest : public testing::Test {
         DebugHandle_t handle = nullptr;
         if (DebugLibInit(name, &handle) != kSuccess) return nullptr;
         handle->ConsoleFunction = Print;
-        open_.push_back(handle);
+        m_open.push_back(handle);
         return handle;
     }
 
     void CloseAll() {
-        for (DebugHandle_t handle : open_) EXPECT_EQ(DebugLibExit(handle), kSuccess);
-        open_.clear();
+        for (DebugHandle_t handle : m_open) EXPECT_EQ(DebugLibExit(handle), kSuccess);
+        m_open.clear();
     }
 
     // What was printed since the last call.
-    static std::string Printed() { return std::exchange(printed_, {}); }
+    static std::string Printed() { return std::exchange(m_printed, {}); }
 
     // A configuration file that any process may obey.
     static void WriteConfig(const std::string& text) {
@@ -70,12 +70,12 @@ class ClTraceTest : public testing::Test {
         va_start(arguments, format);
         const int length = std::vsnprintf(text, sizeof text, format, arguments);
         va_end(arguments);
-        printed_ += text;
+        m_printed += text;
         return length;
     }
 
   private:
-    inline static std::string printed_;
-    std::filesystem::path home_, folder_;
-    std::vector<DebugHandle_t> open_;
+    inline static std::string m_printed;
+    std::filesystem::path m_home, m_folder;
+    std::vector<DebugHandle_t> m_open;
 };

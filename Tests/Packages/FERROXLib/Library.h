@@ -26,16 +26,16 @@ inline std::string Hex(const uint8_t* bytes, size_t size) {
 class ClBuffer {
   public:
     explicit ClBuffer(uint32_t size) : ClBuffer(size, size) {}
-    ClBuffer(uint32_t size, uint32_t room) : block_(sizeof(DataBuffer_t) + room, 0xEE) { Get()->Size = size; }
+    ClBuffer(uint32_t size, uint32_t room) : m_block(sizeof(DataBuffer_t) + room, 0xEE) { Get()->Size = size; }
     ClBuffer(std::initializer_list<uint8_t> bytes) : ClBuffer(static_cast<uint32_t>(bytes.size())) {
         std::copy(bytes.begin(), bytes.end(), Get()->Data());
     }
 
-    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(block_.data()); }
-    std::string Text() { return Hex(Get()->Data(), block_.size() - sizeof(DataBuffer_t)); }
+    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(m_block.data()); }
+    std::string Text() { return Hex(Get()->Data(), m_block.size() - sizeof(DataBuffer_t)); }
 
   private:
-    std::vector<uint8_t> block_;
+    std::vector<uint8_t> m_block;
 };
 
 // A machine with its driver's file, and nothing open before and after.

@@ -34,22 +34,22 @@ TEST(OSServicesChild, DISABLED_Waits) { std::this_thread::sleep_for(std::chrono:
 class OSServices : public testing::Test {
   protected:
     void SetUp() override {
-        folder_ = fs::path(testing::TempDir()) / "quorlin-os-services";
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
+        m_folder = fs::path(testing::TempDir()) / "quorlin-os-services";
+        fs::remove_all(m_folder);
+        fs::create_directories(m_folder);
     }
-    void TearDown() override { fs::remove_all(folder_); }
-    fs::path folder_;
+    void TearDown() override { fs::remove_all(m_folder); }
+    fs::path m_folder;
 };
 
 TEST_F(OSServices, AProcessGetsItsArgumentsAndItsEnvironmentAlone) {
-    const std::string file = "QUORLIN_FILE=" + (folder_ / "written").string();
+    const std::string file = "QUORLIN_FILE=" + (m_folder / "written").string();
     ProcessRecord_t process = {};
     ASSERT_EQ(StartSelf("WritesItsEnvironment", {file.c_str(), "QUORLIN_TEXT=a b=c", nullptr}, &process), kSuccess);
     EXPECT_NE(process.ProcessNumber, 0u);
     EXPECT_EQ(os_WaitProcess(&process), kSuccess);
     EXPECT_EQ(process.Process, nullptr);
-    std::ifstream written(folder_ / "written");
+    std::ifstream written(m_folder / "written");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), "a b=c|1");
 }
 
@@ -94,16 +94,16 @@ TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
 TEST_F(OSServices, FindsFilesAndNoFolders) {
     char** names = nullptr;
     uint32_t count = 7;
-    ASSERT_EQ(os_FindFiles(folder_.string().c_str(), &names, &count), kSuccess);
+    ASSERT_EQ(os_FindFiles(m_folder.string().c_str(), &names, &count), kSuccess);
     EXPECT_EQ(count, 0u);
     EXPECT_EQ(names, nullptr);
     std::vector<std::string> expected;
     for (int i = 0; i < 20; ++i) {
         expected.push_back("file " + std::to_string(10 + i) + ".bin");
-        std::ofstream(folder_ / expected.back()) << i;
+        std::ofstream(m_folder / expected.back()) << i;
     }
-    fs::create_directory(folder_ / "folder");
-    ASSERT_EQ(os_FindFiles(folder_.string().c_str(), &names, &count), kSuccess);
+    fs::create_directory(m_folder / "folder");
+    ASSERT_EQ(os_FindFiles(m_folder.string().c_str(), &names, &count), kSuccess);
     std::vector<std::string> found(names, names + count);
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, expected);
@@ -115,8 +115,8 @@ TEST_F(OSServices, FindsFilesAndNoFolders) {
         const char* what;
         std::string directory;
     } kRefused[] = {
-        {"missing",                           (folder_ / "missing").string()},
-        { "258 characters", folder_.string() + std::string(258,                           '/')},
+        {"missing",                            (m_folder / "missing").string()},
+        { "258 characters", m_folder.string() + std::string(258,                            '/')},
     };
     for (const auto& c : kRefused) {
         count = 7;
@@ -147,9 +147,9 @@ TEST_F(OSServices, TellsTheMachinesNamesMemoryAndFolder) {
     EXPECT_GE(bytes, uint64_t{64} << 20);  // bytes, not kilobytes: no machine that runs this has less
     EXPECT_EQ(bytes % 1024, 0u);
     const fs::path before = fs::current_path();
-    const fs::path deep = folder_ / std::string(90, 'a') / std::string(90, 'b');
+    const fs::path deep = m_folder / std::string(90, 'a') / std::string(90, 'b');
     fs::create_directories(deep);
-    for (const fs::path& folder : {folder_, deep}) {
+    for (const fs::path& folder : {m_folder, deep}) {
         fs::current_path(folder);
         ASSERT_EQ(os_GetCurrentDirectory(&text), kSuccess);
         EXPECT_TRUE(fs::equivalent(text, folder)) << text;

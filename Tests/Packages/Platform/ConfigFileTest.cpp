@@ -12,11 +12,11 @@
 class ClConfigFile : public testing::Test {
   protected:
     void SetUp() override {
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directory(folder_);
-        chmod(folder_.c_str(), 0755);
+        std::filesystem::remove_all(m_folder);
+        std::filesystem::create_directory(m_folder);
+        chmod(m_folder.c_str(), 0755);
     }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
+    void TearDown() override { std::filesystem::remove_all(m_folder); }
 
     static bool IsOpened(const std::string& path) {
         FILE* file = OpenConfigFile(path.c_str());
@@ -25,15 +25,15 @@ class ClConfigFile : public testing::Test {
         return true;
     }
 
-    const std::filesystem::path folder_ = std::filesystem::temp_directory_path() / "quorlin-config-file";
-    const std::string path_ = folder_ / "debug.conf";
+    const std::filesystem::path m_folder = std::filesystem::temp_directory_path() / "quorlin-config-file";
+    const std::string m_path = m_folder / "debug.conf";
 };
 
 TEST_F(ClConfigFile, OnlyRegularFilesCount) {
-    EXPECT_FALSE(IsOpened(path_));
-    EXPECT_FALSE(IsOpened(folder_));
-    ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
-    EXPECT_FALSE(IsOpened(path_));  // and returns, though nobody writes
+    EXPECT_FALSE(IsOpened(m_path));
+    EXPECT_FALSE(IsOpened(m_folder));
+    ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
+    EXPECT_FALSE(IsOpened(m_path));  // and returns, though nobody writes
     EXPECT_FALSE(IsOpened("/dev/zero"));
 }
 
@@ -52,13 +52,13 @@ TEST_F(ClConfigFile, RootObeysNoFileThatOthersCouldHaveWritten) {
         {kOther, 0644, false, true },
         {kOther, 0400, false, true },
     };
-    std::ofstream(path_) << "#";
+    std::ofstream(m_path) << "#";
     for (const auto& c : kCases) {
-        ASSERT_EQ(chown(path_.c_str(), c.owner, 0), 0);
-        ASSERT_EQ(chmod(path_.c_str(), c.mode), 0);
-        EXPECT_EQ(IsOpened(path_), c.byRoot) << c.owner << ' ' << std::oct << c.mode;
+        ASSERT_EQ(chown(m_path.c_str(), c.owner, 0), 0);
+        ASSERT_EQ(chmod(m_path.c_str(), c.mode), 0);
+        EXPECT_EQ(IsOpened(m_path), c.byRoot) << c.owner << ' ' << std::oct << c.mode;
         ASSERT_EQ(seteuid(kOther), 0);
-        const bool byOther = IsOpened(path_);
+        const bool byOther = IsOpened(m_path);
         ASSERT_EQ(seteuid(kRoot), 0);
         EXPECT_EQ(byOther, c.byOther) << c.owner << ' ' << std::oct << c.mode;
     }

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Support/Linux/Processes.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Support/Linux/Processes.h"
 
 namespace {
 
@@ -93,20 +93,20 @@ std::vector<Function_t> Functions() {
 class Device : public testing::Test {
   protected:
     void SetUp() override {
-        manager_ = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+        m_manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
         EXPECT_EQ(OpenDevice(), INVALID_HANDLE_VALUE);
         EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-        service_ = Start(manager_);
-        device_ = OpenDevice();
-        ASSERT_NE(device_, INVALID_HANDLE_VALUE) << GetLastError();
+        m_service = Start(m_manager);
+        m_device = OpenDevice();
+        ASSERT_NE(m_device, INVALID_HANDLE_VALUE) << GetLastError();
     }
     void TearDown() override {
         SERVICE_STATUS status;
-        CloseHandle(device_);
-        ControlService(service_, SERVICE_CONTROL_STOP, &status);
-        DeleteService(service_);
-        CloseServiceHandle(service_);
-        CloseServiceHandle(manager_);
+        CloseHandle(m_device);
+        ControlService(m_service, SERVICE_CONTROL_STOP, &status);
+        DeleteService(m_service);
+        CloseServiceHandle(m_service);
+        CloseServiceHandle(m_manager);
     }
     static SC_HANDLE Start(SC_HANDLE manager) {
         SC_HANDLE service = CreateServiceA(manager, "Ravelink", "Ravelink", SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
@@ -116,8 +116,8 @@ class Device : public testing::Test {
         return service;
     }
 
-    SC_HANDLE manager_ = nullptr, service_ = nullptr;
-    HANDLE device_ = INVALID_HANDLE_VALUE;
+    SC_HANDLE m_manager = nullptr, m_service = nullptr;
+    HANDLE m_device = INVALID_HANDLE_VALUE;
 };
 
 TEST_F(Device, CPUIDIsTheInstructionOnTheProcessorAskedFor) {
@@ -125,7 +125,7 @@ TEST_F(Device, CPUIDIsTheInstructionOnTheProcessorAskedFor) {
         uint32_t words[4];
         __cpuid_count(leaf, 0, words[0], words[1], words[2], words[3]);
         Bytes_t record = CPUIDRecord(256, leaf);
-        ASSERT_EQ(Send(device_, 0x80240000, record), 0u);
+        ASSERT_EQ(Send(m_device, 0x80240000, record), 0u);
         EXPECT_EQ(std::memcmp(&record[20], words, sizeof words), 0) << leaf;
     }
     cpu_set_t before, after;
@@ -134,14 +134,14 @@ TEST_F(Device, CPUIDIsTheInstructionOnTheProcessorAskedFor) {
     const DWORD count = GetActiveProcessorCount(ALL_PROCESSOR_GROUPS);
     for (uint32_t cpu = 0; cpu < count; ++cpu) {
         Bytes_t record = CPUIDRecord(cpu, 1);
-        ASSERT_EQ(Send(device_, 0x80240000, record), 0u);
+        ASSERT_EQ(Send(m_device, 0x80240000, record), 0u);
         identities.insert(Word(record, 24) >> 24);
     }
     EXPECT_EQ(identities.size(), count < 256 ? count : 256);
     sched_getaffinity(0, sizeof after, &after);
     EXPECT_TRUE(CPU_EQUAL(&before, &after));
     Bytes_t record = CPUIDRecord(count, 1);
-    EXPECT_EQ(Send(device_, 0x80240000, record), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(Send(m_device, 0x80240000, record), ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(Device, PCIRegistersAreThoseThatTheKernelShows) {
@@ -153,7 +153,7 @@ TEST_F(Device, PCIRegistersAreThoseThatTheKernelShows) {
             Put(record, 4, function.location, 4);
             Put(record, 8, offset, 4);
             Put(record, 12, 4, 4);
-            ASSERT_EQ(Send(device_, offset % 8 == 0 ? 0x80240048 : 0x802400F4, record), 0u);
+            ASSERT_EQ(Send(m_device, offset % 8 == 0 ? 0x80240048 : 0x802400F4, record), 0u);
             EXPECT_EQ(std::memcmp(&record[16], &shown[offset], 4), 0) << function.path << " " << offset;
         }
     }
@@ -173,7 +173,7 @@ TEST_F(Device, PCIRegistersAreThoseThatTheKernelShows) {
         Put(record, 4, c.location, 4);
         Put(record, 8, c.offset, 4);
         Put(record, 12, c.size, 4);
-        EXPECT_EQ(Send(device_, 0x80240048, record), c.error) << c.what;
+        EXPECT_EQ(Send(m_device, 0x80240048, record), c.error) << c.what;
         EXPECT_EQ(Word(record, 16), c.data) << c.what;
     }
 }
@@ -196,7 +196,7 @@ TEST_F(Device, MappedConfigurationSpaceIsThatWhichTheKernelShows) {
                  {61u, 3u }
         }) {
             Bytes_t record = MemoryRecord(address + offset, size);
-            ASSERT_EQ(Send(device_, 0x80240114, record), 0u) << function.path;
+            ASSERT_EQ(Send(m_device, 0x80240114, record), 0u) << function.path;
             EXPECT_EQ(std::memcmp(&record[24], &shown[offset], size), 0) << function.path << " " << offset;
         }
     }
@@ -230,7 +230,7 @@ TEST_F(Device, EachRequestTakesNoLessThanItsRecord) {
     const auto send = [this](DWORD code, DWORD inSize, DWORD outSize) -> DWORD {
         Bytes_t in = MemoryRecord(0xF0000, 16), out(64, 0xA5);
         DWORD returned = 77;
-        const BOOL done = DeviceIoControl(device_, code, in.data(), inSize, out.data(), outSize, &returned, nullptr);
+        const BOOL done = DeviceIoControl(m_device, code, in.data(), inSize, out.data(), outSize, &returned, nullptr);
         const DWORD error = done ? 0 : GetLastError();
         EXPECT_TRUE(done || (out == Bytes_t(64, 0xA5) && returned == 77)) << "a refused request wrote something";
         return error;
@@ -244,12 +244,12 @@ TEST_F(Device, EachRequestTakesNoLessThanItsRecord) {
     EXPECT_EQ(send(0x80240008, 40, 64), ERROR_INVALID_FUNCTION);
     Bytes_t huge = MemoryRecord(0xF0000, 16);
     Put(huge, 20, 0xFFFFFFF0, 4);
-    EXPECT_EQ(Send(device_, 0x80240118, huge), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(Send(m_device, 0x80240118, huge), ERROR_INSUFFICIENT_BUFFER);
     Bytes_t beyond = MemoryRecord(~0ull - 4, 16);
-    EXPECT_EQ(Send(device_, 0x80240118, beyond), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(Send(m_device, 0x80240118, beyond), ERROR_INVALID_PARAMETER);
     Bytes_t version(4);
     DWORD returned = 0;
-    EXPECT_TRUE(DeviceIoControl(device_, 0x80240004, nullptr, 0, version.data(), 4, &returned, nullptr));
+    EXPECT_TRUE(DeviceIoControl(m_device, 0x80240004, nullptr, 0, version.data(), 4, &returned, nullptr));
     EXPECT_EQ(Word(version, 0), 0x00030000u);
 }
 

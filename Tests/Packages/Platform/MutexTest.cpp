@@ -41,8 +41,8 @@ class ClChild {
     explicit ClChild(const std::function<void()>& work) {
         int pipe[2];
         EXPECT_EQ(::pipe(pipe), 0);
-        process_ = fork();
-        if (process_ == 0) {
+        m_process = fork();
+        if (m_process == 0) {
             work();
             if (write(pipe[1], "", 1) == 1) sleep(60);
             _exit(0);
@@ -56,14 +56,14 @@ class ClChild {
     ClChild& operator=(const ClChild&) = delete;
     ~ClChild() { Kill(); }
     void Kill() {
-        if (process_ <= 0) return;
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        process_ = 0;
+        if (m_process <= 0) return;
+        kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+        m_process = 0;
     }
 
   private:
-    pid_t process_;
+    pid_t m_process;
 };
 
 DWORD OnAnotherThread(const std::function<DWORD()>& call) {
@@ -224,20 +224,20 @@ TEST(Mutex, NoMemoryForALockMeansNoContainer) {
 
 class MutexTable : public testing::Test {
   protected:
-    MutexTable() : path_(testing::TempDir() + "QuorlinMutexTable" + std::to_string(getpid())) {
-        folder_ = OpenPrivateFolder(path_.c_str());
-        EXPECT_GE(folder_, 0);
+    MutexTable() : m_path(testing::TempDir() + "QuorlinMutexTable" + std::to_string(getpid())) {
+        m_folder = OpenPrivateFolder(m_path.c_str());
+        EXPECT_GE(m_folder, 0);
     }
     ~MutexTable() override {
-        close(folder_);
-        std::filesystem::remove_all(path_);
+        close(m_folder);
+        std::filesystem::remove_all(m_path);
     }
     std::string File() const {
-        for (const auto& file : std::filesystem::directory_iterator(path_)) return file.path();
+        for (const auto& file : std::filesystem::directory_iterator(m_path)) return file.path();
         return "";
     }
-    const std::string path_;
-    int folder_;
+    const std::string m_path;
+    int m_folder;
 };
 
 TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
@@ -248,7 +248,7 @@ TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
             processes.push_back(process);
             continue;
         }
-        ClMutexTable* table = ClMutexTable::Map(folder_);
+        ClMutexTable* table = ClMutexTable::Map(m_folder);
         for (int n = 0; table != nullptr && n < 20; ++n) {
             if (table->Find(std::to_string(n).c_str()) == nullptr) table = nullptr;
         }
@@ -260,7 +260,7 @@ TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
         EXPECT_EQ(status, 0);
     }
     // 20 names took 20 slots: all others are still to be had, and one more is not.
-    ClMutexTable* table = ClMutexTable::Map(folder_);
+    ClMutexTable* table = ClMutexTable::Map(m_folder);
     ASSERT_NE(table, nullptr);
     for (uint32_t n = 0; n < ClMutexTable::kSlots; ++n) EXPECT_NE(table->Find(std::to_string(n).c_str()), nullptr) << n;
     EXPECT_EQ(table->Find("one more"), nullptr);
@@ -269,18 +269,18 @@ TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
 }
 
 TEST_F(MutexTable, RefusesAFileThatIsNotItsOwn) {
-    ASSERT_NE(ClMutexTable::Map(folder_), nullptr);
+    ASSERT_NE(ClMutexTable::Map(m_folder), nullptr);
     const std::string file = File();
     chmod(file.c_str(), 0666);
-    EXPECT_EQ(ClMutexTable::Map(folder_), nullptr) << "anyone may write it";
-    std::filesystem::rename(file, path_ + "/elsewhere");
+    EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "anyone may write it";
+    std::filesystem::rename(file, m_path + "/elsewhere");
     std::filesystem::create_symlink("elsewhere", file);
-    EXPECT_EQ(ClMutexTable::Map(folder_), nullptr) << "a link";
+    EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "a link";
     std::filesystem::remove(file);
-    const int other = OpenPrivateFile(folder_, std::filesystem::path(file).filename().c_str());
+    const int other = OpenPrivateFile(m_folder, std::filesystem::path(file).filename().c_str());
     EXPECT_EQ(write(other, "other", 5), 5);
     close(other);
-    EXPECT_EQ(ClMutexTable::Map(folder_), nullptr) << "another layout";
+    EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "another layout";
 }
 
 TEST(RuntimeFolder, IsTheUsersAlone) {

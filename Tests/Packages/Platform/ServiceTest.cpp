@@ -2,19 +2,19 @@
 
 #include <vector>
 
-#include "Tests/Support/Linux/Processes.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Support/Linux/Processes.h"
 
 class Service : public testing::Test {
   protected:
-    void SetUp() override { manager_ = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS); }
-    void TearDown() override { CloseServiceHandle(manager_); }
+    void SetUp() override { m_manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS); }
+    void TearDown() override { CloseServiceHandle(m_manager); }
 
     SC_HANDLE Create(DWORD startType = SERVICE_DEMAND_START, const char* path = "/dev/null") const {
-        return CreateServiceA(manager_, kName, kName, SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER, startType,
+        return CreateServiceA(m_manager, kName, kName, SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER, startType,
                               SERVICE_ERROR_NORMAL, path, "Extended Base", nullptr, nullptr, nullptr, nullptr);
     }
-    SC_HANDLE Open(DWORD access = SERVICE_ALL_ACCESS) const { return OpenServiceA(manager_, kName, access); }
+    SC_HANDLE Open(DWORD access = SERVICE_ALL_ACCESS) const { return OpenServiceA(m_manager, kName, access); }
     static DWORD State(SC_HANDLE service) {
         SERVICE_STATUS_PROCESS status = {};
         DWORD needed = 1;
@@ -32,11 +32,11 @@ class Service : public testing::Test {
     static DWORD ErrorOf(BOOL done) { return done ? 0 : GetLastError(); }
 
     static constexpr char kName[] = "QuorlinTestService";
-    SC_HANDLE manager_ = nullptr;
+    SC_HANDLE m_manager = nullptr;
 };
 
 TEST_F(Service, LivesFromCreationToDeletionAsOnWindows) {
-    ASSERT_NE(manager_, nullptr) << GetLastError();
+    ASSERT_NE(m_manager, nullptr) << GetLastError();
     EXPECT_EQ(Open(), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_SERVICE_DOES_NOT_EXIST);
     SC_HANDLE service = Create();
@@ -140,7 +140,7 @@ TEST_F(Service, AHandleGivesWhatItWasOpenedForAndNoMore) {
     EXPECT_EQ(ErrorOf(StartServiceA(reader, 0, nullptr)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(ErrorOf(DeleteService(reader)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(ErrorOf(CloseServiceHandle(nullptr)), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(ErrorOf(DeleteService(manager_)), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(ErrorOf(DeleteService(m_manager)), ERROR_INVALID_HANDLE);
     DeleteService(service);
     CloseServiceHandle(service);
     CloseServiceHandle(reader);

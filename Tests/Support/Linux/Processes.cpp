@@ -20,8 +20,8 @@ int InChild(const std::function<int()>& body) {
 ClHolder::ClHolder(const std::function<void()>& body) {
     int done[2];
     if (pipe(done) != 0) abort();
-    process_ = fork();
-    if (process_ == 0) {
+    m_process = fork();
+    if (m_process == 0) {
         body();
         if (write(done[1], "!", 1) != 1) _exit(1);
         for (;;) pause();
@@ -33,10 +33,10 @@ ClHolder::ClHolder(const std::function<void()>& body) {
 }
 
 void ClHolder::Kill() {
-    if (process_ == 0) return;
-    kill(process_, SIGKILL);
-    waitpid(process_, nullptr, 0);
-    process_ = 0;
+    if (m_process == 0) return;
+    kill(m_process, SIGKILL);
+    waitpid(m_process, nullptr, 0);
+    m_process = 0;
 }
 
 bool BecomeNobody() {

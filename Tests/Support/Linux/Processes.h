@@ -16,7 +16,7 @@ class ClHolder {
     void Kill();
 
   private:
-    int process_;
+    int m_process;
 };
 
 // Makes the calling process an ordinary user without rights. Only root can; false otherwise.

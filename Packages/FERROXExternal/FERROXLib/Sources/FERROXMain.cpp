@@ -21,36 +21,36 @@ HANDLE lockReference = nullptr;
 // another thread may close.
 class ClLibraryLock {
   public:
-    ClLibraryLock() : mutex_(CreateMutexA(nullptr, FALSE, kLockName)) {
-        if (mutex_ == nullptr) return;
+    ClLibraryLock() : m_mutex(CreateMutexA(nullptr, FALSE, kLockName)) {
+        if (m_mutex == nullptr) return;
         // An abandoned mutex is ours, too: its holder died, and the counts stand as it left them.
-        const DWORD waited = WaitForSingleObject(mutex_, INFINITE);
-        held_ = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
+        const DWORD waited = WaitForSingleObject(m_mutex, INFINITE);
+        m_held = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
     }
     ~ClLibraryLock() {
-        if (held_) ReleaseMutex(mutex_);
-        if (mutex_ != nullptr) CloseHandle(mutex_);
+        if (m_held) ReleaseMutex(m_mutex);
+        if (m_mutex != nullptr) CloseHandle(m_mutex);
     }
     ClLibraryLock(const ClLibraryLock&) = delete;
     ClLibraryLock& operator=(const ClLibraryLock&) = delete;
 
-    bool Held() const { return held_; }
+    bool Held() const { return m_held; }
 
   private:
-    HANDLE mutex_;
-    bool held_ = false;
+    HANDLE m_mutex;
+    bool m_held = false;
 };
 
 // The lines on entering and leaving an operation.
 class ClOperation {
   public:
-    explicit ClOperation(const char* name) : name_(name) { TRACE(name_, kEntry, "%s", name_); }
-    ~ClOperation() { TRACE(name_, kExit, "%s", name_); }
+    explicit ClOperation(const char* name) : m_name(name) { TRACE(m_name, kEntry, "%s", m_name); }
+    ~ClOperation() { TRACE(m_name, kExit, "%s", m_name); }
     ClOperation(const ClOperation&) = delete;
     ClOperation& operator=(const ClOperation&) = delete;
 
   private:
-    const char* name_;
+    const char* m_name;
 };
 
 void CloseTraceHandle() {

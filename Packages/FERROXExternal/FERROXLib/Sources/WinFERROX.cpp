@@ -44,17 +44,17 @@ bool serviceStarted = false;
 // A handle of service control that closes itself.
 class ClServiceHandle {
   public:
-    explicit ClServiceHandle(SC_HANDLE handle) : handle_(handle) {}
+    explicit ClServiceHandle(SC_HANDLE handle) : m_handle(handle) {}
     ~ClServiceHandle() {
-        if (handle_ != nullptr) CloseServiceHandle(handle_);
+        if (m_handle != nullptr) CloseServiceHandle(m_handle);
     }
     ClServiceHandle(const ClServiceHandle&) = delete;
     ClServiceHandle& operator=(const ClServiceHandle&) = delete;
 
-    SC_HANDLE Get() const { return handle_; }
+    SC_HANDLE Get() const { return m_handle; }
 
   private:
-    SC_HANDLE handle_;
+    SC_HANDLE m_handle;
 };
 
 void SetServiceName() { os_strncpy(ServiceName, kDriverName, sizeof(ServiceName) - 1); }
