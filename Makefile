@@ -14,7 +14,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test test-machine asan windows test-windows install deb zip bench fuzz format lint clean
+.PHONY: build run test test-machine asan coverage windows test-windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -40,6 +40,16 @@ asan:
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan
 	@ctest --preset asan
+
+# The lines of Sources and Packages that the tests run; those that they don't are named in build/coverage/coverage.txt.
+coverage:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) gcovr
+	@cmake --preset coverage >/dev/null
+	@cmake --build --preset coverage
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage
+	@gcovr --filter Sources/ --filter Packages/ --txt build/coverage/coverage.txt build/coverage
+	@tail -3 build/coverage/coverage.txt
 
 windows:
 	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES)
