@@ -56,6 +56,9 @@ struct ClAVLTree : ClOurs {
 struct ClPlainList : ClOurs {
     ClPlainList() : ClOurs(kPlainList) {}
 };
+struct ClSortedList : ClOurs {
+    ClSortedList() : ClOurs(kSortedList) {}
+};
 
 template <class Map_t>
 class ClStandardMap {
@@ -217,5 +220,39 @@ void BM_ContainerListPushReadPop(benchmark::State& state) {
 }
 BENCHMARK(BM_ContainerListPushReadPop<ClPlainList>)->Arg(1'000)->Arg(1'000'000);
 BENCHMARK(BM_ContainerListPushReadPop<ClStandardList>)->Arg(1'000)->Arg(1'000'000);
+
+// The operations of every kind, for as many entries as a list with its linear search is meant for. Insert and search go
+// in no order; read goes by rising index.
+template <class Subject_t>
+void BM_ContainerOperations(benchmark::State& state) {
+    const Keys_t keys(1'000);
+    bool right = true;
+    double insert = 0, search = 0, read = 0;
+    for (auto _ : state) {
+        Subject_t subject;
+        void* data = nullptr;
+        const auto secondsForEach = [&](const std::vector<void*>& order, const auto& operation) {
+            return SecondsFor([&] {
+                for (void* key : order) right &= operation(key);
+            });
+        };
+        int32_t index = 0;
+        const double inserted = secondsForEach(keys.inserted, [&](void* key) { return subject.Insert(key); });
+        const double found = secondsForEach(keys.sought, [&](void* key) { return subject.Find(key); });
+        const double seen = secondsForEach(keys.sought, [&](void*) { return subject.At(index++, &data); });
+        for (void* key : keys.deleted) right &= subject.Delete(key);
+        insert += inserted, search += found, read += seen;
+        state.SetIterationTime(inserted + found + seen);
+    }
+    if (!right) state.SkipWithError("an operation failed");
+    const double perEntry = 1e9 / 1'000 / static_cast<double>(state.iterations());
+    state.counters["insert_ns"] = insert * perEntry;
+    state.counters["search_ns"] = search * perEntry;
+    state.counters["read_ns"] = read * perEntry;
+}
+BENCHMARK(BM_ContainerOperations<ClPlainList>)->UseManualTime();
+BENCHMARK(BM_ContainerOperations<ClSortedList>)->UseManualTime();
+BENCHMARK(BM_ContainerOperations<ClRedBlackTree>)->UseManualTime();
+BENCHMARK(BM_ContainerOperations<ClAVLTree>)->UseManualTime();
 
 }  // namespace

@@ -1,12 +1,12 @@
 // Decoding of whole images: the sample, and those of the folder that QUORLIN_BENCH_IMAGES names. And reading them.
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <new>
 #include <string>
 #include <vector>
 
+#include "Benchmarks/Allocations.h"
+#include "Benchmarks/Tables.h"
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 #include "Packages/Format/Structures.h"
 #include "Packages/Sample/Sample.h"
@@ -27,8 +27,9 @@ int64_t CountStructures(const ImageSource_t& source) {
 // A package brought up, swept and taken down; nothing reads its items.
 void Decode(benchmark::State& state, const ImageSource_t& source) {
     int64_t items = 0;
+    const Allocations_t before = AllocationsSoFar();
     for (auto _ : state) {
-        SetImageMachine(&source);
+        if (SetImageMachine(&source) != kSuccess) return state.SkipWithError("another table is in use");
         BaseAbstraction* created = CreateSmbiosPackage();
         if (created == nullptr) throw std::bad_alloc();
         auto* package = static_cast<Quorlin*>(created);
@@ -37,6 +38,10 @@ void Decode(benchmark::State& state, const ImageSource_t& source) {
         package->UnInitialize();
         DestroySmbiosPackage(package);
     }
+    const Allocations_t after = AllocationsSoFar();
+    const auto anItem = [&](int64_t total) { return static_cast<double>(total) / static_cast<double>(items); };
+    state.counters["allocations_an_item"] = anItem(after.count - before.count);
+    state.counters["bytes_an_item"] = anItem(after.bytes - before.bytes);
     using benchmark::Counter;
     const auto structures = static_cast<double>(state.iterations() * CountStructures(source));
     state.counters["structures"] = Counter(structures, Counter::kIsRate);
@@ -49,6 +54,36 @@ void BM_DecodeSample(benchmark::State& state) {
     Decode(state, {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0});
 }
 BENCHMARK(BM_DecodeSample)->Unit(benchmark::kMicrosecond);
+
+// The items of a package that is up, read by one operation of the interface. needed_an_item: the allocations that the
+// interface itself asks for, as a std::string by value holds so many characters without one.
+template <class Read_t>
+void ReadItems(benchmark::State& state, const Read_t& read) {
+    const std::span<const uint8_t> table = SampleTable();
+    const ImageSource_t source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0};
+    if (SetImageMachine(&source) != kSuccess) return state.SkipWithError("another table is in use");
+    Quorlin package(Quorlin::kSweep);
+    package.Initialize();
+    const uint32_t count = package.GetItemCount();
+    int64_t needed = 0;
+    for (uint32_t index = 0; index < count; index++)
+        needed += package.GetItemValue(index).size() > std::string().capacity();
+    const Allocations_t before = AllocationsSoFar();
+    for (auto _ : state)
+        for (uint32_t index = 0; index < count; index++) read(package, index);
+    const auto items = static_cast<double>(state.iterations() * count);
+    state.SetItemsProcessed(state.iterations() * count);
+    state.counters["allocations_an_item"] = static_cast<double>(AllocationsSoFar().count - before.count) / items;
+    state.counters["needed_an_item"] = static_cast<double>(needed) / count;
+    package.UnInitialize();
+}
+void BM_GetItemValue(benchmark::State& state) {
+    ReadItems(state, [](Quorlin& package, uint32_t index) {
+        const std::string value = package.GetItemValue(index);
+        benchmark::DoNotOptimize(value.data());
+    });
+}
+BENCHMARK(BM_GetItemValue)->Unit(benchmark::kMicrosecond);
 
 void DecodeFile(benchmark::State& state, const std::string& path) {
     Image_t image;
@@ -69,10 +104,8 @@ void ReadFile(benchmark::State& state, const std::string& path) {
 }
 
 const bool registered = [] {
-    const char* folder = std::getenv("QUORLIN_BENCH_IMAGES");
-    if (folder == nullptr) return false;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        const std::string path = entry.path().string(), name = entry.path().stem().string();
+    for (const auto& image : Images()) {
+        const std::string path = image.string(), name = image.stem().string();
         const auto add = [&](const char* what, auto* run) {
             benchmark::RegisterBenchmark((what + name).c_str(), run, path)->Unit(benchmark::kMicrosecond);
         };

@@ -1,0 +1,70 @@
+// What the machine itself takes for that which no such program can spare: the limits that its own times are held
+// against.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr int64_t kBlock = 64 << 10;
+
+// Bytes read once and written once.
+void BM_LimitCopy(benchmark::State& state) {
+    std::vector<char> from(kBlock, 'a'), to(kBlock);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(from.data());
+        std::memcpy(to.data(), from.data(), kBlock);
+        benchmark::DoNotOptimize(to.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(state.iterations() * kBlock);
+}
+BENCHMARK(BM_LimitCopy);
+
+// Bytes of a block that the system takes: into nothing, and into a file in memory.
+void Write(benchmark::State& state, std::FILE* file) {
+    const std::vector<char> block(kBlock, 'a');
+    bool right = file != nullptr;
+    for (auto _ : state) right = right && pwrite(fileno(file), block.data(), kBlock, 0) == kBlock;
+    if (!right) state.SkipWithError("a write failed");
+    if (file != nullptr) std::fclose(file);
+    state.SetBytesProcessed(state.iterations() * kBlock);
+}
+void BM_LimitWriteNull(benchmark::State& state) { Write(state, std::fopen("/dev/null", "w")); }
+BENCHMARK(BM_LimitWriteNull);
+void BM_LimitWriteFile(benchmark::State& state) { Write(state, std::tmpfile()); }
+BENCHMARK(BM_LimitWriteFile);
+
+// A file of a usual table's size opened, read and closed.
+void BM_LimitReadFile(benchmark::State& state) {
+    const int64_t size = state.range(0);
+    char name[] = "/tmp/quorlin_bench_XXXXXX";
+    const int file = mkstemp(name);
+    std::vector<char> bytes(static_cast<size_t>(size), 'a');
+    bool right = file >= 0 && write(file, bytes.data(), bytes.size()) == size && close(file) == 0;
+    for (auto _ : state) {
+        const int again = open(name, O_RDONLY);
+        right = right && read(again, bytes.data(), bytes.size()) == size && close(again) == 0;
+    }
+    unlink(name);
+    if (!right) state.SkipWithError("a read failed");
+    state.SetBytesProcessed(state.iterations() * size);
+}
+BENCHMARK(BM_LimitReadFile)->Arg(4 << 10)->Arg(23'076);
+
+// A block of an item's size taken and given back.
+void BM_LimitAllocate(benchmark::State& state) {
+    for (auto _ : state) {
+        void* block = std::malloc(64);
+        benchmark::DoNotOptimize(block);
+        std::free(block);
+    }
+}
+BENCHMARK(BM_LimitAllocate);
+
+}  // namespace
