@@ -3,7 +3,7 @@ BUILD_PACKAGES = g++ make cmake ninja-build rapidjson-dev zlib1g-dev
 TEST_PACKAGES = libgtest-dev pkg-config python3
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 WINE_PACKAGES = wine googletest python3
-BENCH_PACKAGES = libbenchmark-dev
+BENCH_PACKAGES = libbenchmark-dev valgrind time python3
 FUZZ_PACKAGES = clang
 DEB_PACKAGES = dpkg-dev debhelper lintian
 ZIP_PACKAGES = zip
@@ -77,11 +77,16 @@ zip: windows
 	@$(INSTALL) $(ZIP_PACKAGES)
 	@cmake/make-zip.sh build/windows
 
+# Times, then instructions and memory of whole runs. BENCH_OPTIONS goes to the times' program, such as
+# --benchmark_repetitions=5.
 bench:
 	@$(INSTALL) $(BUILD_PACKAGES) $(BENCH_PACKAGES)
 	@cmake --preset bench >/dev/null
 	@cmake --build --preset bench
-	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json
+	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json $(BENCH_OPTIONS)
+	@Benchmarks/instructions.sh >build/bench/instructions.txt
+	@Benchmarks/memory.sh >build/bench/memory.txt
+	@cat build/bench/instructions.txt build/bench/memory.txt
 
 # Each fuzzer for a minute, or for FUZZ_SECONDS.
 FUZZ_SECONDS = 60

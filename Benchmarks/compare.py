@@ -1,42 +1,61 @@
 #!/usr/bin/env python3
-"""Compares two files of benchmark results: compare.py BEFORE.json AFTER.json [LIMIT]
+"""Compares two files of results: compare.py BEFORE AFTER [LIMIT]
 
-Says how the time of each benchmark has changed, and fails when one has lost more than LIMIT percent (10), or is gone.
-The files come from quorlin_bench --benchmark_out=FILE --benchmark_out_format=json. With repetitions the medians count.
+Says how each figure has changed, and fails when one has grown by LIMIT percent (10) or more, or is gone. A file is
+either one of quorlin_bench --benchmark_out=FILE --benchmark_out_format=json (with repetitions the medians count), or
+what instructions.sh or memory.sh have printed: lines of a name, a unit and a number.
 """
 
 import json
 import sys
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+COUNTERS = ("allocations_an_item", "bytes_an_item")
 
 
-def times(path):
-    """The processor time of each benchmark, in nanoseconds."""
+def figures(path):
+    """The figures of a file by their names, of all of which less is better."""
     with open(path, encoding="utf-8") as file:
-        runs = json.load(file)["benchmarks"]
+        text = file.read()
+    if not text.startswith("{"):
+        lines = [line.split() for line in text.splitlines()]
+        return {f"{name} {unit}": float(number) for name, unit, number in lines}
+    runs = json.loads(text)["benchmarks"]
     medians = [run for run in runs if run.get("aggregate_name") == "median"]
-    single = [run for run in runs if run.get("run_type") != "aggregate" and "error_message" not in run]
-    return {run["run_name"]: run["cpu_time"] * NANOSECONDS[run["time_unit"]] for run in medians or single}
+    single = [run for run in runs if run.get("run_type") != "aggregate"]
+    found = {}
+    for run in medians or single:
+        if "error_message" in run:
+            continue
+        name = run["run_name"]
+        # The processor's time, but for a benchmark that times a part of its work itself.
+        time = run["real_time" if name.endswith("/manual_time") else "cpu_time"]
+        found[f"{name} ns"] = time * NANOSECONDS[run["time_unit"]]
+        found |= {f"{name} {counter}": run[counter] for counter in COUNTERS if counter in run}
+    return found
 
 
 def main(arguments):
     if len(arguments) not in (2, 3):
         sys.exit(__doc__)
-    before, after = times(arguments[0]), times(arguments[1])
+    before, after = figures(arguments[0]), figures(arguments[1])
     limit = float(arguments[2]) if len(arguments) == 3 else 10.0
     lost = 0
     for name, old in before.items():
         if name not in after:
-            print(f"{name:50} gone")
+            print(f"{name:80} gone")
             lost += 1
             continue
-        change = 100 * (after[name] - old) / old
-        verdict = "  slower than allowed" if change > limit else ""
-        lost += change > limit
-        print(f"{name:50} {old:14.1f} ns {after[name]:14.1f} ns {change:+7.1f} %{verdict}")
+        new = after[name]
+        change = 100 * (new - old) / old if old else 100.0 * (new > old)
+        is_lost = change >= limit
+        verdict = "  more than allowed" if is_lost else ""
+        lost += is_lost
+        print(f"{name:80} {old:14.4g} {new:14.4g} {change:+7.1f} %{verdict}")
+    for name in sorted(after.keys() - before.keys()):
+        print(f"{name:80} new")
     if not before:
-        sys.exit("no benchmarks in " + arguments[0])
+        sys.exit("no figures in " + arguments[0])
     return 1 if lost else 0
 
 
