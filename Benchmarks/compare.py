@@ -2,8 +2,8 @@
 """Compares two files of results: compare.py BEFORE AFTER [LIMIT]
 
 Says how each figure has changed, and fails when one has grown by LIMIT percent (10) or more, or is gone. A file is
-either one of quorlin_bench --benchmark_out=FILE --benchmark_out_format=json (with repetitions the medians count), or
-what instructions.sh or memory.sh have printed: lines of a name, a unit and a number.
+either one of quorlin_bench --benchmark_out=FILE --benchmark_out_format=json, or what instructions.sh or memory.sh have
+printed: lines of a name, a unit and a number. Of repetitions the best counts, as what else runs on a machine only adds.
 """
 
 import json
@@ -20,18 +20,16 @@ def figures(path):
     if not text.startswith("{"):
         lines = [line.split() for line in text.splitlines()]
         return {f"{name} {unit}": float(number) for name, unit, number in lines}
-    runs = json.loads(text)["benchmarks"]
-    medians = [run for run in runs if run.get("aggregate_name") == "median"]
-    single = [run for run in runs if run.get("run_type") != "aggregate"]
     found = {}
-    for run in medians or single:
-        if "error_message" in run:
+    for run in json.loads(text)["benchmarks"]:
+        if run.get("run_type") == "aggregate" or "error_message" in run:
             continue
         name = run["run_name"]
         # The processor's time, but for a benchmark that times a part of its work itself.
         time = run["real_time" if name.endswith("/manual_time") else "cpu_time"]
-        found[f"{name} ns"] = time * NANOSECONDS[run["time_unit"]]
-        found |= {f"{name} {counter}": run[counter] for counter in COUNTERS if counter in run}
+        values = {f"{name} ns": time * NANOSECONDS[run["time_unit"]]}
+        values |= {f"{name} {counter}": run[counter] for counter in COUNTERS if counter in run}
+        found |= {key: min(value, found.get(key, value)) for key, value in values.items()}
     return found
 
 

@@ -12,7 +12,8 @@ trap 'rm -f "$log"' EXIT
 count() {
     name=$1
     shift
-    valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$log" "$quorlin" "$@" >/dev/null
+    # The start reads the environment, which is another one everywhere.
+    env -i PATH="$PATH" valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$log" "$quorlin" "$@" >/dev/null
     echo "$name instructions $(sed -n 's/,//g; s/.*I *refs: *//p' "$log")"
 }
 
@@ -21,7 +22,7 @@ count sample/type0 --sample --type 0
 for format in lines text json ndjson csv; do count "sample/$format" --sample --format $format; done
 [ -n "$folder" ] || exit 0
 for image in "$folder"/*; do
-    "$quorlin" types --image "$image" >/dev/null 2>&1 || continue # no table
+    "$quorlin" --image "$image" >/dev/null 2>&1 || continue # no table
     name=$(basename "$image")
     count "${name%.*}" --image "$image" --format lines
 done
