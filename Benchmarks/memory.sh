@@ -1,8 +1,9 @@
 #!/bin/sh
 # The peak memory of the host program on tables of 64 KB, by GNU time:
 #   Benchmarks/memory.sh [QUORLIN]
-# One line a run, "NAME kilobytes PEAK", for compare.py. One table repeats the sample's structures; the other holds
-# nothing but small structures, of all types in turn: the most items that so many bytes can give.
+# One line a run, "NAME kilobytes PEAK", for compare.py. The usual table repeats the sample's structures; the small one
+# holds small structures, of all types in turn; the cut one holds processors without any field, each of which has all
+# its items nevertheless: as many as so many bytes can give.
 set -eu
 quorlin=${1:-build/bench/bin/quorlin}
 work=$(mktemp -d)
@@ -26,6 +27,7 @@ while len(table) + len(structures[0]) <= full:
     structures.append(structures.pop(0))
 open(work + "/usual", "wb").write(table)
 open(work + "/small", "wb").write(b"".join(small))
+open(work + "/cut", "wb").write(b"".join(bytes([4, 4, place % 256, place // 256, 0, 0]) for place in range(full // 6)))
 PYTHON
 
 peak() {
@@ -35,7 +37,7 @@ peak() {
     cat "$work/peak"
 }
 
-for table in usual small; do
+for table in usual small cut; do
     for format in lines text json ndjson csv; do
         peak "$table/$format" --image "$work/$table" --as table --format $format
     done
