@@ -15,14 +15,8 @@ ClStructureBuilder LogWith(uint8_t count) {
 }
 
 TEST(Type15, EarlyFormEndsWithTheAddress) {
-    const auto log = ClStructureBuilder(15, 0x14)
-                         .Word(0x04, 1024)
-                         .Word(0x06, 0)
-                         .Word(0x08, 16)
-                         .Byte(0x0A, 3)
-                         .Byte(0x0B, 1)
-                         .Dword(0x0C, 0x1A2B)
-                         .Dword(0x10, 0x00710070);
+    ClStructureBuilder log(15, 0x14);
+    log.Word(0x04, 1024).Word(0x06, 0).Word(0x08, 16).Bytes(0x0A, {3, 1}).Dword(0x0C, 0x1A2B).Dword(0x10, 0x00710070);
     ExpectItems(log, "System Event Log {Type 15}",
                 "Log Area Length=1024 (400h)\nLog Header Start Offset=0 (00h)\nLog Data Start Offset=16 (10h)\n"
                 "Access Method=3\nLog Status=01h (Log Area: Not Full, Valid)\nLog Change Token=00001A2Bh\n"

@@ -5,15 +5,12 @@
 
 namespace {
 
-const ClStructureBuilder kCache = ClStructureBuilder(7, 0x13)
-                                      .Byte(0x04, 1)
-                                      .Word(0x05, 0x0180)
-                                      .Word(0x07, 2048)
-                                      .Word(0x09, 1024)
-                                      .Word(0x0B, 0x0003)
-                                      .Word(0x0D, 0x0080)
-                                      .Bytes(0x0F, {15, 5, 5, 7})
-                                      .Strings({"L1"});
+ClStructureBuilder Cache() {
+    ClStructureBuilder cache(7, 0x13);
+    cache.Byte(0x04, 1).Word(0x05, 0x0180).Word(0x07, 2048).Word(0x09, 1024).Word(0x0B, 0x0003).Word(0x0D, 0x0080);
+    return cache.Bytes(0x0F, {15, 5, 5, 7}).Strings({"L1"});
+}
+const ClStructureBuilder kCache = Cache();
 
 TEST(Type7, ShowsEveryField) {
     ExpectItems(kCache, "Cache Information {Type 7}",
@@ -112,24 +109,22 @@ TEST(Type9, Enumerations) {
 }
 
 TEST(Type9, RendersIdAndCharacteristics) {
-    EXPECT_EQ(Decode(ClStructureBuilder(kSlot).Word(0x09, 0)).Text("Slot ID"), "None");
-    EXPECT_EQ(Decode(ClStructureBuilder(kSlot).Word(0x09, 0x0100)).Text("Slot ID"), "100h");
-    const struct {
-        uint8_t bits;
-        const char *first, *second;
-    } kCases[] = {
-        {0x00, "None",                                                                                 "None"                                  },
-        {0x30, "PC Card-16, CardBus",                                                                  "Reserved, set to 0, Reserved, set to 0"},
-        {0x0F, "Characteristics unknown, Provides 5.0 volts, Provides 3.3 volts, Shared Slot Opening",
-         "Supports Power Management Event (PME#) signal, Supports hot-plug devices, Supports SMBus signal, "
-         "Supports Bifurcation"                                                                                                                },
-        {0xC0, "Zoom Video, Modem Ring Resume",                                                        "Reserved, set to 0, Reserved, set to 0"},
+    const Reading_t kWords[] = {
+        {0x09, 0x0000, "Slot ID", "None"},
+        {0x09, 0x0100, "Slot ID", "100h"},
     };
-    for (const auto& c : kCases) {
-        const ClItems items = Decode(ClStructureBuilder(kSlot).Bytes(0x0B, {c.bits, c.bits}));
-        EXPECT_EQ(items.Text("Slot Characteristics"), c.first);
-        EXPECT_EQ(items.Text("Slot Characteristics 2"), c.second);
-    }
+    ExpectWords(kSlot, kWords);
+    const char* const firstKey = "Slot Characteristics";
+    const char* const secondKey = "Slot Characteristics 2";
+    const Reading_t kBytes[] = {
+        {0x0B, 0x00, firstKey,  "None"                                           },
+        {0x0B, 0x81, firstKey,  "Characteristics unknown, Modem Ring Resume"     },
+        {0x0B, 0x30, firstKey,  "PC Card-16, CardBus"                            },
+        {0x0C, 0x00, secondKey, "None"                                           },
+        {0x0C, 0x0A, secondKey, "Supports hot-plug devices, Supports Bifurcation"},
+        {0x0C, 0xC0, secondKey, "Reserved, set to 0, Reserved, set to 0"         },
+    };
+    ExpectBytes(kSlot, kBytes);
     const ClItems old = Decode(ClStructureBuilder(9, 0x0D).Byte(0x05, 6).Strings({"\x01\x01\x01\x01"}));
     EXPECT_EQ(old.Text("Device/Function Number"), "0");
 }

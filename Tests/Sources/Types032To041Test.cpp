@@ -15,12 +15,9 @@ TEST(Type32, ShowsTheFirstByteOfTheStatus) {
 }
 
 TEST(Type33, ShowsAllDigitsOfItsAddresses) {
-    const auto error = ClStructureBuilder(33, 0x1F)
-                           .Bytes(4, {14, 4, 5})
-                           .Dword(0x07, 0xAB)
-                           .Qword(0x0B, 0x1234567890)
-                           .Qword(0x13, 0x8000000000000000)
-                           .Dword(0x1B, 0x1000);
+    ClStructureBuilder error(33, 0x1F);
+    error.Bytes(4, {14, 4, 5}).Dword(0x07, 0xAB).Qword(0x0B, 0x1234567890).Qword(0x13, 0x8000000000000000);
+    error.Dword(0x1B, 0x1000);
     ExpectItems(error, "64-Bit Memory Error Information {Type 33}",
                 "Error Type=Uncorrectable error\nError Granularity=Memory partition level\n"
                 "Error Operation=Partial write\nVendor Syndrome=000000ABh\n"
@@ -50,19 +47,17 @@ TEST(Type35, ShowsTheThresholdHandleOnlyWhenThereIsNone) {
 }
 
 TEST(Type36, ShowsThresholdsAsTheyAre) {
-    ClStructureBuilder thresholds(36, 0x10);
-    thresholds.Word(4, 0).Word(6, 0x8000).Word(8, 0x1F).Word(0x0A, 0xABC).Word(0x0C, 1).Word(0x0E, 0xFFFF);
-    ExpectItems(thresholds, "Management Device Threshold Data {Type 36}",
-                "Lower Threshold - Non-critical=0h\nUpper Threshold - Non-critical=8000h\n"
-                "Lower Threshold - Critical=1Fh\nUpper Threshold - Critical=ABCh\n"
-                "Lower Threshold - Non-recoverable=1h\nUpper Threshold - Non-recoverable=FFFFh\n");
+    const Reading_t kWords[] = {
+        {0x04, 0,      "Lower Threshold - Non-critical",    "0h"   },
+        {0x0A, 0xABC,  "Upper Threshold - Critical",        "ABCh" },
+        {0x0E, 0xFFFF, "Upper Threshold - Non-recoverable", "FFFFh"},
+    };
+    ExpectWords(ClStructureBuilder(36, 0x10), kWords);
 }
 
 TEST(Type37, ShowsTheChannel) {
-    const auto channel = ClStructureBuilder(37, 7).Bytes(4, {3, 255, 2});
-    ExpectItems(channel, "Memory Channel {Type 37}",
-                "Channel Type=RamBus\nMaximum Channel Load=255\nMemory Device Count=2\n");
-    ExpectEnumeration(channel, 4, "Channel Type", "Error: Invalid Channel Type", {1, "Other", 4, "SyncLink"});
+    ExpectEnumeration(ClStructureBuilder(37, 7), 4, "Channel Type", "Error: Invalid Channel Type",
+                      {1, "Other", 4, "SyncLink"});
 }
 
 const ClStructureBuilder kIpmi =
@@ -108,14 +103,9 @@ TEST(Type38, BreaksTheModifierIntoBits) {
 }
 
 TEST(Type39, ShowsTheSupply) {
-    const ClStructureBuilder supply = ClStructureBuilder(39, 0x16)
-                                          .Bytes(4, {0, 1, 2, 0, 3, 9, 1, 2})
-                                          .Word(0x0C, 0x8000)
-                                          .Word(0x0E, 0x11A6)
-                                          .Word(0x10, 0xFFFF)
-                                          .Word(0x12, 0xFFFF)
-                                          .Word(0x14, 0xFFFF)
-                                          .Strings({"L", "N", "S"});
+    ClStructureBuilder supply(39, 0x16);
+    supply.Bytes(4, {0, 1, 2, 0, 3, 9, 1, 2}).Word(0x0C, 0x8000).Word(0x0E, 0x11A6).Strings({"L", "N", "S"});
+    supply.Word(0x10, 0xFFFF).Word(0x12, 0xFFFF).Word(0x14, 0xFFFF);
     ExpectItems(supply, "System Power Supply {Type 39}",
                 "Power Unit Group=00h Power supply is not a member of a redundant power unit\n"
                 "Location=L\nDevice Name=N\nManufacturer=L\nSerial Number=S\nAsset Tag Number=(no such string)\n"
