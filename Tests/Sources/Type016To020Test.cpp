@@ -63,12 +63,9 @@ TEST(MemoryDevice, SizesAreShownAsTheyStand) {
 TEST(MemoryDevice, ValuesWithoutAName) {
     const Reading_t kReadings[] = {
         {0x0E, 0,    "Form Factor", "Unknown, Value read = 0x00"},
-        {0x0E, 1,    "Form Factor", "Other"                     },
         {0x0E, 15,   "Form Factor", "FB-DIMM"                   },
         {0x0E, 16,   "Form Factor", "Unknown, Value read = 0x10"},
         {0x0E, 0xAB, "Form Factor", "Unknown, Value read = 0xAB"},
-        {0x12, 0,    "Memory Type", "Unknown, Value read = 0x00"},
-        {0x12, 1,    "Memory Type", "Other"                     },
         {0x12, 30,   "Memory Type", "LPDDR4"                    },
         {0x12, 31,   "Memory Type", "Unknown, Value read = 0x1F"},
         {0x12, 0xFF, "Memory Type", "Unknown, Value read = 0xFF"},

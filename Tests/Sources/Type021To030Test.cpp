@@ -31,9 +31,7 @@ TEST(PortableBattery, Items) {
 TEST(PortableBattery, Dates) {
     const Reading_t kReadings[] = {
         {0x12, 0x0000, "SBDS Manufacture Date", "0/0/1980"  },
-        {0x12, 0x001F, "SBDS Manufacture Date", "31/0/1980" },
         {0x12, 0x01E0, "SBDS Manufacture Date", "0/15/1980" },
-        {0x12, 0xFE00, "SBDS Manufacture Date", "0/0/2107"  },
         {0x12, 0x2A21, "SBDS Manufacture Date", "1/1/2001"  },
         {0x12, 0xFFFF, "SBDS Manufacture Date", "31/15/2107"},
     };

@@ -97,6 +97,7 @@ TEST(Type3, EachByteReadsAsItsTableSays) {
         {0x05, 0x80, "Chassis Type",          "Error: Invalid Type"   },
         {0x05, 0x80, "Chassis Lock",          "Present"               },
         {0x05, 0x83, "Chassis Type",          "Desktop"               },
+        {0x05, 0x43, "Chassis Type",          "Error: Invalid Type"   },
         {0x05, 36,   "Chassis Type",          "Stick PC"              },
         {0x05, 36,   "Chassis Lock",          "Not Present or Unknown"},
         {0x05, 37,   "Chassis Type",          "Error: Invalid Type"   },

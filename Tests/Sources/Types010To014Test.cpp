@@ -24,9 +24,7 @@ TEST(Type10, TellsStatusAndType) {
         {4, 0x00, "Device Type", "Disabled, Error: Invalid Type"},
         {4, 0x01, "Device Type", "Disabled, Other"              },
         {4, 0x0A, "Device Type", "Disabled, SAS Controller"     },
-        {4, 0x0B, "Device Type", "Disabled, Error: Invalid Type"},
         {4, 0x7F, "Device Type", "Disabled, Error: Invalid Type"},
-        {4, 0x80, "Device Type", "Enabled, Error: Invalid Type" },
         {4, 0x8A, "Device Type", "Enabled, SAS Controller"      },
         {4, 0x8B, "Device Type", "Enabled, Error: Invalid Type" },
     };
