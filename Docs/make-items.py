@@ -69,6 +69,8 @@ class Source:
         for name, body in re.findall(r"_t (k\w+)\[\] = \{\n(.*?)\n\};", self.text, re.S):
             if rows := re.findall(r"^ +\{\s*(0x[0-9A-Fa-f]+|\d+|\"\S+\"),\s*" + TEXT + r"\s*\}", body, re.M):
                 self.lists[name] = {value.strip('"'): unescape(text) for value, text in rows}
+                if len(self.lists[name]) != len(re.findall(r"^ +\{", body, re.M)):
+                    raise SystemExit(f"{path.name}: {name} has a row that can't be read, or a value twice")
         self.numbers = dict(re.findall(r"\b(k\w+) = (0x[0-9A-Fa-f]+|\d+)\b", self.text))
         self.makers = dict(re.findall(r"constexpr Rendering_t (\w+)\(uint32_t \w+\) \{ return ([^\n]*); \}", self.text))
         self.renderings = {}
