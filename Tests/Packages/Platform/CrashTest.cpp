@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
+#include <ucontext.h>
 #include <unistd.h>
 
 #include <cstdio>
 
 #include "Packages/Platform/Platform.h"
+#include "Tests/Support/Linux/Processes.h"
 
 namespace {
 
@@ -16,6 +19,7 @@ LONG Report(EXCEPTION_POINTERS* pointers) {
     std::fprintf(stderr, "code %08x words %u %llx %llx", record.ExceptionCode, record.NumberParameters,
                  static_cast<unsigned long long>(record.ExceptionInformation[0]),
                  static_cast<unsigned long long>(record.ExceptionInformation[1]));
+    SaveCoverage();
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
@@ -92,6 +96,69 @@ TEST(CrashDeathTest, TheHostsOwnHandlersStay) {
     EXPECT_EXIT((hostHandles(), Read()), testing::ExitedWithCode(3), "");
     EXPECT_EXIT((hostHandles(), raise(SIGUSR1)), testing::ExitedWithCode(4), "");
     EXPECT_EXIT((Install(), SetUnhandledExceptionFilter(nullptr), Read()), testing::KilledBySignal(SIGSEGV), "^$");
+}
+
+// What strikes after the filter is the first signal with its facts, now without a handler. Here it is kept from
+// striking.
+TEST(Crash, TheSameSignalStrikesAfterTheFilter) {
+    const int result = InChild([] {
+        Install();
+        SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* pointers) -> LONG {
+            sigaddset(&reinterpret_cast<ucontext_t*>(pointers->ContextRecord)->uc_sigmask, SIGFPE);
+            return EXCEPTION_CONTINUE_SEARCH;
+        });
+        sigset_t wanted;
+        siginfo_t info = {};
+        struct sigaction action;
+        sigemptyset(&wanted);
+        sigaddset(&wanted, SIGFPE);
+        sigqueue(getpid(), SIGFPE, {.sival_int = 41});
+        EXPECT_EQ(sigwaitinfo(&wanted, &info), SIGFPE);
+        EXPECT_EQ(info.si_code, SI_QUEUE);
+        EXPECT_EQ(info.si_value.sival_int, 41);
+        EXPECT_EQ(sigaction(SIGFPE, nullptr, &action), 0);
+        EXPECT_EQ(action.sa_handler, SIG_DFL);
+        return HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(result, 0);
+}
+
+// Signals that a processor of today doesn't raise by itself, told by their codes.
+TEST(Crash, ArithmeticAndTrapsAreToldByTheirCodes) {
+    static DWORD code;
+    Install();
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* pointers) -> LONG {
+        code = pointers->ExceptionRecord->ExceptionCode;
+        return EXCEPTION_CONTINUE_EXECUTION;
+    });
+    const struct {
+        int signal, code;
+        DWORD exception;
+    } kCases[] = {
+        {SIGFPE,  FPE_INTOVF,  EXCEPTION_INT_OVERFLOW         },
+        {SIGFPE,  FPE_FLTDIV,  EXCEPTION_FLT_DIVIDE_BY_ZERO   },
+        {SIGFPE,  FPE_FLTOVF,  EXCEPTION_FLT_OVERFLOW         },
+        {SIGFPE,  FPE_FLTUND,  EXCEPTION_FLT_UNDERFLOW        },
+        {SIGFPE,  FPE_FLTRES,  EXCEPTION_FLT_INEXACT_RESULT   },
+        {SIGFPE,  FPE_FLTINV,  EXCEPTION_FLT_INVALID_OPERATION},
+        {SIGFPE,  FPE_FLTSUB,  EXCEPTION_ARRAY_BOUNDS_EXCEEDED},
+        {SIGTRAP, TRAP_TRACE,  EXCEPTION_SINGLE_STEP          },
+        {SIGTRAP, TRAP_HWBKPT, EXCEPTION_SINGLE_STEP          },
+        {SIGTRAP, SI_USER,     EXCEPTION_BREAKPOINT           },
+        {SIGILL,  ILL_PRVOPC,  EXCEPTION_PRIV_INSTRUCTION     },
+        {SIGBUS,  BUS_ADRALN,  EXCEPTION_DATATYPE_MISALIGNMENT},
+        {SIGBUS,  SI_USER,     EXCEPTION_ACCESS_VIOLATION     },
+    };
+    for (const auto& c : kCases) {
+        siginfo_t info = {};
+        info.si_signo = c.signal;
+        info.si_code = c.code;
+        code = 0;
+        // To itself a process may send any code.
+        EXPECT_EQ(syscall(SYS_rt_tgsigqueueinfo, getpid(), gettid(), c.signal, &info), 0);
+        EXPECT_EQ(code, c.exception) << c.signal << " " << c.code;
+    }
+    SetUnhandledExceptionFilter(nullptr);
 }
 
 TEST(Crash, TheFormerFilterIsGivenBack) {

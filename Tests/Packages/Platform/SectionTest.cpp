@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "Tests/Support/Linux/Processes.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Support/Linux/Processes.h"
 
 static const char kName[] = "Global\\QuorlinTestSection";
 
@@ -78,6 +78,8 @@ TEST(Section, WhatCannotBeIsRefused) {
         const char* name;
         DWORD error;
     } kCases[] = {
+        {"of a file",      GetCurrentThread(),   PAGE_READWRITE, 4, kName,         ERROR_NOT_SUPPORTED    },
+        {"to be read",     INVALID_HANDLE_VALUE, PAGE_READONLY,  4, kName,         ERROR_INVALID_PARAMETER},
         {"size 0",         INVALID_HANDLE_VALUE, PAGE_READWRITE, 0, kName,         ERROR_INVALID_PARAMETER},
         {"another place",  INVALID_HANDLE_VALUE, PAGE_READWRITE, 4, "Else\\Name",  ERROR_INVALID_NAME     },
         {"a path",         INVALID_HANDLE_VALUE, PAGE_READWRITE, 4, "Global\\a/b", ERROR_INVALID_NAME     },
@@ -89,6 +91,8 @@ TEST(Section, WhatCannotBeIsRefused) {
     }
     HANDLE section = Create();
     EXPECT_EQ(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 5), nullptr) << "beyond the end";
+    EXPECT_EQ(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 1, 1), nullptr) << "not at a page";
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
     CloseHandle(section);
 }
 

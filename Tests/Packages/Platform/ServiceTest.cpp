@@ -1,7 +1,12 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
 #include "Tests/Support/Linux/Processes.h"
 
@@ -144,4 +149,72 @@ TEST_F(Service, AHandleGivesWhatItWasOpenedForAndNoMore) {
     DeleteService(service);
     CloseServiceHandle(service);
     CloseServiceHandle(reader);
+}
+
+TEST_F(Service, WhatCannotBeIsRefused) {
+    const std::string longest(191, 'n'), longer(192, 'n'), longPath = "/" + std::string(511, 'p'), longGroup(64, 'g');
+    const auto create = [this](const char* name, const char* path, const char* group, DWORD startType) -> DWORD {
+        SC_HANDLE service = CreateServiceA(m_manager, name, nullptr, DELETE, SERVICE_KERNEL_DRIVER, startType,
+                                           SERVICE_ERROR_NORMAL, path, group, nullptr, nullptr, nullptr, nullptr);
+        if (service == nullptr) return GetLastError();
+        DeleteService(service);
+        CloseServiceHandle(service);
+        return 0;
+    };
+    const struct {
+        const char *what, *name, *path, *group;
+        DWORD startType, error;
+    } kCases[] = {
+        {"the longest name",   longest.c_str(), "/dev/null",          nullptr,           3, 0                      },
+        {"a longer name",      longer.c_str(),  "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"no name",            nullptr,         "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"an empty name",      "",              "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"a path for a name",  "../n",          "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"the longest path",   kName,           longPath.c_str() + 1, nullptr,           3, 0                      },
+        {"a longer path",      kName,           longPath.c_str(),     nullptr,           3, ERROR_INVALID_PARAMETER},
+        {"an empty path",      kName,           "",                   nullptr,           3, ERROR_INVALID_PARAMETER},
+        {"a long group",       kName,           "/dev/null",          longGroup.c_str(), 3, ERROR_INVALID_PARAMETER},
+        {"no such start type", kName,           "/dev/null",          nullptr,           5, ERROR_INVALID_PARAMETER},
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(create(c.name, c.path, c.group, c.startType), c.error) << c.what;
+        if (c.error != ERROR_INVALID_NAME) continue;
+        EXPECT_EQ(OpenServiceA(m_manager, c.name, DELETE), nullptr) << c.what;
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME) << c.what;
+    }
+    EXPECT_EQ(OpenSCManagerA("another machine", nullptr, 0), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
+    SC_HANDLE visitor = OpenSCManagerA("", nullptr, 0);
+    std::swap(visitor, m_manager);
+    EXPECT_EQ(create(kName, "/dev/null", nullptr, 3), ERROR_ACCESS_DENIED) << "the manager wasn't opened for that";
+    std::swap(visitor, m_manager);
+    CloseServiceHandle(visitor);
+
+    SC_HANDLE service = Create();
+    SERVICE_STATUS status;
+    EXPECT_EQ(ErrorOf(ControlService(service, 77, &status)), ERROR_INVALID_SERVICE_CONTROL);
+    EXPECT_EQ(ErrorOf(ControlService(service, SERVICE_CONTROL_STOP, nullptr)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, nullptr, 0, nullptr)),
+              ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(QueryServiceConfigA(service, nullptr, 0, nullptr)), ERROR_INVALID_PARAMETER);
+    DeleteService(service);
+    CloseServiceHandle(service);
+}
+
+// A file in the register that isn't a service's: what is cut short goes, what isn't a file of our own stays.
+TEST_F(Service, FilesThatAreNoServicesAreNone) {
+    const int folder = OpenRuntimeFolder();
+    constexpr char kFile[] = "service.quorlintestservice";
+    close(openat(folder, kFile, O_CREAT | O_WRONLY, 0600));
+    SC_HANDLE service = Create();
+    EXPECT_NE(service, nullptr) << GetLastError();
+    DeleteService(service);
+    CloseServiceHandle(service);
+    ASSERT_EQ(symlinkat("/etc/hostname", folder, kFile), 0);
+    EXPECT_EQ(Open(), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Create(), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(unlinkat(folder, kFile, 0), 0);
+    close(folder);
 }
