@@ -5,9 +5,7 @@
 #include "Packages/OS/OS.h"
 #include "Tests/Packages/Debug/TraceFixture.h"
 
-class ClDebug : public ClTraceTest {};
-
-static std::string callbackText;
+static std::string internalText, callbackText;
 static uint32_t callbackLevel, callbackSize;
 
 static void Callback(uint32_t level, const char* message, uint32_t size) {
@@ -15,6 +13,11 @@ static void Callback(uint32_t level, const char* message, uint32_t size) {
     callbackLevel = level;
     callbackSize = size;
 }
+
+class ClDebug : public ClTraceTest {
+  protected:
+    static constexpr auto PrintInternal = PrintTo<&internalText>;
+};
 
 TEST_F(ClDebug, AFreshHandleHasItsDefaultsAndIsSilent) {
     DebugHandle_t handle = Open("A");
@@ -132,18 +135,6 @@ TEST_F(ClDebug, CallbackWorksWhileOutputsAreOff) {
     callbackText.clear();
     DebugTrace(handle, "", "F", 1, kError, "m");
     EXPECT_EQ(callbackText, "");
-}
-
-static std::string internalText;
-
-static int PrintInternal(const char* format, ...) {
-    char text[512];
-    va_list arguments;
-    va_start(arguments, format);
-    const int length = std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    internalText += text;
-    return length;
 }
 
 TEST_F(ClDebug, EachOutputGetsTheLineThatItsBitAsksFor) {

@@ -42,6 +42,8 @@ BARE void Write() { *reinterpret_cast<volatile uint8_t*>(Page() + 2) = 1; }
 BARE void Execute() { reinterpret_cast<void (*)()>(Page() + 16)(); }
 BARE void ReadNowhere() { static_cast<void>(*reinterpret_cast<volatile uint8_t*>(0xF000'0000'0000'0000)); }
 BARE void Halt() { __asm__ volatile("hlt"); }
+BARE void ReadMSR() { __asm__ volatile("rdmsr" ::: "eax", "edx"); }
+BARE void ReadPort() { __asm__ volatile("inb $0x80, %%al" ::: "eax"); }
 BARE void Undefined() { __asm__ volatile("ud2"); }
 BARE void Break() { __asm__ volatile("int3"); }
 BARE void Divide() { __asm__ volatile("xorl %%ecx, %%ecx; movl $1, %%eax; cltd; idivl %%ecx" ::: "eax", "ecx", "edx"); }
@@ -76,6 +78,8 @@ TEST(CrashDeathTest, EachSignalIsReportedAndThenEndsTheProcess) {
         {"execute",               Execute,      SIGSEGV, "code c0000005 words 2 8 123456010"       },
         {"no possible address",   ReadNowhere,  SIGSEGV, "code c0000005 words 2 0 ffffffffffffffff"},
         {"privileged",            Halt,         SIGSEGV, "code c0000096 words 0"                   },
+        {"privileged, two bytes", ReadMSR,      SIGSEGV, "code c0000096 words 0"                   },
+        {"privileged, a port",    ReadPort,     SIGSEGV, "code c0000096 words 0"                   },
         {"exhausted stack",       Exhaust,      SIGSEGV, "code c00000fd words 2 1"                 },
         {"sent by somebody",      Sent,         SIGSEGV, "code c0000005 words 2 2 0"               },
         {"file too short",        FileTooShort, SIGBUS,  "code c0000006 words 3 0"                 },

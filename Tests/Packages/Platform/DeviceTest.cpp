@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "Packages/Platform/Platform.h"
+#include "Tests/Packages/Platform/ErrorOf.h"
 #include "Tests/Support/Linux/Processes.h"
 #include "Tests/Support/Program.h"
 
@@ -123,31 +124,17 @@ TEST_F(Device, CPUIDIsTheInstructionOnTheProcessorAskedFor) {
 
 TEST_F(Device, EachRequestTakesNoLessThanItsRecord) {
     const struct {
-        DWORD code, inSize, outSize;
-        bool hasData;
+        DWORD inSize, outSize, dataSize;  // the record below asks for 16 bytes of data
+        std::vector<DWORD> codes;
     } kRequests[] = {
-        {kCPUID,          56, 56, false},
-        {kDriverVersion,  0,  4,  false},
-        {kReadPort,       20, 20, false},
-        {kReadMSR,        20, 20, false},
-        {kReadPCI,        20, 20, false},
-        {kCPUVersion,     0,  4,  false},
-        {kIOVersion,      0,  4,  false},
-        {kPCIVersion,     0,  4,  false},
-        {kNonTurbo,       20, 20, false},
-        {kReadPCIOfGuest, 20, 20, false},
-        {kReadStored,     24, 24, true },
-        {kReadGPIO,       24, 24, true },
-        {kWriteStored,    24, 24, true },
-        {kWriteDynamic,   24, 24, true },
-        {kWriteGPIO,      24, 24, true },
-        {kReadRegisters,  24, 24, true },
-        {kReadTables,     24, 24, true },
-        {kWritePort,      20, 20, false},
-        {kWriteMSR,       20, 20, false},
+        {56, 56, 0,  {kCPUID}                                                                                      },
+        {0,  4,  0,  {kDriverVersion, kCPUVersion, kIOVersion, kPCIVersion}                                        },
+        {20, 20, 0,  {kReadPort, kReadMSR, kReadPCI, kNonTurbo, kReadPCIOfGuest, kWritePort, kWriteMSR}            },
+        {24, 24, 16, {kReadStored, kReadGPIO, kWriteStored, kWriteDynamic, kWriteGPIO, kReadRegisters, kReadTables}},
     };
     const auto send = [this](DWORD code, DWORD inSize, DWORD outSize) -> DWORD {
         Bytes_t in = MemoryRecord(0xF0000, 0, std::string(16, 'x')), out(64, 0xA5);
+        in.resize(64);
         DWORD returned = 77;
         const BOOL done = DeviceIoControl(m_device, code, in.data(), inSize, out.data(), outSize, &returned, nullptr);
         const DWORD error = done ? 0 : GetLastError();
@@ -155,10 +142,12 @@ TEST_F(Device, EachRequestTakesNoLessThanItsRecord) {
         return error;
     };
     for (const auto& r : kRequests) {
-        const DWORD data = r.hasData ? 16 : 0;  // the record asks for 16 bytes of data
-        const DWORD shortIn = r.inSize == 0 ? ERROR_INSUFFICIENT_BUFFER : send(r.code, r.inSize + data - 1, 64);
-        EXPECT_EQ(shortIn, ERROR_INSUFFICIENT_BUFFER) << std::hex << r.code;
-        EXPECT_EQ(send(r.code, 40, r.outSize + data - 1), ERROR_INSUFFICIENT_BUFFER) << std::hex << r.code;
+        for (const DWORD code : r.codes) {
+            if (r.inSize != 0) {
+                EXPECT_EQ(send(code, r.inSize + r.dataSize - 1, 64), ERROR_INSUFFICIENT_BUFFER) << std::hex << code;
+            }
+            EXPECT_EQ(send(code, 56, r.outSize + r.dataSize - 1), ERROR_INSUFFICIENT_BUFFER) << std::hex << code;
+        }
     }
     EXPECT_EQ(send(0x80240008, 40, 64), ERROR_INVALID_FUNCTION);
     Bytes_t version(4);
@@ -208,8 +197,7 @@ TEST_F(Device, ImpossibleRequestsAreRefused) {
 TEST_F(Device, AUserWithoutRightsGetsCPUIDAndRefusals) {
     const int result = InChild([] {
         if (!BecomeNobody()) return 99;
-        EXPECT_EQ(OpenDevice(), INVALID_HANDLE_VALUE);
-        EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+        EXPECT_EQ(ErrorOf(OpenDevice()), ERROR_FILE_NOT_FOUND);
         const ClRunningService service;
         HANDLE device = OpenDevice();
         Bytes_t cpuid = Record({0, kAnyProcessor}, 56), port = Record({0, kAnyProcessor, 0x80, 1, 0}),

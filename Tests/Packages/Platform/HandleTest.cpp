@@ -10,6 +10,7 @@
 
 #include "Packages/Container/Container.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Packages/Platform/ErrorOf.h"
 #include "Tests/Support/Linux/Processes.h"
 
 // Allocations by new, which the provider makes: while `refuseNew` is set, all fail.
@@ -51,8 +52,6 @@ class Handle : public testing::Test {
     HANDLE m_section = nullptr;
     HKEY m_key = nullptr;
 };
-
-DWORD ErrorOf(LSTATUS status) { return static_cast<DWORD>(status); }
 
 TEST_F(Handle, OfAnotherKindIsRefusedByEveryCall) {
     HANDLE file = CreateFileA("/dev/null", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -102,26 +101,22 @@ TEST_F(Handle, WithoutMemoryThereIsAnErrorAndNothingLeft) {
     ContainerParams_t params{};
     ContainerHandle_t container = nullptr;
     char line[] = "true";
-    // Error 0 where a call has succeeded.
-    const auto ofPointer = [](const void* pointer) { return pointer == nullptr ? GetLastError() : 0; };
-    const auto ofHandle = [](HANDLE handle) { return handle == INVALID_HANDLE_VALUE ? GetLastError() : 0; };
-    const auto ofCall = [](BOOL done) { return done ? 0 : GetLastError(); };
     refuseNew = true;
     const DWORD errors[] = {
-        ofPointer(CreateMutexA(nullptr, FALSE, kName)),
-        ofHandle(CreateFileA("/dev/null", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)),
-        ofHandle(FindFirstFileA("/proc/self/*", &found)),
-        ofCall(CreateProcessA(nullptr, line, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr, &process)),
-        ofPointer(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4, kName)),
-        ofPointer(MapViewOfFile(m_section, FILE_MAP_READ, 0, 0, 0)),
-        ofPointer(OpenSCManagerA(nullptr, nullptr, 0)),
-        ofPointer(OpenServiceA(m_manager, kName, 0)),
-        ofPointer(CreateServiceA(m_manager, "QuorlinHandleTestOther", nullptr, 0, 1, 3, 1, "/dev/null", nullptr,
-                                 nullptr, nullptr, nullptr, nullptr)),
-        ofCall(StartServiceA(m_service, 0, nullptr)),
-        ErrorOf(RegOpenKeyExA(HKEY_LOCAL_MACHINE, kKey, 0, KEY_ALL_ACCESS, &key)),
-        ErrorOf(RegQueryValueExA(m_key, "ProductName", nullptr, nullptr, bytes, &size)),
-        ofCall(GetSystemFirmwareTable(0x41435049, 0x58585858, nullptr, 0) != 0),
+        ErrorOf(CreateMutexA(nullptr, FALSE, kName)),
+        ErrorOf(CreateFileA("/dev/null", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)),
+        ErrorOf(FindFirstFileA("/proc/self/*", &found)),
+        ErrorOf(CreateProcessA(nullptr, line, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr, &process)),
+        ErrorOf(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4, kName)),
+        ErrorOf(MapViewOfFile(m_section, FILE_MAP_READ, 0, 0, 0)),
+        ErrorOf(OpenSCManagerA(nullptr, nullptr, 0)),
+        ErrorOf(OpenServiceA(m_manager, kName, 0)),
+        ErrorOf(CreateServiceA(m_manager, "QuorlinHandleTestOther", nullptr, 0, 1, 3, 1, "/dev/null", nullptr, nullptr,
+                               nullptr, nullptr, nullptr)),
+        ErrorOf(StartServiceA(m_service, 0, nullptr)),
+        static_cast<DWORD>(RegOpenKeyExA(HKEY_LOCAL_MACHINE, kKey, 0, KEY_ALL_ACCESS, &key)),
+        static_cast<DWORD>(RegQueryValueExA(m_key, "ProductName", nullptr, nullptr, bytes, &size)),
+        ErrorOf(GetSystemFirmwareTable(0x41435049, 0x58585858, nullptr, 0) != 0),
     };
     const status_t status = InitContainer(&params, &container, 0);
     refuseNew = false;
@@ -131,22 +126,29 @@ TEST_F(Handle, WithoutMemoryThereIsAnErrorAndNothingLeft) {
     EXPECT_EQ(OpenServiceA(m_manager, "QuorlinHandleTestOther", 0), nullptr);
 }
 
-TEST_F(Handle, NothingIsKeptWhereOthersCouldHaveWrittenIt) {
+TEST_F(Handle, NothingIsTakenFromWhereOthersCouldHaveWrittenIt) {
     if (!ClFolderOver::IsPossible()) GTEST_SKIP() << "only root can have a /run of its own";
     const ClFolderOver run("/run");
+    const auto expectRefused = [this](const char* what) {
+        EXPECT_EQ(ErrorOf(OpenServiceA(m_manager, kName, 0)), ERROR_ACCESS_DENIED) << what;
+        EXPECT_EQ(ErrorOf(CreateServiceA(m_manager, kName, nullptr, 0, 1, 3, 1, "/dev/null", nullptr, nullptr, nullptr,
+                                         nullptr, nullptr)),
+                  ERROR_ACCESS_DENIED)
+            << what;
+        EXPECT_EQ(ErrorOf(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4, kName)),
+                  ERROR_ACCESS_DENIED)
+            << what;
+    };
     ASSERT_EQ(mkdir("/run/quorlin", 0700), 0);
+    for (const char* file : {"/run/quorlin/section.QuorlinHandleTest", "/run/quorlin/service.quorlinhandletest"})
+        ASSERT_EQ(symlink("/etc/hostname", file), 0);
+    expectRefused("links");
     ASSERT_EQ(chmod("/run/quorlin", 0720), 0);
+    expectRefused("a folder for a group");
     EXPECT_EQ(OpenSCManagerA(nullptr, nullptr, 0), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(OpenServiceA(m_manager, kName, 0), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
     EXPECT_FALSE(StartServiceA(m_service, 0, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4, kName), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(CreateFileA("\\\\.\\Ravelink", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
-              INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(ErrorOf(CreateFileA("\\\\.\\Ravelink", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)),
+              ERROR_FILE_NOT_FOUND);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "Packages/Platform/Linux/MutexTable.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Packages/Platform/ErrorOf.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {
@@ -30,8 +31,7 @@ TEST(Mutex, IsRecursiveAndOwnedByTheThread) {
     for (const char* name : {kName, static_cast<const char*>(nullptr)}) {
         HANDLE mutex = CreateMutexA(nullptr, FALSE, name);
         ASSERT_NE(mutex, nullptr);
-        EXPECT_FALSE(ReleaseMutex(mutex));
-        EXPECT_EQ(GetLastError(), ERROR_NOT_OWNER);
+        EXPECT_EQ(ErrorOf(ReleaseMutex(mutex)), ERROR_NOT_OWNER);
         EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
         EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
         EXPECT_TRUE(ReleaseMutex(mutex));
@@ -75,10 +75,9 @@ TEST(Mutex, CreationTellsWhetherTheNameIsInUse) {
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
     EXPECT_TRUE(ReleaseMutex(owned));
     CloseHandle(owned);
-    EXPECT_EQ(CreateMutexA(nullptr, FALSE, std::string(kLongestMutexName + 1, 'n').c_str()), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_FILENAME_EXCED_RANGE);
-    EXPECT_FALSE(ReleaseMutex(nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(ErrorOf(CreateMutexA(nullptr, FALSE, std::string(kLongestMutexName + 1, 'n').c_str())),
+              ERROR_FILENAME_EXCED_RANGE);
+    EXPECT_EQ(ErrorOf(ReleaseMutex(nullptr)), ERROR_INVALID_HANDLE);
 }
 
 TEST(Mutex, AKilledHolderLeavesItToTheNext) {
@@ -126,10 +125,6 @@ class MutexTable : public testing::Test {
         close(m_folder);
         std::filesystem::remove_all(m_path);
     }
-    std::string File() const {
-        for (const auto& file : std::filesystem::directory_iterator(m_path)) return file.path();
-        return "";
-    }
     const std::string m_path;
     int m_folder;
 };
@@ -164,7 +159,7 @@ TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
 
 TEST_F(MutexTable, RefusesAFileThatIsNotItsOwn) {
     ASSERT_NE(ClMutexTable::Map(m_folder), nullptr);
-    const std::string file = File();
+    const std::string file = std::filesystem::directory_iterator(m_path)->path();
     chmod(file.c_str(), 0666);
     EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "anyone may write it";
     std::filesystem::rename(file, m_path + "/elsewhere");

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "Packages/Platform/Platform.h"
+#include "Tests/Packages/Platform/ErrorOf.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace fs = std::filesystem;
@@ -24,13 +25,22 @@ static const char kDriverKey[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";
 // 0 and the text, or the error.
 static LSTATUS Query(const char* path, const char* name, std::string* text) {
     HKEY key = nullptr;
-    char buffer[512];
-    DWORD size = sizeof buffer;
-    const LSTATUS opened = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key);
-    if (opened != 0) return opened;
-    const LSTATUS result = RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<LPBYTE>(buffer), &size);
-    if (result == 0) text->assign(buffer, size - 1);
-    RegCloseKey(key);
+    DWORD size = 0, type = 0;
+    LSTATUS result = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key);
+    if (result != 0) return result;
+    result = RegQueryValueExA(key, name, nullptr, &type, nullptr, &size);
+    if (result == 0) {
+        std::vector<BYTE> buffer(size, 0xA5);
+        DWORD room = size - 1;
+        EXPECT_EQ(RegQueryValueExA(key, name, nullptr, nullptr, buffer.data(), &room),
+                  static_cast<LSTATUS>(ERROR_MORE_DATA));
+        EXPECT_EQ(buffer, std::vector<BYTE>(size, 0xA5)) << "a buffer too small stays as it is";
+        EXPECT_EQ(room, size);
+        EXPECT_EQ(type, REG_SZ);
+        result = RegQueryValueExA(key, name, nullptr, nullptr, buffer.data(), &size);
+        text->assign(buffer.begin(), buffer.end() - 1);
+    }
+    EXPECT_EQ(RegCloseKey(key), 0);
     return result;
 }
 
@@ -46,20 +56,6 @@ TEST(Registry, AnswersWithoutAnySetUp) {
     EXPECT_FALSE(text.empty());
     EXPECT_EQ(Query(kDriverKey, "Else", &text), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(Query("SOFTWARE\\Else", "Else", &text), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
-}
-
-TEST(Registry, ASmallBufferTellsTheSize) {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, kDriverKey, 0, KEY_ALL_ACCESS, &key), 0);
-    BYTE buffer[64] = {0xA5};
-    DWORD size = 9, type = 0;  // "/dev/null" has 9 letters and a NUL
-    EXPECT_EQ(RegQueryValueExA(key, "FERROXDrvPath", nullptr, &type, buffer, &size),
-              static_cast<LSTATUS>(ERROR_MORE_DATA));
-    EXPECT_EQ(buffer[0], 0xA5);
-    EXPECT_EQ(size, 10u);
-    EXPECT_EQ(RegQueryValueExA(key, "FERROXDrvPath", nullptr, &type, buffer, &size), 0);
-    EXPECT_EQ(type, REG_SZ);
-    EXPECT_EQ(RegCloseKey(key), 0);
 }
 
 TEST(Registry, ObeysItsFileOnlyWhereRootAloneCanWriteIt) {
@@ -116,12 +112,11 @@ class File : public testing::Test {
     // 0, or the error of opening it.
     DWORD Open(const std::string& path, DWORD access, DWORD share, DWORD disposition) {
         HANDLE file = CreateFileA(path.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE) return GetLastError();
         m_open.push_back(file);
-        return 0;
+        return ErrorOf(file);
     }
     void CloseAll() {
-        for (HANDLE file : m_open) EXPECT_TRUE(CloseHandle(file));
+        for (HANDLE file : m_open) CloseHandle(file);
         m_open.clear();
     }
 
@@ -198,7 +193,7 @@ TEST_F(File, ASearchFindsWhatFitsItsPattern) {
         std::string names;
         WIN32_FIND_DATAA data;
         HANDLE search = FindFirstFileA((m_folder + c.pattern).c_str(), &data);
-        EXPECT_EQ(search == INVALID_HANDLE_VALUE ? GetLastError() : 0, c.error) << c.pattern;
+        EXPECT_EQ(ErrorOf(search), c.error) << c.pattern;
         for (BOOL isFound = search != INVALID_HANDLE_VALUE; isFound; isFound = FindNextFileA(search, &data)) {
             found.insert(data.cFileName);
             const bool isFolder = data.cFileName == std::string(".") || data.cFileName == std::string("..");
@@ -264,8 +259,7 @@ TEST(Process, RunsWaitsAndIsTerminated) {
     EXPECT_EQ(WaitForSingleObject(process.hProcess, INFINITE), WAIT_OBJECT_0);
     EXPECT_TRUE(GetExitCodeProcess(process.hProcess, &exitCode));
     EXPECT_EQ(exitCode, 5u);
-    EXPECT_FALSE(TerminateProcess(process.hProcess, 6));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED) << "it has ended";
+    EXPECT_EQ(ErrorOf(TerminateProcess(process.hProcess, 6)), ERROR_ACCESS_DENIED) << "it has ended";
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
     const struct {
@@ -280,9 +274,10 @@ TEST(Process, RunsWaitsAndIsTerminated) {
     };
     for (const auto& c : kRefused) {
         std::string text = c.line == nullptr ? "" : c.line;
-        EXPECT_FALSE(CreateProcessA(c.program, c.line == nullptr ? nullptr : text.data(), nullptr, nullptr, FALSE, 0,
-                                    nullptr, nullptr, nullptr, &process));
-        EXPECT_EQ(GetLastError(), c.error) << (c.program == nullptr ? text : c.program);
+        EXPECT_EQ(ErrorOf(CreateProcessA(c.program, c.line == nullptr ? nullptr : text.data(), nullptr, nullptr, FALSE,
+                                         0, nullptr, nullptr, nullptr, &process)),
+                  c.error)
+            << (c.program == nullptr ? text : c.program);
     }
 }
 
@@ -299,8 +294,7 @@ TEST(Processors, AThreadMovesToTheProcessorOfItsMask) {
     }
     EXPECT_TRUE(SetThreadGroupAffinity(GetCurrentThread(), &before, nullptr));
     const GROUP_AFFINITY none = {1, 200, {}};
-    EXPECT_FALSE(SetThreadGroupAffinity(GetCurrentThread(), &none, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(SetThreadGroupAffinity(GetCurrentThread(), &none, nullptr)), ERROR_INVALID_PARAMETER);
     EXPECT_TRUE(CloseHandle(GetCurrentThread()));
 }
 
