@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "Packages/Platform/Platform.h"
-#include "Tests/Packages/Platform/ErrorOf.h"
+#include "Tests/Packages/Platform/Calls.h"
 #include "Tests/Support/Linux/Processes.h"
 #include "Tests/Support/Program.h"
 
@@ -72,9 +72,7 @@ DWORD Send(HANDLE device, DWORD code, Bytes_t& record) {
 class ClRunningService {
   public:
     ClRunningService() : m_manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)) {
-        m_service = CreateServiceA(m_manager, "Ravelink", "Ravelink", SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
-                                   SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, "/dev/null", nullptr, nullptr, nullptr,
-                                   nullptr, nullptr);
+        m_service = CreateDriver(m_manager, "Ravelink");
         StartServiceA(m_service, 0, nullptr);
     }
     ClRunningService(const ClRunningService&) = delete;
@@ -82,8 +80,7 @@ class ClRunningService {
     ~ClRunningService() {
         SERVICE_STATUS status;
         ControlService(m_service, SERVICE_CONTROL_STOP, &status);
-        DeleteService(m_service);
-        CloseServiceHandle(m_service);
+        RemoveDriver(m_service);
         CloseServiceHandle(m_manager);
     }
 

@@ -10,7 +10,7 @@
 
 #include "Packages/Container/Container.h"
 #include "Packages/Platform/Platform.h"
-#include "Tests/Packages/Platform/ErrorOf.h"
+#include "Tests/Packages/Platform/Calls.h"
 #include "Tests/Support/Linux/Processes.h"
 
 // Allocations by new, which the provider makes: while `refuseNew` is set, all fail.
@@ -36,9 +36,7 @@ class Handle : public testing::Test {
   protected:
     void SetUp() override {
         m_manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
-        m_service = CreateServiceA(m_manager, kName, nullptr, SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
-                                   SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, "/there is no such folder/none", nullptr,
-                                   nullptr, nullptr, nullptr, nullptr);
+        m_service = CreateDriver(m_manager, kName, "/there is no such folder/none");
         m_section = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8192, nullptr);
         EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, kKey, 0, KEY_ALL_ACCESS, &m_key), 0);
     }
@@ -72,8 +70,7 @@ TEST_F(Handle, OfAnotherKindIsRefusedByEveryCall) {
             GetExitCodeProcess(handle, &size) != FALSE,
             DeviceIoControl(handle, 0x80240004, nullptr, 0, bytes, 4, &size, nullptr) != FALSE,
             OpenServiceA(service, kName, 0) != nullptr,
-            CreateServiceA(service, kName, nullptr, 0, 1, 3, 1, "/dev/null", nullptr, nullptr, nullptr, nullptr,
-                           nullptr) != nullptr,
+            CreateDriver(service, kName) != nullptr,
             StartServiceA(service, 0, nullptr) != FALSE,
             ControlService(service, SERVICE_CONTROL_STOP, &status) != FALSE,
             QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, bytes, sizeof bytes, &size) != FALSE,
@@ -111,8 +108,7 @@ TEST_F(Handle, WithoutMemoryThereIsAnErrorAndNothingLeft) {
         ErrorOf(MapViewOfFile(m_section, FILE_MAP_READ, 0, 0, 0)),
         ErrorOf(OpenSCManagerA(nullptr, nullptr, 0)),
         ErrorOf(OpenServiceA(m_manager, kName, 0)),
-        ErrorOf(CreateServiceA(m_manager, "QuorlinHandleTestOther", nullptr, 0, 1, 3, 1, "/dev/null", nullptr, nullptr,
-                               nullptr, nullptr, nullptr)),
+        ErrorOf(CreateDriver(m_manager, "QuorlinHandleTestOther")),
         ErrorOf(StartServiceA(m_service, 0, nullptr)),
         static_cast<DWORD>(RegOpenKeyExA(HKEY_LOCAL_MACHINE, kKey, 0, KEY_ALL_ACCESS, &key)),
         static_cast<DWORD>(RegQueryValueExA(m_key, "ProductName", nullptr, nullptr, bytes, &size)),
@@ -131,10 +127,7 @@ TEST_F(Handle, NothingIsTakenFromWhereOthersCouldHaveWrittenIt) {
     const ClFolderOver run("/run");
     const auto expectRefused = [this](const char* what) {
         EXPECT_EQ(ErrorOf(OpenServiceA(m_manager, kName, 0)), ERROR_ACCESS_DENIED) << what;
-        EXPECT_EQ(ErrorOf(CreateServiceA(m_manager, kName, nullptr, 0, 1, 3, 1, "/dev/null", nullptr, nullptr, nullptr,
-                                         nullptr, nullptr)),
-                  ERROR_ACCESS_DENIED)
-            << what;
+        EXPECT_EQ(ErrorOf(CreateDriver(m_manager, kName)), ERROR_ACCESS_DENIED) << what;
         EXPECT_EQ(ErrorOf(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4, kName)),
                   ERROR_ACCESS_DENIED)
             << what;

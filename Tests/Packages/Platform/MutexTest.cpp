@@ -14,7 +14,7 @@
 #include "Packages/Platform/Linux/MutexTable.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
-#include "Tests/Packages/Platform/ErrorOf.h"
+#include "Tests/Packages/Platform/Calls.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {

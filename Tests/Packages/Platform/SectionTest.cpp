@@ -4,7 +4,7 @@
 
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
-#include "Tests/Packages/Platform/ErrorOf.h"
+#include "Tests/Packages/Platform/Calls.h"
 #include "Tests/Support/Linux/Processes.h"
 
 static const char kName[] = "Global\\QuorlinTestSection";

@@ -8,7 +8,7 @@
 
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
-#include "Tests/Packages/Platform/ErrorOf.h"
+#include "Tests/Packages/Platform/Calls.h"
 #include "Tests/Support/Linux/Processes.h"
 
 class Service : public testing::Test {
@@ -17,8 +17,7 @@ class Service : public testing::Test {
     void TearDown() override { CloseServiceHandle(m_manager); }
 
     SC_HANDLE Create(DWORD startType = SERVICE_DEMAND_START, const char* path = "/dev/null") const {
-        return CreateServiceA(m_manager, kName, kName, SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER, startType,
-                              SERVICE_ERROR_NORMAL, path, "Extended Base", nullptr, nullptr, nullptr, nullptr);
+        return CreateDriver(m_manager, kName, path, startType, "Extended Base");
     }
     SC_HANDLE Open(DWORD access = SERVICE_ALL_ACCESS) const { return OpenServiceA(m_manager, kName, access); }
     static DWORD State(SC_HANDLE service) {
@@ -33,10 +32,6 @@ class Service : public testing::Test {
         const BOOL done = ControlService(service, SERVICE_CONTROL_STOP, &status);
         if (state != nullptr) *state = status.dwCurrentState;
         return done;
-    }
-    static void Remove(SC_HANDLE service) {
-        DeleteService(service);
-        CloseServiceHandle(service);
     }
 
     static constexpr char kName[] = "QuorlinTestService";
@@ -72,7 +67,7 @@ TEST_F(Service, LivesFromCreationToDeletionAsOnWindows) {
 TEST_F(Service, DeletedWhileRunningGoesWhenItHasStopped) {
     SC_HANDLE service = Create();
     StartServiceA(service, 0, nullptr);
-    Remove(service);
+    RemoveDriver(service);
     service = Open();
     ASSERT_NE(service, nullptr) << GetLastError();
     EXPECT_EQ(ErrorOf(Stop(service)), 0u);
@@ -88,12 +83,12 @@ TEST_F(Service, OutlivesTheProcessThatStartedIt) {
     EXPECT_EQ(State(service), SERVICE_RUNNING);
     Stop(service);
     ClHolder holder([this] { Open(); });
-    Remove(service);
+    RemoveDriver(service);
     EXPECT_EQ(ErrorOf(Create()), ERROR_SERVICE_MARKED_FOR_DELETE);
     holder.Kill();  // the last handle goes with it
     service = Create();
     ASSERT_NE(service, nullptr) << GetLastError();
-    Remove(service);
+    RemoveDriver(service);
 }
 
 TEST_F(Service, DoesNotStartWithoutItsFileOrWhenDisabled) {
@@ -109,7 +104,7 @@ TEST_F(Service, DoesNotStartWithoutItsFileOrWhenDisabled) {
     for (const auto& c : kCases) {
         SC_HANDLE service = Create(c.startType, c.path);
         EXPECT_EQ(ErrorOf(StartServiceA(service, 0, nullptr)), c.error) << c.path;
-        Remove(service);
+        RemoveDriver(service);
     }
 }
 
@@ -129,7 +124,7 @@ TEST_F(Service, ConfigurationComesBackWholeOrTellsItsSize) {
     EXPECT_EQ(ErrorOf(QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, small, sizeof small, &needed)),
               ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(needed, 36u);
-    Remove(service);
+    RemoveDriver(service);
 }
 
 TEST_F(Service, AHandleGivesWhatItWasOpenedForAndNoMore) {
@@ -139,17 +134,16 @@ TEST_F(Service, AHandleGivesWhatItWasOpenedForAndNoMore) {
     EXPECT_EQ(ErrorOf(DeleteService(reader)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(ErrorOf(CloseServiceHandle(nullptr)), ERROR_INVALID_HANDLE);
     EXPECT_EQ(ErrorOf(DeleteService(m_manager)), ERROR_INVALID_HANDLE);
-    Remove(service);
+    RemoveDriver(service);
     CloseServiceHandle(reader);
 }
 
 TEST_F(Service, WhatCannotBeIsRefused) {
     const std::string longest(191, 'n'), longer(192, 'n'), longPath = "/" + std::string(511, 'p'), longGroup(64, 'g');
     const auto create = [this](const char* name, const char* path, const char* group, DWORD startType) -> DWORD {
-        SC_HANDLE service = CreateServiceA(m_manager, name, nullptr, DELETE, SERVICE_KERNEL_DRIVER, startType,
-                                           SERVICE_ERROR_NORMAL, path, group, nullptr, nullptr, nullptr, nullptr);
+        SC_HANDLE service = CreateDriver(m_manager, name, path, startType, group);
         if (service == nullptr) return GetLastError();
-        Remove(service);
+        RemoveDriver(service);
         return 0;
     };
     const struct {
@@ -187,7 +181,7 @@ TEST_F(Service, WhatCannotBeIsRefused) {
     EXPECT_EQ(ErrorOf(QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, nullptr, 0, nullptr)),
               ERROR_INVALID_PARAMETER);
     EXPECT_EQ(ErrorOf(QueryServiceConfigA(service, nullptr, 0, nullptr)), ERROR_INVALID_PARAMETER);
-    Remove(service);
+    RemoveDriver(service);
 }
 
 TEST_F(Service, ARecordCutShortIsNone) {
@@ -196,5 +190,5 @@ TEST_F(Service, ARecordCutShortIsNone) {
     close(folder);
     SC_HANDLE service = Create();
     EXPECT_NE(service, nullptr) << GetLastError();
-    Remove(service);
+    RemoveDriver(service);
 }
