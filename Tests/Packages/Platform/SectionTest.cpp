@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstring>
+
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
 #include "Tests/Packages/Platform/Calls.h"
@@ -89,9 +91,34 @@ TEST(Section, WhatCannotBeIsRefused) {
         EXPECT_EQ(CreateFileMappingA(c.file, nullptr, c.protection, 0, c.size, c.name), nullptr) << c.what;
         EXPECT_EQ(GetLastError(), c.error) << c.what;
     }
-    HANDLE section = Create();
-    EXPECT_EQ(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 5), nullptr) << "beyond the end";
-    EXPECT_EQ(ErrorOf(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 1, 1)), ERROR_INVALID_PARAMETER)
-        << "not at a page";
-    CloseHandle(section);
+}
+
+TEST(Section, AViewLiesWithinItsSectionAndOneWithoutANameIsNobodyElses) {
+    const auto create = [] {
+        return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8192, nullptr);
+    };
+    HANDLE section = create(), other = create();
+    const struct {
+        DWORD offset;
+        SIZE_T size;
+        DWORD error;
+    } kCases[] = {
+        {0,    8192, 0                      },
+        {4096, 4096, 0                      },
+        {4096, 0,    0                      }, // to its end
+        {0,    8193, ERROR_ACCESS_DENIED    },
+        {4096, 4097, ERROR_ACCESS_DENIED    },
+        {8192, 0,    ERROR_ACCESS_DENIED    },
+        {1,    1,    ERROR_INVALID_PARAMETER}, // not at a page
+    };
+    for (const auto& c : kCases) {
+        void* view = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, c.offset, c.size);
+        EXPECT_EQ(ErrorOf(view), c.error) << c.offset << " " << c.size;
+        if (view == nullptr) continue;
+        std::memset(view, 1, 4096);
+        EXPECT_TRUE(UnmapViewOfFile(view));
+    }
+    uint32_t* view = Map(other);
+    EXPECT_EQ(*view, 0u);
+    EXPECT_TRUE(UnmapViewOfFile(view) && CloseHandle(section) && CloseHandle(other));
 }
