@@ -14,7 +14,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test test-machine asan coverage windows test-windows install deb zip bench fuzz format lint clean
+.PHONY: build run test test-machine asan tsan coverage windows test-windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -40,6 +40,13 @@ asan:
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan
 	@ctest --preset asan
+
+# What several threads may do at once, under ThreadSanitizer.
+tsan:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
+	@cmake --preset tsan >/dev/null
+	@cmake --build --preset tsan --target ContainerTest DebugTest MachineTest OSTest SourcesTest
+	@ctest --preset tsan
 
 # The lines of Sources and Packages that the tests run; those that they don't are named in build/coverage/coverage.txt.
 coverage:

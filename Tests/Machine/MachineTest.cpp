@@ -5,9 +5,12 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -15,7 +18,9 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
@@ -121,6 +126,34 @@ TEST_F(Machine, CPUIDIsTheInstruction) {
         ASSERT_EQ(ReadCPUID(kAnyProcessor, &record), kSuccess);
         EXPECT_EQ(std::memcmp(&record.Eax, std::vector<uint32_t>{eax, ebx, ecx, edx}.data(), 16), 0) << leaf;
     }
+}
+
+// Built with the thread sanitizer this also shows that no two threads race.
+TEST_F(Machine, ThreadsAskAtOnce) {
+    const std::vector<Function_t> functions = Functions();
+    std::atomic<int> answers = 0;
+    std::vector<std::thread> threads;
+    for (uint32_t t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t] {
+            uint32_t eax, ebx, ecx, edx;
+            __cpuid_count(0x80000002 + t % 3, 0, eax, ebx, ecx, edx);
+            for (int i = 0; i < 200; ++i) {
+                if (FERROXInitialize() != kSuccess) return;
+                CPUIDRecord_t record = {0, 0x80000002 + t % 3, 0, 0, 0};
+                ClBuffer registers(4);
+                bool isRight = ReadCPUID(kAnyProcessor, &record) == kSuccess && record.Eax == eax && record.Edx == edx;
+                if (!functions.empty()) {
+                    isRight &= PCIRead(functions[0].location, 0, registers.Get()) == kSuccess &&
+                               registers.Bytes() == Part(functions[0].shown, 0, 4);
+                }
+                DataBuffer_t* table = nullptr;
+                if (GetACPITable("MCFG", &table) == kSuccess) os_free(table);
+                answers += isRight && FERROXTerminate() == kSuccess;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(answers, 800);
 }
 
 TEST_F(Machine, PCIRegistersAreTheKernels) {
@@ -315,6 +348,52 @@ TEST(MachineSharing, ProcessesCountEachOtherAndTheLastOneCleansUp) {
     EXPECT_EQ(InChild([] { return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1; }), 0);
     EXPECT_FALSE(IsLeft("service."));
     EXPECT_FALSE(IsLeft("section."));
+}
+
+// Ten processes that open, ask and close at random moments. None may wait for ever or fail, and with no one killed the
+// last one leaves nothing. The killed ones are replaced, and die wherever they happen to be.
+TEST(MachineSharing, TenProcessesAtRandomEndInTime) {
+    constexpr int kProcesses = 10, kRounds = 60;
+    const auto start = [](unsigned seed) {
+        const pid_t process = fork();
+        if (process != 0) return process;
+        alarm(60);  // a process that hangs dies of it
+        std::mt19937 random(seed);
+        for (int round = 0; round < kRounds; ++round) {
+            if (FERROXInitialize() != kSuccess) _exit(1);
+            CPUIDRecord_t record = {0, 0, 0, 0, 0};
+            if (ReadCPUID(kAnyProcessor, &record) != kSuccess || record.Ebx == 0) _exit(2);
+            usleep(static_cast<useconds_t>(random() % 1500));
+            if (FERROXTerminate() != kSuccess) _exit(3);
+            usleep(static_cast<useconds_t>(random() % 500));
+        }
+        _exit(0);
+    };
+    for (const int kills : {0, 25}) {
+        std::mt19937 random(1);
+        std::vector<pid_t> processes;
+        for (unsigned i = 0; i < kProcesses; ++i) processes.push_back(start(i));
+        for (int kill = 0; kill < kills; ++kill) {
+            usleep(static_cast<useconds_t>(random() % 4000));
+            pid_t& victim = processes[random() % kProcesses];
+            ::kill(victim, SIGKILL);
+            int status = 0;
+            waitpid(victim, &status, 0);
+            EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) == 0) << status;
+            victim = start(100u + static_cast<unsigned>(kill));
+        }
+        for (const pid_t process : processes) {
+            int status = -1;
+            waitpid(process, &status, 0);
+            EXPECT_EQ(status, 0) << kills << " killed";
+        }
+        EXPECT_FALSE(IsLeft("section.") && kills == 0);
+        EXPECT_FALSE(IsLeft("service.") && kills == 0);
+        // What the killed ones have left goes with the next one.
+        EXPECT_EQ(InChild([] { return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1; }), 0);
+        EXPECT_FALSE(IsLeft("service."));
+        EXPECT_FALSE(IsLeft("section."));
+    }
 }
 
 TEST(MachineSharing, AKilledProcessKeepsItsCountWhileAnotherHoldsTheSection) {

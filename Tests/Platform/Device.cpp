@@ -67,11 +67,6 @@ void Answer(const DeviceRequest_t& request, uint8_t* out) {
     }
 }
 
-BOOL Fail(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
-
 }  // namespace
 
 STAND_IN(HANDLE, CreateFileA,
@@ -114,10 +109,12 @@ STAND_IN(DWORD, GetActiveProcessorCount, (WORD group)) {
 }
 
 STAND_IN(UINT, GetSystemFirmwareTable, (DWORD provider, DWORD table, PVOID buffer, DWORD size)) {
-    if (!Platform().Call("GetSystemFirmwareTable", ERROR_FILE_NOT_FOUND) || provider != 0x41435049) return 0;
+    if (!Platform().Call("GetSystemFirmwareTable", ERROR_FILE_NOT_FOUND)) return 0;
     uint8_t number[4];
     Put32(number, table);
-    const auto found = Platform().tables.find(std::string(number, number + 4));
+    std::string name(number, number + 4);
+    if (provider == 0x52534D42) name = "RSMB";
+    const auto found = Platform().tables.find(name);
     if (found == Platform().tables.end()) return 0;
     auto needed = static_cast<UINT>(found->second.size());
     if (!Platform().tableAnswers.empty()) {

@@ -16,7 +16,7 @@ STAND_IN(BOOL, CloseHandle, (HANDLE handle)) {
 // ---- Mutex
 
 STAND_IN(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES, BOOL, LPCSTR name)) {
-    return Platform().Call("CreateMutexA") && name == std::string("FERROXLIB") ? Platform().Add("mutex") : nullptr;
+    return Platform().Call("CreateMutexA") && name != nullptr ? Platform().Add("mutex") : nullptr;
 }
 
 STAND_IN(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds)) {

@@ -8,6 +8,11 @@ static ClScriptedPlatform platform;
 
 ClScriptedPlatform& Platform() { return platform; }
 
+BOOL Fail(DWORD error) {
+    SetLastError(error);
+    return FALSE;
+}
+
 ClScriptedPlatform& NewPlatform() {
     ClScriptedPlatform::failAllocationOf = 0;
     platform = ClScriptedPlatform();
@@ -55,8 +60,7 @@ bool ClScriptedPlatform::Call(const char* function, DWORD error) {
     const std::string name = std::string(function) + "#" + std::to_string(++m_occurrences[function]);
     calls.push_back(name);
     if (calls.size() != failCall && !failCalls.contains(name)) return true;
-    SetLastError(error);
-    return false;
+    return Fail(error) != FALSE;
 }
 
 HANDLE ClScriptedPlatform::Add(const char* kind) {

@@ -52,7 +52,7 @@ class ClScriptedPlatform {
     std::optional<std::string> registryPath = kDriverFile;
     uint32_t processors = 8;
     uint32_t hypervisorECX = 0;                          // that CPUID leaf 1 gives
-    std::map<std::string, std::vector<uint8_t>> tables;  // ACPI tables by name
+    std::map<std::string, std::vector<uint8_t>> tables;  // ACPI tables by name, and RSMB
     std::map<uint64_t, uint8_t> memory;                  // bytes of physical memory; others read as address & 0xFF
     DWORD waitAnswer = WAIT_OBJECT_0;
     DWORD tickCount = 0xFFFFC000;  // 16 seconds before it starts again at 0
@@ -103,5 +103,7 @@ class ClScriptedPlatform {
 };
 
 ClScriptedPlatform& Platform();
+// FALSE, with this as the last error.
+BOOL Fail(DWORD error);
 // A machine as new, on which nothing is set, open or noted.
 ClScriptedPlatform& NewPlatform();

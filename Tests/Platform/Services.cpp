@@ -7,11 +7,6 @@
 
 namespace {
 
-BOOL Fail(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
-
 SC_HANDLE AddService(const char* kind) { return static_cast<SC_HANDLE>(static_cast<void*>(Platform().Add(kind))); }
 
 bool IsService(SC_HANDLE handle) { return Platform().IsOpen(handle, "service"); }

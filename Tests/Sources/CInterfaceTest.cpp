@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <memory>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -195,3 +196,11 @@ TEST(CInterface, BearsNullPointers) {
 TEST(CInterface, TellsTheVersionOfTheBuild) { EXPECT_STREQ(quorlin_version(), QUORLIN_PROJECT_VERSION); }
 
 }  // namespace
+
+TEST(CInterface, HasATextForEachStatus) {
+    std::set<std::string> texts;
+    for (uint32_t status = QUORLIN_OK; status <= QUORLIN_NO_IMAGE + 1u; ++status)
+        texts.insert(quorlin_status_text(static_cast<quorlin_status>(status)));
+    EXPECT_TRUE(texts.contains("unknown status"));
+    EXPECT_GE(texts.size(), 9u);
+}

@@ -1,6 +1,7 @@
+// The decoder of type 15.
 #include <gtest/gtest.h>
 
-#include "Tests/Support/Structures.h"
+#include "Tests/Support/Expectations.h"
 
 namespace {
 
@@ -13,37 +14,20 @@ ClStructureBuilder LogWith(uint8_t count) {
         .Strings({"behind"});
 }
 
-}  // namespace
-
 TEST(Type15, EarlyFormEndsWithTheAddress) {
-    const auto log = ClStructureBuilder(15, 0x14)
-                         .Word(0x04, 1024)
-                         .Word(0x06, 0)
-                         .Word(0x08, 16)
-                         .Byte(0x0A, 3)
-                         .Byte(0x0B, 1)
-                         .Dword(0x0C, 0x1A2B)
-                         .Dword(0x10, 0x00710070);
-    EXPECT_EQ(Decode(log).Lines(),
-              "System Event Log {Type 15}#GROUPNAME=\nType=15\nLength=20\nHandle=16\n"
-              "Log Area Length=1024 (400h)\n"
-              "Log Header Start Offset=0 (00h)\n"
-              "Log Data Start Offset=16 (10h)\n"
-              "Access Method=3\n"
-              "Log Status=01h (Log Area: Not Full, Valid)\n"
-              "Log Change Token=00001A2Bh\n"
-              "Access Method Address=00710070h\n");
+    ClStructureBuilder log(15, 0x14);
+    log.Word(0x04, 1024).Word(0x06, 0).Word(0x08, 16).Bytes(0x0A, {3, 1}).Dword(0x0C, 0x1A2B).Dword(0x10, 0x00710070);
+    ExpectItems(log, "System Event Log {Type 15}",
+                "Log Area Length=1024 (400h)\nLog Header Start Offset=0 (00h)\nLog Data Start Offset=16 (10h)\n"
+                "Access Method=3\nLog Status=01h (Log Area: Not Full, Valid)\nLog Change Token=00001A2Bh\n"
+                "Access Method Address=00710070h\n");
     // One byte less than the later form needs.
     EXPECT_EQ(Decode(ClStructureBuilder(15, 0x16)).Count(), 4u + 7u);
     EXPECT_EQ(Decode(ClStructureBuilder(15, 0x17)).Count(), 4u + 10u);
 }
 
 TEST(Type15, StatusAndHeaderFormat) {
-    const struct {
-        size_t offset;
-        uint8_t value;
-        const char *key, *text;
-    } kCases[] = {
+    const Reading_t kReadings[] = {
         {0x0B, 0x00, "Log Status",                               "00h (Log Area: Not Full, Not Valid)"   },
         {0x0B, 0x02, "Log Status",                               "02h (Log Area: Full, Not Valid)"       },
         {0x0B, 0xFF, "Log Status",                               "FFh (Log Area: Full, Valid)"           },
@@ -55,8 +39,7 @@ TEST(Type15, StatusAndHeaderFormat) {
         {0x15, 0x03, "Number of Supported Log Type Descriptors", "03h"                                   },
         {0x16, 0x0C, "Length of each Log Type Descriptor",       "0Ch"                                   },
     };
-    for (const auto& c : kCases)
-        EXPECT_EQ(Decode(ClStructureBuilder(15, 0x17).Byte(c.offset, c.value)).Text(c.key), c.text);
+    ExpectBytes(ClStructureBuilder(15, 0x17), kReadings);
 }
 
 TEST(Type15, DescriptorsStopAtTheFormattedArea) {
@@ -69,3 +52,5 @@ TEST(Type15, DescriptorsStopAtTheFormattedArea) {
     // The stated size of a descriptor doesn't change the step.
     EXPECT_EQ(Decode(LogWith(3).Byte(0x16, 3)).Texts(key)[1], "\t\t08h 04h");
 }
+
+}  // namespace

@@ -61,14 +61,6 @@ std::vector<std::string> ClItems::Texts(const std::string& key) const {
     return texts;
 }
 
-bool ClItems::Has(const std::string& key) const { return !Texts(key).empty(); }
-
-std::vector<std::string> ClItems::Keys() const {
-    std::vector<std::string> keys;
-    for (const Item_t& item : m_items) keys.push_back(item.key);
-    return keys;
-}
-
 std::string ClItems::Lines() const {
     std::string lines;
     for (const Item_t& item : m_items) lines += item.key + "=" + item.value + "\n";

@@ -53,8 +53,6 @@ class ClItems {
     std::string Text(const std::string& key, size_t from = 0) const;
     // All values of this key, in order.
     std::vector<std::string> Texts(const std::string& key) const;
-    bool Has(const std::string& key) const;
-    std::vector<std::string> Keys() const;
     // "KEY=VALUE" lines, for comparing a whole structure.
     std::string Lines() const;
 

@@ -288,48 +288,7 @@ TEST_F(LifeCycle, InstallPath) {
     }
 }
 
-// Whichever call of an open fails: the status tells it, what was set up is gone, and the next try finds a machine as
-// new.
-TEST_F(LifeCycle, AnyFailingCallIsUndone) {
-    // The calls whose failure the library goes on from, and the two of the hypervisor test with its status.
-    const std::set<std::string> kGoesOn = {"DebugLibInit#1", "InitializeSecurityDescriptor#1",
-                                           "SetSecurityDescriptorDacl#1", "OpenSCManagerA#1", "OpenServiceA#1"};
-    const std::map<std::string, status_t> kHypervisor = {
-        {"GetActiveProcessorCount#1", 2},
-        {"DeviceIoControl#1",         0}
-    };
-    size_t tried = 0;
-    for (size_t number = 1;; ++number) {
-        NewPlatform();
-        Platform().failCall = number;
-        const status_t status = FERROXInitialize();
-        Platform().failCall = 0;
-        if (Platform().calls.size() < number) break;
-        const std::string failed = Platform().calls[number - 1];
-        ++tried;
-        if (kGoesOn.contains(failed)) {
-            EXPECT_EQ(status, kSuccess) << failed;
-        } else if (kHypervisor.contains(failed)) {
-            EXPECT_EQ(status, kHypervisor.at(failed)) << failed;
-            EXPECT_EQ(FERROXInitialize(), kSuccess) << failed;
-            Platform().section = 1;
-        } else {
-            EXPECT_EQ(status, kFailure) << failed;
-            EXPECT_EQ(Platform().Open(), "") << failed;
-            EXPECT_EQ(Platform().traceHandles, 0) << failed;
-            EXPECT_EQ(Platform().SharedCount(), std::nullopt) << failed;
-            EXPECT_FALSE(Platform().service.exists) << failed;
-            EXPECT_EQ(FERROXInitialize(), kSuccess) << failed;
-        }
-        EXPECT_EQ(FERROXTerminate(), kSuccess) << failed;
-        EXPECT_EQ(Platform().Open(), "") << failed;
-        EXPECT_FALSE(Platform().service.exists) << failed;
-        EXPECT_EQ(Platform().badCloses, 0) << failed;
-    }
-    EXPECT_GE(tried, 20u);
-}
-
-// The same on a machine whose driver another process has running.
+// Whichever call of an open fails on a machine whose driver another process has running.
 TEST_F(LifeCycle, AnyFailingCallOfASecondProcessLeavesTheFirstAlone) {
     for (size_t number = 1;; ++number) {
         NewPlatform();

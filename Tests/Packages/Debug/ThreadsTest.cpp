@@ -1,0 +1,44 @@
+// One handle from several threads. Built with the thread sanitizer this also shows that none of them races.
+#include <algorithm>
+#include <sstream>
+#include <thread>
+
+#include "Tests/Packages/Debug/TraceFixture.h"
+
+using Threads = ClTraceTest;
+
+TEST_F(Threads, WriteWholeLinesIntoOneFile) {
+    constexpr int kThreads = 4, kLines = 500;
+    DebugHandle_t handle = Open("Shared");
+    ASSERT_NE(handle, nullptr);
+    std::FILE* stream = std::fopen("shared.log", "wb");
+    EXPECT_EQ(DebugSetPackageStream(handle, stream), kSuccess);
+    EXPECT_EQ(DebugSetOutputType(handle, kAllOutputs, false), kSuccess);
+    EXPECT_EQ(DebugSetOutputType(handle, kFileOutput, true), kSuccess);
+    EXPECT_EQ(DebugSetTraceMask(handle, kAllLevels, false), kSuccess);
+    EXPECT_EQ(DebugSetTraceMask(handle, kEntry | kError, true), kSuccess);
+    EXPECT_EQ(DebugSetTraceFormat(handle, kFormatLine | kFormatTime | kFormatTags, false), kSuccess);
+    std::vector<std::string> expected;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        for (int i = 0; i < kLines; ++i)
+            expected.push_back(" Fn:Run thread " + std::to_string(t) + " line " + std::to_string(i));
+        threads.emplace_back([handle, t] {
+            for (int i = 0; i < kLines; ++i) {
+                QUORLIN_TRACE(handle, "", "Run", kEntry, "thread %d line %d", t, i);
+                QUORLIN_TRACE(handle, "", "Run", kInfo, "not to be seen");
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    CloseAll();
+    std::fclose(stream);
+    std::istringstream file(ReadFile("shared.log"));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty()) lines.push_back(line);
+    }
+    std::ranges::sort(lines);
+    std::ranges::sort(expected);
+    EXPECT_EQ(lines, expected);
+}
