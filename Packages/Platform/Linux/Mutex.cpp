@@ -197,7 +197,8 @@ HANDLE CreateMutexA(SECURITY_ATTRIBUTES*, BOOL initialOwner, LPCSTR name) try {
 }
 
 BOOL ReleaseMutex(HANDLE handle) {
-    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return Fail(ERROR_INVALID_HANDLE);
+    if (handle == nullptr || handle == INVALID_HANDLE_VALUE || handle == kCurrentThread)
+        return Fail(ERROR_INVALID_HANDLE);
     auto* object = static_cast<ClObject*>(handle);
     if (typeid(*object) != typeid(ClMutex)) return Fail(ERROR_INVALID_HANDLE);
     return static_cast<ClMutex*>(object)->Release();

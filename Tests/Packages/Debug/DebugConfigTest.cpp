@@ -1,4 +1,6 @@
 // debug.conf: its lines, and the settings that handles take from it.
+#include <sstream>
+
 #include "Tests/Packages/Debug/TraceFixture.h"
 
 class ClDebugConfig : public ClTraceTest {
@@ -11,58 +13,39 @@ class ClDebugConfig : public ClTraceTest {
     }
 };
 
+// Each text of tokens with the bits that it gives one setting of handle A; the other settings keep their defaults.
 TEST_F(ClDebugConfig, TokensAddUpFromLeftToRight) {
     const struct {
-        const char* line;
-        uint64_t traceMask, outputType;
-        uint32_t traceFormat, flags;
+        const char *key, *texts;
+        size_t setting;
     } kCases[] = {
-        {"A:TraceType<En>",         1,  1, 15, 8 },
-        {"A:TraceType<In>",         2,  1, 15, 8 },
-        {"A:TraceType<Pa>",         4,  1, 15, 8 },
-        {"A:TraceType<Wa>",         8,  1, 15, 8 },
-        {"A:TraceType<Er>",         16, 1, 15, 8 },
-        {"A:TraceType<Ex>",         32, 1, 15, 8 },
-        {"A:TraceType<Al>",         63, 1, 15, 8 },
-        {"A:TraceType<EnExEr>",     49, 1, 15, 8 },
-        {"A:TraceType<EnNoEx>",     32, 1, 15, 8 },
-        {"A:TraceType<AlNo>",       0,  1, 15, 8 },
-        {"A:TraceType<EnEn>",       1,  1, 15, 8 },
-        {"A:OutputType<>",          0,  0, 15, 8 },
-        {"A:OutputType<Co>",        0,  1, 15, 8 },
-        {"A:OutputType<Fi>",        0,  2, 15, 8 },
-        {"A:OutputType<In>",        0,  4, 15, 8 },
-        {"A:OutputType<Al>",        0,  7, 15, 8 },
-        {"A:OutputType<No>",        0,  0, 15, 8 },
-        {"A:TraceFormatType<Fn>",   0,  1, 1,  8 },
-        {"A:TraceFormatType<Ln>",   0,  1, 2,  8 },
-        {"A:TraceFormatType<Ti>",   0,  1, 4,  8 },
-        {"A:TraceFormatType<Td>",   0,  1, 8,  8 },
-        {"A:TraceFormatType<NoAl>", 0,  1, 15, 8 },
-        {"A:TraceFormatType<No>",   0,  1, 0,  8 },
-        {"A:DebugFlagsType<Sy>",    0,  1, 15, 1 }, // all four flags are replaced: the package stream is off
-        {"A:DebugFlagsType<Lo>",    0,  1, 15, 4 },
-        {"A:DebugFlagsType<Tr>",    0,  1, 15, 16},
-        {"A:DebugFlagsType<Lg>",    0,  1, 15, 8 },
-        {"A:DebugFlagsType<Al>",    0,  1, 15, 29},
-        {"A:DebugFlagsType<No>",    0,  1, 15, 0 },
+        {"TraceType",       "En 1 In 2 Pa 4 Wa 8 Er 16 Ex 32 Al 63 EnExEr 49 EnNoEx 32 AlNo 0 EnEn 1", 0},
+        {"OutputType",      "Co 1 Fi 2 In 4 Al 7 No 0",                                                1},
+        {"TraceFormatType", "Fn 1 Ln 2 Ti 4 Td 8 NoAl 15 No 0",                                        2},
+        {"DebugFlagsType",  "Sy 1 Lo 4 Tr 16 Lg 8 Al 29 No 0",                                         3}, // all four
     };
     for (const auto& c : kCases) {
-        Restart(c.line);
-        DebugHandle_t handle = Open("A");
-        ASSERT_NE(handle, nullptr) << c.line;
-        EXPECT_EQ(handle->TraceMask, c.traceMask) << c.line;
-        EXPECT_EQ(handle->OutputType, c.outputType) << c.line;
-        EXPECT_EQ(handle->TraceFormat, c.traceFormat) << c.line;
-        EXPECT_EQ(handle->Flags, c.flags) << c.line;
+        std::istringstream texts(c.texts);
+        std::string tokens;
+        for (uint64_t bits; texts >> tokens >> bits;) {
+            std::vector<uint64_t> expected = {0, 1, 15, 8};
+            expected[c.setting] = bits;
+            Restart("A:" + std::string(c.key) + "<" + tokens + ">");
+            const DebugHandle_t a = Open("A");
+            ASSERT_NE(a, nullptr) << c.key << tokens;
+            EXPECT_EQ((std::vector<uint64_t>{a->TraceMask, a->OutputType, a->TraceFormat, a->Flags}), expected)
+                << c.key << tokens;
+        }
     }
 }
 
 // Each text follows a line that gives handle A the mask 1. A bad one takes that away as well.
 TEST_F(ClDebugConfig, TakesAndRefusesLines) {
+    using namespace std::string_literals;
+    const std::string comment255 = "#" + std::string(254, 'x');
     const struct {
         const char* what;
-        const char* text;
+        std::string text;
         uint64_t traceMask;
     } kCases[] = {
         {"white space anywhere",          "A : Trace\tType < I n >\r\n",                    2},
@@ -79,6 +62,10 @@ TEST_F(ClDebugConfig, TakesAndRefusesLines) {
         {"a package without a name",      ":TraceType<In>",                                 1},
         {"first delimiters",              "A<>:TraceType<In>",                              1},
         {"no end of line",                "A:TraceType<In>",                                2},
+        {"a line of 255 characters",      comment255 + "\nA:TraceType<In>",                 2},
+        {"a longer line, in pieces",      comment255 + "A:TraceType<In>",                   2},
+        {"a second piece that is bad",    comment255 + "x",                                 0},
+        {"a NUL ends its line",           "A:TraceType<In>\0x\n\0A:TraceType<Pa>"s,         2},
 
         {"no colon",                      "A.TraceType<In>",                                0},
         {"no less-than",                  "A:TraceType.In>",                                0},
@@ -100,34 +87,11 @@ TEST_F(ClDebugConfig, TakesAndRefusesLines) {
         {"bytes",                         "\xFF\xFE\x01:\x80<>",                            0},
     };
     for (const auto& c : kCases) {
-        Restart(std::string("A:TraceType<En>\n") + c.text);
+        Restart("A:TraceType<En>\n" + c.text);
         DebugHandle_t handle = Open("A");
         ASSERT_NE(handle, nullptr) << c.what;
         EXPECT_EQ(handle->TraceMask, c.traceMask) << c.what;
     }
-}
-
-TEST_F(ClDebugConfig, ALongLineIsTakenInPieces) {
-    const std::string comment255 = "#" + std::string(254, 'x');
-    const struct {
-        const char *what, *behind;
-        uint64_t traceMask;
-    } kCases[] = {
-        {"255 characters",             "\nA:TraceType<In>", 2},
-        {"a second piece",             "A:TraceType<In>",   2},
-        {"a second piece that is bad", "x",                 0},
-    };
-    for (const auto& c : kCases) {
-        Restart("A:TraceType<En>\n" + comment255 + c.behind);
-        EXPECT_EQ(Open("A")->TraceMask, c.traceMask) << c.what;
-    }
-}
-
-TEST_F(ClDebugConfig, ANulEndsItsLine) {
-    using namespace std::string_literals;
-    Restart("A:TraceType<In>\0x\nA:OutputType<Fi>\n\0A:TraceType<Pa>"s);
-    EXPECT_EQ(Open("A")->TraceMask, 2u);
-    EXPECT_EQ(Open("A")->OutputType, 2u);
 }
 
 TEST_F(ClDebugConfig, GlobalIsAppliedLast) {
@@ -153,17 +117,6 @@ TEST_F(ClDebugConfig, GlobalIsAppliedLast) {
         EXPECT_EQ(handle->OutputType, c.outputType) << c.config;
         EXPECT_EQ(handle->Flags, c.flags) << c.config;
     }
-}
-
-TEST_F(ClDebugConfig, ALockedHandleKeepsItsSettings) {
-    Restart("A:DebugFlagsType<Lo>\nA:TraceType<En>");
-    DebugHandle_t locked = Open("A"), other = Open("B");
-    EXPECT_EQ(DebugSetTraceMask(locked, kAllLevels, true), kBadValue);
-    EXPECT_EQ(DebugSetAllTraceMask(kAllLevels, true), kSuccess);
-    EXPECT_EQ(locked->TraceMask, 1u);
-    EXPECT_EQ(other->TraceMask, 63u);
-    EXPECT_EQ(DebugSetFlag(locked, kFlagLocked, false), kSuccess);
-    EXPECT_EQ(DebugSetTraceMask(locked, kAllLevels, true), kSuccess);
 }
 
 TEST_F(ClDebugConfig, NamesCountTo63Characters) {
@@ -246,8 +199,9 @@ TEST_F(ClDebugConfig, AFolderOfThatNameIsNoFile) {
 }
 
 TEST_F(ClDebugConfig, AHostsTextStandsInForTheFile) {
+    const std::string longLine = "#" + std::string(254, 'x') + "A:TraceType<In>;A:TraceFormatType<Fn>";
     const struct {
-        const char* text;
+        std::string text;
         status_t status;
         uint64_t traceMask;
         uint32_t traceFormat;
@@ -257,13 +211,14 @@ TEST_F(ClDebugConfig, AHostsTextStandsInForTheFile) {
         {"A:TraceType<In>\n; ;A : TraceType < Pa >", 1, 4, 15},
         {"A:TraceType<In>;#A:TraceType<Pa>;",        1, 2, 15},
         {"",                                         1, 0, 15},
- // The file counts after a text that is refused.
+        {longLine,                                   1, 2, 1 }, // in pieces, as from a file
+  // The file counts after a text that is refused.
         {"A:TraceType<Xx>",                          5, 1, 15},
         {"Global:TraceType<In>;bad",                 5, 1, 15},
     };
     for (const auto& c : kCases) {
         Restart("A:TraceType<En>");
-        EXPECT_EQ(DebugUseConfigText(c.text), c.status) << c.text;
+        EXPECT_EQ(DebugUseConfigText(c.text.c_str()), c.status) << c.text;
         DebugHandle_t handle = Open("A");
         ASSERT_NE(handle, nullptr) << c.text;
         EXPECT_EQ(handle->TraceMask, c.traceMask) << c.text;
@@ -271,11 +226,4 @@ TEST_F(ClDebugConfig, AHostsTextStandsInForTheFile) {
         EXPECT_EQ(DebugUseConfigText("A:TraceType<Pa>"), kFailure) << c.text;
     }
     EXPECT_EQ(DebugUseConfigText(nullptr), kNullPointer);
-
-    // Long lines come in pieces, as from a file.
-    Restart("");
-    EXPECT_EQ(DebugUseConfigText(("#" + std::string(254, 'x') + "A:TraceType<In>;A:TraceFormatType<Fn>").c_str()),
-              kSuccess);
-    EXPECT_EQ(Open("A")->TraceMask, 2u);
-    EXPECT_EQ(Open("A")->TraceFormat, 1u);
 }

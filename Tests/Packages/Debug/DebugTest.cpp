@@ -1,14 +1,11 @@
 // Handles, their settings, and the lines that they write.
 #include <cinttypes>
 #include <cstring>
-#include <functional>
 
 #include "Packages/OS/OS.h"
 #include "Tests/Packages/Debug/TraceFixture.h"
 
-class ClDebug : public ClTraceTest {};
-
-static std::string callbackText;
+static std::string internalText, callbackText;
 static uint32_t callbackLevel, callbackSize;
 
 static void Callback(uint32_t level, const char* message, uint32_t size) {
@@ -16,6 +13,11 @@ static void Callback(uint32_t level, const char* message, uint32_t size) {
     callbackLevel = level;
     callbackSize = size;
 }
+
+class ClDebug : public ClTraceTest {
+  protected:
+    static constexpr auto PrintInternal = PrintTo<&internalText>;
+};
 
 TEST_F(ClDebug, AFreshHandleHasItsDefaultsAndIsSilent) {
     DebugHandle_t handle = Open("A");
@@ -32,6 +34,9 @@ TEST_F(ClDebug, AFreshHandleHasItsDefaultsAndIsSilent) {
     EXPECT_STREQ(handle->Name, "A");
     EXPECT_EQ(DebugTrace(handle, "", "F", 1, 63, "m"), kSuccess);
     EXPECT_EQ(Printed(), "");
+    LibVersion_t version;
+    ASSERT_EQ(GetDebugLibVersion(&version), kSuccess);
+    EXPECT_EQ(std::string(version.Major) + version.Minor + version.Revision + version.Build, "020001001");
 }
 
 TEST_F(ClDebug, TheDefaultConsoleIsStandardOutput) {
@@ -74,6 +79,11 @@ TEST_F(ClDebug, HeaderHoldsThePartsThatTheFormatNames) {
     handle->TraceFormat = kFormatFunction | kFormatLine;
     DebugTrace(handle, "file", std::string(200, 'f').c_str(), 7, kInfo, "m");
     EXPECT_EQ(Printed(), "\n Fn:" + std::string(94, 'f') + " m");  // 99 characters, and the line number is lost
+    handle->TraceFormat = 0;
+    for (const size_t length : {255u, 256u, 5000u}) {
+        DebugTrace(handle, "", "F", 1, kInfo, "%s", std::string(length, 'x').c_str());
+        EXPECT_EQ(Printed(), "\n " + std::string(255, 'x')) << length;
+    }
 }
 
 TEST_F(ClDebug, TimeIsTheCounterInMilliseconds) {
@@ -90,16 +100,6 @@ TEST_F(ClDebug, TimeIsTheCounterInMilliseconds) {
     EXPECT_STREQ(rest, "m");
     EXPECT_LE(before, shown);
     EXPECT_LE(shown, after);
-}
-
-TEST_F(ClDebug, MessageIsCutAt255) {
-    DebugHandle_t handle = Open("A");
-    handle->TraceFormat = 0;
-    handle->TraceMask = kInfo;
-    for (const size_t length : {255u, 256u, 300u, 5000u}) {
-        DebugTrace(handle, "", "F", 1, kInfo, "%s", std::string(length, 'x').c_str());
-        EXPECT_EQ(Printed(), "\n " + std::string(255, 'x')) << length;
-    }
 }
 
 TEST_F(ClDebug, CallbackWorksWhileOutputsAreOff) {
@@ -135,18 +135,6 @@ TEST_F(ClDebug, CallbackWorksWhileOutputsAreOff) {
     callbackText.clear();
     DebugTrace(handle, "", "F", 1, kError, "m");
     EXPECT_EQ(callbackText, "");
-}
-
-static std::string internalText;
-
-static int PrintInternal(const char* format, ...) {
-    char text[512];
-    va_list arguments;
-    va_start(arguments, format);
-    const int length = std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    internalText += text;
-    return length;
 }
 
 TEST_F(ClDebug, EachOutputGetsTheLineThatItsBitAsksFor) {
@@ -253,102 +241,58 @@ TEST_F(ClDebug, NullAndUnknownHandlesAreRefused) {
     EXPECT_EQ(DebugSetAllTraceMask(64, true), kBadValue);
 }
 
-TEST_F(ClDebug, VersionIsFilledByTheFirstHandle) {
-    Open("A");
-    LibVersion_t version;
-    ASSERT_EQ(GetDebugLibVersion(&version), kSuccess);
-    EXPECT_STREQ(version.Major, "02");
-    EXPECT_STREQ(version.Minor, "00");
-    EXPECT_STREQ(version.Revision, "0");
-    EXPECT_STREQ(version.Build, "1001");
-}
-
 // What a setter does to a locked handle.
 enum class Locked_t { Refused, PassedOver, Changed };
 
-class ClSetters : public ClTraceTest {
-  protected:
-    using Call_t = std::function<status_t(DebugHandle_t)>;
-
-    // `good` changes a fresh handle. `bad` has an argument that is refused with `badStatus`, or is null.
-    void Check(const char* what, Locked_t locked, const Call_t& good, const Call_t& bad, status_t badStatus) {
+TEST_F(ClDebug, EachSetterChangesItsHandlesOrRefuses) {
+#define CALL(expression) [](DebugHandle_t) -> status_t { return expression; }
+#define CALL_WITH(h, expression) [](DebugHandle_t h) -> status_t { return expression; }
+    using enum Locked_t;
+    const struct {
+        const char* what;
+        Locked_t locked;
+        bool ofOneHandle;
+        status_t (*good)(DebugHandle_t);  // changes a fresh handle
+        status_t (*bad)(DebugHandle_t);   // has an argument that is refused with `badStatus`; may be null
+        status_t badStatus;
+    } kCases[] = {
+  // clang-format off
+        {"TraceMask", Refused, true, CALL_WITH(h, DebugSetTraceMask(h, 63, true)), CALL_WITH(h, DebugSetTraceMask(h, 64, true)), kBadValue},
+        {"OutputType", Refused, true, CALL_WITH(h, DebugSetOutputType(h, 6, true)), CALL_WITH(h, DebugSetOutputType(h, 8, true)), kBadValue},
+        {"TraceFormat", Refused, true, CALL_WITH(h, DebugSetTraceFormat(h, 4, false)), CALL_WITH(h, DebugSetTraceFormat(h, 16, true)), kBadValue},
+        {"Flag", Changed, true, CALL_WITH(h, DebugSetFlag(h, 1, true)), CALL_WITH(h, DebugSetFlag(h, 64, true)), kBadValue},
+        {"Callback", Refused, true, CALL_WITH(h, DebugSetCallback(h, Callback)), nullptr, kSuccess},
+        {"CallbackMask", Refused, true, CALL_WITH(h, DebugSetCallbackMask(h, 0)), nullptr, kSuccess},
+        {"ConsoleFunction", Refused, true, CALL_WITH(h, DebugSetConsoleFunction(h, PrintInternal)), CALL_WITH(h, DebugSetConsoleFunction(h, nullptr)), kNullPointer},
+        {"FileFunction", Refused, true, CALL_WITH(h, DebugSetFileFunction(h, std::fprintf)), CALL_WITH(h, DebugSetFileFunction(h, nullptr)), kNullPointer},
+        {"InternalFunction", Refused, true, CALL_WITH(h, DebugSetInternalFunction(h, PrintInternal)), CALL_WITH(h, DebugSetInternalFunction(h, nullptr)), kNullPointer},
+        {"PackageStream", Refused, true, CALL_WITH(h, DebugSetPackageStream(h, stderr)), CALL_WITH(h, DebugSetPackageStream(h, nullptr)), kNullPointer},
+        {"all TraceMask", PassedOver, false, CALL(DebugSetAllTraceMask(63, true)), CALL(DebugSetAllTraceMask(64, true)), kBadValue},
+        {"all OutputType", PassedOver, false, CALL(DebugSetAllOutputType(6, true)), CALL(DebugSetAllOutputType(8, true)), kBadValue},
+        {"all TraceFormat", PassedOver, false, CALL(DebugSetAllTraceFormat(4, false)), CALL(DebugSetAllTraceFormat(16, true)), kBadValue},
+        {"GlobalStream", PassedOver, false, CALL(DebugSetGlobalStreamAll(stderr)), CALL(DebugSetGlobalStreamAll(nullptr)), kNullPointer},
+        {"all Flags", Changed, false, CALL(DebugSetAllFlags(1, true)), CALL(DebugSetAllFlags(16, true)), kBadValue},
+        {"GlobalFlush", Changed, false, CALL(DebugSetGlobalFlush(true)), nullptr, kSuccess},
+  // clang-format on
+    };
+    for (const auto& c : kCases) {
         DebugHandle_t handle = Open("A");
         DebugRecord_t fresh;
         std::memcpy(&fresh, handle, sizeof fresh);  // with its padding
         const auto changed = [&] { return std::memcmp(&fresh, handle, sizeof fresh) != 0; };
-        if (bad != nullptr) {
-            EXPECT_EQ(bad(handle), badStatus) << what;
-        }
-        EXPECT_FALSE(changed()) << what;
-        EXPECT_EQ(good(handle), kSuccess) << what;
-        EXPECT_TRUE(changed()) << what;
+        EXPECT_TRUE(!c.ofOneHandle || c.good(nullptr) == kNullPointer) << c.what;
+        EXPECT_TRUE(c.bad == nullptr || c.bad(handle) == c.badStatus) << c.what;
+        EXPECT_FALSE(changed()) << c.what;
+        EXPECT_EQ(c.good(handle), kSuccess) << c.what;
+        EXPECT_TRUE(changed()) << c.what;
 
         std::memcpy(handle, &fresh, sizeof fresh);
         handle->Flags |= kLocked;
-        EXPECT_EQ(good(handle), locked == Locked_t::Refused ? kBadValue : kSuccess) << what;
+        EXPECT_EQ(c.good(handle), c.locked == Refused ? kBadValue : kSuccess) << c.what;
         handle->Flags &= ~kLocked;
-        EXPECT_EQ(changed(), locked == Locked_t::Changed) << what;
+        EXPECT_EQ(changed(), c.locked == Changed) << c.what;
         CloseAll();
     }
-
-    // For the setters of one handle.
-    void CheckOne(const char* what, Locked_t locked, const Call_t& good, const Call_t& bad, status_t badStatus) {
-        EXPECT_EQ(good(nullptr), kNullPointer) << what;
-        Check(what, locked, good, bad, badStatus);
-    }
-};
-
-TEST_F(ClSetters, OneHandle) {
-    const auto refused = Locked_t::Refused, changed = Locked_t::Changed;
-    CheckOne(
-        "TraceMask", refused, [](auto h) { return DebugSetTraceMask(h, 63, true); },
-        [](auto h) { return DebugSetTraceMask(h, 64, true); }, kBadValue);
-    CheckOne(
-        "OutputType", refused, [](auto h) { return DebugSetOutputType(h, 6, true); },
-        [](auto h) { return DebugSetOutputType(h, 8, true); }, kBadValue);
-    CheckOne(
-        "TraceFormat", refused, [](auto h) { return DebugSetTraceFormat(h, 4, false); },
-        [](auto h) { return DebugSetTraceFormat(h, 16, true); }, kBadValue);
-    CheckOne(
-        "Flag", changed, [](auto h) { return DebugSetFlag(h, 1, true); },
-        [](auto h) { return DebugSetFlag(h, 64, true); }, kBadValue);
-    CheckOne(
-        "Callback", refused, [](auto h) { return DebugSetCallback(h, Callback); }, nullptr, kSuccess);
-    CheckOne(
-        "CallbackMask", refused, [](auto h) { return DebugSetCallbackMask(h, 0); }, nullptr, kSuccess);
-    CheckOne(
-        "ConsoleFunction", refused, [](auto h) { return DebugSetConsoleFunction(h, PrintInternal); },
-        [](auto h) { return DebugSetConsoleFunction(h, nullptr); }, kNullPointer);
-    CheckOne(
-        "FileFunction", refused, [](auto h) { return DebugSetFileFunction(h, std::fprintf); },
-        [](auto h) { return DebugSetFileFunction(h, nullptr); }, kNullPointer);
-    CheckOne(
-        "InternalFunction", refused, [](auto h) { return DebugSetInternalFunction(h, PrintInternal); },
-        [](auto h) { return DebugSetInternalFunction(h, nullptr); }, kNullPointer);
-    CheckOne(
-        "PackageStream", refused, [](auto h) { return DebugSetPackageStream(h, stderr); },
-        [](auto h) { return DebugSetPackageStream(h, nullptr); }, kNullPointer);
-}
-
-TEST_F(ClSetters, AllHandles) {
-    const auto passedOver = Locked_t::PassedOver, changed = Locked_t::Changed;
-    Check(
-        "TraceMask", passedOver, [](auto) { return DebugSetAllTraceMask(63, true); },
-        [](auto) { return DebugSetAllTraceMask(64, true); }, kBadValue);
-    Check(
-        "OutputType", passedOver, [](auto) { return DebugSetAllOutputType(6, true); },
-        [](auto) { return DebugSetAllOutputType(8, true); }, kBadValue);
-    Check(
-        "TraceFormat", passedOver, [](auto) { return DebugSetAllTraceFormat(4, false); },
-        [](auto) { return DebugSetAllTraceFormat(16, true); }, kBadValue);
-    Check(
-        "GlobalStream", passedOver, [](auto) { return DebugSetGlobalStreamAll(stderr); },
-        [](auto) { return DebugSetGlobalStreamAll(nullptr); }, kNullPointer);
-    Check(
-        "Flags", changed, [](auto) { return DebugSetAllFlags(1, true); },
-        [](auto) { return DebugSetAllFlags(16, true); }, kBadValue);
-    Check(
-        "GlobalFlush", changed, [](auto) { return DebugSetGlobalFlush(true); }, nullptr, kSuccess);
 }
 
 TEST_F(ClDebug, MaskSettersSwitchTheirBitsAlone) {

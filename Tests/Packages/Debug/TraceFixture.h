@@ -37,7 +37,7 @@ class ClTraceTest : public testing::Test {
     DebugHandle_t Open(const char* name) {
         DebugHandle_t handle = nullptr;
         if (DebugLibInit(name, &handle) != kSuccess) return nullptr;
-        handle->ConsoleFunction = Print;
+        handle->ConsoleFunction = PrintTo<&m_printed>;
         m_open.push_back(handle);
         return handle;
     }
@@ -64,13 +64,14 @@ class ClTraceTest : public testing::Test {
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    static int Print(const char* format, ...) {
+    template <std::string* kText>
+    static int PrintTo(const char* format, ...) {
         char text[1024];
         va_list arguments;
         va_start(arguments, format);
         const int length = std::vsnprintf(text, sizeof text, format, arguments);
         va_end(arguments);
-        m_printed += text;
+        *kText += text;
         return length;
     }
 

@@ -32,7 +32,8 @@ const auto kSize = static_cast<uint32_t>(kTable.size());
 const Bytes_t kDump32 = DumpOf(kTable, 3, 2, 32), kAnswer = Answer(0, 3, kSize, kTable),
               kLongAnswer = Answer(1, 2, kSize, With(kTable, 1)), kCutAnswer = Answer(0, 2, kSize + 7, kTable),
               kOddAnswer = Answer(7, 9, 2, Bytes_t(2)), kHeadAlone = Answer(0, 3, 100, kNothing),
-              kPointAlone = DumpOf(kNothing, 3, 0, 32), kText = Bytes_t(500, 'a'), kNoise = Bytes_t(9, 0xAA);
+              kPointAlone = DumpOf(kNothing, 3, 0, 32), kText = Bytes_t(500, 'a'), kNoise = Bytes_t(9, 0xAA),
+              kHugeTable = Bytes_t((4u << 20) + 1, 1), kHugeFile = Bytes_t((64u << 20) + 1, 1);
 
 TEST(TableFile, RecognisesAFormByItsContent) {
     const struct {
@@ -76,6 +77,8 @@ TEST(TableFile, RefusesWhatIsNone) {
         {kTable,      kFolder,        "folder"     },
         {kCutPoint,   kAny,           "truncated"  },
         {kPointAlone, kAny,           "truncated"  },
+        {kHugeTable,  kBareTable,     "4 MiB"      },
+        {kHugeFile,   kAny,           "64 MiB"     },
     };
     for (const auto& c : kCases) {
         const TableFound_t found = FindTable(c.bytes, c.as);

@@ -16,12 +16,13 @@
 
 namespace fs = std::filesystem;
 
-// This program, told to run one test that is not for other runs.
+// This program, told to run one test that is not for other runs; detached without a process record.
 static status_t StartSelf(const char* test, const std::vector<const char*>& environment, ProcessRecord_t* process) {
     static const std::string self = fs::absolute(testing::internal::GetArgvs()[0]).string();
     const std::string filter = std::string("--gtest_filter=OSServicesChild.DISABLED_") + test;
     const char* const arguments[] = {"skipped", filter.c_str(), "--gtest_also_run_disabled_tests", "--gtest_brief=1",
                                      nullptr};
+    if (process == nullptr) return os_StartProcessDetached(self.c_str(), arguments + 1);
     return os_StartProcess(self.c_str(), arguments, environment.empty() ? nullptr : environment.data(), process);
 }
 
@@ -29,6 +30,7 @@ TEST(OSServicesChild, DISABLED_WritesItsEnvironment) {
     std::ofstream(std::getenv("QUORLIN_FILE"))
         << std::getenv("QUORLIN_TEXT") << "|" << (std::getenv("HOME") == nullptr);
 }
+TEST(OSServicesChild, DISABLED_MakesAFile) { std::ofstream(fs::path(testing::TempDir()) / "quorlin-detached") << "x"; }
 TEST(OSServicesChild, DISABLED_Waits) { std::this_thread::sleep_for(std::chrono::seconds(60)); }
 
 class OSServices : public testing::Test {
@@ -51,6 +53,19 @@ TEST_F(OSServices, AProcessGetsItsArgumentsAndItsEnvironmentAlone) {
     EXPECT_EQ(process.Process, nullptr);
     std::ifstream written(m_folder / "written");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), "a b=c|1");
+}
+
+TEST_F(OSServices, ADetachedProcessRunsByItself) {
+    const fs::path made = fs::path(testing::TempDir()) / "quorlin-detached";
+    fs::remove(made);
+    ASSERT_EQ(StartSelf("MakesAFile", {}, nullptr), kSuccess);
+    std::error_code notYet;  // or, on Windows, still open
+    bool isMade = false;
+    for (int tries = 0; !isMade && tries < 600; ++tries) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        isMade = fs::remove(made, notYet);
+    }
+    EXPECT_TRUE(isMade);
 }
 
 TEST_F(OSServices, AProcessIsKilledWithoutWaitingForIt) {
@@ -87,8 +102,44 @@ TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
         EXPECT_EQ(process.Process, nullptr) << c.what;
     }
     EXPECT_EQ(os_StartProcess("no-such-program.exe", nullptr, nullptr, nullptr), kNullPointer);
+    const char* const longest[] = {tooLong.c_str(), nullptr};
     EXPECT_EQ(os_StartProcessDetached("no-such-program.exe", nullptr), kFailure);
+    EXPECT_EQ(os_StartProcessDetached("no-such-program.exe", longest), kFailure);
     EXPECT_EQ(os_StartProcessDetached(nullptr, nullptr), kFailure);
+    EXPECT_EQ(os_KillProcess(nullptr), kNullPointer);
+    EXPECT_EQ(os_WaitProcess(nullptr), kNullPointer);
+}
+
+TEST_F(OSServices, StreamsAndTextsAreTheRuntimes) {
+    const std::string path = (m_folder / "stream").string();
+    char text[16] = "";
+    int32_t number = 0;
+    FILE* file = os_fopen(path.c_str(), "w+b");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(os_fprintf(file, "%s=%d\n", "one", 1), 6);
+    EXPECT_GE(os_fputs("two\n", file), 0);
+    EXPECT_EQ(os_fwrite("three", 2, 2, file), 2u);
+    EXPECT_EQ(os_fflush(file), 0);
+    EXPECT_EQ(fs::file_size(path), 14u);
+    EXPECT_EQ(os_ftell(file), 14);
+    EXPECT_EQ(os_fseek(file, -8, SEEK_CUR), 0);
+    EXPECT_EQ(os_fgets(text, sizeof text, file), text);
+    EXPECT_STREQ(text, "two\n");
+    EXPECT_EQ(os_fread(text, 1, sizeof text, file), 4u);
+    EXPECT_EQ(std::string(text, 4), "thre");
+    EXPECT_EQ(os_fclose(file), 0);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(os_printf("%s%d", "a", 12), 3);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "a12");
+    EXPECT_EQ(os_sscanf("7 x", "%d", &number), 1);
+    EXPECT_EQ(number, 7);
+    EXPECT_EQ(os_atoi(" -12x"), -12);
+    EXPECT_EQ(os_strncmp("abc", "abd", 2), 0);
+    EXPECT_LT(os_strncmp("abc", "abd", 3), 0);
+    char letters[] = "abab";
+    EXPECT_EQ(os_strchr(letters, 'b'), letters + 1);
+    EXPECT_EQ(os_strrchr(letters, 'b'), letters + 3);
+    EXPECT_EQ(os_strchr(letters, 'c'), nullptr);
 }
 
 TEST_F(OSServices, FindsFilesAndNoFolders) {

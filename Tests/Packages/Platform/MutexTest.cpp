@@ -7,64 +7,19 @@
 
 #include <filesystem>
 #include <functional>
-#include <new>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "Packages/Container/Container.h"
 #include "Packages/Platform/Linux/MutexTable.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
-
-// Allocations by new, which the provider makes: while `refuseNew` is set, all fail.
-static thread_local bool refuseNew = false;
-[[gnu::noinline]] void* operator new(size_t size) {
-    void* block = refuseNew ? nullptr : std::malloc(size);
-    if (block == nullptr) throw std::bad_alloc();
-    return block;
-}
-[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept {
-    return refuseNew ? nullptr : std::malloc(size);
-}
-// Not inlined: the compiler would take malloc and free in these places for a mistake.
-[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete(void* block, size_t) noexcept { std::free(block); }
+#include "Tests/Packages/Platform/Calls.h"
+#include "Tests/Support/Linux/Processes.h"
 
 namespace {
 
 constexpr char kName[] = "QuorlinMutexTest";
-
-// A child process that does `work` and then sleeps until it is killed. The constructor waits for the end of `work`.
-class ClChild {
-  public:
-    explicit ClChild(const std::function<void()>& work) {
-        int pipe[2];
-        EXPECT_EQ(::pipe(pipe), 0);
-        m_process = fork();
-        if (m_process == 0) {
-            work();
-            if (write(pipe[1], "", 1) == 1) sleep(60);
-            _exit(0);
-        }
-        close(pipe[1]);
-        char byte;
-        EXPECT_EQ(read(pipe[0], &byte, 1), 1);
-        close(pipe[0]);
-    }
-    ClChild(const ClChild&) = delete;
-    ClChild& operator=(const ClChild&) = delete;
-    ~ClChild() { Kill(); }
-    void Kill() {
-        if (m_process <= 0) return;
-        kill(m_process, SIGKILL);
-        waitpid(m_process, nullptr, 0);
-        m_process = 0;
-    }
-
-  private:
-    pid_t m_process;
-};
 
 DWORD OnAnotherThread(const std::function<DWORD()>& call) {
     DWORD answer = WAIT_FAILED;
@@ -76,8 +31,7 @@ TEST(Mutex, IsRecursiveAndOwnedByTheThread) {
     for (const char* name : {kName, static_cast<const char*>(nullptr)}) {
         HANDLE mutex = CreateMutexA(nullptr, FALSE, name);
         ASSERT_NE(mutex, nullptr);
-        EXPECT_FALSE(ReleaseMutex(mutex));
-        EXPECT_EQ(GetLastError(), ERROR_NOT_OWNER);
+        EXPECT_EQ(ErrorOf(ReleaseMutex(mutex)), ERROR_NOT_OWNER);
         EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
         EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
         EXPECT_TRUE(ReleaseMutex(mutex));
@@ -121,16 +75,15 @@ TEST(Mutex, CreationTellsWhetherTheNameIsInUse) {
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
     EXPECT_TRUE(ReleaseMutex(owned));
     CloseHandle(owned);
-    EXPECT_EQ(CreateMutexA(nullptr, FALSE, std::string(kLongestMutexName + 1, 'n').c_str()), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_FILENAME_EXCED_RANGE);
-    EXPECT_FALSE(ReleaseMutex(nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(ErrorOf(CreateMutexA(nullptr, FALSE, std::string(kLongestMutexName + 1, 'n').c_str())),
+              ERROR_FILENAME_EXCED_RANGE);
+    EXPECT_EQ(ErrorOf(ReleaseMutex(nullptr)), ERROR_INVALID_HANDLE);
 }
 
 TEST(Mutex, AKilledHolderLeavesItToTheNext) {
     HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
     for (int round = 0; round < 3; ++round) {
-        ClChild holder([] {  // its own handle: only the name is shared
+        ClHolder holder([] {  // its own handle: only the name is shared
             HANDLE own = CreateMutexA(nullptr, FALSE, kName);
             WaitForSingleObject(own, INFINITE);
             WaitForSingleObject(own, INFINITE);
@@ -148,78 +101,18 @@ TEST(Mutex, AChildMayUseAnInheritedHandle) {
     HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
     EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
     {
-        ClChild child([&] {
+        ClHolder child([&] {
             if (WaitForSingleObject(mutex, 20) != WAIT_TIMEOUT) _exit(1);
             if (ReleaseMutex(mutex)) _exit(2);
         });
     }
     EXPECT_TRUE(ReleaseMutex(mutex));
-    ClChild child([&] { WaitForSingleObject(mutex, INFINITE); });
+    ClHolder child([&] { WaitForSingleObject(mutex, INFINITE); });
     EXPECT_EQ(WaitForSingleObject(mutex, 20), WAIT_TIMEOUT);
     child.Kill();
     EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_ABANDONED);
     EXPECT_TRUE(ReleaseMutex(mutex));
     CloseHandle(mutex);
-}
-
-ContainerHandle_t NewList(const char* name, ContainerCompare_t compare) {
-    ContainerParams_t params{};
-    std::snprintf(params.ListName, sizeof params.ListName, "%s", name);
-    params.DataType = kOwnData;
-    params.CompareFunction = compare;
-    ContainerHandle_t handle = nullptr;
-    EXPECT_EQ(InitContainer(&params, &handle, 0), kSuccess);
-    return handle;
-}
-
-int tellEntered = -1;
-int32_t StayInside(const void*, const void*) {
-    EXPECT_EQ(write(tellEntered, "", 1), 1);
-    sleep(60);
-    return 0;
-}
-
-// A process stays inside an operation of a container; another one's container of that name waits, until it is killed.
-TEST(Mutex, ContainersOfOneNameExcludeEachOtherBetweenProcesses) {
-    int entered[2];
-    ASSERT_EQ(pipe(entered), 0);
-    const pid_t process = fork();
-    if (process == 0) {
-        tellEntered = entered[1];
-        ContainerHandle_t list = NewList(kName, StayInside);
-        Insert(list, &entered);
-        DeleteByData(list, &entered);
-        _exit(0);
-    }
-    close(entered[1]);
-    char byte;
-    ASSERT_EQ(read(entered[0], &byte, 1), 1);
-    ContainerHandle_t list = NewList(kName, StayInside);
-    std::atomic<status_t> status = 0;
-    std::thread waiting([&] { status = Insert(list, &byte); });
-    usleep(50'000);
-    EXPECT_EQ(status, 0u);
-    kill(process, SIGKILL);
-    waiting.join();
-    EXPECT_EQ(status, kSuccess);
-    waitpid(process, nullptr, 0);
-    void* data = nullptr;
-    EXPECT_EQ(Pop(list, &data), kSuccess);
-    EXPECT_EQ(UnInitContainer(list), kSuccess);
-    close(entered[0]);
-}
-
-TEST(Mutex, NoMemoryForALockMeansNoContainer) {
-    ContainerParams_t params{};
-    ContainerHandle_t handle = nullptr;
-    refuseNew = true;
-    const status_t status = InitContainer(&params, &handle, 0);
-    HANDLE mutex = CreateMutexA(nullptr, FALSE, kName);
-    refuseNew = false;
-    EXPECT_EQ(status, kFailure);
-    EXPECT_EQ(handle, nullptr);
-    EXPECT_EQ(mutex, nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
 }
 
 class MutexTable : public testing::Test {
@@ -231,10 +124,6 @@ class MutexTable : public testing::Test {
     ~MutexTable() override {
         close(m_folder);
         std::filesystem::remove_all(m_path);
-    }
-    std::string File() const {
-        for (const auto& file : std::filesystem::directory_iterator(m_path)) return file.path();
-        return "";
     }
     const std::string m_path;
     int m_folder;
@@ -270,7 +159,7 @@ TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
 
 TEST_F(MutexTable, RefusesAFileThatIsNotItsOwn) {
     ASSERT_NE(ClMutexTable::Map(m_folder), nullptr);
-    const std::string file = File();
+    const std::string file = std::filesystem::directory_iterator(m_path)->path();
     chmod(file.c_str(), 0666);
     EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "anyone may write it";
     std::filesystem::rename(file, m_path + "/elsewhere");

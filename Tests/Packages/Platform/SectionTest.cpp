@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "Tests/Support/Linux/Processes.h"
+#include <cstring>
+
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Packages/Platform/Calls.h"
+#include "Tests/Support/Linux/Processes.h"
 
 static const char kName[] = "Global\\QuorlinTestSection";
 
@@ -43,8 +46,7 @@ TEST(Section, IsOneForAllProcessesAndGoesWithTheLast) {
     EXPECT_TRUE(IsLeft()) << "a view holds it";
     EXPECT_TRUE(UnmapViewOfFile(view));
     EXPECT_FALSE(IsLeft());
-    EXPECT_FALSE(UnmapViewOfFile(view));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_ADDRESS);
+    EXPECT_EQ(ErrorOf(UnmapViewOfFile(view)), ERROR_INVALID_ADDRESS);
 }
 
 TEST(Section, AKilledHolderLeavesTheValueOnlyWhileAnotherHolds) {
@@ -78,6 +80,8 @@ TEST(Section, WhatCannotBeIsRefused) {
         const char* name;
         DWORD error;
     } kCases[] = {
+        {"of a file",      GetCurrentThread(),   PAGE_READWRITE, 4, kName,         ERROR_NOT_SUPPORTED    },
+        {"to be read",     INVALID_HANDLE_VALUE, PAGE_READONLY,  4, kName,         ERROR_INVALID_PARAMETER},
         {"size 0",         INVALID_HANDLE_VALUE, PAGE_READWRITE, 0, kName,         ERROR_INVALID_PARAMETER},
         {"another place",  INVALID_HANDLE_VALUE, PAGE_READWRITE, 4, "Else\\Name",  ERROR_INVALID_NAME     },
         {"a path",         INVALID_HANDLE_VALUE, PAGE_READWRITE, 4, "Global\\a/b", ERROR_INVALID_NAME     },
@@ -87,16 +91,34 @@ TEST(Section, WhatCannotBeIsRefused) {
         EXPECT_EQ(CreateFileMappingA(c.file, nullptr, c.protection, 0, c.size, c.name), nullptr) << c.what;
         EXPECT_EQ(GetLastError(), c.error) << c.what;
     }
-    HANDLE section = Create();
-    EXPECT_EQ(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 5), nullptr) << "beyond the end";
-    CloseHandle(section);
 }
 
-TEST(Section, ALinkInTheFolderIsNotFollowed) {
-    const int folder = OpenRuntimeFolder();
-    ASSERT_EQ(symlinkat("/etc/hostname", folder, "section.QuorlinTestSection"), 0);
-    EXPECT_EQ(Create(), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-    unlinkat(folder, "section.QuorlinTestSection", 0);
-    close(folder);
+TEST(Section, AViewLiesWithinItsSectionAndOneWithoutANameIsNobodyElses) {
+    const auto create = [] {
+        return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8192, nullptr);
+    };
+    HANDLE section = create(), other = create();
+    const struct {
+        DWORD offset;
+        SIZE_T size;
+        DWORD error;
+    } kCases[] = {
+        {0,    8192, 0                      },
+        {4096, 4096, 0                      },
+        {4096, 0,    0                      }, // to its end
+        {0,    8193, ERROR_ACCESS_DENIED    },
+        {4096, 4097, ERROR_ACCESS_DENIED    },
+        {8192, 0,    ERROR_ACCESS_DENIED    },
+        {1,    1,    ERROR_INVALID_PARAMETER}, // not at a page
+    };
+    for (const auto& c : kCases) {
+        void* view = MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, c.offset, c.size);
+        EXPECT_EQ(ErrorOf(view), c.error) << c.offset << " " << c.size;
+        if (view == nullptr) continue;
+        std::memset(view, 1, 4096);
+        EXPECT_TRUE(UnmapViewOfFile(view));
+    }
+    uint32_t* view = Map(other);
+    EXPECT_EQ(*view, 0u);
+    EXPECT_TRUE(UnmapViewOfFile(view) && CloseHandle(section) && CloseHandle(other));
 }

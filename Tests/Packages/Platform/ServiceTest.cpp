@@ -1,8 +1,14 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Packages/Platform/Calls.h"
 #include "Tests/Support/Linux/Processes.h"
 
 class Service : public testing::Test {
@@ -11,8 +17,7 @@ class Service : public testing::Test {
     void TearDown() override { CloseServiceHandle(m_manager); }
 
     SC_HANDLE Create(DWORD startType = SERVICE_DEMAND_START, const char* path = "/dev/null") const {
-        return CreateServiceA(m_manager, kName, kName, SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER, startType,
-                              SERVICE_ERROR_NORMAL, path, "Extended Base", nullptr, nullptr, nullptr, nullptr);
+        return CreateDriver(m_manager, kName, path, startType, "Extended Base");
     }
     SC_HANDLE Open(DWORD access = SERVICE_ALL_ACCESS) const { return OpenServiceA(m_manager, kName, access); }
     static DWORD State(SC_HANDLE service) {
@@ -28,8 +33,6 @@ class Service : public testing::Test {
         if (state != nullptr) *state = status.dwCurrentState;
         return done;
     }
-    // 0, or the error of a call that gave FALSE.
-    static DWORD ErrorOf(BOOL done) { return done ? 0 : GetLastError(); }
 
     static constexpr char kName[] = "QuorlinTestService";
     SC_HANDLE m_manager = nullptr;
@@ -37,13 +40,11 @@ class Service : public testing::Test {
 
 TEST_F(Service, LivesFromCreationToDeletionAsOnWindows) {
     ASSERT_NE(m_manager, nullptr) << GetLastError();
-    EXPECT_EQ(Open(), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_SERVICE_DOES_NOT_EXIST);
+    EXPECT_EQ(ErrorOf(Open()), ERROR_SERVICE_DOES_NOT_EXIST);
     SC_HANDLE service = Create();
     ASSERT_NE(service, nullptr) << GetLastError();
     EXPECT_EQ(State(service), SERVICE_STOPPED);
-    EXPECT_EQ(Create(), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_SERVICE_EXISTS);
+    EXPECT_EQ(ErrorOf(Create()), ERROR_SERVICE_EXISTS);
     EXPECT_EQ(ErrorOf(Stop(service)), ERROR_SERVICE_NOT_ACTIVE);
     EXPECT_EQ(ErrorOf(StartServiceA(service, 0, nullptr)), 0u);
     EXPECT_EQ(State(service), SERVICE_RUNNING);
@@ -58,18 +59,15 @@ TEST_F(Service, LivesFromCreationToDeletionAsOnWindows) {
     EXPECT_EQ(ErrorOf(DeleteService(second)), ERROR_SERVICE_MARKED_FOR_DELETE);
     EXPECT_EQ(ErrorOf(StartServiceA(second, 0, nullptr)), ERROR_SERVICE_MARKED_FOR_DELETE);
     CloseServiceHandle(service);
-    EXPECT_EQ(Create(), nullptr) << "a handle is open";
-    EXPECT_EQ(GetLastError(), ERROR_SERVICE_MARKED_FOR_DELETE);
+    EXPECT_EQ(ErrorOf(Create()), ERROR_SERVICE_MARKED_FOR_DELETE) << "a handle is open";
     CloseServiceHandle(second);
-    EXPECT_EQ(Open(), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_SERVICE_DOES_NOT_EXIST);
+    EXPECT_EQ(ErrorOf(Open()), ERROR_SERVICE_DOES_NOT_EXIST);
 }
 
 TEST_F(Service, DeletedWhileRunningGoesWhenItHasStopped) {
     SC_HANDLE service = Create();
     StartServiceA(service, 0, nullptr);
-    DeleteService(service);
-    CloseServiceHandle(service);
+    RemoveDriver(service);
     service = Open();
     ASSERT_NE(service, nullptr) << GetLastError();
     EXPECT_EQ(ErrorOf(Stop(service)), 0u);
@@ -85,15 +83,12 @@ TEST_F(Service, OutlivesTheProcessThatStartedIt) {
     EXPECT_EQ(State(service), SERVICE_RUNNING);
     Stop(service);
     ClHolder holder([this] { Open(); });
-    DeleteService(service);
-    CloseServiceHandle(service);
-    EXPECT_EQ(Create(), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_SERVICE_MARKED_FOR_DELETE);
+    RemoveDriver(service);
+    EXPECT_EQ(ErrorOf(Create()), ERROR_SERVICE_MARKED_FOR_DELETE);
     holder.Kill();  // the last handle goes with it
     service = Create();
     ASSERT_NE(service, nullptr) << GetLastError();
-    DeleteService(service);
-    CloseServiceHandle(service);
+    RemoveDriver(service);
 }
 
 TEST_F(Service, DoesNotStartWithoutItsFileOrWhenDisabled) {
@@ -109,8 +104,7 @@ TEST_F(Service, DoesNotStartWithoutItsFileOrWhenDisabled) {
     for (const auto& c : kCases) {
         SC_HANDLE service = Create(c.startType, c.path);
         EXPECT_EQ(ErrorOf(StartServiceA(service, 0, nullptr)), c.error) << c.path;
-        DeleteService(service);
-        CloseServiceHandle(service);
+        RemoveDriver(service);
     }
 }
 
@@ -130,8 +124,7 @@ TEST_F(Service, ConfigurationComesBackWholeOrTellsItsSize) {
     EXPECT_EQ(ErrorOf(QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, small, sizeof small, &needed)),
               ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(needed, 36u);
-    DeleteService(service);
-    CloseServiceHandle(service);
+    RemoveDriver(service);
 }
 
 TEST_F(Service, AHandleGivesWhatItWasOpenedForAndNoMore) {
@@ -141,7 +134,61 @@ TEST_F(Service, AHandleGivesWhatItWasOpenedForAndNoMore) {
     EXPECT_EQ(ErrorOf(DeleteService(reader)), ERROR_ACCESS_DENIED);
     EXPECT_EQ(ErrorOf(CloseServiceHandle(nullptr)), ERROR_INVALID_HANDLE);
     EXPECT_EQ(ErrorOf(DeleteService(m_manager)), ERROR_INVALID_HANDLE);
-    DeleteService(service);
-    CloseServiceHandle(service);
+    RemoveDriver(service);
     CloseServiceHandle(reader);
+}
+
+TEST_F(Service, WhatCannotBeIsRefused) {
+    const std::string longest(191, 'n'), longer(192, 'n'), longPath = "/" + std::string(511, 'p'), longGroup(64, 'g');
+    const auto create = [this](const char* name, const char* path, const char* group, DWORD startType) -> DWORD {
+        SC_HANDLE service = CreateDriver(m_manager, name, path, startType, group);
+        if (service == nullptr) return GetLastError();
+        RemoveDriver(service);
+        return 0;
+    };
+    const struct {
+        const char *what, *name, *path, *group;
+        DWORD startType, error;
+    } kCases[] = {
+        {"the longest name",   longest.c_str(), "/dev/null",          nullptr,           3, 0                      },
+        {"a longer name",      longer.c_str(),  "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"no name",            nullptr,         "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"an empty name",      "",              "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"a path for a name",  "../n",          "/dev/null",          nullptr,           3, ERROR_INVALID_NAME     },
+        {"the longest path",   kName,           longPath.c_str() + 1, nullptr,           3, 0                      },
+        {"a longer path",      kName,           longPath.c_str(),     nullptr,           3, ERROR_INVALID_PARAMETER},
+        {"an empty path",      kName,           "",                   nullptr,           3, ERROR_INVALID_PARAMETER},
+        {"a long group",       kName,           "/dev/null",          longGroup.c_str(), 3, ERROR_INVALID_PARAMETER},
+        {"no such start type", kName,           "/dev/null",          nullptr,           5, ERROR_INVALID_PARAMETER},
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(create(c.name, c.path, c.group, c.startType), c.error) << c.what;
+        if (c.error != ERROR_INVALID_NAME) continue;
+        EXPECT_EQ(OpenServiceA(m_manager, c.name, DELETE), nullptr) << c.what;
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_NAME) << c.what;
+    }
+    EXPECT_EQ(ErrorOf(OpenSCManagerA("another machine", nullptr, 0)), ERROR_NOT_SUPPORTED);
+    SC_HANDLE visitor = OpenSCManagerA("", nullptr, 0);
+    std::swap(visitor, m_manager);
+    EXPECT_EQ(create(kName, "/dev/null", nullptr, 3), ERROR_ACCESS_DENIED) << "the manager wasn't opened for that";
+    std::swap(visitor, m_manager);
+    CloseServiceHandle(visitor);
+
+    SC_HANDLE service = Create();
+    SERVICE_STATUS status;
+    EXPECT_EQ(ErrorOf(ControlService(service, 77, &status)), ERROR_INVALID_SERVICE_CONTROL);
+    EXPECT_EQ(ErrorOf(ControlService(service, SERVICE_CONTROL_STOP, nullptr)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, nullptr, 0, nullptr)),
+              ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(QueryServiceConfigA(service, nullptr, 0, nullptr)), ERROR_INVALID_PARAMETER);
+    RemoveDriver(service);
+}
+
+TEST_F(Service, ARecordCutShortIsNone) {
+    const int folder = OpenRuntimeFolder();
+    close(openat(folder, "service.quorlintestservice", O_CREAT | O_WRONLY, 0600));
+    close(folder);
+    SC_HANDLE service = Create();
+    EXPECT_NE(service, nullptr) << GetLastError();
+    RemoveDriver(service);
 }

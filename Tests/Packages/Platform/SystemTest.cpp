@@ -2,28 +2,45 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
-#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <set>
 #include <string>
+#include <vector>
 
-#include "Tests/Support/Linux/Processes.h"
 #include "Packages/Platform/Platform.h"
+#include "Tests/Packages/Platform/Calls.h"
+#include "Tests/Support/Linux/Processes.h"
+
+namespace fs = std::filesystem;
 
 static const char kDriverKey[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";
 
 // 0 and the text, or the error.
 static LSTATUS Query(const char* path, const char* name, std::string* text) {
     HKEY key = nullptr;
-    char buffer[512];
-    DWORD size = sizeof buffer;
-    const LSTATUS opened = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key);
-    if (opened != 0) return opened;
-    const LSTATUS result = RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<LPBYTE>(buffer), &size);
-    if (result == 0) text->assign(buffer, size - 1);
-    RegCloseKey(key);
+    DWORD size = 0, type = 0;
+    LSTATUS result = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_ALL_ACCESS, &key);
+    if (result != 0) return result;
+    result = RegQueryValueExA(key, name, nullptr, &type, nullptr, &size);
+    if (result == 0) {
+        std::vector<BYTE> buffer(size, 0xA5);
+        DWORD room = size - 1;
+        EXPECT_EQ(RegQueryValueExA(key, name, nullptr, nullptr, buffer.data(), &room),
+                  static_cast<LSTATUS>(ERROR_MORE_DATA));
+        EXPECT_EQ(buffer, std::vector<BYTE>(size, 0xA5)) << "a buffer too small stays as it is";
+        EXPECT_EQ(room, size);
+        EXPECT_EQ(type, REG_SZ);
+        result = RegQueryValueExA(key, name, nullptr, nullptr, buffer.data(), &size);
+        text->assign(buffer.begin(), buffer.end() - 1);
+    }
+    EXPECT_EQ(RegCloseKey(key), 0);
     return result;
 }
 
@@ -41,64 +58,160 @@ TEST(Registry, AnswersWithoutAnySetUp) {
     EXPECT_EQ(Query("SOFTWARE\\Else", "Else", &text), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
 }
 
-TEST(Registry, ASmallBufferTellsTheSize) {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, kDriverKey, 0, KEY_ALL_ACCESS, &key), 0);
-    BYTE buffer[64] = {0xA5};
-    DWORD size = 9, type = 0;  // "/dev/null" has 9 letters and a NUL
-    EXPECT_EQ(RegQueryValueExA(key, "FERROXDrvPath", nullptr, &type, buffer, &size),
-              static_cast<LSTATUS>(ERROR_MORE_DATA));
-    EXPECT_EQ(buffer[0], 0xA5);
-    EXPECT_EQ(size, 10u);
-    EXPECT_EQ(RegQueryValueExA(key, "FERROXDrvPath", nullptr, &type, buffer, &size), 0);
-    EXPECT_EQ(type, REG_SZ);
-    EXPECT_EQ(RegCloseKey(key), 0);
-}
-
-// In a child that has an /etc of its own.
 TEST(Registry, ObeysItsFileOnlyWhereRootAloneCanWriteIt) {
-    const int result = InChild([] {
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("none", "/etc", "tmpfs", 0, "mode=755") != 0)
-            return 99;
-        mkdir("/etc/quorlin", 0755);
-        const int file = open("/etc/quorlin/registry", O_CREAT | O_WRONLY, 0644);
-        const char kText[] =
-            "[SOFTWARE\\Else]\nFERROXDrvPath=/wrong\n[SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink]\r\nFERROXDrvPath=/"
-            "right\r\n";
-        if (write(file, kText, sizeof kText - 1) < 0) return 1;
+    if (!ClFolderOver::IsPossible()) GTEST_SKIP() << "only root can have an /etc of its own";
+    const ClFolderOver etc("/etc");
+    static constexpr char kFolder[] = "/etc/quorlin", kFile[] = "/etc/quorlin/registry";
+    static const auto is = [](bool done) { EXPECT_TRUE(done); };
+    const struct {
+        const char* what;
+        void (*change)();
+        DWORD error;
+        const char* text;
+    } kCases[] = {
+        {"as it should be",      [] {},                                                                0,                   "/right"   },
+        {"no file",              [] { is(unlink(kFile) == 0); },                                       0,                   "/dev/null"},
+        {"of another user",      [] { is(chown(kFile, 1, 0) == 0); },                                  ERROR_ACCESS_DENIED, ""         },
+        {"a group may write",    [] { is(chmod(kFile, 0620) == 0); },                                  ERROR_ACCESS_DENIED, ""         },
+        {"all may write",        [] { is(chmod(kFile, 0602) == 0); },                                  ERROR_ACCESS_DENIED, ""         },
+        {"another's folder",     [] { is(chown(kFolder, 1, 0) == 0); },                                ERROR_ACCESS_DENIED, ""         },
+        {"all write into it",    [] { is(chmod(kFolder, 0777) == 0); },                                ERROR_ACCESS_DENIED, ""         },
+        {"a link",               [] { is(unlink(kFile) == 0 && symlink("x", kFile) == 0); },           ERROR_ACCESS_DENIED, ""         },
+        {"a folder",             [] { is(unlink(kFile) == 0 && mkdir(kFile, 0755) == 0); },            ERROR_ACCESS_DENIED, ""         },
+        {"no folder but a file", [] { is(fs::remove_all(kFolder) > 0 && creat(kFolder, 0600) >= 0); },
+         ERROR_PATH_NOT_FOUND,                                                                                              ""         },
+    };
+    for (const auto& c : kCases) {
+        fs::remove_all(kFolder);
+        etc.Write("quorlin/registry",
+                  "FERROXDrvPath=/wrong\n[SOFTWARE\\Else]\nFERROXDrvPath=/wrong\nno value\n"
+                  "[software\\wow6432node\\lumetra\\RAVELINK] \r\nno value\r\nFerroxDrvPath=/right\r\n");
+        c.change();
         std::string text;
-        if (Query(kDriverKey, "FERROXDrvPath", &text) != 0 || text != "/right") return 2;
-        fchmod(file, 0646);
-        if (Query(kDriverKey, "FERROXDrvPath", &text) != static_cast<LSTATUS>(ERROR_ACCESS_DENIED)) return 3;
-        fchmod(file, 0644);
-        chmod("/etc/quorlin", 0777);
-        if (Query(kDriverKey, "FERROXDrvPath", &text) != static_cast<LSTATUS>(ERROR_ACCESS_DENIED)) return 4;
-        return 0;
-    });
-    if (result == 99) GTEST_SKIP() << "this user can't have an /etc of its own";
-    EXPECT_EQ(result, 0);
+        EXPECT_EQ(Query(kDriverKey, "FERROXDrvPath", &text), static_cast<LSTATUS>(c.error)) << c.what;
+        EXPECT_EQ(text, c.text) << c.what;
+    }
+    fs::remove_all(kFolder);
+    etc.Write("quorlin/registry", "[Own\\Key]\nText=a=b\n");
+    std::string text;
+    EXPECT_EQ(Query("own\\key", "TEXT", &text), 0);
+    EXPECT_EQ(text, "a=b");
+    EXPECT_EQ(Query("Own\\Key", "Else", &text), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(Query("Own", "Text", &text), static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND));
 }
 
-TEST(File, ALockedOneCannotBeOpenedForWriting) {
-    char path[] = "/tmp/quorlin-lock-XXXXXX";
-    close(mkstemp(path));
-    const auto openFor = [&](DWORD access, DWORD share) {
-        return CreateFileA(path, access, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+// A folder of this test's own, with a file and a search in it for each case.
+class File : public testing::Test {
+  protected:
+    File() {
+        fs::remove_all(m_folder);
+        fs::create_directory(m_folder);
+    }
+    ~File() override { fs::remove_all(m_folder); }
+
+    // 0, or the error of opening it.
+    DWORD Open(const std::string& path, DWORD access, DWORD share, DWORD disposition) {
+        HANDLE file = CreateFileA(path.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+        m_open.push_back(file);
+        return ErrorOf(file);
+    }
+    void CloseAll() {
+        for (HANDLE file : m_open) CloseHandle(file);
+        m_open.clear();
+    }
+
+    const std::string m_folder = testing::TempDir() + "quorlin-file", m_path = m_folder + "/file";
+    std::vector<HANDLE> m_open;
+};
+
+TEST_F(File, ALockedOneCannotBeOpenedForWriting) {
+    fclose(fopen(m_path.c_str(), "w"));
+    EXPECT_EQ(Open(m_path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING), 0u);
+    EXPECT_EQ(Open(m_path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING), 0u);
+    EXPECT_EQ(Open(m_path, GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING), ERROR_SHARING_VIOLATION);
+    CloseAll();
+    EXPECT_EQ(Open(m_path, GENERIC_WRITE, 0, OPEN_EXISTING), 0u);
+    CloseAll();
+}
+
+TEST_F(File, IsMadeEmptiedOrRefusedAsItsDispositionSays) {
+    const std::string none = m_folder + "/none", loop = m_folder + "/loop";
+    fs::create_symlink("loop", loop);
+    const struct {
+        const char* what;
+        std::string path;
+        DWORD access, disposition, error;
+        int size;  // of the file afterwards, -1 for none
+    } kCases[] = {
+        {"new, there",          m_path,            GENERIC_WRITE,                CREATE_NEW,        ERROR_FILE_EXISTS,       3 },
+        {"new",                 none,              GENERIC_WRITE,                CREATE_NEW,        0,                       0 },
+        {"always, there",       m_path,            GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS,     0,                       0 },
+        {"open always, there",  m_path,            GENERIC_READ,                 OPEN_ALWAYS,       0,                       3 },
+        {"open always",         none,              GENERIC_READ,                 OPEN_ALWAYS,       0,                       0 },
+        {"emptied",             m_path,            GENERIC_WRITE,                TRUNCATE_EXISTING, 0,                       0 },
+        {"emptied, none",       none,              GENERIC_WRITE,                TRUNCATE_EXISTING, ERROR_FILE_NOT_FOUND,    -1},
+        {"existing, none",      none,              GENERIC_READ,                 OPEN_EXISTING,     ERROR_FILE_NOT_FOUND,    -1},
+        {"no disposition",      m_path,            GENERIC_READ,                 0,                 ERROR_INVALID_PARAMETER, 3 },
+        {"a folder",            m_folder,          GENERIC_READ,                 OPEN_EXISTING,     ERROR_ACCESS_DENIED,     -1},
+        {"below a file",        m_path + "/x",     GENERIC_READ,                 OPEN_EXISTING,     ERROR_PATH_NOT_FOUND,    -1},
+        {"a loop of links",     loop,              GENERIC_READ,                 OPEN_EXISTING,     ERROR_GEN_FAILURE,       -1},
+        {"the device, not run", "\\\\.\\ravelink", GENERIC_READ,                 OPEN_EXISTING,     ERROR_FILE_NOT_FOUND,    -1},
     };
-    HANDLE lock = openFor(GENERIC_READ, FILE_SHARE_READ), second = openFor(GENERIC_READ, FILE_SHARE_READ);
-    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
-    EXPECT_NE(second, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(openFor(GENERIC_WRITE, FILE_SHARE_READ), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-    CloseHandle(second);
-    CloseHandle(lock);
-    HANDLE writer = openFor(GENERIC_WRITE, 0);
-    EXPECT_NE(writer, INVALID_HANDLE_VALUE);
-    CloseHandle(writer);
-    unlink(path);
-    EXPECT_EQ(openFor(GENERIC_READ, FILE_SHARE_READ), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    for (const auto& c : kCases) {
+        fs::remove(none);
+        std::ofstream(m_path) << "old";
+        EXPECT_EQ(Open(c.path, c.access, 0, c.disposition), c.error) << c.what;
+        CloseAll();
+        std::error_code ignored;
+        EXPECT_EQ(static_cast<int>(fs::file_size(c.path, ignored)), c.size) << c.what;
+    }
+    rlimit limit;
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none_more = {3, limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none_more);
+    EXPECT_EQ(Open(m_path, GENERIC_READ, 0, OPEN_EXISTING), ERROR_TOO_MANY_OPEN_FILES);
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+TEST_F(File, ASearchFindsWhatFitsItsPattern) {
+    for (const char* name : {"Ab.txt", "abc.bin", "b", ".hidden"}) std::ofstream(m_folder + "/" + name) << "x";
+    fs::resize_file(m_folder + "/b", 5ull << 30);
+    const struct {
+        const char *pattern, *names;
+        DWORD error;
+    } kCases[] = {
+        {"/*.*",    ". .. .hidden Ab.txt abc.bin b", 0                   },
+        {"\\AB?.*", "abc.bin",                       0                   },
+        {"/?",      ". b",                           0                   },
+        {"/a*b*",   "Ab.txt abc.bin",                0                   },
+        {"/b*c",    "",                              ERROR_FILE_NOT_FOUND},
+        {"/none/*", "",                              ERROR_PATH_NOT_FOUND},
+        {"/b/*",    "",                              ERROR_PATH_NOT_FOUND},
+    };
+    for (const auto& c : kCases) {
+        std::set<std::string> found;
+        std::string names;
+        WIN32_FIND_DATAA data;
+        HANDLE search = FindFirstFileA((m_folder + c.pattern).c_str(), &data);
+        EXPECT_EQ(ErrorOf(search), c.error) << c.pattern;
+        for (BOOL isFound = search != INVALID_HANDLE_VALUE; isFound; isFound = FindNextFileA(search, &data)) {
+            found.insert(data.cFileName);
+            const bool isFolder = data.cFileName == std::string(".") || data.cFileName == std::string("..");
+            EXPECT_EQ(data.dwFileAttributes, isFolder ? FILE_ATTRIBUTE_DIRECTORY
+                                             : data.cFileName == std::string(".hidden")
+                                                 ? FILE_ATTRIBUTE_NORMAL | FILE_ATTRIBUTE_HIDDEN
+                                                 : FILE_ATTRIBUTE_NORMAL);
+            if (data.cFileName != std::string("b")) continue;
+            EXPECT_EQ(data.nFileSizeHigh, 1u);
+            EXPECT_EQ(data.nFileSizeLow, 1u << 30);
+        }
+        if (search != INVALID_HANDLE_VALUE) {
+            EXPECT_EQ(GetLastError(), ERROR_NO_MORE_FILES);
+            EXPECT_TRUE(FindClose(search));
+        }
+        for (const std::string& name : found) names += (names.empty() ? "" : " ") + name;
+        EXPECT_EQ(names, c.names) << c.pattern;
+    }
 }
 
 TEST(Process, TheCommandLineIsSplitAsOnWindows) {
@@ -106,14 +219,18 @@ TEST(Process, TheCommandLineIsSplitAsOnWindows) {
         const char *what, *application, *line;
         DWORD exitCode;
     } kCases[] = {
-        {"exit code",           "/bin/sh", "sh -c \"exit 7\"",                                            7},
-        {"a blank before all",  "/bin/sh", "     -c     \"exit 8\"",                                      8},
-        {"a quoted blank",      "/bin/sh", "sh -c \"test $# = 1 || exit 1\" 0 \"a b\"",                   0},
-        {"a quote in a word",   "/bin/sh", "sh -c \"test \\\"$1\\\" = 'a b' || exit 1\" 0 \"a b\"",       0},
-        {"backslashes stay",    "/bin/sh", "sh -c \"test \\\"$1\\\" = 'a\\b\\\\' || exit 1\" 0 a\\b\\\\", 0},
-        {"halved at a quote",   "/bin/sh", "sh -c \"test \\\"$1\\\" = 'a\\' || exit 1\" 0 \"a\\\\\"",     0},
-        {"an empty argument",   "/bin/sh", "sh -c \"test $# = 2 || exit 1\" 0 \"\" b",                    0},
-        {"the program by PATH", nullptr,   "sh -c \"exit 9\"",                                            9},
+        {"exit code",               "/bin/sh", "sh -c \"exit 7\"",                                            7       },
+        {"a blank before all",      "/bin/sh", "     -c     \"exit 8\"",                                      8       },
+        {"a quoted blank",          "/bin/sh", "sh -c \"test $# = 1 || exit 1\" 0 \"a b\"",                   0       },
+        {"a quote in a word",       "/bin/sh", "sh -c \"test \\\"$1\\\" = 'a b' || exit 1\" 0 \"a b\"",       0       },
+        {"backslashes stay",        "/bin/sh", "sh -c \"test \\\"$1\\\" = 'a\\b\\\\' || exit 1\" 0 a\\b\\\\", 0       },
+        {"halved at a quote",       "/bin/sh", "sh -c \"test \\\"$1\\\" = 'a\\' || exit 1\" 0 \"a\\\\\"",     0       },
+        {"an empty argument",       "/bin/sh", "sh -c \"test $# = 2 || exit 1\" 0 \"\" b",                    0       },
+        {"tabs, none at the end",   "/bin/sh", "sh\t-c\t\"exit 6\" \t",                                       6       },
+        {"a quote that stays open", "/bin/sh", "sh -c \"exit 5",                                              5       },
+        {"a quoted program",        nullptr,   "\"/bin/sh\" -c \"exit 4\"",                                   4       },
+        {"the program by PATH",     nullptr,   "sh -c \"exit 9\"",                                            9       },
+        {"ended by a signal",       nullptr,   "sh -c \"kill -TERM $$\"",                                     128 + 15},
     };
     for (const auto& c : kCases) {
         PROCESS_INFORMATION process = {};
@@ -138,15 +255,30 @@ TEST(Process, RunsWaitsAndIsTerminated) {
     EXPECT_EQ(WaitForSingleObject(process.hProcess, 20), WAIT_TIMEOUT);
     EXPECT_TRUE(GetExitCodeProcess(process.hProcess, &exitCode));
     EXPECT_EQ(exitCode, STILL_ACTIVE);
-    EXPECT_TRUE(TerminateProcess(process.hProcess, 5));
+    EXPECT_TRUE(TerminateProcess(process.hThread, 5));
     EXPECT_EQ(WaitForSingleObject(process.hProcess, INFINITE), WAIT_OBJECT_0);
     EXPECT_TRUE(GetExitCodeProcess(process.hProcess, &exitCode));
     EXPECT_EQ(exitCode, 5u);
+    EXPECT_EQ(ErrorOf(TerminateProcess(process.hProcess, 6)), ERROR_ACCESS_DENIED) << "it has ended";
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
-    char missing[] = "/no/such/program";
-    EXPECT_FALSE(CreateProcessA(missing, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr, &process));
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    const struct {
+        const char *program, *line;
+        DWORD error;
+    } kRefused[] = {
+        {"/no/such/program", nullptr, ERROR_FILE_NOT_FOUND   },
+        {"sh",               nullptr, ERROR_FILE_NOT_FOUND   }, // a path, not looked for
+        {"/etc",             nullptr, ERROR_ACCESS_DENIED    },
+        {nullptr,            " sh",   ERROR_FILE_NOT_FOUND   }, // an empty first word
+        {nullptr,            nullptr, ERROR_INVALID_PARAMETER},
+    };
+    for (const auto& c : kRefused) {
+        std::string text = c.line == nullptr ? "" : c.line;
+        EXPECT_EQ(ErrorOf(CreateProcessA(c.program, c.line == nullptr ? nullptr : text.data(), nullptr, nullptr, FALSE,
+                                         0, nullptr, nullptr, nullptr, &process)),
+                  c.error)
+            << (c.program == nullptr ? text : c.program);
+    }
 }
 
 TEST(Processors, AThreadMovesToTheProcessorOfItsMask) {
@@ -162,8 +294,7 @@ TEST(Processors, AThreadMovesToTheProcessorOfItsMask) {
     }
     EXPECT_TRUE(SetThreadGroupAffinity(GetCurrentThread(), &before, nullptr));
     const GROUP_AFFINITY none = {1, 200, {}};
-    EXPECT_FALSE(SetThreadGroupAffinity(GetCurrentThread(), &none, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(SetThreadGroupAffinity(GetCurrentThread(), &none, nullptr)), ERROR_INVALID_PARAMETER);
     EXPECT_TRUE(CloseHandle(GetCurrentThread()));
 }
 

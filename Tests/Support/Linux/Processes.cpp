@@ -9,9 +9,23 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <fstream>
+
+// The compiler's own, in a build that counts.
+extern "C" [[gnu::weak]] void __gcov_dump();
+void SaveCoverage() {
+    if (__gcov_dump != nullptr) __gcov_dump();
+}
+
 int InChild(const std::function<int()>& body) {
+    const uid_t user = geteuid();
     const pid_t process = fork();
-    if (process == 0) _exit(body());
+    if (process == 0) {
+        const int result = body();
+        if (geteuid() == user) SaveCoverage();  // another user can't write the files
+        _exit(result);
+    }
     int status = 0;
     waitpid(process, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -47,13 +61,31 @@ bool BecomeNobody() {
 
 // As root the tests run with a /run of their own, so that they neither see nor disturb the system's services and
 // sections. Where that can't be had they use the user's own, under names that nobody else uses.
+static bool hasOwnMounts = false;
 class ClOwnRun : public testing::Environment {
   public:
     void SetUp() override {
-        if (unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-            mount("none", "/run", "tmpfs", 0, "mode=755") == 0)
-            return;
-        std::printf("The tests share the system's /run.\n");
+        hasOwnMounts = unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                       mount("none", "/run", "tmpfs", 0, "mode=755") == 0;
+        if (!hasOwnMounts) std::printf("The tests share the system's /run.\n");
     }
 };
 static testing::Environment* const ownRun = testing::AddGlobalTestEnvironment(new ClOwnRun);
+
+ClFolderOver::ClFolderOver(const char* path) : m_path(path) {
+    EXPECT_TRUE(hasOwnMounts && mount("none", path, "tmpfs", 0, "mode=755") == 0) << path;
+}
+
+ClFolderOver::~ClFolderOver() {
+    if (hasOwnMounts) umount2(m_path.c_str(), MNT_DETACH);
+}
+
+bool ClFolderOver::IsPossible() { return hasOwnMounts; }
+
+void ClFolderOver::Write(const std::string& name, const std::string& bytes) const {
+    namespace fs = std::filesystem;
+    const fs::path path = m_path + "/" + name;
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+}
