@@ -34,7 +34,7 @@ constexpr TypeRange_t kSweptTypes[] = {
 
 }  // namespace
 
-Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType), m_pool(std::make_unique<ClItemPool>()) {}
+Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType), m_items(std::make_unique<ClItemList>()) {}
 
 Quorlin::~Quorlin() = default;
 
@@ -45,8 +45,7 @@ status_t Quorlin::Initialize() {
     m_cursor = 0;
     m_smbiosMajor = 0;
     m_smbiosMinor = 0;
-    m_items.clear();
-    m_pool->Clear();
+    m_items->Clear();
     CPUIDRecord_t cpuid = {};
     cpuid.Eax = 1;
     uint8_t entry[kEntryBufferSize] = {};
@@ -67,8 +66,7 @@ status_t Quorlin::Initialize() {
 }
 
 status_t Quorlin::UnInitialize() {
-    m_items.clear();
-    m_pool->Clear();
+    m_items->Clear();
     const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
     const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
     // With the last reference the handle is gone, and nobody may trace on it any more.
@@ -106,13 +104,13 @@ void Quorlin::AppendLine(const ItemPair& item, std::string& text) {
 }
 
 status_t Quorlin::GetNextItem(std::string& text) {
-    if (m_cursor >= m_items.size()) {
+    if (m_cursor >= m_items->Size()) {
         TRACE("GetNextItem", kInfo, "\nNo more items");
         return kFailure;
     }
     text.clear();
     try {
-        AppendLine(*m_items[m_cursor], text);
+        AppendLine(Item(m_cursor), text);
     } catch (const std::bad_alloc&) {
         TRACE("GetNextItem", kError, "\nNULL Pointer:");
         return kNoMemory;
@@ -134,10 +132,12 @@ bool Quorlin::IsSwept(uint8_t type) {
                                [type](const TypeRange_t& range) { return type >= range.first && type <= range.last; });
 }
 
-uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items.size()); }
+const ItemPair& Quorlin::Item(uint32_t index) const { return (*m_items)[index]; }
+
+uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items->Size()); }
 
 std::string Quorlin::GetItemValue(uint32_t index) try {
-    return index < m_items.size() ? m_items[index]->value.String() : std::string();
+    return index < m_items->Size() ? Item(index).value.String() : std::string();
 } catch (const std::bad_alloc&) {
     return {};
 }
@@ -152,7 +152,7 @@ status_t Quorlin::DecodeType(uint8_t type) {
     if (decoder == nullptr)
         TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
     else
-        decoder->UsePool(m_pool.get());
+        decoder->UseList(m_items.get());
     PrintStructure(decoder.get(), count, records, type);
     os_free(records);
     if (count < kBatch || decoder == nullptr) return status;
@@ -172,13 +172,7 @@ status_t Quorlin::PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint
     }
     for (uint8_t place = 0; place < NumOfStructs; place++) {
         pType->PrintStructure(pData[place] + kRecordHead);
-        while (const ItemPair* item = pType->TakeNextItem()) {
-            try {
-                m_items.push_back(item);
-            } catch (const std::bad_alloc&) {
-                TRACE("PrintStructure", kError, "\nNULL Pointer:");
-            }
-        }
+        pType->PassItems();  // they are in the package's list
     }
     return kSuccess;
 }

@@ -20,7 +20,7 @@
 #include "Packages/Platform/Export.h"
 
 struct ItemPair;
-class ClItemPool;
+class ClItemList;
 class ClSMBIOSType;
 
 class BaseAbstraction {
@@ -71,7 +71,7 @@ class Quorlin : public BaseAbstraction {
     static void AppendLine(const ItemPair& item, std::string& text);
     // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
     // GetItemCount.
-    const ItemPair& Item(uint32_t index) const { return *m_items[index]; }
+    const ItemPair& Item(uint32_t index) const;
 
   private:
     status_t DecodeType(uint8_t type);
@@ -82,9 +82,8 @@ class Quorlin : public BaseAbstraction {
     uint32_t m_processorSignature = 0;
     uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package holds a reference on the store
     uint8_t m_smbiosMinor = 0;
-    std::vector<const ItemPair*> m_items;
     uint8_t m_presetType;
-    std::unique_ptr<ClItemPool> m_pool;  // where the items live
+    std::unique_ptr<ClItemList> m_items;
 };
 
 extern "C" {

@@ -111,21 +111,17 @@ ClText ClText::Joined(std::initializer_list<std::string_view> pieces) {
     return text;
 }
 
-ItemPair* ClItemPool::New(ClText&& key, ClText&& value) {
-    if (m_used == kBlockItems) {
+void ClItemList::Add(ClText&& key, ClText&& value) {
+    if (m_size % kBlockItems == 0 && m_size / kBlockItems == m_blocks.size())
         m_blocks.push_back(std::unique_ptr<Block_t>(new Block_t));  // its room stays as it is until an item takes it
-        m_used = 0;
-    }
-    return new (&m_blocks.back()->room[m_used++ * sizeof(ItemPair)]) ItemPair{std::move(key), std::move(value)};
+    new (Place(m_size)) ItemPair{std::move(key), std::move(value)};
+    m_size++;
 }
 
-void ClItemPool::Clear() {
-    for (const std::unique_ptr<Block_t>& block : m_blocks) {
-        auto* items = std::launder(reinterpret_cast<ItemPair*>(block->room));
-        std::destroy_n(items, block == m_blocks.back() ? m_used : kBlockItems);
-    }
+void ClItemList::Clear() {
+    for (size_t index = 0; index < m_size; index++) std::destroy_at(Place(index));
     m_blocks.clear();
-    m_used = kBlockItems;
+    m_size = 0;
 }
 
 ClStructure ClStructure::WholeRecord(const uint8_t* pData) {
@@ -220,14 +216,10 @@ ClText ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
 ClText ShowBit16(const Field_t& field) { return BitText(field, field.Word()); }
 ClText ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
 
-void ClSMBIOSType::AddItem(ClText&& key, ClText&& value) {
-    m_items.push_back(m_pool->New(std::move(key), std::move(value)));
-}
-
 void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
     try {
         if (group != 0) key = ClText::Joined({key.View(), kGroupMark});
-        AddItem(std::move(key), std::move(value));
+        m_items->Add(std::move(key), std::move(value));
     } catch (const std::bad_alloc&) {
         TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
     }
@@ -238,21 +230,23 @@ status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
         TRACE("GetNextItem", kError, "\nNULL Pointer: OutputData");
         return kBadValue;
     }
-    if (m_readCursor >= m_items.size()) {
+    if (m_readCursor >= m_items->Size()) {
         TRACE("GetNextItem", kInfo, "\nNo more items");
         return kFailure;
     }
-    *output = *m_items[m_readCursor];
+    *output = (*m_items)[m_readCursor];
     m_readCursor++;
     return kSuccess;
 }
 
-const ItemPair* ClSMBIOSType::TakeNextItem() {
-    if (m_readCursor >= m_items.size()) {
-        TRACE("GetNextItem", kInfo, "\nNo more items");
-        return nullptr;
-    }
-    return m_items[m_readCursor++];
+void ClSMBIOSType::UseList(ClItemList* list) {
+    m_items = list;
+    m_readCursor = list->Size();
+}
+
+void ClSMBIOSType::PassItems() {
+    m_readCursor = m_items->Size();
+    TRACE("GetNextItem", kInfo, "\nNo more items");
 }
 
 std::string ClSMBIOSType::GetDecimalString(uint32_t value) { return std::to_string(value); }
@@ -281,9 +275,9 @@ bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, cons
     m_instanceCounter++;
     try {
         const std::string count = std::to_string(m_instanceCounter);
-        AddItem(m_instanceCounter < 2 ? ClText::Joined({title, kGroupMark})
-                                      : ClText::Joined({title, "_", count, kGroupMark}),
-                {});
+        m_items->Add(m_instanceCounter < 2 ? ClText::Joined({title, kGroupMark})
+                                           : ClText::Joined({title, "_", count, kGroupMark}),
+                     {});
     } catch (const std::bad_alloc&) {
         TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
     }
@@ -306,9 +300,9 @@ void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure
     for (const ItemRow_t& row : rows) {
         try {
             if (row.rendering.render == nullptr)
-                AddItem(ClText::Joined({row.key, kGroupMark}), {});
+                m_items->Add(ClText::Joined({row.key, kGroupMark}), {});
             else
-                AddItem(row.key, row.rendering.render({structure, row, *this}));
+                m_items->Add(row.key, row.rendering.render({structure, row, *this}));
         } catch (const std::bad_alloc&) {
             TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
         }

@@ -23,54 +23,62 @@
 // of a table, a string of a record (the store keeps its records as long as a package holds items).
 class ClText {
   public:
-    ClText() = default;
-    ClText(std::string_view lasting) : m_data{lasting.data()}, m_size(static_cast<uint32_t>(lasting.size())) {}
+    ClText() : ClText(std::string_view()) {}
+    ClText(std::string_view lasting) { Refer(lasting.data(), lasting.size(), kLasting); }
     ClText(const char* lasting) : ClText(std::string_view(lasting)) {}
     template <size_t size>
     ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: make it a std::string
     ClText(const std::string& own) { std::memcpy(Own(own.size()), own.data(), own.size()); }
     // Text of its own, made of pieces.
     static ClText Joined(std::initializer_list<std::string_view> pieces);
-    ClText(ClText&& other) noexcept : m_data(other.m_data), m_size(other.m_size), m_keep(other.m_keep) {
-        other.m_keep = Keep_t::kLasting;
-        other.m_size = 0;
-    }
-    ClText(const ClText& other) : ClText(other.m_keep == Keep_t::kLasting ? ClText(other.View()) : other.String()) {}
+    ClText(ClText&& other) noexcept : m_data(other.m_data) { other.Refer(nullptr, 0, kLasting); }
+    ClText(const ClText& other) : ClText(other.m_data.keep == kLasting ? ClText(other.View()) : other.String()) {}
     ClText& operator=(ClText other) noexcept {
         std::swap(m_data, other.m_data);
-        std::swap(m_size, other.m_size);
-        std::swap(m_keep, other.m_keep);
         return *this;
     }
     ~ClText() {
-        if (m_keep == Keep_t::kHeap) delete[] m_data.elsewhere;
+        if (m_data.keep == kHeap) delete[] Elsewhere();
     }
 
-    std::string_view View() const { return {m_keep == Keep_t::kHere ? m_data.here : m_data.elsewhere, m_size}; }
+    std::string_view View() const { return {m_data.keep == kHere ? m_data.bytes : Elsewhere(), m_data.size}; }
     std::string String() const { return std::string(View()); }
     friend bool operator==(const ClText& text, std::string_view other) { return text.View() == other; }
 
   private:
+    enum Keep_t : uint8_t { kLasting, kHere, kHeap };
+
+    const char* Elsewhere() const {
+        const char* place;
+        std::memcpy(&place, m_data.bytes, sizeof place);
+        return place;
+    }
+    void Refer(const char* text, size_t size, Keep_t keep) {
+        std::memcpy(m_data.bytes, &text, sizeof text);
+        m_data.size = size & kSizeMask;
+        m_data.keep = keep & 3u;
+    }
     // Room for text of its own; expects a text that has none yet.
     char* Own(size_t size) {
-        if (size <= sizeof m_data.here) {
-            m_keep = Keep_t::kHere;
-        } else {
-            m_data.elsewhere = new char[size];
-            m_keep = Keep_t::kHeap;
+        if (size > sizeof m_data.bytes) {
+            char* text = new char[size];
+            Refer(text, size, kHeap);
+            return text;
         }
-        m_size = static_cast<uint32_t>(size);
-        return m_keep == Keep_t::kHere ? m_data.here : const_cast<char*>(m_data.elsewhere);
+        m_data.size = size & kSizeMask;
+        m_data.keep = kHere;
+        return m_data.bytes;
     }
 
-    enum class Keep_t : uint8_t { kLasting, kHere, kHeap };
-    union {
-        const char* elsewhere = nullptr;
-        char here[24];  // enough for every number
+    static constexpr uint32_t kSizeMask = 0x3FFFFFFF;  // no text of a table comes near it
+    // A table has tens of thousands of texts, so that each byte here counts.
+    struct Data_t {
+        alignas(const char*) char bytes[20];  // the text itself, enough for every number, or its address
+        uint32_t size : 30;
+        uint32_t keep : 2;  // Keep_t
     } m_data;
-    uint32_t m_size = 0;
-    Keep_t m_keep = Keep_t::kLasting;
 };
+static_assert(sizeof(ClText) == 24);
 
 // One key and one value. A group item's key ends in kGroupMark and its value is empty.
 struct ItemPair {
@@ -80,18 +88,21 @@ struct ItemPair {
 
 inline constexpr std::string_view kGroupMark = "#GROUPNAME";
 
-// Where items live: many in a block, and all released together, as the items of a package are. One by one they would
-// cost more to allocate than to decode.
-class ClItemPool {
+// Items in the order in which they were added: many in a block, and all released together, as the items of a package
+// are. One by one they would cost more to allocate than to decode.
+class ClItemList {
   public:
-    ClItemPool() = default;
-    ClItemPool(const ClItemPool&) = delete;
-    ClItemPool& operator=(const ClItemPool&) = delete;
-    ~ClItemPool() { Clear(); }
+    ClItemList() = default;
+    ClItemList(const ClItemList&) = delete;
+    ClItemList& operator=(const ClItemList&) = delete;
+    ~ClItemList() { Clear(); }
 
     // Throws std::bad_alloc without memory.
-    ItemPair* New(ClText&& key, ClText&& value);
+    void Add(ClText&& key, ClText&& value);
     void Clear();
+    size_t Size() const { return m_size; }
+    // An item stays where it is until Clear.
+    const ItemPair& operator[](size_t index) const { return *Place(index); }
 
   private:
     static constexpr size_t kBlockItems = 64;
@@ -99,8 +110,12 @@ class ClItemPool {
         alignas(ItemPair) std::byte room[kBlockItems * sizeof(ItemPair)];
     };
 
+    ItemPair* Place(size_t index) const {
+        return reinterpret_cast<ItemPair*>(m_blocks[index / kBlockItems]->room) + index % kBlockItems;
+    }
+
     std::vector<std::unique_ptr<Block_t>> m_blocks;
-    size_t m_used = kBlockItems;  // items of the last block
+    size_t m_size = 0;
 };
 
 // The record of one structure. No read leaves it, whatever bytes the table holds; numbers are little-endian.
@@ -285,10 +300,10 @@ class ClSMBIOSType {
 
     // Copies the next item that hasn't been read to `output`. 1; 2 for a null output; 5 when there is none.
     status_t GetNextItem(ItemPair* output);
-    // The next item itself, or null when there is none. It lives as long as its pool.
-    const ItemPair* TakeNextItem();
-    // Puts the items that follow into `pool`, which outlives the decoder: a package's, that lists them.
-    void UsePool(ClItemPool* pool) { m_pool = pool; }
+    // Adds the items that follow to the end of `list`, which outlives the decoder: a package's.
+    void UseList(ClItemList* list);
+    // Leaves all items behind, as read: for who has them in a list of its own.
+    void PassItems();
 
     uint32_t ProcessorSignature() const { return m_processorSignature; }
 
@@ -311,15 +326,12 @@ class ClSMBIOSType {
     void PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure);
 
     uint32_t m_processorSignature = 0;  // given to the decoders of types 4 and 148 only
-    uint32_t m_readCursor = 0;
     int32_t m_instanceCounter = 0;
-    std::vector<const ItemPair*> m_items;
 
   private:
-    void AddItem(ClText&& key, ClText&& value);
-
-    ClItemPool m_ownPool;
-    ClItemPool* m_pool = &m_ownPool;
+    ClItemList m_ownItems;
+    ClItemList* m_items = &m_ownItems;
+    size_t m_readCursor = 0;
 };
 
 inline uint8_t Field_t::Byte() const { return structure.Byte(row.offset); }

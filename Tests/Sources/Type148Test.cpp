@@ -360,7 +360,8 @@ TEST(Type148, ShowsAStructureWithoutStrings) {
 TEST(Type148, GivesNothingForNull) {
     ClSMBIOSType148 decoder(kTvl);
     decoder.PrintStructure(nullptr);
-    EXPECT_EQ(decoder.TakeNextItem(), nullptr);
+    ItemPair item;
+    EXPECT_EQ(decoder.GetNextItem(&item), kFailure);
 }
 
 }  // namespace
