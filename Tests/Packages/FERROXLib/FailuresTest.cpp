@@ -86,7 +86,7 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
             const uint32_t items = ReadPackage();
             Platform().failCall = 0;
             ASSERT_GE(Platform().calls.size(), number);
-            const std::string& failed = Platform().calls[number - 1];
+            const std::string failed = Platform().calls[number - 1];
             const std::string at = std::string(machine.what) + ", " + failed;
             // All of the table or nothing; and all if the library can do without the call, or made it on closing.
             EXPECT_TRUE(items == whole || (items == 0 && !GoesOnWithout(failed))) << at << ": " << items;
