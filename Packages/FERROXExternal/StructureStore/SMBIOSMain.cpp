@@ -40,11 +40,13 @@ int32_t CompareRecords(const void* first, const void* second) {
     return RecordType(first) == RecordType(second) ? 0 : -1;
 }
 
-// Empties the list, and releases every record.
+// Empties the list, and releases every record. A list whose lock was refused once says the same as an empty one, so
+// that it is asked twice.
 void ReleaseRecords() {
     void* record;
-    while (Pop(mySMBIOSLinkedListHdl, &record) == kSuccess) os_free(record);
+    for (int refusals = 0; refusals < 2;) refusals += Pop(mySMBIOSLinkedListHdl, &record) != kSuccess;
     for (TypeRecords_t& type : recordsOfType) {
+        for (uint32_t place = 0; place < type.count; place++) os_free(type.records[place]);
         os_free(type.records);
         type = {};
     }
