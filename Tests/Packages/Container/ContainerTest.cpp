@@ -290,8 +290,13 @@ TEST(Place, AWholeReadByRisingIndexIsLinear) {
             }
             return std::chrono::steady_clock::now() - start;
         };
-        const auto first = timeToRead(0);
-        EXPECT_LT(timeToRead(1), 4 * first + std::chrono::milliseconds(100)) << type;
+        // A machine that does other work at times gets further tries.
+        bool isLinear = false;
+        for (int tries = 0; tries < 5 && !isLinear; ++tries) {
+            const auto first = timeToRead(0);
+            isLinear = timeToRead(1) < 4 * first + std::chrono::milliseconds(100);
+        }
+        EXPECT_TRUE(isLinear) << type;
         container.Check();
     }
 }
