@@ -45,7 +45,7 @@ asan:
 tsan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset tsan >/dev/null
-	@cmake --build --preset tsan --target ContainerTest DebugTest MachineTest OSTest SourcesTest
+	@cmake --build --preset tsan --target ContainerTest DebugTest MachineTest
 	@ctest --preset tsan
 
 # The lines of Sources and Packages that the tests run; those that they don't are named in build/coverage/coverage.txt.
