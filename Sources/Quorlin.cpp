@@ -120,11 +120,17 @@ status_t Quorlin::GetNextItem(std::string& text) {
 }
 
 status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
-    if (SMBIOSStructNumber != kSweep) return DecodeType(SMBIOSStructNumber);
+    if (SMBIOSStructNumber != kSweep) return DecodeType(SMBIOSStructNumber, *m_items, nullptr);
     status_t status = kFailure;
     for (const TypeRange_t& range : kSweptTypes)
-        for (unsigned type = range.first; type <= range.last; type++) status = DecodeType(static_cast<uint8_t>(type));
+        for (unsigned type = range.first; type <= range.last; type++)
+            status = DecodeType(static_cast<uint8_t>(type), *m_items, nullptr);
     return status;
+}
+
+status_t Quorlin::VisitType(uint8_t type, const Visit_t& visit) {
+    ClItemList items;
+    return DecodeType(type, items, &visit);
 }
 
 bool Quorlin::IsSwept(uint8_t type) {
@@ -143,25 +149,36 @@ std::string Quorlin::GetItemValue(uint32_t index) try {
 }
 
 // One step: all structures of a type through one decoder, which lives for this step only.
-status_t Quorlin::DecodeType(uint8_t type) {
+status_t Quorlin::DecodeType(uint8_t type, ClItemList& items, const Visit_t* visit) {
     uint8_t** records = nullptr;
     uint8_t count = 0;
     const status_t status = GetSMBIOSStruture(type, &records, &count);
     if (status != kSuccess || count == 0) return status;
+    std::unique_ptr<uint8_t*, decltype(&os_free)> owner(records, os_free);
     const std::unique_ptr<ClSMBIOSType> decoder(DecoderFactory(type));
     if (decoder == nullptr)
         TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
     else
-        decoder->UseList(m_items.get());
-    PrintStructure(decoder.get(), count, records, type);
-    os_free(records);
+        decoder->UseList(&items);
+    const auto print = [&](uint8_t** first, uint8_t number) {
+        if (visit == nullptr || decoder == nullptr) {
+            PrintStructure(decoder.get(), number, first, type);
+            return;
+        }
+        for (uint8_t place = 0; place < number; place++) {
+            PrintStructure(decoder.get(), 1, first + place, type);
+            (*visit)(first[place] + kRecordHead, items);
+            items.Clear();
+        }
+    };
+    print(records, count);
     if (count < kBatch || decoder == nullptr) return status;
     // More than an 8-bit count can tell: the rest goes to the same decoder, so that the numbering goes on.
     uint32_t rest = 0;
     if (GetSMBIOSStrutureFrom(type, kBatch, &records, &rest) != kSuccess) return status;
+    owner.reset(records);
     for (uint32_t first = 0; first < rest; first += kBatch)
-        PrintStructure(decoder.get(), static_cast<uint8_t>(std::min(kBatch, rest - first)), records + first, type);
-    os_free(records);
+        print(records + first, static_cast<uint8_t>(std::min(kBatch, rest - first)));
     return status;
 }
 

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -72,9 +73,13 @@ class Quorlin : public BaseAbstraction {
     // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
     // GetItemCount.
     const ItemPair& Item(uint32_t index) const;
+    // Decodes one type as GetTypes does, for this tree's own hosts, but keeps no items: `visit` gets each structure with
+    // its own, or with none, for the length of the call. So a table of any size takes one structure's memory.
+    using Visit_t = std::function<void(const uint8_t* structure, const ClItemList& items)>;
+    status_t VisitType(uint8_t type, const Visit_t& visit);
 
   private:
-    status_t DecodeType(uint8_t type);
+    status_t DecodeType(uint8_t type, ClItemList& items, const Visit_t* visit);
     ClSMBIOSType* DecoderFactory(uint8_t type) const;
     status_t PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint8_t** pData, uint8_t SMBIOSType);
 

@@ -120,7 +120,8 @@ void ClItemList::Add(ClText&& key, ClText&& value) {
 
 void ClItemList::Clear() {
     for (size_t index = 0; index < m_size; index++) std::destroy_at(Place(index));
-    m_blocks.clear();
+    // The first block stays for who fills the list again and again.
+    if (m_blocks.size() > 1) m_blocks.resize(1);
     m_size = 0;
 }
 

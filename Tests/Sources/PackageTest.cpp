@@ -6,6 +6,7 @@
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Sources/PackageTrace.h"
 #include "Sources/Quorlin.h"
+#include "Sources/SMBIOSType.h"
 #include "Tests/Support/Structures.h"
 
 namespace {
@@ -97,6 +98,24 @@ TEST(Package, NumbersMoreStructuresThanAByteCounts) {
     while (package->GetNextItem(line) == kSuccess)
         if (line.find("#GROUPNAME") != line.npos) lastTitle = line;
     EXPECT_EQ(lastTitle, "\"System Enclosure or Chassis Types {Type 3}_600#GROUPNAME\", \"\"");
+}
+
+TEST(Package, VisitsEachStructureWithItsOwnItems) {
+    ClPackage package(TableOf(std::vector(600, kChassis)));
+    const uint32_t items = package->GetItemCount();
+    std::string lastTitle;
+    uint32_t count = 0;
+    EXPECT_EQ(package->VisitType(3,
+                                 [&](const uint8_t* structure, const ClItemList& own) {
+                                     EXPECT_EQ(structure[0], 3);
+                                     ASSERT_EQ(own.Size(), 17u);
+                                     lastTitle = own[0].key.String();
+                                     count++;
+                                 }),
+              kSuccess);
+    EXPECT_EQ(count, 600u);
+    EXPECT_EQ(lastTitle, "System Enclosure or Chassis Types {Type 3}_600#GROUPNAME");
+    EXPECT_EQ(package->GetItemCount(), items);
 }
 
 TEST(Package, SharesTheTableOfTheFirst) {

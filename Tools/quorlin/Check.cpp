@@ -168,18 +168,17 @@ class ClLint {
 
     // The decoders know every enumeration: where a code stands outside its table they say so.
     void CheckCodes(ClTable& table) {
-        const ClModel model(table.Package(), AllTypes());
         std::vector<const TableStructure_t*> ofType[256];
         for (const TableStructure_t& structure : m_structures) ofType[structure.Type()].push_back(&structure);
-        for (const Structure_t& decoded : model.Structures()) {
-            if (decoded.instance > ofType[decoded.type].size()) continue;
+        VisitStructures(table.Package(), AllTypes(), [&](const Structure_t& decoded) {
+            if (decoded.instance > ofType[decoded.type].size()) return;
             m_structure = ofType[decoded.type][decoded.instance - 1];
-            for (uint32_t index = decoded.firstItem; index < decoded.endItem; index++) {
-                const Item_t item = model.Item(index);
+            for (size_t index = decoded.firstItem; index < decoded.EndItem(); index++) {
+                const Item_t item = decoded.Item(index);
                 if (item.value.find("Error: Invalid") != item.value.npos && IsThere(item.key))
                     Add("code", std::string(item.key) + ": a code outside its table");
             }
-        }
+        });
     }
 
     std::span<const uint8_t> m_bytes;

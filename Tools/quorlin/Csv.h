@@ -10,6 +10,8 @@
 class ClCsv {
   public:
     explicit ClCsv(ClOutput& output) : m_output(output) {}
+    // The head line of who lists items.
+    void ItemHead() { Row({"type", "handle", "instance", "title", "group", "key", "value"}); }
     void Row(std::initializer_list<std::string_view> cells);
 
   private:

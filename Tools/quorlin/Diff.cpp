@@ -55,18 +55,19 @@ bool IsIgnored(std::string_view key, const std::vector<std::string>& ignored) {
     return std::ranges::any_of(ignored, [key](const std::string& other) { return EqualsIgnoringCase(key, other); });
 }
 
-void TakeItems(const ClModel& model, const Structure_t& structure, const std::vector<std::string>& ignored,
-               OwnStructure_t* own) {
+std::vector<OwnItem_t> TakeItems(const Structure_t& structure, const std::vector<std::string>& ignored) {
+    std::vector<OwnItem_t> items;
     std::map<std::pair<std::string_view, std::string_view>, uint32_t> occurrences;
     std::string_view group;
-    for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
-        const Item_t item = model.Item(index);
+    for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+        const Item_t item = structure.Item(index);
         if (item.opensGroup)
             group = item.key;
         else if (!IsIgnored(item.key, ignored))
-            own->items.push_back(
+            items.push_back(
                 {std::string(group), std::string(item.key), ++occurrences[{group, item.key}], std::string(item.value)});
     }
+    return items;
 }
 
 std::string HexOf(const TableStructure_t& structure) {
@@ -81,9 +82,11 @@ std::string HexOf(const TableStructure_t& structure) {
 
 // All structures, in the table's order. One that no decoder shows is compared by its bytes.
 OwnTable_t TakeTable(ClTable& table, const std::vector<std::string>& ignored) {
-    const ClModel model(table.Package(), AllTypes());
-    std::map<std::pair<uint8_t, uint32_t>, const Structure_t*> decoded;
-    for (const Structure_t& structure : model.Structures()) decoded[{structure.type, structure.instance}] = &structure;
+    std::map<std::pair<uint8_t, uint32_t>, OwnStructure_t> decoded;
+    VisitStructures(table.Package(), AllTypes(), [&](const Structure_t& structure) {
+        decoded[{structure.type, structure.instance}] = {structure.type, structure.handle, std::string(structure.title),
+                                                         TakeItems(structure, ignored)};
+    });
     OwnTable_t own{table.Name(), {}};
     uint32_t instances[256] = {};
     for (const TableStructure_t& structure : ClWalk(table.Bytes())) {
@@ -91,8 +94,8 @@ OwnTable_t TakeTable(ClTable& table, const std::vector<std::string>& ignored) {
         const auto found = decoded.find({type, ++instances[type]});
         OwnStructure_t taken{type, structure.Handle(), std::string(NameOfType(type)), {}};
         if (found != decoded.end()) {
-            if (!found->second->title.empty()) taken.title = found->second->title;
-            TakeItems(model, *found->second, ignored, &taken);
+            if (!found->second.title.empty()) taken.title = found->second.title;
+            taken.items = std::move(found->second.items);
         } else if (!IsIgnored("Bytes", ignored)) {
             taken.items.push_back({"", "Bytes", 1, HexOf(structure)});
         }

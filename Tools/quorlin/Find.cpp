@@ -17,66 +17,54 @@ constexpr Usage_t kFindUsage = {
 
 constexpr Format_t kFindFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv};
 
-// An item, and where it stands.
+// An item that holds the text.
 struct Hit_t {
-    const Structure_t* structure;
     std::string_view group;  // empty for an item of no group
     Item_t item;
 };
 
-std::vector<Hit_t> FindText(const ClModel& model, std::string_view text) {
+// Calls `show` with each structure that holds the text, and its hits; returns whether there was one.
+bool FindText(ClTable& table, std::span<const uint8_t> types, std::string_view text,
+              const std::function<void(const Structure_t& structure, const std::vector<Hit_t>& hits)>& show) {
+    bool isFound = false;
     std::vector<Hit_t> hits;
-    for (const Structure_t& structure : model.Structures()) {
+    VisitStructures(table.Package(), types, [&](const Structure_t& structure) {
+        hits.clear();
         std::string_view group;
-        for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
-            const Item_t item = model.Item(index);
+        for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+            const Item_t item = structure.Item(index);
             if (item.opensGroup) group = item.key;
             if (ContainsIgnoringCase(item.key, text) || ContainsIgnoringCase(item.value, text))
-                hits.push_back({&structure, group, item});
+                hits.push_back({group, item});
         }
-    }
-    return hits;
+        if (hits.empty()) return;
+        isFound = true;
+        show(structure, hits);
+    });
+    return isFound;
 }
 
-void ListText(const std::vector<Hit_t>& hits, ClOutput& output) {
-    ClColumns columns(output);
-    const Structure_t* structure = nullptr;
-    for (const Hit_t& hit : hits) {
-        if (hit.structure != structure) {
-            columns.Finish(2);
-            structure = hit.structure;
-            columns.Heading(std::string(structure->heading) + ", handle " + HandleText(structure->handle));
-        }
-        columns.Pair(hit.item.key, hit.item.value);
-    }
+void ShowText(const Structure_t& structure, const std::vector<Hit_t>& hits, ClColumns& columns) {
+    columns.Heading(std::string(structure.heading) + ", handle " + HandleText(structure.handle));
+    for (const Hit_t& hit : hits) columns.Pair(hit.item.key, hit.item.value);
     columns.Finish(2);
 }
 
-void ListCsv(const std::vector<Hit_t>& hits, ClOutput& output) {
-    ClCsv csv(output);
-    csv.Row({"type", "handle", "instance", "title", "group", "key", "value"});
+void ShowCsv(const Structure_t& structure, const std::vector<Hit_t>& hits, ClCsv& csv) {
     for (const Hit_t& hit : hits)
-        csv.Row({std::to_string(hit.structure->type), std::to_string(hit.structure->handle),
-                 std::to_string(hit.structure->instance), hit.structure->title, hit.group, hit.item.key,
-                 hit.item.value});
+        csv.Row({std::to_string(structure.type), std::to_string(structure.handle), std::to_string(structure.instance),
+                 structure.title, hit.group, hit.item.key, hit.item.value});
 }
 
-void ListJson(const std::vector<Hit_t>& hits, const ClTable& table, ClJson& json) {
-    json.BeginObject();
-    WriteTableMembers(json, table);
-    json.Name("hits");
-    json.BeginList();
+void ShowJson(const Structure_t& structure, const std::vector<Hit_t>& hits, ClJson& json) {
     for (const Hit_t& hit : hits) {
         json.BeginObject();
-        WriteStructureMembers(json, *hit.structure);
+        WriteStructureMembers(json, structure);
         if (!hit.group.empty()) json.Member("group", hit.group);
         json.Name("item");
         json.Pair(hit.item.key, hit.item.value);
         json.FinishObject();
     }
-    json.FinishList();
-    json.FinishObject();
-    json.Finish();
 }
 
 constexpr Usage_t kGetUsage = {
@@ -108,15 +96,27 @@ int RunFind(const Arguments_t& arguments) {
     ClJson json(output);
     bool isFound = false;
     exitCode = RunOnTables(source, format, kExitTrouble, json, [&](ClTable& table) {
-        const ClModel model(table.Package(), types);
-        const std::vector<Hit_t> hits = FindText(model, text);
-        isFound |= !hits.empty();
-        if (format == Format_t::kText)
-            ListText(hits, output);
-        else if (format == Format_t::kCsv)
-            ListCsv(hits, output);
-        else
-            ListJson(hits, table, json);
+        const auto find = [&](const auto& show) { isFound |= FindText(table, types, text, show); };
+        if (format == Format_t::kText) {
+            ClColumns columns(output);
+            find([&](const Structure_t& structure, const std::vector<Hit_t>& hits) {
+                ShowText(structure, hits, columns);
+            });
+        } else if (format == Format_t::kCsv) {
+            ClCsv csv(output);
+            csv.ItemHead();
+            find([&](const Structure_t& structure, const std::vector<Hit_t>& hits) { ShowCsv(structure, hits, csv); });
+        } else {
+            json.BeginObject();
+            WriteTableMembers(json, table);
+            json.Name("hits");
+            json.BeginList();
+            find(
+                [&](const Structure_t& structure, const std::vector<Hit_t>& hits) { ShowJson(structure, hits, json); });
+            json.FinishList();
+            json.FinishObject();
+            json.Finish();
+        }
         return kExitDone;
     });
     if (!output.Finish()) return kExitTrouble;
@@ -142,17 +142,16 @@ int RunGet(const Arguments_t& arguments) {
     }
     ClOutput output;
     exitCode = ForEachTable(source, kExitTrouble, [&](ClTable& table) {
-        const ClModel model(table.Package(), types);
         bool isFound = false;
-        for (const Structure_t& structure : model.Structures()) {
-            if (instance != 0 && structure.instance != instance) continue;
-            for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
-                const Item_t item = model.Item(index);
+        VisitStructures(table.Package(), types, [&](const Structure_t& structure) {
+            if (instance != 0 && structure.instance != instance) return;
+            for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+                const Item_t item = structure.Item(index);
                 if (item.opensGroup || !EqualsIgnoringCase(item.key, key)) continue;
                 output << Printable(item.value) << "\n";
                 isFound = true;
             }
-        }
+        });
         if (isFound) return kExitDone;
         SayError(table.Name(), "type " + typeName + " has no such item here; try quorlin --type " + typeName);
         return kExitNo;

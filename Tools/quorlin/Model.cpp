@@ -2,34 +2,9 @@
 
 #include <charconv>
 
-#include "Packages/FERROXExternal/StructureStore/StructureStore.h"
-#include "Packages/OS/OS.h"
-
 namespace {
 
 constexpr std::string_view kTypeMark = " {Type ";
-constexpr size_t kHandleInRecord = sizeof(uint32_t) + 2;  // behind the type word, in the structure's header
-
-// The records of one type.
-class ClRecords {
-  public:
-    explicit ClRecords(uint8_t type) { GetSMBIOSStrutureFrom(type, 0, &m_records, &m_count); }
-    ~ClRecords() { os_free(m_records); }
-    ClRecords(const ClRecords&) = delete;
-    ClRecords& operator=(const ClRecords&) = delete;
-
-    uint32_t Count() const { return m_count; }
-    // Of the instance, which counts from 1.
-    uint16_t Handle(uint32_t instance) const {
-        if (instance == 0 || instance > m_count) return 0xFFFF;
-        const uint8_t* bytes = m_records[instance - 1] + kHandleInRecord;
-        return static_cast<uint16_t>(bytes[0] | bytes[1] << 8);
-    }
-
-  private:
-    uint8_t** m_records = nullptr;
-    uint32_t m_count = 0;
-};
 
 // A title is "TEXT {Type N}", and from the second structure of the type on "TEXT {Type N}_I".
 uint32_t InstanceOf(std::string_view title) {
@@ -39,35 +14,7 @@ uint32_t InstanceOf(std::string_view title) {
     return instance;
 }
 
-}  // namespace
-
-ClModel::ClModel(Quorlin& package, std::span<const uint8_t> types) : m_package(package) {
-    for (const uint8_t type : types) AddType(type);
-}
-
-void ClModel::AddType(uint8_t type) {
-    const ClRecords records(type);
-    if (records.Count() == 0) return;
-    const uint32_t begin = m_package.GetItemCount();
-    m_package.GetTypes(type);
-    const uint32_t end = m_package.GetItemCount();
-    m_structures.reserve(m_structures.size() + records.Count());
-    for (uint32_t index = begin; index < end; index++) {
-        const Item_t item = Item(index);
-        const size_t mark = item.opensGroup ? item.key.find(kTypeMark) : item.key.npos;
-        if (mark != item.key.npos) {
-            const uint32_t instance = InstanceOf(item.key.substr(mark));
-            m_structures.push_back(
-                {type, records.Handle(instance), instance, item.key, item.key.substr(0, mark), index + 1, index + 1});
-        } else if (index == begin) {
-            m_structures.push_back({type, records.Handle(1), 1, {}, {}, index, index});
-        }
-        m_structures.back().endItem = index + 1;
-    }
-}
-
-Item_t ClModel::Item(uint32_t index) const {
-    const ItemPair& pair = m_package.Item(index);
+Item_t ItemOf(const ItemPair& pair) {
     Item_t item{pair.key.View(), pair.value.View(), false};
     if (item.key.ends_with(kGroupMark)) {
         item.key.remove_suffix(kGroupMark.size());
@@ -76,6 +23,33 @@ Item_t ClModel::Item(uint32_t index) const {
     }
     if (item.value == " ") item.value = {};
     return item;
+}
+
+}  // namespace
+
+Item_t Structure_t::Item(size_t index) const { return ItemOf(items[index]); }
+
+void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
+                     const std::function<void(const Structure_t& structure)>& visit) {
+    for (const uint8_t type : types) {
+        uint32_t count = 0;
+        std::string title;
+        package.VisitType(type, [&](const uint8_t* data, const ClItemList& items) {
+            count++;
+            if (items.Size() == 0) return;
+            const auto handle = static_cast<uint16_t>(data[2] | data[3] << 8);
+            Structure_t structure{type, handle, count, {}, title, items, 0};
+            const Item_t first = ItemOf(items[0]);
+            const size_t mark = first.opensGroup ? first.key.find(kTypeMark) : first.key.npos;
+            if (mark != first.key.npos) {
+                structure.instance = InstanceOf(first.key.substr(mark));
+                structure.heading = first.key;
+                structure.title = title = first.key.substr(0, mark);
+                structure.firstItem = 1;
+            }
+            visit(structure);
+        });
+    }
 }
 
 bool ChooseTypes(const Usage_t& usage, std::span<const std::string> names, std::vector<uint8_t>* types, int* exitCode) {

@@ -1,7 +1,8 @@
-// The items of a table as structures and groups. Nothing is copied: the package owns the items.
+// The items of a table as structures and groups, one structure after the other.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,36 +12,30 @@
 #include "Sources/SMBIOSType.h"
 #include "Tools/quorlin/CommandLine.h"
 
-// One structure: what its title stands for, and which items are its own.
-struct Structure_t {
-    uint8_t type;
-    uint16_t handle;
-    uint32_t instance;         // among the structures of its type, from 1
-    std::string_view heading;  // the title as decoded: "TEXT {Type N}", "TEXT {Type N}_2"; empty where there is none
-    std::string_view title;    // TEXT alone
-    uint32_t firstItem, endItem;
-};
-
 // An item of a structure.
 struct Item_t {
     std::string_view key, value;
     bool opensGroup;  // the items behind it, up to the next that opens one, are its group's; it has no value
 };
 
-class ClModel {
-  public:
-    // Decodes these types, in this order. The model holds until the package is uninitialised.
-    ClModel(Quorlin& package, std::span<const uint8_t> types);
+// One structure: what its title stands for, and the items behind it.
+struct Structure_t {
+    uint8_t type;
+    uint16_t handle;
+    uint32_t instance;         // among the structures of its type, from 1
+    std::string_view heading;  // the title as decoded: "TEXT {Type N}", "TEXT {Type N}_2"; empty where there is none
+    std::string_view title;    // TEXT alone
+    const ClItemList& items;
+    size_t firstItem;  // behind the title
 
-    std::span<const Structure_t> Structures() const { return m_structures; }
-    Item_t Item(uint32_t index) const;
-
-  private:
-    void AddType(uint8_t type);
-
-    Quorlin& m_package;
-    std::vector<Structure_t> m_structures;
+    size_t EndItem() const { return items.Size(); }
+    Item_t Item(size_t index) const;
 };
+
+// Decodes these types, in this order, and calls `visit` with each structure that has items. What it gets lives for the
+// length of the call: a table's items are never held all at once.
+void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
+                     const std::function<void(const Structure_t& structure)>& visit);
 
 // Checks what --type was given. As ParseCommandLine when it is bad.
 bool ChooseTypes(const Usage_t& usage, std::span<const std::string> names, std::vector<uint8_t>* types, int* exitCode);

@@ -33,38 +33,37 @@ constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNd
 
 // Each item as the library gives it.
 void ShowLines(Quorlin& package, std::span<const uint8_t> types, ClOutput& output) {
-    for (const uint8_t type : types) package.GetTypes(type);
     const bool isTerminal = IsStandardOutputTerminal();
-    const uint32_t count = package.GetItemCount();
-    for (uint32_t index = 0; index < count && !output.Failed(); index++) {
-        if (isTerminal) {
-            std::string line;
-            Quorlin::AppendLine(package.Item(index), line);
-            output << Printable(line) << "\n";
-        } else {
-            Quorlin::AppendLine(package.Item(index), output.Text());
-            output.Text() += '\n';
-            output.FlushWhenFull();
+    const Quorlin::Visit_t show = [&](const uint8_t*, const ClItemList& items) {
+        for (size_t index = 0; index < items.Size() && !output.Failed(); index++) {
+            if (isTerminal) {
+                std::string line;
+                Quorlin::AppendLine(items[index], line);
+                output << Printable(line) << "\n";
+            } else {
+                Quorlin::AppendLine(items[index], output.Text());
+                output.Text() += '\n';
+                output.FlushWhenFull();
+            }
         }
-    }
+    };
+    for (const uint8_t type : types) package.VisitType(type, show);
 }
 
-void ShowText(const ClModel& model, ClColumns& columns) {
-    for (const Structure_t& structure : model.Structures()) {
-        if (!structure.heading.empty()) columns.Heading(structure.heading);
-        size_t indent = 2;
-        for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
-            const Item_t item = model.Item(index);
-            if (!item.opensGroup) {
-                columns.Pair(item.key, item.value);
-                continue;
-            }
-            columns.Finish(indent);
-            columns.Line(2, item.key);
-            indent = 4;
+void ShowText(const Structure_t& structure, ClColumns& columns) {
+    if (!structure.heading.empty()) columns.Heading(structure.heading);
+    size_t indent = 2;
+    for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+        const Item_t item = structure.Item(index);
+        if (!item.opensGroup) {
+            columns.Pair(item.key, item.value);
+            continue;
         }
         columns.Finish(indent);
+        columns.Line(2, item.key);
+        indent = 4;
     }
+    columns.Finish(indent);
 }
 
 // Tells of structures that a sweep leaves out and that have items all the same.
@@ -78,7 +77,7 @@ void TellOfLeftOut(ClOutput& output) {
            << " of type 148, firmware versions; see them with --type 148\n";
 }
 
-void WriteItems(const ClModel& model, const Structure_t& structure, ClJson& json) {
+void WriteItems(const Structure_t& structure, ClJson& json) {
     bool inGroup = false;
     const auto finishGroup = [&] {
         if (!inGroup) return;
@@ -86,8 +85,8 @@ void WriteItems(const ClModel& model, const Structure_t& structure, ClJson& json
         json.FinishObject();
     };
     json.BeginList();
-    for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
-        const Item_t item = model.Item(index);
+    for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+        const Item_t item = structure.Item(index);
         if (!item.opensGroup) {
             json.Pair(item.key, item.value);
             continue;
@@ -106,38 +105,34 @@ void WriteItems(const ClModel& model, const Structure_t& structure, ClJson& json
     json.FinishList();
 }
 
-void ShowJson(const ClModel& model, const ClTable& table, Format_t format, ClJson& json) {
+void ShowJson(ClTable& table, std::span<const uint8_t> types, Format_t format, ClJson& json) {
     json.BeginObject();
     WriteTableMembers(json, table);
     json.Name("structures");
     json.BeginList();
-    for (const Structure_t& structure : model.Structures()) {
+    VisitStructures(table.Package(), types, [&](const Structure_t& structure) {
         if (format == Format_t::kJson) json.Break();
         json.BeginObject();
         WriteStructureMembers(json, structure);
         json.Name("items");
-        WriteItems(model, structure, json);
+        WriteItems(structure, json);
         json.FinishObject();
-    }
+    });
     json.FinishList();
     json.FinishObject();
     json.Finish();
 }
 
-void ShowCsv(const ClModel& model, ClOutput& output) {
-    ClCsv csv(output);
-    csv.Row({"type", "handle", "instance", "title", "group", "key", "value"});
-    for (const Structure_t& structure : model.Structures()) {
-        std::string_view group;
-        const std::string type = std::to_string(structure.type), handle = std::to_string(structure.handle),
-                          instance = std::to_string(structure.instance);
-        for (uint32_t index = structure.firstItem; index < structure.endItem; index++) {
-            const Item_t item = model.Item(index);
-            if (item.opensGroup)
-                group = item.key;
-            else
-                csv.Row({type, handle, instance, structure.title, group, item.key, item.value});
-        }
+void ShowCsv(const Structure_t& structure, ClCsv& csv) {
+    std::string_view group;
+    const std::string type = std::to_string(structure.type), handle = std::to_string(structure.handle),
+                      instance = std::to_string(structure.instance);
+    for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+        const Item_t item = structure.Item(index);
+        if (item.opensGroup)
+            group = item.key;
+        else
+            csv.Row({type, handle, instance, structure.title, group, item.key, item.value});
     }
 }
 
@@ -170,17 +165,17 @@ int RunShow(const Arguments_t& arguments) {
     exitCode = RunOnTables(source, format, kExitNoTable, json, [&](ClTable& table) {
         if (format == Format_t::kLines) {
             ShowLines(table.Package(), types, output);
-            return kExitDone;
-        }
-        const ClModel model(table.Package(), types);
-        if (format == Format_t::kText) {
+        } else if (format == Format_t::kText) {
             ClColumns columns(output);
-            ShowText(model, columns);
+            VisitStructures(table.Package(), types,
+                            [&](const Structure_t& structure) { ShowText(structure, columns); });
             if (typeNames.empty()) TellOfLeftOut(output);
         } else if (format == Format_t::kCsv) {
-            ShowCsv(model, output);
+            ClCsv csv(output);
+            csv.ItemHead();
+            VisitStructures(table.Package(), types, [&](const Structure_t& structure) { ShowCsv(structure, csv); });
         } else {
-            ShowJson(model, table, format, json);
+            ShowJson(table, types, format, json);
         }
         return kExitDone;
     });

@@ -1,5 +1,5 @@
 // quorlin types: the structure types of a table, with counts and titles.
-#include <algorithm>
+#include <optional>
 
 #include "Packages/Format/Structures.h"
 #include "Tools/quorlin/Commands.h"
@@ -31,15 +31,16 @@ struct TypeCount_t {
 std::vector<TypeCount_t> CountTypes(ClTable& table) {
     uint32_t counts[256] = {};
     for (const TableStructure_t& structure : ClWalk(table.Bytes())) counts[structure.Type()]++;
-    const ClModel model(table.Package(), AllTypes());
-    const std::span<const Structure_t> structures = model.Structures();
+    std::optional<std::string> titles[256];
+    VisitStructures(table.Package(), AllTypes(), [&](const Structure_t& structure) {
+        if (!titles[structure.type]) titles[structure.type] = structure.title;
+    });
     std::vector<TypeCount_t> types;
     for (unsigned type = 0; type < 256; type++) {
         if (counts[type] == 0) continue;
-        const auto first = std::ranges::find(structures, type, &Structure_t::type);
-        const bool hasItems = first != structures.end();
-        const std::string_view title = hasItems ? first->title : NameOfType(static_cast<uint8_t>(type));
-        types.push_back({static_cast<uint8_t>(type), counts[type], std::string(title), hasItems});
+        const bool hasItems = titles[type].has_value();
+        const std::string title = hasItems ? *titles[type] : std::string(NameOfType(static_cast<uint8_t>(type)));
+        types.push_back({static_cast<uint8_t>(type), counts[type], title, hasItems});
     }
     return types;
 }

@@ -62,6 +62,13 @@ TEST(Commands, GetGivesBareValues) {
     EXPECT_TRUE(Has(none.errors, "--type 3"));
 }
 
+// Only the first group of firmware versions has a title.
+TEST(Commands, AStructureWithoutATitleStandsForItself) {
+    EXPECT_EQ(RunQuorlin("get 14 Microcode --instance 2 --sample").output, " 01.0a.00.1234\n");
+    EXPECT_TRUE(Has(RunQuorlin("--sample --type 14 --format csv").output,
+                    "14,3585,2,Group Associations,,Microcode, 01.0a.00.1234\r\n"));
+}
+
 TEST(Commands, DiffTellsByItsExitCode) {
     const std::string a = ImageBy("A", "a.bin"), b = ImageBy("B", "b.bin");
     const ProgramRun_t changed = RunQuorlin("diff " + a + " " + b);
