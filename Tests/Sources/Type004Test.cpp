@@ -10,7 +10,7 @@ ClStructureBuilder Processor() {
     ClStructureBuilder processor(4, 0x30);
     processor.Bytes(0x04, {1, 3, 0xFE, 2}).Dword(0x08, 0x2A).Dword(0x0C, 0x0F).Bytes(0x10, {0, 0x8C});
     processor.Word(0x12, 100).Word(0x14, 4000).Bytes(0x18, {0x41, 1}).Word(0x1A, 5).Word(0x1C, 0x2A).Word(0x1E, 0xFFFF);
-    processor.Bytes(0x20, {0, 9, 1, 0xFF, 8, 16}).Word(0x26, 0x000C).Word(0x28, 0x101);
+    processor.Bytes(0x20, {0, 9, 1, 0xFF, 8, 16}).Word(0x26, 0xFFFF).Word(0x28, 0x101);
     return processor.Word(0x2A, 300).Word(0x2C, 299).Word(0x2E, 600).Strings({"CPU 1", "Maker"});
 }
 const ClStructureBuilder kProcessor = Processor();
@@ -26,7 +26,8 @@ TEST(Type4, ShowsEveryField) {
                 "L3 Cache Handle=65535 (No L3 handle or No cache information structure)\n"
                 "Serial Number=None\nAssert Tag=(no such string)\nPart Number=CPU 1\n"
                 "Core Count=255\nCore Enabled=8\nThread Count=16\n"
-                "Processor Characteristics=64 -bit capable |Multi-Core |\nProcessor Family 2=ARMv8\n"
+                "Processor Characteristics=64 -bit capable |Multi-Core |Hardware Thread |Execute Protection |"
+                "Enhanced Virtualization |Power/Performance Control |\nProcessor Family 2=ARMv8\n"
                 "Core Count 2=300\nCore Enabled 2=299\nThread Count 2=600\n");
 }
 
@@ -68,55 +69,6 @@ TEST(Type4, RenamesTwoFamiliesOnOneProcessor) {
     ExpectFamily(0x000406E0, 0x0C, "Pentium(R) Pro processor");
     ExpectFamily(0x000506E0, 0x0B, "Ostrel Family");
     ExpectFamily(0x000406E2, 0x0F, "Lumetra(R) Vantor(R) CPU");
-}
-
-TEST(Type4, Enumerations) {
-    ExpectEnumeration(kProcessor, 0x05, "Processor Type", "Unknown", {1, "Other", 6, "Video Processor"});
-    ExpectEnumeration(kProcessor, 0x18, "Status", "Unknown",
-                      {0x00, "CPU Socket Unpopulated, Status Unknown", 0x04, "CPU Socket Unpopulated, CPU Idle"},
-                      {0x07, "CPU Socket Unpopulated, Status Other"},
-                      {0x40, "CPU Socket Populated, Status Unknown", 0x44, "CPU Socket Populated, CPU Idle"},
-                      {0x47, "CPU Socket Populated, Status Other"});
-    ExpectEnumeration(kProcessor, 0x19, "Processor Upgrade", "Unknown", {1, "Other", 60, "Socket BGA1528"});
-}
-
-TEST(Type4, RendersVoltageHandlesAndCharacteristics) {
-    const Reading_t kBytes[] = {
-        {0x11, 0x00, "Voltage", "None" },
-        {0x11, 0x08, "Voltage", "None" },
-        {0x11, 0x80, "Voltage", "None" },
-        {0x11, 0x03, "Voltage", "5.0V" },
-        {0x11, 0x06, "Voltage", "3.3V" },
-        {0x11, 0x04, "Voltage", "2.9V" },
-        {0x11, 0xFF, "Voltage", "12.7V"},
-        {0x11, 0x85, "Voltage", "0.5V" },
-    };
-    ExpectBytes(kProcessor, kBytes);
-    const Reading_t kWords[] = {
-        {0x1A, 0,      "L1 Cache Handle",           "00 "                                                   },
-        {0x1A, 0xFFFF, "L1 Cache Handle",           "65535 (No L1 handle or No cache information structure)"},
-        {0x1C, 0xFFFF, "L2 Cache Handle",           "65535 (No L2 handle or No cache information structure)"},
-        {0x1E, 100,    "L3 Cache Handle",           "100 "                                                  },
-        {0x26, 0x0000, "Processor Characteristics", "None"                                                  },
-        {0x26, 0x0002, "Processor Characteristics", ""                                                      },
-        {0x26, 0xFF00, "Processor Characteristics", ""                                                      },
-        {0x26, 0xFFF3, "Processor Characteristics",
-         "Hardware Thread |Execute Protection |Enhanced Virtualization |Power/Performance Control |"        },
-    };
-    ExpectWords(kProcessor, kWords);
-}
-
-TEST(Type4, ReadsZeroBehindItsLength) {
-    // The string's bytes must not show as numbers.
-    const ClItems items = Decode(ClStructureBuilder(4, 0x1A).Byte(0x04, 1).Strings({"AAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"}));
-    EXPECT_EQ(items.Count(), 30u);
-    EXPECT_EQ(items.Text("L1 Cache Handle"), "00 ");
-    EXPECT_EQ(items.Text("Serial Number"), "None");
-    EXPECT_EQ(items.Text("Processor Family 2"), "Unknown");
-    EXPECT_EQ(items.Text("Thread Count 2"), "0");
-    // The identification is two fields: a structure may end between them.
-    EXPECT_EQ(Decode(ClStructureBuilder(4, 0x0C).Dword(0x08, 0x1234)).Text("Processor ID"), "00000000h 1234h");
-    EXPECT_EQ(Decode(ClStructureBuilder(4, 0x1A).Byte(0x04, 1)).Text("Socket Designation"), "(null string)");
 }
 
 }  // namespace

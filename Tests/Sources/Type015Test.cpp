@@ -26,22 +26,6 @@ TEST(Type15, EarlyFormEndsWithTheAddress) {
     EXPECT_EQ(Decode(ClStructureBuilder(15, 0x17)).Count(), 4u + 10u);
 }
 
-TEST(Type15, StatusAndHeaderFormat) {
-    const Reading_t kReadings[] = {
-        {0x0B, 0x00, "Log Status",                               "00h (Log Area: Not Full, Not Valid)"   },
-        {0x0B, 0x02, "Log Status",                               "02h (Log Area: Full, Not Valid)"       },
-        {0x0B, 0xFF, "Log Status",                               "FFh (Log Area: Full, Valid)"           },
-        {0x14, 0x00, "Log Header Format",                        "00h (No header)"                       },
-        {0x14, 0x01, "Log Header Format",                        "01h (Type 1 header)"                   },
-        {0x14, 0x02, "Log Header Format",                        "02h (Error: reserved header type)"     },
-        {0x14, 0x7F, "Log Header Format",                        "7Fh (Error: reserved header type)"     },
-        {0x14, 0x80, "Log Header Format",                        "80h (BIOS or OEM specific header type)"},
-        {0x15, 0x03, "Number of Supported Log Type Descriptors", "03h"                                   },
-        {0x16, 0x0C, "Length of each Log Type Descriptor",       "0Ch"                                   },
-    };
-    ExpectBytes(ClStructureBuilder(15, 0x17), kReadings);
-}
-
 TEST(Type15, DescriptorsStopAtTheFormattedArea) {
     const std::string key = "List of Supported Event Log Type Descriptors";
     using Texts = std::vector<std::string>;

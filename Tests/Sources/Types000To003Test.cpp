@@ -45,14 +45,6 @@ TEST(Type0, EndsAtAMissingVersion) {
     EXPECT_EQ(unnamed.Text("BIOS Version"), "None");
 }
 
-TEST(Type0, ShowsStringBytesForAShortStructure) {
-    const ClItems items = Decode(ClStructureBuilder(0, 18).Bytes(4, {1, 1}).Strings({"\x01\x02\x03\x04\x05\x06"}));
-    EXPECT_EQ(items.Count(), 56u);
-    EXPECT_EQ(items.Text("ACPI Supported"), "Yes");
-    EXPECT_EQ(items.Text("System BIOS Major Release"), "3");
-    EXPECT_EQ(items.Text("Embedded Controller Firmware Minor Release"), "6h (6)");
-}
-
 TEST(Type1, ShowsStringsUuidAndWakeUp) {
     const ClStructureBuilder system = ClStructureBuilder(1, 0x1B)
                                           .Bytes(4, {1, 0, 9, 2, 0x4C, 0x00, 0x10, 0xAB})
@@ -61,9 +53,6 @@ TEST(Type1, ShowsStringsUuidAndWakeUp) {
     ExpectItems(system, "System Information {Type 1}",
                 "Manufacturer=M\nProduct Name=None\nVersion=None\nSerial Number=S\n"
                 "UUID=4c 0 10 ab 0 0 0 0 0 0 0 0 0 0 0 0\nWake-up Type=Power Switch\nSKU Number=K\nFamily=None\n");
-    ExpectEnumeration(system, 0x18, "Wake-up Type", "Error: Invalid Type", {0, "None", 8, "AC Power Restored"});
-    // A structure without UUID still shows all keys.
-    EXPECT_EQ(Decode(ClStructureBuilder(1, 8).Byte(4, 1).Strings({"M"})).Count(), 12u);
 }
 
 TEST(Type2, ShowsStringsFeaturesAndBoardType) {
@@ -75,51 +64,6 @@ TEST(Type2, ShowsStringsFeaturesAndBoardType) {
     ExpectItems(board, "Base board Information {Type 2}",
                 "Manufacturer=m\nBoard Name/ ID=n\nFab ID=f\nSerial Number=None\nAssert Tag=t\nFeature Flag=None\n"
                 "Board Type=Error: Invalid Type\nLocation In Chassis =l\nChassis Handle=00000012h\n");
-    ExpectEnumeration(board, 0x0D, "Board Type", "Error: Invalid Type", {1, "Unknown", 13, "InterConnect Board"});
-    const Reading_t kReadings[] = {
-        {0x09, 0x09, "Feature Flag",         "Hosting Board, replaceable"                           },
-        {0x09, 0x20, "Feature Flag",         ""                                                     },
-        {0x09, 0x21, "Feature Flag",         "Hosting Board, "                                      },
-        {0x09, 0x06, "Feature Flag",         "Requires Daughter Board or Auxiliary card , removable"},
-        {0x0A, 0,    "Location In Chassis ", "None"                                                 },
-    };
-    ExpectBytes(board, kReadings);
-}
-
-TEST(Type3, EachByteReadsAsItsTableSays) {
-    const ClStructureBuilder chassis = ClStructureBuilder(3, 0x15).Strings({"first", "second"});
-    const Reading_t kReadings[] = {
-        {0x04, 0,    "Manufacturer",          "None"                  },
-        {0x04, 1,    "Manufacturer",          "first"                 },
-        {0x04, 3,    "Manufacturer",          "(no such string)"      },
-        {0x05, 0,    "Chassis Type",          "None"                  },
-        {0x05, 0,    "Chassis Lock",          "None"                  },
-        {0x05, 0x80, "Chassis Type",          "Error: Invalid Type"   },
-        {0x05, 0x80, "Chassis Lock",          "Present"               },
-        {0x05, 0x83, "Chassis Type",          "Desktop"               },
-        {0x05, 0x43, "Chassis Type",          "Error: Invalid Type"   },
-        {0x05, 36,   "Chassis Type",          "Stick PC"              },
-        {0x05, 36,   "Chassis Lock",          "Not Present or Unknown"},
-        {0x05, 37,   "Chassis Type",          "Error: Invalid Type"   },
-        {0x0D, 0xAB, "OEM Defined",           "000000ABh"             },
-        {0x11, 0,    "Height",                "Unspecified"           },
-        {0x11, 1,    "Height",                "4 cm"                  },
-        {0x11, 42,   "Height",                "186 cm"                },
-        {0x11, 255,  "Height",                "1133 cm"               },
-        {0x12, 0,    "Number Of Power Cords", "Unspecified"           },
-        {0x12, 2,    "Number Of Power Cords", "2"                     },
-    };
-    ExpectBytes(chassis, kReadings);
-    ExpectEnumeration(chassis, 0x09, "Bootup State", "Error: Invalid State", {1, "Other", 6, "Non-recoverable"});
-    ExpectEnumeration(chassis, 0x0C, "Security Status", "Error: Invalid Status",
-                      {1, "Other", 5, "External Interface Enabled"});
-    EXPECT_EQ(Decode(ClStructureBuilder(3, 0x15).Byte(4, 2)).Text("Manufacturer"), "(null string)");
-}
-
-TEST(Type3, ReadsOnIntoTheRecordOfAShortStructure) {
-    const ClItems items = Decode(ClStructureBuilder(3, 0x0D).Strings({"AB"}));
-    EXPECT_EQ(items.Text("OEM Defined"), "00004241h");  // string bytes, then the closing NULs
-    EXPECT_EQ(items.Text("Height"), "Unspecified");     // behind the record
 }
 
 }  // namespace

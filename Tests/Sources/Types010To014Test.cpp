@@ -19,18 +19,6 @@ TEST(Type10, ShowsAsManyEntriesAsItHolds) {
     EXPECT_EQ(CountOf(255), 4u + 2 * 125);
 }
 
-TEST(Type10, TellsStatusAndType) {
-    const Reading_t kReadings[] = {
-        {4, 0x00, "Device Type", "Disabled, Error: Invalid Type"},
-        {4, 0x01, "Device Type", "Disabled, Other"              },
-        {4, 0x0A, "Device Type", "Disabled, SAS Controller"     },
-        {4, 0x7F, "Device Type", "Disabled, Error: Invalid Type"},
-        {4, 0x8A, "Device Type", "Enabled, SAS Controller"      },
-        {4, 0x8B, "Device Type", "Enabled, Error: Invalid Type" },
-    };
-    ExpectBytes(ClStructureBuilder(10, 6), kReadings);
-}
-
 TEST(Types11And12, ListTheirStrings) {
     ExpectItems(ClStructureBuilder(11, 5).Byte(4, 3).Strings({"one", "two"}), "OEM Strings {Type 11}",
                 "Number of OEM Strings=3\nOEM String=one\nOEM String=two\nOEM String=(no such string)\n");

@@ -19,42 +19,6 @@ TEST(Type130, ShowsTheFeature) {
                 "CD/DVD Boot=BIOS does not support boot from CD/DVD device\n"
                 "Location=VT100+ (Added function keys F5~F14)\nRemote Secure Erase=Remote Secure Erase supported\n"
                 "BIOS Secure Boot Capability=BIOS Secure Boot supported\nKVM Redirection Status=Enabled\n");
-    ExpectEnumeration(structure, 15, "Location", "Error: Invalid Type", {1, "VT52 (Basic monochrome)", 4, "PC-ANSI"});
-    const Reading_t kReadings[] = {
-        {8,  2,    "Lumetra(R) QXM Capability",        "This platform is not QXM capable"             },
-        {8,  2,    "Lumetra(R) QXM Capability Status", "(no such item)"                               },
-        {8,  0,    "Lumetra(R) QXM Capability",        "This platform is not QXM capable"             },
-        {14, 0x20, "BIOS Re-flash",                    "Supported"                                    },
-        {14, 0x1F, "BIOS Re-flash",                    "Not Supported"                                },
-        {14, 0x04, "Floppy Boot",                      "BIOS does not support boot from Floppy device"},
-        {14, 0x02, "Floppy Boot",                      "BIOS supports boot from Floppy device"        },
-        {18, 2,    "KVM Redirection Status",           "Disabled"                                     },
-    };
-    ExpectBytes(structure, kReadings);
-}
-
-TEST(Type130, TakesAllBitsOfItsStringNumber) {
-    const auto SignatureOf = [](uint32_t number) {
-        const auto structure = ClStructureBuilder(130, 19).Dword(4, number).Strings({"first", "second"});
-        return Decode(structure).Text("QXM Signature");
-    };
-    EXPECT_EQ(SignatureOf(0), "first");
-    EXPECT_EQ(SignatureOf(1), "first");
-    EXPECT_EQ(SignatureOf(3), "(no such string)");
-    EXPECT_EQ(SignatureOf(0x102), "(no such string)");
-    EXPECT_EQ(SignatureOf(0xFFFFFFFF), "(no such string)");
-    EXPECT_EQ(Decode(ClStructureBuilder(130, 19).Dword(4, 0xFFFFFFFF)).Text("QXM Signature"), "(null string)");
-}
-
-// What a short structure lacks reads 0, not the bytes of its strings.
-TEST(Type130, ReadsZeroBehindItsLength) {
-    const ClItems items =
-        Decode(ClStructureBuilder(130, 9).Byte(4, 1).Byte(8, 1).Strings({"\x01\x01\x01\x01\x01\xFF"}));
-    EXPECT_EQ(items.Text("Lumetra(R) QXM Capability Status"), "This platform is QXM capable");
-    EXPECT_EQ(items.Text("Lumetra QXM Feature Status"), "Disabled");
-    EXPECT_EQ(items.Text("BIOS Re-flash"), "Not Supported");
-    EXPECT_EQ(items.Text("Location"), "Error: Invalid Type");
-    EXPECT_EQ(items.Count(), 19u);
 }
 
 TEST(Type131, ShowsTheEngineAndItsDevices) {
@@ -77,16 +41,6 @@ TEST(Type131, ShowsTheEngineAndItsDevices) {
         "PV-b support status in BIOS setup screen=Supported\n"
         "NRT support status in BIOS setup screen=Not Supported\n"
         "PV-a support status in BIOS setup screen=Supported\n");
-}
-
-// A field that isn't there as a whole reads 0.
-TEST(Type131, ReadsZeroBehindItsLength) {
-    const ClItems items = Decode(ClStructureBuilder(131, 18).Dword(14, 0xFFFF0007).Strings({"\xFF\xFF\xFF\xFF"}));
-    EXPECT_EQ(items.Text("CVXBX Version"), "0.0.0.7");
-    EXPECT_EQ(items.Text("PCI Device Function Number"), "0x0");
-    EXPECT_EQ(items.Text("Lumetra(R) Corvex Enable Status"), "Disabled");
-    EXPECT_EQ(items.Text("PV-a support status in BIOS setup screen"), "Not Supported");
-    EXPECT_EQ(items.Count(), 30u);
 }
 
 }  // namespace
