@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Sources/Decoders.h"
-#include "Tests/Support/Expectations.h"
+#include "Tests/Support/Structures.h"
 
 namespace {
 

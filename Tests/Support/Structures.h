@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -69,3 +70,12 @@ ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestM
 ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine = {});
 // The items of the structures of the first one's type, the others standing in the table beside them.
 ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine = {});
+
+// Expects the structure's title, its head items "Type", "Length" and "Handle", and then these lines.
+void ExpectItems(const ClStructureBuilder& structure, const std::string& title, const std::string& lines);
+
+struct KeyText_t {
+    const char *key, *text;
+};
+// Expects the first item of each key to read so.
+void ExpectTexts(const ClItems& items, std::span<const KeyText_t> texts);
