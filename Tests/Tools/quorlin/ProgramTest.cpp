@@ -59,36 +59,48 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
                       entryAlone = WriteFile("entry", Cut(DumpOf(kTable, 2, 7, 32), 32)),
                       cutEntry = WriteFile("cut-entry", Cut(DumpOf(kTable, 2, 7, 32), 12));
     const struct {
-        const char* what;
         std::string arguments;
         int exitCode;
         const char* says;  // in its one line on standard error
     } kCases[] = {
-  // clang-format off
-        {"no such file",                         "--image " + missing,               1, "No such file"},
-        {"a folder",                             "--image " + testing::TempDir(),    1, ""            },
-        {"an empty file",                        "--image " + empty,                 1, "empty"       },
-        {"text",                                 "--image " + text,                  1, "not a table" },
-        {"a structure without its strings' end", "--image " + cut,                   1, "not a table" },
-        {"an entry point alone",                 "--image " + entryAlone,            1, "truncated"   },
-        {"a cut entry point",                    "--image " + cutEntry,              1, "truncated"   },
-        {"an unknown option",                    "--sampl",                          2, "--sampl"     },
-        {"an argument too many",                 "--sample extra",                   2, "extra"       },
-        {"two sources",                          "--sample --image " + missing,      2, "exclude"     },
-        {"a type that can't be",                 "--sample --type 255",              2, "255"         },
-        {"a type that is no number",             "--sample --type x",                2, "x"           },
-        {"an unknown format",                    "--sample --format xml",            2, "xml"         },
-        {"a version that is none",               "--sample --smbios-version 3",      2, "3.0"         },
-        {"a signature that is none",             "--sample --signature 12G",         2, "hexadecimal" },
-  // clang-format on
+        {"--image " + missing,                                     1, "No such file"         },
+        {"--image " + testing::TempDir(),                          1, ""                     },
+        {"--image " + empty,                                       1, "empty"                },
+        {"--image " + text,                                        1, "not a table"          },
+        {"--image " + cut,                                         1, "not a table"          },
+        {"--image " + entryAlone,                                  1, "truncated"            },
+        {"--image " + cutEntry,                                    1, "truncated"            },
+        {"--sampl",                                                2, "--sampl"              },
+        {"--sample extra",                                         2, "extra"                },
+        {"--sample --image " + missing,                            2, "exclude"              },
+        {"--sample --type 255",                                    2, "255"                  },
+        {"--sample --type x",                                      2, "x"                    },
+        {"--sample --format xml",                                  2, "xml"                  },
+        {"--sample --smbios-version 3",                            2, "3.0"                  },
+        {"--sample --signature 12G",                               2, "hexadecimal"          },
+        {"get 3 Makers --sample",                                  1, "--type 3"             },
+        {"shwo",                                                   2, "try quorlin --help"   },
+ // What would write, or is not understood, ends before the hardware library is opened.
+        {"hw msr write 16",                                        2, "needs --write VALUE"  },
+        {"hw msr write 16 --write 1",                              2, "takes both"           },
+        {"hw msr write 16 --yes-write-hardware",                   2, "takes both"           },
+        {"hw port write 0x80 1 --write 1",                         2, "takes both"           },
+        {"hw mem 0xFED00000 4 --write 1",                          2, "takes both"           },
+        {"hw cpuid 0 --write 1 --yes-write-hardware",              2, "writes nothing"       },
+        {"hw pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", 2, "writes nothing"       },
+        {"hw cpuid",                                               2, "takes other arguments"},
+        {"hw cpuids 0",                                            2, "is no operation"      },
+        {"hw pci 0000:00:20.0 2 5",                                2, "is no PCI function"   },
+        {"hw pci 00:03.0 2 5",                                     2, "is no PCI function"   },
+        {"hw cpuid 0 --cpu 256",                                   2, "no processor number"  },
     };
     for (const auto& c : kCases) {
         const ProgramRun_t run = RunQuorlin(c.arguments);
-        EXPECT_EQ(run.exitCode, c.exitCode) << c.what;
-        EXPECT_EQ(run.output, "") << c.what;
-        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << c.what << ": " << run.errors;
-        EXPECT_EQ(run.errors.substr(0, 9), "quorlin: ") << c.what;
-        EXPECT_NE(run.errors.find(c.says), std::string::npos) << c.what << ": " << run.errors;
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.arguments;
+        EXPECT_EQ(run.output, "") << c.arguments;
+        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << c.arguments << ": " << run.errors;
+        EXPECT_EQ(run.errors.substr(0, 9), "quorlin: ") << c.arguments;
+        EXPECT_NE(run.errors.find(c.says), std::string::npos) << c.arguments << ": " << run.errors;
     }
 }
 
@@ -96,7 +108,6 @@ TEST(Program, ShowsTypesInTheOrderAskedFor) {
     const std::string image = WriteFile("image.bin", kTable);
     const ProgramRun_t run = RunQuorlin("--format lines --type 13 --type 3 --image " + image);
     EXPECT_LT(run.output.find("{Type 13}"), run.output.find("{Type 3}"));
-    EXPECT_EQ(RunQuorlin("--format lines --type 200 --image " + image).output, "");
 }
 
 TEST(Program, TellsTheVersionOfABareTable) {
