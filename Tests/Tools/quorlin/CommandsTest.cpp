@@ -39,6 +39,8 @@ TEST(Commands, PrintWhatTheyAreAskedFor) {
     // Equal handles match first, whatever the order; what is left matches by order, and what then is left came or went.
     const std::string three = WriteFile("c.bin", TableOf({Chassis(1, "one"), Chassis(2, "two"), Chassis(3, "three")})),
                       others = WriteFile("d.bin", TableOf({Chassis(2, "two"), Chassis(9, "one")}));
+    const std::string bare = " --image " + WriteFile("bare.bin", TableBy("A")),
+                      old = " --image " + WriteFile("old.bin", DumpOf(TableBy("A"), 2, 0, 32));
     const std::string found = "System Enclosure or Chassis Types {Type 3}, handle 0007h\n  Manufacturer  Ma ker\n";
     const struct {
         std::string arguments;
@@ -58,6 +60,10 @@ TEST(Commands, PrintWhatTheyAreAskedFor) {
         {"get 3 Manufacturer --instance 2" + two,          0, "tw o\n"          },
         {"get 3 Makers" + two,                             1, ""                },
         {"get 14 Microcode --instance 2 --sample",         0, " 01.0a.00.1234\n"}, // the first group alone has a title
+        {"get 13 Flags" + bare,                            0, "00h\n"           }, // shown from version 2.1 on
+        {"get 13 Flags --smbios-version 2.0" + bare,       0, "None\n"          },
+        {"get 13 Flags --smbios-version 2.1" + bare,       0, "00h\n"           },
+        {"get 13 Flags" + old,                             0, "None\n"          },
         {"diff " + a + " " + b + " --ignore manufacturer", 0, ""                },
         {"diff " + a + " " + a,                            0, ""                },
         {"diff " + a + " " + folder + "no-such-file",      2, ""                },
@@ -80,22 +86,28 @@ TEST(Commands, PrintWhatTheyAreAskedFor) {
     }
 }
 
-TEST(Commands, DiffShowsItemsAndBytes) {
+TEST(Commands, PrintAmongOtherThings) {
     const std::string a = ImageBy("A", "a.bin"), b = ImageBy("B", "b.bin"),
                       c = WriteFile("c.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAB)})),
                       d = WriteFile("d.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAC)}));
     const struct {
-        std::string arguments, piece;
+        std::string arguments;
+        int exitCode;
+        const char* piece;
     } kCases[] = {
-        {a + " " + b,
+        {"diff " + a + " " + b,                  1,
          "System Enclosure or Chassis Types, type 3, handle 0007h\n-   Manufacturer  A\n+   Manufacturer  B\n"},
-        {c + " " + d,                  "-   Bytes  AB0000\n+   Bytes  AC0000\n"                               },
-        {a + " --sample --format csv", "\r\nadded,0,0,BIOS Information,,,,\r\n"                               },
+        {"diff " + c + " " + d,                  1, "-   Bytes  AB0000\n+   Bytes  AC0000\n"                  },
+        {"diff " + a + " --sample --format csv", 1, "\r\nadded,0,0,BIOS Information,,,,\r\n"                  },
+        {"--sample --type 14 --format csv",      0, "14,3585,2,Group Associations,,Microcode,"                },
+        {"check --image " + a,                   1, "checksums"                                               }, // a dump made by hand lacks them
+        {"--help",                               0, "--image FILE"                                            },
+        {"--version",                            0, "quorlin "                                                },
     };
-    for (const auto& [arguments, piece] : kCases) {
-        const ProgramRun_t run = RunQuorlin("diff " + arguments);
-        EXPECT_EQ(run.exitCode, 1) << arguments;
-        EXPECT_TRUE(Has(run.output, piece)) << run.output;
+    for (const auto& row : kCases) {
+        const ProgramRun_t run = RunQuorlin(row.arguments);
+        EXPECT_EQ(run.exitCode, row.exitCode) << row.arguments;
+        EXPECT_TRUE(Has(run.output, row.piece)) << row.arguments << ": " << run.output;
     }
 }
 
@@ -112,42 +124,30 @@ TEST(Commands, DumpMakesANewFileThatReadsTheSame) {
 }
 
 TEST(Commands, CheckFindsEachFlaw) {
-    const auto chassis = Chassis(7, "Maker"), other = Chassis(8, "Maker");
-    const Bytes_t fine = TableBy("Maker"), noEnd(fine.begin(), fine.end() - 6),
-                  tooShort = TableOf({ClStructureBuilder(3, 8)}),
-                  noHeader = TableOf({ClStructureBuilder(200, 4, 0x1010).Byte(1, 3)}),
-                  noString = TableOf({ClStructureBuilder(other).Byte(4, 2)}), twice = TableOf({chassis, chassis}),
-                  reference = TableOf({ClStructureBuilder(19, 15).Word(12, 0x99)}),
-                  noReference = TableOf({ClStructureBuilder(19, 15).Word(12, 0xFFFE)}),
-                  count = TableOf({ClStructureBuilder(37, 10).Bytes(4, {3, 1, 2}).Word(8, 0x10)}),
-                  strings = TableOf({ClStructureBuilder(11, 5).Byte(4, 1)}),
-                  code = TableOf({ClStructureBuilder(chassis).Byte(5, 0x7F)});
+    const auto chassis = Chassis(7, "Maker");
+    const Bytes_t fine = TableBy("Maker"), noEnd(fine.begin(), fine.end() - 6);
     const struct {
-        const char* what;
-        const Bytes_t& table;
+        Bytes_t table;
         const char* finding;  // a piece of the only one; empty for none
     } kCases[] = {
-        {"fine",            fine,        ""                         },
-        {"too short",       tooShort,    "below the 9"              },
-        {"no header",       noHeader,    "below a header's 4"       },
-        {"string",          noString,    "string number 2 at offset"},
-        {"twice a handle",  twice,       "has this handle"          },
-        {"reference",       reference,   "0099h at offset Ch"       },
-        {"no reference",    noReference, ""                         },
-        {"count",           count,       "counts 2 entries"         },
-        {"strings counted", strings,     "counts 1 strings"         },
-        {"code",            code,        "Chassis Type: a code"     },
-        {"no end",          noEnd,       "no End-of-Table"          },
+        {fine,                                                                    ""                         },
+        {TableOf({ClStructureBuilder(3, 8)}),                                     "below the 9"              },
+        {TableOf({ClStructureBuilder(200, 4, 0x1010).Byte(1, 3)}),                "below a header's 4"       },
+        {TableOf({Chassis(8, "Maker").Byte(4, 2)}),                               "string number 2 at offset"},
+        {TableOf({chassis, chassis}),                                             "has this handle"          },
+        {TableOf({ClStructureBuilder(19, 15).Word(12, 0x99)}),                    "0099h at offset Ch"       },
+        {TableOf({ClStructureBuilder(19, 15).Word(12, 0xFFFE)}),                  ""                         },
+        {TableOf({ClStructureBuilder(37, 10).Bytes(4, {3, 1, 2}).Word(8, 0x10)}), "counts 2 entries"         },
+        {TableOf({ClStructureBuilder(11, 5).Byte(4, 1)}),                         "counts 1 strings"         },
+        {TableOf({ClStructureBuilder(chassis).Byte(5, 0x7F)}),                    "Chassis Type: a code"     },
+        {noEnd,                                                                   "no End-of-Table"          },
     };
-    for (const auto& c : kCases) {
-        const ProgramRun_t run = RunQuorlin("check --image " + WriteFile("check.bin", c.table) + " --as table");
-        EXPECT_EQ(run.exitCode, *c.finding == '\0' ? 0 : 1) << c.what;
-        EXPECT_TRUE(Has(run.output, c.finding)) << c.what << ": " << run.output;
-        EXPECT_EQ(std::ranges::count(run.output, '\n'), *c.finding == '\0' ? 1 : 2) << c.what << ": " << run.output;
+    for (const auto& [table, finding] : kCases) {
+        const ProgramRun_t run = RunQuorlin("check --image " + WriteFile("check.bin", table) + " --as table");
+        EXPECT_EQ(run.exitCode, *finding == '\0' ? 0 : 1) << run.output;
+        EXPECT_TRUE(Has(run.output, finding)) << finding << ": " << run.output;
+        EXPECT_EQ(std::ranges::count(run.output, '\n'), *finding == '\0' ? 1 : 2) << run.output;
     }
-    // A dump made by hand lacks its checksums.
-    const std::string unsound = WriteFile("check.bin", DumpOf(fine, 3, 0, 32));
-    EXPECT_TRUE(Has(RunQuorlin("check --image " + unsound).output, "checksums"));
 }
 
 TEST(Commands, RecoverGoesOnBehindDamage) {

@@ -110,19 +110,6 @@ TEST(Program, ShowsTypesInTheOrderAskedFor) {
     EXPECT_LT(run.output.find("{Type 13}"), run.output.find("{Type 3}"));
 }
 
-TEST(Program, TellsTheVersionOfABareTable) {
-    const std::string bare = WriteFile("bare.bin", kTable), dump = WriteFile("dump.bin", DumpOf(kTable, 2, 0, 32));
-    const auto flags = [](const std::string& arguments) {
-        const std::string output = RunQuorlin("--format lines --type 13 " + arguments).output;
-        const size_t at = output.find("\"Flags\", ");
-        return at == output.npos ? "(no flags)" : output.substr(at + 9, output.find('\n', at) - at - 9);
-    };
-    EXPECT_EQ(flags("--image " + bare), "\"00h\"");
-    EXPECT_EQ(flags("--smbios-version 2.0 --image " + bare), "\"None\"");
-    EXPECT_EQ(flags("--smbios-version 2.1 --image " + bare), "\"00h\"");
-    EXPECT_EQ(flags("--image " + dump), "\"None\"");
-}
-
 TEST(Program, FormatsTextForPeople) {
     const ProgramRun_t run = RunQuorlin("--type 0 --sample");
     EXPECT_EQ(run.output.substr(0, run.output.find("  BIOS Vendor")),
@@ -131,16 +118,6 @@ TEST(Program, FormatsTextForPeople) {
     EXPECT_NE(run.output.find("\n  BIOS Characteristics\n    BIOS Characteristics Not Supported  "), std::string::npos);
     EXPECT_NE(run.output.find("\n\nBIOS Information {Type 0}_2\n"), std::string::npos);
     EXPECT_EQ(run.output.find('\x1b'), std::string::npos);  // colour is for terminals
-    // Strings of firmware don't steer the terminal.
-    const Bytes_t table = TableOf({ClStructureBuilder(3, 0x15).Byte(4, 1).Strings({"a\x1b[31m\nb"})});
-    const std::string image = WriteFile("escape.bin", table);
-    EXPECT_NE(RunQuorlin("--image " + image).output.find("a [31m b\n"), std::string::npos);
-}
-
-TEST(Program, AnswersHelpAndVersion) {
-    EXPECT_EQ(RunQuorlin("--help").exitCode, 0);
-    EXPECT_NE(RunQuorlin("--help").output.find("--image FILE"), std::string::npos);
-    EXPECT_EQ(RunQuorlin("--version").output.substr(0, 8), "quorlin ");
 }
 
 }  // namespace
