@@ -92,32 +92,6 @@ TEST(Type4, ShowsEveryField) {
                 "Core Count 2=300\nCore Enabled 2=299\nThread Count 2=600\n");
 }
 
-// The values around each gap; 02h is "Unknown" by its own row.
-TEST(Type4, NamesFamilies) {
-    const struct {
-        uint16_t family;
-        const char* text;
-    } kFamilies[] = {
-        {0,      "Unknown"        },
-        {1,      "Other"          },
-        {0xFF,   "Reserved"       },
-        {0x100,  "ARMv7"          },
-        {0x102,  "Unknown"        },
-        {0x103,  "Unknown"        },
-        {0x105,  "SH-4"           },
-        {302,    "MII"            },
-        {500,    "Video Processor"},
-        {501,    "Unknown"        },
-        {0xFFFF, "Unknown"        },
-    };
-    const ClSMBIOSType4 decoder(0);
-    for (const auto& [family, text] : kFamilies) EXPECT_EQ(decoder.GetProcessorFamilyString(family), text) << family;
-    size_t named = 0;
-    for (uint32_t family = 0; family < 0x10000; family++)
-        if (decoder.GetProcessorFamilyString(static_cast<uint16_t>(family)) != "Unknown") named++;
-    EXPECT_EQ(named, 266u);
-}
-
 TEST(Type4, RenamesTwoFamiliesOnOneProcessor) {
     const auto ExpectFamily = [](uint32_t signature, uint8_t family, const char* text) {
         const ClStructureBuilder processor = ClStructureBuilder(kProcessor).Byte(0x06, family).Word(0x28, family);

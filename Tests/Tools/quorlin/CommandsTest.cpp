@@ -90,18 +90,19 @@ TEST(Commands, PrintAmongOtherThings) {
     const std::string a = ImageBy("A", "a.bin"), b = ImageBy("B", "b.bin"),
                       c = WriteFile("c.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAB)})),
                       d = WriteFile("d.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAC)}));
+    const std::string heading = "System Enclosure or Chassis Types, type 3, handle 0007h\n";
     const struct {
         std::string arguments;
         int exitCode;
-        const char* piece;
+        std::string piece;
     } kCases[] = {
-        {"diff " + a + " " + b,                  1, "type 3, handle 0007h\n-   Manufacturer  A\n+   Manufacturer  B\n"},
-        {"diff " + c + " " + d,                  1, "-   Bytes  AB0000\n+   Bytes  AC0000\n"                          },
-        {"diff " + a + " --sample --format csv", 1, "\r\nadded,0,0,BIOS Information,,,,\r\n"                          },
-        {"--sample --type 14 --format csv",      0, "14,3585,2,Group Associations,,Microcode,"                        },
-        {"check --image " + a,                   1, "checksums"                                                       },
-        {"--help",                               0, "--image FILE"                                                    },
-        {"--version",                            0, "quorlin "                                                        },
+        {"diff " + a + " " + b,                  1, heading + "-   Manufacturer  A\n+   Manufacturer  B\n"},
+        {"diff " + c + " " + d,                  1, "-   Bytes  AB0000\n+   Bytes  AC0000\n"              },
+        {"diff " + a + " --sample --format csv", 1, "\r\nadded,0,0,BIOS Information,,,,\r\n"              },
+        {"--sample --type 14 --format csv",      0, "14,3585,2,Group Associations,,Microcode,"            },
+        {"check --image " + a,                   1, "checksums"                                           },
+        {"--help",                               0, "--image FILE"                                        },
+        {"--version",                            0, "quorlin "                                            },
     };
     for (const auto& row : kCases) {
         const ProgramRun_t run = RunQuorlin(row.arguments);
