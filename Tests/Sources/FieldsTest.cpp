@@ -150,6 +150,7 @@ TEST(Fields, ReadAsTheirTypesSay) {
         {130, 2, 0x04, 0,           "QXM Signature",               "first"                                          },
         {130, 2, 0x04, 0x102,       "QXM Signature",               "(no such string)"                               },
         {130, 4, 0x04, 0xFFFFFFFF,  "QXM Signature",               "(no such string)"                               },
+        {130, 1, 0x08, 1,           capable,                       "This platform is QXM capable"                   },
         {130, 1, 0x08, 2,           notCapable,                    "This platform is not QXM capable"               },
         {130, 1, 0x08, 2,           capable,                       "(no such item)"                                 },
         {130, 1, 0x0E, 0x20,        "BIOS Re-flash",               "Supported"                                      },

@@ -6,22 +6,6 @@
 
 namespace {
 
-TEST(Type130, ShowsTheFeature) {
-    ClStructureBuilder structure(130, 19);
-    structure.Dword(4, 2).Bytes(8, {1, 1, 2, 1, 255}).Bytes(14, {0x3E, 2, 0xC0, 0, 1}).Strings({"first", "\x01QX"});
-    ExpectItems(structure, "Lumetra QXM Components Information {Type 130}",
-                "QXM Signature=\x01QX\nLumetra(R) QXM Capability Status=This platform is QXM capable\n"
-                "Lumetra QXM Feature Status=Enabled\n"
-                "Lumetra SRoU(Storage Redirection over USB) Feature Status=Disabled\n"
-                "Lumetra SoL(Serial Over LAN) Feature Status=Enabled\nNetwork Interface Status=Disabled\n"
-                "BIOS Re-flash=Supported\nBIOS Setup=BIOS boot into setup screen is supported\n"
-                "BIOS Pause=BIOS pause before booting operating system is supported\n"
-                "Floppy Boot=BIOS does not support boot from Floppy device\n"
-                "CD/DVD Boot=BIOS does not support boot from CD/DVD device\n"
-                "Location=VT100+ (Added function keys F5~F14)\nRemote Secure Erase=Remote Secure Erase supported\n"
-                "BIOS Secure Boot Capability=BIOS Secure Boot supported\nKVM Redirection Status=Enabled\n");
-}
-
 TEST(Type131, ShowsTheEngineAndItsDevices) {
     ClStructureBuilder structure(131, 53);
     structure.Byte(4, 0x12).Word(8, 1).Word(10, 2).Word(12, 3).Word(14, 65535).Dword(16, 0x12AB00FA);

@@ -113,7 +113,3 @@ void ExpectItems(const ClStructureBuilder& structure, const std::string& title, 
                                              "\nLength=" + std::to_string(image[1]) +
                                              "\nHandle=" + std::to_string(image[2] | image[3] << 8) + "\n" + lines);
 }
-
-void ExpectTexts(const ClItems& items, std::span<const KeyText_t> texts) {
-    for (const auto& [key, text] : texts) EXPECT_EQ(items.Text(key), text) << key;
-}

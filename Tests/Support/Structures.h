@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -73,9 +72,3 @@ ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMach
 
 // Expects the structure's title, its head items "Type", "Length" and "Handle", and then these lines.
 void ExpectItems(const ClStructureBuilder& structure, const std::string& title, const std::string& lines);
-
-struct KeyText_t {
-    const char *key, *text;
-};
-// Expects the first item of each key to read so.
-void ExpectTexts(const ClItems& items, std::span<const KeyText_t> texts);
