@@ -164,7 +164,9 @@ TEST(Fields, ReadAsTheirTypesSay) {
         ClStructureBuilder structure = ClStructureBuilder(row.type, kEnough).Strings({"first", "second"});
         for (size_t place = 0; place < row.size; place++)
             structure.Byte(row.offset + place, static_cast<uint8_t>(row.value >> 8 * place));
-        EXPECT_EQ(Decode(structure).Text(row.key), row.text) << "type " << +row.type << ", " << row.value;
+        const ClItems items = Decode(structure);
+        EXPECT_EQ(items.Text(row.key), row.text) << "type " << +row.type << ", " << row.value;
+        EXPECT_TRUE(items[0].key.ends_with("{Type " + std::to_string(row.type) + "}#GROUPNAME")) << items[0].key;
     }
 }
 
@@ -237,26 +239,29 @@ TEST(Fields, BehindTheLengthReadAsTheirTypesSay) {
         size_t count;  // of all items, as in a structure of full length
         const char *key, *text;
     } kRows[] = {
-        {0,   18,   "\x01\x02\x03\x04\x05\x06", 56, "System BIOS Major Release",  "3"                  },
-        {1,   8,    "M",                        12, "Manufacturer",               "M"                  },
-        {3,   0x0D, "AB",                       17, "OEM Defined",                "00004241h"          },
-        {3,   0x0D, "AB",                       17, "Height",                     "Unspecified"        },
-        {4,   0x1A, "AAAAAAAAAAAAAAAA",         30, "Thread Count 2",             "0"                  },
-        {4,   0x0C, "AAAAAAAAAAAAAAAA",         30, "Processor ID",               "00000000h 1010101h" },
-        {7,   0x0F, "AAAAAA",                   14, "Associativity",              "Error: Invalid Type"},
-        {16,  0x0F, "AAAAAAAAAA",               11, "Extended Maximum Capacity",  "0000h 0000h"        },
-        {17,  0x15, "AAAAAAAAAAAAAAAA",         27, "Configured Voltage",         "Unknown"            },
-        {19,  0x13, "AAAAAAAA",                 10, "Extended Starting Address",  "0000 0000h"         },
-        {22,  0x10, "AB",                       18, "OEM Specific",               "00000000h"          },
-        {23,  0x09, "AB",                       9,  "Timer Interval",             "4241h"              },
-        {23,  0x09, "AB",                       9,  "Timeout",                    "0000h"              },
-        {24,  0x04, "m",                        5,  "Hardware Security Settings", "6Dh"                },
-        {26,  0x06, "AAAAAAAAAAAAAAAA",         12, "OEM Defined",                "00000000h"          },
-        {30,  0x05, "AA",                       6,  "Connections",                "00h"                },
-        {38,  0x10, "",                         11, "Interrupt Number",           "0"                  },
-        {130, 9,    "\x01\x01\x01\x01\x01\xFF", 19, "Lumetra QXM Feature Status", "Disabled"           },
-        {131, 18,   "\xFF\xFF\xFF\xFF",         30, "PCI Device Function Number", "0x0"                },
-        {222, 6,    "AAAA",                     6,  "IO Port",                    "0X0"                },
+        {0,   18,   "\x01\x02\x03\x04\x05\x06", 56, "System BIOS Major Release",  "3"                          },
+        {1,   8,    "M",                        12, "Manufacturer",               "M"                          },
+        {3,   0x0D, "AB",                       17, "OEM Defined",                "00004241h"                  },
+        {3,   0x0D, "AB",                       17, "Height",                     "Unspecified"                },
+        {4,   0x1A, "AAAAAAAAAAAAAAAA",         30, "Thread Count 2",             "0"                          },
+        {4,   0x0C, "AAAAAAAAAAAAAAAA",         30, "Processor ID",               "00000000h 1010101h"         },
+        {7,   0x0F, "AAAAAA",                   14, "Associativity",              "Error: Invalid Type"        },
+        {8,   0x08, "AAAA",                     9,  "Port Type",                  "None"                       },
+        {16,  0x0F, "AAAAAAAAAA",               11, "Extended Maximum Capacity",  "0000h 0000h"                },
+        {17,  0x15, "AAAAAAAAAAAAAAAA",         27, "Configured Voltage",         "Unknown"                    },
+        {19,  0x13, "AAAAAAAA",                 10, "Extended Starting Address",  "0000 0000h"                 },
+        {22,  0x10, "AB",                       18, "OEM Specific",               "00000000h"                  },
+        {23,  0x09, "AB",                       9,  "Timer Interval",             "4241h"                      },
+        {23,  0x09, "AB",                       9,  "Timeout",                    "0000h"                      },
+        {24,  0x04, "m",                        5,  "Hardware Security Settings", "6Dh"                        },
+        {26,  0x06, "AAAAAAAAAAAAAAAA",         12, "OEM Defined",                "00000000h"                  },
+        {30,  0x05, "AA",                       6,  "Connections",                "00h"                        },
+        {34,  0x0A, "A",                        8,  "Address Type",               "Error: Invalid Address Type"},
+        {38,  0x10, "",                         11, "Interrupt Number",           "0"                          },
+        {41,  0x0A, "A",                        12, "Device Number",              "8"                          },
+        {130, 9,    "\x01\x01\x01\x01\x01\xFF", 19, "Lumetra QXM Feature Status", "Disabled"                   },
+        {131, 18,   "\xFF\xFF\xFF\xFF",         30, "PCI Device Function Number", "0x0"                        },
+        {222, 6,    "AAAA",                     6,  "IO Port",                    "0X0"                        },
     };
     for (const auto& row : kRows) {
         ClStructureBuilder structure(row.type, row.length);
@@ -265,6 +270,7 @@ TEST(Fields, BehindTheLengthReadAsTheirTypesSay) {
         const ClItems items = Decode(structure);
         EXPECT_EQ(items.Text(row.key), row.text) << "type " << +row.type;
         EXPECT_EQ(items.Count(), row.count) << "type " << +row.type;
+        EXPECT_TRUE(items[0].key.ends_with("{Type " + std::to_string(row.type) + "}#GROUPNAME")) << items[0].key;
     }
 }
 
