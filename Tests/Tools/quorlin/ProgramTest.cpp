@@ -254,12 +254,14 @@ TEST(Program, TakesEveryFormOfImage) {
         const char* what;
         Bytes_t bytes;
     } kCases[] = {
-        {"_SM_ with the table at 32",           dump                                           },
-        {        "the address is an offset in the file",                         DumpOf(table,                                               3, 2, 64, 64)},
-        {       "the address is a physical one",                                  DumpOf(table,                                                                                 2, 7, 0xF1230)},
-        {                                                   "the address lies in the entry point",                                    DumpOf(table,  2, 7, 5)},
-        { "bytes behind the table's length", longer},
-        {"cut behind the first structure",                                   Cut(dump,                                                                                  32 + 0x15 + 7 + 9)},
+  // clang-format off
+        {"_SM_ with the table at 32",            dump                         },
+        {"the address is an offset in the file", DumpOf(table, 3, 2, 64, 64)  },
+        {"the address is a physical one",        DumpOf(table, 2, 7, 0xF1230) },
+        {"the address lies in the entry point",  DumpOf(table, 2, 7, 5)       },
+        {"bytes behind the table's length",      longer                       },
+        {"cut behind the first structure",       Cut(dump, 32 + 0x15 + 7 + 9) },
+  // clang-format on
     };
     for (const auto& c : kCases) {
         const ProgramRun_t run = RunQuorlin("get 3 Manufacturer --image " + WriteFile("image.bin", c.bytes));
