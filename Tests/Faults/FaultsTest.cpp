@@ -109,8 +109,6 @@ struct Case_t {
     const char* trace = nullptr;  // the settings that it runs under
 };
 
-std::ostream& operator<<(std::ostream& out, const Case_t& each) { return out << each.what; }
-
 class Faults : public testing::TestWithParam<Case_t> {
   protected:
     size_t Run() {

@@ -38,8 +38,6 @@ TEST(CrashReport, TellsTheCause) {
         std::string cause;
     } kCauses[] = {
         {0x80000002, "EXCEPTION_DATATYPE_MISALIGNMENT"},
-        {0x80000003, "EXCEPTION_BREAKPOINT"           },
-        {0xC000001D, "EXCEPTION_ILLEGAL_INSTRUCTION"  },
         {0xC0000094, "EXCEPTION_INT_DIVIDE_BY_ZERO"   },
         {0xC00000FD, "EXCEPTION_STACK_OVERFLOW"       },
         {0x40010005, "DBG_CONTROL_C (WTF!)"           },

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/Format/Structures.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
 
@@ -51,17 +52,16 @@ TEST(Cut, SampleDecodesAtEveryLength) { CutEverywhere(SampleTable().data(), Samp
 
 // Each structure stands alone, in a block of its own size.
 TEST(Cut, StructuresOfTheSampleDecodeWithEveryLengthByte) {
-    const Bytes_t sample(SampleTable().begin(), SampleTable().end());
-    for (size_t begin = 0; begin + 4 <= sample.size();) {
-        size_t end = begin + sample[begin + 1];
-        while (sample.at(end) != 0 || sample.at(end + 1) != 0) end++;
-        end += 2;
-        Bytes_t structure(sample.begin() + static_cast<ptrdiff_t>(begin), sample.begin() + static_cast<ptrdiff_t>(end));
+    const auto length = static_cast<uint32_t>(SampleTable().size());
+    for (uint32_t begin = 0; begin < length;) {
+        const TableStructure_t found = StructureAt(SampleTable().data(), length, begin);
+        ASSERT_GT(found.size, 0u) << "at " << begin;
+        Bytes_t structure(found.data, found.data + found.size);
         const uint32_t items = ItemsOf(structure.data(), structure.size(), 0);
         const uint8_t ownLength = structure[1];
         for (const uint32_t signature : {0u, 0x506C0u}) {
-            for (unsigned length = 0; length < 256; length++) {
-                structure[1] = static_cast<uint8_t>(length);
+            for (unsigned byte = 0; byte < 256; byte++) {
+                structure[1] = static_cast<uint8_t>(byte);
                 ItemsOf(structure.data(), structure.size(), signature);
             }
             // With a length of 255 the cuts lie inside the formatted area.
@@ -69,7 +69,7 @@ TEST(Cut, StructuresOfTheSampleDecodeWithEveryLengthByte) {
         }
         structure[1] = ownLength;
         EXPECT_EQ(ItemsOf(structure.data(), structure.size(), 0), items) << "structure at " << begin;
-        begin = end;
+        begin += found.size;
     }
 }
 

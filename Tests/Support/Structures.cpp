@@ -106,3 +106,10 @@ ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine
 ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine) {
     return DecodeTable(TableOf(structures), structures.front().Type(), machine);
 }
+
+void ExpectItems(const ClStructureBuilder& structure, const std::string& title, const std::string& lines) {
+    const std::vector<uint8_t> image = structure.Image();
+    EXPECT_EQ(Decode(structure).Lines(), title + "#GROUPNAME=\nType=" + std::to_string(image[0]) +
+                                             "\nLength=" + std::to_string(image[1]) +
+                                             "\nHandle=" + std::to_string(image[2] | image[3] << 8) + "\n" + lines);
+}

@@ -69,3 +69,6 @@ ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestM
 ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine = {});
 // The items of the structures of the first one's type, the others standing in the table beside them.
 ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine = {});
+
+// Expects the structure's title, its head items "Type", "Length" and "Handle", and then these lines.
+void ExpectItems(const ClStructureBuilder& structure, const std::string& title, const std::string& lines);

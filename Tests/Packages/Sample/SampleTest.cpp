@@ -1,38 +1,26 @@
-// The embedded sample is walked by its bytes alone, with none of the library's reading.
+// The embedded sample: well-formed, of all types, and with handles that fit.
 #include "Packages/Sample/Sample.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 #include <span>
 #include <vector>
 
+#include "Packages/Format/Structures.h"
+
 namespace {
 
-struct Structure_t {
-    std::span<const uint8_t> formatted;
-
-    uint8_t Type() const { return formatted[0]; }
-    uint16_t Word(size_t offset) const { return static_cast<uint16_t>(formatted[offset] | formatted[offset + 1] << 8); }
-    uint16_t Handle() const { return Word(2); }
-    bool Holds(size_t offset) const { return offset + 1 < formatted.size(); }
-};
+uint16_t Word(const TableStructure_t& structure, size_t offset) {
+    return static_cast<uint16_t>(structure.data[offset] | structure.data[offset + 1] << 8);
+}
 
 // The structures up to the first one that isn't well-formed; `rest` is what stays behind them.
-std::vector<Structure_t> Walk(std::span<const uint8_t> table, size_t* rest) {
-    std::vector<Structure_t> structures;
-    while (table.size() >= 6 && table[1] >= 4 && table[1] + 2U <= table.size()) {
-        const Structure_t structure{table.first(table[1])};
-        std::span<const uint8_t> area = table.subspan(table[1]);
-        if (area[0] == 0) area = area.subspan(1);  // no strings: two NULs all the same
-        while (!area.empty() && area[0] != 0) {
-            const auto end = std::find(area.begin(), area.end(), uint8_t{0});
-            area = {end == area.end() ? end : end + 1, area.end()};
-        }
-        if (area.empty() || area[0] != 0) break;
-        table = area.subspan(1);
-        structures.push_back(structure);
+std::vector<TableStructure_t> Walk(std::span<const uint8_t> table, size_t* rest) {
+    std::vector<TableStructure_t> structures;
+    while (BeginsWithStructure(table)) {
+        structures.push_back(StructureAt(table.data(), static_cast<uint32_t>(table.size()), 0));
+        table = table.subspan(structures.back().size);
     }
     *rest = table.size();
     return structures;
@@ -41,7 +29,7 @@ std::vector<Structure_t> Walk(std::span<const uint8_t> table, size_t* rest) {
 class Sample : public ::testing::Test {
   protected:
     size_t m_rest = 0;
-    const std::vector<Structure_t> m_structures = Walk(SampleTable(), &m_rest);
+    const std::vector<TableStructure_t> m_structures = Walk(SampleTable(), &m_rest);
 };
 
 TEST_F(Sample, IsWellFormedAndSmall) {
@@ -51,12 +39,12 @@ TEST_F(Sample, IsWellFormedAndSmall) {
     EXPECT_LT(SampleTable().size(), 14U * 1024) << "the host program reads all of it at each start";
 
     std::map<uint16_t, int> handles;
-    for (const Structure_t& s : m_structures) EXPECT_EQ(++handles[s.Handle()], 1) << "handle " << s.Handle();
+    for (const TableStructure_t& s : m_structures) EXPECT_EQ(++handles[s.Handle()], 1) << "handle " << s.Handle();
 }
 
 TEST_F(Sample, HoldsSeveralStructuresOfEachType) {
     std::map<int, int> count;
-    for (const Structure_t& s : m_structures) ++count[s.Type()];
+    for (const TableStructure_t& s : m_structures) ++count[s.Type()];
     for (int type = 0; type <= 42; ++type) EXPECT_GE(count[type], 2) << "type " << type;
     for (const int type : {126, 130, 131, 221, 222}) EXPECT_GE(count[type], 2) << "type " << type;
     EXPECT_EQ(count[148], 3) << "one of each layout";
@@ -88,14 +76,13 @@ TEST_F(Sample, HandleFieldsNameStructuresOfTheRightType) {
         {39, 0x14, 29},
     };
     std::map<uint16_t, uint8_t> types;
-    for (const Structure_t& s : m_structures) types[s.Handle()] = s.Type();
+    for (const TableStructure_t& s : m_structures) types[s.Handle()] = s.Type();
     for (const auto& field : kFields) {
-        for (const Structure_t& s : m_structures) {
-            if (s.Type() != field.type || !s.Holds(field.offset)) continue;
-            const uint16_t handle = s.Word(field.offset);
+        for (const TableStructure_t& s : m_structures) {
+            if (s.Type() != field.type || field.offset + 2U > s.Length()) continue;
+            const uint16_t handle = Word(s, field.offset);
             if (handle >= 0xFFFE) continue;  // none
-            ASSERT_TRUE(types.contains(handle)) << "type " << +field.type << " names " << handle;
-            EXPECT_TRUE(field.named == 0 || types[handle] == field.named)
+            EXPECT_TRUE(types.contains(handle) && (field.named == 0 || types[handle] == field.named))
                 << "type " << +field.type << " names " << handle;
         }
     }
@@ -103,12 +90,12 @@ TEST_F(Sample, HandleFieldsNameStructuresOfTheRightType) {
 
 TEST_F(Sample, ArraysHaveAsManyMemoryDevicesAsTheySay) {
     std::map<uint16_t, int> devices;
-    for (const Structure_t& s : m_structures) {
-        if (s.Type() == 17) ++devices[s.Word(0x04)];
+    for (const TableStructure_t& s : m_structures) {
+        if (s.Type() == 17) ++devices[Word(s, 0x04)];
     }
-    for (const Structure_t& s : m_structures) {
+    for (const TableStructure_t& s : m_structures) {
         if (s.Type() != 16) continue;
-        EXPECT_EQ(s.Word(0x0D), devices[s.Handle()]) << "array " << s.Handle();
+        EXPECT_EQ(Word(s, 0x0D), devices[s.Handle()]) << "array " << s.Handle();
     }
 }
 
