@@ -200,11 +200,8 @@ TEST_F(Requests, ExtendedSpaceUnderAHypervisorIsTheFirst256Bytes) {
 
 TEST_F(Requests, ProcessorNumbers) {
     CPUIDRecord_t record = {};
-    EXPECT_EQ(ReadCPUID(7, &record), kSuccess);
-    EXPECT_EQ(ReadCPUID(8, &record), kBadValue);
-    EXPECT_EQ(ReadCPUID(255, &record), kBadValue);
-    EXPECT_EQ(ReadCPUID(256, &record), kSuccess);
-    EXPECT_EQ(ReadCPUID(257, &record), kBadValue);
+    for (const uint32_t number : {7u, 8u, 255u, 256u, 257u})
+        EXPECT_EQ(ReadCPUID(number, &record), number == 7 || number == 256 ? kSuccess : kBadValue) << number;
     EXPECT_TRUE(Platform().Traced(2, "Number of logical processors : 8"));
 }
 
