@@ -25,7 +25,6 @@ struct ScriptedService_t {
     DWORD waitHint = 0;
     std::deque<DWORD> nextStates = {};   // that the next status queries find; the last of them stays
     std::deque<DWORD> startErrors = {};  // of the next starts, in place of what the machine would say
-    DWORD stateAfterStop = SERVICE_STOPPED;
 };
 
 // A request as the device got it.

@@ -162,74 +162,57 @@ TEST_F(LifeCycle, ForeignServiceSurvivesAFailedOpen) {
     EXPECT_EQ(Platform().SharedCount(), std::nullopt);
 }
 
-TEST_F(LifeCycle, StopWaitsATenthOfTheHint) {
+TEST_F(LifeCycle, StopWaitsATenthOfTheHintAndAFailedOneLeavesSectionAndView) {
     constexpr DWORD kPending = SERVICE_STOP_PENDING, kRunning = SERVICE_RUNNING, kStopped = SERVICE_STOPPED;
     const struct {
-        const char* line;
+        const char *line, *failing;
         DWORD hint;
         std::deque<DWORD> states;
         std::vector<DWORD> sleeps;
         size_t controls;
         status_t status;
     } kCases[] = {
-        {"StopDriver: Service is already stopped.\n", 0,      {kStopped},           {},                       0, 1},
-        {"StopDriver: Service stopped.\n",            0,      {kPending, kStopped}, {1000},                   0, 1},
-        {"StopDriver: Service stopped.\n",            200,    {kPending, kStopped}, {1000},                   0, 1},
-        {"StopDriver: Service stopped.\n",            25000,  {kPending, kStopped}, {2500},                   0, 1},
-        {"StopDriver: Service stopped.\n",            200000, {kPending, kStopped}, {10000},                  0, 1},
-        {"StopDriver: Service stop pending...\n",     0,      {kPending, kRunning}, {1000},                   1, 1},
-        {"OSFERROXTerminate: StopDriver failed",      90000,  {kPending},           {9000, 9000, 9000, 9000}, 0, 5},
+        {"StopDriver: Service is already stopped.\n",                  "",                       0,      {kStopped},           {},                       0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       0,      {kPending, kStopped}, {1000},                   0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       200,    {kPending, kStopped}, {1000},                   0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       25000,  {kPending, kStopped}, {2500},                   0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       200000, {kPending, kStopped}, {10000},                  0, 1},
+        {"StopDriver: Service stop pending...\n",                      "",                       0,      {kPending, kRunning}, {1000},                   1, 1},
+        {"OSFERROXTerminate: StopDriver failed",                       "",                       90000,  {kPending},           {9000, 9000, 9000, 9000}, 0, 5},
+        {"StopDriver: Service has not stopped \n",                     "",                       0,      {kRunning, kRunning}, {},                       1, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "OpenSCManagerA#3",       0,      {},                   {},                       0, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "OpenServiceA#3",         0,      {},                   {},                       0, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "QueryServiceStatusEx#1", 0,      {},                   {},                       0, 5},
+        {"StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n", "ControlService#1",       0,      {},                   {},                       0, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "QueryServiceStatusEx#2", 0,      {},                   {},                       1, 5},
+        {"StopDriver: Could not unlock file : Ravelink.sys \n",        "CloseHandle file#1",     0,      {},                   {},                       1, 5},
+        {"OSFERROXTerminate: RemoveDriver failed",                     "OpenServiceA#4",         0,      {},                   {},                       1, 5},
+        {"OSFERROXTerminate: RemoveDriver failed",                     "DeleteService#1",        0,      {},                   {},                       1, 5},
     };
     for (const auto& c : kCases) {
+        const std::string at = std::string(c.line) + " " + c.failing + " " + std::to_string(c.hint);
         NewPlatform();
-        ASSERT_EQ(FERROXInitialize(), kSuccess);
+        ASSERT_EQ(FERROXInitialize(), kSuccess) << at;
         Platform().service.waitHint = c.hint;
         Platform().service.nextStates = c.states;
-        EXPECT_EQ(FERROXTerminate(), c.status) << c.hint;
-        EXPECT_EQ(Platform().sleeps, c.sleeps) << c.hint;
-        EXPECT_EQ(Platform().controls.size(), c.controls) << c.hint;
-        EXPECT_TRUE(Traced(c.line)) << c.hint;
-        EXPECT_EQ(Platform().service.exists, c.status != kSuccess) << c.hint;
-        if (c.status == kSuccess) continue;
-        // Left behind for the next try, once the service has stopped.
-        Platform().service.state = kStopped;
-        EXPECT_EQ(FERROXInitialize(), kSuccess);
-        TerminateAndLeaveNothing(c.line);
-    }
-}
-
-TEST_F(LifeCycle, FailedStopOrRemovalLeavesSectionAndView) {
-    const struct {
-        const char* failing;
-        size_t controls;
-        const char* line;
-    } kCases[] = {
-        {"OpenSCManagerA#3",       0, "OSFERROXTerminate: StopDriver failed"                      },
-        {"OpenServiceA#3",         0, "OSFERROXTerminate: StopDriver failed"                      },
-        {"QueryServiceStatusEx#1", 0, "OSFERROXTerminate: StopDriver failed"                      },
-        {"ControlService#1",       0, "StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n"},
-        {"QueryServiceStatusEx#2", 1, "OSFERROXTerminate: StopDriver failed"                      },
-        {"(still running)",        1, "StopDriver: Service has not stopped \n"                    },
-        {"CloseHandle file#1",     1, "StopDriver: Could not unlock file : Ravelink.sys \n"       },
-        {"OpenServiceA#4",         1, "OSFERROXTerminate: RemoveDriver failed"                    },
-        {"DeleteService#1",        1, "OSFERROXTerminate: RemoveDriver failed"                    },
-    };
-    for (const auto& c : kCases) {
-        NewPlatform();
-        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.failing;
         Platform().failCalls = {c.failing};
-        if (c.failing[0] == '(') Platform().service.stateAfterStop = SERVICE_RUNNING;
-        EXPECT_EQ(FERROXTerminate(), kFailure) << c.failing;
-        EXPECT_EQ(Platform().controls.size(), c.controls) << c.failing;
-        EXPECT_TRUE(Traced(c.line)) << c.failing;
-        EXPECT_EQ(Platform().Open(), "section view ") << c.failing;
-        EXPECT_EQ(Platform().SharedCount(), 0u) << c.failing;
-        EXPECT_EQ(FERROXTerminate(), kFailure) << c.failing;  // closed, whatever became of the service
-        // A later try takes both over and brings all to its end.
-        Platform().failCalls.clear();
-        Platform().service.stateAfterStop = SERVICE_STOPPED;
-        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.failing;
-        TerminateAndLeaveNothing(c.failing);
+        EXPECT_EQ(FERROXTerminate(), c.status) << at;
+        EXPECT_EQ(Platform().sleeps, c.sleeps) << at;
+        EXPECT_EQ(Platform().controls.size(), c.controls) << at;
+        EXPECT_TRUE(Traced(c.line)) << at;
+        if (c.status != kSuccess) {
+            EXPECT_TRUE(Platform().service.exists) << at;
+            EXPECT_EQ(Platform().Open(), "section view ") << at;
+            EXPECT_EQ(Platform().SharedCount(), 0u) << at;
+            EXPECT_EQ(FERROXTerminate(), kFailure) << at;  // closed, whatever became of the service
+            // A later try, once a stop that lasted has come to its end, takes all over.
+            Platform().failCalls.clear();
+            if (Platform().service.state == kPending) Platform().service.state = kStopped;
+            ASSERT_EQ(FERROXInitialize(), kSuccess) << at;
+            EXPECT_EQ(FERROXTerminate(), kSuccess) << at;
+        }
+        EXPECT_FALSE(Platform().service.exists) << at;
+        EXPECT_EQ(Platform().Open(), "") << at;
     }
 }
 

@@ -26,23 +26,16 @@ std::string Text(const Record& record) {
 }  // namespace
 
 TEST_F(Requests, OfVersions) {
-    const struct {
-        status_t (*ask)(uint32_t*);
-        uint32_t code;
-    } kCases[] = {
-        {GetFERROXDriverVersion, 0x80240004},
-        {GetCPULibVersion,       0x80240090},
-        {GetIOLibVersion,        0x80240094},
-        {GetPCILibVersion,       0x80240098},
-    };
-    for (const auto& c : kCases) {
+    std::deque<uint32_t> codes = {0x80240004, 0x80240090, 0x80240094, 0x80240098};
+    for (const auto& ask : {GetFERROXDriverVersion, GetCPULibVersion, GetIOLibVersion, GetPCILibVersion}) {
         uint32_t version = 0;
-        EXPECT_EQ(c.ask(&version), kSuccess);
-        EXPECT_EQ(version, 0x01000000 | (c.code & 0xFF));
+        EXPECT_EQ(ask(&version), kSuccess);
+        EXPECT_EQ(version, 0x01000000 | (codes.front() & 0xFF));
         const DeviceRequest_t& request = Platform().requests.back();
-        EXPECT_EQ(request.code, c.code);
+        EXPECT_EQ(request.code, codes.front());
         EXPECT_EQ(request.in.size(), 0u);
         EXPECT_EQ(request.outSize, 4u);
+        codes.pop_front();
     }
 }
 
