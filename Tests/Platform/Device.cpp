@@ -16,6 +16,11 @@ void Put32(uint8_t* bytes, uint32_t number) {
     for (int index = 0; index < 4; ++index) bytes[index] = static_cast<uint8_t>(number >> 8 * index);
 }
 
+// Bytes that count up from `first`.
+void PutRising(uint8_t* bytes, uint64_t first) {
+    for (uint64_t index = 0; index < 4; ++index) bytes[index] = static_cast<uint8_t>(first + index);
+}
+
 void AnswerMemory(const DeviceRequest_t& request, bool addOffset, uint8_t* out) {
     const uint64_t address = request.Number(8, 8) + (addOffset ? request.Number(16, 4) : 0);
     const size_t size = request.Number(20, 4);
@@ -40,30 +45,19 @@ void Answer(const DeviceRequest_t& request, uint8_t* out) {
         case 0x80240098:  // versions
             Put32(out, 0x01000000 | (request.code & 0xFF));
             break;
-        case 0x80240034:  // port
-            for (uint8_t index = 0; index < 4; ++index) {
-                out[kFixedData + index] = static_cast<uint8_t>(0x90 + index);
-            }
-            break;
-        case 0x80240040:  // MSR
+        case 0x80240034: PutRising(out + kFixedData, 0x90); break;  // port
+        case 0x80240040:                                            // MSR
             Put32(out + 12, 0x11223344);
             Put32(out + 16, 0x55667788);
             break;
         case 0x80240048:
-        case 0x802400F4:  // configuration space
-            for (uint8_t index = 0; index < 4; ++index) {
-                out[kFixedData + index] = static_cast<uint8_t>(request.Number(8, 4) + index);
-            }
-            break;
-        case 0x8024009C:  // non-turbo frequency
-            Put32(out + 12, 2400);
-            break;
+        case 0x802400F4: PutRising(out + kFixedData, request.Number(8, 4)); break;  // configuration space
+        case 0x8024009C: Put32(out + 12, 2400); break;                              // non-turbo frequency
         case 0x80240114:
         case 0x80240118: AnswerMemory(request, false, out); break;
         case 0x802400FC:
         case 0x80240104: AnswerMemory(request, true, out); break;
-        default:  // writes
-            break;
+        default: break;  // writes
     }
 }
 

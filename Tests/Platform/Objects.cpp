@@ -9,8 +9,7 @@ STAND_IN(BOOL, CloseHandle, (HANDLE handle)) {
     if (Platform().Remove(handle)) return TRUE;
     if (auto* system = SystemFunction<decltype(CloseHandle)>("CloseHandle")) return system(handle);
     ++Platform().badCloses;
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
+    return Fail(ERROR_INVALID_HANDLE);
 }
 
 // ---- Mutex
@@ -35,8 +34,7 @@ STAND_IN(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds)) {
 STAND_IN(BOOL, ReleaseMutex, (HANDLE handle)) {
     if (!Platform().IsOpen(handle, "mutex") || !Platform().mutexHeld) {
         ++Platform().badCloses;
-        SetLastError(ERROR_NOT_OWNER);
-        return FALSE;
+        return Fail(ERROR_NOT_OWNER);
     }
     Platform().mutexHeld = false;
     return TRUE;
@@ -59,8 +57,7 @@ STAND_IN(HANDLE, CreateFileMappingA,
     if (!Platform().Call("CreateFileMappingA")) return nullptr;
     if (file != INVALID_HANDLE_VALUE || protection != PAGE_READWRITE || size != 4 ||
         name != std::string("Global\\OSMIRALSharedMemoryExt")) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
+        return Fail(ERROR_INVALID_PARAMETER), nullptr;
     }
     if (!Platform().SharedCount()) Platform().section = 0;
     Platform().sectionSecurity =

@@ -19,13 +19,12 @@ inline constexpr char kDriverFile[] = "C:\\Drivers\\Ravelink.sys";
 // The one service of the machine.
 struct ScriptedService_t {
     bool exists = false;
-    std::string path;
+    std::string path = {};
     DWORD startType = SERVICE_DEMAND_START;
     DWORD state = SERVICE_STOPPED;
     DWORD waitHint = 0;
-    std::deque<DWORD> nextStates;   // that the next status queries find; the last of them stays
-    std::deque<DWORD> startErrors;  // of the next starts, in place of what the machine would say
-    DWORD stateAfterStop = SERVICE_STOPPED;
+    std::deque<DWORD> nextStates = {};   // that the next status queries find; the last of them stays
+    std::deque<DWORD> startErrors = {};  // of the next starts, in place of what the machine would say
 };
 
 // A request as the device got it.

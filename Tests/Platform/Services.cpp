@@ -63,7 +63,7 @@ STAND_IN(BOOL, ControlService, (SC_HANDLE handle, DWORD control, LPSERVICE_STATU
     if (!Platform().Call("ControlService")) return FALSE;
     if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
     Platform().controls.push_back(control);
-    Platform().service.state = Platform().service.stateAfterStop;
+    Platform().service.state = SERVICE_STOPPED;
     return TRUE;
 }
 

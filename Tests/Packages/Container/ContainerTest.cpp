@@ -83,20 +83,17 @@ TEST(SortedList, TakesTheCallersPosition) {
     ContainerHandle_t handle = nullptr;
     ASSERT_EQ(InitContainer(&params, &handle, 0), kSuccess);
     int32_t value = 7;
-    const struct {
-        int32_t position;
-        status_t status;
-    } kCases[] = {
+    constexpr std::pair<int32_t, status_t> kCases[] = {
         {-1, 2},
         {1,  2},
         {0,  1},
         {2,  2},
         {1,  1},
-        {0,  1},
+        {0,  1}
     };
-    for (const auto& c : kCases) {
-        position = c.position;
-        EXPECT_EQ(Insert(handle, &value), c.status) << c.position;
+    for (const auto& [place, status] : kCases) {
+        position = place;
+        EXPECT_EQ(Insert(handle, &value), status) << place;
     }
     void* data = nullptr;
     while (Pop(handle, &data) == kSuccess) EXPECT_EQ(data, &value);
@@ -110,20 +107,17 @@ TEST(Front, TheDataTypeChoosesTheComparison) {
     const struct {
         uint32_t dataType;
         const void *first, *second;
-        int32_t order;
+        int32_t order, reversed;
     } kCases[] = {
-        {kInt32Data,  &kHigh,  &kLow,      1 },
-        {kInt32Data,  &kLow,   &kHigh,     -1},
-        {kInt32Data,  &kLow,   &kLow,      0 },
-        {kInt8Data,   &kPlus,  &kMinus,    1 },
-        {kInt8Data,   &kMinus, &kPlus,     -1},
-        {kFloatData,  &kTwo,   &kOne,      1 },
-        {kFloatData,  &kOne,   &kOne,      0 },
-        {kFloatData,  &kNaN,   &kOne,      -1},
-        {kFloatData,  &kOne,   &kNaN,      -1},
-        {kStringData, "ab",    "a",        1 },
-        {kStringData, "a",     "\xC3\xA4", -1}, // bytes, not signed characters
-        {kStringData, "a",     "a",        0 },
+        {kInt32Data,  &kHigh, &kLow,      1,  -1},
+        {kInt32Data,  &kLow,  &kLow,      0,  0 },
+        {kInt8Data,   &kPlus, &kMinus,    1,  -1},
+        {kFloatData,  &kTwo,  &kOne,      1,  -1},
+        {kFloatData,  &kOne,  &kOne,      0,  0 },
+        {kFloatData,  &kNaN,  &kOne,      -1, -1},
+        {kStringData, "ab",   "a",        1,  -1},
+        {kStringData, "a",    "\xC3\xA4", -1, 1 }, // bytes, not signed characters
+        {kStringData, "a",    "a",        0,  0 },
     };
     for (const auto& c : kCases) {
         ContainerParams_t params{};
@@ -133,6 +127,7 @@ TEST(Front, TheDataTypeChoosesTheComparison) {
         ASSERT_EQ(InitContainer(&params, &handle, 0), kSuccess);
         EXPECT_NE(params.CompareFunction, CompareKeys);
         EXPECT_EQ(params.CompareFunction(c.first, c.second), c.order);
+        EXPECT_EQ(params.CompareFunction(c.second, c.first), c.reversed);
         EXPECT_EQ(params.PositionFunction, SortedListPosition);
         EXPECT_EQ(UnInitContainer(handle), kSuccess);
     }

@@ -13,8 +13,6 @@ namespace {
 
 using Failures = ClMachineTest;
 
-constexpr uint64_t kTableAddress = 0x9F000;
-
 // The first structures of the sample.
 std::span<const uint8_t> Table() { return SampleTable().first(900); }
 
@@ -28,17 +26,10 @@ void PutTableInFirmware() {
 
 // The same for the second road: in memory, with both entry points, the later one in the second block of the scan.
 void PutTableInMemory() {
-    const auto table = Table();
-    const auto put = [](uint64_t address, std::span<const uint8_t> bytes) {
-        for (const uint8_t byte : bytes) Platform().memory[address++] = byte;
-    };
-    const uint8_t entry[] = {'_', 'S', 'M', '_', 0, 0x1F, 3, 0};
-    const uint8_t dmiEntry[] = {
-        '_',  'D',  'M',  'I', '_', 0, static_cast<uint8_t>(table.size()), static_cast<uint8_t>(table.size() >> 8),
-        0x00, 0xF0, 0x09, 0x00};
-    put(0xF0000, entry);
-    put(0xF1000, dmiEntry);
-    put(kTableAddress, table);
+    PutEntry(0xF0000);
+    PutDMI(0xF1000, Table().size());
+    uint64_t address = kTable;
+    for (const uint8_t byte : Table()) Platform().memory[address++] = byte;
 }
 
 // The items that a host gets out of the package.

@@ -1,5 +1,6 @@
 // The front's checks, lines and counts.
 #include <functional>
+#include <span>
 
 #include "Tests/Packages/FERROXLib/Library.h"
 
@@ -24,83 +25,48 @@ MSRRecord_t* Register(uint32_t number) {
     return &msr;
 }
 
-const DynamicMMIORecord_t* Dynamic(uint32_t registerOffset) {
-    static DynamicMMIORecord_t record;
-    record = {1, registerOffset, 0x40};
-    return &record;
+template <auto kMove>
+status_t MoveDynamic(uint64_t, uint32_t registerOffset, DataBuffer_t* buffer) {
+    const DynamicMMIORecord_t record = {1, registerOffset, 0x40};
+    return kMove(&record, buffer);
 }
 
 }  // namespace
 
 TEST_F(Front, ChecksArgumentsBeforeTheDriverIsAsked) {
-    struct Case_t {
+    const struct {
         const char* what;
         std::function<status_t()> call;
         status_t status;
-    };
-    const Case_t kCases[] = {
-        {"library version",      [] { return GetFERROXLibVersion(nullptr); },                    4},
-        {"driver version",       [] { return GetFERROXDriverVersion(nullptr); },                 4},
-        {"PCI library version",  [] { return GetPCILibVersion(nullptr); },                       4},
-        {"I/O library version",  [] { return GetIOLibVersion(nullptr); },                        4},
-        {"CPU library version",  [] { return GetCPULibVersion(nullptr); },                       4},
-        {"PCI null",             [] { return PCIRead(0, 65535, nullptr); },                      4},
-        {"PCI above 256",        [] { return PCIRead(0, 252, five.Get()); },                     2},
-        {"PCI offset",           [] { return PCIRead(0, 65535, none.Get()); },                   2},
-        {"PCI sum wraps",        [] { return PCIRead(0, 1, hugest.Get()); },                     2},
-        {"PCIEx null",           [] { return PCIExRead(0, 0, nullptr); },                        4},
-        {"PCIEx above 4096",     [] { return PCIExRead(0, 4092, five.Get()); },                  2},
-        {"PCIEx offset",         [] { return PCIExRead(0, 65535, none.Get()); },                 2},
-        {"MMIO null",            [] { return PCIMMIORead(0, 0, nullptr); },                      4},
-        {"MMIO offset",          [] { return PCIMMIORead(0x1000, 65535, four.Get()); },          2},
-        {"MMIO address 0",       [] { return PCIMMIORead(0, 0, four.Get()); },                   2},
-        {"MMIO address 65535",   [] { return PCIMMIORead(65535, 0, four.Get()); },               2},
-        {"MMIO size 0",          [] { return PCIMMIORead(0x1000, 0, none.Get()); },              2},
-        {"stored null",          [] { return PCIMMIOReadStored(1, 0, nullptr); },                4},
-        {"stored offset",        [] { return PCIMMIOReadStored(1, 65535, four.Get()); },         2},
-        {"stored size 0",        [] { return PCIMMIOReadStored(1, 0, none.Get()); },             2},
-        {"GPIO null",            [] { return MMIOReadGPIO(1, 0, nullptr); },                     4},
-        {"GPIO address",         [] { return MMIOReadGPIO(0, 0, four.Get()); },                  2},
-        {"GPIO size 0",          [] { return MMIOReadGPIO(1, 0, none.Get()); },                  2},
-        {"stored write null",    [] { return PCIMMIOWriteStored(1, 0, nullptr); },               4},
-        {"stored write offset",  [] { return PCIMMIOWriteStored(1, 65535, four.Get()); },        2},
-        {"stored write size 0",  [] { return PCIMMIOWriteStored(1, 0, none.Get()); },            2},
-        {"GPIO write null",      [] { return MMIOWriteGPIO(1, 0, nullptr); },                    4},
-        {"GPIO write address",   [] { return MMIOWriteGPIO(65535, 0, four.Get()); },             2},
-        {"GPIO write size 0",    [] { return MMIOWriteGPIO(1, 0, none.Get()); },                 2},
-        {"memory null",          [] { return GetSystemTables(1, 0, nullptr); },                  4},
-        {"memory address 0",     [] { return GetSystemTables(0, 0, four.Get()); },               2},
-        {"memory offset",        [] { return GetSystemTables(1, 65535, four.Get()); },           2},
-        {"memory size 0",        [] { return GetSystemTables(1, 0, none.Get()); },               2},
-        {"dynamic record null",  [] { return PCIMMIOReadDynamic(nullptr, four.Get()); },         4},
-        {"dynamic null",         [] { return PCIMMIOReadDynamic(Dynamic(65535), nullptr); },     4},
-        {"dynamic offset",       [] { return PCIMMIOReadDynamic(Dynamic(65535), four.Get()); },  2},
-        {"dynamic size 0",       [] { return PCIMMIOReadDynamic(Dynamic(4), none.Get()); },      2},
-        {"dynamic write null",   [] { return PCIMMIOWriteDynamic(Dynamic(4), nullptr); },        4},
-        {"dynamic write offset", [] { return PCIMMIOWriteDynamic(Dynamic(65535), four.Get()); }, 2},
-        {"dynamic write size 0", [] { return PCIMMIOWriteDynamic(Dynamic(4), none.Get()); },     2},
-        {"port null",            [] { return ReadWakeupTimer(255, nullptr); },                   4},
-        {"port 255",             [] { return ReadWakeupTimer(255, one.Get()); },                 2},
-        {"port size above 4",    [] { return ReadWakeupTimer(254, five.Get()); },                2},
-        {"port write null",      [] { return ConfigureWakeUpTimer(254, nullptr); },              4},
-        {"port write 255",       [] { return ConfigureWakeUpTimer(255, one.Get()); },            2},
-        {"port write above 4",   [] { return ConfigureWakeUpTimer(254, five.Get()); },           2},
-        {"MSR null",             [] { return ReadMSR(nullptr); },                                4},
-        {"MSR 0",                [] { return ReadMSR(Register(0)); },                            2},
-        {"MSR 65535",            [] { return ReadMSR(Register(65535)); },                        2},
-        {"MSR write null",       [] { return WriteMSR(nullptr); },                               4},
-        {"MSR write 0",          [] { return WriteMSR(Register(0)); },                           2},
-        {"MSR write 65535",      [] { return WriteMSR(Register(65535)); },                       2},
-        {"CPUID null",           [] { return ReadCPUID(0, nullptr); },                           4},
-        {"CPUID of processor 8", [] { return ReadCPUID(8, &cpuid); },                            2},
-        {"non-turbo null",       [] { return CalcFreqNonTurbo(nullptr); },                       4},
-        {"ACPI name null",       [] { return GetACPITable(nullptr, &table); },                   4},
-        {"ACPI table null",      [] { return GetACPITable("FACP", nullptr); },                   4},
-        {"ACPI Ex name null",    [] { return GetACPITableEx(nullptr, four.Get(), &word); },      4},
-        {"ACPI Ex size null",    [] { return GetACPITableEx("FACP", four.Get(), nullptr); },     4},
-        {"base null",            [] { return GetPCIExCfgBaseAddr(nullptr, 0x1000000); },         4},
-        {"segment 256",          [] { return GetPCIExCfgBaseAddr(&base, 0x1000000); },           2},
-        {"segments null",        [] { return GetSegBusInfo(nullptr); },                          4},
+    } kCases[] = {
+        {"library version",     [] { return GetFERROXLibVersion(nullptr); },                4},
+        {"driver version",      [] { return GetFERROXDriverVersion(nullptr); },             4},
+        {"PCI null",            [] { return PCIRead(0, 65535, nullptr); },                  4},
+        {"PCI above 256",       [] { return PCIRead(0, 252, five.Get()); },                 2},
+        {"PCI offset",          [] { return PCIRead(0, 65535, none.Get()); },               2},
+        {"PCI sum wraps",       [] { return PCIRead(0, 1, hugest.Get()); },                 2},
+        {"PCIEx null",          [] { return PCIExRead(0, 0, nullptr); },                    4},
+        {"PCIEx above 4096",    [] { return PCIExRead(0, 4092, five.Get()); },              2},
+        {"PCIEx offset",        [] { return PCIExRead(0, 65535, none.Get()); },             2},
+        {"dynamic record null", [] { return PCIMMIOReadDynamic(nullptr, four.Get()); },     4},
+        {"port null",           [] { return ReadWakeupTimer(255, nullptr); },               4},
+        {"port 255",            [] { return ReadWakeupTimer(255, one.Get()); },             2},
+        {"port size above 4",   [] { return ReadWakeupTimer(254, five.Get()); },            2},
+        {"port write 255",      [] { return ConfigureWakeUpTimer(255, one.Get()); },        2},
+        {"port write above 4",  [] { return ConfigureWakeUpTimer(254, five.Get()); },       2},
+        {"MSR null",            [] { return ReadMSR(nullptr); },                            4},
+        {"MSR 0",               [] { return ReadMSR(Register(0)); },                        2},
+        {"MSR 65535",           [] { return ReadMSR(Register(65535)); },                    2},
+        {"MSR write 0",         [] { return WriteMSR(Register(0)); },                       2},
+        {"CPUID null",          [] { return ReadCPUID(0, nullptr); },                       4},
+        {"non-turbo null",      [] { return CalcFreqNonTurbo(nullptr); },                   4},
+        {"ACPI name null",      [] { return GetACPITable(nullptr, &table); },               4},
+        {"ACPI table null",     [] { return GetACPITable("FACP", nullptr); },               4},
+        {"ACPI Ex name null",   [] { return GetACPITableEx(nullptr, four.Get(), &word); },  4},
+        {"ACPI Ex size null",   [] { return GetACPITableEx("FACP", four.Get(), nullptr); }, 4},
+        {"base null",           [] { return GetPCIExCfgBaseAddr(nullptr, 0x1000000); },     4},
+        {"segment 256",         [] { return GetPCIExCfgBaseAddr(&base, 0x1000000); },       2},
+        {"segments null",       [] { return GetSegBusInfo(nullptr); },                      4},
     };
     for (const auto& c : kCases) EXPECT_EQ(c.call(), c.status) << c.what;
     EXPECT_EQ(Platform().requests.size(), 0u);
@@ -120,28 +86,38 @@ TEST_F(Front, TracesEntryArgumentsAndExit) {
     EXPECT_EQ(lines.back().text, "PCIExRead");
 }
 
-TEST_F(Front, TellsABadPlaceWhereTheOperationHasALineForIt) {
+TEST_F(Front, BytesAreMovedAtGoodPlacesOnly) {
     const struct {
         const char* name;
-        bool told;
-        std::function<status_t()> call;
-    } kCases[] = {
-        {"PCIMMIORead",         true,  [] { return PCIMMIORead(0, 0, four.Get()); }                  },
-        {"PCIMMIOReadStored",   true,  [] { return PCIMMIOReadStored(1, 65535, four.Get()); }        },
-        {"MMIOReadGPIO",        true,  [] { return MMIOReadGPIO(65535, 0, four.Get()); }             },
-        {"GetSystemTables",     true,  [] { return GetSystemTables(0, 0, four.Get()); }              },
-        {"PCIMMIOReadDynamic",  true,  [] { return PCIMMIOReadDynamic(Dynamic(65535), four.Get()); } },
-        {"PCIMMIOWriteDynamic", true,  [] { return PCIMMIOWriteDynamic(Dynamic(65535), four.Get()); }},
-        {"PCIMMIOWriteStored",  false, [] { return PCIMMIOWriteStored(0, 0, four.Get()); }           },
-        {"MMIOWriteGPIO",       false, [] { return MMIOWriteGPIO(0, 0, four.Get()); }                },
-        {"GetSystemTables",     false, [] { return GetSystemTables(1, 0, none.Get()); }              },
+        status_t (*move)(uint64_t address, uint32_t offset, DataBuffer_t*);
+        bool told, hasAddress;
+    } kMoves[] = {
+        {"PCIMMIORead",         PCIMMIORead,                      true,  true },
+        {"PCIMMIOReadStored",   PCIMMIOReadStored,                true,  true },
+        {"MMIOReadGPIO",        MMIOReadGPIO,                     true,  true },
+        {"GetSystemTables",     GetSystemTables,                  true,  true },
+        {"PCIMMIOWriteStored",  PCIMMIOWriteStored,               false, true },
+        {"MMIOWriteGPIO",       MMIOWriteGPIO,                    false, true },
+        {"PCIMMIOReadDynamic",  MoveDynamic<PCIMMIOReadDynamic>,  true,  false},
+        {"PCIMMIOWriteDynamic", MoveDynamic<PCIMMIOWriteDynamic>, true,  false},
     };
-    for (const auto& c : kCases) {
-        Platform().lines.clear();
-        EXPECT_EQ(c.call(), kBadValue) << c.name;
+    constexpr std::pair<uint64_t, uint32_t> kBadPlaces[] = {
+        {0x1000, 65535},
+        {0,      0    },
+        {65535,  0    }
+    };
+    for (const auto& c : kMoves) {
         const std::string line = std::string(c.name) + ": Invalid register offset status = 2\n";
-        EXPECT_EQ(Platform().Traced(16, line), c.told) << c.name;
+        EXPECT_EQ(c.move(0x1000, 65535, nullptr), kNullPointer) << c.name;
+        EXPECT_EQ(c.move(0x1000, 0, none.Get()), kBadValue) << c.name;
+        EXPECT_FALSE(Platform().Traced(16, line)) << c.name;
+        for (const auto& [address, offset] : std::span(kBadPlaces).first(c.hasAddress ? 3 : 1)) {
+            Platform().lines.clear();
+            EXPECT_EQ(c.move(address, offset, four.Get()), kBadValue) << c.name;
+            EXPECT_EQ(Platform().Traced(16, line), c.told) << c.name;
+        }
     }
+    EXPECT_EQ(Platform().requests.size(), 0u);
 }
 
 TEST_F(Front, ClosedLibraryReachesNoDriver) {
@@ -173,10 +149,7 @@ TEST_F(FrontLife, VersionIsFilledByAFailedOpen) {
     EXPECT_EQ(FERROXInitialize(), kFailure);
     EXPECT_TRUE(Platform().Traced(32, "FERROXInitialize Failure"));
     ASSERT_EQ(GetFERROXLibVersion(&version), kSuccess);
-    EXPECT_STREQ(version.Major, "03");
-    EXPECT_STREQ(version.Minor, "00");
-    EXPECT_STREQ(version.Revision, "0");
-    EXPECT_STREQ(version.Build, "1000");
+    EXPECT_EQ(std::string(version.Major) + version.Minor + version.Revision + version.Build, "030001000");
     EXPECT_EQ(FERROXTerminate(), kFailure);
     EXPECT_EQ(FERROXInitialize(), kSuccess);
     EXPECT_TRUE(Platform().Traced(32, "FERROXInitialize Success"));

@@ -22,6 +22,22 @@ inline std::string Hex(const uint8_t* bytes, size_t size) {
     return text;
 }
 
+// An entry point and a DMI entry in physical memory, for the scan of the BIOS area.
+inline constexpr uint32_t kTable = 0x9F000;
+
+inline void Put(uint64_t address, std::initializer_list<size_t> bytes) {
+    for (const size_t byte : bytes) Platform().memory[address++] = static_cast<uint8_t>(byte);
+}
+
+inline void PutEntry(uint64_t address, uint8_t minor = 8) {
+    Put(address, {'_', 'S', 'M', '_', 0, 0x1F, 2, minor, 9, 10, 11, 12, 13, 14, 15, 16});
+}
+
+inline void PutDMI(uint64_t address, size_t length = 5, uint32_t table = kTable) {
+    Put(address,
+        {'_', 'D', 'M', 'I', '_', 0, length, length >> 8, table, table >> 8, table >> 16, table >> 24, 1, 0, 0x28});
+}
+
 // A block of Size and `room` bytes EEh, in one allocation without spare bytes, so that the sanitizers see its end.
 class ClBuffer {
   public:

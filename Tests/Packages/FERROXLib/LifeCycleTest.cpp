@@ -16,6 +16,14 @@ size_t Count(const char* function) {
         Platform().calls, [&](const std::string& call) { return call.starts_with(std::string(function) + "#"); }));
 }
 
+// This process's last use of the driver ends well, and the machine is as it was before the first.
+void TerminateAndLeaveNothing(const std::string& what) {
+    EXPECT_EQ(FERROXTerminate(), kSuccess) << what;
+    EXPECT_FALSE(Platform().service.exists) << what;
+    EXPECT_EQ(Platform().SharedCount(), std::nullopt) << what;
+    EXPECT_EQ(Platform().Open(), "") << what;
+}
+
 }  // namespace
 
 TEST_F(LifeCycle, FirstProcessRegistersStartsOpensAndUndoesItAll) {
@@ -33,10 +41,8 @@ TEST_F(LifeCycle, FirstProcessRegistersStartsOpensAndUndoesItAll) {
     EXPECT_EQ(Platform().requests[0].Number(4, 4), 0u);
     EXPECT_EQ(Platform().requests[0].Number(20, 4), 1u);
 
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_FALSE(service.exists);
+    TerminateAndLeaveNothing("the first");
     EXPECT_EQ(Platform().controls, std::vector<DWORD>{SERVICE_CONTROL_STOP});
-    EXPECT_EQ(Platform().SharedCount(), std::nullopt);
 }
 
 TEST_F(LifeCycle, AutoLoadedServiceIsLeftAlone) {
@@ -52,7 +58,7 @@ TEST_F(LifeCycle, AutoLoadedServiceIsLeftAlone) {
     };
     for (const auto& c : kCases) {
         NewPlatform();
-        Platform().service = {true, kDriverFile, c.startType, SERVICE_RUNNING, 0, {}, {}, SERVICE_STOPPED};
+        Platform().service = {.exists = true, .path = kDriverFile, .startType = c.startType, .state = SERVICE_RUNNING};
         ASSERT_EQ(FERROXInitialize(), kSuccess) << c.what;
         EXPECT_EQ(Platform().Traced(2, "The driver is autoloaded"), c.left) << c.what;
         ASSERT_EQ(FERROXTerminate(), kSuccess) << c.what;
@@ -79,8 +85,7 @@ TEST_F(LifeCycle, SecondProcessOnlyOpensAndTheLastOneRemoves) {
     // Once more, and the other process ends first.
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     Platform().OtherProcess(-1);
-    ASSERT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_FALSE(Platform().service.exists);
+    TerminateAndLeaveNothing("the last");
 
     // This process came first, and lets go of the driver's file and the service manager when it ends first.
     ASSERT_EQ(FERROXInitialize(), kSuccess);
@@ -93,14 +98,12 @@ TEST_F(LifeCycle, SecondProcessOnlyOpensAndTheLastOneRemoves) {
 TEST_F(LifeCycle, ServiceThatAKilledProcessLeftRunningIsTakenOver) {
     for (const DWORD error : {DWORD{ERROR_SERVICE_ALREADY_RUNNING}, DWORD{ERROR_ALREADY_EXISTS}}) {
         NewPlatform();
-        Platform().service = {true, kDriverFile, SERVICE_DEMAND_START, SERVICE_RUNNING, 0,
-                              {},   {error},     SERVICE_STOPPED};
+        Platform().service = {.exists = true, .path = kDriverFile, .state = SERVICE_RUNNING, .startErrors = {error}};
         ASSERT_EQ(FERROXInitialize(), kSuccess) << error;
         EXPECT_TRUE(Platform().Traced(2, "RegisterDriver: Service already registered"));
         EXPECT_TRUE(Platform().Traced(2, "StartDriver: Service already exsits/running.\n"));
         EXPECT_EQ(Platform().Open().find("file"), std::string::npos);  // runs already: no lock on the file
-        ASSERT_EQ(FERROXTerminate(), kSuccess) << error;
-        EXPECT_FALSE(Platform().service.exists) << error;
+        TerminateAndLeaveNothing(std::to_string(error));
     }
 }
 
@@ -135,14 +138,12 @@ TEST_F(LifeCycle, StartOfTheService) {
             Platform().failCalls.clear();
             EXPECT_EQ(FERROXInitialize(), kSuccess) << c.what;
         }
-        EXPECT_EQ(FERROXTerminate(), kSuccess) << c.what;
-        EXPECT_FALSE(Platform().service.exists) << c.what;
-        EXPECT_EQ(Platform().Open(), "") << c.what;
+        TerminateAndLeaveNothing(c.what);
     }
 }
 
 TEST_F(LifeCycle, StaleServiceIsRepairedOnce) {
-    Platform().service = {true, "C:\\Gone\\Ravelink.sys", SERVICE_DEMAND_START, SERVICE_STOPPED, 0, {}, {}, 1};
+    Platform().service = {.exists = true, .path = "C:\\Gone\\Ravelink.sys"};
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     EXPECT_EQ(Platform().service.path, kDriverFile);
     EXPECT_TRUE(Platform().Traced(8, "StartDriver: StartService failed  trying stop + remove + register2\n"));
@@ -152,7 +153,7 @@ TEST_F(LifeCycle, StaleServiceIsRepairedOnce) {
 }
 
 TEST_F(LifeCycle, ForeignServiceSurvivesAFailedOpen) {
-    Platform().service = {true, kDriverFile, SERVICE_DEMAND_START, SERVICE_STOPPED, 0, {}, {}, SERVICE_STOPPED};
+    Platform().service = {.exists = true, .path = kDriverFile};
     Platform().failCalls = {"CreateFileA#2"};  // the device; the driver's file is the first
     EXPECT_EQ(FERROXInitialize(), kFailure);
     EXPECT_TRUE(Platform().Traced(16, "OSFERROXInitialize: Error opening FERROX"));
@@ -161,87 +162,67 @@ TEST_F(LifeCycle, ForeignServiceSurvivesAFailedOpen) {
     EXPECT_EQ(Platform().SharedCount(), std::nullopt);
 }
 
-TEST_F(LifeCycle, StopWaitsATenthOfTheHint) {
+TEST_F(LifeCycle, StopWaitsATenthOfTheHintAndAFailedOneLeavesSectionAndView) {
     constexpr DWORD kPending = SERVICE_STOP_PENDING, kRunning = SERVICE_RUNNING, kStopped = SERVICE_STOPPED;
     const struct {
-        const char* line;
+        const char *line, *failing;
         DWORD hint;
         std::deque<DWORD> states;
         std::vector<DWORD> sleeps;
         size_t controls;
         status_t status;
     } kCases[] = {
-        {"StopDriver: Service is already stopped.\n", 0,      {kStopped},           {},                       0, 1},
-        {"StopDriver: Service stopped.\n",            0,      {kPending, kStopped}, {1000},                   0, 1},
-        {"StopDriver: Service stopped.\n",            200,    {kPending, kStopped}, {1000},                   0, 1},
-        {"StopDriver: Service stopped.\n",            25000,  {kPending, kStopped}, {2500},                   0, 1},
-        {"StopDriver: Service stopped.\n",            200000, {kPending, kStopped}, {10000},                  0, 1},
-        {"StopDriver: Service stop pending...\n",     0,      {kPending, kRunning}, {1000},                   1, 1},
-        {"OSFERROXTerminate: StopDriver failed",      90000,  {kPending},           {9000, 9000, 9000, 9000}, 0, 5},
+        {"StopDriver: Service is already stopped.\n",                  "",                       0,      {kStopped},           {},                       0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       0,      {kPending, kStopped}, {1000},                   0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       200,    {kPending, kStopped}, {1000},                   0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       25000,  {kPending, kStopped}, {2500},                   0, 1},
+        {"StopDriver: Service stopped.\n",                             "",                       200000, {kPending, kStopped}, {10000},                  0, 1},
+        {"StopDriver: Service stop pending...\n",                      "",                       0,      {kPending, kRunning}, {1000},                   1, 1},
+        {"OSFERROXTerminate: StopDriver failed",                       "",                       90000,  {kPending},           {9000, 9000, 9000, 9000}, 0, 5},
+        {"StopDriver: Service has not stopped \n",                     "",                       0,      {kRunning, kRunning}, {},                       1, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "OpenSCManagerA#3",       0,      {},                   {},                       0, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "OpenServiceA#3",         0,      {},                   {},                       0, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "QueryServiceStatusEx#1", 0,      {},                   {},                       0, 5},
+        {"StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n", "ControlService#1",       0,      {},                   {},                       0, 5},
+        {"OSFERROXTerminate: StopDriver failed",                       "QueryServiceStatusEx#2", 0,      {},                   {},                       1, 5},
+        {"StopDriver: Could not unlock file : Ravelink.sys \n",        "CloseHandle file#1",     0,      {},                   {},                       1, 5},
+        {"OSFERROXTerminate: RemoveDriver failed",                     "OpenServiceA#4",         0,      {},                   {},                       1, 5},
+        {"OSFERROXTerminate: RemoveDriver failed",                     "DeleteService#1",        0,      {},                   {},                       1, 5},
     };
     for (const auto& c : kCases) {
+        const std::string at = std::string(c.line) + " " + c.failing + " " + std::to_string(c.hint);
         NewPlatform();
-        ASSERT_EQ(FERROXInitialize(), kSuccess);
+        ASSERT_EQ(FERROXInitialize(), kSuccess) << at;
         Platform().service.waitHint = c.hint;
         Platform().service.nextStates = c.states;
-        EXPECT_EQ(FERROXTerminate(), c.status) << c.hint;
-        EXPECT_EQ(Platform().sleeps, c.sleeps) << c.hint;
-        EXPECT_EQ(Platform().controls.size(), c.controls) << c.hint;
-        EXPECT_TRUE(Traced(c.line)) << c.hint;
-        EXPECT_EQ(Platform().service.exists, c.status != kSuccess) << c.hint;
-        if (c.status == kSuccess) continue;
-        // Left behind for the next try, once the service has stopped.
-        Platform().service.state = kStopped;
-        EXPECT_EQ(FERROXInitialize(), kSuccess);
-        EXPECT_EQ(FERROXTerminate(), kSuccess);
-    }
-}
-
-TEST_F(LifeCycle, FailedStopOrRemovalLeavesSectionAndView) {
-    const struct {
-        const char* failing;
-        size_t controls;
-        const char* line;
-    } kCases[] = {
-        {"OpenSCManagerA#3",       0, "OSFERROXTerminate: StopDriver failed"                      },
-        {"OpenServiceA#3",         0, "OSFERROXTerminate: StopDriver failed"                      },
-        {"QueryServiceStatusEx#1", 0, "OSFERROXTerminate: StopDriver failed"                      },
-        {"ControlService#1",       0, "StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n"},
-        {"QueryServiceStatusEx#2", 1, "OSFERROXTerminate: StopDriver failed"                      },
-        {"(still running)",        1, "StopDriver: Service has not stopped \n"                    },
-        {"CloseHandle file#1",     1, "StopDriver: Could not unlock file : Ravelink.sys \n"       },
-        {"OpenServiceA#4",         1, "OSFERROXTerminate: RemoveDriver failed"                    },
-        {"DeleteService#1",        1, "OSFERROXTerminate: RemoveDriver failed"                    },
-    };
-    for (const auto& c : kCases) {
-        NewPlatform();
-        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.failing;
         Platform().failCalls = {c.failing};
-        if (c.failing[0] == '(') Platform().service.stateAfterStop = SERVICE_RUNNING;
-        EXPECT_EQ(FERROXTerminate(), kFailure) << c.failing;
-        EXPECT_EQ(Platform().controls.size(), c.controls) << c.failing;
-        EXPECT_TRUE(Traced(c.line)) << c.failing;
-        EXPECT_EQ(Platform().Open(), "section view ") << c.failing;
-        EXPECT_EQ(Platform().SharedCount(), 0u) << c.failing;
-        EXPECT_EQ(FERROXTerminate(), kFailure) << c.failing;  // closed, whatever became of the service
-        // A later try takes both over and brings all to its end.
-        Platform().failCalls.clear();
-        Platform().service.stateAfterStop = SERVICE_STOPPED;
-        ASSERT_EQ(FERROXInitialize(), kSuccess) << c.failing;
-        ASSERT_EQ(FERROXTerminate(), kSuccess) << c.failing;
-        EXPECT_FALSE(Platform().service.exists) << c.failing;
-        EXPECT_EQ(Platform().Open(), "") << c.failing;
+        EXPECT_EQ(FERROXTerminate(), c.status) << at;
+        EXPECT_EQ(Platform().sleeps, c.sleeps) << at;
+        EXPECT_EQ(Platform().controls.size(), c.controls) << at;
+        EXPECT_TRUE(Traced(c.line)) << at;
+        if (c.status != kSuccess) {
+            EXPECT_TRUE(Platform().service.exists) << at;
+            EXPECT_EQ(Platform().Open(), "section view ") << at;
+            EXPECT_EQ(Platform().SharedCount(), 0u) << at;
+            EXPECT_EQ(FERROXTerminate(), kFailure) << at;  // closed, whatever became of the service
+            // A later try, once a stop that lasted has come to its end, takes all over.
+            Platform().failCalls.clear();
+            if (Platform().service.state == kPending) Platform().service.state = kStopped;
+            ASSERT_EQ(FERROXInitialize(), kSuccess) << at;
+            EXPECT_EQ(FERROXTerminate(), kSuccess) << at;
+        }
+        EXPECT_FALSE(Platform().service.exists) << at;
+        EXPECT_EQ(Platform().Open(), "") << at;
     }
 }
 
 TEST_F(LifeCycle, HypervisorTest) {
-    Platform().hypervisorECX = 0x80000000;
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    EXPECT_EQ(HyperVEnabled, 1);
-    ASSERT_EQ(FERROXTerminate(), kSuccess);
-    Platform().hypervisorECX = 0x7FFFFFFF;
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    EXPECT_EQ(HyperVEnabled, 0);
+    for (const uint32_t ecx : {0x80000000u, 0x7FFFFFFFu}) {
+        Platform().hypervisorECX = ecx;
+        ASSERT_EQ(FERROXInitialize(), kSuccess);
+        EXPECT_EQ(HyperVEnabled, ecx >> 31);
+        ASSERT_EQ(FERROXTerminate(), kSuccess);
+    }
 }
 
 TEST_F(LifeCycle, FailedHypervisorTestLeavesDeviceAndCount) {
@@ -261,8 +242,7 @@ TEST_F(LifeCycle, FailedHypervisorTestLeavesDeviceAndCount) {
 TEST_F(LifeCycle, CountNeverFallsBelowZero) {
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     Platform().section = 0;  // as a process of another session might leave it
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_FALSE(Platform().service.exists);
+    TerminateAndLeaveNothing("at 0");
 }
 
 TEST_F(LifeCycle, InstallPath) {
@@ -313,28 +293,8 @@ TEST_F(LifeCycle, AnyFailingCallOfASecondProcessLeavesTheFirstAlone) {
     }
 }
 
-TEST_F(LifeCycle, StepsOnAMachineWithoutServiceLeaveNothingOpen) {
-    Platform().registryPath.reset();
-    const struct {
-        const char* what;
-        status_t (*step)();
-        status_t status;
-    } kCases[] = {
-        {"register",    RegisterDriver,        0},
-        {"start",       StartDriver,           0},
-        {"stop",        StopDriver,            0},
-        {"remove",      RemoveDriver,          0},
-        {"auto-loaded", checkDriverAutoLoaded, 0},
-        {"unlock",      unlockInstallFile,     1},
-    };
-    for (const auto& c : kCases) {
-        EXPECT_EQ(c.step(), c.status) << c.what;
-        EXPECT_EQ(Platform().Open(), "") << c.what;
-    }
-}
-
 TEST_F(LifeCycle, NoMemoryForTheServiceConfigurationCountsAsNotAutoLoaded) {
-    Platform().service = {true, kDriverFile, SERVICE_AUTO_START, SERVICE_RUNNING, 0, {}, {}, SERVICE_STOPPED};
+    Platform().service = {.exists = true, .path = kDriverFile, .startType = SERVICE_AUTO_START};
     ClScriptedPlatform::failAllocationOf = sizeof(QUERY_SERVICE_CONFIGA) + 120;
     EXPECT_EQ(checkDriverAutoLoaded(), 0u);
     ClScriptedPlatform::failAllocationOf = 0;

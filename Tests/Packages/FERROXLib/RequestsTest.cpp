@@ -26,23 +26,16 @@ std::string Text(const Record& record) {
 }  // namespace
 
 TEST_F(Requests, OfVersions) {
-    const struct {
-        status_t (*ask)(uint32_t*);
-        uint32_t code;
-    } kCases[] = {
-        {GetFERROXDriverVersion, 0x80240004},
-        {GetCPULibVersion,       0x80240090},
-        {GetIOLibVersion,        0x80240094},
-        {GetPCILibVersion,       0x80240098},
-    };
-    for (const auto& c : kCases) {
+    std::deque<uint32_t> codes = {0x80240004, 0x80240090, 0x80240094, 0x80240098};
+    for (const auto& ask : {GetFERROXDriverVersion, GetCPULibVersion, GetIOLibVersion, GetPCILibVersion}) {
         uint32_t version = 0;
-        EXPECT_EQ(c.ask(&version), kSuccess);
-        EXPECT_EQ(version, 0x01000000 | (c.code & 0xFF));
+        EXPECT_EQ(ask(&version), kSuccess);
+        EXPECT_EQ(version, 0x01000000 | (codes.front() & 0xFF));
         const DeviceRequest_t& request = Platform().requests.back();
-        EXPECT_EQ(request.code, c.code);
+        EXPECT_EQ(request.code, codes.front());
         EXPECT_EQ(request.in.size(), 0u);
         EXPECT_EQ(request.outSize, 4u);
+        codes.pop_front();
     }
 }
 
@@ -200,11 +193,8 @@ TEST_F(Requests, ExtendedSpaceUnderAHypervisorIsTheFirst256Bytes) {
 
 TEST_F(Requests, ProcessorNumbers) {
     CPUIDRecord_t record = {};
-    EXPECT_EQ(ReadCPUID(7, &record), kSuccess);
-    EXPECT_EQ(ReadCPUID(8, &record), kBadValue);
-    EXPECT_EQ(ReadCPUID(255, &record), kBadValue);
-    EXPECT_EQ(ReadCPUID(256, &record), kSuccess);
-    EXPECT_EQ(ReadCPUID(257, &record), kBadValue);
+    for (const uint32_t number : {7u, 8u, 255u, 256u, 257u})
+        EXPECT_EQ(ReadCPUID(number, &record), number == 7 || number == 256 ? kSuccess : kBadValue) << number;
     EXPECT_TRUE(Platform().Traced(2, "Number of logical processors : 8"));
 }
 

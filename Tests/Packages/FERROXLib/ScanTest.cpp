@@ -10,22 +10,6 @@ namespace {
 using Scan = ClLibraryTest;
 using ScanFailures = ClMachineTest;
 
-constexpr uint32_t kTable = 0x9F000;
-
-void Put(uint64_t address, std::initializer_list<int> bytes) {
-    for (const int byte : bytes) Platform().memory[address++] = static_cast<uint8_t>(byte);
-}
-
-void PutEntry(uint64_t address, int minor = 8) {
-    Put(address, {'_', 'S', 'M', '_', 0, 0x1F, 2, minor, 9, 10, 11, 12, 13, 14, 15, 16});
-}
-
-void PutDMI(uint64_t address, int length = 5, uint32_t table = kTable) {
-    Put(address, {'_', 'D', 'M', 'I', '_', 0, length & 0xFF, length >> 8, static_cast<int>(table & 0xFF),
-                  static_cast<int>(table >> 8 & 0xFF), static_cast<int>(table >> 16 & 0xFF),
-                  static_cast<int>(table >> 24), 1, 0, 0x28});
-}
-
 struct Found_t {
     status_t status;
     uint8_t entry[kEntryBufferSize] = {};
@@ -89,7 +73,7 @@ TEST_F(Scan, LaterFindOverwritesWhileTheOtherIsMissing) {
 TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
     const struct {
         const char* what;
-        int length;
+        size_t length;
         uint32_t table;
         int failingRead;  // counted with the hypervisor test
         size_t failingAllocation;
