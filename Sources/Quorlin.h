@@ -73,8 +73,8 @@ class Quorlin : public BaseAbstraction {
     // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
     // GetItemCount.
     const ItemPair& Item(uint32_t index) const;
-    // Decodes one type as GetTypes does, for this tree's own hosts, but keeps no items: `visit` gets each structure with
-    // its own, or with none, for the length of the call. So a table of any size takes one structure's memory.
+    // Decodes one type as GetTypes does, for this tree's own hosts, but keeps no items: `visit` gets each structure
+    // with its own, or with none, for the length of the call. So no more than one structure's items are held.
     using Visit_t = std::function<void(const uint8_t* structure, const ClItemList& items)>;
     status_t VisitType(uint8_t type, const Visit_t& visit);
 
