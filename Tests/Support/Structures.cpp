@@ -28,7 +28,7 @@ ClStructureBuilder& ClStructureBuilder::Bytes(size_t offset, std::initializer_li
 }
 
 ClStructureBuilder& ClStructureBuilder::Strings(std::initializer_list<std::string> texts) {
-    m_strings.assign(texts);
+    m_strings.insert(m_strings.end(), texts);
     return *this;
 }
 
