@@ -131,7 +131,7 @@ class Source:
             elif word in self.functions and word != function:
                 inner = self.used_by(word)
                 lists, texts = lists + inner[0], texts + inner[1]
-            elif self.shared and re.fullmatch(r"Get\w+String", word) and word in self.shared.functions:
+            elif self.shared and re.fullmatch(r"Get(?!Hex|Decimal)\w+String", word) and word in self.shared.functions:
                 inner = self.shared.used_by(word)
                 lists, texts = lists + inner[0], texts + inner[1]
         return list(dict.fromkeys(lists)), list(dict.fromkeys(texts))
@@ -170,6 +170,7 @@ class Source:
             "String": "string; number 0 gives the first one",
             "StringOrNone": "string; `None` for number 0",
             "Group": "opens a sub-group",
+            "ParsedText": "string; `None` for number 0 and for a number that names no string",
         }
         if rendering in plain:
             return plain[rendering]
@@ -177,7 +178,7 @@ class Source:
             return self.shared.words_of(f"Get{rendering}String")
         if call := re.match(r"(\w+)\((.*)\)$", rendering):
             name, arguments = call[1], split_top(call[2])
-            if name in ("YesNo8", "YesNo32"):
+            if name in ("YesNo8", "YesNo16", "YesNo32"):
                 return f"bit {arguments[0]}: set `Yes`, clear `No`"
             if name in ("Hex8Digits", "Hex16Digits"):
                 return f"hexadecimal, {arguments[0]} digits or more" if arguments[0] != "0" else "hexadecimal"
@@ -186,10 +187,10 @@ class Source:
             if name == "Dec16AndHex":
                 return f"decimal, then hexadecimal of {arguments[0]} digits or more in parentheses"
             if name == "NumberedString":
-                return "string; one item for each"
+                return "the first string" if arguments[0] == "1" else "string; one item for each"
             if name == "Enum8":
                 return f"a word of {arguments[0][1:]}, else {code(unescape(arguments[1][1:-1]))}"
-            if name in ("Bit8", "Bit16", "Bit32"):
+            if name in ("Bit8", "Bit32"):
                 return self.bits_of(arguments[0], arguments[1])
             if name in self.makers:
                 body = self.makers[name]
@@ -202,21 +203,29 @@ class Source:
         if shown := re.match(r"\{(\w+)", rendering):
             literal = re.search(r", \{\}, " + TEXT, rendering)
             return self.words_of(shown[1]) + (f" The row's text is {code(unescape(literal[1]))}." if literal else "")
+        if self.shared and f"Show{rendering}" in self.shared.functions:
+            return self.shared.words_of(f"Show{rendering}")
         raise SystemExit(f"no words for {rendering}")
 
-    def rows(self):
-        """Key, offset and rendering of each row, in the file's order, which is the output's."""
-        row = r"\{" + TEXT + r',\s*([^,{}"]+),\s*([^\n]*?)\s*\}[,;]'
-        for key, offset, rendering in re.findall(row, self.text):
-            if not rendering.endswith(("kPlainItem", "kGroupItem")):
-                yield code(unescape(key)), self.offset_of(offset.strip()), self.reads_as(rendering)
+    def tables(self):
+        """The arrays of rows in the file's order, which is the output's: what stands above one, and its rows."""
+        array = r"((?:^//[^\n]*\n)*)^ *(?:inline |static )*(?:constexpr|const) (\w+Row_t) \w+\[\] = \{\n(.*?)^ *\};"
+        for comment, kind, body in re.findall(array, self.text, re.M | re.S):
+            rows = {"ItemRow_t": self.item_rows, "FieldRow_t": self.field_rows, "PairRow_t": self.pair_rows}[kind]
+            yield re.sub(r'"([^"]*)"', lambda quoted: code(quoted[1]), comment_text(comment)), list(rows(body))
 
-    def string_rows(self):
-        """The rows of the structure whose fields are string numbers: fixed keys, then keys from the structure."""
-        for key, offset, translation, mark in re.findall(r"\{" + TEXT + r",\s*(\d+),\s*(\w+),\s*(k\w+)\}", self.text):
+    def item_rows(self, body):
+        for key, offset, rendering in re.findall(r"\{" + TEXT + r',\s*([^,{}"]+),\s*([^\n]*?)\s*\}[,;]', body):
+            yield code(unescape(key)), self.offset_of(offset.strip()), self.reads_as(rendering)
+
+    def field_rows(self, body):
+        for key, offset, translation, mark in re.findall(r"\{" + TEXT + r",\s*(\d+),\s*(\w+),\s*(k\w+)\}", body):
             none = "`None` without one" + (", then as a group item" if mark == "kGroupItem" else "")
             yield code(key), f"{int(offset):02X}h", f"{self.translated(translation)}; {none}"
-        for offset, translation in re.findall(r"^    \{(\d+),\s*(\w+)\s*\},$", self.text, re.M):
+
+    def pair_rows(self, body):
+        yield "`Platform`", "04h", "string; `Not Available` without one"
+        for offset, translation in re.findall(r"^    \{(\d+),\s*(\w+)\s*\},$", body, re.M):
             key = f"(the string numbered at {int(offset) - 1:02X}h)"
             yield key, f"{int(offset):02X}h", f"{self.translated(translation)}; `None` without one"
 
@@ -224,8 +233,11 @@ class Source:
         call, function = re.search(r"Translation_t " + translation + r"\{(\w+)<&?\w+::(\w+)>", self.text).groups()
         if translation == "Text":
             return "string"
-        lists = [f"the words of {name}" for name in self.used_by(function)[0]]
         where = ", where it begins with a number other than 0," if call == "CallIfNumber" else ""
+        if self.comments[function]:
+            told = re.sub(r'"([^"]*)"', lambda quoted: code(quoted[1]), self.comments[function])
+            return f"string{where} put into words by {function}: {told}".removesuffix(".")
+        lists = [f"the words of {name}" for name in self.used_by(function)[0]]
         return f"string{where} put into words by {function}" + (f": {', '.join(lists)}" if lists else "")
 
     def offset_of(self, offset):
@@ -252,16 +264,18 @@ def page_of(path, shared):
             break
     head = number not in (14, 148, 221, 222)
     lines += ["Begins with `Type`, `Length` and `Handle`, in decimal." if head else "Has no head items.", ""]
-    lines += ["| key | offset | reads as |", "|---|---|---|"]
-    lines += [row_line(*row) for row in source.rows()]
-    lines += [row_line(*row) for row in source.string_rows()]
-    if number == 148:
-        lines.append(row_line("`Platform`", "04h", "string, in the layout whose keys come from the structure"))
-    if number == 14:
-        lines.append(row_line("(strings of a member)", "07h, and on in steps of 7", source.words_of("ShowVersion")))
-    if number == 221:
-        lines.append(row_line("(strings of the structure)", "07h, and on in steps of 7",
-                              source.words_of("VersionText")))
+    tables = list(source.tables())
+    if number in (14, 221):
+        keys = "(strings of a member)" if number == 14 else "(strings of the structure)"
+        words = source.words_of("VersionText") + " A string `Disabled`" + (
+            " is passed over." if number == 14 else " gives no item, nor does an empty one.")
+        tables = [("", [(keys, "07h, and on in steps of 7", words)])]
+    for place, (note, rows) in enumerate(tables):
+        if note:
+            lines += ([""] if place else []) + [note, ""]
+        if note or place == 0:
+            lines += ["| key | offset | reads as |", "|---|---|---|"]
+        lines += [row_line(*row) for row in rows]
     lines.append("")
     for name in source.lists:
         if name not in source.shown_in_rows:
@@ -273,10 +287,13 @@ def page():
     lines = [
         "# Items of each structure type", "",
         "Written by `Docs/make-items.py` from the decoders' own tables; a test holds it against them. Each structure begins",
-        "with a group item, its title, with `_2`, `_3` and so on behind it from the second structure of its type on.", "",
+        "with a group item, its title, with `_2`, `_3` and so on behind it from the second structure of its type on. Type 14 has",
+        "one title alone: the members of all groups stand under it.", "",
         "Types 5, 6, 31, 40, 42, 126 and 127 give no items. Type 148 is shown only when it is asked for.", "",
         "Keys and texts stand as the items hold them, blanks included; `\\t` is a tab. The lists of words stand below the",
-        "table of their type, and those that types share at the page's end.", ""]
+        "table of their type, and those that types share at the page's end. Hexadecimal is in capitals, filled up with zeros,",
+        "with an `h` behind it, unless it is said otherwise. A string number that the structure doesn't hold reads",
+        "`(no such string)`, and each one of a structure without strings `(null string)`.", ""]
     shared = Source(ROOT / "Sources" / "SMBIOSType.cpp")
     for path in sorted((ROOT / "Sources").glob("SMBIOSType[0-9]*.cpp")):
         lines += page_of(path, shared)

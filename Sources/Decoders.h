@@ -1,5 +1,5 @@
-// The decoder classes: one for each structure type, each implemented in the file of its type's number. A member
-// beside PrintStructure gives the text of one field.
+// The decoder classes: one for each structure type, each but those without items implemented in the file of its type's
+// number. A member beside PrintStructure gives the text of one field.
 #pragma once
 
 #include "Sources/SMBIOSType.h"

@@ -1,5 +1,5 @@
-// The families of processors (the SMBIOS standard, type 4, Processor Family and Processor Family 2), in the standard's
-// words: plain ASCII, without its footnotes.
+// The families of processors (the SMBIOS standard, type 4, Processor Family and Processor Family 2). Those of named
+// processors are in the standard's words, in plain ASCII.
 #pragma once
 
 #include <iterator>

@@ -92,12 +92,23 @@ std::string HexDigits(uint64_t value, uint32_t digits, const char* alphabet) {
 
 // A decoder's own trace line; its source and function are named by the number in the title's type mark.
 void TraceNullData(std::string_view title, const char* message) {
+    if (!DebugIsOn(packageTraceHandle, kError)) return;
     const size_t mark = title.rfind(' ');
     const int type = mark == title.npos ? 0 : static_cast<int>(std::strtol(title.data() + mark + 1, nullptr, 10));
     char source[32], function[48];
     std::snprintf(source, sizeof source, "Sources\\SMBIOSType%03d", type);
     std::snprintf(function, sizeof function, "ClSMBIOSType%d::PrintStructure", type);
     PACKAGE_TRACE(source, function, kError, "%s", message);
+}
+
+// Without memory an item is dropped, and those behind it go on.
+template <class Work>
+void OrDrop(Work addItem) {
+    try {
+        addItem();
+    } catch (const std::bad_alloc&) {
+        TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
+    }
 }
 
 }  // namespace
@@ -135,16 +146,6 @@ void ClStructure::ReadOn(size_t offset, void* number, size_t size) const {
     if (offset < recordSize) std::memcpy(number, m_data + offset, std::min(size, recordSize - offset));
 }
 
-const char* StringOf(const uint8_t* pData, uint32_t number) {
-    const char* text = StringArea(pData);
-    if (*text == '\0') return NullString();
-    for (uint32_t current = 1; current < number; current++) {
-        text += std::strlen(text) + 1;
-        if (*text == '\0') return "(no such string)";
-    }
-    return text;
-}
-
 ClStringWalk::ClStringWalk(const uint8_t* pData) : m_next(StringArea(pData)), m_isEmpty(*m_next == '\0') {}
 
 const char* ClStringWalk::Next() {
@@ -155,9 +156,9 @@ const char* ClStringWalk::Next() {
     return text;
 }
 
-std::string HexText(uint64_t value, uint32_t digits) { return HexDigits(value, digits, "0123456789ABCDEF") += 'h'; }
-
 std::string PlainHex(uint64_t value) { return HexDigits(value, 1, "0123456789abcdef"); }
+
+std::string PlainUpperHex(uint64_t value) { return HexDigits(value, 1, "0123456789ABCDEF"); }
 
 std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t count) {
     std::string text;
@@ -169,44 +170,64 @@ std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t
     return text;
 }
 
-ClText ShowDec8(const Field_t& field) { return std::to_string(field.Byte()); }
-ClText ShowDec16(const Field_t& field) { return std::to_string(field.Word()); }
-ClText ShowDec32(const Field_t& field) { return std::to_string(field.Dword()); }
-ClText ShowHex8(const Field_t& field) { return HexText(field.Byte(), field.row.rendering.number); }
-ClText ShowHex16(const Field_t& field) { return HexText(field.Word(), field.row.rendering.number); }
-ClText ShowHex32(const Field_t& field) { return HexText(field.Dword(), field.row.rendering.number); }
-ClText ShowHex64(const Field_t& field) { return HexText(field.Qword(), field.row.rendering.number); }
+static ClText HexText(const Field_t& field, uint64_t value) {
+    return ClSMBIOSType::GetHexString(value, field.row.rendering.number);
+}
 
-ClText ShowString(const Field_t& field) { return StringOf(field.structure.Data(), field.Byte()); }
+ClText ShowDec8(const Field_t& field) { return ClSMBIOSType::GetDecimalString(field.Byte()); }
+ClText ShowDec16(const Field_t& field) { return ClSMBIOSType::GetDecimalString(field.Word()); }
+ClText ShowDec32(const Field_t& field) { return ClSMBIOSType::GetDecimalString(field.Dword()); }
+ClText ShowHex8(const Field_t& field) { return HexText(field, field.Byte()); }
+ClText ShowHex16(const Field_t& field) { return HexText(field, field.Word()); }
+ClText ShowHex32(const Field_t& field) { return HexText(field, field.Dword()); }
+ClText ShowHex64(const Field_t& field) { return HexText(field, field.Qword()); }
+
+ClText ShowString(const Field_t& field) { return ClSMBIOSType::GetString(field.Byte(), field.structure.Data()); }
 
 ClText ShowStringOrNone(const Field_t& field) {
     const uint8_t number = field.Byte();
-    return number == 0 ? "None" : StringOf(field.structure.Data(), number);
+    return number == 0 ? "None" : ClSMBIOSType::GetString(number, field.structure.Data());
 }
 
-ClText ShowNumberedString(const Field_t& field) { return StringOf(field.structure.Data(), field.row.rendering.number); }
+ClText ShowNumberedString(const Field_t& field) {
+    return ClSMBIOSType::GetString(field.row.rendering.number, field.structure.Data());
+}
+
+ClText ShowParsedString(const Field_t& field) {
+    if (field.Byte() == 0) return "None";
+    const char* text = ParsedString(field.structure.Data(), field.row.offset);
+    return text == nullptr ? "None" : text;
+}
 
 ClText ShowEnum8(const Field_t& field) {
     const Rendering_t& rendering = field.row.rendering;
     return TextOf(rendering.table, field.Byte(), rendering.text);
 }
 
-ClText ShowYesNo8(const Field_t& field) { return (field.Byte() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No"; }
-
-ClText ShowYesNo32(const Field_t& field) {
-    return (field.Dword() >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
+static ClText YesNo(const Field_t& field, uint32_t value) {
+    return (value >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";
 }
 
-ClText ShowDec16WithUnit(const Field_t& field) { return std::to_string(field.Word()).append(field.row.rendering.text); }
+ClText ShowYesNo8(const Field_t& field) { return YesNo(field, field.Byte()); }
+ClText ShowYesNo16(const Field_t& field) { return YesNo(field, field.Word()); }
+ClText ShowYesNo32(const Field_t& field) { return YesNo(field, field.Dword()); }
+
+ClText ShowDec16WithUnit(const Field_t& field) {
+    return ClSMBIOSType::GetDecimalString(field.Word()).append(field.row.rendering.text);
+}
 
 ClText ShowDec16AndHex(const Field_t& field) {
     const uint16_t value = field.Word();
-    return std::to_string(value).append(" (").append(HexText(value, field.row.rendering.number)).append(")");
+    return ClSMBIOSType::GetDecimalString(value)
+        .append(" (")
+        .append(ClSMBIOSType::GetHexString(value, field.row.rendering.number))
+        .append(")");
 }
 
-ClText ShowErrorType(const Field_t& field) { return ClSMBIOSType::GetErrorTypeString(field.Byte()); }
-ClText ShowErrorGranularity(const Field_t& field) { return ClSMBIOSType::GetErrorGranularityString(field.Byte()); }
-ClText ShowErrorOperation(const Field_t& field) { return ClSMBIOSType::GetErrorOperationString(field.Byte()); }
+// Decimal, bits 3 to 7.
+ClText ShowDeviceNumber(const Field_t& field) { return ClSMBIOSType::GetDecimalString(field.Byte() >> 3); }
+// Decimal, bits 0 to 2.
+ClText ShowFunctionNumber(const Field_t& field) { return ClSMBIOSType::GetDecimalString(field.Byte() & 7); }
 
 static ClText BitText(const Field_t& field, uint32_t value) {
     const Rendering_t& rendering = field.row.rendering;
@@ -214,16 +235,13 @@ static ClText BitText(const Field_t& field, uint32_t value) {
 }
 
 ClText ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
-ClText ShowBit16(const Field_t& field) { return BitText(field, field.Word()); }
 ClText ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
 
 void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
-    try {
+    OrDrop([&] {
         if (group != 0) key = ClText::Joined({key.View(), kGroupMark});
         m_items->Add(std::move(key), std::move(value));
-    } catch (const std::bad_alloc&) {
-        TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
-    }
+    });
 }
 
 status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
@@ -252,9 +270,19 @@ void ClSMBIOSType::PassItems() {
 
 std::string ClSMBIOSType::GetDecimalString(uint32_t value) { return std::to_string(value); }
 
-std::string ClSMBIOSType::GetHexString(uint32_t value, uint8_t width) { return HexText(value, width); }
+std::string ClSMBIOSType::GetHexString(uint64_t value, uint32_t width) {
+    return HexDigits(value, width, "0123456789ABCDEF") += 'h';
+}
 
-const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) { return StringOf(pData, strNum); }
+const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) {
+    const char* text = StringArea(pData);
+    if (*text == '\0') return NullString();
+    for (uint32_t current = 1; current < strNum; current++) {
+        text += std::strlen(text) + 1;
+        if (*text == '\0') return "(no such string)";
+    }
+    return text;
+}
 
 std::string_view ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
     return TextOf(kErrorGranularities, code, "Error: Invalid Granularity");
@@ -274,14 +302,12 @@ std::string_view ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
 
 bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
     m_instanceCounter++;
-    try {
+    OrDrop([&] {
         const std::string count = std::to_string(m_instanceCounter);
         m_items->Add(m_instanceCounter < 2 ? ClText::Joined({title, kGroupMark})
                                            : ClText::Joined({title, "_", count, kGroupMark}),
                      {});
-    } catch (const std::bad_alloc&) {
-        TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
-    }
+    });
     if (pData == nullptr) TraceNullData(title, nullTrace);
     return pData != nullptr;
 }
@@ -299,13 +325,11 @@ bool ClSMBIOSType::PrintHead(std::string_view title, const uint8_t* pData) {
 
 void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure) {
     for (const ItemRow_t& row : rows) {
-        try {
+        OrDrop([&] {
             if (row.rendering.render == nullptr)
                 m_items->Add(ClText::Joined({row.key, kGroupMark}), {});
             else
                 m_items->Add(row.key, row.rendering.render({structure, row, *this}));
-        } catch (const std::bad_alloc&) {
-            TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
-        }
+        });
     }
 }

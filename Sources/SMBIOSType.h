@@ -159,11 +159,6 @@ class ClStructure {
     bool m_readsOn;  // whether a read behind them goes on to the record's end
 };
 
-// A string of a record's string area, from 1. 0 and 1 both give the first: a decoder that must not show a string for
-// number 0 tests the number itself. An area without strings gives "(null string)" for every number, and a number
-// that the area doesn't hold gives "(no such string)". The text lives as long as the record.
-const char* StringOf(const uint8_t* pData, uint32_t number);
-
 // The strings of a record's string area in order, each found in one step.
 class ClStringWalk {
   public:
@@ -223,9 +218,9 @@ struct ItemRow_t {
     Rendering_t rendering;
 };
 
-// Numbers as text. HexText is uppercase, zero-filled to `digits` (a longer value is not cut), with a closing "h".
-std::string HexText(uint64_t value, uint32_t digits);
-std::string PlainHex(uint64_t value);  // lowercase, no zeros in front, no "h"
+// Hexadecimal without zeros in front and without a closing "h", in lower and in upper case.
+std::string PlainHex(uint64_t value);
+std::string PlainUpperHex(uint64_t value);
 // The texts of the set bits below `count`, in rising order, joined by ", ". A set bit without a row adds the
 // separator alone.
 std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t count);
@@ -241,16 +236,16 @@ ClText ShowHex64(const Field_t& field);
 ClText ShowString(const Field_t& field);
 ClText ShowStringOrNone(const Field_t& field);
 ClText ShowNumberedString(const Field_t& field);
+ClText ShowParsedString(const Field_t& field);
 ClText ShowEnum8(const Field_t& field);
 ClText ShowYesNo8(const Field_t& field);
+ClText ShowYesNo16(const Field_t& field);
 ClText ShowYesNo32(const Field_t& field);
 ClText ShowDec16WithUnit(const Field_t& field);
 ClText ShowDec16AndHex(const Field_t& field);
-ClText ShowErrorType(const Field_t& field);
-ClText ShowErrorGranularity(const Field_t& field);
-ClText ShowErrorOperation(const Field_t& field);
+ClText ShowDeviceNumber(const Field_t& field);
+ClText ShowFunctionNumber(const Field_t& field);
 ClText ShowBit8(const Field_t& field);
-ClText ShowBit16(const Field_t& field);
 ClText ShowBit32(const Field_t& field);
 
 inline constexpr Rendering_t Group{nullptr};
@@ -264,22 +259,23 @@ inline constexpr Rendering_t String{ShowString};              // no test of numb
 inline constexpr Rendering_t StringOrNone{ShowStringOrNone};  // "None" for number 0
 // A string of the area by its own number: structures that just list strings hold no field with it.
 constexpr Rendering_t NumberedString(uint32_t number) { return {ShowNumberedString, {}, {}, number}; }
+// A string of a parsed record; "None" for number 0 and for a number that names no string.
+inline constexpr Rendering_t ParsedText{ShowParsedString};
 constexpr Rendering_t Enum8(std::span<const CodeText_t> table, std::string_view otherwise) {
     return {ShowEnum8, table, otherwise};
 }
 // "Yes" or "No" from a bit of the field.
 constexpr Rendering_t YesNo8(uint32_t bit) { return {ShowYesNo8, {}, {}, bit}; }
+constexpr Rendering_t YesNo16(uint32_t bit) { return {ShowYesNo16, {}, {}, bit}; }
 constexpr Rendering_t YesNo32(uint32_t bit) { return {ShowYesNo32, {}, {}, bit}; }
 // A word in decimal with its unit, as in " MHz".
 constexpr Rendering_t Dec16WithUnit(std::string_view unit) { return {ShowDec16WithUnit, {}, unit}; }
 // A word in decimal, and in parentheses in hexadecimal of at least `digits`: 64 (0040h).
 constexpr Rendering_t Dec16AndHex(uint32_t digits) { return {ShowDec16AndHex, {}, {}, digits}; }
-// The three codes of the memory error structures.
-inline constexpr Rendering_t ErrorType{ShowErrorType}, ErrorGranularity{ShowErrorGranularity},
-    ErrorOperation{ShowErrorOperation};
+// The two parts of a byte that locates a PCI function in its bus.
+inline constexpr Rendering_t DeviceNumber{ShowDeviceNumber}, FunctionNumber{ShowFunctionNumber};
 // One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
 constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
-constexpr Rendering_t Bit16(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit16, table, {}, bit}; }
 constexpr Rendering_t Bit32(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit32, table, {}, bit}; }
 // A field as a static member of its decoder, such as ClSMBIOSType7::GetAssociativityString, tells it.
 template <auto GetText>
@@ -305,10 +301,12 @@ class ClSMBIOSType {
     // Leaves all items behind, as read: for who has them in a list of its own.
     void PassItems();
 
-    uint32_t ProcessorSignature() const { return m_processorSignature; }
-
     static std::string GetDecimalString(uint32_t value);
-    static std::string GetHexString(uint32_t value, uint8_t width);
+    // Uppercase, zero-filled to `width` digits (a longer value is not cut), with a closing "h".
+    static std::string GetHexString(uint64_t value, uint32_t width);
+    // A string of a record's string area, from 1. 0 and 1 both give the first: a decoder that must not show a string
+    // for number 0 tests the number itself. An area without strings gives "(null string)" for every number, and a
+    // number that the area doesn't hold gives "(no such string)". The text lives as long as the record.
     static const char* GetString(uint32_t strNum, const uint8_t* pData);
     static std::string_view GetErrorGranularityString(uint8_t code);
     static std::string_view GetErrorOperationString(uint8_t code);
@@ -333,6 +331,11 @@ class ClSMBIOSType {
     ClItemList* m_items = &m_ownItems;
     size_t m_readCursor = 0;
 };
+
+// The three codes of the memory error structures.
+inline constexpr Rendering_t ErrorType = Text8<ClSMBIOSType::GetErrorTypeString>,
+                             ErrorGranularity = Text8<ClSMBIOSType::GetErrorGranularityString>,
+                             ErrorOperation = Text8<ClSMBIOSType::GetErrorOperationString>;
 
 inline uint8_t Field_t::Byte() const { return structure.Byte(row.offset); }
 inline uint16_t Field_t::Word() const { return structure.Word(row.offset); }

@@ -5,37 +5,27 @@
 
 namespace {
 
-const char* BiosString(const Field_t& field) {
-    if (field.Byte() == 0) return nullptr;
-    return ParsedString(field.structure.Data(), kBiosBytes, kBiosStrings, field.row.offset);
-}
-
-// A string of the parsed record; "None" for number 0 or one that names no string.
-ClText ShowBiosString(const Field_t& field) {
-    const char* text = BiosString(field);
-    return text == nullptr ? "None" : text;
-}
-
-// In units of 64 KB, less one.
+// Decimal, (the byte + 1) * 64, then " KB".
 ClText ShowRomSize(const Field_t& field) { return std::to_string((field.Byte() + 1) * 64) + " KB"; }
 
-// Hexadecimal, then decimal in parentheses; 255 says that there is none.
+// Lower-case hexadecimal, "h", then decimal in parentheses, as in "1ah (26)"; 255 says that there is none.
 ClText ShowRelease(const Field_t& field) {
     const uint8_t release = field.Byte();
     if (release == 255) return "255 (Not Supported)";
     return PlainHex(release) + "h (" + std::to_string(release) + ")";
 }
 
-constexpr Rendering_t BiosText{ShowBiosString}, RomSize{ShowRomSize}, Release{ShowRelease};
+constexpr Rendering_t RomSize{ShowRomSize}, Release{ShowRelease};
 
 constexpr ItemRow_t kVersion[] = {
-    {"BIOS Vendor",  0x04, BiosText},
-    {"BIOS Version", 0x05, BiosText},
+    {"BIOS Vendor",  0x04, ParsedText},
+    {"BIOS Version", 0x05, ParsedText},
 };
 
+// Shown where the number of the version string isn't 0: a BIOS without a version ends its structure there.
 constexpr ItemRow_t kItems[] = {
     {"Starting Address Segment",                                                                      0x06, Hex16      },
-    {"BIOS Release Date",                                                                             0x08, BiosText   },
+    {"BIOS Release Date",                                                                             0x08, ParsedText },
     {"BIOS ROM Size",                                                                                 0x09, RomSize    },
     {"BIOS Characteristics",                                                                          0x0A, Group      },
     {"BIOS Characteristics Not Supported",                                                            0x0A, YesNo32(3) },
@@ -93,7 +83,6 @@ void ClSMBIOSType0::PrintStructure(const uint8_t* pData) {
     if (!PrintHead("BIOS Information {Type 0}", pData)) return;
     const ClStructure structure = ClStructure::FixedBytes(pData, kBiosBytes);
     PrintItems(kVersion, structure);
-    // A BIOS without a version ends its structure here.
     if (structure.Byte(0x05) == 0) {
         PACKAGE_TRACE("Sources\\SMBIOSType000", "ClSMBIOSType0::PrintStructure", kError, "\nBIOS Version is empty");
         return;

@@ -17,13 +17,8 @@ constexpr CodeText_t kWakeUpTypes[] = {
 };
 static_assert(IsRising(kWakeUpTypes));
 
-// A string of the parsed record; "None" for number 0 or one that names no string.
-ClText ShowSystemString(const Field_t& field) {
-    const char* text = ParsedString(field.structure.Data(), kSystemBytes, kSystemStrings, field.row.offset);
-    return field.Byte() == 0 || text == nullptr ? "None" : text;
-}
-
-// The bytes in the structure's order, none swapped.
+// The 16 bytes in the structure's order, none swapped, each in lower-case hexadecimal without a zero in front, joined
+// by blanks.
 ClText ShowUuid(const Field_t& field) {
     std::string text;
     for (size_t place = 0; place < 16; place++) {
@@ -33,18 +28,17 @@ ClText ShowUuid(const Field_t& field) {
     return text;
 }
 
-constexpr Rendering_t SystemText{ShowSystemString}, Uuid{ShowUuid},
-    WakeUpType = Enum8(kWakeUpTypes, "Error: Invalid Type");
+constexpr Rendering_t Uuid{ShowUuid}, WakeUpType = Enum8(kWakeUpTypes, "Error: Invalid Type");
 
 constexpr ItemRow_t kItems[] = {
-    {"Manufacturer",  0x04, SystemText},
-    {"Product Name",  0x05, SystemText},
-    {"Version",       0x06, SystemText},
-    {"Serial Number", 0x07, SystemText},
+    {"Manufacturer",  0x04, ParsedText},
+    {"Product Name",  0x05, ParsedText},
+    {"Version",       0x06, ParsedText},
+    {"Serial Number", 0x07, ParsedText},
     {"UUID",          0x08, Uuid      },
     {"Wake-up Type",  0x18, WakeUpType},
-    {"SKU Number",    0x19, SystemText},
-    {"Family",        0x1A, SystemText},
+    {"SKU Number",    0x19, ParsedText},
+    {"Family",        0x1A, ParsedText},
 };
 
 }  // namespace

@@ -30,31 +30,20 @@ constexpr CodeText_t kBoardTypes[] = {
 };
 static_assert(IsRising(kBoardTypes));
 
-const char* BoardString(const Field_t& field) {
-    return ParsedString(field.structure.Data(), kBaseboardBytes, kBaseboardStrings, field.row.offset);
-}
-
-// A string of the parsed record; "None" for number 0 or one that names no string.
-ClText ShowBoardString(const Field_t& field) {
-    const char* text = BoardString(field);
-    return field.Byte() == 0 || text == nullptr ? "None" : text;
-}
-
 // The features of the set bits, joined by ", "; "None" for 0.
 ClText ShowFeatures(const Field_t& field) { return field.Byte() == 0 ? "None" : BitsText(kFeatures, field.Byte(), 8); }
 
-constexpr Rendering_t BoardText{ShowBoardString}, Features{ShowFeatures},
-    BoardType = Enum8(kBoardTypes, "Error: Invalid Type");
+constexpr Rendering_t Features{ShowFeatures}, BoardType = Enum8(kBoardTypes, "Error: Invalid Type");
 
 constexpr ItemRow_t kItems[] = {
-    {"Manufacturer",         0x04, BoardText     },
-    {"Board Name/ ID",       0x05, BoardText     },
-    {"Fab ID",               0x06, BoardText     },
-    {"Serial Number",        0x07, BoardText     },
-    {"Assert Tag",           0x08, BoardText     },
+    {"Manufacturer",         0x04, ParsedText    },
+    {"Board Name/ ID",       0x05, ParsedText    },
+    {"Fab ID",               0x06, ParsedText    },
+    {"Serial Number",        0x07, ParsedText    },
+    {"Assert Tag",           0x08, ParsedText    },
     {"Feature Flag",         0x09, Features      },
     {"Board Type",           0x0D, BoardType     },
-    {"Location In Chassis ", 0x0A, BoardText     },
+    {"Location In Chassis ", 0x0A, ParsedText    },
     {"Chassis Handle",       0x0B, Hex16Digits(8)},
 };
 

@@ -79,7 +79,7 @@ ClText ShowLock(const Field_t& field) {
     return (type & kLockPresent) != 0 ? "Present" : "Not Present or Unknown";
 }
 
-// Rack units of 1.75 inches, in centimetres.
+// Rack units of 1.75 inches, in whole centimetres, decimal; "Unspecified" for 0.
 ClText ShowHeight(const Field_t& field) {
     const uint8_t units = field.Byte();
     return units == 0 ? "Unspecified" : std::to_string(static_cast<int>(units * 4.445)) + " cm";

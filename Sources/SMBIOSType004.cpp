@@ -104,6 +104,7 @@ constexpr CodeText_t kProcessorUpgrades[] = {
     {60, "Socket BGA1528"        },
 };
 static_assert(IsRising(kProcessorUpgrades));
+
 // Each text closes itself, so that nothing stands between two of them.
 constexpr CodeText_t kCharacteristics[] = {
     {2, "64 -bit capable |"          },
@@ -115,23 +116,25 @@ constexpr CodeText_t kCharacteristics[] = {
 };
 static_assert(IsRising(kCharacteristics));
 
-// A processor family; two of them depend on the processor signature.
+// A processor family; two of them have other words where the processor signature is 000406E0h.
 ClText ShowFamily8(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Byte());
 }
 
-// A processor family; two of them depend on the processor signature.
+// A processor family; two of them have other words where the processor signature is 000406E0h.
 ClText ShowFamily16(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Word());
 }
 
-// The upper half first, with all its digits; the lower half follows with those that it needs.
+// Hexadecimal: the upper half first, with 8 digits; the lower half follows with those that it needs.
 ClText ShowProcessorId(const Field_t& field) {
     const size_t offset = field.row.offset;
-    return HexText(field.structure.Dword(offset + 4), 8) + ' ' + HexText(field.structure.Dword(offset), 1);
+    return ClSMBIOSType::GetHexString(field.structure.Dword(offset + 4), 8) + ' ' +
+           ClSMBIOSType::GetHexString(field.structure.Dword(offset), 1);
 }
 
-// Bit 7 set: the voltage in tenths. Clear: a bit for each voltage that the socket takes, of which the lowest counts.
+// Volts with one decimal, then "V". Bit 7 set: bits 0 to 6 are tenths. Clear: the lowest set one of bits 0, 1 and 2
+// counts, and says 5.0, 3.3 and 2.9. "None" for 0 and where no such bit is set.
 ClText ShowVoltage(const Field_t& field) {
     constexpr uint8_t kTenths = 0x80;
     constexpr uint32_t kVoltages[] = {50, 33, 29};  // tenths, by bit
@@ -145,7 +148,7 @@ ClText ShowVoltage(const Field_t& field) {
     return std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10) + 'V';
 }
 
-// The row's text stands behind the handle that names no cache.
+// Decimal, 2 digits or more, then a blank, or for 65535, which names no cache, the row's text.
 ClText ShowCacheHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
     std::string text = std::to_string(handle);

@@ -132,20 +132,17 @@ bool HasAddress(uint8_t slotType) {
 }
 
 // Hexadecimal, 2 digits or more; "None" for 0.
-ClText ShowSlotId(const Field_t& field) { return field.Word() == 0 ? "None" : HexText(field.Word(), 2); }
-// Decimal, bits 3 to 7.
-ClText ShowDevice(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
-// Decimal, bits 0 to 2.
-ClText ShowFunction(const Field_t& field) { return std::to_string(field.Byte() & 7); }
-// The same text for every slot without an address.
+ClText ShowSlotId(const Field_t& field) {
+    return field.Word() == 0 ? "None" : ClSMBIOSType::GetHexString(field.Word(), 2);
+}
+// The same text, whatever the structure holds.
 ClText ShowNoAddress(const Field_t&) { return "0FFh"; }
 
 constexpr Rendering_t SlotType = Text8<ClSMBIOSType9::GetSlotTypeString>,
                       DataBusWidth = Text8<ClSMBIOSType9::GetSlotDataBusWidthString>,
                       Usage = Enum8(kUsages, "Error: Invalid Usage"), Length = Enum8(kLengths, "Error: Invalid Length"),
                       SlotId{ShowSlotId}, Characteristics = Text8<ClSMBIOSType9::GetSlotCharacteristicsString>,
-                      Characteristics2 = Text8<ClSMBIOSType9::GetSlotCharacteristics2String>, Device{ShowDevice},
-                      Function{ShowFunction}, NoAddress{ShowNoAddress};
+                      Characteristics2 = Text8<ClSMBIOSType9::GetSlotCharacteristics2String>, NoAddress{ShowNoAddress};
 
 constexpr ItemRow_t kItems[] = {
     {"Slot Designation",       0x04, StringOrNone    },
@@ -158,14 +155,16 @@ constexpr ItemRow_t kItems[] = {
     {"Slot Characteristics 2", 0x0C, Characteristics2},
 };
 
+// Of slot types 06h, 0Fh, 12h and A5h to AAh.
 constexpr ItemRow_t kAddress[] = {
-    {"Segment Group Number",   0x0D, Dec16   },
-    {"Bus Number",             0x0F, Dec8    },
-    {"Device Number",          0x10, Device  },
-    {"Function Number",        0x10, Function},
-    {"Device/Function Number", 0x10, Dec8    },
+    {"Segment Group Number",   0x0D, Dec16         },
+    {"Bus Number",             0x0F, Dec8          },
+    {"Device Number",          0x10, DeviceNumber  },
+    {"Function Number",        0x10, FunctionNumber},
+    {"Device/Function Number", 0x10, Dec8          },
 };
 
+// Of all other slot types.
 constexpr ItemRow_t kNoAddress[] = {
     {"Segment Group Number",   0x0D, NoAddress},
     {"Bus Number",             0x0F, NoAddress},

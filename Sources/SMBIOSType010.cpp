@@ -3,7 +3,7 @@
 
 namespace {
 
-// Whether the device is enabled, and its type.
+// Whether bit 7 is set, which enables the device, and its type from the other bits.
 ClText ShowDeviceType(const Field_t& field) {
     constexpr uint8_t kEnabled = 0x80;
     const uint8_t device = field.Byte();

@@ -47,8 +47,8 @@ bool Matches(std::string_view language, std::string_view code) {
     return HoldsAt(language, 3, code) || HoldsAt(language, 2, code);
 }
 
-// The lower-case string and its language's name; `otherwise` for one of the parenthesised texts that StringOf gives
-// for a string that is missing.
+// The lower-case string and its language's name; `otherwise` for a string that begins with a parenthesis, as the texts
+// do that GetString gives for a missing one.
 std::string LanguageText(const char* language, std::string_view otherwise) {
     if (language[0] == '(') return std::string(otherwise);
     std::string text = language;
@@ -62,18 +62,19 @@ std::string LanguageText(const char* language, std::string_view otherwise) {
 ClText ShowCurrentLanguage(const Field_t& field) {
     const uint8_t current = field.Byte(), installable = field.structure.Byte(0x04);
     if (current == 0 || current > installable) return "(Invalid Current Language)";
-    return LanguageText(StringOf(field.structure.Data(), current), "(Language(s) not set)");
+    return LanguageText(ClSMBIOSType::GetString(current, field.structure.Data()), "(Language(s) not set)");
 }
 
 // The lower-case language string and its name.
 ClText ShowLanguage(const Field_t& field) {
-    return LanguageText(StringOf(field.structure.Data(), field.row.rendering.number), " (Language(s) not set)");
+    return LanguageText(ClSMBIOSType::GetString(field.row.rendering.number, field.structure.Data()),
+                        " (Language(s) not set)");
 }
 
-// Version 2.0 of the standard had no flags.
+// Hexadecimal, 2 digits; "None" before version 2.1 of the standard, which brought the flags.
 ClText ShowFlags(const Field_t& field) {
     const bool hasFlags = static_cast<const ClSMBIOSType13&>(field.decoder).IsVersion21OrLater();
-    return hasFlags ? HexText(field.Byte(), 2) : "None";
+    return hasFlags ? ClSMBIOSType::GetHexString(field.Byte(), 2) : "None";
 }
 
 constexpr Rendering_t CurrentLanguage{ShowCurrentLanguage}, Flags{ShowFlags};

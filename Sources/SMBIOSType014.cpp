@@ -1,11 +1,14 @@
 // Group Associations (the SMBIOS standard, type 14). A group serves as a pointer to firmware version structures: what
 // shows are the versions that its members hold, not the group itself.
 #include <cstdio>
+#include <cstring>
+#include <new>
 
 #include "Packages/FERROXExternal/StructureStore/StructureStore.h"
 #include "Packages/OS/OS.h"
 #include "Sources/Decoders.h"
 #include "Sources/PackageTrace.h"
+#include "Sources/VersionRecords.h"
 
 #define TRACE(function, level, ...) \
     PACKAGE_TRACE("Sources\\SMBIOSType014", "ClSMBIOSType14::" function, level, __VA_ARGS__)
@@ -14,42 +17,32 @@ namespace {
 
 constexpr size_t kGroupItems = 0x05, kGroupItemSize = 3;
 
-// A firmware version structure: the number of its entries, then the entries. An entry's version is three bytes from
-// its offset 2 and a word.
-constexpr size_t kEntryCount = 0x04, kEntries = 0x05, kEntrySize = 7, kVersionInEntry = 2;
-
 // In front of a record's body stands its type.
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
-// A blank, then three bytes and a word in lower-case hexadecimal, joined by points.
-ClText ShowVersion(const Field_t& field) {
-    const ClStructure& member = field.structure;
-    const size_t offset = field.row.offset;
+// A blank, then three bytes and a word in lower-case hexadecimal of 2 and 4 digits, joined by points.
+std::string VersionText(const VersionRecord_t& record) {
     char text[48];
-    std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", member.Byte(offset), member.Byte(offset + 1),
-                  member.Byte(offset + 2), member.Word(offset + 3));
-    return std::string(text);
+    std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", record.parts[0], record.parts[1], record.parts[2],
+                  record.lastPart);
+    return text;
 }
-
-constexpr Rendering_t Version{ShowVersion};
 
 }  // namespace
 
-void ClSMBIOSType14::GetBiosVersionInfo(const uint8_t* pData) {
-    const ClStructure member = ClStructure::WholeRecord(pData);
+void ClSMBIOSType14::GetBiosVersionInfo(const uint8_t* pData) try {
+    const std::vector<VersionRecord_t> records = VersionRecordsOf(pData);
     ClStringWalk names(pData);
-    const uint8_t count = member.Byte(kEntryCount);
-    for (size_t index = 0; index < count && member.Holds(kEntries + index * kEntrySize, kEntrySize);) {
+    for (auto record = records.begin(); record != records.end();) {
         const char* name = names.Next();
         if (name == nullptr) break;
-        // This name is used up, and its entry stays for the next one.
+        // This name is used up, and its record stays for the next one.
         if (std::strcmp(name, "Disabled") == 0) continue;
-        const ItemRow_t item[] = {
-            {name, kEntries + index * kEntrySize + kVersionInEntry, Version},
-        };
-        PrintItems(item, member);
-        index++;
+        Fill_String_Data(name, VersionText(*record), 0);
+        record++;
     }
+} catch (const std::bad_alloc&) {
+    TRACE("GetBiosVersionInfo", kError, "Memory allocation with new failed\n");
 }
 
 void ClSMBIOSType14::GetComponentInfo(const uint8_t* pData) {

@@ -11,10 +11,10 @@ constexpr size_t kDescriptorCount = 0x15, kDescriptors = 0x17, kDescriptorSize =
 // Bits of the log status.
 constexpr uint8_t kAreaValid = 0x01, kAreaFull = 0x02;
 
-// Hexadecimal, then what its two low bits say.
+// Hexadecimal, 2 digits, then what bits 1 and 0 say.
 ClText ShowLogStatus(const Field_t& field) {
     const uint8_t status = field.Byte();
-    return HexText(status, 2)
+    return ClSMBIOSType::GetHexString(status, 2)
         .append(" (Log Area: ")
         .append((status & kAreaFull) != 0 ? "Full" : "Not Full")
         .append(", ")
@@ -29,15 +29,18 @@ std::string_view HeaderFormat(uint8_t format) {
     return "BIOS or OEM specific header type";
 }
 
-// Hexadecimal, then the format in parentheses.
+// Hexadecimal, 2 digits, then the format in parentheses: 00h, 01h, up to 7Fh, and from 80h on.
 ClText ShowHeaderFormat(const Field_t& field) {
-    return HexText(field.Byte(), 2).append(" (").append(HeaderFormat(field.Byte())).append(")");
+    return ClSMBIOSType::GetHexString(field.Byte(), 2).append(" (").append(HeaderFormat(field.Byte())).append(")");
 }
 
-// The log type and the format of its variable data.
+// Two tabs, then the log type and the format of its variable data, each in hexadecimal of 2 digits.
 ClText ShowDescriptor(const Field_t& field) {
     const uint16_t descriptor = field.Word();
-    return std::string("\t\t").append(HexText(descriptor & 0xFF, 2)).append(" ").append(HexText(descriptor >> 8, 2));
+    return std::string("\t\t")
+        .append(ClSMBIOSType::GetHexString(descriptor & 0xFF, 2))
+        .append(" ")
+        .append(ClSMBIOSType::GetHexString(descriptor >> 8, 2));
 }
 
 constexpr Rendering_t LogStatus{ShowLogStatus}, LogHeaderFormat{ShowHeaderFormat}, Descriptor{ShowDescriptor};
@@ -52,6 +55,7 @@ constexpr ItemRow_t kItems[] = {
     {"Access Method Address",   0x10, Hex32         },
 };
 
+// Of structures of 17h bytes or more.
 constexpr ItemRow_t kLaterItems[] = {
     {"Log Header Format",                        0x14, LogHeaderFormat},
     {"Number of Supported Log Type Descriptors", 0x15, Hex8           },
@@ -71,7 +75,9 @@ void ClSMBIOSType15::PrintStructure(const uint8_t* pData) {
     size_t offset = kDescriptors;
     for (uint8_t left = structure.Byte(kDescriptorCount); left > 0; left--, offset += kDescriptorSize) {
         if (!structure.Holds(offset, kDescriptorSize)) return;
-        const ItemRow_t row = {"List of Supported Event Log Type Descriptors", offset, Descriptor};
-        PrintItems({&row, 1}, structure);
+        const ItemRow_t descriptor[] = {
+            {"List of Supported Event Log Type Descriptors", offset, Descriptor},
+        };
+        PrintItems(descriptor, structure);
     }
 }

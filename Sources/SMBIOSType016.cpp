@@ -43,16 +43,15 @@ constexpr CodeText_t kErrorCorrections[] = {
 };
 static_assert(IsRising(kErrorCorrections));
 
-// A location; other values are invalid.
-ClText ShowLocation(const Field_t& field) { return ClSMBIOSType16::GetLocationString(field.Byte()); }
-
-// The high and the low half, each with its "h".
+// The high and the low half, each in hexadecimal of 4 digits or more with its "h".
 ClText ShowHalves(const Field_t& field) {
     const uint64_t value = field.Qword();
-    return HexText(value >> 32, 4).append(" ").append(HexText(value & 0xFFFFFFFF, 4));
+    return ClSMBIOSType::GetHexString(value >> 32, 4)
+        .append(" ")
+        .append(ClSMBIOSType::GetHexString(value & 0xFFFFFFFF, 4));
 }
 
-constexpr Rendering_t Location{ShowLocation}, Halves{ShowHalves};
+constexpr Rendering_t Location = Text8<ClSMBIOSType16::GetLocationString>, Halves{ShowHalves};
 constexpr Rendering_t Use = Enum8(kUses, "Error: Invalid Type");
 constexpr Rendering_t ErrorCorrection = Enum8(kErrorCorrections, "Error: Invalid Type");
 

@@ -104,17 +104,10 @@ std::string Revalidated(std::string_view text) {
     return result;
 }
 
-// A form factor; other values show their number.
-ClText ShowFormFactor(const Field_t& field) { return ClSMBIOSType17::GetFormFactorString(field.Byte()); }
-// A memory type; other values show their number.
-ClText ShowMemoryType(const Field_t& field) { return ClSMBIOSType17::GetMemoryTypeString(field.Byte()); }
-// The details of the set bits, joined by ", "; "None" for 0.
-ClText ShowTypeDetail(const Field_t& field) { return ClSMBIOSType17::GetTypeDetailString(field.Word()); }
-
 // A string in valid UTF-8, control characters as points; "None" for number 0.
 ClText ShowPartNumber(const Field_t& field) {
     if (field.Byte() == 0) return "None";
-    return ClSMBIOSType17::GetCleanPartNumber(StringOf(field.structure.Data(), field.Byte()));
+    return ClSMBIOSType17::GetCleanPartNumber(ClSMBIOSType::GetString(field.Byte(), field.structure.Data()));
 }
 
 // Right-aligned in 8 characters, then " MB", where the size is 7FFFh; "0" elsewhere.
@@ -125,12 +118,13 @@ ClText ShowExtendedSize(const Field_t& field) {
     return size.append(" MB");
 }
 
-// A number and its unit, if it has one.
+// Decimal and its unit, if it has one; "Unknown" for 0.
 ClText ShowKnown(const Field_t& field) { return field.Word() == 0 ? "Unknown" : ShowDec16WithUnit(field); }
 
-constexpr Rendering_t FormFactor{ShowFormFactor}, MemoryType{ShowMemoryType}, TypeDetail{ShowTypeDetail},
-    PartNumber{ShowPartNumber}, ExtendedSize{ShowExtendedSize}, KnownSpeed{ShowKnown, {}, " MHz"},
-    KnownVoltage{ShowKnown};
+constexpr Rendering_t FormFactor = Text8<ClSMBIOSType17::GetFormFactorString>,
+                      MemoryType = Text8<ClSMBIOSType17::GetMemoryTypeString>,
+                      TypeDetail = Text16<ClSMBIOSType17::GetTypeDetailString>, PartNumber{ShowPartNumber},
+                      ExtendedSize{ShowExtendedSize}, KnownSpeed{ShowKnown, {}, " MHz"}, KnownVoltage{ShowKnown};
 
 constexpr ItemRow_t kItems[] = {
     {"Memory Array Handle",             0x04, Hex16                },
@@ -160,24 +154,25 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
+// A form factor; other values show themselves in hexadecimal of 2 digits without an "h".
 ClText ClSMBIOSType17::GetFormFactorString(uint8_t formFactor) {
     const std::string_view text = TextOf(kFormFactors, formFactor, {});
     return text.empty() ? ClText(GetUnknownValueString(formFactor)) : ClText(text);
 }
 
+// A memory type; other values show themselves in hexadecimal of 2 digits without an "h".
 ClText ClSMBIOSType17::GetMemoryTypeString(uint8_t memoryType) {
     const std::string_view text = TextOf(kMemoryTypes, memoryType, {});
     return text.empty() ? ClText(GetUnknownValueString(memoryType)) : ClText(text);
 }
 
+// The details of the set bits, joined by ", "; "None" for 0.
 ClText ClSMBIOSType17::GetTypeDetailString(uint16_t typeDetail) {
     return typeDetail == 0 ? ClText("None") : ClText(BitsText(kTypeDetails, typeDetail, 16));
 }
 
 std::string ClSMBIOSType17::GetUnknownValueString(uint8_t value) {
-    std::string digits = HexText(value, 2);
-    digits.pop_back();  // the "h"
-    return "Unknown, Value read = 0x" + digits;
+    return std::string("Unknown, Value read = 0x") + (value < 0x10 ? "0" : "") + PlainUpperHex(value);
 }
 
 ClText ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {

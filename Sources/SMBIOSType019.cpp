@@ -3,12 +3,12 @@
 
 namespace {
 
-// The high half without an "h" of its own, then the low half.
+// The high half without an "h" of its own, then the low half, each in hexadecimal of 4 digits or more.
 ClText ShowExtendedAddress(const Field_t& field) {
     const uint64_t address = field.Qword();
-    std::string text = HexText(address >> 32, 4);
+    std::string text = ClSMBIOSType::GetHexString(address >> 32, 4);
     text.back() = ' ';
-    return text.append(HexText(address & 0xFFFFFFFF, 4));
+    return text.append(ClSMBIOSType::GetHexString(address & 0xFFFFFFFF, 4));
 }
 
 constexpr Rendering_t ExtendedAddress{ShowExtendedAddress};

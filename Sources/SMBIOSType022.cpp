@@ -3,7 +3,7 @@
 
 namespace {
 
-// Day, month and year of a packed date, in bits 0 to 4, 5 to 8 and 9 to 15. Years count from 1980.
+// Day, month and year of a packed date, each in decimal, from bits 0 to 4, 5 to 8 and 9 to 15. Years count from 1980.
 ClText ShowDate(const Field_t& field) {
     const uint16_t date = field.Word();
     const int day = date & 0x1F, month = date >> 5 & 0x0F, year = 1980 + (date >> 9);

@@ -51,16 +51,10 @@ constexpr CodeText_t kPolarities[] = {
 };
 static_assert(IsRising(kPolarities));
 
-constexpr CodeText_t kTriggerModes[] = {
-    {0, "edge" },
-    {1, "level"},
-};
-static_assert(IsRising(kTriggerModes));
-
 // Two hexadecimal digits, one for each half of the byte.
 ClText ShowRevision(const Field_t& field) {
     const uint8_t revision = field.Byte();
-    const std::string digits = HexText(revision, 2);
+    const std::string digits = ClSMBIOSType::GetHexString(revision, 2);
     return std::string("Revision ") + digits[0] + "." + digits[1];
 }
 
@@ -69,11 +63,16 @@ ClText ShowRegisterSpacing(const Field_t& field) { return TextOf(kRegisterSpacin
 
 // The same text for every value.
 ClText ShowReserved(const Field_t&) { return "Reserved"; }
+// The one text of this key.
+ClText ShowLevel(const Field_t&) { return "level"; }
+// The one text of this key.
+ClText ShowEdge(const Field_t&) { return "edge"; }
 
 constexpr Rendering_t InterfaceType = Enum8(kInterfaceTypes, "Error: Invalid Interface Type");
-constexpr Rendering_t Revision{ShowRevision}, RegisterSpacing{ShowRegisterSpacing}, Reserved{ShowReserved};
+constexpr Rendering_t Revision{ShowRevision}, RegisterSpacing{ShowRegisterSpacing}, Reserved{ShowReserved},
+    Level{ShowLevel}, Edge{ShowEdge};
 constexpr Rendering_t AddressBit0 = Bit8(kAddressBit0, 4), InterruptInfo = Bit8(kInterruptInfo, 3),
-                      Polarity = Bit8(kPolarities, 1), TriggerMode = Bit8(kTriggerModes, 0);
+                      Polarity = Bit8(kPolarities, 1);
 
 constexpr ItemRow_t kInterface[] = {
     {"Interface Type",                         0x04,      InterfaceType},
@@ -84,6 +83,7 @@ constexpr ItemRow_t kInterface[] = {
     {"Base Address Modifier / Interrupt Info", kModifier, Hex8         },
 };
 
+// Shown where the byte isn't 0.
 constexpr ItemRow_t kModifierBits[] = {
     {"Base Address Modifier bit 7:6 Register spacing",   kModifier, RegisterSpacing},
     {"Base Address Modifier bit 5",                      kModifier, Reserved       },
@@ -93,14 +93,17 @@ constexpr ItemRow_t kModifierBits[] = {
     {"Interrupt Info bit 1 Interrupt Polarity",          kModifier, Polarity       },
 };
 
-// The two trigger modes have a key each, which differ by a blank.
+// The two trigger modes have a key each, which differ by a blank. This is the one of a byte with bit 0 set.
 constexpr ItemRow_t kLevelTriggered[] = {
-    {"Interrupt Info bit 0 Interrupt Trigger Mode", kModifier, TriggerMode},
-};
-constexpr ItemRow_t kEdgeTriggered[] = {
-    {"Interrupt Info bit 0  Interrupt Trigger Mode", kModifier, TriggerMode},
+    {"Interrupt Info bit 0 Interrupt Trigger Mode", kModifier, Level},
 };
 
+// Of a byte that isn't 0, with bit 0 clear.
+constexpr ItemRow_t kEdgeTriggered[] = {
+    {"Interrupt Info bit 0  Interrupt Trigger Mode", kModifier, Edge},
+};
+
+// Of every structure again.
 constexpr ItemRow_t kInterrupt[] = {
     {"Interrupt Number", 0x11, Dec8},
 };

@@ -38,16 +38,10 @@ constexpr CodeText_t kRangeSwitchings[] = {
 };
 static_assert(IsRising(kRangeSwitchings));
 
-constexpr CodeText_t kYesNo[] = {
-    {0, "No" },
-    {1, "Yes"},
-};
-static_assert(IsRising(kYesNo));
-
-// Hexadecimal, then whether the supply is one of a redundant group.
+// Hexadecimal, 2 digits, then whether the supply is one of a redundant group, which 0 says it isn't.
 ClText ShowUnitGroup(const Field_t& field) {
     const uint8_t group = field.Byte();
-    return HexText(group, 2) +
+    return ClSMBIOSType::GetHexString(group, 2) +
            (group == 0 ? " Power supply is not a member of a redundant power unit"
                        : " Redundancy. At least one other power supply will be enumerated with the same value");
 }
@@ -61,15 +55,14 @@ ClText ShowStatus(const Field_t& field) { return TextOf(kStatuses, field.Word() 
 // What bits 3 to 6 say.
 ClText ShowRangeSwitching(const Field_t& field) { return TextOf(kRangeSwitchings, field.Word() >> 3 & 15, "Reserved"); }
 
-// The handle of a structure that the supply may lack.
+// Hexadecimal, 4 digits; for FFFFh, which says that the supply has no such thing, the row's text.
 ClText ShowHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
-    return handle == 0xFFFF ? ClText(field.row.rendering.text) : HexText(handle, 4);
+    return handle == 0xFFFF ? ClText(field.row.rendering.text) : ClSMBIOSType::GetHexString(handle, 4);
 }
 
 constexpr Rendering_t UnitGroup{ShowUnitGroup}, MilliWatts = Dec16WithUnit(" milliWatts");
 constexpr Rendering_t SupplyType{ShowSupplyType}, Status{ShowStatus}, RangeSwitching{ShowRangeSwitching};
-constexpr Rendering_t YesNo16(uint32_t bit) { return Bit16(kYesNo, bit); }
 constexpr Rendering_t VoltageProbe{ShowHandle, {}, "No probe(Type 26) is provided"};
 constexpr Rendering_t CoolingDevice{ShowHandle, {}, "No cooling device(Type 27) is provided"};
 constexpr Rendering_t CurrentProbe{ShowHandle, {}, "No current probe(Type 29) is provided"};

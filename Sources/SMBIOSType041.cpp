@@ -9,14 +9,8 @@ constexpr CodeText_t kDeviceStatuses[] = {
 };
 static_assert(IsRising(kDeviceStatuses));
 
-// Decimal, bits 3 to 7.
-ClText ShowDeviceNumber(const Field_t& field) { return std::to_string(field.Byte() >> 3); }
-// Decimal, bits 0 to 2.
-ClText ShowFunctionNumber(const Field_t& field) { return std::to_string(field.Byte() & 7); }
-
 constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7),
                       DeviceType = Text8<ClSMBIOSType::GetOnboardDeviceTypeString>;
-constexpr Rendering_t DeviceNumber{ShowDeviceNumber}, FunctionNumber{ShowFunctionNumber};
 
 constexpr ItemRow_t kItems[] = {
     {"Reference Designation", 0x04, String        },

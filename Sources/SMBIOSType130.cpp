@@ -12,11 +12,6 @@ constexpr CodeText_t kEnabled[] = {
 };
 static_assert(IsRising(kEnabled));
 
-constexpr CodeText_t kCapabilities[] = {
-    {1, "This platform is QXM capable"},
-};
-static_assert(IsRising(kCapabilities));
-
 constexpr CodeText_t kReflash[] = {
     {0, "Not Supported"},
     {1, "Supported"    },
@@ -68,11 +63,15 @@ constexpr CodeText_t kTerminals[] = {
 };
 static_assert(IsRising(kTerminals));
 
-// The field's 32 bits are a string number; most values name no string.
-ClText ShowSignature(const Field_t& field) { return StringOf(field.structure.Data(), field.Dword()); }
+// The one text of this key.
+ClText ShowCapable(const Field_t&) { return "This platform is QXM capable"; }
+// The one text of this key.
+ClText ShowNotCapable(const Field_t&) { return "This platform is not QXM capable"; }
 
-constexpr Rendering_t Signature{ShowSignature};
-constexpr Rendering_t Capability = Enum8(kCapabilities, "This platform is not QXM capable");
+// The string that all 32 bits number; 0 gives the first one.
+ClText ShowSignature(const Field_t& field) { return ClSMBIOSType::GetString(field.Dword(), field.structure.Data()); }
+
+constexpr Rendering_t Signature{ShowSignature}, Capable{ShowCapable}, NotCapable{ShowNotCapable};
 constexpr Rendering_t Enabled = Enum8(kEnabled, "Disabled");
 constexpr Rendering_t Reflash = Bit8(kReflash, 5), Setup = Bit8(kSetup, 4), Pause = Bit8(kPause, 3);
 constexpr Rendering_t FloppyBoot = Bit8(kFloppyBoot, 2), DiscBoot = Bit8(kDiscBoot, 1);
@@ -83,14 +82,17 @@ constexpr ItemRow_t kSignature[] = {
     {"QXM Signature", 0x04, Signature},
 };
 
-// The key changes with the value.
+// The key changes with the value. This is that of 1.
 constexpr ItemRow_t kCapable[] = {
-    {"Lumetra(R) QXM Capability Status", kCapability, Capability},
-};
-constexpr ItemRow_t kNotCapable[] = {
-    {"Lumetra(R) QXM Capability", kCapability, Capability},
+    {"Lumetra(R) QXM Capability Status", kCapability, Capable},
 };
 
+// Of any other value.
+constexpr ItemRow_t kNotCapable[] = {
+    {"Lumetra(R) QXM Capability", kCapability, NotCapable},
+};
+
+// Of every structure again.
 constexpr ItemRow_t kFeatures[] = {
     {"Lumetra QXM Feature Status",                                0x09, Enabled    },
     {"Lumetra SRoU(Storage Redirection over USB) Feature Status", 0x0A, Enabled    },

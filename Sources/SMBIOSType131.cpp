@@ -16,7 +16,7 @@ constexpr CodeText_t kSupported[] = {
 };
 static_assert(IsRising(kSupported));
 
-// Four words, joined by points.
+// Four words in decimal, joined by points.
 ClText ShowVersion(const Field_t& field) {
     std::string text;
     for (size_t part = 0; part < 4; part++) {
@@ -26,17 +26,11 @@ ClText ShowVersion(const Field_t& field) {
     return text;
 }
 
-std::string ZeroXHex(uint32_t value) {
-    std::string text = "0x" + HexText(value, 0);
-    text.pop_back();  // the "h"
-    return text;
-}
+// The bits of the mask, where they stand, as 0x and hexadecimal digits without an "h".
+ClText ShowMasked(const Field_t& field) { return "0x" + PlainUpperHex(field.Dword() & field.row.rendering.number); }
 
-// The bits of `mask`, where they stand.
-ClText ShowMasked(const Field_t& field) { return ZeroXHex(field.Dword() & field.row.rendering.number); }
-
-// Bits 3 to 7, shifted down, as 0x and hexadecimal digits.
-ClText ShowDevice(const Field_t& field) { return ZeroXHex(field.Dword() >> 3 & 0x1F); }
+// Bits 3 to 7, shifted down, as 0x and hexadecimal digits without an "h".
+ClText ShowDevice(const Field_t& field) { return "0x" + PlainUpperHex(field.Dword() >> 3 & 0x1F); }
 
 constexpr Rendering_t Masked(uint32_t mask) { return {ShowMasked, {}, {}, mask}; }
 constexpr Rendering_t Enabled8(uint32_t bit) { return Bit8(kEnabled, bit); }

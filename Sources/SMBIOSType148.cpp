@@ -289,7 +289,7 @@ constexpr Translation_t BoardTypeIfNumber{CallIfNumber<&Decoder_t::GetBoardTypeS
 constexpr Translation_t BoardRevisionIfNumber{CallIfNumber<&Decoder_t::GetBoardRevString>};
 constexpr Translation_t CPUFlavorIfNumber{CallIfNumber<Decoder_t::GetCPUFlavorString>, "\nGetCPUFlavorString Failed"};
 
-// Layouts with fixed keys. A field without a string reads "None", and some then go out as a group item.
+// Layouts with fixed keys. A field without a string may go out as a group item.
 constexpr uint8_t kPlainItem = 0, kGroupItem = 1;
 
 struct FieldRow_t {
@@ -303,6 +303,7 @@ struct FieldRow_t {
 constexpr size_t kLayout = 4;
 constexpr uint8_t kBoardLayout = 2;
 
+// The layout of a board: of all processors but those of the pairs, with 02h at offset 04h.
 constexpr FieldRow_t kBoardFields[] = {
     {"OMFI",         5,  Text, kPlainItem},
     {"BMCFW",        6,  Text, kPlainItem},
@@ -337,6 +338,7 @@ constexpr FieldRow_t kBoardFields[] = {
     {"iBMCGOP",      35, Text, kPlainItem},
 };
 
+// The layout of a platform: of the same processors, with any other byte at offset 04h.
 constexpr FieldRow_t kPlatformFields[] = {
     {"GOP",        4,  Text,          kPlainItem},
     {"KRN",        7,  Text,          kPlainItem},
@@ -370,6 +372,8 @@ struct PairRow_t {
     const Translation_t& translation;
 };
 
+// The layout of pairs: of the processors 000506C0h and 000706A0h. A pair whose key has no string gives no item. The
+// structure ends at a text without a number at 1Fh or 31h.
 constexpr PairRow_t kPairs[] = {
     {7,  Text                 },
     {9,  Text                 },
@@ -428,7 +432,7 @@ void ClSMBIOSType148::PrintStructureExt(const uint8_t* pData) {
             continue;
         }
         std::string value;
-        row.translation.translate(*this, StringOf(pData, number), &value);
+        row.translation.translate(*this, GetString(number, pData), &value);
         Fill_String_Data(row.key, value, 0);
     }
 }
@@ -436,16 +440,16 @@ void ClSMBIOSType148::PrintStructureExt(const uint8_t* pData) {
 status_t ClSMBIOSType148::PrintStructureExtEx(const uint8_t* pData) {
     const ClStructure structure = ClStructure::FormattedArea(pData);
     const uint8_t platform = structure.Byte(kPlatform);
-    Fill_String_Data("Platform", platform == 0 ? "Not Available" : GetPrintableString(StringOf(pData, platform)), 0);
+    Fill_String_Data("Platform", platform == 0 ? "Not Available" : GetPrintableString(GetString(platform, pData)), 0);
     for (const PairRow_t& pair : kPairs) {
         const uint8_t key = structure.Byte(pair.valueOffset - 1u), number = structure.Byte(pair.valueOffset);
         if (key == 0) continue;
         std::string value = "None";
-        if (number != 0 && pair.translation.translate(*this, StringOf(pData, number), &value) != kSuccess) {
+        if (number != 0 && pair.translation.translate(*this, GetString(number, pData), &value) != kSuccess) {
             TRACE("ClSMBIOSType148::PrintStructureExtEx", pair.translation.failureTrace);
             return kFailure;
         }
-        Fill_String_Data(GetPrintableString(StringOf(pData, key)), value, 0);
+        Fill_String_Data(GetPrintableString(GetString(key, pData)), value, 0);
     }
     return kSuccess;
 }
@@ -464,6 +468,9 @@ std::string ClSMBIOSType148::GetHexSuffix(uint32_t value, uint32_t width) {
     return " (" + std::string(zeros, '0') + digits + ")";
 }
 
+// A board of the processor's family (MrnBoards, DnmBoards, TvlBoards), then its number in lower-case hexadecimal in
+// parentheses; "Unknown MRN BOARD", "Unknown DNM BOARD", "Unknown TVL BOARD" and, of no family, "Unknown BOARD" for
+// others.
 std::string ClSMBIOSType148::GetBoardTypeString(const char* text) {
     int32_t number = 0;
     if (!ReadNumber(text, kBoardTypeTraces, &number)) return "BoardType is not valid";
@@ -472,6 +479,9 @@ std::string ClSMBIOSType148::GetBoardTypeString(const char* text) {
     return std::string(TextOf(family.boards, BoardId, family.otherBoard)) + GetHexSuffix(BoardId, 2);
 }
 
+// A revision of the board that stands above (MrnProductRevisions of board 241 of the first family, TvlFabs of the
+// third, else Fabs), then its number in lower-case hexadecimal in parentheses; "Unknown FAB", "Unknown MRN FAB" and
+// "Unknown DNM FAB" for others, and nothing for a board that the third doesn't know.
 std::string ClSMBIOSType148::GetBoardRevString(const char* text) {
     int32_t number = 0;
     if (!ReadNumber(text, kBoardRevTraces, &number)) return "Board Revision is not valid";
@@ -486,8 +496,9 @@ std::string ClSMBIOSType148::GetBoardRevString(const char* text) {
     return std::string(label) + GetHexSuffix(BoardRev, 2);
 }
 
-// Two characters, a point, two characters. One half is the chip's number in base 16, the other shows as it is. (Two
-// characters have no room for a number behind "0x": that reads as the digit 0.)
+// Two characters, a point, two characters: one half is the chip's number in base 16, the other shows as it is. "PR1.4"
+// for a later revision of board 241, "ERR" for other chips. (Two characters have no room for a number behind 0x: that
+// reads as the digit 0.)
 std::string ClSMBIOSType148::GetPMICString(const char* text) {
     if (text == nullptr) return "Null Pointer";
     const std::string_view pmic = text;

@@ -3,24 +3,17 @@
 
 namespace {
 
-// 0X and upper-case hexadecimal digits.
-ClText ShowPort(const Field_t& field) {
-    std::string text = "0X" + HexText(field.Word(), 0);
-    text.pop_back();  // the "h"
-    return text;
-}
+// 0X and upper-case hexadecimal digits without an "h".
+ClText ShowPort(const Field_t& field) { return "0X" + PlainUpperHex(field.Word()); }
 
-// Always the first string: no field holds its number.
-ClText ShowFirstString(const Field_t& field) { return StringOf(field.structure.Data(), 1); }
-
-constexpr Rendering_t Port{ShowPort}, FirstString{ShowFirstString};
+constexpr Rendering_t Port{ShowPort};
 
 constexpr ItemRow_t kItems[] = {
-    {"Revision",               0x04, Dec8       },
-    {"IO Port",                0x05, Port       },
-    {"Count",                  0x07, Dec8       },
-    {"Checkpoint",             0x08, Dec8       },
-    {"Checkpoint Description", 0x00, FirstString},
+    {"Revision",               0x04, Dec8             },
+    {"IO Port",                0x05, Port             },
+    {"Count",                  0x07, Dec8             },
+    {"Checkpoint",             0x08, Dec8             },
+    {"Checkpoint Description", 0,    NumberedString(1)},
 };
 
 }  // namespace

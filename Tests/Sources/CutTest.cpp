@@ -50,24 +50,27 @@ void CutEverywhere(const uint8_t* table, size_t size, const std::string& what) {
 
 TEST(Cut, SampleDecodesAtEveryLength) { CutEverywhere(SampleTable().data(), SampleTable().size(), "sample"); }
 
-// Each structure stands alone, in a block of its own size.
+// Each structure stands behind a group that names its type, so that the group's decoder reads it too, and ends the
+// table.
 TEST(Cut, StructuresOfTheSampleDecodeWithEveryLengthByte) {
     const auto length = static_cast<uint32_t>(SampleTable().size());
     for (uint32_t begin = 0; begin < length;) {
         const TableStructure_t found = StructureAt(SampleTable().data(), length, begin);
         ASSERT_GT(found.size, 0u) << "at " << begin;
-        Bytes_t structure(found.data, found.data + found.size);
+        Bytes_t structure = {14, 8, 0xFE, 0xFE, 0, found.Type(), 0, 0, 0, 0};
+        const size_t lengthByte = structure.size() + 1;
+        structure.insert(structure.end(), found.data, found.data + found.size);
         const uint32_t items = ItemsOf(structure.data(), structure.size(), 0);
-        const uint8_t ownLength = structure[1];
+        const uint8_t ownLength = structure[lengthByte];
         for (const uint32_t signature : {0u, 0x506C0u}) {
             for (unsigned byte = 0; byte < 256; byte++) {
-                structure[1] = static_cast<uint8_t>(byte);
+                structure[lengthByte] = static_cast<uint8_t>(byte);
                 ItemsOf(structure.data(), structure.size(), signature);
             }
             // With a length of 255 the cuts lie inside the formatted area.
             for (size_t size = 0; size < structure.size(); size++) ItemsOf(structure.data(), size, signature);
         }
-        structure[1] = ownLength;
+        structure[lengthByte] = ownLength;
         EXPECT_EQ(ItemsOf(structure.data(), structure.size(), 0), items) << "structure at " << begin;
         begin += found.size;
     }

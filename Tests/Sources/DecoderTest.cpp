@@ -41,13 +41,15 @@ TEST(Decoder, GivesItsItemsOnceAndEachAsACopy) {
 
 // Of a structure that isn't there the title comes, counted, and nothing else.
 TEST(Decoder, OfANullStructureGivesNoMoreThanItsTitle) {
-    const auto decoders =
-        Made<ClSMBIOSType0, ClSMBIOSType1, ClSMBIOSType2, ClSMBIOSType3, ClSMBIOSType7, ClSMBIOSType8, ClSMBIOSType9,
-             ClSMBIOSType10, ClSMBIOSType11, ClSMBIOSType12, ClSMBIOSType14, ClSMBIOSType15, ClSMBIOSType16,
-             ClSMBIOSType17, ClSMBIOSType18, ClSMBIOSType19, ClSMBIOSType20, ClSMBIOSType21, ClSMBIOSType22,
-             ClSMBIOSType23, ClSMBIOSType24, ClSMBIOSType25, ClSMBIOSType26, ClSMBIOSType27, ClSMBIOSType28,
-             ClSMBIOSType29, ClSMBIOSType30, ClSMBIOSType32, ClSMBIOSType33, ClSMBIOSType34, ClSMBIOSType35,
-             ClSMBIOSType36, ClSMBIOSType37, ClSMBIOSType38, ClSMBIOSType39, ClSMBIOSType41>();
+    auto decoders = Made<ClSMBIOSType0, ClSMBIOSType1, ClSMBIOSType2, ClSMBIOSType3, ClSMBIOSType7, ClSMBIOSType8,
+                         ClSMBIOSType9, ClSMBIOSType10, ClSMBIOSType11, ClSMBIOSType12, ClSMBIOSType14, ClSMBIOSType15,
+                         ClSMBIOSType16, ClSMBIOSType17, ClSMBIOSType18, ClSMBIOSType19, ClSMBIOSType20, ClSMBIOSType21,
+                         ClSMBIOSType22, ClSMBIOSType23, ClSMBIOSType24, ClSMBIOSType25, ClSMBIOSType26, ClSMBIOSType27,
+                         ClSMBIOSType28, ClSMBIOSType29, ClSMBIOSType30, ClSMBIOSType32, ClSMBIOSType33, ClSMBIOSType34,
+                         ClSMBIOSType35, ClSMBIOSType36, ClSMBIOSType37, ClSMBIOSType38, ClSMBIOSType39, ClSMBIOSType41,
+                         ClSMBIOSType130, ClSMBIOSType131, ClSMBIOSType221, ClSMBIOSType222>();
+    decoders.push_back(std::make_unique<ClSMBIOSType4>(0));
+    decoders.push_back(std::make_unique<ClSMBIOSType13>(3, 0));
     for (const auto& decoder : decoders) {
         decoder->PrintStructure(nullptr);
         decoder->PrintStructure(nullptr);

@@ -109,7 +109,7 @@ TEST(Type148Translators, NamePowerChips) {
         {kMrn,      nullptr, nullptr, "zz.02",      "ERR"                     },
         {kMrn,      nullptr, nullptr, "1F",         "ERR"                     },
         {kMrn,      nullptr, nullptr, "1FA.0",      "ERR"                     },
-        {kMrn,      nullptr, nullptr, "1F.",        "PMIC String is not valid"},
+        {kMrn,      nullptr, nullptr, "1F.B",       "PMIC String is not valid"},
         {kMrn,      nullptr, nullptr, nullptr,      "Null Pointer"            },
  // One board tells a later revision by its chip.
         {kMrn,      "241",   "3",     "1F.B3",      "PR1.4 (03)"              },

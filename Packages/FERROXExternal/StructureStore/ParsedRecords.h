@@ -26,19 +26,22 @@ inline uint8_t ParsedBytes(uint8_t type) {
     return type < std::size(kBytes) ? kBytes[type] : 0;
 }
 
-// Where the string area of a parsed record of `type` begins.
-inline size_t ParsedAreaOffset(uint8_t type) {
-    constexpr size_t kPointers[] = {std::size(kBiosStrings), std::size(kSystemStrings), std::size(kBaseboardStrings)};
-    return type < std::size(kPointers) ? ParsedBytes(type) + kPointers[type] * kPointerSize : 0;
+// The offsets that its pointers stand for.
+inline std::span<const uint8_t> ParsedStrings(uint8_t type) {
+    constexpr std::span<const uint8_t> kStrings[] = {kBiosStrings, kSystemStrings, kBaseboardStrings};
+    return type < std::size(kStrings) ? kStrings[type] : std::span<const uint8_t>();
 }
 
+// Where the string area of a parsed record of `type` begins.
+inline size_t ParsedAreaOffset(uint8_t type) { return ParsedBytes(type) + ParsedStrings(type).size() * kPointerSize; }
+
 // The text that the string number at `indexOffset` names, or null when the structure holds no such string.
-inline const char* ParsedString(const uint8_t* body, uint8_t bytes, std::span<const uint8_t> indexOffsets,
-                                size_t indexOffset) {
+inline const char* ParsedString(const uint8_t* body, size_t indexOffset) {
+    const std::span<const uint8_t> indexOffsets = ParsedStrings(body[0]);
     for (size_t place = 0; place < indexOffsets.size(); place++) {
         if (indexOffsets[place] != indexOffset) continue;
         const char* text;
-        std::memcpy(&text, body + bytes + place * kPointerSize, sizeof text);
+        std::memcpy(&text, body + ParsedBytes(body[0]) + place * kPointerSize, sizeof text);
         return text;
     }
     return nullptr;
