@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 [ -n "${WINEPREFIX:-}" ] || exec cmake/with-wine.sh Tests/compare-windows.sh "$@"
 
 native=build/release/bin/quorlin
-windows=build/windows-tests/bin/quorlin.exe
+windows=build/windows/bin/quorlin.exe
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 

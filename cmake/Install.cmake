@@ -50,7 +50,7 @@ if(NOT WIN32)
   set(QUORLIN_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING "Where zsh looks for completions")
   set(completions Tools/quorlin/completions)
   install(FILES ${completions}/quorlin.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-    RENAME quorlin COMPONENT tools OPTIONAL)
+    RENAME quorlin COMPONENT tools)
   install(FILES ${completions}/_quorlin DESTINATION ${QUORLIN_ZSH_COMPLETIONS}
-    COMPONENT tools OPTIONAL)
+    COMPONENT tools)
 endif()
