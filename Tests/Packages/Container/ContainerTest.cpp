@@ -240,6 +240,26 @@ TEST_F(Memory, RunningOutLeavesWhatWasThere) {
         {"AVL, last old is gone",     kAVLTree,      "2",     kUpdate,        3, 0},
         {"AVL, old is gone",          kAVLTree,      "1 2 3", kUpdate,        5, 2},
     };
+    containerLibrary.Malloc = os_malloc;
+    containerLibrary.Free = os_free;
+}
+
+// A comparison may read its container by index, and sees it as it is at that moment.
+TEST(Place, IsForgottenBeforeAComparisonRuns) {
+    static const ClContainer* compared;
+    const auto compare = [](const void* first, const void* second) {
+        const std::vector<void*> entries = compared->Entries();
+        void* middle = nullptr;
+        RetrieveFromIndex(compared->handle, &middle, static_cast<int32_t>(entries.size() / 2));
+        EXPECT_EQ(middle, entries[entries.size() / 2]);
+        return CompareKeys(first, second);
+    };
+    for (const uint32_t type : kAllTypes) {
+        std::vector<Entry_t> entries;
+        ClContainer container(type, compare);
+        compared = &container;
+        Play(container, &entries, "9 8 7 6 5 4 3 2 1 -9 -5");
+    }
     for (const auto& c : kCases) {
         std::vector<Entry_t> entries;
         Entry_t entry{2};
