@@ -88,20 +88,24 @@ TEST_F(ClDebug, HeaderHoldsThePartsThatTheFormatNames) {
     }
 }
 
-TEST_F(ClDebug, TimeIsTheCounterInMilliseconds) {
+TEST_F(ClDebug, TimeIsTheClockOrNA) {
+    const struct {
+        status_t (*clock)(uint64_t* milliseconds);
+        const char* text;
+    } kCases[] = {
+        {[](uint64_t* milliseconds) { return *milliseconds = UINT64_MAX, kSuccess; }, "\n TS:18446744073709551615 m"},
+        {[](uint64_t*) { return kFailure; },                                          "\n TS:NA m"                  },
+    };
     DebugHandle_t handle = Open("A");
     handle->TraceFormat = kFormatTime;
     handle->TraceMask = kInfo;
-    uint64_t before = 0, after = 0, shown = 0;
-    os_GetTimestampMs(&before);
-    DebugTrace(handle, "", "F", 1, kInfo, "m");
-    os_GetTimestampMs(&after);
-    const std::string line = Printed();
-    char rest[8] = "";
-    ASSERT_EQ(std::sscanf(line.c_str(), "\n TS:%" SCNu64 " %7s", &shown, rest), 2) << line;
-    EXPECT_STREQ(rest, "m");
-    EXPECT_LE(before, shown);
-    EXPECT_LE(shown, after);
+    for (const auto& c : kCases) {
+        const auto clock = std::exchange(debugClock, c.clock);
+        DebugTrace(handle, "", "F", 1, kInfo, "m");
+        debugClock = clock;
+        EXPECT_EQ(clock, os_GetTimestampMs);
+        EXPECT_EQ(Printed(), c.text);
+    }
 }
 
 TEST_F(ClDebug, CallbackWorksWhileOutputsAreOff) {
