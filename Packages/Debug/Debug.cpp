@@ -89,6 +89,7 @@ static void ReadConfigOnce() {
     ConfigState = DebugReadConfig() == kSuccess ? ConfigState_t::Read : ConfigState_t::Failed;
 }
 
+// A first handle that fails leaves the lists and the configuration to the next one: the file isn't read again.
 status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
     if (name == nullptr || handle == nullptr) return kNullPointer;
     *handle = nullptr;

@@ -152,13 +152,13 @@ TEST_F(ClDebugConfig, LogFilesBelongToEntries) {
 TEST_F(ClDebugConfig, ALogFileThatCannotBeOpenedIsAFailure) {
     for (const char* config :
          {"Global:FileName<.>", "A:FileName<>", "A:FileName<a.log>\nGlobal:FileName<no-such-folder/g.log>",
-          "A:FileName<no-such-folder/a.log>"}) {
+          "A:FileName<no-such-folder/a.log>\nB:TraceType<Al>"}) {
         Restart(config);
         DebugHandle_t handle = nullptr;
         EXPECT_EQ(DebugLibInit("A", &handle), kFailure) << config;
         EXPECT_EQ(handle, nullptr) << config;
     }
-    EXPECT_NE(Open("B"), nullptr);  // only the handles that need the file are lost
+    EXPECT_EQ(Open("B")->TraceMask, 63u);  // only the handles that need the file are lost
 }
 
 TEST_F(ClDebugConfig, TheFileIsReadOnceInAProcess) {
