@@ -231,6 +231,7 @@ status_t LibSMBIOSInit(uint8_t* entry) {
         std::fputs("\nError in Debug Library Intialization \n", stdout);
         storeTraceHandle = nullptr;
     }
+        std::fflush(stdout);  // in order with what a host writes past the stream
     if (CurrentMachine()->FERROXInitialize() != kSuccess) {
         TRACE("LibSMBIOSInit", kErrorExit, "Error in FERROXIntialize");
         DebugLibExit(storeTraceHandle);
