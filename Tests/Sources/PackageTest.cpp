@@ -125,6 +125,16 @@ TEST(Package, SharesTableAndTraceHandle) {
     EXPECT_EQ(packageTraceHandle, nullptr);
     std::string line;
     EXPECT_EQ(second->GetNextItem(line), kFailure);
+}
+
+TEST(Package, UninitialisedTwiceLeavesTheTableToOthers) {
+    auto* second = static_cast<Quorlin*>(CreateSmbiosPackage());
+    ClPackage first(TableOf({kChassis}));
+    EXPECT_EQ(second->Initialize(), kSuccess);
+    for (int time = 0; time < 2; time++) EXPECT_EQ(second->UnInitialize(), kSuccess);
+    EXPECT_EQ(first->GetTypes(3), kSuccess);
+    EXPECT_EQ(first->GetItemCount(), 34u);
+    DestroySmbiosPackage(second);
     DestroySmbiosPackage(second);
 }
 
