@@ -34,7 +34,7 @@ constexpr TypeRange_t kSweptTypes[] = {
 
 }  // namespace
 
-Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType), m_items(std::make_unique<ClItemList>()) {}
+Quorlin::Quorlin(uint8_t presetType) : m_items(std::make_unique<ClItemList>()), m_presetType(presetType) {}
 
 Quorlin::~Quorlin() = default;
 
