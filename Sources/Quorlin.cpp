@@ -34,7 +34,7 @@ constexpr TypeRange_t kSweptTypes[] = {
 
 }  // namespace
 
-Quorlin::Quorlin(uint8_t presetType) : m_presetType(presetType), m_items(std::make_unique<ClItemList>()) {}
+Quorlin::Quorlin(uint8_t presetType) : m_items(std::make_unique<ClItemList>()), m_presetType(presetType) {}
 
 Quorlin::~Quorlin() = default;
 
@@ -69,6 +69,7 @@ status_t Quorlin::UnInitialize() {
     m_items->Clear();
     const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
     const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
+    m_smbiosMajor = m_smbiosMinor = 0;
     // With the last reference the handle is gone, and nobody may trace on it any more.
     const bool isLast = packageTraceHandle != nullptr && packageTraceHandle->RefCount == 1;
     DebugLibExit(packageTraceHandle);

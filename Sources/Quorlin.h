@@ -15,7 +15,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "Packages/OS/Status.h"
 #include "Packages/Platform/Export.h"
@@ -87,8 +86,8 @@ class Quorlin : public BaseAbstraction {
     uint32_t m_processorSignature = 0;
     uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package holds a reference on the store
     uint8_t m_smbiosMinor = 0;
-    uint8_t m_presetType;
     std::unique_ptr<ClItemList> m_items;
+    uint8_t m_presetType;
 };
 
 extern "C" {

@@ -46,8 +46,8 @@ struct ContainerParams_t {
 extern "C" {
 // Creates an empty container. `params` may go away afterwards; the handle is the caller's, to give to UnInitContainer.
 // All containers of one name exclude each other, also those in other processes; an empty name is a lock of its own.
-// Status  4 null params, or no memory; 5 the kind's compare or position function is missing (all but the plain list
-//         need them), no such kind, or the lock can't be made
+// Status  4 null params, or no memory; 5 no compare function (all kinds but the plain list need one) or no position
+//         function (the sorted list needs one), no such kind, or the lock can't be made
 QUORLIN_API status_t InitContainer(ContainerParams_t* params, ContainerHandle_t* handle, uint8_t reserved);
 
 // Destroys the handle. Nodes that the container still holds are not freed: empty it first. No other thread may use the

@@ -16,6 +16,7 @@ static ContainerHandle_t DebugHandleList = nullptr;
 static ContainerHandle_t DebugSyncList = nullptr;  // lives beside the handles; nothing is added to it
 static ConfigState_t ConfigState = ConfigState_t::NotRead;
 static LibVersion_t LibVersion = {};
+status_t (*debugClock)(uint64_t* milliseconds) = os_GetTimestampMs;
 
 // The default functions of a handle are this library's own, so that a handle can tell them from a host's. A console
 // line is flushed: it stands in order with what the host writes by other means, and the last one before a crash
@@ -88,6 +89,7 @@ static void ReadConfigOnce() {
     ConfigState = DebugReadConfig() == kSuccess ? ConfigState_t::Read : ConfigState_t::Failed;
 }
 
+// A first handle that fails leaves the lists and the configuration to the next one: the file isn't read again.
 status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
     if (name == nullptr || handle == nullptr) return kNullPointer;
     *handle = nullptr;
@@ -217,8 +219,7 @@ static Header_t MakeHeader(const DebugRecord_t& record, const char* function, ui
     if (record.TraceFormat & kFormatTime) {
         uint64_t milliseconds = 0;
         char digits[21] = "NA";
-        if (os_GetTimestampMs(&milliseconds) == kSuccess)
-            os_snprintf(digits, sizeof digits, 20, "%" PRIu64, milliseconds);
+        if (debugClock(&milliseconds) == kSuccess) os_snprintf(digits, sizeof digits, 20, "%" PRIu64, milliseconds);
         header.Add(" TS:");
         header.Add(digits);
     }

@@ -62,7 +62,8 @@ using DebugCallback_t = void (*)(uint32_t level, const char* message, uint32_t s
 extern "C" {
 // Opens the handle of this name, or shares the one that is open and counts a reference. The first call in a process
 // reads the configuration. `*handle` is null unless the status is 1.
-// Status  1; 3 no memory; 4 null argument; 5 no lock, no log file, or too many references; a container's status
+// Status  1; 3 no memory; 4 null argument; 5 no lock, no log file, too many references, or the configuration had a
+//         Global entry, which has gone with the last handle; a container's status
 QUORLIN_API status_t DebugLibInit(const char* name, DebugHandle_t* handle);
 
 // Gives a reference back; the last one of a name ends the handle, and the last handle ends the library's state.
@@ -118,8 +119,8 @@ QUORLIN_API status_t DebugSetAllFlags(uint32_t which, bool on);
 QUORLIN_API status_t DebugSetGlobalFlush(bool on);  // flush the global stream after every line
 }
 
-// What a handle points to: one allocation, with the name at its end. It stands here for DebugIsOn alone; settings are
-// changed through the setters.
+// What a handle points to: one allocation, with the name at its end. It stands here for DebugIsOn, and for a holder
+// that has to know whether its reference is the last one; settings are changed through the setters.
 struct DebugRecord_t {
     DebugPrintFunction_t ConsoleFunction;
     DebugPrintFunction_t InternalFunction;

@@ -53,3 +53,6 @@ status_t DebugForgetConfig();
 
 // For tests, which begin as a fresh process does. No handle may be open.
 void DebugResetForTest();
+
+// What times the lines: os_GetTimestampMs. A test puts another one here.
+extern status_t (*debugClock)(uint64_t* milliseconds);

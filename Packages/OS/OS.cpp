@@ -47,7 +47,6 @@ int32_t os_vsnprintf(char* buffer, size_t size, const char* format, va_list argu
     if (buffer == nullptr || size == 0) return -1;
     buffer[0] = '\0';
     if (format == nullptr) return -1;
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the check doesn't see the caller's va_start
     const int length = std::vsnprintf(buffer, size, format, arguments);
     // A text that could not be formatted may have been written in part.
     if (length < 0) buffer[size - 1] = '\0';

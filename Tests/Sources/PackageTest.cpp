@@ -31,17 +31,17 @@ class ClPackage {
     }
     Quorlin* operator->() { return m_package; }
 
+    // The next line; at the end, what it left of another one.
     std::string Next() {
         std::string line = "(unchanged)";
-        m_status = m_package->GetNextItem(line);
+        const status_t status = m_package->GetNextItem(line);
+        EXPECT_EQ(status, line == "(unchanged)" ? kFailure : kSuccess);
         return line;
     }
-    status_t Status() const { return m_status; }
 
   private:
     std::vector<uint8_t> m_table;
     Quorlin* m_package;
-    status_t m_status = 0;
 };
 
 const ClStructureBuilder kChassis = ClStructureBuilder(3, 0x15, 7).Bytes(4, {1, 3}).Strings({"May\"er \"& Co", " "});
@@ -65,7 +65,6 @@ TEST(Package, ReadsOnFromItsCursorAfterMoreTypes) {
     ClPackage package(TableOf({kChassis, kChassis}), 3);
     EXPECT_EQ(package->GetItemCount(), 0u);
     EXPECT_EQ(package.Next(), "(unchanged)");
-    EXPECT_EQ(package.Status(), kFailure);
     EXPECT_EQ(package->GetTypes(3), kSuccess);
     EXPECT_EQ(package->GetItemCount(), 34u);
     EXPECT_EQ(package.Next(), "\"System Enclosure or Chassis Types {Type 3}#GROUPNAME\", \"\"");
@@ -125,6 +124,16 @@ TEST(Package, SharesTableAndTraceHandle) {
     EXPECT_EQ(packageTraceHandle, nullptr);
     std::string line;
     EXPECT_EQ(second->GetNextItem(line), kFailure);
+    DestroySmbiosPackage(second);
+}
+
+TEST(Package, UninitialisedTwiceLeavesTheTableToOthers) {
+    auto* second = static_cast<Quorlin*>(CreateSmbiosPackage());
+    ClPackage first(TableOf({kChassis}));
+    EXPECT_EQ(second->Initialize(), kSuccess);
+    for (int time = 0; time < 2; time++) EXPECT_EQ(second->UnInitialize(), kSuccess);
+    EXPECT_EQ(first->GetTypes(3), kSuccess);
+    EXPECT_EQ(first->GetItemCount(), 34u);
     DestroySmbiosPackage(second);
 }
 

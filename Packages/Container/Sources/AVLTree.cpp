@@ -80,6 +80,7 @@ static status_t InsertAt(ContainerHandle_t handle, AVLNode_t** place, void* data
         if (InsertAt(handle, &node->Right, data) != kSuccess) return kFailure;
         SetHeights(node, left, node->Right->Height);
     }
+    handle->TreePlace.Known = false;  // the comparison that follows may read the tree, which has changed
     *place = BalanceAfterInsert(handle, node, data);
     return kSuccess;
 }

@@ -60,10 +60,18 @@ static void CloseTrace() {
     containerLibrary.Trace = nullptr;
 }
 
-static status_t InitFailed(status_t status) {
-    TRACE("InitContainer", kExit, "\n return status : 0x%x", status);
+static status_t InitFailed(const char* problem) {
+    TRACE("InitContainer", kError, "%s", problem);
+    TRACE("InitContainer", kExit, "\n return status : 0x%x", kNullPointer);
     CloseTrace();
-    return status;
+    return kNullPointer;
+}
+
+// With a handle that is made already. A kind that refuses it has said so itself.
+static status_t InitFailed(ContainerHandle_t made) {
+    containerLibrary.Free(made);
+    CloseTrace();
+    return kFailure;
 }
 
 static HANDLE CreateLock(const ContainerParams_t& params) {
@@ -74,18 +82,12 @@ static HANDLE CreateLock(const ContainerParams_t& params) {
 
 status_t InitContainer(ContainerParams_t* params, ContainerHandle_t* handle, uint8_t) {
     containerLibrary.Version = {"02", "00", "0", "1001"};
-    if (params == nullptr) {
-        TRACE("InitContainer", kError, "\n Memory not allocated for container params handle. ");
-        return InitFailed(kNullPointer);
-    }
+    if (params == nullptr) return InitFailed("\n Memory not allocated for container params handle. ");
     if (params->DataType < std::size(kCompareFunctions)) params->CompareFunction = kCompareFunctions[params->DataType];
     if (params->OwnPositionFunction == 0) params->PositionFunction = SortedListPosition;
 
     ContainerHandle_t made = NewNode(ContainerRecord_t{});
-    if (made == nullptr) {
-        TRACE("InitContainer", kError, "\n ContainerHandle_t is NULL. ");
-        return InitFailed(kNullPointer);
-    }
+    if (made == nullptr) return InitFailed("\n ContainerHandle_t is NULL. ");
     os_strncpy(made->ListName, params->ListName, sizeof made->ListName - 1);
     made->ContainerType = params->ContainerType;
     made->DataType = params->DataType;
@@ -93,16 +95,11 @@ status_t InitContainer(ContainerParams_t* params, ContainerHandle_t* handle, uin
     made->CompareFunction = params->CompareFunction;
     made->PositionFunction = params->PositionFunction;
 
-    if (params->ContainerType >= std::size(kKinds) || kKinds[params->ContainerType].Init(made) != kSuccess) {
-        containerLibrary.Free(made);
-        return InitFailed(kFailure);
-    }
+    if (params->ContainerType >= std::size(kKinds) || kKinds[params->ContainerType].Init(made) != kSuccess)
+        return InitFailed(made);
     made->Operations = kKinds[params->ContainerType].Operations;
     made->Mutex = CreateLock(*params);
-    if (made->Mutex == nullptr) {
-        containerLibrary.Free(made);
-        return InitFailed(kFailure);
-    }
+    if (made->Mutex == nullptr) return InitFailed(made);
     *handle = made;
     ++containerLibrary.LiveContainers;
     TRACE("InitContainer", kExit, "\n return status : 0x%x", kSuccess);

@@ -22,7 +22,8 @@ ContainerHandle_t mySMBIOSLinkedListHdl = nullptr;
 LibVersion_t libraryVersion = {};
 uint8_t tableVersion[2] = {};  // SMBIOS major and minor, for later instances
 
-// The records of one type, in table order: beside the list, so that no lookup has to search it.
+// The records of one type, in table order. The list holds all records, as the container that they are kept in; the
+// index beside it names them by type, as a sweep asks for some 50 types and can't go through the whole list for each.
 struct TypeRecords_t {
     uint8_t** records;
     uint32_t count;
@@ -40,13 +41,14 @@ int32_t CompareRecords(const void* first, const void* second) {
     return RecordType(first) == RecordType(second) ? 0 : -1;
 }
 
-// Empties the list, and releases every record. A list whose lock was refused once says the same as an empty one, so
-// that it is asked twice.
+// Empties the list, and releases every record. The list has a node for each; one whose lock was refused is asked again.
 void ReleaseRecords() {
-    void* record;
-    for (int refusals = 0; refusals < 2;) refusals += Pop(mySMBIOSLinkedListHdl, &record) != kSuccess;
+    void* last;
     for (TypeRecords_t& type : recordsOfType) {
-        for (uint32_t place = 0; place < type.count; place++) os_free(type.records[place]);
+        for (uint32_t place = 0; place < type.count; place++) {
+            if (Pop(mySMBIOSLinkedListHdl, &last) != kSuccess) Pop(mySMBIOSLinkedListHdl, &last);
+            os_free(type.records[place]);
+        }
         os_free(type.records);
         type = {};
     }
@@ -229,6 +231,7 @@ status_t LibSMBIOSInit(uint8_t* entry) {
     }
     if (DebugLibInit("SMBIOSDbgHdl", &storeTraceHandle) != kSuccess) {
         std::fputs("\nError in Debug Library Intialization \n", stdout);
+        std::fflush(stdout);  // in order with what a host writes past the stream
         storeTraceHandle = nullptr;
     }
     if (CurrentMachine()->FERROXInitialize() != kSuccess) {

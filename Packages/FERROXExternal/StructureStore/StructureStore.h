@@ -32,7 +32,8 @@ extern "C" {
 // entry   16 bytes; bytes 6 and 7 get SMBIOS major and minor, also for a later user
 // Status  1; 5 when the machine can't be reached, has no table, or memory is out: nothing is left behind then
 QUORLIN_API status_t LibSMBIOSInit(uint8_t* entry);
-// Gives one use back; the last one releases the records and the machine. 5 on a store that is down.
+// Gives one use back; the last one releases the records and the machine. 5 on a store that is down. Uses are counted
+// and not told apart: one call too many frees the records that others still read.
 QUORLIN_API status_t LibSMBIOSExit();
 
 // The records of one type, in table order.

@@ -86,8 +86,7 @@ class ClModel {
             const status_t deleted = DeleteByData(oldData);
             return deleted == 1 ? Insert(newData) : deleted;
         }
-        const auto place = std::find_if(m_entries.begin(), m_entries.end(),
-                                        [&](void* entry) { return KeyOf(entry) == KeyOf(oldData); });
+        const auto place = std::find(m_entries.begin(), m_entries.end(), ToDelete(KeyOf(oldData)));
         if (place == m_entries.end()) return 2;
         *place = newData;
         return 1;
@@ -99,8 +98,7 @@ class ClModel {
         const ContainerRecord_t& record = *m_container.handle;
         if (m_type == kRedBlackTree) return FirstOnTheWay<RBNode_t>(record.RBRoot, &record.Sentinel, key);
         if (m_type == kAVLTree) return FirstOnTheWay<AVLNode_t>(record.AVLRoot, nullptr, key);
-        const auto place =
-            std::find_if(m_entries.begin(), m_entries.end(), [&](void* entry) { return KeyOf(entry) == key; });
+        const auto place = std::ranges::find_if(m_entries, [&](void* entry) { return KeyOf(entry) == key; });
         return place == m_entries.end() ? nullptr : *place;
     }
 
@@ -130,8 +128,7 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
         if (upTo(99) == 0) return nullptr;
         int32_t key = upTo(run.keys);
         const auto taken = [&] {
-            return std::any_of(model.Entries().begin(), model.Entries().end(),
-                               [&](void* e) { return KeyOf(e) == key; });
+            return std::ranges::any_of(model.Entries(), [&](void* entry) { return KeyOf(entry) == key; });
         };
         while (run.distinct && taken()) key = upTo(run.keys);
         return made.emplace_back(new Entry_t{key, static_cast<int>(made.size())}).get();

@@ -32,14 +32,11 @@ class ClContainer {
     ClContainer(const ClContainer&) = delete;
     ClContainer& operator=(const ClContainer&) = delete;
     ~ClContainer() {
-        Clear();
+        for (void* data : Entries())
+            EXPECT_EQ(IsTree() ? DeleteByData(handle, data) : DeleteAtIndex(handle, 0), kSuccess);
         EXPECT_EQ(UnInitContainer(handle), kSuccess);
     }
     bool IsTree() const { return handle->ContainerType >= kRedBlackTree; }
-    void Clear() {
-        for (void* data : Entries())
-            EXPECT_EQ(IsTree() ? DeleteByData(handle, data) : DeleteAtIndex(handle, 0), kSuccess);
-    }
     std::vector<void*> Entries() const;  // in order
     void Check() const;                  // the kind's promises
     std::string Shape() const;           // of a tree: 2(1,3), for a red-black tree 2B(1R,3R)

@@ -73,20 +73,14 @@ TEST_F(ClDebugConfig, TakesAndRefusesLines) {
         {"no less-than",                  "A:TraceType.In>",                                0},
         {"no greater-than",               "A:TraceType<In",                                 0},
         {"delimiters in another order",   "A<TraceType:In>",                                0},
-        {"greater-than before the value", "A:Trace>Type<In",                                0},
         {"unknown key",                   "A:Foo<Al>",                                      0},
         {"unknown key, other package",    "B:Foo<Al>",                                      0},
         {"another case of the key",       "A:tracetype<Al>",                                0},
-        {"no key",                        "A:<Al>",                                         0},
         {"a single letter",               "A:TraceType<Inx>",                               0},
         {"unknown token",                 "A:TraceType<InXx>",                              0},
-        {"another case of the token",     "A:TraceType<IN>",                                0},
         {"a token of another key",        "A:TraceType<Co>",                                0},
-        {"tokens with a comma",           "A:TraceType<In,Pa>",                             0},
-        {"unknown header",                "[OTHER]",                                        0},
         {"a header with more behind it",  "[GLOBAL]x",                                      0},
         {"good lines behind a bad one",   "x\nA:TraceType<Al>",                             0},
-        {"bytes",                         "\xFF\xFE\x01:\x80<>",                            0},
     };
     for (const auto& c : kCases) {
         Restart("A:TraceType<En>\n" + c.text);
@@ -105,7 +99,6 @@ TEST_F(ClDebugConfig, GlobalIsAppliedLast) {
         {"Global:DebugFlagsType<Lo>\nGlobal:TraceType<Al>",            63, 1, 4 }, // a lock stops no configuration
         {"Global:SyncFlag<Y>",                                         0,  1, 10},
         {"Global:SyncFlag<Y>\nGlobal:SyncFlag<y>",                     0,  1, 8 },
-        {"Global:TraceType<>\nA:TraceType<Al>",                        0,  1, 8 }, // an empty value is a value
         {"global:TraceType<Er>\nA:TraceType<Al>",                      63, 1, 8 },
     };
     for (const auto& c : kCases) {
@@ -152,13 +145,13 @@ TEST_F(ClDebugConfig, LogFilesBelongToEntries) {
 TEST_F(ClDebugConfig, ALogFileThatCannotBeOpenedIsAFailure) {
     for (const char* config :
          {"Global:FileName<.>", "A:FileName<>", "A:FileName<a.log>\nGlobal:FileName<no-such-folder/g.log>",
-          "A:FileName<no-such-folder/a.log>"}) {
+          "A:FileName<no-such-folder/a.log>\nB:TraceType<Al>"}) {
         Restart(config);
         DebugHandle_t handle = nullptr;
         EXPECT_EQ(DebugLibInit("A", &handle), kFailure) << config;
         EXPECT_EQ(handle, nullptr) << config;
     }
-    EXPECT_NE(Open("B"), nullptr);  // only the handles that need the file are lost
+    EXPECT_EQ(Open("B")->TraceMask, 63u);  // only the handles that need the file are lost
 }
 
 TEST_F(ClDebugConfig, TheFileIsReadOnceInAProcess) {
@@ -184,11 +177,6 @@ TEST_F(ClDebugConfig, TheFileIsReadOnceInAProcess) {
     CloseAll();
     WriteConfig("A:TraceType<Al>");
     EXPECT_EQ(Open("A")->TraceMask, 0u);
-}
-
-TEST_F(ClDebugConfig, AFolderOfThatNameIsNoFile) {
-    std::filesystem::create_directory("debug.conf");
-    EXPECT_NE(Open("A"), nullptr);
 }
 
 TEST_F(ClDebugConfig, AHostsTextStandsInForTheFile) {

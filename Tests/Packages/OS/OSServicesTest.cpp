@@ -85,7 +85,6 @@ TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
         const char *what, *argument, *environment;
         status_t status;
     } kCases[] = {
-        {"nothing",              nullptr,         nullptr,                    kFileNotFound},
         {"the longest line",     fits.c_str(),    nullptr,                    kFileNotFound},
         {"a longer line",        tooLong.c_str(), nullptr,                    kNoMemory    },
         {"the longest block",    nullptr,         environmentFits.c_str(),    kFileNotFound},
@@ -102,9 +101,7 @@ TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
         EXPECT_EQ(process.Process, nullptr) << c.what;
     }
     EXPECT_EQ(os_StartProcess("no-such-program.exe", nullptr, nullptr, nullptr), kNullPointer);
-    const char* const longest[] = {tooLong.c_str(), nullptr};
     EXPECT_EQ(os_StartProcessDetached("no-such-program.exe", nullptr), kFailure);
-    EXPECT_EQ(os_StartProcessDetached("no-such-program.exe", longest), kFailure);
     EXPECT_EQ(os_StartProcessDetached(nullptr, nullptr), kFailure);
     EXPECT_EQ(os_KillProcess(nullptr), kNullPointer);
     EXPECT_EQ(os_WaitProcess(nullptr), kNullPointer);
@@ -162,17 +159,10 @@ TEST_F(OSServices, FindsFilesAndNoFolders) {
     EXPECT_EQ(names, nullptr);
     EXPECT_EQ(os_FreeStringArray(&names, count), kFailure);
 
-    const struct {
-        const char* what;
-        std::string directory;
-    } kRefused[] = {
-        {"missing",                            (m_folder / "missing").string()},
-        { "258 characters", m_folder.string() + std::string(258,                            '/')},
-    };
-    for (const auto& c : kRefused) {
+    for (const std::string& refused : {(m_folder / "missing").string(), m_folder.string() + std::string(258, '/')}) {
         count = 7;
-        EXPECT_EQ(os_FindFiles(c.directory.c_str(), &names, &count), kFailure) << c.what;
-        EXPECT_EQ(count, 7u) << c.what;
+        EXPECT_EQ(os_FindFiles(refused.c_str(), &names, &count), kFailure) << refused;
+        EXPECT_EQ(count, 7u) << refused;
     }
     EXPECT_EQ(os_FindFiles(nullptr, &names, &count), kFailure);
 }
@@ -228,20 +218,18 @@ TEST_F(OSServices, ThreadsMoveToEachProcessor) {
 TEST_F(OSServices, TimeIsLocalAndWrittenOut) {
     char* text = nullptr;
     LocalTime_t before = {}, after = {};
-    unsigned month, day, year, hour, minute, second;
     ASSERT_EQ(os_GetLocalTime(&before), kSuccess);
     ASSERT_EQ(os_GetDateTimeString(&text), kSuccess);
     ASSERT_EQ(os_GetLocalTime(&after), kSuccess);
     EXPECT_EQ(std::string(text).size(), 19u);
-    ASSERT_EQ(os_sscanf(text, "%02u/%02u/%04u %02u:%02u:%02u", &month, &day, &year, &hour, &minute, &second), 6);
+    const auto written = [](const LocalTime_t& time) {
+        char minute[32];
+        os_snprintf(minute, sizeof minute, 31, "%02u/%02u/%04u %02u:%02u:", time.Month, time.Day, time.Year, time.Hour,
+                    time.Minute);
+        return std::string(minute);
+    };
+    EXPECT_TRUE(std::string(text, 17) == written(before) || std::string(text, 17) == written(after)) << text;
     os_free(text);
-    if (before.Hour == after.Hour && before.Minute == after.Minute) {
-        EXPECT_EQ(month, before.Month);
-        EXPECT_EQ(day, before.Day);
-        EXPECT_EQ(year, before.Year);
-        EXPECT_EQ(hour, before.Hour);
-        EXPECT_EQ(minute, before.Minute);
-    }
     EXPECT_EQ(os_GetDateTimeString(nullptr), kNullPointer);
     EXPECT_EQ(os_GetLocalTime(nullptr), kNullPointer);
 }

@@ -95,6 +95,8 @@ TEST(Records, OfTypes0To2PointAtTheirStrings) {
         // clang-format off
         {"type 0", bios().Bytes(4, {2, 1, 0, 0, 9}).Strings({"one", "two"}),
          {"two", "one", "(null)"}},
+        {"type 0 with an empty string, and number 0", bios().Bytes(4, {2, 1}).Strings({"", "x"}),
+         {"x", "(null)", "(null)"}},
         {"type 0 without strings: only number 1 finds the empty area", bios().Bytes(4, {1, 2}),
          {"", "(null)", "(null)"}},
         {"type 1", ClStructureBuilder(1, 0x1B).Bytes(4, {1, 2, 3, 4}).Bytes(0x19, {5, 6})
@@ -125,22 +127,6 @@ TEST(Records, OfAShortType0HoldStringBytesButNothingBehindTheTable) {
         const ClStore store(table);
         EXPECT_EQ(std::memcmp(store.Records(0).at(0) + 4 + 18, expected, 6), 0);
         table.resize(20);  // the next one ends behind "ab"
-    }
-}
-
-TEST(Strings, AreFoundByNumber) {
-    using namespace std::string_literals;
-    const struct {
-        std::string area;
-        uint8_t number;
-        const char* text;  // null: not found
-    } kCases[] = {
-        {"a\0bc\0\0"s, 1, "a"}, {"a\0bc\0\0"s, 2, "bc"}, {"a\0bc\0\0"s, 3, nullptr}, {"a\0bc\0\0"s, 0, nullptr},
-        {"\0\0"s, 1, ""},       {"\0\0"s, 0, nullptr},   {"\0\0"s, 2, nullptr},      {"\0x\0\0"s, 1, nullptr},
-        {"\0x\0\0"s, 2, "x"},
-    };
-    for (const auto& c : kCases) {
-        EXPECT_STREQ(FindStructString(c.area.data(), c.number), c.text) << int{c.number};
     }
 }
 
