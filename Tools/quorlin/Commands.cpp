@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Trace.h"
 
 namespace {
 
@@ -26,13 +27,16 @@ constexpr Command_t kCommands[] = {
 }  // namespace
 
 int RunProgram(Arguments_t arguments) {
-    // Without a command the options are those of show.
-    if (arguments.empty() || arguments.front().starts_with('-')) return RunShow(arguments);
-    const Command_t* command = std::ranges::find(kCommands, arguments.front(), &Command_t::name);
-    if (command == std::end(kCommands)) {
-        SayError("bad usage", "'" + arguments.front() + "' is no command; try quorlin --help");
-        return kExitUsage;
+    const Command_t* command = &kCommands[0];  // without a command the options are those of show
+    if (!arguments.empty() && !arguments.front().starts_with('-')) {
+        command = std::ranges::find(kCommands, arguments.front(), &Command_t::name);
+        if (command == std::end(kCommands)) {
+            SayError("bad usage", "'" + arguments.front() + "' is no command; try quorlin --help");
+            return kExitUsage;
+        }
+        arguments.erase(arguments.begin());
     }
-    arguments.erase(arguments.begin());
-    return command->run(arguments);
+    const int exitCode = command->run(arguments);
+    EndTrace();
+    return exitCode;
 }

@@ -8,6 +8,7 @@
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Text.h"
+#include "Tools/quorlin/Trace.h"
 
 namespace {
 
@@ -294,7 +295,7 @@ std::string Reason(status_t status) {
 
 int RunHardware(const Arguments_t& arguments) {
     std::vector<std::string> words;
-    std::string cpuName, valueName, out;
+    std::string cpuName, valueName, out, trace;
     bool yes = false;
     const Option_t options[] = {
         {"operation", "OPERATION", "The operation, and what it needs", &words,                 true},
@@ -302,6 +303,7 @@ int RunHardware(const Arguments_t& arguments) {
         {"--out",           "FILE",                "Write an ACPI table into this new file",                                  &out},
         {"--write",           "VALUE",              "Write VALUE instead of reading",                               &valueName        },
         {"--yes-write-hardware",           nullptr, "Yes, write to the hardware",                  &yes   },
+        {"--trace",           "SPEC",              kTraceHelp,                                &trace                           },
     };
     int exitCode = kExitDone;
     if (!ParseCommandLine(kUsage, options, arguments, &exitCode)) return exitCode;
@@ -325,6 +327,7 @@ int RunHardware(const Arguments_t& arguments) {
     if (request.writes && !ParseNumber(valueName, UINT64_MAX, &request.value))
         return badUsage("--write: '" + valueName + "' is no number");
     if (request.writes != yes) return badUsage("writing takes both --write VALUE and --yes-write-hardware");
+    if (!BeginTrace(kUsage, trace, &exitCode)) return exitCode;
     const status_t status = operation->run(request);
     if (status == kBadUsage) return badUsage(request.problem);
     if (status == kNotOpen) {

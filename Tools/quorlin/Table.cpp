@@ -5,7 +5,6 @@
 #include <cstring>
 #include <new>
 
-#include "Packages/Debug/Debug.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Platform/Platform.h"
@@ -14,6 +13,7 @@
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Progress.h"
 #include "Tools/quorlin/Recover.h"
+#include "Tools/quorlin/Trace.h"
 
 namespace {
 
@@ -88,7 +88,7 @@ std::vector<Option_t> Source_t::Options() {
         {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                              &versionGiven  },
         {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",               &signatureGiven},
         {"--recover",        nullptr, "Look for structures behind a damaged one",                                    &recover       },
-        {"--trace",          "SPEC",  "Trace the libraries' work, as a debug.conf with this line would",             &trace         },
+        {"--trace",          "SPEC",  kTraceHelp,                                                                    &trace         },
         {"--verbose",        nullptr, "Say on standard error where a table comes from",                              &verbose       },
     };
 }
@@ -112,9 +112,7 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
         return SayBadUsage(usage, "--signature: '" + signatureGiven + "' is no hexadecimal number of 32 bits",
                            exitCode);
     signature = static_cast<uint32_t>(number);
-    if (!trace.empty() && DebugUseConfigText(trace.c_str()) != kSuccess)
-        return SayBadUsage(usage, "--trace: '" + trace + "' is no setting like Global:TraceType<ErWa>", exitCode);
-    return true;
+    return BeginTrace(usage, trace, exitCode);
 }
 
 bool Source_t::CheckOne(const Usage_t& usage, int* exitCode) {
