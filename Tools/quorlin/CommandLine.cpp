@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 
 #include "Tools/quorlin/Output.h"
 
@@ -37,7 +36,8 @@ std::string HelpLine(std::string_view name, const char* help) {
     return left.append(help).append("\n");
 }
 
-void PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
+// Gives the exit code.
+int PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
     std::string text = std::string(usage.description) + "\nUsage: " + usage.command + " [OPTIONS]";
     std::string arguments, named = HelpLine("-h, --help", "Print this help and exit");
     for (const Option_t& option : options) {
@@ -54,7 +54,9 @@ void PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
     text += "\n";
     if (!arguments.empty()) text += "\nArguments:\n" + arguments;
     text += "\nOptions:\n" + named + "\n" + usage.footer + "\n";
-    std::fputs(text.c_str(), stdout);
+    ClOutput output;
+    output << text;
+    return output.Finish() ? kExitDone : usage.trouble;
 }
 
 // The words in front, one for each argument of the table; the last one may be a list.
@@ -95,8 +97,7 @@ bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, c
         const bool ownWord = optarg != nullptr && optind >= 2 && optarg == words[static_cast<size_t>(optind) - 1];
         const std::string_view word = words[static_cast<size_t>(optind) - (ownWord ? 2 : 1)];
         if (found == kHelp) {
-            PrintHelp(usage, options);
-            *exitCode = kExitDone;
+            *exitCode = PrintHelp(usage, options);
             return false;
         }
         if (found == kMissingValue) return SayBadUsage(usage, std::string(word).append(" needs a value"), exitCode);

@@ -2,6 +2,7 @@
 #include "Tools/quorlin/Commands.h"
 
 #include <algorithm>
+#include <new>
 
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Trace.h"
@@ -10,18 +11,19 @@ namespace {
 
 struct Command_t {
     std::string_view name;
-    int (*run)(const Arguments_t& arguments);  // those behind the command's name; gives the exit code
+    const Usage_t& usage;
+    int (*run)(const Arguments_t& arguments);  // those behind the command's name
 };
 constexpr Command_t kCommands[] = {
-    {"show",  RunShow    },
-    {"types", RunTypes   },
-    {"find",  RunFind    },
-    {"get",   RunGet     },
-    {"dump",  RunDump    },
-    {"raw",   RunRaw     },
-    {"check", RunCheck   },
-    {"diff",  RunDiff    },
-    {"hw",    RunHardware},
+    {"show",  kShowUsage,     RunShow    },
+    {"types", kTypesUsage,    RunTypes   },
+    {"find",  kFindUsage,     RunFind    },
+    {"get",   kGetUsage,      RunGet     },
+    {"dump",  kDumpUsage,     RunDump    },
+    {"raw",   kRawUsage,      RunRaw     },
+    {"check", kCheckUsage,    RunCheck   },
+    {"diff",  kDiffUsage,     RunDiff    },
+    {"hw",    kHardwareUsage, RunHardware},
 };
 
 }  // namespace
@@ -36,7 +38,13 @@ int RunProgram(Arguments_t arguments) {
         }
         arguments.erase(arguments.begin());
     }
-    const int exitCode = command->run(arguments);
+    int exitCode;
+    try {
+        exitCode = command->run(arguments);
+    } catch (const std::bad_alloc&) {
+        SayError("memory", kOutOfMemory);
+        exitCode = command->usage.trouble;
+    }
     EndTrace();
     return exitCode;
 }

@@ -10,9 +10,7 @@
 #include "Tools/quorlin/Text.h"
 #include "Tools/quorlin/Trace.h"
 
-namespace {
-
-constexpr Usage_t kUsage = {
+constexpr Usage_t kHardwareUsage = {
     "quorlin hw",
     "Reads hardware: the CPUID instruction, PCI configuration space, physical memory, model-specific registers, ports, "
     "ACPI tables. Most of it needs root.",
@@ -31,7 +29,10 @@ constexpr Usage_t kUsage = {
     "\n"
     "Example: quorlin hw pci 0000:00:03.0 2 5\n"
     "Exit codes: 0 done, 1 the operation failed, 2 bad usage.",
+    kExitNo,
 };
+
+namespace {
 
 constexpr uint64_t kMostBytes = 1u << 20;  // that one call reads
 
@@ -306,9 +307,9 @@ int RunHardware(const Arguments_t& arguments) {
         {"--trace",           "SPEC",              kTraceHelp,                                &trace                           },
     };
     int exitCode = kExitDone;
-    if (!ParseCommandLine(kUsage, options, arguments, &exitCode)) return exitCode;
+    if (!ParseCommandLine(kHardwareUsage, options, arguments, &exitCode)) return exitCode;
     const auto badUsage = [&](const std::string& problem) {
-        SayBadUsage(kUsage, problem, &exitCode);
+        SayBadUsage(kHardwareUsage, problem, &exitCode);
         return exitCode;
     };
     const Operation_t* operation = std::ranges::find(kOperations, words.front(), &Operation_t::name);
@@ -327,7 +328,7 @@ int RunHardware(const Arguments_t& arguments) {
     if (request.writes && !ParseNumber(valueName, UINT64_MAX, &request.value))
         return badUsage("--write: '" + valueName + "' is no number");
     if (request.writes != yes) return badUsage("writing takes both --write VALUE and --yes-write-hardware");
-    if (!BeginTrace(kUsage, trace, &exitCode)) return exitCode;
+    if (!BeginTrace(kHardwareUsage, trace, &exitCode)) return exitCode;
     const status_t status = operation->run(request);
     if (status == kBadUsage) return badUsage(request.problem);
     if (status == kNotOpen) {

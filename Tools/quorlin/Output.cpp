@@ -49,7 +49,7 @@ void ClOutput::Flush() {
 bool ClOutput::Finish() {
     if (!m_text.empty()) Flush();
     if (!m_failed || m_error == EPIPE) return true;
-    SayError("standard output", std::strerror(m_error));
+    SayError("standard output", std::string(std::strerror(m_error)) + "; try another place for the output");
     return false;
 }
 
@@ -93,6 +93,7 @@ bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
     const bool isWritten = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     const int problem = errno;
     if (std::fclose(file) == 0 && isWritten) return true;
-    SayError(path, std::string(std::strerror(isWritten ? errno : problem)) + "; the file is not whole");
+    SayError(path,
+             std::string(std::strerror(isWritten ? errno : problem)) + "; the file is not whole, so try another place");
     return false;
 }

@@ -9,9 +9,7 @@
 #include "Tools/quorlin/Table.h"
 #include "Tools/quorlin/Text.h"
 
-namespace {
-
-constexpr Usage_t kUsage = {
+constexpr Usage_t kShowUsage = {
     "quorlin",
     "Shows what a machine's SMBIOS table says, structure by structure: this machine's, or a table image's.",
     "Commands (quorlin COMMAND --help tells more):\n"
@@ -27,7 +25,10 @@ constexpr Usage_t kUsage = {
     "\n"
     "Example: quorlin --image table.bin --type 4 --type 17\n"
     "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
+    kExitNoTable,
 };
+
+namespace {
 
 constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv, Format_t::kLines};
 
@@ -151,18 +152,18 @@ int RunShow(const Arguments_t& arguments) {
     int exitCode = kExitDone;
     Format_t format;
     std::vector<uint8_t> types;
-    if (!ParseCommandLine(kUsage, options, arguments, &exitCode)) return exitCode;
+    if (!ParseCommandLine(kShowUsage, options, arguments, &exitCode)) return exitCode;
     ClOutput output;
     if (wantsVersion) {
         output << "quorlin " QUORLIN_VERSION "\n";
-        return output.Finish() ? kExitDone : kExitNoTable;
+        return output.Finish() ? kExitDone : kShowUsage.trouble;
     }
-    if (!source.Check(kUsage, &exitCode) || !ChooseFormat(kUsage, formatName, kFormats, &format, &exitCode) ||
-        !CheckFleet(kUsage, source, format, &exitCode) || !ChooseTypes(kUsage, typeNames, &types, &exitCode))
+    if (!source.Check(kShowUsage, &exitCode) || !ChooseFormat(kShowUsage, formatName, kFormats, &format, &exitCode) ||
+        !CheckFleet(kShowUsage, source, format, &exitCode) || !ChooseTypes(kShowUsage, typeNames, &types, &exitCode))
         return exitCode;
     if (types.empty()) types = SweptTypes();
     ClJson json(output);
-    exitCode = RunOnTables(source, format, kExitNoTable, json, [&](ClTable& table) {
+    exitCode = RunOnTables(source, format, kShowUsage.trouble, json, [&](ClTable& table) {
         if (format == Format_t::kLines) {
             ShowLines(table.Package(), types, output);
         } else if (format == Format_t::kText) {
@@ -179,5 +180,5 @@ int RunShow(const Arguments_t& arguments) {
         }
         return kExitDone;
     });
-    return output.Finish() ? exitCode : kExitNoTable;
+    return output.Finish() ? exitCode : kShowUsage.trouble;
 }

@@ -154,7 +154,7 @@ bool ClTable::UseRecovered(const Source_t& source) {
     return true;
 }
 
-bool ClTable::OpenImage(const Source_t& source, const std::string& path) {
+bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
     m_isImage = true;
     m_name = path;
     m_image.source = {nullptr, 0, source.major, source.minor, source.signature};
@@ -162,7 +162,9 @@ bool ClTable::OpenImage(const Source_t& source, const std::string& path) {
     AddRemark(m_image.Remark());
     UseRecovered(source);
     if (SetImageMachine(&m_image.source) == kSuccess && BringUp()) return true;
-    m_error = "out of memory";
+    throw std::bad_alloc();  // nothing else can be missing
+} catch (const std::bad_alloc&) {
+    m_error = kOutOfMemory;
     return false;
 }
 

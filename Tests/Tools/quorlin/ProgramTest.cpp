@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
@@ -284,6 +285,7 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
     } kCases[] = {
         {"--image " + missing,                                     1, "No such file"         },
         {"--image " + TempDir(),                                   1, ""                     },
+        {"--image " + empty + "/none",                             1, "; try another"        },
         {"--image " + empty,                                       1, "empty"                },
         {"--image " + text,                                        1, "not a table"          },
         {"--image " + cut,                                         1, "not a table"          },
@@ -319,7 +321,58 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         EXPECT_EQ(run.output, "") << c.arguments;
         EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << c.arguments << ": " << run.errors;
         EXPECT_EQ(run.errors.substr(0, 9), "quorlin: ") << c.arguments;
-        EXPECT_NE(run.errors.find(c.says), std::string::npos) << c.arguments << ": " << run.errors;
+        EXPECT_TRUE(Has(run.errors, c.says) && Has(run.errors, "try ")) << c.arguments << ": " << run.errors;
+    }
+}
+
+// On Linux alone: Windows has no device that is always full, no SIGPIPE and no script(1), which lends a terminal.
+class OnLinux : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!fs::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full, so not Linux";
+    }
+    // What a shell's command writes to either stream, and its exit code as the last line.
+    static std::string Shell(const std::string& command) {
+        const std::string written = TempDir() + "shell.txt";
+        EXPECT_EQ(std::system(("{ " + command + "; echo $?; } </dev/null >" + written + " 2>&1").c_str()), 0);
+        return ReadWholeFile(written);
+    }
+};
+
+TEST_F(OnLinux, OutputThatCannotBeWrittenIsTrouble) {
+    const struct {
+        const char *arguments, *exitCode;
+    } kCases[] = {
+        {"--sample",        "1\n"},
+        {"--version",       "1\n"},
+        {"--help",          "1\n"},
+        {"hw --help",       "1\n"},
+        {"find a --sample", "2\n"},
+        {"raw --help",      "2\n"},
+        {"check --sample",  "2\n"},
+        {"diff --help",     "2\n"}
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(Shell(std::string(QUORLIN_PROGRAM " ") + c.arguments + " >/dev/full"),
+                  "quorlin: standard output: No space left on device; try another place for the output\n" +
+                      std::string(c.exitCode))
+            << c.arguments;
+    // A reader that has gone is no trouble.
+    EXPECT_EQ(Shell("{ sleep 0.1; trap '' PIPE; " QUORLIN_PROGRAM " --sample; echo $? >&2; } | true"), "0\n0\n");
+}
+
+TEST_F(OnLinux, ATerminalGetsColourAndLinesThatFit) {
+    for (const auto& [environment, isColoured] : {
+             std::pair("-u NO_COLOR", true), {"NO_COLOR=",  true },
+               {"NO_COLOR=1", false}
+    }) {
+        const std::string output =
+            Shell(std::string("env ") + environment +
+                  " script -qec 'stty cols 60; " QUORLIN_PROGRAM " --sample --type 4' /dev/null");
+        EXPECT_EQ(Has(output, "\x1b[1mProcessor Information {Type 4}\x1b[0m\r\n"), isColoured) << environment << output;
+        EXPECT_TRUE(Has(output, "Type 4}"));
+        std::istringstream lines(output);
+        for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 61u) << line;
     }
 }
 
