@@ -17,13 +17,17 @@ bool IsArgument(const Option_t& option) { return option.name[0] != '-'; }
 bool TakesValue(const Option_t& option) { return !std::holds_alternative<bool*>(option.target); }
 bool IsList(const Option_t& option) { return std::holds_alternative<std::vector<std::string>*>(option.target); }
 
-void Store(const Option_t& option, const char* value) {
+// An empty value is none: a script's variable was empty, and what it stood for isn't to be guessed.
+bool Store(const Usage_t& usage, const Option_t& option, const char* value, int* exitCode) {
+    if (TakesValue(option) && *value == '\0')
+        return SayBadUsage(usage, std::string(option.name).append(" may not be empty"), exitCode);
     if (auto* const* flag = std::get_if<bool*>(&option.target))
         **flag = true;
     else if (auto* const* text = std::get_if<std::string*>(&option.target))
         **text = value;
     else
         std::get<std::vector<std::string>*>(option.target)->emplace_back(value);
+    return true;
 }
 
 std::string HelpLine(std::string_view name, const char* help) {
@@ -66,7 +70,8 @@ bool StoreArguments(const Usage_t& usage, std::span<const Option_t> options, std
     for (const Option_t& option : options) {
         if (!IsArgument(option)) continue;
         const size_t before = next;
-        while (next < words.size() && (next == before || IsList(option))) Store(option, words[next++]);
+        while (next < words.size() && (next == before || IsList(option)))
+            if (!Store(usage, option, words[next++], exitCode)) return false;
         if (next == before && option.required)
             return SayBadUsage(usage, std::string(option.name).append(" is missing"), exitCode);
     }
@@ -105,7 +110,7 @@ bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, c
         // Names are taken whole: an abbreviation that works today may name another option tomorrow.
         if (option == nullptr || word.substr(0, word.find('=')) != option->name)
             return SayBadUsage(usage, std::string("'").append(word).append("' is no option here"), exitCode);
-        Store(*option, optarg);
+        if (!Store(usage, *option, optarg, exitCode)) return false;
     }
     return StoreArguments(usage, options,
                           std::span(words).first(static_cast<size_t>(count)).subspan(static_cast<size_t>(optind)),
