@@ -20,14 +20,38 @@ namespace {
 constexpr DWORD kRawSMBIOSProvider = 0x52534D42;
 constexpr uint8_t kNoSweep = 127;  // a preset type, so that a package decodes only what it is asked for
 
+// What this machine's operations did while it was brought up, which the store doesn't tell.
+struct Watched_t {
+    const MachineServices_t* machine;
+    bool isOpen;
+    const char* road;  // that gave the table
+};
+Watched_t watched = {};
+
+status_t OpenWatched() {
+    const status_t status = watched.machine->FERROXInitialize();
+    watched.isOpen = status == kSuccess;
+    return status;
+}
+
+status_t ByFirmware(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    watched.road = "by the system's firmware-table call";
+    return watched.machine->osGetStructuresDataEFI(entry, dmiEntry, image);
+}
+
+// The road that is tried last.
+status_t ByScan(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    watched.road = "by the scan of its memory";
+    return watched.machine->osGetStructuresDataNonEFI(entry, dmiEntry, image);
+}
+
 // Why this machine gives no table, in words that say what to try.
 std::string WhyNoTable(const Source_t& source) {
-    if (source.driver || source.scan) {
-        if (ThisMachine()->FERROXInitialize() != kSuccess)
-            return "its driver isn't to be had; try as root, or --no-driver";
-        ThisMachine()->FERROXTerminate();
-        if (source.scan) return "the scan of its memory finds no table; try without --road";
-    }
+    if (source.driver && !watched.isOpen) return "its driver isn't to be had; try as root, or --no-driver";
+    if (source.scan)
+        return std::string(watched.isOpen ? "the scan of its memory finds no table, or may not read it"
+                                          : "its driver isn't to be had") +
+               "; try as root, or without --road";
     if (GetSystemFirmwareTable(kRawSMBIOSProvider, 0, nullptr, 0) == 0 && GetLastError() == ERROR_ACCESS_DENIED)
         return "reading the SMBIOS table needs more rights; try as root";
     return "no SMBIOS table here; try --sample, or --image FILE";
@@ -168,15 +192,19 @@ bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
     return false;
 }
 
+bool ClTable::BringUpWatched(const MachineServices_t* machine) {
+    watched = {machine, false, ""};
+    const MachineServices_t services = {OpenWatched, machine->FERROXTerminate, ByFirmware, ByScan, machine->ReadCPUID};
+    return SetMachine(&services) == kSuccess && BringUp();
+}
+
 // With its driver first, and without it where there is no driver, unless the user chose.
 bool ClTable::BringUpThisMachine(const Source_t& source) {
     if (!source.noDriver) {
-        SetMachine(source.scan ? ThisMachineByScan() : ThisMachine());
-        if (BringUp()) return true;
+        if (BringUpWatched(source.scan ? ThisMachineByScan() : ThisMachine())) return true;
         if (source.driver || source.scan) return false;
     }
-    SetMachine(ThisMachineWithoutDriver());
-    if (!BringUp()) return false;
+    if (!BringUpWatched(ThisMachineWithoutDriver())) return false;
     if (!source.noDriver) SayError(m_name, "its driver isn't to be had; read without it");
     return true;
 }
@@ -250,7 +278,7 @@ std::string ClTable::Form() const {
     std::string form = m_isSample  ? std::string("the embedded sample")
                        : m_isImage ? "as " + std::string(NameOfForm(m_image.form)) +
                                          (m_image.isCompressed ? ", compressed with gzip" : "")
-                                   : std::string("by the system's firmware-table call");
+                                   : std::string(watched.road);
     form += ", SMBIOS " + std::to_string(Major()) + "." + std::to_string(Minor());
     if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
     return form;
