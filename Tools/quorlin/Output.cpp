@@ -86,7 +86,7 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output) {
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
     std::FILE* file = CreateNewFile(path);
     if (file == nullptr) {
-        SayError(path, errno == EEXIST ? std::string("exists already, and a dump overwrites nothing; try another name")
+        SayError(path, errno == EEXIST ? std::string("exists already, and nothing is overwritten; try another name")
                                        : std::string(std::strerror(errno)) + "; try another name");
         return false;
     }

@@ -315,6 +315,11 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         {"hw pci 0000:00:20.0 2 5",                                2, "is no PCI function"     },
         {"hw pci 00:03.0 2 5",                                     2, "is no PCI function"     },
         {"hw cpuid 0 --cpu 256",                                   2, "no processor number"    },
+        {"hw mem 0xFED00000 2 --write 65536 --yes-write-hardware", 2, "larger than 2 bytes"    },
+        {"hw port read 0x80 3",                                    2, "1, 2 or 4"              },
+        {"hw pci 0000:00:03.0 2 0",                                2, "within 1 to 4094"       },
+        {"hw versions --cpu 0",                                    2, "no use for --cpu"       },
+        {"hw cpuid 0 --out x",                                     2, "no use for --out"       },
         {"hw cpuid 0 --trace Global",                              2, "no setting like"        },
     };
     for (const auto& c : kCases) {
