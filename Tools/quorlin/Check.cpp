@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "Packages/Format/Structures.h"
+#include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Csv.h"
 #include "Tools/quorlin/Json.h"
@@ -194,14 +195,14 @@ class ClLint {
 };
 
 void ListText(const std::vector<Finding_t>& findings, ClOutput& output) {
+    ClColumns columns(output);
     for (const Finding_t& finding : findings) {
+        std::string place = "Table";
         if (finding.structure != nullptr)
-            output << "Handle " << HandleText(finding.structure->Handle()) << ", type "
-                   << std::to_string(finding.structure->Type()) << " (" << NameOfType(finding.structure->Type())
-                   << "), offset " << Hex(finding.offset);
-        else
-            output << "Table, offset " << Hex(finding.offset);
-        output << ": " << Printable(finding.text) << "\n";
+            place = "Handle " + HandleText(finding.structure->Handle()) + ", type " +
+                    std::to_string(finding.structure->Type()) + " (" +
+                    std::string(NameOfType(finding.structure->Type())) + ")";
+        columns.Line(0, place + ", offset " + Hex(finding.offset) + ": " + finding.text);
     }
     output << (findings.empty()
                    ? "No findings\n"
@@ -245,7 +246,7 @@ void ListJson(const std::vector<Finding_t>& findings, const ClTable& table, ClJs
 int RunCheck(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text";
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
     int exitCode = kExitDone;
     Format_t format;

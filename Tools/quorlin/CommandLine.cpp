@@ -5,13 +5,12 @@
 #include <algorithm>
 #include <charconv>
 
-#include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Columns.h"
 
 namespace {
 
 constexpr int kHelp = 'h', kMissingValue = ':';
 constexpr int kFirstOption = 256;  // what getopt_long gives for the first option of the table
-constexpr size_t kHelpColumn = 28;
 
 bool IsArgument(const Option_t& option) { return option.name[0] != '-'; }
 bool TakesValue(const Option_t& option) { return !std::holds_alternative<bool*>(option.target); }
@@ -30,36 +29,42 @@ bool Store(const Usage_t& usage, const Option_t& option, const char* value, int*
     return true;
 }
 
-std::string HelpLine(std::string_view name, const char* help) {
-    std::string left("  ");
-    left.append(name);
-    if (left.size() + 2 > kHelpColumn)
-        left.append("\n").append(kHelpColumn, ' ');
-    else
-        left.append(kHelpColumn - left.size(), ' ');
-    return left.append(help).append("\n");
+void PutBlock(std::string_view heading, const std::vector<std::pair<std::string, const char*>>& lines,
+              ClColumns& columns) {
+    columns.Heading(heading);
+    for (const auto& [name, help] : lines) columns.Pair(name, help);
+    columns.Finish(2);
 }
 
 // Gives the exit code.
 int PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
-    std::string text = std::string(usage.description) + "\nUsage: " + usage.command + " [OPTIONS]";
-    std::string arguments, named = HelpLine("-h, --help", "Print this help and exit");
+    std::string synopsis = std::string("Usage: ") + usage.command + " [OPTIONS]";
+    std::vector<std::pair<std::string, const char*>> arguments, named = {
+                                                                    {"-h, --help", "Print this help and exit"}
+    };
     for (const Option_t& option : options) {
-        std::string name = option.name;
+        const std::string name = option.name;
         if (IsArgument(option)) {
-            text.append(option.required ? " " : " [").append(name).append(IsList(option) ? "..." : "");
-            if (!option.required) text += ']';
-            arguments += HelpLine(name, option.help);
+            synopsis.append(option.required ? " " : " [").append(name).append(IsList(option) ? "..." : "");
+            if (!option.required) synopsis += ']';
+            arguments.emplace_back(name, option.help);
         } else {
-            if (option.typeName != nullptr) name.append(" ").append(option.typeName);
-            named += HelpLine(name, option.help);
+            named.emplace_back(option.typeName == nullptr ? name : name + " " + option.typeName, option.help);
         }
     }
-    text += "\n";
-    if (!arguments.empty()) text += "\nArguments:\n" + arguments;
-    text += "\nOptions:\n" + named + "\n" + usage.footer + "\n";
     ClOutput output;
-    output << text;
+    ClColumns columns(output);
+    columns.Line(0, usage.description);
+    columns.Line(0, synopsis);
+    if (!arguments.empty()) PutBlock("Arguments:", arguments, columns);
+    PutBlock("Options:", named, columns);
+    output << "\n";
+    std::string_view footer = usage.footer;
+    while (!footer.empty()) {
+        const size_t end = std::min(footer.find('\n'), footer.size());
+        columns.Line(0, footer.substr(0, end));
+        footer.remove_prefix(std::min(end + 1, footer.size()));
+    }
     return output.Finish() ? kExitDone : usage.trouble;
 }
 
@@ -76,7 +81,10 @@ bool StoreArguments(const Usage_t& usage, std::span<const Option_t> options, std
             return SayBadUsage(usage, std::string(option.name).append(" is missing"), exitCode);
     }
     if (next == words.size()) return true;
-    return SayBadUsage(usage, std::string("'").append(words[next]).append("' is one argument too many"), exitCode);
+    return SayBadUsage(usage,
+                       std::string("'").append(words[next]).append("' is one argument too many") +
+                           (next == 0 ? "; a command comes in front of its options" : ""),
+                       exitCode);
 }
 
 }  // namespace

@@ -82,7 +82,7 @@ int RunFind(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text", text;
     std::vector<std::string> typeNames;
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"text", "TEXT", "What keys or values must hold", &text, true});
     options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
     options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});

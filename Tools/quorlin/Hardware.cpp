@@ -24,8 +24,7 @@ constexpr Usage_t kHardwareUsage = {
     "  segments                         the PCI segments and their configuration spaces\n"
     "  versions                         of this library and of the driver\n"
     "Writing can hang or damage a machine. mem, msr write N and port write PORT SIZE write --write VALUE, and only "
-    "with "
-    "--yes-write-hardware.\n"
+    "with --yes-write-hardware.\n"
     "\n"
     "Example: quorlin hw pci 0000:00:03.0 2 5\n"
     "Exit codes: 0 done, 1 the operation failed, 2 bad usage.",

@@ -68,14 +68,15 @@ void ShowText(const Structure_t& structure, ClColumns& columns) {
 }
 
 // Tells of structures that a sweep leaves out and that have items all the same.
-void TellOfLeftOut(ClOutput& output) {
+void TellOfLeftOut(ClOutput& output, ClColumns& columns) {
     constexpr uint8_t kOnDemand = 148;
     uint8_t** records = nullptr;
     uint32_t count = 0;
     if (GetSMBIOSStrutureFrom(kOnDemand, 0, &records, &count) != kSuccess || count == 0) return;
     os_free(records);
-    output << "\nNot shown: " << std::to_string(count) << (count == 1 ? " structure" : " structures")
-           << " of type 148, firmware versions; see them with --type 148\n";
+    output << "\n";
+    columns.Line(0, "Not shown: " + std::to_string(count) + (count == 1 ? " structure" : " structures") +
+                        " of type 148, firmware versions; see them with --type 148");
 }
 
 void WriteItems(const Structure_t& structure, ClJson& json) {
@@ -143,7 +144,7 @@ int RunShow(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text";
     std::vector<std::string> typeNames;
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
     options.push_back(
         {"--format", "FORMAT", "text (for people), json, ndjson, csv, or lines (one item a line)", &formatName});
@@ -170,7 +171,7 @@ int RunShow(const Arguments_t& arguments) {
             ClColumns columns(output);
             VisitStructures(table.Package(), types,
                             [&](const Structure_t& structure) { ShowText(structure, columns); });
-            if (typeNames.empty()) TellOfLeftOut(output);
+            if (typeNames.empty()) TellOfLeftOut(output, columns);
         } else if (format == Format_t::kCsv) {
             ClCsv csv(output);
             csv.ItemHead();

@@ -101,20 +101,27 @@ class ClNameList {
 
 std::vector<Option_t> Source_t::Options() {
     return {
-        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both; may be given more than once", &images        },
-        {"--image-list",     "FILE",  "Read the images that FILE names, one a line (- for standard input)",          &imageList     },
-        {"--sample",         nullptr, "Take the embedded sample table",                                              &sample        },
-        {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                             &sampleIfNone  },
-        {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                        &driver        },
-        {"--no-driver",      nullptr, "Reach this machine without its driver",                                       &noDriver      },
-        {"--road",           "ROAD",  "How to get this machine's table: firmware (first) or scan (of its memory)",   &roadGiven     },
-        {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells",  &asGiven       },
-        {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                              &versionGiven  },
-        {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",               &signatureGiven},
-        {"--recover",        nullptr, "Look for structures behind a damaged one",                                    &recover       },
-        {"--trace",          "SPEC",  kTraceHelp,                                                                    &trace         },
-        {"--verbose",        nullptr, "Say on standard error where a table comes from",                              &verbose       },
+        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both",                             &images        },
+        {"--sample",         nullptr, "Take the embedded sample table",                                             &sample        },
+        {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                            &sampleIfNone  },
+        {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                       &driver        },
+        {"--no-driver",      nullptr, "Reach this machine without its driver",                                      &noDriver      },
+        {"--road",           "ROAD",  "How to get this machine's table: firmware (first) or scan (of its memory)",  &roadGiven     },
+        {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells", &asGiven       },
+        {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                             &versionGiven  },
+        {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",              &signatureGiven},
+        {"--recover",        nullptr, "Look for structures behind a damaged one",                                   &recover       },
+        {"--trace",          "SPEC",  kTraceHelp,                                                                   &trace         },
+        {"--verbose",        nullptr, "Say on standard error where a table comes from",                             &verbose       },
     };
+}
+
+std::vector<Option_t> Source_t::FleetOptions() {
+    std::vector<Option_t> options = Options();
+    options.front().help = "Read a dump, a bare table, or a folder of both; may be given more than once";
+    options.push_back(
+        {"--image-list", "FILE", "Read the images that FILE names, one a line (- for standard input)", &imageList});
+    return options;
 }
 
 bool Source_t::Check(const Usage_t& usage, int* exitCode) {

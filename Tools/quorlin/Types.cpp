@@ -88,7 +88,7 @@ void ListJson(const std::vector<TypeCount_t>& types, const ClTable& table, ClJso
 int RunTypes(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text";
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
     int exitCode = kExitDone;
     Format_t format;
