@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "Packages/Format/Structures.h"
+#include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Csv.h"
 #include "Tools/quorlin/Json.h"
@@ -12,15 +13,16 @@
 #include "Tools/quorlin/Text.h"
 #include "Tools/quorlin/Walk.h"
 
-namespace {
-
-constexpr Usage_t kUsage = {
+constexpr Usage_t kCheckUsage = {
     "quorlin check",
     "Says what is wrong with a table: lengths, string numbers, handles, references, counts, codes, checksums, and a "
     "missing end.",
     "Example: quorlin check --image table.bin\n"
     "Exit codes: 0 nothing found, 1 something found, 2 bad usage, no table or an unreadable one.",
+    kExitTrouble,
 };
+
+namespace {
 
 constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv};
 
@@ -193,14 +195,14 @@ class ClLint {
 };
 
 void ListText(const std::vector<Finding_t>& findings, ClOutput& output) {
+    ClColumns columns(output);
     for (const Finding_t& finding : findings) {
+        std::string place = "Table";
         if (finding.structure != nullptr)
-            output << "Handle " << HandleText(finding.structure->Handle()) << ", type "
-                   << std::to_string(finding.structure->Type()) << " (" << NameOfType(finding.structure->Type())
-                   << "), offset " << Hex(finding.offset);
-        else
-            output << "Table, offset " << Hex(finding.offset);
-        output << ": " << Printable(finding.text) << "\n";
+            place = "Handle " + HandleText(finding.structure->Handle()) + ", type " +
+                    std::to_string(finding.structure->Type()) + " (" +
+                    std::string(NameOfType(finding.structure->Type())) + ")";
+        columns.Line(0, place + ", offset " + Hex(finding.offset) + ": " + finding.text);
     }
     output << (findings.empty()
                    ? "No findings\n"
@@ -244,17 +246,17 @@ void ListJson(const std::vector<Finding_t>& findings, const ClTable& table, ClJs
 int RunCheck(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text";
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
     int exitCode = kExitDone;
     Format_t format;
-    if (!ParseCommandLine(kUsage, options, arguments, &exitCode) || !source.Check(kUsage, &exitCode) ||
-        !ChooseFormat(kUsage, formatName, kFormats, &format, &exitCode) ||
-        !CheckFleet(kUsage, source, format, &exitCode))
+    if (!ParseCommandLine(kCheckUsage, options, arguments, &exitCode) || !source.Check(kCheckUsage, &exitCode) ||
+        !ChooseFormat(kCheckUsage, formatName, kFormats, &format, &exitCode) ||
+        !CheckFleet(kCheckUsage, source, format, &exitCode))
         return exitCode;
     ClOutput output;
     ClJson json(output);
-    exitCode = RunOnTables(source, format, kExitTrouble, json, [&](ClTable& table) {
+    exitCode = RunOnTables(source, format, kCheckUsage.trouble, json, [&](ClTable& table) {
         const ClLint lint(table);
         const std::vector<Finding_t>& findings = lint.Findings();
         if (format == Format_t::kText)
@@ -265,5 +267,5 @@ int RunCheck(const Arguments_t& arguments) {
             ListJson(findings, table, json);
         return findings.empty() ? kExitDone : kExitNo;
     });
-    return output.Finish() ? exitCode : kExitTrouble;
+    return output.Finish() ? exitCode : kCheckUsage.trouble;
 }

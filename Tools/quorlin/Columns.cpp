@@ -39,23 +39,26 @@ void ClColumns::Heading(std::string_view text) {
 }
 
 void ClColumns::Line(size_t indent, std::string_view text) {
-    m_output.Pad(indent) << Printable(text) << "\n";
+    m_output.Pad(indent);
+    Put(indent, indent + 2, text);
+    m_output << "\n";
     m_begun = true;
 }
 
-void ClColumns::Value(size_t column, std::string_view value) {
+size_t ClColumns::Put(size_t column, size_t next, std::string_view text) {
     m_text.clear();
-    AppendPrintable(m_text, value);
+    AppendPrintable(m_text, text);
     std::string_view rest = m_text;
-    const size_t room = m_width == 0 ? rest.size() : std::max(m_width - std::min(column, m_width), kLeastValue);
-    while (rest.size() > room) {
-        const size_t end = BreakAt(rest, room);
+    while (m_width != 0) {
+        const size_t end = BreakAt(rest, std::max(m_width - std::min(column, m_width), kLeastValue));
         if (end == rest.size()) break;
         m_output << rest.substr(0, end) << "\n";
-        m_output.Pad(column);
+        m_output.Pad(next);
         rest.remove_prefix(end);
+        column = next;
     }
     m_output << rest;
+    return column + rest.size();
 }
 
 void ClColumns::Finish(size_t indent) {
@@ -63,15 +66,19 @@ void ClColumns::Finish(size_t indent) {
     size_t width = 0;
     for (const auto& [key, value] : m_block)
         if (key.size() <= widest) width = std::max(width, key.size());
+    const size_t column = indent + width + 2;
     for (const auto& [key, value] : m_block) {
-        m_text.clear();
-        AppendPrintable(m_text, key);
-        m_output.Pad(indent) << m_text;
-        if (!value.empty()) {
-            const size_t pad = m_text.size() < width ? width - m_text.size() + 2 : 2;
-            const size_t column = indent + m_text.size() + pad;
-            m_output.Pad(pad);
-            Value(column, value);
+        m_output.Pad(indent);
+        const size_t end = Put(indent, indent + 2, key);
+        if (!value.empty() && end + 2 <= column) {
+            m_output.Pad(column - end);
+            Put(column, column, value);
+        } else if (!value.empty() && m_width == 0) {
+            m_output << "  " << Printable(value);
+        } else if (!value.empty()) {
+            m_output << "\n";
+            m_output.Pad(column);
+            Put(column, column, value);
         }
         m_output << "\n";
         m_begun = true;

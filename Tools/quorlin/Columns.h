@@ -15,7 +15,7 @@ class ClColumns {
 
     // A line that stands out on a terminal, with an empty line in front of all but the first.
     void Heading(std::string_view text);
-    // A line without a value.
+    // A line without a value. Where it has to be broken it goes on two columns further in.
     void Line(size_t indent, std::string_view text);
     // A key and its value. The values of one block stand below each other. The texts must live until Finish.
     void Pair(std::string_view key, std::string_view value) { m_block.emplace_back(key, value); }
@@ -23,7 +23,8 @@ class ClColumns {
     void Finish(size_t indent);
 
   private:
-    void Value(size_t column, std::string_view value);
+    // A text from `column` on, in which its further lines stand at `next`. Gives the column it ends in.
+    size_t Put(size_t column, size_t next, std::string_view text);
 
     ClOutput& m_output;
     std::vector<std::pair<std::string_view, std::string_view>> m_block;

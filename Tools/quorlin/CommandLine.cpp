@@ -4,57 +4,68 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 
-#include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Columns.h"
 
 namespace {
 
 constexpr int kHelp = 'h', kMissingValue = ':';
 constexpr int kFirstOption = 256;  // what getopt_long gives for the first option of the table
-constexpr size_t kHelpColumn = 28;
 
 bool IsArgument(const Option_t& option) { return option.name[0] != '-'; }
 bool TakesValue(const Option_t& option) { return !std::holds_alternative<bool*>(option.target); }
 bool IsList(const Option_t& option) { return std::holds_alternative<std::vector<std::string>*>(option.target); }
 
-void Store(const Option_t& option, const char* value) {
+// An empty value is none: a script's variable was empty, and what it stood for isn't to be guessed.
+bool Store(const Usage_t& usage, const Option_t& option, const char* value, int* exitCode) {
+    if (TakesValue(option) && *value == '\0')
+        return SayBadUsage(usage, std::string(option.name).append(" may not be empty"), exitCode);
     if (auto* const* flag = std::get_if<bool*>(&option.target))
         **flag = true;
     else if (auto* const* text = std::get_if<std::string*>(&option.target))
         **text = value;
     else
         std::get<std::vector<std::string>*>(option.target)->emplace_back(value);
+    return true;
 }
 
-std::string HelpLine(std::string_view name, const char* help) {
-    std::string left("  ");
-    left.append(name);
-    if (left.size() + 2 > kHelpColumn)
-        left.append("\n").append(kHelpColumn, ' ');
-    else
-        left.append(kHelpColumn - left.size(), ' ');
-    return left.append(help).append("\n");
+void PutBlock(std::string_view heading, const std::vector<std::pair<std::string, const char*>>& lines,
+              ClColumns& columns) {
+    columns.Heading(heading);
+    for (const auto& [name, help] : lines) columns.Pair(name, help);
+    columns.Finish(2);
 }
 
-void PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
-    std::string text = std::string(usage.description) + "\nUsage: " + usage.command + " [OPTIONS]";
-    std::string arguments, named = HelpLine("-h, --help", "Print this help and exit");
+// Gives the exit code.
+int PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
+    std::string synopsis = std::string("Usage: ") + usage.command + " [OPTIONS]";
+    std::vector<std::pair<std::string, const char*>> arguments, named = {
+                                                                    {"-h, --help", "Print this help and exit"}
+    };
     for (const Option_t& option : options) {
-        std::string name = option.name;
+        const std::string name = option.name;
         if (IsArgument(option)) {
-            text.append(option.required ? " " : " [").append(name).append(IsList(option) ? "..." : "");
-            if (!option.required) text += ']';
-            arguments += HelpLine(name, option.help);
+            synopsis.append(option.required ? " " : " [").append(name).append(IsList(option) ? "..." : "");
+            if (!option.required) synopsis += ']';
+            arguments.emplace_back(name, option.help);
         } else {
-            if (option.typeName != nullptr) name.append(" ").append(option.typeName);
-            named += HelpLine(name, option.help);
+            named.emplace_back(option.typeName == nullptr ? name : name + " " + option.typeName, option.help);
         }
     }
-    text += "\n";
-    if (!arguments.empty()) text += "\nArguments:\n" + arguments;
-    text += "\nOptions:\n" + named + "\n" + usage.footer + "\n";
-    std::fputs(text.c_str(), stdout);
+    ClOutput output;
+    ClColumns columns(output);
+    columns.Line(0, usage.description);
+    columns.Line(0, synopsis);
+    if (!arguments.empty()) PutBlock("Arguments:", arguments, columns);
+    PutBlock("Options:", named, columns);
+    output << "\n";
+    std::string_view footer = usage.footer;
+    while (!footer.empty()) {
+        const size_t end = std::min(footer.find('\n'), footer.size());
+        columns.Line(0, footer.substr(0, end));
+        footer.remove_prefix(std::min(end + 1, footer.size()));
+    }
+    return output.Finish() ? kExitDone : usage.trouble;
 }
 
 // The words in front, one for each argument of the table; the last one may be a list.
@@ -64,12 +75,16 @@ bool StoreArguments(const Usage_t& usage, std::span<const Option_t> options, std
     for (const Option_t& option : options) {
         if (!IsArgument(option)) continue;
         const size_t before = next;
-        while (next < words.size() && (next == before || IsList(option))) Store(option, words[next++]);
+        while (next < words.size() && (next == before || IsList(option)))
+            if (!Store(usage, option, words[next++], exitCode)) return false;
         if (next == before && option.required)
             return SayBadUsage(usage, std::string(option.name).append(" is missing"), exitCode);
     }
     if (next == words.size()) return true;
-    return SayBadUsage(usage, std::string("'").append(words[next]).append("' is one argument too many"), exitCode);
+    return SayBadUsage(usage,
+                       std::string("'").append(words[next]).append("' is one argument too many") +
+                           (next == 0 ? "; a command comes in front of its options" : ""),
+                       exitCode);
 }
 
 }  // namespace
@@ -95,8 +110,7 @@ bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, c
         const bool ownWord = optarg != nullptr && optind >= 2 && optarg == words[static_cast<size_t>(optind) - 1];
         const std::string_view word = words[static_cast<size_t>(optind) - (ownWord ? 2 : 1)];
         if (found == kHelp) {
-            PrintHelp(usage, options);
-            *exitCode = kExitDone;
+            *exitCode = PrintHelp(usage, options);
             return false;
         }
         if (found == kMissingValue) return SayBadUsage(usage, std::string(word).append(" needs a value"), exitCode);
@@ -104,7 +118,7 @@ bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, c
         // Names are taken whole: an abbreviation that works today may name another option tomorrow.
         if (option == nullptr || word.substr(0, word.find('=')) != option->name)
             return SayBadUsage(usage, std::string("'").append(word).append("' is no option here"), exitCode);
-        Store(*option, optarg);
+        if (!Store(usage, *option, optarg, exitCode)) return false;
     }
     return StoreArguments(usage, options,
                           std::span(words).first(static_cast<size_t>(count)).subspan(static_cast<size_t>(optind)),

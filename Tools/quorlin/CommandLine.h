@@ -14,6 +14,7 @@ struct Usage_t {
     const char* command;  // as typed, "quorlin find"
     const char* description;
     const char* footer;  // examples and exit codes
+    int trouble;         // exit code when it can't be done: no table, no memory, output that can't be written
 };
 
 // One option. A name without dashes is that of an argument, which stands in its place on the command line.

@@ -2,37 +2,49 @@
 #include "Tools/quorlin/Commands.h"
 
 #include <algorithm>
+#include <new>
 
 #include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Trace.h"
 
 namespace {
 
 struct Command_t {
     std::string_view name;
-    int (*run)(const Arguments_t& arguments);  // those behind the command's name; gives the exit code
+    const Usage_t& usage;
+    int (*run)(const Arguments_t& arguments);  // those behind the command's name
 };
 constexpr Command_t kCommands[] = {
-    {"show",  RunShow    },
-    {"types", RunTypes   },
-    {"find",  RunFind    },
-    {"get",   RunGet     },
-    {"dump",  RunDump    },
-    {"raw",   RunRaw     },
-    {"check", RunCheck   },
-    {"diff",  RunDiff    },
-    {"hw",    RunHardware},
+    {"show",  kShowUsage,     RunShow    },
+    {"types", kTypesUsage,    RunTypes   },
+    {"find",  kFindUsage,     RunFind    },
+    {"get",   kGetUsage,      RunGet     },
+    {"dump",  kDumpUsage,     RunDump    },
+    {"raw",   kRawUsage,      RunRaw     },
+    {"check", kCheckUsage,    RunCheck   },
+    {"diff",  kDiffUsage,     RunDiff    },
+    {"hw",    kHardwareUsage, RunHardware},
 };
 
 }  // namespace
 
 int RunProgram(Arguments_t arguments) {
-    // Without a command the options are those of show.
-    if (arguments.empty() || arguments.front().starts_with('-')) return RunShow(arguments);
-    const Command_t* command = std::ranges::find(kCommands, arguments.front(), &Command_t::name);
-    if (command == std::end(kCommands)) {
-        SayError("bad usage", "'" + arguments.front() + "' is no command; try quorlin --help");
-        return kExitUsage;
+    const Command_t* command = &kCommands[0];  // without a command the options are those of show
+    if (!arguments.empty() && !arguments.front().starts_with('-')) {
+        command = std::ranges::find(kCommands, arguments.front(), &Command_t::name);
+        if (command == std::end(kCommands)) {
+            SayError("bad usage", "'" + arguments.front() + "' is no command; try quorlin --help");
+            return kExitUsage;
+        }
+        arguments.erase(arguments.begin());
     }
-    arguments.erase(arguments.begin());
-    return command->run(arguments);
+    int exitCode;
+    try {
+        exitCode = command->run(arguments);
+    } catch (const std::bad_alloc&) {
+        SayError("memory", kOutOfMemory);
+        exitCode = command->usage.trouble;
+    }
+    EndTrace();
+    return exitCode;
 }

@@ -1,8 +1,10 @@
-// The commands, each in the file of its name.
+// The commands, each in the file of its name: what its help says, and what runs it, which gives the exit code.
 #pragma once
 
 #include "Tools/quorlin/CommandLine.h"
 
+extern const Usage_t kShowUsage, kTypesUsage, kFindUsage, kGetUsage, kDiffUsage, kDumpUsage, kRawUsage, kCheckUsage,
+    kHardwareUsage;
 int RunShow(const Arguments_t& arguments);
 int RunTypes(const Arguments_t& arguments);
 int RunFind(const Arguments_t& arguments);

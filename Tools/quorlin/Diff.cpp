@@ -14,15 +14,16 @@
 #include "Tools/quorlin/Text.h"
 #include "Tools/quorlin/Walk.h"
 
-namespace {
-
-constexpr Usage_t kUsage = {
+constexpr Usage_t kDiffUsage = {
     "quorlin diff",
     "Shows what differs between two tables. Structures are matched by type and handle, what is left by its order. "
     "Without B the other table is this machine's, or what --sample says.",
     "Example: quorlin diff before.bin after.bin --ignore \"Serial Number\"\n"
     "Exit codes: 0 the same, 1 different, 2 bad usage, no table or an unreadable one.",
+    kExitTrouble,
 };
+
+namespace {
 
 constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kCsv};
 
@@ -252,16 +253,16 @@ int RunDiff(const Arguments_t& arguments) {
     options.push_back({"--format", "FORMAT", "text (for people), json or csv", &formatName});
     int exitCode = kExitDone;
     Format_t format;
-    if (!ParseCommandLine(kUsage, options, arguments, &exitCode) || !source.CheckOne(kUsage, &exitCode) ||
-        !ChooseFormat(kUsage, formatName, kFormats, &format, &exitCode))
+    if (!ParseCommandLine(kDiffUsage, options, arguments, &exitCode) || !source.CheckOne(kDiffUsage, &exitCode) ||
+        !ChooseFormat(kDiffUsage, formatName, kFormats, &format, &exitCode))
         return exitCode;
     if (!pathB.empty() && (source.sample || source.sampleIfNone || !source.images.empty())) {
-        SayBadUsage(kUsage, "two tables are enough; leave B or the other out", &exitCode);
+        SayBadUsage(kDiffUsage, "two tables are enough; leave B or the other out", &exitCode);
         return exitCode;
     }
     OwnTable_t tables[2];
     const auto take = [&](const Source_t& from, OwnTable_t* own) {
-        return ForEachTable(from, kExitTrouble, [&](ClTable& table) {
+        return ForEachTable(from, kDiffUsage.trouble, [&](ClTable& table) {
             *own = TakeTable(table, ignored);
             return kExitDone;
         });
@@ -270,7 +271,7 @@ int RunDiff(const Arguments_t& arguments) {
     source.sample = source.sampleIfNone = false;
     source.images = {pathA};
     if (!pathB.empty()) other.images = {pathB};
-    if (take(source, &tables[0]) != kExitDone || take(other, &tables[1]) != kExitDone) return kExitTrouble;
+    if (take(source, &tables[0]) != kExitDone || take(other, &tables[1]) != kExitDone) return kDiffUsage.trouble;
     const std::vector<Difference_t> differences = CompareTables(tables[0], tables[1]);
     ClOutput output;
     ClJson json(output);
@@ -280,6 +281,6 @@ int RunDiff(const Arguments_t& arguments) {
         ListCsv(differences, output);
     else
         ListJson(differences, tables[0], tables[1], json);
-    if (!output.Finish()) return kExitTrouble;
+    if (!output.Finish()) return kDiffUsage.trouble;
     return differences.empty() ? kExitDone : kExitNo;
 }

@@ -11,14 +11,13 @@
 #include "Tools/quorlin/Text.h"
 #include "Tools/quorlin/Walk.h"
 
-namespace {
-
 constexpr Usage_t kDumpUsage = {
     "quorlin dump",
     "Writes a table into a new file, behind an entry point, as this program and the system's other tools read it. The "
     "file is its owner's alone to read, as tables hold serial numbers. A file that exists is left as it is.",
     "Example: quorlin dump machine.bin\n"
     "Exit codes: 0 done, 1 no table, or a file that can't be made, 2 bad usage.",
+    kExitNoTable,
 };
 
 constexpr Usage_t kRawUsage = {
@@ -26,7 +25,10 @@ constexpr Usage_t kRawUsage = {
     "Shows the bytes and the strings of a table's structures.",
     "Example: quorlin raw --type 17\n"
     "Exit codes: 0 done, 1 no such structure, 2 bad usage, no table or an unreadable one.",
+    kExitTrouble,
 };
+
+namespace {
 
 void ShowRaw(const TableStructure_t& structure, uint32_t offset, ClOutput& output) {
     char place[24];
@@ -55,9 +57,9 @@ int RunDump(const Arguments_t& arguments) {
     int exitCode = kExitDone;
     if (!ParseCommandLine(kDumpUsage, options, arguments, &exitCode) || !source.CheckOne(kDumpUsage, &exitCode))
         return exitCode;
-    return ForEachTable(source, kExitNoTable, [&](ClTable& table) {
+    return ForEachTable(source, kDumpUsage.trouble, [&](ClTable& table) {
         const std::span<const uint8_t> bytes = table.Bytes();
-        return WriteNewFile(path, MakeDump(bytes, table.Major(), table.Minor())) ? kExitDone : kExitNoTable;
+        return WriteNewFile(path, MakeDump(bytes, table.Major(), table.Minor())) ? kExitDone : kDumpUsage.trouble;
     });
 }
 
@@ -79,7 +81,7 @@ int RunRaw(const Arguments_t& arguments) {
         return exitCode;
     }
     ClOutput output;
-    exitCode = ForEachTable(source, kExitTrouble, [&](ClTable& table) {
+    exitCode = ForEachTable(source, kRawUsage.trouble, [&](ClTable& table) {
         const std::span<const uint8_t> bytes = table.Bytes();
         bool isFirst = true;
         for (const TableStructure_t& structure : ClWalk(bytes)) {
@@ -92,5 +94,5 @@ int RunRaw(const Arguments_t& arguments) {
         if (isFirst) SayError(table.Name(), "no such structure; try quorlin types");
         return isFirst ? kExitNo : kExitDone;
     });
-    return output.Finish() ? exitCode : kExitTrouble;
+    return output.Finish() ? exitCode : kRawUsage.trouble;
 }

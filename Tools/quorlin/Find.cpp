@@ -6,14 +6,23 @@
 #include "Tools/quorlin/Model.h"
 #include "Tools/quorlin/Text.h"
 
-namespace {
-
 constexpr Usage_t kFindUsage = {
     "quorlin find",
     "Finds the items whose key or value holds a text, in whatever case, and shows the structures they stand in.",
     "Example: quorlin find serial\n"
     "Exit codes: 0 found, 1 not found, 2 bad usage, no table or an unreadable one.",
+    kExitTrouble,
 };
+
+constexpr Usage_t kGetUsage = {
+    "quorlin get",
+    "Prints the values of a key, one a line and nothing else.",
+    "Example: quorlin get 1 \"Serial Number\"\n"
+    "Exit codes: 0 done, 1 no such value, 2 bad usage, no table or an unreadable one.",
+    kExitTrouble,
+};
+
+namespace {
 
 constexpr Format_t kFindFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv};
 
@@ -67,20 +76,13 @@ void ShowJson(const Structure_t& structure, const std::vector<Hit_t>& hits, ClJs
     }
 }
 
-constexpr Usage_t kGetUsage = {
-    "quorlin get",
-    "Prints the values of a key, one a line and nothing else.",
-    "Example: quorlin get 1 \"Serial Number\"\n"
-    "Exit codes: 0 done, 1 no such value, 2 bad usage, no table or an unreadable one.",
-};
-
 }  // namespace
 
 int RunFind(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text", text;
     std::vector<std::string> typeNames;
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"text", "TEXT", "What keys or values must hold", &text, true});
     options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
     options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
@@ -95,7 +97,7 @@ int RunFind(const Arguments_t& arguments) {
     ClOutput output;
     ClJson json(output);
     bool isFound = false;
-    exitCode = RunOnTables(source, format, kExitTrouble, json, [&](ClTable& table) {
+    exitCode = RunOnTables(source, format, kFindUsage.trouble, json, [&](ClTable& table) {
         const auto find = [&](const auto& show) { isFound |= FindText(table, types, text, show); };
         if (format == Format_t::kText) {
             ClColumns columns(output);
@@ -119,7 +121,7 @@ int RunFind(const Arguments_t& arguments) {
         }
         return kExitDone;
     });
-    if (!output.Finish()) return kExitTrouble;
+    if (!output.Finish()) return kFindUsage.trouble;
     return exitCode == kExitDone && !isFound ? kExitNo : exitCode;
 }
 
@@ -141,7 +143,7 @@ int RunGet(const Arguments_t& arguments) {
         return exitCode;
     }
     ClOutput output;
-    exitCode = ForEachTable(source, kExitTrouble, [&](ClTable& table) {
+    exitCode = ForEachTable(source, kGetUsage.trouble, [&](ClTable& table) {
         bool isFound = false;
         VisitStructures(table.Package(), types, [&](const Structure_t& structure) {
             if (instance != 0 && structure.instance != instance) return;
@@ -156,5 +158,5 @@ int RunGet(const Arguments_t& arguments) {
         SayError(table.Name(), "type " + typeName + " has no such item here; try quorlin --type " + typeName);
         return kExitNo;
     });
-    return output.Finish() ? exitCode : kExitTrouble;
+    return output.Finish() ? exitCode : kGetUsage.trouble;
 }

@@ -8,10 +8,9 @@
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Text.h"
+#include "Tools/quorlin/Trace.h"
 
-namespace {
-
-constexpr Usage_t kUsage = {
+constexpr Usage_t kHardwareUsage = {
     "quorlin hw",
     "Reads hardware: the CPUID instruction, PCI configuration space, physical memory, model-specific registers, ports, "
     "ACPI tables. Most of it needs root.",
@@ -25,12 +24,14 @@ constexpr Usage_t kUsage = {
     "  segments                         the PCI segments and their configuration spaces\n"
     "  versions                         of this library and of the driver\n"
     "Writing can hang or damage a machine. mem, msr write N and port write PORT SIZE write --write VALUE, and only "
-    "with "
-    "--yes-write-hardware.\n"
+    "with --yes-write-hardware.\n"
     "\n"
     "Example: quorlin hw pci 0000:00:03.0 2 5\n"
     "Exit codes: 0 done, 1 the operation failed, 2 bad usage.",
+    kExitNo,
 };
+
+namespace {
 
 constexpr uint64_t kMostBytes = 1u << 20;  // that one call reads
 
@@ -44,6 +45,15 @@ const char* WordsOf(status_t status) {
         default: return "it failed, or there is no such thing here";
     }
 }
+
+std::string Reason(status_t status) {
+    const bool mayBeRights = status == 0 || status == kFailure;
+    return std::string(WordsOf(status)) + " (status " + std::to_string(status) + ")" +
+           (mayBeRights ? "; try as root, as most hardware needs that" : "; try quorlin hw --help");
+}
+
+// What an operation gives instead of the library's status: its words are bad, or it has said itself what went wrong.
+constexpr status_t kBadUsage = 0xFFFFFFFF, kTold = 0xFFFFFFFE;
 
 // A block of a head that tells the size, and that many bytes.
 class ClBuffer {
@@ -90,17 +100,24 @@ struct Request_t {
     ClOutput& output;
     std::string problem;  // what is wrong with the words, for kBadUsage
     ClHardware hardware;
-    status_t openStatus = kSuccess;  // for kNotOpen
 
-    bool Number(size_t word, uint64_t most, uint64_t* number) {
-        if (ParseNumber(words[word], most, number)) return true;
-        problem = "'" + words[word] + "' is no number within 0 to " + std::to_string(most);
+    bool Number(size_t word, uint64_t least, uint64_t most, uint64_t* number) {
+        if (ParseNumber(words[word], most, number) && *number >= least) return true;
+        problem = "'" + words[word] + "' is no number within " + std::to_string(least) + " to " + std::to_string(most);
+        return false;
+    }
+    // The size of what is read or written.
+    bool Size(size_t word, uint64_t most, uint64_t* size) {
+        if (!Number(word, 1, most, size)) return false;
+        if (!writes || *size >= sizeof value || value >> (8 * *size) == 0) return true;
+        problem = "--write: the value is larger than " + words[word] + " bytes";
         return false;
     }
     // To be called when all words are understood.
     bool Open() {
-        openStatus = hardware.Open();
-        return openStatus == kSuccess;
+        const status_t status = hardware.Open();
+        if (status != kSuccess) SayError("the hardware library", "it can't be opened: " + Reason(status));
+        return status == kSuccess;
     }
 };
 
@@ -113,14 +130,11 @@ void ShowHex(std::span<const uint8_t> bytes, ClOutput& output) {
     output << "\n";
 }
 
-// What an operation gives instead of the library's status.
-constexpr status_t kBadUsage = 0xFFFFFFFF, kNotOpen = 0xFFFFFFFE;
-
 status_t DoCPUID(Request_t& request) {
     uint64_t leaf, subleaf = 0;
-    if (!request.Number(0, UINT32_MAX, &leaf)) return kBadUsage;
-    if (request.words.size() > 1 && !request.Number(1, UINT32_MAX, &subleaf)) return kBadUsage;
-    if (!request.Open()) return kNotOpen;
+    if (!request.Number(0, 0, UINT32_MAX, &leaf)) return kBadUsage;
+    if (request.words.size() > 1 && !request.Number(1, 0, UINT32_MAX, &subleaf)) return kBadUsage;
+    if (!request.Open()) return kTold;
     CPUIDRecord_t record = {};
     record.Eax = static_cast<uint32_t>(leaf);
     record.Ecx = static_cast<uint32_t>(subleaf);
@@ -151,9 +165,9 @@ status_t DoPCI(Request_t& request) {
         return kBadUsage;
     }
     uint64_t offset, size;
-    if (!request.Number(1, kWholeSpace - 1, &offset) || !request.Number(2, kWholeSpace - offset, &size))
+    if (!request.Number(1, 0, kWholeSpace - 1, &offset) || !request.Size(2, kWholeSpace - offset, &size))
         return kBadUsage;
-    if (!request.Open()) return kNotOpen;
+    if (!request.Open()) return kTold;
     const auto location = static_cast<uint32_t>(segment << 16 | function << 13 | device << 8 | bus);
     ClBuffer buffer(static_cast<uint32_t>(size));
     const auto read = offset + size <= kLegacySpace ? PCIRead : PCIExRead;
@@ -164,9 +178,9 @@ status_t DoPCI(Request_t& request) {
 
 status_t DoMemory(Request_t& request) {
     uint64_t address, size;
-    if (!request.Number(0, UINT64_MAX, &address) || !request.Number(1, request.writes ? 8 : kMostBytes, &size))
+    if (!request.Number(0, 0, UINT64_MAX, &address) || !request.Size(1, request.writes ? 8 : kMostBytes, &size))
         return kBadUsage;
-    if (!request.Open()) return kNotOpen;
+    if (!request.Open()) return kTold;
     ClBuffer buffer(static_cast<uint32_t>(size), request.value);
     if (request.writes) return PCIMMIOWriteStored(address, 0, buffer.Get());
     const status_t status = GetSystemTables(address, 0, buffer.Get());
@@ -186,8 +200,8 @@ bool SaysDirection(Request_t& request) {
 
 status_t DoMSR(Request_t& request) {
     uint64_t number;
-    if (!SaysDirection(request) || !request.Number(1, UINT32_MAX, &number)) return kBadUsage;
-    if (!request.Open()) return kNotOpen;
+    if (!SaysDirection(request) || !request.Number(1, 0, UINT32_MAX, &number)) return kBadUsage;
+    if (!request.Open()) return kTold;
     MSRRecord_t record = {};
     record.Cpu = request.cpu == kAnyProcessor ? 0 : request.cpu;
     record.Msr = static_cast<uint32_t>(number);
@@ -204,9 +218,13 @@ status_t DoMSR(Request_t& request) {
 
 status_t DoPort(Request_t& request) {
     uint64_t port, size;
-    if (!SaysDirection(request) || !request.Number(1, UINT16_MAX, &port) || !request.Number(2, 4, &size))
+    if (!SaysDirection(request) || !request.Number(1, 0, UINT16_MAX, &port) || !request.Size(2, 4, &size))
         return kBadUsage;
-    if (!request.Open()) return kNotOpen;
+    if (size == 3) {
+        request.problem = "a port is accessed by 1, 2 or 4 bytes";
+        return kBadUsage;
+    }
+    if (!request.Open()) return kTold;
     ClBuffer buffer(static_cast<uint32_t>(size), request.value);
     if (request.writes) return ConfigureWakeUpTimer(static_cast<uint16_t>(port), buffer.Get());
     const status_t status = ReadWakeupTimer(static_cast<uint16_t>(port), buffer.Get());
@@ -222,7 +240,7 @@ status_t DoACPI(Request_t& request) {
     if (request.out.empty())
         ShowBytes(bytes, request.output);
     else if (!WriteNewFile(request.out, bytes))
-        status = kFailure;
+        status = kTold;
     os_free(table);
     return status;
 }
@@ -244,7 +262,7 @@ status_t DoSegments(Request_t& request) {
 }
 
 status_t DoVersions(Request_t& request) {
-    if (!request.Open()) return kNotOpen;
+    if (!request.Open()) return kTold;
     LibVersion_t library = {};
     status_t status = GetFERROXLibVersion(&library);
     if (status != kSuccess) return status;
@@ -272,41 +290,38 @@ status_t DoVersions(Request_t& request) {
 struct Operation_t {
     std::string_view name;
     size_t leastWords, mostWords;  // behind the name
-    bool canWrite;
+    bool canWrite, takesCpu, takesOut;
     status_t (*run)(Request_t& request);
 };
 constexpr Operation_t kOperations[] = {
-    {"cpuid",    1, 2, false, DoCPUID   },
-    {"pci",      3, 3, false, DoPCI     },
-    {"mem",      2, 2, true,  DoMemory  },
-    {"msr",      2, 2, true,  DoMSR     },
-    {"port",     3, 3, true,  DoPort    },
-    {"acpi",     1, 1, false, DoACPI    },
-    {"segments", 0, 0, false, DoSegments},
-    {"versions", 0, 0, false, DoVersions},
+    {"cpuid",    1, 2, false, true,  false, DoCPUID   },
+    {"pci",      3, 3, false, false, false, DoPCI     },
+    {"mem",      2, 2, true,  false, false, DoMemory  },
+    {"msr",      2, 2, true,  true,  false, DoMSR     },
+    {"port",     3, 3, true,  false, false, DoPort    },
+    {"acpi",     1, 1, false, false, true,  DoACPI    },
+    {"segments", 0, 0, false, false, false, DoSegments},
+    {"versions", 0, 0, false, false, false, DoVersions},
 };
-
-std::string Reason(status_t status) {
-    return std::string(WordsOf(status)) + " (status " + std::to_string(status) + "); most hardware needs root";
-}
 
 }  // namespace
 
 int RunHardware(const Arguments_t& arguments) {
     std::vector<std::string> words;
-    std::string cpuName, valueName, out;
+    std::string cpuName, valueName, out, trace;
     bool yes = false;
     const Option_t options[] = {
-        {"operation", "OPERATION", "The operation, and what it needs", &words,                 true},
-        {"--cpu",           "N",                "Processor number, from 0 (any if absent)",                                     &cpuName },
-        {"--out",           "FILE",                "Write an ACPI table into this new file",                                  &out},
-        {"--write",           "VALUE",              "Write VALUE instead of reading",                               &valueName        },
-        {"--yes-write-hardware",           nullptr, "Yes, write to the hardware",                  &yes   },
+        {"operation",            "OPERATION", "The operation, and what it needs",                                &words,     true },
+        {"--cpu",                "N",         "Processor number, from 0 (if absent cpuid takes any, and msr 0)", &cpuName,   false},
+        {"--out",                "FILE",      "Write an ACPI table into this new file",                          &out,       false},
+        {"--write",              "VALUE",     "Write VALUE instead of reading",                                  &valueName, false},
+        {"--yes-write-hardware", nullptr,     "Yes, write to the hardware",                                      &yes,       false},
+        {"--trace",              "SPEC",      kTraceHelp,                                                        &trace,     false},
     };
     int exitCode = kExitDone;
-    if (!ParseCommandLine(kUsage, options, arguments, &exitCode)) return exitCode;
+    if (!ParseCommandLine(kHardwareUsage, options, arguments, &exitCode)) return exitCode;
     const auto badUsage = [&](const std::string& problem) {
-        SayBadUsage(kUsage, problem, &exitCode);
+        SayBadUsage(kHardwareUsage, problem, &exitCode);
         return exitCode;
     };
     const Operation_t* operation = std::ranges::find(kOperations, words.front(), &Operation_t::name);
@@ -316,6 +331,9 @@ int RunHardware(const Arguments_t& arguments) {
     request.out = out;
     if (request.words.size() < operation->leastWords || request.words.size() > operation->mostWords)
         return badUsage(words.front() + " takes other arguments");
+    if ((!cpuName.empty() && !operation->takesCpu) || (!out.empty() && !operation->takesOut))
+        return badUsage(words.front() + " has no use for " +
+                        (operation->takesCpu || cpuName.empty() ? "--out" : "--cpu"));
     uint64_t cpu = kAnyProcessor;
     if (!cpuName.empty() && !ParseNumber(cpuName, kAnyProcessor - 1, &cpu))
         return badUsage("--cpu: '" + cpuName + "' is no processor number");
@@ -325,13 +343,10 @@ int RunHardware(const Arguments_t& arguments) {
     if (request.writes && !ParseNumber(valueName, UINT64_MAX, &request.value))
         return badUsage("--write: '" + valueName + "' is no number");
     if (request.writes != yes) return badUsage("writing takes both --write VALUE and --yes-write-hardware");
+    if (!BeginTrace(kHardwareUsage, trace, &exitCode)) return exitCode;
     const status_t status = operation->run(request);
     if (status == kBadUsage) return badUsage(request.problem);
-    if (status == kNotOpen) {
-        SayError("the hardware library", "it can't be opened: " + Reason(request.openStatus));
-        return kExitNo;
-    }
     const bool isWritten = output.Finish();
-    if (status != kSuccess) SayError("hw " + words.front(), Reason(status));
+    if (status != kSuccess && status != kTold) SayError("hw " + words.front(), Reason(status));
     return status == kSuccess && isWritten ? kExitDone : kExitNo;
 }

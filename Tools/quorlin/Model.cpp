@@ -56,7 +56,7 @@ bool ChooseTypes(const Usage_t& usage, std::span<const std::string> names, std::
     for (const std::string& name : names) {
         uint64_t type;
         if (!ParseNumber(name, 254, &type))
-            return SayBadUsage(usage, "--type: '" + name + "' is not within 0 to 254", exitCode);
+            return SayBadUsage(usage, "'" + name + "' is no structure type from 0 to 254", exitCode);
         types->push_back(static_cast<uint8_t>(type));
     }
     return true;

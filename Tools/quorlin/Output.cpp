@@ -49,7 +49,7 @@ void ClOutput::Flush() {
 bool ClOutput::Finish() {
     if (!m_text.empty()) Flush();
     if (!m_failed || m_error == EPIPE) return true;
-    SayError("standard output", std::strerror(m_error));
+    SayError("standard output", std::string(std::strerror(m_error)) + "; try another place for the output");
     return false;
 }
 
@@ -86,13 +86,14 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output) {
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
     std::FILE* file = CreateNewFile(path);
     if (file == nullptr) {
-        SayError(path, errno == EEXIST ? std::string("exists already, and a dump overwrites nothing; try another name")
+        SayError(path, errno == EEXIST ? std::string("exists already, and nothing is overwritten; try another name")
                                        : std::string(std::strerror(errno)) + "; try another name");
         return false;
     }
     const bool isWritten = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     const int problem = errno;
     if (std::fclose(file) == 0 && isWritten) return true;
-    SayError(path, std::string(std::strerror(isWritten ? errno : problem)) + "; the file is not whole");
+    SayError(path,
+             std::string(std::strerror(isWritten ? errno : problem)) + "; the file is not whole, so try another place");
     return false;
 }

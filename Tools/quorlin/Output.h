@@ -8,7 +8,7 @@
 #include "Tools/quorlin/CommandLine.h"
 
 inline constexpr int kExitDone = 0;
-inline constexpr int kExitNoTable = 1;  // no table, an unreadable one, or output that can't be written
+inline constexpr int kExitNoTable = 1;
 inline constexpr int kExitUsage = 2;
 // Commands that answer a question tell the answer by 0 and 1, and trouble apart from it.
 inline constexpr int kExitNo = 1;
@@ -56,6 +56,7 @@ class ClOutput {
 
 // "quorlin: SUBJECT: MESSAGE" on standard error.
 void SayError(std::string_view subject, std::string_view message);
+inline constexpr char kOutOfMemory[] = "out of memory; try again with more, or a smaller table";
 
 // Sixteen bytes a line: the offset, hexadecimal, and what of it is ASCII.
 void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);

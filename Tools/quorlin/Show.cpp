@@ -9,9 +9,7 @@
 #include "Tools/quorlin/Table.h"
 #include "Tools/quorlin/Text.h"
 
-namespace {
-
-constexpr Usage_t kUsage = {
+constexpr Usage_t kShowUsage = {
     "quorlin",
     "Shows what a machine's SMBIOS table says, structure by structure: this machine's, or a table image's.",
     "Commands (quorlin COMMAND --help tells more):\n"
@@ -27,7 +25,10 @@ constexpr Usage_t kUsage = {
     "\n"
     "Example: quorlin --image table.bin --type 4 --type 17\n"
     "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
+    kExitNoTable,
 };
+
+namespace {
 
 constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv, Format_t::kLines};
 
@@ -67,14 +68,15 @@ void ShowText(const Structure_t& structure, ClColumns& columns) {
 }
 
 // Tells of structures that a sweep leaves out and that have items all the same.
-void TellOfLeftOut(ClOutput& output) {
+void TellOfLeftOut(ClOutput& output, ClColumns& columns) {
     constexpr uint8_t kOnDemand = 148;
     uint8_t** records = nullptr;
     uint32_t count = 0;
     if (GetSMBIOSStrutureFrom(kOnDemand, 0, &records, &count) != kSuccess || count == 0) return;
     os_free(records);
-    output << "\nNot shown: " << std::to_string(count) << (count == 1 ? " structure" : " structures")
-           << " of type 148, firmware versions; see them with --type 148\n";
+    output << "\n";
+    columns.Line(0, "Not shown: " + std::to_string(count) + (count == 1 ? " structure" : " structures") +
+                        " of type 148, firmware versions; see them with --type 148");
 }
 
 void WriteItems(const Structure_t& structure, ClJson& json) {
@@ -142,7 +144,7 @@ int RunShow(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text";
     std::vector<std::string> typeNames;
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
     options.push_back(
         {"--format", "FORMAT", "text (for people), json, ndjson, csv, or lines (one item a line)", &formatName});
@@ -151,25 +153,25 @@ int RunShow(const Arguments_t& arguments) {
     int exitCode = kExitDone;
     Format_t format;
     std::vector<uint8_t> types;
-    if (!ParseCommandLine(kUsage, options, arguments, &exitCode)) return exitCode;
+    if (!ParseCommandLine(kShowUsage, options, arguments, &exitCode)) return exitCode;
     ClOutput output;
     if (wantsVersion) {
         output << "quorlin " QUORLIN_VERSION "\n";
-        return output.Finish() ? kExitDone : kExitNoTable;
+        return output.Finish() ? kExitDone : kShowUsage.trouble;
     }
-    if (!source.Check(kUsage, &exitCode) || !ChooseFormat(kUsage, formatName, kFormats, &format, &exitCode) ||
-        !CheckFleet(kUsage, source, format, &exitCode) || !ChooseTypes(kUsage, typeNames, &types, &exitCode))
+    if (!source.Check(kShowUsage, &exitCode) || !ChooseFormat(kShowUsage, formatName, kFormats, &format, &exitCode) ||
+        !CheckFleet(kShowUsage, source, format, &exitCode) || !ChooseTypes(kShowUsage, typeNames, &types, &exitCode))
         return exitCode;
     if (types.empty()) types = SweptTypes();
     ClJson json(output);
-    exitCode = RunOnTables(source, format, kExitNoTable, json, [&](ClTable& table) {
+    exitCode = RunOnTables(source, format, kShowUsage.trouble, json, [&](ClTable& table) {
         if (format == Format_t::kLines) {
             ShowLines(table.Package(), types, output);
         } else if (format == Format_t::kText) {
             ClColumns columns(output);
             VisitStructures(table.Package(), types,
                             [&](const Structure_t& structure) { ShowText(structure, columns); });
-            if (typeNames.empty()) TellOfLeftOut(output);
+            if (typeNames.empty()) TellOfLeftOut(output, columns);
         } else if (format == Format_t::kCsv) {
             ClCsv csv(output);
             csv.ItemHead();
@@ -179,5 +181,5 @@ int RunShow(const Arguments_t& arguments) {
         }
         return kExitDone;
     });
-    return output.Finish() ? exitCode : kExitNoTable;
+    return output.Finish() ? exitCode : kShowUsage.trouble;
 }

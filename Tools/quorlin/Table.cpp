@@ -5,7 +5,6 @@
 #include <cstring>
 #include <new>
 
-#include "Packages/Debug/Debug.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Platform/Platform.h"
@@ -14,20 +13,45 @@
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Progress.h"
 #include "Tools/quorlin/Recover.h"
+#include "Tools/quorlin/Trace.h"
 
 namespace {
 
 constexpr DWORD kRawSMBIOSProvider = 0x52534D42;
 constexpr uint8_t kNoSweep = 127;  // a preset type, so that a package decodes only what it is asked for
 
+// What this machine's operations did while it was brought up, which the store doesn't tell.
+struct Watched_t {
+    const MachineServices_t* machine;
+    bool isOpen;
+    const char* road;  // that gave the table
+};
+Watched_t watched = {};
+
+status_t OpenWatched() {
+    const status_t status = watched.machine->FERROXInitialize();
+    watched.isOpen = status == kSuccess;
+    return status;
+}
+
+status_t ByFirmware(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    watched.road = "by the system's firmware-table call";
+    return watched.machine->osGetStructuresDataEFI(entry, dmiEntry, image);
+}
+
+// The road that is tried last.
+status_t ByScan(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    watched.road = "by the scan of its memory";
+    return watched.machine->osGetStructuresDataNonEFI(entry, dmiEntry, image);
+}
+
 // Why this machine gives no table, in words that say what to try.
 std::string WhyNoTable(const Source_t& source) {
-    if (source.driver || source.scan) {
-        if (ThisMachine()->FERROXInitialize() != kSuccess)
-            return "its driver isn't to be had; try as root, or --no-driver";
-        ThisMachine()->FERROXTerminate();
-        if (source.scan) return "the scan of its memory finds no table; try without --road";
-    }
+    if (source.driver && !watched.isOpen) return "its driver isn't to be had; try as root, or --no-driver";
+    if (source.scan)
+        return std::string(watched.isOpen ? "the scan of its memory finds no table, or may not read it"
+                                          : "its driver isn't to be had") +
+               "; try as root, or without --road";
     if (GetSystemFirmwareTable(kRawSMBIOSProvider, 0, nullptr, 0) == 0 && GetLastError() == ERROR_ACCESS_DENIED)
         return "reading the SMBIOS table needs more rights; try as root";
     return "no SMBIOS table here; try --sample, or --image FILE";
@@ -77,20 +101,27 @@ class ClNameList {
 
 std::vector<Option_t> Source_t::Options() {
     return {
-        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both; may be given more than once", &images        },
-        {"--image-list",     "FILE",  "Read the images that FILE names, one a line (- for standard input)",          &imageList     },
-        {"--sample",         nullptr, "Take the embedded sample table",                                              &sample        },
-        {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                             &sampleIfNone  },
-        {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                        &driver        },
-        {"--no-driver",      nullptr, "Reach this machine without its driver",                                       &noDriver      },
-        {"--road",           "ROAD",  "How to get this machine's table: firmware (first) or scan (of its memory)",   &roadGiven     },
-        {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells",  &asGiven       },
-        {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                              &versionGiven  },
-        {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",               &signatureGiven},
-        {"--recover",        nullptr, "Look for structures behind a damaged one",                                    &recover       },
-        {"--trace",          "SPEC",  "Trace the libraries' work, as a debug.conf with this line would",             &trace         },
-        {"--verbose",        nullptr, "Say on standard error where a table comes from",                              &verbose       },
+        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both",                             &images        },
+        {"--sample",         nullptr, "Take the embedded sample table",                                             &sample        },
+        {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                            &sampleIfNone  },
+        {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                       &driver        },
+        {"--no-driver",      nullptr, "Reach this machine without its driver",                                      &noDriver      },
+        {"--road",           "ROAD",  "How to get this machine's table: firmware (first) or scan (of its memory)",  &roadGiven     },
+        {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells", &asGiven       },
+        {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                             &versionGiven  },
+        {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",              &signatureGiven},
+        {"--recover",        nullptr, "Look for structures behind a damaged one",                                   &recover       },
+        {"--trace",          "SPEC",  kTraceHelp,                                                                   &trace         },
+        {"--verbose",        nullptr, "Say on standard error where a table comes from",                             &verbose       },
     };
+}
+
+std::vector<Option_t> Source_t::FleetOptions() {
+    std::vector<Option_t> options = Options();
+    options.front().help = "Read a dump, a bare table, or a folder of both; may be given more than once";
+    options.push_back(
+        {"--image-list", "FILE", "Read the images that FILE names, one a line (- for standard input)", &imageList});
+    return options;
 }
 
 bool Source_t::Check(const Usage_t& usage, int* exitCode) {
@@ -112,9 +143,7 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
         return SayBadUsage(usage, "--signature: '" + signatureGiven + "' is no hexadecimal number of 32 bits",
                            exitCode);
     signature = static_cast<uint32_t>(number);
-    if (!trace.empty() && DebugUseConfigText(trace.c_str()) != kSuccess)
-        return SayBadUsage(usage, "--trace: '" + trace + "' is no setting like Global:TraceType<ErWa>", exitCode);
-    return true;
+    return BeginTrace(usage, trace, exitCode);
 }
 
 bool Source_t::CheckOne(const Usage_t& usage, int* exitCode) {
@@ -156,7 +185,7 @@ bool ClTable::UseRecovered(const Source_t& source) {
     return true;
 }
 
-bool ClTable::OpenImage(const Source_t& source, const std::string& path) {
+bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
     m_isImage = true;
     m_name = path;
     m_image.source = {nullptr, 0, source.major, source.minor, source.signature};
@@ -164,19 +193,25 @@ bool ClTable::OpenImage(const Source_t& source, const std::string& path) {
     AddRemark(m_image.Remark());
     UseRecovered(source);
     if (SetImageMachine(&m_image.source) == kSuccess && BringUp()) return true;
-    m_error = "out of memory";
+    throw std::bad_alloc();  // nothing else can be missing
+} catch (const std::bad_alloc&) {
+    m_error = kOutOfMemory;
     return false;
+}
+
+bool ClTable::BringUpWatched(const MachineServices_t* machine) {
+    watched = {machine, false, ""};
+    const MachineServices_t services = {OpenWatched, machine->FERROXTerminate, ByFirmware, ByScan, machine->ReadCPUID};
+    return SetMachine(&services) == kSuccess && BringUp();
 }
 
 // With its driver first, and without it where there is no driver, unless the user chose.
 bool ClTable::BringUpThisMachine(const Source_t& source) {
     if (!source.noDriver) {
-        SetMachine(source.scan ? ThisMachineByScan() : ThisMachine());
-        if (BringUp()) return true;
+        if (BringUpWatched(source.scan ? ThisMachineByScan() : ThisMachine())) return true;
         if (source.driver || source.scan) return false;
     }
-    SetMachine(ThisMachineWithoutDriver());
-    if (!BringUp()) return false;
+    if (!BringUpWatched(ThisMachineWithoutDriver())) return false;
     if (!source.noDriver) SayError(m_name, "its driver isn't to be had; read without it");
     return true;
 }
@@ -250,7 +285,7 @@ std::string ClTable::Form() const {
     std::string form = m_isSample  ? std::string("the embedded sample")
                        : m_isImage ? "as " + std::string(NameOfForm(m_image.form)) +
                                          (m_image.isCompressed ? ", compressed with gzip" : "")
-                                   : std::string("by the system's firmware-table call");
+                                   : std::string(watched.road);
     form += ", SMBIOS " + std::to_string(Major()) + "." + std::to_string(Minor());
     if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
     return form;

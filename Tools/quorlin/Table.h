@@ -24,8 +24,9 @@ struct Source_t {
     uint8_t major = 3, minor = 0;  // of a bare table
     uint32_t signature = 0;        // of an image's processor
 
-    // The options that fill this.
+    // The options that fill this: for a command that takes one table only, and for one that takes many.
     std::vector<Option_t> Options();
+    std::vector<Option_t> FleetOptions();
     // Checks what was given as a whole. As ParseCommandLine when it is bad.
     bool Check(const Usage_t& usage, int* exitCode);
     // The same for a command that takes one table only.
@@ -69,6 +70,7 @@ class ClTable {
     bool OpenImage(const Source_t& source, const std::string& path);
     bool OpenThisMachine(const Source_t& source);
     bool BringUpThisMachine(const Source_t& source);
+    bool BringUpWatched(const MachineServices_t* machine);
     bool UseSample(const Source_t& source);
     bool UseRecovered(const Source_t& source);
     bool BringUp();

@@ -10,14 +10,15 @@
 #include "Tools/quorlin/Text.h"
 #include "Tools/quorlin/Walk.h"
 
-namespace {
-
-constexpr Usage_t kUsage = {
+constexpr Usage_t kTypesUsage = {
     "quorlin types",
     "Lists the structure types of a table, with their counts and titles.",
     "Example: quorlin types --image table.bin\n"
     "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
+    kExitNoTable,
 };
+
+namespace {
 
 constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv};
 
@@ -87,17 +88,17 @@ void ListJson(const std::vector<TypeCount_t>& types, const ClTable& table, ClJso
 int RunTypes(const Arguments_t& arguments) {
     Source_t source;
     std::string formatName = "text";
-    std::vector<Option_t> options = source.Options();
+    std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
     int exitCode = kExitDone;
     Format_t format;
-    if (!ParseCommandLine(kUsage, options, arguments, &exitCode) || !source.Check(kUsage, &exitCode) ||
-        !ChooseFormat(kUsage, formatName, kFormats, &format, &exitCode) ||
-        !CheckFleet(kUsage, source, format, &exitCode))
+    if (!ParseCommandLine(kTypesUsage, options, arguments, &exitCode) || !source.Check(kTypesUsage, &exitCode) ||
+        !ChooseFormat(kTypesUsage, formatName, kFormats, &format, &exitCode) ||
+        !CheckFleet(kTypesUsage, source, format, &exitCode))
         return exitCode;
     ClOutput output;
     ClJson json(output);
-    exitCode = RunOnTables(source, format, kExitNoTable, json, [&](ClTable& table) {
+    exitCode = RunOnTables(source, format, kTypesUsage.trouble, json, [&](ClTable& table) {
         const std::vector<TypeCount_t> types = CountTypes(table);
         if (format == Format_t::kText)
             ListText(types, output);
@@ -107,5 +108,5 @@ int RunTypes(const Arguments_t& arguments) {
             ListJson(types, table, json);
         return kExitDone;
     });
-    return output.Finish() ? exitCode : kExitNoTable;
+    return output.Finish() ? exitCode : kTypesUsage.trouble;
 }

@@ -87,6 +87,6 @@ status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std:
     }
     const char* advice = problem == EACCES   ? "; try as root, or with a copy that you may read"
                          : problem == ENOENT ? "; try another name"
-                                             : "";
+                                             : "; try another file";
     return Fail(std::string(std::strerror(problem)) + advice, error);
 }

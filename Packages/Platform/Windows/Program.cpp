@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #include "Packages/Platform/Platform.h"
 
@@ -55,7 +56,9 @@ bool IsFolder(const std::string& path) {
 
 void PrepareStandardOutput() {
     _setmode(_fileno(stdout), _O_BINARY);
-    SetConsoleOutputCP(CP_UTF8);
+    _setmode(_fileno(stderr), _O_BINARY);
+    static const UINT before = GetConsoleOutputCP();
+    if (SetConsoleOutputCP(CP_UTF8)) std::atexit([] { SetConsoleOutputCP(before); });
 }
 
 bool IsStandardOutputTerminal() { return _isatty(_fileno(stdout)) != 0; }
