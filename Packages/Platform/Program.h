@@ -15,7 +15,7 @@ std::FILE* OpenFile(const std::string& path, const char* mode);
 // is anything of that name, a link included.
 std::FILE* CreateNewFile(const std::string& path);
 bool IsFolder(const std::string& path);
-// From here on bytes reach standard output as they are written; a console takes them as UTF-8.
+// From here on bytes reach standard output and standard error as they are written; a console takes them as UTF-8.
 void PrepareStandardOutput();
 bool IsStandardOutputTerminal();
 bool IsStandardErrorTerminal();

@@ -78,7 +78,10 @@ TEST(Structures, ReadAsListed) {
         std::istringstream words(listing.substr(0, head));
         words >> std::setbase(0);
         unsigned type = 0, length = 0, value = 0;
-        words >> type >> length;
+        TestMachine_t machine;
+        words >> type;
+        if (words.peek() == '@') words.ignore() >> machine.signature;
+        words >> length;
         ClStructureBuilder structure(static_cast<uint8_t>(type), static_cast<uint8_t>(length));
         for (unsigned offset = 4; offset < length; offset++) structure.Byte(offset, static_cast<uint8_t>(offset));
         char equals = 0;
@@ -92,7 +95,7 @@ TEST(Structures, ReadAsListed) {
             text << "string " << std::hex << std::uppercase << std::setfill('0') << std::setw(2) << number << 'h';
             structure.Strings({text.str()});
         }
-        EXPECT_EQ(Decode(structure).Lines(), listing.substr(head + 1, end - head));
+        EXPECT_EQ(Decode(structure, machine).Lines(), listing.substr(head + 1, end - head));
     }
     EXPECT_GT(count, 40u);
 }

@@ -1,4 +1,5 @@
-// The decoder of type 148: its three layouts, its translators, and what one item leaves for those behind it.
+// The decoder of type 148: its translators, and what one item leaves for those behind it. Its layouts stand in
+// Structures.txt.
 #include <gtest/gtest.h>
 
 #include "Sources/Decoders.h"
@@ -132,49 +133,6 @@ TEST(Type148Translators, MakeTextPrintable) {
     EXPECT_EQ(ClSMBIOSType148::GetPrintableString("a\x01\x1F ~\x7F\x80\xFF\nb\""), "a   ~    b\"");
 }
 
-// A structure whose every string number names a string, which tells the byte that it stands in.
-ClStructureBuilder EachByteNamed(uint8_t from, uint8_t length) {
-    ClStructureBuilder structure(148, length);
-    for (uint8_t offset = from; offset < length; offset++) structure.String(offset, std::to_string(offset));
-    return structure;
-}
-
-TEST(Type148, BoardLayoutShowsEachField) {
-    for (const uint32_t signature : {kMrn, kDnm, kNoFamily}) {
-        const ClItems items = DecodeOn(signature, {EachByteNamed(5, 36).Byte(4, 2)});
-        EXPECT_EQ(items.Count(), 32u);
-        for (size_t index = 1; index < 32; index++) EXPECT_EQ(items[index].value, std::to_string(index + 4));
-    }
-    // Fields without a string, those behind the length among them.
-    const ClItems shorter = DecodeOn(
-        kNoFamily,
-        {ClStructureBuilder(148, 7).Byte(4, 2).String(5, std::string("v\x80").append(150, '1')).String(6, "\x01 2")});
-    EXPECT_EQ(shorter.Count(), 32u);
-    EXPECT_EQ(shorter.Text("OMFI"), std::string("v ").append(98, '1'));
-    EXPECT_EQ(shorter.Text("BMCFW"), "  2");
-    EXPECT_EQ(shorter.Text("CVXFW"), "None");
-    EXPECT_EQ(shorter.Text("iBMCGOP"), "None");
-}
-
-TEST(Type148, PlatformLayoutShowsEachField) {
-    const std::string expected =
-        kTitle +
-        "GOP=4\nKRN=7\nMTC=6\nuCode=5\nVPCU=10\nPMC=9\nLPCTL=8\nSoC=11\nBoardType=Unknown BOARD (0c)\n"
-        "BoardRev=Unknown FAB (0d)\nCPUFlavor=14\nBIOS=15\nPMIC=ERR\nTouch=17\nSecureBoot=ERR\nBootMode=ERR\n"
-        "Cadrel=ERR\nCPUTurbo=ERR\nMaxCState=ERR\nGfxTurbo=ERR\nS0ix=ERR\nRC6=ERR\n";
-    EXPECT_EQ(DecodeOn(kNoFamily, {EachByteNamed(4, 26)}).Lines(), expected);
-    // No string at all, and no field behind the length: three fields then go out as groups.
-    const std::string nothing =
-        kTitle +
-        "GOP=None\nKRN=None\nMTC=None\nuCode=None\nVPCU=None\nPMC=None\nLPCTL=None\nSoC=None\nBoardType=None\n"
-        "BoardRev=None\nCPUFlavor=None\nBIOS=None\nPMIC=None\nTouch=None\nSecureBoot=None\nBootMode=None\n"
-        "Cadrel=None\nCPUTurbo=None\nMaxCState#GROUPNAME=None\nGfxTurbo=None\nS0ix#GROUPNAME=None\n"
-        "RC6#GROUPNAME=None\n";
-    EXPECT_EQ(DecodeOn(kMrn, {ClStructureBuilder(148, 26)}).Lines(), nothing);
-    EXPECT_EQ(DecodeOn(kMrn, {ClStructureBuilder(148, 4).Strings({"\x01\x01\x01", "\x01\x01\x01\x01\x01"})}).Lines(),
-              nothing);
-}
-
 // The structure with pair `n` added: a key named "Kn" and, unless it is empty, this value.
 ClStructureBuilder WithPair(ClStructureBuilder structure, size_t n, const std::string& value) {
     structure.String(4 + 2 * n, std::string("K").append(std::to_string(n)));
@@ -182,29 +140,6 @@ ClStructureBuilder WithPair(ClStructureBuilder structure, size_t n, const std::s
 }
 
 const ClStructureBuilder kPairs = ClStructureBuilder(148, 56).String(4, "Tar\tvelle");
-
-TEST(Type148, KeyValueLayoutTranslatesByPosition) {
-    const std::vector<std::string> values = {
-        "v\xE9 1", "",  "3",  "4", "5", "6", "7", "8", "9", "10", "2", "4", "1",
-        "1F.02",   "1", "20", "0", "2", "1", "2", "2", "8", "2",  "1", "",
-    };
-    ClStructureBuilder structure = kPairs;
-    for (size_t n = 1; n <= values.size(); n++) structure = WithPair(structure, n, values[n - 1]);
-    const std::string expected =
-        kTitle +
-        "Platform=Tar velle\nK1=v  1\nK2=None\nK3=3\nK4=4\nK5=5\nK6=6\nK7=7\nK8=8\nK9=9\nK10=10\n"
-        "K11=Tarvelle FFD (02)\nK12=FABD (04)\nK13=TVL Notebook (01)\nK14=RUSSET NOOK (02) 1F\n"
-        "K15=ON\nK16=Recovery\nK17=OFF\nK18=Auto\nK19=ON\nK20=ERR\nK21=C2\nK22=Fused\nK23=Auto\n"
-        "K24=ON\nK25=None\n";
-    for (const uint32_t signature : {kTvl, kTvlToo}) EXPECT_EQ(DecodeOn(signature, {structure}).Lines(), expected);
-    // The layout holds whatever its first byte is: 2 is the platform's string here.
-    ClStructureBuilder second = ClStructureBuilder(148, 6).Byte(4, 2).Strings({"first", "second"});
-    EXPECT_EQ(DecodeOn(kTvl, {second}).Lines(), kTitle + "Platform=second\n");
-    EXPECT_EQ(DecodeOn(kTvl, {second.Byte(4, 0)}).Lines(), kTitle + "Platform=Not Available\n");
-    // A value without a key gives no item; a pair that the length cuts has its key alone.
-    EXPECT_EQ(DecodeOn(kTvl, {ClStructureBuilder(148, 9).Byte(7, 1).Byte(8, 1).Strings({"text"})}).Lines(),
-              kTitle + "Platform=Not Available\ntext=None\n");
-}
 
 TEST(Type148, KeyValueLayoutTranslatesThreePairsForNumbersOnly) {
     const std::string longText(150, 'x'), cutText(100, 'x');
