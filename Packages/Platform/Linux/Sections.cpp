@@ -76,7 +76,7 @@ struct Views_t {
     std::map<const void*, View_t> byAddress;
 };
 Views_t& Views() {
-    static Views_t views;
+    static auto& views = *new Views_t;  // outlives every view, also those that a host gives back at its very end
     return views;
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 
 #include "Packages/Platform/Linux/RuntimeFolder.h"
@@ -70,6 +71,20 @@ TEST(Section, AKilledHolderLeavesTheValueOnlyWhileAnotherHolds) {
     EXPECT_EQ(*view, 0u);
     UnmapViewOfFile(view);
     CloseHandle(section);
+}
+
+// A host's last destructors may still close what it holds.
+TEST(SectionDeathTest, AViewMayBeGivenBackWhenTheProgramHasEnded) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";  // a process that hasn't had a view before
+    static uint32_t* view = nullptr;
+    const auto end = [] {
+        std::atexit([] { _exit(UnmapViewOfFile(view) && !IsLeft() ? 7 : 8); });
+        HANDLE section = Create();
+        view = Map(section);
+        CloseHandle(section);
+        std::exit(0);
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(7), "");
 }
 
 TEST(Section, WhatCannotBeIsRefused) {
