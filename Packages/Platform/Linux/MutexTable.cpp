@@ -35,8 +35,8 @@ ClMutexTable* ClMutexTable::Map(int folder) {
     if (file < 0) return nullptr;
     ClMutexTable* table = nullptr;
     struct stat found;
-    if (flock(file, LOCK_EX) == 0 && fstat(file, &found) == 0 &&
-        (found.st_size >= static_cast<off_t>(sizeof *table) || posix_fallocate(file, 0, sizeof *table) == 0)) {
+    if (LockFile(file, LOCK_EX) && fstat(file, &found) == 0 &&
+        (found.st_size >= static_cast<off_t>(sizeof *table) || ReserveSpace(file, sizeof *table) == 0)) {
         void* view = mmap(nullptr, sizeof *table, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
         if (view != MAP_FAILED) table = static_cast<ClMutexTable*>(view);
     }

@@ -1,10 +1,13 @@
 // Named mutexes between threads and processes. Names are fixed, as each stays in the user's table.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -170,6 +173,25 @@ TEST_F(MutexTable, RefusesAFileThatIsNotItsOwn) {
     EXPECT_EQ(write(other, "other", 5), 5);
     close(other);
     EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "another layout";
+}
+
+TEST(RuntimeFolder, ALockIsWaitedForThroughSignals) {
+    const std::string path = testing::TempDir() + "QuorlinLock" + std::to_string(getpid());
+    const auto openFile = [&] { return open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600); };
+    const int file = openFile();
+    ClHolder holder([&] { EXPECT_TRUE(LockFile(openFile(), LOCK_EX)); });
+    struct sigaction action = {};  // without SA_RESTART
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, nullptr);
+    std::thread caller([file] { EXPECT_TRUE(LockFile(file, LOCK_EX)); });
+    for (int i = 0; i < 5; ++i) {
+        Sleep(10);
+        pthread_kill(caller.native_handle(), SIGUSR1);
+    }
+    holder.Kill();
+    caller.join();
+    close(file);
+    std::filesystem::remove(path);
 }
 
 TEST(RuntimeFolder, IsTheUsersAlone) {

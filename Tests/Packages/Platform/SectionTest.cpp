@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <string>
 
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
@@ -71,6 +73,19 @@ TEST(Section, AKilledHolderLeavesTheValueOnlyWhileAnotherHolds) {
     EXPECT_EQ(*view, 0u);
     UnmapViewOfFile(view);
     CloseHandle(section);
+}
+
+// A view of what has no memory behind it would end its reader by a signal.
+TEST(Section, NeedsRoom) {
+    if (!ClFolderOver::IsPossible()) GTEST_SKIP() << "only root can have a /run of its own";
+    const ClFolderOver run("/run", "mode=755,size=64k");
+    run.Write("full", std::string(65536, 'x'));
+    EXPECT_EQ(ErrorOf(Create()), ERROR_DISK_FULL);
+    EXPECT_FALSE(IsLeft());
+    std::filesystem::remove("/run/full");
+    HANDLE section = Create();
+    EXPECT_EQ(ErrorOf(section), 0u);
+    EXPECT_TRUE(CloseHandle(section));
 }
 
 // A host's last destructors may still close what it holds.
