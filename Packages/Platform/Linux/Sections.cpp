@@ -17,6 +17,7 @@
 
 #include "Packages/Platform/Linux/Descriptor.h"
 #include "Packages/Platform/Linux/Handles.h"
+#include "Packages/Platform/Linux/Mutex.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 
 namespace {
@@ -84,6 +85,10 @@ HANDLE CreateUnnamed(size_t size) {
 }
 
 HANDLE CreateNamed(const std::string& name, size_t size) {
+    if (HasUnsharedNames()) {
+        SetLastError(ERROR_NO_SYSTEM_RESOURCES);
+        return nullptr;
+    }
     const ClDescriptor folder(OpenRuntimeFolder());
     if (!folder.IsOpen() || !LockFile(folder.Get(), LOCK_EX)) {
         SetLastError(ERROR_ACCESS_DENIED);
