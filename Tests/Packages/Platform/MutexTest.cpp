@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "Packages/Container/Container.h"
 #include "Packages/Platform/Linux/MutexTable.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
@@ -98,6 +99,41 @@ TEST(Mutex, AKilledHolderLeavesItToTheNext) {
         EXPECT_FALSE(ReleaseMutex(mutex));
     }
     CloseHandle(mutex);
+}
+
+// Once told to, holds the container's lock for ever.
+std::atomic<bool> toHold = false, isHeld = false;
+int32_t CompareOrHold(const void* first, const void* second) {
+    for (isHeld = toHold.load(); toHold;) pause();
+    return *static_cast<const int32_t*>(first) - *static_cast<const int32_t*>(second);
+}
+
+TEST(Mutex, AContainersKilledHolderLeavesItToTheNext) {
+    for (const uint32_t kind : {kSortedList, kRedBlackTree, kAVLTree}) {
+        ContainerParams_t params{"QuorlinMutexTest", kind, kOwnData, 0, CompareOrHold, nullptr};
+        ContainerHandle_t container = nullptr;
+        ASSERT_EQ(InitContainer(&params, &container, 0), kSuccess);
+        int32_t first = 1, second = 2;
+        EXPECT_EQ(Insert(container, &first), kSuccess);
+        ClHolder holder([&] {
+            toHold = true;
+            std::thread([&] { Insert(container, &second); }).detach();
+            while (!isHeld) Sleep(1);
+        });
+        std::atomic<status_t> once = 0, again = 0;
+        std::thread waiting([&] {
+            once = Insert(container, &second);
+            again = Insert(container, &second);
+        });
+        Sleep(50);
+        EXPECT_EQ(once, 0u) << kind << " doesn't wait";
+        holder.Kill();
+        waiting.join();
+        ASSERT_EQ(once, kSuccess) << kind;
+        ASSERT_EQ(again, kSuccess) << kind;
+        for (int32_t* number : {&first, &second, &second}) EXPECT_EQ(DeleteByData(container, number), kSuccess) << kind;
+        EXPECT_EQ(UnInitContainer(container), kSuccess);
+    }
 }
 
 TEST(Mutex, AChildMayUseAnInheritedHandle) {
