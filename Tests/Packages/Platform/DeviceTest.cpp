@@ -2,7 +2,11 @@
 // Tests/Machine; here files stand in for the memory, the MSRs, the PCI functions and the tables.
 #include <cpuid.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sched.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -274,6 +278,31 @@ TEST_F(StandInDevice, MemoryIsMovedAtItsPlaceAndNoFurther) {
         EXPECT_EQ(DataOf(record), c.writes ? data : before.substr(c.place, c.size)) << c.address << " " << c.size;
         EXPECT_EQ(ReadWholeFile("/dev/mem"), after) << c.address << " " << c.size;
     }
+}
+
+// Where the process may not run on the processor.
+TEST_F(StandInDevice, CPUIDOfAForeignProcessorComesFromItsFile) {
+    m_dev->Write("cpu/0/cpuid", "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10\x11\x12");
+    const int result = InChild([this] {
+        sock_filter filter[] = {
+            BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_sched_setaffinity, 0, 1),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        };
+        const sock_fprog program = {4, filter};
+        if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+            return 99;
+        Bytes_t record = Record({0, 0, 0, 0, 0, 2}, 56), beyond = Record({0, 0, 0, 0, 0, 3}, 56);
+        EXPECT_EQ(Send(m_device, kCPUID, record), 0u);
+        EXPECT_EQ(record, Record({0, 0, 0, 0, 0, 0x06050403, 0x0A090807, 0x0E0D0C0B, 0x1211100F}, 56));
+        EXPECT_EQ(Send(m_device, kCPUID, beyond), ERROR_GEN_FAILURE);
+        std::filesystem::remove_all("/dev/cpu");
+        EXPECT_EQ(Send(m_device, kCPUID, record), ERROR_FILE_NOT_FOUND);
+        return HasFailure() ? 1 : 0;
+    });
+    if (result == 99) GTEST_SKIP() << "no filters for system calls in this kernel";
+    EXPECT_EQ(result, 0);
 }
 
 TEST_F(StandInDevice, MSRsAreReadAndWrittenAtTheirNumbers) {
