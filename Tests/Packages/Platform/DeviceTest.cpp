@@ -162,27 +162,29 @@ TEST_F(Device, ImpossibleRequestsAreRefused) {
     const std::string data(16, 'x');
     Bytes_t more = MemoryRecord(0xF0000, 0, data);
     more[20] = 17;
+    constexpr DWORD kWrong = ERROR_INVALID_PARAMETER;
+    // clang-format off
     const struct {
         const char* what;
         DWORD code;
         Bytes_t record;
         DWORD error;
     } kCases[] = {
-        {"more data than there is",                 kReadTables,                                 more,                                                                              ERROR_INSUFFICIENT_BUFFER},
-        {"behind the last address",                 kReadTables,                                 MemoryRecord(~0ull - 4,                                                            0,data), ERROR_INVALID_PARAMETER},
-        {"across the last address",                  kReadRegisters,                                                             MemoryRecord((1ull << 52) - 15,                                                                                                                      0,data), ERROR_INVALID_PARAMETER},
-        {"beyond it by its offset",                                        kWriteStored,                                                                              MemoryRecord((1ull << 52) - 4096,                   4081,data),
-         ERROR_INVALID_PARAMETER},
-        {"no bytes at all",kReadTables,MemoryRecord(0xF0000,0,""), 0},
-        {"PCI at an odd offset",                                         kReadPCI,                                                                    Record({0, 0, 2, 4, 0}),                                                                                                                                                     ERROR_INVALID_PARAMETER},
-        {"PCI of two bytes",                                      kReadPCI,                                                                                Record({0, 0, 0, 2, 0}),                                                                                                                                                                 ERROR_INVALID_PARAMETER                                                                                              },
-        {"PCI beyond its space",                  kReadPCI,Record({0, 0, 256, 4, 0}),ERROR_INVALID_PARAMETER},
-        {"a port of three bytes",                  kReadPort,Record({0, kAnyProcessor, 0x80, 3, 0}),ERROR_INVALID_PARAMETER},
-        {"across the last port",                kWritePort,                                                                  Record({0, kAnyProcessor, 0xFFFF, 2, 0}),                                                                                                                                                                                                                                                    ERROR_INVALID_PARAMETER                                                                                                                                                                                                                                                                                                                                               },
-        {"MSR of no processor",   kReadMSR,                                                                 Record({0, 255, 0x10, 0, 0}),                                                                                                                                                                                                                                                                           ERROR_INVALID_PARAMETER                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                 },
-        {"no timer", kNonTurbo,Record({0, 0xE7, 0, 0, 0}),ERROR_INVALID_PARAMETER},
-        {"the timer's last byte",             kNonTurbo,Record({0, 0xE7, 0xFFFD, 0, 0}),ERROR_INVALID_PARAMETER},
+        {"more data than there is", kReadTables,    more,                                          ERROR_INSUFFICIENT_BUFFER},
+        {"behind the last address", kReadTables,    MemoryRecord(~0ull - 4, 0, data),              kWrong},
+        {"across the last address", kReadRegisters, MemoryRecord((1ull << 52) - 15, 0, data),      kWrong},
+        {"beyond it by its offset", kWriteStored,   MemoryRecord((1ull << 52) - 4096, 4081, data), kWrong},
+        {"no bytes at all",         kReadTables,    MemoryRecord(0xF0000, 0, ""),                  0},
+        {"PCI at an odd offset",    kReadPCI,       Record({0, 0, 2, 4, 0}),                       kWrong},
+        {"PCI of two bytes",        kReadPCI,       Record({0, 0, 0, 2, 0}),                       kWrong},
+        {"PCI beyond its space",    kReadPCI,       Record({0, 0, 256, 4, 0}),                     kWrong},
+        {"a port of three bytes",   kReadPort,      Record({0, kAnyProcessor, 0x80, 3, 0}),        kWrong},
+        {"across the last port",    kWritePort,     Record({0, kAnyProcessor, 0xFFFF, 2, 0}),      kWrong},
+        {"MSR of no processor",     kReadMSR,       Record({0, 255, 0x10, 0, 0}),                  kWrong},
+        {"no timer",                kNonTurbo,      Record({0, 0xE7, 0, 0, 0}),                    kWrong},
+        {"the timer's last byte",   kNonTurbo,      Record({0, 0xE7, 0xFFFD, 0, 0}),               kWrong},
     };
+    // clang-format on
     for (const auto& c : kCases) {
         Bytes_t record = c.record;
         EXPECT_EQ(Send(m_device, c.code, record), c.error) << c.what;
@@ -428,20 +430,21 @@ TEST_F(StandInDevice, FirmwareTablesAreThoseThatTheKernelShows) {
     m_firmware->Write("acpi/tables/HUGE", "");
     std::filesystem::resize_file("/sys/firmware/acpi/tables/HUGE", (64u << 20) + 1);
     std::filesystem::create_directory("/sys/firmware/acpi/tables/FOLD");
+    const std::string answer("\0\3\5\0\5\0\0\0table", 13);
     const struct {
         const char *provider, *name;
         DWORD error;
         std::string table;
     } kCases[] = {
-        {"RSMB", "\0\0\0\0", 0,     std::string("\0\3\5\0\5\0\0\0table", 13)},
-        {"RSMB",      "\1\0\0\0",           ERROR_INVALID_FUNCTION, ""   },
-        {"ACPI",      "MCFG",           0,     kMCFG                         },
-        {"ACPI",      "SSDT",           0,     "the first of several"   },
-        {"ACPI",      "ZZZZ",           ERROR_INVALID_FUNCTION,     ""    },
-        {"ACPI",      "../x",           ERROR_INVALID_FUNCTION,     ""   },
-        {"ACPI",      "a\0b",           ERROR_INVALID_FUNCTION,     ""    },
-        {"ACPI",      "HUGE",           ERROR_INSUFFICIENT_BUFFER,     ""},
-        {"ACPI",      "FOLD",           ERROR_GEN_FAILURE,     ""            },
+        {"RSMB", "\0\0\0\0", 0,                         answer                },
+        {"RSMB", "\1\0\0\0", ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "MCFG",     0,                         kMCFG                 },
+        {"ACPI", "SSDT",     0,                         "the first of several"},
+        {"ACPI", "ZZZZ",     ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "../x",     ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "a\0b",     ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "HUGE",     ERROR_INSUFFICIENT_BUFFER, ""                    },
+        {"ACPI", "FOLD",     ERROR_GEN_FAILURE,         ""                    },
     };
     for (const auto& c : kCases) {
         text.clear();
