@@ -152,13 +152,14 @@ QUORLIN_API status_t ReadCPUID(uint32_t processor, CPUIDRecord_t* record);
 QUORLIN_API status_t CalcFreqNonTurbo(NonTurboRecord_t* record);
 
 // An ACPI table by its four-letter signature, such as "FACP". Needs no driver.
-// table   gets a new block, Size and then the table: the caller's, to be released with os_free
-// Status  1; 4 null; 2 a name that isn't four letters long; 5 no such table; 3
+// table   gets a new block, Size and then the table: the caller's, to be released with os_free. Size is 0 for a table
+//         that went away between the look at its size and the reading
+// Status  1; 4 null; 2 a name that isn't four letters long; 5 no such table, or one that grew meanwhile; 3
 // Source  ACPI specification, system description tables
 QUORLIN_API status_t GetACPITable(const char* name, DataBuffer_t** table);
 // The same into the caller's buffer, or with a null buffer just the size.
 // buffer  Size tells the room behind it and stays as it is
-// size    gets the table's size, also when the buffer is too small, and 0 when there is no such table
+// size    gets the table's size, also when the buffer is too small, and 0 when there is no such table (any more)
 // Status  1; 4 null name or size; 2 as above, or a buffer that is too small; 5 no such table
 QUORLIN_API status_t GetACPITableEx(const char* name, DataBuffer_t* buffer, uint32_t* size);
 
@@ -167,7 +168,7 @@ QUORLIN_API status_t GetACPITableEx(const char* name, DataBuffer_t* buffer, uint
 QUORLIN_API status_t GetPCIExCfgBaseAddr(uint64_t* base, uint32_t location);
 // All PCI segments, in the order of the MCFG table.
 // segments  room for as many entries as the table has, kMaxSegments at most
-// Status    1; 4 null; 5 no MCFG table, or no entry in it; 3
+// Status    1; 4 null; 5 no MCFG table, or no entry in it; 3; 2 the table grew while it was read
 // Source    PCI Firmware Specification, MCFG table
 QUORLIN_API status_t GetSegBusInfo(SegBusInfo_t* segments);
 }
