@@ -128,16 +128,6 @@ class Machine : public testing::Test {
     }
 };
 
-TEST_F(Machine, CPUIDIsTheInstruction) {
-    for (const uint32_t leaf : {0u, 0x80000002u, 0x80000003u}) {
-        uint32_t eax, ebx, ecx, edx;
-        __cpuid_count(leaf, 0, eax, ebx, ecx, edx);
-        CPUIDRecord_t record = {0, leaf, 0, 0, 0};
-        ASSERT_EQ(ReadCPUID(kAnyProcessor, &record), kSuccess);
-        EXPECT_EQ(std::memcmp(&record.Eax, std::vector<uint32_t>{eax, ebx, ecx, edx}.data(), 16), 0) << leaf;
-    }
-}
-
 // Built with the thread sanitizer this also shows that no two threads race.
 TEST_F(Machine, ThreadsAskAtOnce) {
     const std::vector<Function_t> functions = Functions();
@@ -409,16 +399,6 @@ TEST(MachineSharing, TenProcessesAtRandomEndInTime) {
         EXPECT_FALSE(IsLeft("service."));
         EXPECT_FALSE(IsLeft("section."));
     }
-}
-
-TEST(MachineSharing, AKilledProcessKeepsItsCountWhileAnotherHoldsTheSection) {
-    ClHolder killed([] { FERROXInitialize(); });
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    killed.Kill();
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_TRUE(IsLeft("service.")) << "of two users only one has said goodbye";
-    EXPECT_EQ(InChild([] { return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1; }), 0);
-    EXPECT_FALSE(IsLeft("service."));
 }
 
 // Locked down or without rights: the library opens, CPUID is there, and what isn't allowed is refused.
