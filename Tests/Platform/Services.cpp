@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "StandIn.h"  // the platform's own
 #include "Tests/Platform/ScriptedPlatform.h"
-#include "Tests/Platform/StandIn.h"
 
 namespace {
 

@@ -6,7 +6,8 @@
 //            operations expect an open library. On a closed one, each that needs the driver fails with 0 or 5.
 // Status     1 success; 4 a null pointer; 2 an argument out of range; 3 out of memory; 5 failure; 6 not to be had on
 //            this road; 0 the driver refused the request. Null pointers are tested first. Test for 1.
-// Ownership  Records and buffers are the caller's. A read fills the caller's block in place, on status 1 only.
+// Ownership  Records and buffers are the caller's. A read fills the caller's block in place, on status 1 only, except
+//            PCIRead, and PCIExRead under a hypervisor, which may have filled the first bytes before they fail.
 //            What an operation allocates for its caller says so and is released with os_free.
 // Threads    FERROXInitialize and FERROXTerminate order themselves by the named mutex "FERROXLIB", also between the
 //            processes of a session. All others take no lock: any number of threads at once, but none beside the last
@@ -90,11 +91,12 @@ extern "C" {
 // Opens the library, or counts one more use of it: registers and starts the driver's service unless another process
 // has done so or the service loads by itself, opens the device, and tests for a hypervisor.
 // Status  1; 5 when a step fails, all steps before it then being undone; or the status of the hypervisor test, where
-//         the device stays open and the machine's count raised, and the next FERROXInitialize takes over both
+//         the device stays open and the machine's count raised: the next FERROXInitialize takes the device over and
+//         raises the count once more, so that the service outlasts FERROXTerminate
 QUORLIN_API status_t FERROXInitialize();
 // Gives one use back; the last one closes the library.
-// Status  1; 5 on a closed library, or when the service can't be stopped or removed (the library is closed even then);
-//         2 when the device isn't open
+// Status  1; 5 on a closed library, when the service can't be stopped or removed (the library is closed even then), or
+//         when the named lock can't be had (the library stays open); 2 when the device isn't open
 QUORLIN_API status_t FERROXTerminate();
 
 // Versions: that of this library, of the driver, and of the driver's three libraries.
@@ -152,13 +154,14 @@ QUORLIN_API status_t ReadCPUID(uint32_t processor, CPUIDRecord_t* record);
 QUORLIN_API status_t CalcFreqNonTurbo(NonTurboRecord_t* record);
 
 // An ACPI table by its four-letter signature, such as "FACP". Needs no driver.
-// table   gets a new block, Size and then the table: the caller's, to be released with os_free
-// Status  1; 4 null; 2 a name that isn't four letters long; 5 no such table; 3
+// table   gets a new block, Size and then the table: the caller's, to be released with os_free. Size is 0 for a table
+//         that went away between the look at its size and the reading
+// Status  1; 4 null; 2 a name that isn't four letters long; 5 no such table, or one that grew meanwhile; 3
 // Source  ACPI specification, system description tables
 QUORLIN_API status_t GetACPITable(const char* name, DataBuffer_t** table);
 // The same into the caller's buffer, or with a null buffer just the size.
 // buffer  Size tells the room behind it and stays as it is
-// size    gets the table's size, also when the buffer is too small, and 0 when there is no such table
+// size    gets the table's size, also when the buffer is too small, and 0 when there is no such table (any more)
 // Status  1; 4 null name or size; 2 as above, or a buffer that is too small; 5 no such table
 QUORLIN_API status_t GetACPITableEx(const char* name, DataBuffer_t* buffer, uint32_t* size);
 
@@ -167,7 +170,7 @@ QUORLIN_API status_t GetACPITableEx(const char* name, DataBuffer_t* buffer, uint
 QUORLIN_API status_t GetPCIExCfgBaseAddr(uint64_t* base, uint32_t location);
 // All PCI segments, in the order of the MCFG table.
 // segments  room for as many entries as the table has, kMaxSegments at most
-// Status    1; 4 null; 5 no MCFG table, or no entry in it; 3
+// Status    1; 4 null; 5 no MCFG table, or no entry in it; 3; 2 the table grew while it was read
 // Source    PCI Firmware Specification, MCFG table
 QUORLIN_API status_t GetSegBusInfo(SegBusInfo_t* segments);
 }

@@ -15,6 +15,8 @@ class ClDescriptor {
     }
     bool IsOpen() const { return m_file >= 0; }
     int Get() const { return m_file; }
+    // The file, which stays open from here on.
+    int Release() { return std::exchange(m_file, -1); }
 
   private:
     int m_file;

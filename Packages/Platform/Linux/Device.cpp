@@ -84,9 +84,25 @@ class ClPin {
     bool m_isPinned = false;
 };
 
+// For a processor that this process may not run on.
+BOOL ReadCPUIDFile(CPUIDRequest_t& request) {
+    const int processor = SystemProcessor(request.Cpu);
+    if (processor < 0) return Fail(ERROR_INVALID_PARAMETER);
+    char path[40];
+    std::snprintf(path, sizeof path, "/dev/cpu/%d/cpuid", processor);
+    const ClDescriptor file(open(path, O_RDONLY | O_CLOEXEC));
+    if (!file.IsOpen()) return FailWithErrno();
+    uint32_t registers[4];
+    const auto place = static_cast<off_t>(uint64_t{request.Ecx} << 32 | request.Eax);
+    const ssize_t got = pread(file.Get(), registers, sizeof registers, place);
+    if (got != sizeof registers) return got < 0 ? FailWithErrno() : Fail(ERROR_GEN_FAILURE);
+    std::memcpy(&request.Eax, registers, sizeof registers);
+    return TRUE;
+}
+
 BOOL ReadCPUIDOn(CPUIDRequest_t& request) {
     ClPin pin;
-    if (!pin.To(request.Cpu)) return FALSE;
+    if (!pin.To(request.Cpu)) return GetLastError() == ERROR_INVALID_PARAMETER ? ReadCPUIDFile(request) : FALSE;
     const uint32_t leaf = request.Eax, subLeaf = request.Ecx;
     __cpuid_count(leaf, subLeaf, request.Eax, request.Ebx, request.Ecx, request.Edx);
     return TRUE;

@@ -11,32 +11,22 @@ void SetLastError(DWORD error) { lastError = error; }
 
 DWORD ErrorFromErrno(int errorNumber) {
     switch (errorNumber) {
-        case 0:
-            return ERROR_SUCCESS;
-        case ENOENT:
-            return ERROR_FILE_NOT_FOUND;
-        case ENOTDIR:
-            return ERROR_PATH_NOT_FOUND;
+        case 0: return ERROR_SUCCESS;
+        case ENOENT: return ERROR_FILE_NOT_FOUND;
+        case ENOTDIR: return ERROR_PATH_NOT_FOUND;
         case EMFILE:
-        case ENFILE:
-            return ERROR_TOO_MANY_OPEN_FILES;
+        case ENFILE: return ERROR_TOO_MANY_OPEN_FILES;
         case EACCES:
         case EPERM:
-        case EROFS:
-            return ERROR_ACCESS_DENIED;
-        case EBADF:
-            return ERROR_INVALID_HANDLE;
-        case ENOMEM:
-            return ERROR_NOT_ENOUGH_MEMORY;
-        case EEXIST:
-            return ERROR_ALREADY_EXISTS;
-        case EINVAL:
-            return ERROR_INVALID_PARAMETER;
+        case EROFS: return ERROR_ACCESS_DENIED;
+        case EBADF: return ERROR_INVALID_HANDLE;
+        case ENOMEM: return ERROR_NOT_ENOUGH_MEMORY;
+        case EEXIST: return ERROR_ALREADY_EXISTS;
+        case ENOSPC: return ERROR_DISK_FULL;
+        case EINVAL: return ERROR_INVALID_PARAMETER;
         case ENOSYS:
-        case EOPNOTSUPP:
-            return ERROR_NOT_SUPPORTED;
-        default:
-            return ERROR_GEN_FAILURE;
+        case EOPNOTSUPP: return ERROR_NOT_SUPPORTED;
+        default: return ERROR_GEN_FAILURE;
     }
 }
 

@@ -2,7 +2,8 @@
 //
 // What lies behind a name is looked up at the first wait, so that creating a mutex that nobody waits for costs no
 // system call. Until then only this process can tell whether a name is in use, and ERROR_ALREADY_EXISTS speaks for
-// this process alone. Where the shared table can't be had, a name works between the threads of the process.
+// this process alone. Where the shared table can't be had or is full, a name works between the threads of the process;
+// named sections, which such a mutex doesn't guard from other processes, can't be created meanwhile.
 #include <pthread.h>
 #include <unistd.h>
 
@@ -16,7 +17,9 @@
 #include <string>
 #include <typeinfo>
 
+#include "Packages/Platform/Linux/Descriptor.h"
 #include "Packages/Platform/Linux/Handles.h"
+#include "Packages/Platform/Linux/Mutex.h"
 #include "Packages/Platform/Linux/MutexTable.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 
@@ -52,19 +55,21 @@ class ClLock {
 // Guards the names and every first look-up.
 std::mutex processLock;
 
+std::atomic<int> unsharedNames = 0;  // names that work in this process only
+
 std::map<std::string, std::weak_ptr<ClLock>>& Names() {
     static auto& names = *new std::map<std::string, std::weak_ptr<ClLock>>;  // outlives every handle
     return names;
 }
 
-ClMutexTable* SharedTable() {
-    static ClMutexTable* const table = [] {
-        const int folder = OpenRuntimeFolder();
-        if (folder < 0) return static_cast<ClMutexTable*>(nullptr);
-        ClMutexTable* mapped = ClMutexTable::Map(folder);
-        close(folder);
-        return mapped;
-    }();
+// Mapped once in each process; what keeps it from being mapped may pass.
+ClMutexTable& SharedTable() {
+    static ClMutexTable table;
+    static pid_t process = 0;
+    if (process == getpid()) return table;
+    table = {};
+    const ClDescriptor folder(OpenRuntimeFolder());
+    if (folder.IsOpen() && table.Map(folder.Get())) process = getpid();
     return table;
 }
 
@@ -72,7 +77,7 @@ pthread_mutex_t* ClLock::Resolve() {
     const std::lock_guard guard(processLock);
     pthread_mutex_t* mutex = m_mutex.load(std::memory_order_relaxed);
     if (mutex != nullptr) return mutex;  // another thread came first
-    if (!m_name.empty() && SharedTable() != nullptr) mutex = SharedTable()->Find(m_name.c_str());
+    if (!m_name.empty()) mutex = SharedTable().Find(m_name.c_str());
     if (mutex == nullptr) {
         m_own = new (std::nothrow) pthread_mutex_t;
         if (m_own != nullptr && !InitRobustMutex(m_own, PTHREAD_PROCESS_PRIVATE)) {
@@ -80,6 +85,7 @@ pthread_mutex_t* ClLock::Resolve() {
             m_own = nullptr;
         }
         mutex = m_own;
+        if (m_own != nullptr && !m_name.empty()) ++unsharedNames;
     }
     m_mutex.store(mutex, std::memory_order_release);
     return mutex;
@@ -88,6 +94,7 @@ pthread_mutex_t* ClLock::Resolve() {
 // A mutex of this process that another thread still holds stays: that thread's list of held mutexes leads through it.
 ClLock::~ClLock() {
     if (m_own == nullptr) return;
+    if (!m_name.empty()) --unsharedNames;
     const int status = pthread_mutex_trylock(m_own);
     if (status != 0 && status != EOWNERDEAD) return;
     if (status == EOWNERDEAD) {
@@ -179,6 +186,8 @@ std::shared_ptr<ClLock> LockOf(const char* name, bool* existed) {
 }
 
 }  // namespace
+
+bool HasUnsharedNames() { return unsharedNames != 0; }
 
 HANDLE CreateMutexA(SECURITY_ATTRIBUTES*, BOOL initialOwner, LPCSTR name) try {
     if (name == nullptr) name = "";

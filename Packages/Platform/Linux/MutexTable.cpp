@@ -9,11 +9,12 @@
 #include <cerrno>
 #include <cstring>
 
+#include "Packages/Platform/Linux/Descriptor.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 
 // A new layout takes a new name, so that old and new programs don't meet in one file.
-static constexpr char kFileName[] = "mutexes-1";
-static constexpr uint64_t kStamp = uint64_t{sizeof(ClMutexTable)} << 32 | 1;
+static constexpr char kFileName[] = "mutexes-2";
+const uint64_t ClMutexTable::kStamp = uint64_t{sizeof(Shared_t)} << 32 | 2;
 
 bool InitRobustMutex(pthread_mutex_t* mutex, int shared) {
     pthread_mutexattr_t attributes;
@@ -30,45 +31,74 @@ void RepairMutex(pthread_mutex_t* mutex) { pthread_mutex_consistent(mutex); }
 
 // The file is set up by whoever finds it without a stamp, under the file's lock. One who dies at that leaves no stamp,
 // and the next one starts over. The space is reserved, as a write into a hole of a full file system would be fatal.
-ClMutexTable* ClMutexTable::Map(int folder) {
-    const int file = OpenPrivateFile(folder, kFileName);
-    if (file < 0) return nullptr;
-    ClMutexTable* table = nullptr;
+bool ClMutexTable::Map(int folder) {
+    ClDescriptor file(OpenPrivateFile(folder, kFileName)), ownFolder(fcntl(folder, F_DUPFD_CLOEXEC, 0));
     struct stat found;
-    if (flock(file, LOCK_EX) == 0 && fstat(file, &found) == 0 &&
-        (found.st_size >= static_cast<off_t>(sizeof *table) || posix_fallocate(file, 0, sizeof *table) == 0)) {
-        void* view = mmap(nullptr, sizeof *table, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-        if (view != MAP_FAILED) table = static_cast<ClMutexTable*>(view);
+    if (!file.IsOpen() || !ownFolder.IsOpen() || !LockFile(file.Get(), LOCK_EX)) return false;
+    Shared_t* shared = nullptr;
+    if (fstat(file.Get(), &found) == 0 &&
+        (found.st_size >= static_cast<off_t>(sizeof *shared) || ReserveSpace(file.Get(), sizeof *shared) == 0)) {
+        void* view = mmap(nullptr, sizeof *shared, PROT_READ | PROT_WRITE, MAP_SHARED, file.Get(), 0);
+        if (view != MAP_FAILED) shared = static_cast<Shared_t*>(view);
     }
-    if (table != nullptr && table->stamp == 0) {
-        table->used = 0;
-        if (InitRobustMutex(&table->claim, PTHREAD_PROCESS_SHARED)) table->stamp = kStamp;
+    if (shared != nullptr && shared->stamp == 0) {
+        shared->used = 0;
+        if (InitRobustMutex(&shared->claim, PTHREAD_PROCESS_SHARED)) shared->stamp = kStamp;
     }
-    if (table != nullptr && table->stamp != kStamp) {
-        munmap(table, sizeof *table);
-        table = nullptr;
+    LockFile(file.Get(), LOCK_UN);  // closing alone would not do it: the mapping holds the file open
+    if (shared == nullptr || shared->stamp != kStamp) {
+        if (shared != nullptr) munmap(shared, sizeof *shared);
+        return false;
     }
-    flock(file, LOCK_UN);  // closing alone would not do it: the mapping holds the file open
-    close(file);
-    return table;
+    m_folder = ownFolder.Release();
+    m_file = file.Release();
+    m_shared = shared;
+    return true;
+}
+
+static struct flock MarkOf(uint32_t slot, short kind) {
+    struct flock mark = {};
+    mark.l_type = kind;
+    mark.l_whence = SEEK_SET;
+    mark.l_start = slot;
+    mark.l_len = 1;
+    return mark;
+}
+
+bool ClMutexTable::Mark(uint32_t slot) const {
+    struct flock mark = MarkOf(slot, F_RDLCK);
+    return fcntl(m_file, F_OFD_SETLK, &mark) == 0;
+}
+
+// The first slot that no process marks, or kSlots. Asked through another descriptor, which all marks are in the way of.
+uint32_t ClMutexTable::UnmarkedSlot() const {
+    const ClDescriptor file(OpenPrivateFile(m_folder, kFileName));
+    for (uint32_t slot = 0; slot < kSlots; ++slot) {
+        struct flock mark = MarkOf(slot, F_WRLCK);
+        if (fcntl(file.Get(), F_OFD_GETLK, &mark) == 0 && mark.l_type == F_UNLCK) return slot;
+    }
+    return kSlots;
 }
 
 pthread_mutex_t* ClMutexTable::Find(const char* name) {
     const size_t size = std::strlen(name) + 1;
-    if (size > sizeof slots[0].name) return nullptr;
-    const int status = pthread_mutex_lock(&claim);
-    if (status == EOWNERDEAD) RepairMutex(&claim);  // a slot half made is not counted in `used`
+    if (m_shared == nullptr || size > sizeof(MutexSlot_t::name)) return nullptr;
+    const int status = pthread_mutex_lock(&m_shared->claim);
+    if (status == EOWNERDEAD) RepairMutex(&m_shared->claim);  // a slot half made has no name yet
     if (status != 0 && status != EOWNERDEAD) return nullptr;
-    pthread_mutex_t* mutex = nullptr;
-    uint32_t i = 0;
-    while (i < used && i < kSlots && std::memcmp(slots[i].name, name, size) != 0) ++i;
-    if (i < used && i < kSlots) {
-        mutex = &slots[i].mutex;
-    } else if (i < kSlots && InitRobustMutex(&slots[i].mutex, PTHREAD_PROCESS_SHARED)) {
-        std::memcpy(slots[i].name, name, size);
-        mutex = &slots[i].mutex;
-        used = i + 1;
+    MutexSlot_t* const slots = m_shared->slots;
+    const uint32_t used = m_shared->used < kSlots ? m_shared->used : kSlots;
+    uint32_t slot = 0;
+    while (slot < used && std::memcmp(slots[slot].name, name, size) != 0) ++slot;
+    const bool isNew = slot == used;
+    if (slot == kSlots) slot = UnmarkedSlot();
+    bool isFound = slot < kSlots && Mark(slot);
+    if (isFound && isNew) {
+        slots[slot].name[0] = '\0';
+        isFound = InitRobustMutex(&slots[slot].mutex, PTHREAD_PROCESS_SHARED);
+        if (isFound) std::memcpy(slots[slot].name, name, size);
+        if (isFound && slot == used) m_shared->used = used + 1;
     }
-    pthread_mutex_unlock(&claim);
-    return mutex;
+    pthread_mutex_unlock(&m_shared->claim);
+    return isFound ? &slots[slot].mutex : nullptr;
 }

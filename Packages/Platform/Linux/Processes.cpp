@@ -29,7 +29,7 @@ struct Orphans_t {
     std::vector<pid_t> processes;
 };
 Orphans_t& Orphans() {
-    static Orphans_t orphans;
+    static auto& orphans = *new Orphans_t;  // outlives every handle, also those that a host closes at its very end
     return orphans;
 }
 

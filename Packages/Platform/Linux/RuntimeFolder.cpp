@@ -1,6 +1,7 @@
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,4 +37,18 @@ int OpenRuntimeFolder() {
     const bool hasUserFolder = access(path, F_OK) == 0;
     std::snprintf(path, sizeof path, hasUserFolder ? "/run/user/%u/quorlin" : "/dev/shm/quorlin-%u", user);
     return OpenPrivateFolder(path);
+}
+
+bool LockFile(int file, int kind) {
+    int result;
+    do result = flock(file, kind);
+    while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+int ReserveSpace(int file, size_t size) {
+    int error;
+    do error = posix_fallocate(file, 0, static_cast<off_t>(size));
+    while (error == EINTR);
+    return error;
 }

@@ -17,19 +17,13 @@
 
 #include "Packages/Platform/Linux/Descriptor.h"
 #include "Packages/Platform/Linux/Handles.h"
+#include "Packages/Platform/Linux/Mutex.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 
 namespace {
 
 constexpr DWORD kUnknownRevision = 1305;
 constexpr WORD kHasDacl = 4, kDaclDefaulted = 8;
-
-bool Lock(int file, int kind) {
-    int result;
-    do result = flock(file, kind);
-    while (result != 0 && errno == EINTR);
-    return result == 0;
-}
 
 // "Global\Name" and "Local\Name" are Name, as there is one folder for each user; the rest of the name may hold no
 // separator. Empty for a name that can't be.
@@ -50,9 +44,10 @@ class ClSectionFile {
     ~ClSectionFile() {
         if (m_name.empty()) return;
         const ClDescriptor folder(OpenRuntimeFolder());
-        if (!folder.IsOpen() || !Lock(folder.Get(), LOCK_EX)) return;
-        if (Lock(m_file.Get(), LOCK_EX | LOCK_NB)) unlinkat(folder.Get(), m_name.c_str(), 0);
-        Lock(m_file.Get(), LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
+        if (!folder.IsOpen() || !LockFile(folder.Get(), LOCK_EX)) return;
+        if (LockFile(m_file.Get(), LOCK_EX | LOCK_NB)) unlinkat(folder.Get(), m_name.c_str(), 0);
+        LockFile(m_file.Get(),
+                 LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
     }
     int Get() const { return m_file.Get(); }
 
@@ -76,7 +71,7 @@ struct Views_t {
     std::map<const void*, View_t> byAddress;
 };
 Views_t& Views() {
-    static Views_t views;
+    static auto& views = *new Views_t;  // outlives every view, also those that a host gives back at its very end
     return views;
 }
 
@@ -90,8 +85,12 @@ HANDLE CreateUnnamed(size_t size) {
 }
 
 HANDLE CreateNamed(const std::string& name, size_t size) {
+    if (HasUnsharedNames()) {
+        SetLastError(ERROR_NO_SYSTEM_RESOURCES);
+        return nullptr;
+    }
     const ClDescriptor folder(OpenRuntimeFolder());
-    if (!folder.IsOpen() || !Lock(folder.Get(), LOCK_EX)) {
+    if (!folder.IsOpen() || !LockFile(folder.Get(), LOCK_EX)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return nullptr;
     }
@@ -100,9 +99,16 @@ HANDLE CreateNamed(const std::string& name, size_t size) {
         SetLastError(ERROR_ACCESS_DENIED);
         return nullptr;
     }
-    const bool isNew = Lock(file.Get(), LOCK_EX | LOCK_NB);
-    if ((isNew && (ftruncate(file.Get(), 0) != 0 || ftruncate(file.Get(), static_cast<off_t>(size)) != 0)) ||
-        !Lock(file.Get(), LOCK_SH)) {
+    const bool isNew = LockFile(file.Get(), LOCK_EX | LOCK_NB);
+    if (isNew) {
+        const int error = ftruncate(file.Get(), 0) != 0 ? errno : ReserveSpace(file.Get(), size);
+        if (error != 0) {
+            unlinkat(folder.Get(), name.c_str(), 0);
+            SetLastError(ErrorFromErrno(error));
+            return nullptr;
+        }
+    }
+    if (!LockFile(file.Get(), LOCK_SH)) {
         FailWithErrno();
         return nullptr;
     }

@@ -33,17 +33,10 @@ struct Record_t {
     char DisplayName[256], Path[512], Group[64], Account[64];
 };
 
-bool Lock(int file, int kind) {
-    int result;
-    do result = flock(file, kind);
-    while (result != 0 && errno == EINTR);
-    return result == 0;
-}
-
 // The folder, locked while this object lives.
 class ClRegister {
   public:
-    ClRegister() : m_folder(OpenRuntimeFolder()), m_isLocked(m_folder.IsOpen() && Lock(m_folder.Get(), LOCK_EX)) {}
+    ClRegister() : m_folder(OpenRuntimeFolder()), m_isLocked(m_folder.IsOpen() && LockFile(m_folder.Get(), LOCK_EX)) {}
     // False with error 5 where there is no folder that only the right user can write.
     bool IsUsable() const { return m_isLocked || Fail(ERROR_ACCESS_DENIED); }
     int Folder() const { return m_folder.Get(); }
@@ -89,7 +82,7 @@ BOOL WriteRecord(int file, const Record_t& record) {
 // Deletes the service's file if it may go: marked, stopped, and no other holder than `file`, whose lock becomes
 // exclusive. True if it went.
 bool DeleteIfDue(int folder, const std::string& name, int file, const Record_t& record) {
-    return record.IsMarkedForDelete != 0 && record.State == SERVICE_STOPPED && Lock(file, LOCK_EX | LOCK_NB) &&
+    return record.IsMarkedForDelete != 0 && record.State == SERVICE_STOPPED && LockFile(file, LOCK_EX | LOCK_NB) &&
            unlinkat(folder, name.c_str(), 0) == 0;
 }
 
@@ -106,7 +99,8 @@ ClDescriptor OpenRegistered(const ClRegister& reg, const std::string& name) {
         const bool isWhole = ReadRecord(file.Get(), &record);
         // A record cut short is one whose writer died; a marked one may have lost its last holder that way.
         if (!isWhole) unlinkat(reg.Folder(), name.c_str(), 0);
-        if (isWhole && !DeleteIfDue(reg.Folder(), name, file.Get(), record) && Lock(file.Get(), LOCK_SH)) return file;
+        if (isWhole && !DeleteIfDue(reg.Folder(), name, file.Get(), record) && LockFile(file.Get(), LOCK_SH))
+            return file;
     }
     SetLastError(ERROR_SERVICE_DOES_NOT_EXIST);
     return ClDescriptor(-1);
@@ -127,7 +121,8 @@ class ClService : public ClObject {
         Record_t record = {};
         if (reg.IsUsable() && ReadRecord(m_file.Get(), &record))
             DeleteIfDue(reg.Folder(), m_name, m_file.Get(), record);
-        Lock(m_file.Get(), LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
+        LockFile(m_file.Get(),
+                 LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
     }
     // The record, for a handle that was opened for `access`; FALSE with the last error set.
     BOOL Read(DWORD access, Record_t* record) const {
@@ -227,7 +222,7 @@ SC_HANDLE CreateServiceA(SC_HANDLE managerHandle, LPCSTR name, LPCSTR displayNam
         unlinkat(reg.Folder(), fileName.c_str(), 0);
         return nullptr;
     }
-    Lock(file.Get(), LOCK_SH);
+    LockFile(file.Get(), LOCK_SH);
     return HandleOf(std::move(file), fileName, access);
 } catch (const std::bad_alloc&) {
     return NoHandle(ERROR_NOT_ENOUGH_MEMORY);

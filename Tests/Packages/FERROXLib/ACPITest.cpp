@@ -49,12 +49,33 @@ TEST_F(ACPI, TableIntoANewBlock) {
     EXPECT_EQ(GetACPITable("FACP", &table), kNoMemory);
     EXPECT_TRUE(Platform().Traced(16, "Error in Memory allocation "));
     ClScriptedPlatform::failAllocationOf = 0;
-    // A table that is another one at the second look.
-    Platform().tableAnswers = {5, 0};
-    EXPECT_EQ(GetACPITable("FACP", &table), kFailure);
-    Platform().tableAnswers = {4, 5};
-    EXPECT_EQ(GetACPITable("FACP", &table), kFailure);
     EXPECT_EQ(table, nullptr);
+}
+
+// The size is what the second look gave, and never more than there is room for.
+TEST_F(ACPI, TableThatChangesBetweenTheLooks) {
+    Platform().tables["FACP"] = {1, 2, 3, 4, 5};
+    const struct {
+        const char* what;
+        UINT first, second;
+        status_t newBlock, ownBlock;
+    } kCases[] = {
+        {"gone",   5, 0, 1, 1},
+        {"shrunk", 5, 4, 1, 1},
+        {"grown",  4, 5, 5, 2},
+    };
+    for (const auto& c : kCases) {
+        DataBuffer_t* table = nullptr;
+        Platform().tableAnswers = {c.first, c.second};
+        EXPECT_EQ(GetACPITable("FACP", &table), c.newBlock) << c.what;
+        EXPECT_EQ(table == nullptr ? ~0u : table->Size, c.newBlock == kSuccess ? c.second : ~0u) << c.what;
+        os_free(table);
+        ClBuffer buffer(c.first);
+        uint32_t size = 99;
+        Platform().tableAnswers = {c.first, c.second};
+        EXPECT_EQ(GetACPITableEx("FACP", buffer.Get(), &size), c.ownBlock) << c.what;
+        EXPECT_EQ(size, c.second) << c.what;
+    }
 }
 
 TEST_F(ACPI, TableIntoTheCallersBuffer) {
@@ -137,13 +158,16 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
     Platform().tables["MCFG"] = MCFG({
         {0xE0000000, 0, 0, 255}
     });
-    Platform().tableAnswers = {60, 0};  // gone at the second look
-    EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
-    EXPECT_TRUE(Platform().Traced(16, "ERROR in OSGetSegBusInfo status =  5"));
+    Platform().tableAnswers = {44, 44, 60};  // grown at the third look
+    EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kBadValue);
+    EXPECT_TRUE(Platform().Traced(16, "ERROR in OSGetSegBusInfo status =  2"));
     ClScriptedPlatform::failAllocationOf = 64;
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kNoMemory);
     ClScriptedPlatform::failAllocationOf = 0;
     EXPECT_EQ(count, 99u);
+    Platform().tableAnswers = {60, 60, 0};  // gone
+    EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
+    EXPECT_EQ(count, 0u);
 }
 
 TEST_F(ACPI, BaseOfALocation) {

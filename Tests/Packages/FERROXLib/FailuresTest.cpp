@@ -48,6 +48,15 @@ bool GoesOnWithout(const std::string& call) {
     return kCalls.contains(call) || call.starts_with("DebugLibInit");
 }
 
+// A table that the second look doesn't find any more is an empty one.
+status_t ReadTable() {
+    DataBuffer_t* table = nullptr;
+    const status_t status = GetACPITable("MCFG", &table);
+    const bool isRead = status == kSuccess && table->Size != 0;
+    os_free(table);
+    return isRead ? kSuccess : kFailure;
+}
+
 }  // namespace
 
 TEST_F(Failures, OfAnyCallUnderAPackage) {
@@ -112,7 +121,6 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
 
 TEST_F(Failures, OfAnyCallUnderARequest) {
     static ClBuffer buffer(9);
-    static DataBuffer_t* table = nullptr;
     static SegBusInfo_t segments;
     static uint64_t base = 0;
     static uint32_t size = 0;
@@ -124,7 +132,7 @@ TEST_F(Failures, OfAnyCallUnderARequest) {
         {"PCIRead across three words",   [] { return PCIRead(0x8000, 0x13, buffer.Get()); },       3},
         {"PCIExRead behind its segment", [] { return PCIExRead(0x8000, 0x103, buffer.Get()); },    4},
         {"GetSystemTables",              [] { return GetSystemTables(0xF0000, 0, buffer.Get()); }, 1},
-        {"GetACPITable",                 [] { return GetACPITable("MCFG", &table); },              2},
+        {"GetACPITable",                 ReadTable,                                                2},
         {"GetACPITableEx",               [] { return GetACPITableEx("MCFG", nullptr, &size); },    1},
         {"GetPCIExCfgBaseAddr",          [] { return GetPCIExCfgBaseAddr(&base, 0x8000); },        3},
         {"GetSegBusInfo",                [] { return GetSegBusInfo(&segments); },                  3},
@@ -137,24 +145,18 @@ TEST_F(Failures, OfAnyCallUnderARequest) {
     Platform().tables["MCFG"] = mcfg;
     const std::string open = Platform().Open();
     for (const auto& request : kRequests) {
-        const auto call = [&request] {
-            const status_t status = request.call();
-            os_free(table);
-            table = nullptr;
-            return status;
-        };
         size_t begun = Platform().calls.size();
-        EXPECT_EQ(call(), kSuccess) << request.what;
+        EXPECT_EQ(request.call(), kSuccess) << request.what;
         const size_t calls = Platform().calls.size() - begun;
         EXPECT_EQ(calls, request.calls) << request.what;
         for (size_t number = 1; number <= calls; ++number) {
             begun = Platform().calls.size();
             Platform().failCall = begun + number;
-            EXPECT_NE(call(), kSuccess) << request.what << ", " << Platform().calls[begun + number - 1];
+            EXPECT_NE(request.call(), kSuccess) << request.what << ", " << Platform().calls[begun + number - 1];
             EXPECT_EQ(Platform().calls.size(), begun + number) << request.what << ": nothing is asked after a failure";
             Platform().failCall = 0;
             EXPECT_EQ(Platform().Open(), open) << request.what;
-            EXPECT_EQ(call(), kSuccess) << request.what;
+            EXPECT_EQ(request.call(), kSuccess) << request.what;
         }
     }
 }

@@ -144,7 +144,7 @@ TEST_F(FrontLife, LastTerminateOfTheProcessClosesTheDriver) {
     EXPECT_EQ(FERROXTerminate(), kFailure);
 }
 
-TEST_F(FrontLife, VersionIsFilledByAFailedOpen) {
+TEST_F(FrontLife, AFailedOpenCountsForNothing) {
     Platform().failCalls = {"RegOpenKeyExA#1"};
     EXPECT_EQ(FERROXInitialize(), kFailure);
     EXPECT_TRUE(Platform().Traced(32, "FERROXInitialize Failure"));

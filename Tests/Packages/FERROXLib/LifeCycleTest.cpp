@@ -246,15 +246,16 @@ TEST_F(LifeCycle, CountNeverFallsBelowZero) {
 }
 
 TEST_F(LifeCycle, InstallPath) {
+    const std::string longest(255, 'p'), noNUL(256, 'p'), tooLong(257, 'p');
     const struct {
         const char* what;
         std::optional<std::string> value;
         status_t status;
     } kCases[] = {
-        {"none",           std::nullopt, 5},
-        { "longest with its NUL", std::string(255,         'p'), 1},
-        { "256 without NUL", std::string(256,         'p'), 1},
-        { "too long", std::string(257,         'p'), 5},
+        {"none",                 std::nullopt, 5},
+        {"longest with its NUL", longest,      1},
+        {"256 without NUL",      noNUL,        1},
+        {"too long",             tooLong,      5},
     };
     for (const auto& c : kCases) {
         Platform().registryPath = c.value;

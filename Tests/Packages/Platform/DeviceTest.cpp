@@ -2,7 +2,11 @@
 // Tests/Machine; here files stand in for the memory, the MSRs, the PCI functions and the tables.
 #include <cpuid.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sched.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -158,27 +162,29 @@ TEST_F(Device, ImpossibleRequestsAreRefused) {
     const std::string data(16, 'x');
     Bytes_t more = MemoryRecord(0xF0000, 0, data);
     more[20] = 17;
+    constexpr DWORD kWrong = ERROR_INVALID_PARAMETER;
+    // clang-format off
     const struct {
         const char* what;
         DWORD code;
         Bytes_t record;
         DWORD error;
     } kCases[] = {
-        {"more data than there is",                 kReadTables,                                 more,                                                                              ERROR_INSUFFICIENT_BUFFER},
-        {"behind the last address",                 kReadTables,                                 MemoryRecord(~0ull - 4,                                                            0,data), ERROR_INVALID_PARAMETER},
-        {"across the last address",                  kReadRegisters,                                                             MemoryRecord((1ull << 52) - 15,                                                                                                                      0,data), ERROR_INVALID_PARAMETER},
-        {"beyond it by its offset",                                        kWriteStored,                                                                              MemoryRecord((1ull << 52) - 4096,                   4081,data),
-         ERROR_INVALID_PARAMETER},
-        {"no bytes at all",kReadTables,MemoryRecord(0xF0000,0,""), 0},
-        {"PCI at an odd offset",                                         kReadPCI,                                                                    Record({0, 0, 2, 4, 0}),                                                                                                                                                     ERROR_INVALID_PARAMETER},
-        {"PCI of two bytes",                                      kReadPCI,                                                                                Record({0, 0, 0, 2, 0}),                                                                                                                                                                 ERROR_INVALID_PARAMETER                                                                                              },
-        {"PCI beyond its space",                  kReadPCI,Record({0, 0, 256, 4, 0}),ERROR_INVALID_PARAMETER},
-        {"a port of three bytes",                  kReadPort,Record({0, kAnyProcessor, 0x80, 3, 0}),ERROR_INVALID_PARAMETER},
-        {"across the last port",                kWritePort,                                                                  Record({0, kAnyProcessor, 0xFFFF, 2, 0}),                                                                                                                                                                                                                                                    ERROR_INVALID_PARAMETER                                                                                                                                                                                                                                                                                                                                               },
-        {"MSR of no processor",   kReadMSR,                                                                 Record({0, 255, 0x10, 0, 0}),                                                                                                                                                                                                                                                                           ERROR_INVALID_PARAMETER                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                 },
-        {"no timer", kNonTurbo,Record({0, 0xE7, 0, 0, 0}),ERROR_INVALID_PARAMETER},
-        {"the timer's last byte",             kNonTurbo,Record({0, 0xE7, 0xFFFD, 0, 0}),ERROR_INVALID_PARAMETER},
+        {"more data than there is", kReadTables,    more,                                          ERROR_INSUFFICIENT_BUFFER},
+        {"behind the last address", kReadTables,    MemoryRecord(~0ull - 4, 0, data),              kWrong},
+        {"across the last address", kReadRegisters, MemoryRecord((1ull << 52) - 15, 0, data),      kWrong},
+        {"beyond it by its offset", kWriteStored,   MemoryRecord((1ull << 52) - 4096, 4081, data), kWrong},
+        {"no bytes at all",         kReadTables,    MemoryRecord(0xF0000, 0, ""),                  0},
+        {"PCI at an odd offset",    kReadPCI,       Record({0, 0, 2, 4, 0}),                       kWrong},
+        {"PCI of two bytes",        kReadPCI,       Record({0, 0, 0, 2, 0}),                       kWrong},
+        {"PCI beyond its space",    kReadPCI,       Record({0, 0, 256, 4, 0}),                     kWrong},
+        {"a port of three bytes",   kReadPort,      Record({0, kAnyProcessor, 0x80, 3, 0}),        kWrong},
+        {"across the last port",    kWritePort,     Record({0, kAnyProcessor, 0xFFFF, 2, 0}),      kWrong},
+        {"MSR of no processor",     kReadMSR,       Record({0, 255, 0x10, 0, 0}),                  kWrong},
+        {"no timer",                kNonTurbo,      Record({0, 0xE7, 0, 0, 0}),                    kWrong},
+        {"the timer's last byte",   kNonTurbo,      Record({0, 0xE7, 0xFFFD, 0, 0}),               kWrong},
     };
+    // clang-format on
     for (const auto& c : kCases) {
         Bytes_t record = c.record;
         EXPECT_EQ(Send(m_device, c.code, record), c.error) << c.what;
@@ -274,6 +280,31 @@ TEST_F(StandInDevice, MemoryIsMovedAtItsPlaceAndNoFurther) {
         EXPECT_EQ(DataOf(record), c.writes ? data : before.substr(c.place, c.size)) << c.address << " " << c.size;
         EXPECT_EQ(ReadWholeFile("/dev/mem"), after) << c.address << " " << c.size;
     }
+}
+
+// Where the process may not run on the processor.
+TEST_F(StandInDevice, CPUIDOfAForeignProcessorComesFromItsFile) {
+    m_dev->Write("cpu/0/cpuid", "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10\x11\x12");
+    const int result = InChild([this] {
+        sock_filter filter[] = {
+            BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_sched_setaffinity, 0, 1),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        };
+        const sock_fprog program = {4, filter};
+        if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+            return 99;
+        Bytes_t record = Record({0, 0, 0, 0, 0, 2}, 56), beyond = Record({0, 0, 0, 0, 0, 3}, 56);
+        EXPECT_EQ(Send(m_device, kCPUID, record), 0u);
+        EXPECT_EQ(record, Record({0, 0, 0, 0, 0, 0x06050403, 0x0A090807, 0x0E0D0C0B, 0x1211100F}, 56));
+        EXPECT_EQ(Send(m_device, kCPUID, beyond), ERROR_GEN_FAILURE);
+        std::filesystem::remove_all("/dev/cpu");
+        EXPECT_EQ(Send(m_device, kCPUID, record), ERROR_FILE_NOT_FOUND);
+        return HasFailure() ? 1 : 0;
+    });
+    if (result == 99) GTEST_SKIP() << "no filters for system calls in this kernel";
+    EXPECT_EQ(result, 0);
 }
 
 TEST_F(StandInDevice, MSRsAreReadAndWrittenAtTheirNumbers) {
@@ -399,20 +430,21 @@ TEST_F(StandInDevice, FirmwareTablesAreThoseThatTheKernelShows) {
     m_firmware->Write("acpi/tables/HUGE", "");
     std::filesystem::resize_file("/sys/firmware/acpi/tables/HUGE", (64u << 20) + 1);
     std::filesystem::create_directory("/sys/firmware/acpi/tables/FOLD");
+    const std::string answer("\0\3\5\0\5\0\0\0table", 13);
     const struct {
         const char *provider, *name;
         DWORD error;
         std::string table;
     } kCases[] = {
-        {"RSMB", "\0\0\0\0", 0,     std::string("\0\3\5\0\5\0\0\0table", 13)},
-        {"RSMB",      "\1\0\0\0",           ERROR_INVALID_FUNCTION, ""   },
-        {"ACPI",      "MCFG",           0,     kMCFG                         },
-        {"ACPI",      "SSDT",           0,     "the first of several"   },
-        {"ACPI",      "ZZZZ",           ERROR_INVALID_FUNCTION,     ""    },
-        {"ACPI",      "../x",           ERROR_INVALID_FUNCTION,     ""   },
-        {"ACPI",      "a\0b",           ERROR_INVALID_FUNCTION,     ""    },
-        {"ACPI",      "HUGE",           ERROR_INSUFFICIENT_BUFFER,     ""},
-        {"ACPI",      "FOLD",           ERROR_GEN_FAILURE,     ""            },
+        {"RSMB", "\0\0\0\0", 0,                         answer                },
+        {"RSMB", "\1\0\0\0", ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "MCFG",     0,                         kMCFG                 },
+        {"ACPI", "SSDT",     0,                         "the first of several"},
+        {"ACPI", "ZZZZ",     ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "../x",     ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "a\0b",     ERROR_INVALID_FUNCTION,    ""                    },
+        {"ACPI", "HUGE",     ERROR_INSUFFICIENT_BUFFER, ""                    },
+        {"ACPI", "FOLD",     ERROR_GEN_FAILURE,         ""                    },
     };
     for (const auto& c : kCases) {
         text.clear();

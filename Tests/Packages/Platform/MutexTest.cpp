@@ -1,16 +1,21 @@
 // Named mutexes between threads and processes. Names are fixed, as each stays in the user's table.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "Packages/Container/Container.h"
 #include "Packages/Platform/Linux/MutexTable.h"
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
@@ -77,7 +82,6 @@ TEST(Mutex, CreationTellsWhetherTheNameIsInUse) {
     CloseHandle(owned);
     EXPECT_EQ(ErrorOf(CreateMutexA(nullptr, FALSE, std::string(kLongestMutexName + 1, 'n').c_str())),
               ERROR_FILENAME_EXCED_RANGE);
-    EXPECT_EQ(ErrorOf(ReleaseMutex(nullptr)), ERROR_INVALID_HANDLE);
 }
 
 TEST(Mutex, AKilledHolderLeavesItToTheNext) {
@@ -95,6 +99,41 @@ TEST(Mutex, AKilledHolderLeavesItToTheNext) {
         EXPECT_FALSE(ReleaseMutex(mutex));
     }
     CloseHandle(mutex);
+}
+
+// Once told to, holds the container's lock for ever.
+std::atomic<bool> toHold = false, isHeld = false;
+int32_t CompareOrHold(const void* first, const void* second) {
+    for (isHeld = toHold.load(); toHold;) pause();
+    return *static_cast<const int32_t*>(first) - *static_cast<const int32_t*>(second);
+}
+
+TEST(Mutex, AContainersKilledHolderLeavesItToTheNext) {
+    for (const uint32_t kind : {kSortedList, kRedBlackTree, kAVLTree}) {
+        ContainerParams_t params{"QuorlinMutexTest", kind, kOwnData, 0, CompareOrHold, nullptr};
+        ContainerHandle_t container = nullptr;
+        ASSERT_EQ(InitContainer(&params, &container, 0), kSuccess);
+        int32_t first = 1, second = 2;
+        EXPECT_EQ(Insert(container, &first), kSuccess);
+        ClHolder holder([&] {
+            toHold = true;
+            std::thread([&] { Insert(container, &second); }).detach();
+            while (!isHeld) Sleep(1);
+        });
+        std::atomic<status_t> once = 0, again = 0;
+        std::thread waiting([&] {
+            once = Insert(container, &second);
+            again = Insert(container, &second);
+        });
+        Sleep(50);
+        EXPECT_EQ(once, 0u) << kind << " doesn't wait";
+        holder.Kill();
+        waiting.join();
+        ASSERT_EQ(once, kSuccess) << kind;
+        ASSERT_EQ(again, kSuccess) << kind;
+        for (int32_t* number : {&first, &second, &second}) EXPECT_EQ(DeleteByData(container, number), kSuccess) << kind;
+        EXPECT_EQ(UnInitContainer(container), kSuccess);
+    }
 }
 
 TEST(Mutex, AChildMayUseAnInheritedHandle) {
@@ -125,6 +164,11 @@ class MutexTable : public testing::Test {
         close(m_folder);
         std::filesystem::remove_all(m_path);
     }
+    ClMutexTable Mapped() const {
+        ClMutexTable table;
+        EXPECT_TRUE(table.Map(m_folder));
+        return table;
+    }
     const std::string m_path;
     int m_folder;
 };
@@ -137,39 +181,98 @@ TEST_F(MutexTable, IsSetUpOnceByProcessesThatStartTogether) {
             processes.push_back(process);
             continue;
         }
-        ClMutexTable* table = ClMutexTable::Map(m_folder);
-        for (int n = 0; table != nullptr && n < 20; ++n) {
-            if (table->Find(std::to_string(n).c_str()) == nullptr) table = nullptr;
-        }
-        _exit(table == nullptr);
+        ClMutexTable table = Mapped();
+        int n = 0;
+        while (n < 20 && table.Find(std::to_string(n).c_str()) != nullptr) ++n;
+        _exit(n != 20);
     }
     for (const pid_t process : processes) {
         int status;
         waitpid(process, &status, 0);
         EXPECT_EQ(status, 0);
     }
-    // 20 names took 20 slots: all others are still to be had, and one more is not.
-    ClMutexTable* table = ClMutexTable::Map(m_folder);
-    ASSERT_NE(table, nullptr);
-    for (uint32_t n = 0; n < ClMutexTable::kSlots; ++n) EXPECT_NE(table->Find(std::to_string(n).c_str()), nullptr) << n;
-    EXPECT_EQ(table->Find("one more"), nullptr);
-    EXPECT_NE(table->Find("7"), nullptr);
-    EXPECT_NE(table->Find("7"), table->Find("77"));
+    // 20 names took 20 slots: another takes the next one.
+    ClMutexTable table = Mapped();
+    std::set<const char*> slots;
+    for (int n = 0; n <= 20; ++n) slots.insert(reinterpret_cast<const char*>(table.Find(std::to_string(n).c_str())));
+    EXPECT_EQ(slots.size(), 21u);
+    EXPECT_EQ(*slots.rbegin() - *slots.begin(), static_cast<std::ptrdiff_t>(20 * sizeof(MutexSlot_t)));
+}
+
+TEST_F(MutexTable, GivesAwayTheSlotsOfTheDeadAndNoOthers) {
+    constexpr int kOthers = ClMutexTable::kSlots - 2;
+    ClMutexTable table = Mapped();
+    const pthread_mutex_t* own = table.Find("own");
+    const auto claim = [](ClMutexTable in, const std::string& name) {
+        int claimed = 0;
+        while (claimed <= kOthers && in.Find((name + std::to_string(claimed)).c_str()) != nullptr) ++claimed;
+        return claimed;
+    };
+    ClHolder living([this] { Mapped().Find("the child's"); });
+    EXPECT_EQ(InChild([&] { return claim(Mapped(), "first") == kOthers ? 0 : 1; }), 0);
+    EXPECT_EQ(claim(table, "second"), kOthers) << "those of the child that has ended";
+    EXPECT_EQ(table.Find("one more"), nullptr);
+    living.Kill();
+    EXPECT_NE(table.Find("one more"), nullptr);
+    EXPECT_EQ(table.Find("own"), own);
+}
+
+// What other processes know nothing of guards nothing that they share.
+TEST(Mutex, ANameWithoutASlotWorksHereAndKeepsSectionsAway) {
+    const int result = InChild([] {
+        const auto section = [] {
+            return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4, "QuorlinMutexTest");
+        };
+        HANDLE last = nullptr;
+        for (uint32_t i = 0; i <= ClMutexTable::kSlots; ++i) {
+            if (last != nullptr) CloseHandle(last);
+            last = CreateMutexA(nullptr, FALSE, ("QuorlinMutexTest" + std::to_string(i)).c_str());
+            EXPECT_EQ(WaitForSingleObject(last, INFINITE), WAIT_OBJECT_0);
+            if (i < ClMutexTable::kSlots) ReleaseMutex(last);
+        }
+        EXPECT_EQ(OnAnotherThread([&] { return WaitForSingleObject(last, 0); }), WAIT_TIMEOUT);
+        EXPECT_EQ(ErrorOf(section()), ERROR_NO_SYSTEM_RESOURCES);
+        EXPECT_TRUE(CloseHandle(last));
+        HANDLE made = section();
+        EXPECT_EQ(ErrorOf(made), 0u);
+        EXPECT_TRUE(CloseHandle(made));
+        return testing::Test::HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(result, 0);
 }
 
 TEST_F(MutexTable, RefusesAFileThatIsNotItsOwn) {
-    ASSERT_NE(ClMutexTable::Map(m_folder), nullptr);
+    ASSERT_TRUE(ClMutexTable().Map(m_folder));
     const std::string file = std::filesystem::directory_iterator(m_path)->path();
     chmod(file.c_str(), 0666);
-    EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "anyone may write it";
+    EXPECT_FALSE(ClMutexTable().Map(m_folder)) << "anyone may write it";
     std::filesystem::rename(file, m_path + "/elsewhere");
     std::filesystem::create_symlink("elsewhere", file);
-    EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "a link";
+    EXPECT_FALSE(ClMutexTable().Map(m_folder)) << "a link";
     std::filesystem::remove(file);
     const int other = OpenPrivateFile(m_folder, std::filesystem::path(file).filename().c_str());
     EXPECT_EQ(write(other, "other", 5), 5);
     close(other);
-    EXPECT_EQ(ClMutexTable::Map(m_folder), nullptr) << "another layout";
+    EXPECT_FALSE(ClMutexTable().Map(m_folder)) << "another layout";
+}
+
+TEST(RuntimeFolder, ALockIsWaitedForThroughSignals) {
+    const std::string path = testing::TempDir() + "QuorlinLock" + std::to_string(getpid());
+    const auto openFile = [&] { return open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600); };
+    const int file = openFile();
+    ClHolder holder([&] { EXPECT_TRUE(LockFile(openFile(), LOCK_EX)); });
+    struct sigaction action = {};  // without SA_RESTART
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, nullptr);
+    std::thread caller([file] { EXPECT_TRUE(LockFile(file, LOCK_EX)); });
+    for (int i = 0; i < 5; ++i) {
+        Sleep(10);
+        pthread_kill(caller.native_handle(), SIGUSR1);
+    }
+    holder.Kill();
+    caller.join();
+    close(file);
+    std::filesystem::remove(path);
 }
 
 TEST(RuntimeFolder, IsTheUsersAlone) {

@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <string>
 
 #include "Packages/Platform/Linux/RuntimeFolder.h"
 #include "Packages/Platform/Platform.h"
@@ -70,6 +73,33 @@ TEST(Section, AKilledHolderLeavesTheValueOnlyWhileAnotherHolds) {
     EXPECT_EQ(*view, 0u);
     UnmapViewOfFile(view);
     CloseHandle(section);
+}
+
+// A view of what has no memory behind it would end its reader by a signal.
+TEST(Section, NeedsRoom) {
+    if (!ClFolderOver::IsPossible()) GTEST_SKIP() << "only root can have a /run of its own";
+    const ClFolderOver run("/run", "mode=755,size=64k");
+    run.Write("full", std::string(65536, 'x'));
+    EXPECT_EQ(ErrorOf(Create()), ERROR_DISK_FULL);
+    EXPECT_FALSE(IsLeft());
+    std::filesystem::remove("/run/full");
+    HANDLE section = Create();
+    EXPECT_EQ(ErrorOf(section), 0u);
+    EXPECT_TRUE(CloseHandle(section));
+}
+
+// A host's last destructors may still close what it holds.
+TEST(SectionDeathTest, AViewMayBeGivenBackWhenTheProgramHasEnded) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";  // a process that hasn't had a view before
+    static uint32_t* view = nullptr;
+    const auto end = [] {
+        std::atexit([] { _exit(UnmapViewOfFile(view) && !IsLeft() ? 7 : 8); });
+        HANDLE section = Create();
+        view = Map(section);
+        CloseHandle(section);
+        std::exit(0);
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(7), "");
 }
 
 TEST(Section, WhatCannotBeIsRefused) {

@@ -24,6 +24,8 @@ TEST(Text, InvalidUtf8TurnsIntoReplacementsWhereWindowsPutsThem) {
         {"spoiled, the spoiler stays",      "\xE2!?",           u"\uFFFD!?"          },
         {"spoiled at the third byte",       "\xE2\x82!",        u"\uFFFD!"           },
         {"cut by the end",                  "a\xE2\x82",        u"a\uFFFD"           },
+        {"cut by the end, a letter too",    "a\xE9Z",           u"a\uFFFD"           },
+        {"not cut, the letters stay",       "a\xE9ZZ",          u"a\uFFFDZZ"         },
     };
     for (const auto& c : kCases) {
         WCHAR wide[16];

@@ -72,8 +72,8 @@ class ClOwnRun : public testing::Environment {
 };
 static testing::Environment* const ownRun = testing::AddGlobalTestEnvironment(new ClOwnRun);
 
-ClFolderOver::ClFolderOver(const char* path) : m_path(path) {
-    EXPECT_TRUE(hasOwnMounts && mount("none", path, "tmpfs", 0, "mode=755") == 0) << path;
+ClFolderOver::ClFolderOver(const char* path, const char* options) : m_path(path) {
+    EXPECT_TRUE(hasOwnMounts && mount("none", path, "tmpfs", 0, options) == 0) << path;
 }
 
 ClFolderOver::~ClFolderOver() {

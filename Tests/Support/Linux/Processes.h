@@ -30,7 +30,7 @@ void SaveCoverage();
 // back when the object goes. Only where the tests have mounts of their own.
 class ClFolderOver {
   public:
-    explicit ClFolderOver(const char* path);
+    explicit ClFolderOver(const char* path, const char* options = "mode=755");
     ClFolderOver(const ClFolderOver&) = delete;
     ClFolderOver& operator=(const ClFolderOver&) = delete;
     ~ClFolderOver();

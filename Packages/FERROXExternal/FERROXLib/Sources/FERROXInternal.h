@@ -106,8 +106,9 @@ status_t OSGetFERROXDriverVersion(uint32_t* version);
 
 inline constexpr uint32_t kDriverPathSize = 256;
 
-// The steps of the two. 1, or 0 on failure; each closes what it opened, but for the service manager, which
-// RegisterDriver opens and RemoveDriver closes.
+// The steps of the two. 1, or 0 on failure; each closes what it opened, but for the service manager: RegisterDriver and
+// StopDriver open it anew and leave it open on success, and RemoveDriver, which opens it where there is none, closes
+// it.
 status_t RegisterDriver();  // also 1 when the service exists
 status_t StartDriver();     // also 1 when it runs; replaces a service whose file is missing
 status_t StopDriver();

@@ -13,7 +13,6 @@ constexpr LibVersion_t kVersion = {"03", "00", "0", "1000"};
 constexpr uint32_t kNoOffset = 65535;
 
 uint32_t instanceCount = 0;
-LibVersion_t libVersion = {};
 // The open library's reference to the lock, so that the named mutex lasts as long as any process has the library open.
 HANDLE lockReference = nullptr;
 
@@ -59,7 +58,6 @@ void CloseTraceHandle() {
 }
 
 status_t OpenLibrary() {
-    libVersion = kVersion;
     if (DebugLibInit("FERROX", &ferroxTraceHandle) != kSuccess) ferroxTraceHandle = nullptr;
     lockReference = CreateMutexA(nullptr, FALSE, kLockName);
     return lockReference == nullptr ? kFailure : OSFERROXInitialize();
@@ -99,7 +97,7 @@ status_t FERROXTerminate() {
 status_t GetFERROXLibVersion(LibVersion_t* version) {
     const ClOperation operation("GetFERROXLibVersion");
     if (version == nullptr) return kNullPointer;
-    *version = libVersion;
+    *version = kVersion;
     TRACE("GetFERROXLibVersion", kParams, "GetFERROXLibVersion:Major = %s Minor = %s Revision = %s Build = %s",
           version->Major, version->Minor, version->Revision, version->Build);
     return kSuccess;

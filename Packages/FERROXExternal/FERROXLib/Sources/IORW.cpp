@@ -98,7 +98,7 @@ status_t OSMMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
     return WriteMemory(kRequestMMIOWriteGPIO, "OSMMIOWriteGPIO", {bar, offset}, buffer);
 }
 
-// The driver reads at Address alone here; Offset goes along for its own use.
+// Address has the offset in it already; the driver doesn't add Offset here.
 status_t OSGetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
     return ReadMemory(kRequestSystemTables, "OSGetSystemTables", {address + offset, offset}, buffer);
 }

@@ -20,12 +20,15 @@ DWORD TableIdentifier(const char* name) {
 
 bool IsTableName(const char* name) { return os_strlen(name) == 4; }
 
-// Fetches the table of `size` bytes; `got` gets their number. False when there is none any more, or it doesn't fit.
-bool FetchTable(const char* name, uint8_t* table, uint32_t size, uint32_t* got) {
-    const UINT answer = GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), table, size);
-    if (answer == 0 || answer > size) return false;
-    *got = answer;
-    return true;
+// Fetches the table into `room` bytes; gives its size, which is beyond the room when it has grown since it was asked
+// for its size (the room then holds nothing), and 0 when there is none any more.
+uint32_t FetchTable(const char* name, uint8_t* table, uint32_t room) {
+    return GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), table, room);
+}
+
+status_t TooSmall() {
+    TRACE("OSGetACPITableEx", kError, " OSGetACPITable Status = 0x%x", kBadValue);
+    return kBadValue;
 }
 
 // Where MCFG's entries begin, and the size of one. Source: PCI Firmware Specification, MCFG table.
@@ -75,7 +78,8 @@ status_t OSGetACPITable(const char* name, DataBuffer_t** table) {
         TRACE("OSGetACPITable", kError, "Error in Memory allocation ");
         return kNoMemory;
     }
-    if (!FetchTable(name, block->Data(), size, &block->Size)) {
+    block->Size = FetchTable(name, block->Data(), size);
+    if (block->Size > size) {
         TRACE("OSGetACPITable", kError, "Error in reading ACPI %s table", name);
         os_free(block);
         return kFailure;
@@ -96,15 +100,9 @@ status_t OSGetACPITableEx(const char* name, DataBuffer_t* buffer, uint32_t* size
         return kFailure;
     }
     if (buffer == nullptr) return kSuccess;
-    if (buffer->Size < *size) {
-        TRACE("OSGetACPITableEx", kError, " OSGetACPITable Status = 0x%x", kBadValue);
-        return kBadValue;
-    }
-    if (!FetchTable(name, buffer->Data(), buffer->Size, size)) {
-        TRACE("OSGetACPITableEx", kError, "Error in reading ACPI %s table", name);
-        return kFailure;
-    }
-    return kSuccess;
+    if (buffer->Size < *size) return TooSmall();
+    *size = FetchTable(name, buffer->Data(), buffer->Size);
+    return *size > buffer->Size ? TooSmall() : kSuccess;
 }
 
 // ---- PCI segments
@@ -116,6 +114,7 @@ status_t OSGetSegBusInfoWithCount(SegBusInfo_t* segments, uint32_t* count) {
     status_t status = OSGetACPITableEx("MCFG", nullptr, &size);
     if (status != kSuccess) {
         std::fputs("Error getting ACPI table size\n", stdout);
+        std::fflush(stdout);  // before what others write past the stream
         return status;
     }
     auto* mcfg = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + size_t{size}));

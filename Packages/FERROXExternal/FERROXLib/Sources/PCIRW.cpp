@@ -66,7 +66,7 @@ status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
 
 // ---- Memory-mapped registers
 
-// The driver reads at Address alone here; Offset goes along for its own use.
+// Address has the offset in it already; the driver doesn't add Offset here.
 status_t OSPCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
     return ReadMemory(kRequestMMIORead, "OSPCIMMIORead", {bar + offset, offset}, buffer);
 }

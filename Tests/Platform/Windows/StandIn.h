@@ -1,14 +1,11 @@
-// How a stand-in takes a system function's place when a test program is linked.
+// How a stand-in takes a system function's place when a test program is linked: callers go through the pointer that the
+// import library would define, so the stand-in defines that pointer.
 //
 //     STAND_IN(BOOL, ReleaseMutex, (HANDLE mutex)) { ... }
-//
-// Off Windows it is the function itself, and the provider isn't linked. On Windows callers go through the pointer that
-// the import library would define, so the stand-in defines that pointer.
 #pragma once
 
 #include "Packages/Platform/Platform.h"
 
-#ifdef _WIN32
 #define STAND_IN(result, name, parameters)                   \
     static result WINAPI Scripted##name parameters;          \
     extern "C" {                                             \
@@ -16,17 +13,9 @@
     decltype(&Scripted##name) __imp_##name = Scripted##name; \
     }                                                        \
     static result WINAPI Scripted##name parameters
-#else
-#define STAND_IN(result, name, parameters) extern "C" result name parameters
-#endif
 
-// The system's own function behind a stand-in, for calls that the language's runtime makes; null where the runtime
-// makes none.
+// The system's own function behind a stand-in, for calls that the language's runtime makes.
 template <typename Function>
-Function* SystemFunction([[maybe_unused]] const char* name) {
-#ifdef _WIN32
+Function* SystemFunction(const char* name) {
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
-#else
-    return nullptr;
-#endif
 }
