@@ -28,13 +28,17 @@ constexpr ULONG_PTR kRead = 0, kWrite = 1, kUnknown = 2, kExecute = 8;
 constexpr ULONG_PTR kStatusEndOfFile = 0xC0000011, kStatusDeviceDataError = 0xC000009C;
 
 // Whether the instruction is one that only the kernel may use: hlt, cli, sti, in, out, and the ones behind 0Fh for
-// control registers and MSRs. The instruction has been fetched, so its first byte can be read.
+// caches, descriptor tables, control registers and MSRs. The instruction has been fetched, so its bytes can be read.
 bool IsPrivileged(const uint8_t* code) {
+    constexpr uint8_t kOperandSize = 0x66, kRepeatNot = 0xF2, kRepeat = 0xF3;
+    while (*code == kOperandSize || *code == kRepeatNot || *code == kRepeat || (*code & 0xF0) == 0x40) code++;
     const uint8_t first = code[0];
     if (first == 0x0F) {
         const uint8_t second = code[1];
+        // lgdt and lidt, which have a memory operand.
+        const bool isTableLoad = second == 0x01 && (code[2] >> 4 == 1 || code[2] >> 4 == 5 || code[2] >> 4 == 9);
         return second == 0x30 || second == 0x32 || (second >= 0x20 && second <= 0x23) || second == 0x06 ||
-               second == 0x08;
+               second == 0x08 || second == 0x09 || isTableLoad;
     }
     return first == 0xF4 || first == 0xFA || first == 0xFB || (first >= 0xE4 && first <= 0xE7) ||
            (first >= 0xEC && first <= 0xEF) || (first >= 0x6C && first <= 0x6F);

@@ -24,16 +24,6 @@ class ClFile : public ClObject {
     ClDescriptor m_file;
 };
 
-int OpenFlags(DWORD disposition) {
-    switch (disposition) {
-        case CREATE_NEW: return O_CREAT | O_EXCL;
-        case CREATE_ALWAYS: return O_CREAT | O_TRUNC;
-        case OPEN_ALWAYS: return O_CREAT;
-        case TRUNCATE_EXISTING: return O_TRUNC;
-        default: return 0;
-    }
-}
-
 // Sharing among those that open files by this provider: who may not be disturbed by writers holds a shared lock, and a
 // writer an exclusive one. A file that isn't a regular one, such as /dev/null, belongs to everybody and isn't locked.
 BOOL LockAsShared(int file, DWORD access, DWORD share) {
@@ -73,25 +63,13 @@ class ClSearch : public ClObject {
     }
 
   private:
-    // What can't be looked at any more is told as an empty file.
+    // What can't be looked at any more is told as a file.
     void Describe(const char* name, WIN32_FIND_DATAA* found) const {
         struct stat facts = {};
         if (fstatat(dirfd(m_folder), name, &facts, 0) != 0) facts = {};
         *found = {};
         found->dwFileAttributes = S_ISDIR(facts.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
-        if (name[0] == '.' && std::strspn(name, ".") != std::strlen(name))
-            found->dwFileAttributes |= FILE_ATTRIBUTE_HIDDEN;
-        found->ftLastWriteTime = FileTime(facts.st_mtim);
-        found->ftLastAccessTime = FileTime(facts.st_atim);
-        found->nFileSizeHigh = static_cast<DWORD>(static_cast<uint64_t>(facts.st_size) >> 32);
-        found->nFileSizeLow = static_cast<DWORD>(facts.st_size);
         std::strncpy(found->cFileName, name, sizeof found->cFileName - 1);
-    }
-
-    // Steps of 100 ns since 1601.
-    static FILETIME FileTime(const timespec& time) {
-        const auto steps = static_cast<uint64_t>((time.tv_sec + 11'644'473'600) * 10'000'000 + time.tv_nsec / 100);
-        return {static_cast<DWORD>(steps), static_cast<DWORD>(steps >> 32)};
     }
 
     DIR* m_folder;
@@ -105,14 +83,14 @@ HANDLE InvalidHandle(DWORD error) {
 
 }  // namespace
 
+// Opens what is there; nothing here makes files.
 HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD, HANDLE) {
-    if (path == nullptr || disposition < CREATE_NEW || disposition > TRUNCATE_EXISTING)
-        return InvalidHandle(ERROR_INVALID_PARAMETER);
+    if (path == nullptr || disposition != OPEN_EXISTING) return InvalidHandle(ERROR_INVALID_PARAMETER);
     if (IsDevicePath(path)) return OpenDevice(access);
     const bool reads = (access & GENERIC_READ) != 0, writes = (access & GENERIC_WRITE) != 0;
     const int mode = writes ? (reads ? O_RDWR : O_WRONLY) : O_RDONLY;
-    ClDescriptor file(open(path, mode | OpenFlags(disposition) | O_CLOEXEC | O_NOCTTY, 0666));
-    if (!file.IsOpen()) return InvalidHandle(errno == EEXIST ? ERROR_FILE_EXISTS : ErrorFromErrno(errno));
+    ClDescriptor file(open(path, mode | O_CLOEXEC | O_NOCTTY));
+    if (!file.IsOpen()) return InvalidHandle(ErrorFromErrno(errno));
     if (!LockAsShared(file.Get(), access, share)) return INVALID_HANDLE_VALUE;
     auto* object = new (std::nothrow) ClFile(std::move(file));
     return object == nullptr ? InvalidHandle(ERROR_NOT_ENOUGH_MEMORY) : object;

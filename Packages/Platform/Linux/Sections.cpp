@@ -46,8 +46,8 @@ class ClSectionFile {
         const ClDescriptor folder(OpenRuntimeFolder());
         if (!folder.IsOpen() || !LockFile(folder.Get(), LOCK_EX)) return;
         if (LockFile(m_file.Get(), LOCK_EX | LOCK_NB)) unlinkat(folder.Get(), m_name.c_str(), 0);
-        LockFile(m_file.Get(),
-                 LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
+        // While the folder is locked, so that of two that close at once one is the last.
+        LockFile(m_file.Get(), LOCK_UN);
     }
     int Get() const { return m_file.Get(); }
 

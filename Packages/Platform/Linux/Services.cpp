@@ -121,8 +121,8 @@ class ClService : public ClObject {
         Record_t record = {};
         if (reg.IsUsable() && ReadRecord(m_file.Get(), &record))
             DeleteIfDue(reg.Folder(), m_name, m_file.Get(), record);
-        LockFile(m_file.Get(),
-                 LOCK_UN);  // while the folder is locked, so that of two that close at once one is the last
+        // While the folder is locked, so that of two that close at once one is the last.
+        LockFile(m_file.Get(), LOCK_UN);
     }
     // The record, for a handle that was opened for `access`; FALSE with the last error set.
     BOOL Read(DWORD access, Record_t* record) const {

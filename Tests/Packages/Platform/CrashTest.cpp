@@ -43,7 +43,7 @@ BARE void Execute() { reinterpret_cast<void (*)()>(Page() + 16)(); }
 BARE void ReadNowhere() { static_cast<void>(*reinterpret_cast<volatile uint8_t*>(0xF000'0000'0000'0000)); }
 BARE void Halt() { __asm__ volatile("hlt"); }
 BARE void ReadMSR() { __asm__ volatile("rdmsr" ::: "eax", "edx"); }
-BARE void ReadPort() { __asm__ volatile("inb $0x80, %%al" ::: "eax"); }
+BARE void ReadPort() { __asm__ volatile("inw $0x80, %%ax" ::: "eax"); }
 BARE void Undefined() { __asm__ volatile("ud2"); }
 BARE void Break() { __asm__ volatile("int3"); }
 BARE void Divide() { __asm__ volatile("xorl %%ecx, %%ecx; movl $1, %%eax; cltd; idivl %%ecx" ::: "eax", "ecx", "edx"); }
