@@ -1,11 +1,9 @@
 // How fields and whole structures read, as two listings beside this file have it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <iomanip>
 #include <map>
 #include <sstream>
-#include <tuple>
 
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
@@ -98,50 +96,6 @@ TEST(Structures, ReadAsListed) {
         EXPECT_EQ(Decode(structure, machine).Lines(), listing.substr(head + 1, end - head));
     }
     EXPECT_GT(count, 40u);
-}
-
-// What a structure is too short for, or holds half of, reads 0, its record's own bytes (the string, its NULs, then 0)
-// or those of the table, as its type has it. The structures are of ones.
-TEST(Fields, BehindTheLengthReadAsTheirTypesSay) {
-    const struct {
-        uint8_t type, length;
-        const char* string;
-        size_t count;  // of all items, as in a structure of full length
-        const char *key, *text;
-    } kRows[] = {
-        {0,   18,   "\x01\x02\x03\x04\x05\x06", 56, "System BIOS Major Release",  "3"                          },
-        {1,   8,    "M",                        12, "Manufacturer",               "M"                          },
-        {3,   0x0D, "AB",                       17, "OEM Defined",                "00004241h"                  },
-        {3,   0x0D, "AB",                       17, "Height",                     "Unspecified"                },
-        {4,   0x1A, "AAAAAAAAAAAAAAAA",         30, "Thread Count 2",             "0"                          },
-        {4,   0x0C, "AAAAAAAAAAAAAAAA",         30, "Processor ID",               "00000000h 1010101h"         },
-        {7,   0x0F, "AAAAAA",                   14, "Associativity",              "Error: Invalid Type"        },
-        {8,   0x08, "AAAA",                     9,  "Port Type",                  "None"                       },
-        {16,  0x0F, "AAAAAAAAAA",               11, "Extended Maximum Capacity",  "0000h 0000h"                },
-        {17,  0x15, "AAAAAAAAAAAAAAAA",         27, "Configured Voltage",         "Unknown"                    },
-        {19,  0x13, "AAAAAAAA",                 10, "Extended Starting Address",  "0000 0000h"                 },
-        {22,  0x10, "AB",                       18, "OEM Specific",               "00000000h"                  },
-        {23,  0x09, "AB",                       9,  "Timer Interval",             "4241h"                      },
-        {23,  0x09, "AB",                       9,  "Timeout",                    "0000h"                      },
-        {24,  0x04, "m",                        5,  "Hardware Security Settings", "6Dh"                        },
-        {26,  0x06, "AAAAAAAAAAAAAAAA",         12, "OEM Defined",                "00000000h"                  },
-        {30,  0x05, "AA",                       6,  "Connections",                "00h"                        },
-        {34,  0x0A, "A",                        8,  "Address Type",               "Error: Invalid Address Type"},
-        {38,  0x10, "",                         11, "Interrupt Number",           "0"                          },
-        {41,  0x0A, "A",                        12, "Device Number",              "8"                          },
-        {130, 9,    "\x01\x01\x01\x01\x01\xFF", 19, "Lumetra QXM Feature Status", "Disabled"                   },
-        {131, 18,   "\xFF\xFF\xFF\xFF",         30, "PCI Device Function Number", "0x0"                        },
-        {222, 6,    "AAAA",                     6,  "IO Port",                    "0X0"                        },
-    };
-    for (const auto& row : kRows) {
-        ClStructureBuilder structure(row.type, row.length);
-        for (size_t offset = 4; offset < row.length; offset++) structure.Byte(offset, 1);
-        if (*row.string != '\0') structure.Strings({row.string});
-        const ClItems items = Decode(structure);
-        EXPECT_EQ(items.Text(row.key), row.text) << "type " << +row.type;
-        EXPECT_EQ(items.Count(), row.count) << "type " << +row.type;
-        EXPECT_TRUE(items[0].key.ends_with("{Type " + std::to_string(row.type) + "}#GROUPNAME")) << items[0].key;
-    }
 }
 
 }  // namespace
