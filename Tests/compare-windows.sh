@@ -14,10 +14,11 @@ compared=0
 compare() {
     local status=0 wine_status=0
     "$native" "$@" >"$scratch/native" || status=$?
-    wine "$windows" "$@" >"$scratch/windows" 2>/dev/null || wine_status=$?
+    wine "$windows" "$@" >"$scratch/windows" 2>"$scratch/errors" || wine_status=$?
     # Some commands answer with 1; more is trouble.
     if [ "$status" -gt 1 ] || [ "$status" != "$wine_status" ] || ! cmp "$scratch/native" "$scratch/windows"; then
         echo "FAILED: quorlin $* (exit codes $status native, $wine_status under Wine)" >&2
+        cat "$scratch/errors" >&2
         exit 1
     fi
     compared=$((compared + 1))
