@@ -63,8 +63,7 @@ QUORLIN_API status_t InsertAtIndex(ContainerHandle_t handle, void* data, int32_t
 // its equals in a tree.
 // Status  2 the caller's position function gave no valid index; 3 no memory; 4 null data; 5 in an AVL tree: no memory,
 //         below the root
-// Cost    plain list constant; sorted list linear; trees logarithmic, but an AVL tree linear in the number of equals,
-//         and so deep in recursion
+// Cost    plain list constant; sorted list linear; trees logarithmic, but an AVL tree linear in the number of equals
 QUORLIN_API status_t Insert(ContainerHandle_t handle, void* data);
 
 // Reads the entry at `index`: in a list by its place, in a tree by rising order.

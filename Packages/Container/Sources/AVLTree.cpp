@@ -1,5 +1,5 @@
-// The AVL tree: with distinct keys the two subtrees of a node differ in height by at most 1. Equal keys stand in the
-// order of their arrival, and are never rotated for: many of them make a chain, and the recursions as deep as it.
+// The AVL tree: with distinct keys the two subtrees of a node differ in height by at most 1. Equal keys are in the
+// order of their arrival, and are never rotated for: many of them make a chain. So nothing here recurses.
 #include <algorithm>
 
 #include "Packages/Container/Sources/ContainerRecord.h"
@@ -17,12 +17,26 @@ static void SetHeights(AVLNode_t* node, int32_t left, int32_t right) {
     node->Balance = left - right;
 }
 
-// Both rotations give the subtree's new root, which is the old one if it has no child to raise.
+// What points to a node: its parent, or the root.
+static AVLNode_t** PlaceOf(ContainerHandle_t handle, const AVLNode_t* node) {
+    AVLNode_t* parent = node->Parent;
+    return parent == nullptr ? &handle->AVLRoot : parent->Left == node ? &parent->Left : &parent->Right;
+}
+
+static void SetParent(AVLNode_t* node, AVLNode_t* parent) {
+    if (node != nullptr) node->Parent = parent;
+}
+
+// Both rotations give the subtree's new root, which is the old one if it has no child to raise. What points to the
+// subtree is the caller's to set.
 static AVLNode_t* RotateRight(AVLNode_t* node) {
     AVLNode_t* risen = node->Left;
     if (risen == nullptr) return node;
     const int32_t outer = LeftHeight(risen), inner = RightHeight(risen);
+    risen->Parent = node->Parent;
+    node->Parent = risen;
     node->Left = risen->Right;
+    SetParent(node->Left, node);
     risen->Right = node;
     SetHeights(node, inner, RightHeight(node));
     SetHeights(risen, outer, node->Height);
@@ -33,7 +47,10 @@ static AVLNode_t* RotateLeft(AVLNode_t* node) {
     AVLNode_t* risen = node->Right;
     if (risen == nullptr) return node;
     const int32_t outer = RightHeight(risen), inner = LeftHeight(risen);
+    risen->Parent = node->Parent;
+    node->Parent = risen;
     node->Right = risen->Left;
+    SetParent(node->Right, node);
     risen->Left = node;
     SetHeights(node, LeftHeight(node), inner);
     SetHeights(risen, node->Height, outer);
@@ -64,30 +81,36 @@ static AVLNode_t* BalanceAfterInsert(ContainerHandle_t handle, AVLNode_t* node, 
     return node;
 }
 
-// Status  1; 3 no memory for the first entry of the subtree; 5 no memory further down
-static status_t InsertAt(ContainerHandle_t handle, AVLNode_t** place, void* data) {
-    AVLNode_t* node = *place;
-    if (node == nullptr) {
-        *place = NewNode(AVLNode_t{1, 0, nullptr, nullptr, data});
-        return *place == nullptr ? kNoMemory : kSuccess;
+// Sets the height of a node whose left or right subtree has got another one; the other subtree isn't visited.
+static void SetHeightsAfter(AVLNode_t* node, bool isLeft) {
+    if (isLeft)
+        SetHeights(node, Height(node->Left), RightHeight(node));
+    else
+        SetHeights(node, LeftHeight(node), Height(node->Right));
+}
+
+// Status  1; 3 no memory for the first entry; 5 no memory further down
+static status_t InsertData(ContainerHandle_t handle, void* data) {
+    AVLNode_t *parent = nullptr, **place = &handle->AVLRoot;
+    while (*place != nullptr) {
+        parent = *place;
+        place = handle->CompareFunction(data, parent->Data) < 0 ? &parent->Left : &parent->Right;
     }
-    if (handle->CompareFunction(data, node->Data) < 0) {
-        const int32_t right = RightHeight(node);
-        if (InsertAt(handle, &node->Left, data) != kSuccess) return kFailure;
-        SetHeights(node, node->Left->Height, right);
-    } else {
-        const int32_t left = LeftHeight(node);
-        if (InsertAt(handle, &node->Right, data) != kSuccess) return kFailure;
-        SetHeights(node, left, node->Right->Height);
+    AVLNode_t* node = NewNode(AVLNode_t{1, 0, nullptr, nullptr, parent, data});
+    if (node == nullptr) return parent == nullptr ? kNoMemory : kFailure;
+    *place = node;
+    for (; parent != nullptr; parent = node->Parent) {
+        SetHeightsAfter(parent, parent->Left == node);
+        handle->TreePlace.Known = false;  // the comparison that follows may read the tree, which has changed
+        AVLNode_t** top = PlaceOf(handle, parent);
+        *top = node = BalanceAfterInsert(handle, parent, data);
     }
-    handle->TreePlace.Known = false;  // the comparison that follows may read the tree, which has changed
-    *place = BalanceAfterInsert(handle, node, data);
     return kSuccess;
 }
 
 status_t AVLTreeInsert(ContainerHandle_t handle, void* data) {
     if (data == nullptr) return kNullPointer;
-    const status_t status = InsertAt(handle, &handle->AVLRoot, data);
+    const status_t status = InsertData(handle, data);
     if (status != kSuccess) TRACE("AVLTreeInsert", kError, "\nNo Memory. ");
     handle->TreePlace.Known = false;
     return status;
@@ -109,65 +132,66 @@ static AVLNode_t* BalanceAfterDelete(AVLNode_t* node) {
 }
 // NOLINTEND(clang-analyzer-core.NullDereference)
 
-// Removes the node at `place`, which has at most one child: it takes over all that the child is, and the child goes.
-static void RemoveAt(AVLNode_t** place) {
-    AVLNode_t* node = *place;
+// Balances the node and all above it; of the node, the subtree on this side has got another height.
+static void BalanceUpwards(ContainerHandle_t handle, AVLNode_t* node, bool isLeft) {
+    while (node != nullptr) {
+        SetHeightsAfter(node, isLeft);
+        AVLNode_t** place = PlaceOf(handle, node);
+        *place = node = BalanceAfterDelete(node);
+        AVLNode_t* parent = node->Parent;
+        isLeft = parent != nullptr && parent->Left == node;
+        node = parent;
+    }
+}
+
+// Removes a node that has at most one child: it takes over all that the child is, and the child goes.
+static void Remove(ContainerHandle_t handle, AVLNode_t* node) {
+    AVLNode_t** place = PlaceOf(handle, node);
+    AVLNode_t* const parent = node->Parent;
+    const bool isLeft = parent != nullptr && parent->Left == node;
     AVLNode_t* leaving = node->Left != nullptr ? node->Left : node->Right;
     if (leaving != nullptr) {
         *node = *leaving;
+        node->Parent = parent;
+        SetParent(node->Left, node);
+        SetParent(node->Right, node);
         *place = BalanceAfterDelete(node);
     } else {
         *place = nullptr;
         leaving = node;
     }
     containerLibrary.Free(leaving);
+    BalanceUpwards(handle, parent, isLeft);
 }
 
-// Removes the subtree's first node, and gives its Data. The node is taken by its place, as a search for the Data could
-// end at an equal entry.
-static void* TakeFirst(AVLNode_t** place) {
-    AVLNode_t* node = *place;
-    void* data = node->Data;
-    if (node->Left == nullptr) {
-        RemoveAt(place);
-        return data;
+// Status  1; 2 no such entry. All nodes on the way are balanced then, too: some may have been left out of balance.
+static status_t DeleteData(ContainerHandle_t handle, const void* data) {
+    AVLNode_t *node = handle->AVLRoot, *parent = nullptr;
+    int32_t order = 0;
+    while (node != nullptr) {
+        order = handle->CompareFunction(data, node->Data);
+        if (order == 0) break;
+        parent = node;
+        node = order < 0 ? node->Left : node->Right;
     }
-    const int32_t right = RightHeight(node);
-    data = TakeFirst(&node->Left);
-    SetHeights(node, Height(node->Left), right);
-    *place = BalanceAfterDelete(node);
-    return data;
-}
-
-// Status  1; 2 no such entry
-static status_t DeleteAt(ContainerHandle_t handle, AVLNode_t** place, const void* data) {
-    AVLNode_t* node = *place;
-    if (node == nullptr) return kBadValue;
-    const int32_t order = handle->CompareFunction(data, node->Data);
-    status_t status = kSuccess;
-    if (order < 0) {
-        const int32_t right = RightHeight(node);
-        status = DeleteAt(handle, &node->Left, data);
-        SetHeights(node, Height(node->Left), right);
-    } else if (order > 0) {
-        const int32_t left = LeftHeight(node);
-        status = DeleteAt(handle, &node->Right, data);
-        SetHeights(node, left, Height(node->Right));
-    } else if (node->Left != nullptr && node->Right != nullptr) {
-        const int32_t left = LeftHeight(node);
-        node->Data = TakeFirst(&node->Right);
-        SetHeights(node, left, Height(node->Right));
-    } else {
-        RemoveAt(place);
-        return kSuccess;
+    if (node == nullptr) {
+        BalanceUpwards(handle, parent, order < 0);
+        return kBadValue;
     }
-    *place = BalanceAfterDelete(node);
-    return status;
+    if (node->Left != nullptr && node->Right != nullptr) {
+        // The next entry is taken by its place, as a search for its Data could end at an equal one.
+        AVLNode_t* next = node->Right;
+        while (next->Left != nullptr) next = next->Left;
+        node->Data = next->Data;
+        node = next;
+    }
+    Remove(handle, node);
+    return kSuccess;
 }
 
 status_t AVLTreeDelete(ContainerHandle_t handle, void* data) {
     if (data == nullptr || handle->AVLRoot == nullptr) return kNullPointer;
-    const status_t status = DeleteAt(handle, &handle->AVLRoot, data);
+    const status_t status = DeleteData(handle, data);
     if (status != kSuccess) TRACE("AVLTreeDelete", kError, "\nData not found. ");
     handle->TreePlace.Known = false;
     return status;

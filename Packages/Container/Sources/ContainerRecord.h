@@ -29,7 +29,7 @@ struct RBNode_t {
 struct AVLNode_t {
     int32_t Height;           // 1 for a leaf
     int32_t Balance;          // the height of Left less that of Right, so that nobody need visit both to know it
-    AVLNode_t *Left, *Right;  // null where there is none
+    AVLNode_t *Left, *Right, *Parent;  // null where there is none
     void* Data;
 };
 
