@@ -3,7 +3,7 @@ BUILD_PACKAGES = g++ make cmake ninja-build rapidjson-dev zlib1g-dev
 TEST_PACKAGES = libgtest-dev pkg-config python3
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 WINE_PACKAGES = wine googletest python3
-BENCH_PACKAGES = libbenchmark-dev valgrind time python3
+BENCH_PACKAGES = libbenchmark-dev valgrind strace time python3
 FUZZ_PACKAGES = clang
 DEB_PACKAGES = build-essential debhelper git lintian
 ZIP_PACKAGES = zip
@@ -14,7 +14,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test test-machine asan tsan coverage windows test-windows install deb zip bench fuzz format lint clean
+.PHONY: build run test test-machine stub asan tsan coverage windows test-windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -35,18 +35,25 @@ test:
 test-machine:
 	@Tests/Machine/run.sh
 
+# A system of which the standard library is all that is known: what a port has to bring. It reads images like any other.
+stub:
+	@$(INSTALL) $(BUILD_PACKAGES)
+	@cmake --preset stub >/dev/null
+	@cmake --build --preset stub
+	@Tests/stub.sh build/stub/bin/quorlin
+
 asan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan
 	@ctest --preset asan
 
-# What several threads may do at once, under ThreadSanitizer. The provider's own tests fork, and misuse locks on purpose,
-# which it takes for faults.
+# What several threads may do at once, under ThreadSanitizer.
 tsan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset tsan >/dev/null
-	@cmake --build --preset tsan --target ContainerTest DebugTest MachineTest OSTest SourcesTest
+	@cmake --build --preset tsan --target ContainerTest DebugTest FERROXLibTest LinuxHardwareTest MachineTest OSTest \
+		SourcesTest
 	@ctest --preset tsan
 
 # The lines of Sources and Packages that the tests run; those that they don't are named in build/coverage/coverage.txt.
@@ -85,8 +92,8 @@ zip: windows
 	@$(INSTALL) $(ZIP_PACKAGES)
 	@cmake/make-zip.sh build/windows
 
-# Times, then instructions and memory of whole runs. Many short repetitions in mixed order, of which the best counts,
-# give figures that can be compared on a machine that does other work too. Containers of a million entries take
+# Times, then instructions, memory and system calls of whole runs. Many short repetitions in mixed order, of which the
+# best counts, give figures that can be compared on a machine that does other work too. Containers of a million entries take
 # minutes, and are left to build/bench/bin/quorlin_bench --benchmark_filter=1000000.
 BENCH_OPTIONS = --benchmark_repetitions=20 --benchmark_min_time=0.02 --benchmark_enable_random_interleaving=true \
 	--benchmark_display_aggregates_only=true --benchmark_filter=-1000000
@@ -97,7 +104,8 @@ bench:
 	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json $(BENCH_OPTIONS)
 	@Benchmarks/instructions.sh >build/bench/instructions.txt
 	@Benchmarks/memory.sh >build/bench/memory.txt
-	@cat build/bench/instructions.txt build/bench/memory.txt
+	@Benchmarks/syscalls.sh >build/bench/syscalls.txt
+	@cat build/bench/instructions.txt build/bench/memory.txt build/bench/syscalls.txt
 
 # Each fuzzer for a minute, or for FUZZ_SECONDS.
 FUZZ_SECONDS = 60
@@ -113,7 +121,7 @@ format:
 lint:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(STYLE_PACKAGES)
 	@cmake --preset debug -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
-	@git ls-files 'Sources/*.cpp' 'Packages/*.cpp' 'Tools/*.cpp' | grep -v Platform/Windows | xargs -P 2 -n 4 clang-tidy -p build/debug --quiet
+	@git ls-files 'Sources/*.cpp' 'Packages/*.cpp' 'Tools/*.cpp' | grep -v -e OS/Windows -e OS/Stub -e FERROXLib/Sources/WinFERROX -e 'RW.cpp' -e Sources/Stub | xargs -P 2 -n 4 clang-tidy -p build/debug --quiet
 
 clean:
 	rm -rf build

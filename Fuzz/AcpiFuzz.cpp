@@ -5,14 +5,15 @@
 #include "Fuzz/Fuzz.h"
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/Platform.h"
 
 static std::vector<uint8_t> answer;
 static uint8_t errs;
 
-// The service, in place of the platform's: a table that goes away, grows or shrinks between two questions.
-UINT GetSystemFirmwareTable(DWORD, DWORD, PVOID buffer, DWORD size) {
+// The service, in place of this machine's: a table that goes away, grows or shrinks between two questions.
+static uint32_t GetTable(uint32_t, uint32_t, void* buffer, uint32_t size, bool*) {
     size_t now = answer.size();
     if (buffer != nullptr) {
         if ((errs & 1) != 0) now = 0;
@@ -20,7 +21,7 @@ UINT GetSystemFirmwareTable(DWORD, DWORD, PVOID buffer, DWORD size) {
         if ((errs & 4) != 0) now /= 2;
         if (now <= size) std::memcpy(buffer, answer.data(), std::min(now, answer.size()));
     }
-    return static_cast<UINT>(now);
+    return static_cast<uint32_t>(now);
 }
 
 static void FetchTables() {
@@ -28,7 +29,7 @@ static void FetchTables() {
     if (GetACPITable("MCFG", &table) == kSuccess) {
         Require(table->Size <= answer.size());
         Require(std::memcmp(table->Data(), answer.data(), table->Size) == 0);
-        os_free(table);
+        os_FreeBlock(table);
     }
     uint32_t size = 0;
     if (GetACPITableEx("MCFG", nullptr, &size) != kSuccess) return;
@@ -50,6 +51,12 @@ static void FindSegments(uint32_t location) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const HardwareServices_t machine = [] {
+        HardwareServices_t services = {};
+        services.GetFirmwareTable = GetTable;
+        return services;
+    }();
+    UseHardware(machine);
     ClInput input(data, size);
     errs = input.Take<uint8_t>();
     const auto location = input.Take<uint32_t>();

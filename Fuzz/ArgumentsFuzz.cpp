@@ -7,8 +7,8 @@
 #include "Fuzz/Fuzz.h"
 #include "Packages/Debug/DebugInternal.h"
 #include "Packages/Format/TableFile.h"
+#include "Packages/OS/Program.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Program.h"
 #include "Packages/Sample/Sample.h"
 #include "Tools/quorlin/Commands.h"
 
@@ -29,7 +29,7 @@ std::FILE* CreateNewFile(const std::string&) {
     return nullptr;
 }
 bool IsFolder(const std::string& path) { return path == "folder"; }
-void PrepareStandardOutput() {}
+void PrepareStandardStreams() {}
 bool IsStandardOutputTerminal() { return false; }
 bool IsStandardErrorTerminal() { return false; }
 size_t TerminalWidth() { return 0; }

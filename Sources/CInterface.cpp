@@ -9,7 +9,6 @@
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/Platform.h"
 #include "Sources/Quorlin.h"
 #include "Sources/SMBIOSType.h"
 #include "Sources/quorlin_c.h"
@@ -48,24 +47,22 @@ constexpr uint8_t kUsualMajor = 3;
 thread_local quorlin_status lastStatus = QUORLIN_OK;
 thread_local char lastProblem[256] = "";
 
-// A package for as long as it takes to copy its items. What it changes in the process is as before afterwards: the
-// chosen machine, and the host's crash filter.
+// A package for as long as it takes to copy its items. The chosen machine is as before afterwards, and the host's crash
+// filter isn't touched.
 class ClPackageInUse {
   public:
-    ClPackageInUse() : m_chosen(ChosenMachine()), m_filter(SetUnhandledExceptionFilter(nullptr)) {}
+    ClPackageInUse() : m_chosen(ChosenMachine()) {}
     ClPackageInUse(const ClPackageInUse&) = delete;
     ClPackageInUse& operator=(const ClPackageInUse&) = delete;
     ~ClPackageInUse() {
         m_package.UnInitialize();
         ChooseMachine(m_chosen);
-        SetUnhandledExceptionFilter(m_filter);
     }
     Quorlin* operator->() { return &m_package; }
 
   private:
     Quorlin m_package{Quorlin::kSweep};  // first: without memory for it, nothing has been changed yet
     MachineChoice_t m_chosen;
-    LPTOP_LEVEL_EXCEPTION_FILTER m_filter;
 };
 
 uint32_t KindOf(std::string_view key, std::string_view value) {
@@ -99,7 +96,7 @@ quorlin_status Open(quorlin_table** out, const Choose& choose) {
     if (StoreIsUp()) return QUORLIN_BUSY;
     ClPackageInUse package;
     choose();
-    if (package->Initialize() != kSuccess) return QUORLIN_NO_TABLE;
+    if (package->BringUp() != kSuccess) return QUORLIN_NO_TABLE;
     auto table = std::make_unique<quorlin_table>();
     CopyItems(package, table.get());
     *out = table.release();

@@ -1,9 +1,11 @@
 #include "Sources/CrashReport.h"
 
 #include <algorithm>
+#include <cstdarg>
 #include <cstdint>
-#include <cstdio>
 #include <iterator>
+
+#include "Packages/OS/OS.h"
 
 namespace {
 
@@ -36,48 +38,56 @@ constexpr Cause_t kCauses[] = {
     {0x40010005, "DBG_CONTROL_C (WTF!)"              },
 };
 
-void PrintCause(uint32_t code) {
+// The report in words: as much as one can hold, on the stack.
+class ClReport {
+  public:
+    [[gnu::format(printf, 2, 3)]] void Print(const char* format, ...) {
+        va_list arguments;
+        va_start(arguments, format);
+        const int32_t length = os_vsnprintf(m_text + m_length, sizeof m_text - m_length, format, arguments);
+        va_end(arguments);
+        if (length > 0) m_length += static_cast<size_t>(length);
+    }
+    void Write() const { os_WriteCrashText(m_text, m_length); }
+
+  private:
+    char m_text[512] = "";
+    size_t m_length = 0;
+};
+
+void PrintCause(ClReport* report, uint32_t code) {
     const auto* cause =
         std::find_if(std::begin(kCauses), std::end(kCauses), [code](const Cause_t& each) { return each.code == code; });
-    if (cause != std::end(kCauses)) {
-        std::printf(" Cause: %s", cause->text);
-    } else {
-        std::printf(" Cause: %08x", static_cast<unsigned>(code));
-    }
+    if (cause != std::end(kCauses))
+        report->Print(" Cause: %s", cause->text);
+    else
+        report->Print(" Cause: %08x", static_cast<unsigned>(code));
 }
 
-// A word of the exception's information; 0 for one that the record doesn't have.
-unsigned long long Information(const EXCEPTION_RECORD& record, uint32_t index) {
-    return index < record.NumberParameters && index < EXCEPTION_MAXIMUM_PARAMETERS ? record.ExceptionInformation[index]
-                                                                                   : 0;
-}
-
-void PrintAccess(const EXCEPTION_RECORD& record) {
-    const unsigned long long address = Information(record, 1);
-    switch (Information(record, 0)) {
-        case 0: std::printf(" Attempted to read from: 0x%08llx", address); break;
-        case 1: std::printf(" Attempted to write to: 0x%08llx", address); break;
-        case 8: std::printf(" Data Execution Prevention (DEP) at: 0x%08llx", address); break;
-        default: std::printf(" Unknown access violation at: 0x%08llx", address); break;
+void PrintAccess(ClReport* report, const Fault_t& fault) {
+    const unsigned long long address = fault.Information[1];
+    switch (fault.Information[0]) {
+        case 0: report->Print(" Attempted to read from: 0x%08llx", address); break;
+        case 1: report->Print(" Attempted to write to: 0x%08llx", address); break;
+        case 8: report->Print(" Data Execution Prevention (DEP) at: 0x%08llx", address); break;
+        default: report->Print(" Unknown access violation at: 0x%08llx", address); break;
     }
 }
 
 }  // namespace
 
-LONG WINAPI ReportUnhandledException(EXCEPTION_POINTERS* pointers) {
-    const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-    const uint32_t code = record.ExceptionCode;
-    std::printf("\n***EXCEPTION HANDLING START***\n");
+int32_t ReportUnhandledException(const Fault_t& fault) {
+    ClReport report;
+    report.Print("\n***EXCEPTION HANDLING START***\n");
     // As Windows' own form of a pointer, which other systems' %p doesn't give.
-    std::printf(" Exception at address: 0x%016llX",
-                static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(record.ExceptionAddress)));
-    PrintCause(code);
-    if (code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_IN_PAGE_ERROR) PrintAccess(record);
-    if (code == EXCEPTION_IN_PAGE_ERROR) std::printf(" NTSTATUS: 0x%08llx", Information(record, 2));
-    std::printf("\n***EXCEPTION HANDLING END***\n");
-    // The process is about to end, and the system doesn't flush for it.
-    std::fflush(stdout);
-    return EXCEPTION_CONTINUE_SEARCH;
+    report.Print(" Exception at address: 0x%016llX", static_cast<unsigned long long>(fault.Address));
+    PrintCause(&report, fault.Code);
+    if (fault.Code == kFaultAccessViolation || fault.Code == kFaultPageError) PrintAccess(&report, fault);
+    if (fault.Code == kFaultPageError)
+        report.Print(" NTSTATUS: 0x%08llx", static_cast<unsigned long long>(fault.Information[2]));
+    report.Print("\n***EXCEPTION HANDLING END***\n");
+    report.Write();
+    return 0;
 }
 
-void InstallCrashReport() { SetUnhandledExceptionFilter(ReportUnhandledException); }
+void InstallCrashReport() { os_SetCrashFilter(ReportUnhandledException); }

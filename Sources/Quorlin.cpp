@@ -6,6 +6,7 @@
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Sources/CrashReport.h"
 #include "Sources/Decoders.h"
@@ -39,9 +40,13 @@ Quorlin::Quorlin(uint8_t presetType) : m_items(std::make_unique<ClItemList>()), 
 Quorlin::~Quorlin() = default;
 
 status_t Quorlin::Initialize() {
+    InstallCrashReport();
+    return BringUp();
+}
+
+status_t Quorlin::BringUp() {
     // Without a trace handle the package runs without trace.
     DebugLibInit("Quorlin", &packageTraceHandle);
-    InstallCrashReport();
     m_cursor = 0;
     m_smbiosMajor = 0;
     m_smbiosMinor = 0;

@@ -16,8 +16,8 @@
 #include <memory>
 #include <string>
 
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
 
 struct ItemPair;
 class ClItemList;
@@ -65,6 +65,8 @@ class Quorlin : public BaseAbstraction {
     // The value of an item as decoded, or empty text behind the last one and without memory.
     virtual std::string GetItemValue(uint32_t index);
 
+    // Initialize without the crash report, for this tree's own hosts.
+    status_t BringUp();
     // Whether a sweep takes this type.
     static bool IsSwept(uint8_t type);
     // Appends an item to `text` as GetNextItem gives it.

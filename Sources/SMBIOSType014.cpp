@@ -5,6 +5,7 @@
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/StructureStore.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Sources/Decoders.h"
 #include "Sources/PackageTrace.h"

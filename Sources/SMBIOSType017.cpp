@@ -1,8 +1,5 @@
 // Memory Device (the SMBIOS standard, type 17). Sizes are shown as the structure holds them.
-#include <limits>
-#include <vector>
-
-#include "Packages/Platform/Platform.h"
+#include "Packages/OS/TextConversion.h"
 #include "Sources/Decoders.h"
 
 namespace {
@@ -88,22 +85,6 @@ static_assert(IsRising(kTypeDetails));
 constexpr bool IsPrintableAscii(char byte) { return byte >= 0x20 && byte <= 0x7E; }
 constexpr bool IsControl(char byte) { return byte >= 0x01 && byte <= 0x1F; }
 
-// The text through wide characters and back: what isn't valid UTF-8 comes out as the replacement character. A text
-// that the system can't convert stays as it is.
-std::string Revalidated(std::string_view text) {
-    if (text.size() > std::numeric_limits<int>::max() / 3) return std::string(text);
-    // A byte makes at most one wide character, and a wide character at most three bytes.
-    std::vector<WCHAR> wide(text.size());
-    const int wideCount = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                                              static_cast<int>(wide.size()));
-    std::string result(static_cast<size_t>(wideCount) * 3, '\0');
-    const int count = WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideCount, result.data(),
-                                          static_cast<int>(result.size()), nullptr, nullptr);
-    if (wideCount == 0 || count == 0) return std::string(text);
-    result.resize(static_cast<size_t>(count));
-    return result;
-}
-
 // A string in valid UTF-8, control characters as points; "None" for number 0.
 ClText ShowPartNumber(const Field_t& field) {
     if (field.Byte() == 0) return "None";
@@ -178,7 +159,8 @@ std::string ClSMBIOSType17::GetUnknownValueString(uint8_t value) {
 ClText ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {
     // Plain text, which is nearly all there is, comes back from the conversions as it was.
     if (std::ranges::all_of(partNumber, IsPrintableAscii)) return partNumber;
-    std::string text = Revalidated(partNumber);
+    std::string text(partNumber);
+    os_RevalidateUtf8(partNumber, &text);
     std::ranges::replace_if(text, IsControl, '.');
     return text;
 }

@@ -21,7 +21,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#include "Packages/Platform/Export.h"
+#include "Packages/OS/Export.h"
 
 #ifdef __cplusplus
 extern "C" {

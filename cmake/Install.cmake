@@ -10,12 +10,13 @@ set(quorlin_package_headers
   Packages/Container/Container.h
   Packages/Debug/Debug.h
   Packages/FERROXExternal/FERROXLib/FERROXLib.h
+  Packages/FERROXExternal/FERROXLib/Sources/Protocol.h
   Packages/FERROXExternal/StructureStore/Machine.h
   Packages/FERROXExternal/StructureStore/StructureStore.h
+  Packages/OS/Export.h
   Packages/OS/OS.h
   Packages/OS/OSServices.h
-  Packages/OS/Status.h
-  Packages/Platform/Export.h)
+  Packages/OS/Status.h)
 set(headers_to ${CMAKE_INSTALL_INCLUDEDIR}/quorlin)
 install(FILES Sources/Quorlin.h Sources/quorlin_c.h DESTINATION ${headers_to} COMPONENT development)
 foreach(header IN LISTS quorlin_package_headers)

@@ -3,8 +3,7 @@
 // Ownership  A container owns its nodes and never the data: pointers are stored, not copied, and never looked behind
 //            but by the compare function. Data must stay valid while it is stored.
 // Threads    Any thread may call the nine operations on one handle: each holds the container's named lock while it
-//            runs, the compare function included. InitContainer and UnInitContainer take no lock: a caller sees to it
-//            that they don't run at the same time.
+//            runs, the compare function included. Containers may be created and destroyed on any threads at once.
 // Functions  of the caller's must not throw. They may read the container that calls them, and not change it.
 // Indexes    From 0.
 // Null       No entry can be null.
@@ -12,8 +11,8 @@
 
 #include <cstdint>
 
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
 
 struct ContainerRecord_t;
 using ContainerHandle_t = ContainerRecord_t*;

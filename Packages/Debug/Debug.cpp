@@ -1,8 +1,10 @@
 // Trace handles, their settings, and the lines that they write. The configuration file is in DebugConfig.cpp.
 #include <cinttypes>
 #include <cstddef>
+#include <mutex>
 
 #include "Packages/Debug/DebugInternal.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 
 // Whether a configuration has been read. It is read once in a process: no handle's end changes this.
@@ -12,6 +14,8 @@ static constexpr size_t kHeaderSize = 100;
 static constexpr size_t kMessageSize = 256;  // 255 characters and a NUL
 static constexpr size_t kMessageBufferSize = 281;
 
+// Guards the handles and the configuration. No trace call takes it.
+static std::mutex guard;
 static ContainerHandle_t DebugHandleList = nullptr;
 static ContainerHandle_t DebugSyncList = nullptr;  // lives beside the handles; nothing is added to it
 static ConfigState_t ConfigState = ConfigState_t::NotRead;
@@ -62,7 +66,7 @@ static DebugRecord_t* FindHandle(const char* name) {
 
 // Life of a handle.
 
-// A record with the defaults and without a mutex, or null.
+// A record with the defaults and without a lock, or null.
 static DebugRecord_t* NewRecord(const char* name) {
     const size_t nameSize = size_t{os_strlen(name)} + 1;
     const size_t size = offsetof(DebugRecord_t, Name) + nameSize;
@@ -93,6 +97,7 @@ static void ReadConfigOnce() {
 status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
     if (name == nullptr || handle == nullptr) return kNullPointer;
     *handle = nullptr;
+    const std::lock_guard hold(guard);
     LibVersion = {"02", "00", "0", "1001"};
 
     status_t status = kSuccess;
@@ -110,15 +115,15 @@ status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
 
     DebugRecord_t* record = NewRecord(name);
     if (record == nullptr) return kNoMemory;
-    record->Mutex = CreateMutexA(nullptr, FALSE, name);
-    if (record->Mutex == nullptr) {
+    record->Lock = os_OpenNamedLock(name);
+    if (record->Lock == nullptr) {
         os_free(record);
         return kFailure;
     }
     if (ConfigState == ConfigState_t::Read) status = DebugApplyConfig(record);
     if (status == kSuccess) status = Insert(DebugHandleList, record);
     if (status != kSuccess) {
-        CloseHandle(record->Mutex);
+        os_CloseNamedLock(record->Lock);
         os_free(record);
         return status;
     }
@@ -138,11 +143,12 @@ static status_t ReleaseLibrary() {
 
 status_t DebugLibExit(DebugHandle_t handle) {
     if (handle == nullptr) return kNullPointer;
+    const std::lock_guard hold(guard);
     DebugRecord_t* record = FindHandle(handle->Name);
     if (record == nullptr) return kFailure;
     if (--record->RefCount > 0) return kSuccess;
 
-    CloseHandle(record->Mutex);
+    os_CloseNamedLock(record->Lock);
     if (DeleteByData(DebugHandleList, record) != kSuccess) return kFailure;
     os_free(record);
     void* other = nullptr;
@@ -151,12 +157,14 @@ status_t DebugLibExit(DebugHandle_t handle) {
 
 status_t GetDebugLibVersion(LibVersion_t* version) {
     if (version == nullptr) return kNullPointer;
+    const std::lock_guard hold(guard);
     *version = LibVersion;
     return kSuccess;
 }
 
 status_t DebugUseConfigText(const char* text) {
     if (text == nullptr) return kNullPointer;
+    const std::lock_guard hold(guard);
     if (ConfigState != ConfigState_t::NotRead) return kFailure;
     const status_t status = DebugReadConfigText(text);
     if (status == kSuccess)
@@ -271,6 +279,7 @@ status_t DebugTrace(DebugHandle_t handle, const char* /*sourceFile*/, const char
 // Whether a handle is open: 1, or the status that refuses it.
 static status_t DebugIsValidHandle(DebugHandle_t handle) {
     if (handle == nullptr) return kNullPointer;
+    const std::lock_guard hold(guard);
     return FindHandle(handle->Name) != nullptr ? kSuccess : kBadValue;
 }
 
@@ -283,6 +292,7 @@ static status_t CheckUnlocked(DebugHandle_t handle) {
 
 template <typename Change>
 static void ForEachHandle(Change change) {
+    const std::lock_guard hold(guard);
     FindEntry<DebugRecord_t>(DebugHandleList, [&change](DebugRecord_t& record) {
         change(record);
         return false;

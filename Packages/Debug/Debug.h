@@ -8,17 +8,18 @@
 // Status     For a handle: 4 null handle; 2 no open handle has its name. What else an operation gives is told there.
 // Ownership  Handles are shared by name and counted. Streams handed to a setter stay the caller's; streams that the
 //            configuration opened are closed with the last handle. A handle is dead after its last DebugLibExit.
-// Threads    Any number may trace through one handle: lines may follow in any order, each whole as far as the stream
-//            functions keep it so. DebugLibInit, DebugLibExit and the setters are for one thread at a time.
+// Threads    Any number at once may open and close handles, and trace through one: lines may follow in any order, each
+//            whole as far as the stream functions keep it so. A handle is set up by one thread before others trace.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
 
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
 
 struct DebugRecord_t;
+struct NamedLock_t;
 using DebugHandle_t = DebugRecord_t*;  // a host sees only the pointer
 
 // Levels: each one bit, combined as in kErrorExit.
@@ -134,8 +135,8 @@ struct DebugRecord_t {
     uint16_t RefCount;
     uint32_t Flags;  // DebugInternal.h holds the bits
     uint32_t TraceFormat;
-    void* Mutex;   // bears the handle's name; no output takes it
-    char Name[1];  // as long as it has to be
+    NamedLock_t* Lock;  // bears the handle's name; no output takes it
+    char Name[1];       // as long as it has to be
 };
 
 // Whether a line of this level reaches the console or a file.

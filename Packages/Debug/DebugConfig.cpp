@@ -4,8 +4,9 @@
 #include <string_view>
 
 #include "Packages/Debug/DebugInternal.h"
+#include "Packages/OS/ConfigFile.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/ConfigFile.h"
 
 static constexpr size_t kPieceSize = 256;  // 255 characters and a NUL: a longer line is taken in such pieces
 static constexpr size_t kNameSize = 64;    // 63 characters and a NUL: of longer names no more counts

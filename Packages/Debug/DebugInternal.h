@@ -3,7 +3,7 @@
 
 #include "Packages/Container/Container.h"
 #include "Packages/Debug/Debug.h"
-#include "Packages/Platform/Platform.h"
+#include "Packages/OS/NamedLock.h"
 
 // Bits of DebugRecord_t::Flags.
 inline constexpr uint32_t kFlushPackageStream = 1;

@@ -2,9 +2,13 @@
 
 #include <algorithm>
 
-#include "Packages/Platform/Platform.h"
+#include "Packages/OS/Memory.h"
 
 static constexpr size_t kLargestSize = size_t{1} << 63;
+
+void* os_NewBlock(size_t size) { return os_malloc(size); }
+
+void os_FreeBlock(void* block) { os_free(block); }
 
 uint32_t os_strlen(const char* text) { return static_cast<uint32_t>(std::strlen(text)); }
 
@@ -39,10 +43,6 @@ status_t os_memcpy(void* destination, size_t size, const void* source, size_t co
     return kSuccess;
 }
 
-FILE* os_fopen(const char* path, const char* mode) {
-    return path == nullptr || mode == nullptr ? nullptr : std::fopen(path, mode);
-}
-
 int32_t os_vsnprintf(char* buffer, size_t size, const char* format, va_list arguments) {
     if (buffer == nullptr || size == 0) return -1;
     buffer[0] = '\0';
@@ -60,16 +60,4 @@ int32_t os_snprintf(char* buffer, size_t size, size_t count, const char* format,
     const int32_t length = os_vsnprintf(buffer, room, format, arguments);
     va_end(arguments);
     return length;
-}
-
-status_t os_GetTimestampMs(uint64_t* milliseconds) {
-    if (milliseconds == nullptr) return kNullPointer;
-    LARGE_INTEGER ticks, perSecond;
-    if (!QueryPerformanceCounter(&ticks) || !QueryPerformanceFrequency(&perSecond)) {
-        const status_t error = GetLastError();
-        return error != kSuccess ? error : kFailure;  // the system has an error of the number of our success
-    }
-    const double seconds = static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
-    *milliseconds = static_cast<uint64_t>(seconds * 1000);
-    return kSuccess;
 }

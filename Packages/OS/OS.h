@@ -11,15 +11,16 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
-
-// The libraries' names for the standard calls.
-inline void* os_malloc(size_t size) { return std::malloc(size); }
-inline void os_free(void* block) { std::free(block); }
-inline void* os_realloc(void* block, size_t size) { return std::realloc(block, size); }
 
 extern "C" {
+// Blocks that cross the library's border: what the library allocates for its caller is given back by os_FreeBlock, and
+// what a caller allocates for the library comes from os_NewBlock. A host's own heap may be another one.
+// os_NewBlock gives null without memory; os_FreeBlock takes null.
+QUORLIN_API void* os_NewBlock(size_t size);
+QUORLIN_API void os_FreeBlock(void* block);
+
 // The length of `text`, without its NUL.
 QUORLIN_API uint32_t os_strlen(const char* text);
 

@@ -1,8 +1,9 @@
 // What the os_ layer offers a host beside OS.h: text, streams, processes, thread affinity, file lists and facts about
-// the machine. Nothing inside this library calls it.
+// the machine. Nothing inside this library calls it. "The system's last error" is Windows' error number, or errno.
 //
 // Null       Where no status for a null argument is given, none may be null.
-// Ownership  What a function gives through an out pointer is a new allocation, which the caller frees with os_free.
+// Ownership  What a function gives through an out pointer is a new allocation, which the caller frees with
+// os_FreeBlock.
 //            Out pointers are written on status 1 only.
 // Threads    Any number at once.
 #pragma once
@@ -12,11 +13,12 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
 
 // A process that os_StartProcess has started. The handles are this record's until os_KillProcess or os_WaitProcess
-// closes them and makes them null.
+// closes them and makes them null. On Linux they hold the process number, and a record that is given to neither leaves
+// a zombie when the process ends.
 struct ProcessRecord_t {
     void* Process;
     void* Thread;
@@ -85,8 +87,8 @@ QUORLIN_API long os_ftell(FILE* stream);
 // ---- processes and threads. Where a status is the system's last error, an error that would read as success gives 5.
 
 // Starts `application`, a path. It inherits no handles.
-// arguments    null-ended, or null for none; element 0 is skipped. They are joined by blanks and not quoted: an
-//              argument with blanks reaches the process as several
+// arguments    null-ended, or null for none; element 0 is skipped. Windows joins them by blanks and doesn't quote them,
+//              so an argument with blanks reaches the process as several. On Linux they reach it as they are
 // environment  null-ended texts NAME=value, which are its whole environment; null for the caller's own
 // Status       1; 3 arguments or environment of 1024 bytes or more; 4 null application or record; otherwise the
 //              system's last error
@@ -102,10 +104,12 @@ QUORLIN_API status_t os_StartProcessDetached(const char* program, const char* co
 QUORLIN_API status_t os_KillProcess(ProcessRecord_t* process);
 
 // Waits until the process has ended, for as long as it takes, and closes the record's handles.
-// Status  1; 4 null record; 5 no exit code; otherwise the system's last error of the wait
+// Status  1; 4 null record; 5 no exit code; otherwise the system's last error of the wait, as for a record that is
+// closed
 QUORLIN_API status_t os_WaitProcess(ProcessRecord_t* process);
 
-// Moves the calling thread to a processor. Logical processor numbers run from 0 through all groups in order.
+// Moves the calling thread to a processor. Logical processor numbers run from 0 through all groups in order; on Linux
+// through all that are online, 64 of them a group.
 // Status  1; 5 no such processor among those of the first 4 groups, or the system refuses
 QUORLIN_API status_t os_SetThreadAffinity(uint32_t processor);
 
@@ -123,15 +127,15 @@ QUORLIN_API status_t os_FindFiles(const char* directory, char*** names, uint32_t
 // A text value of the registry.
 // root    kLocalMachine or another root key
 // unused  for calls written with five arguments
-// Status  1; 3 out of memory; 4 null out pointer; 5 no such key or value, or not readable
+// Status  1; 3 out of memory; 4 null out pointer; 5 no such key or value, or not readable; 6 no registry: Linux
 QUORLIN_API status_t os_ReadRegistryString(void* root, const char* path, const char* value, char** text, void* unused);
 
-// The system's name and the machine's.
-// Status  1; 2 null argument; otherwise as os_ReadRegistryString
+// The system's name and the machine's. On Linux PRETTY_NAME of os-release or else the kernel's name, and the host name.
+// Status  1; 2 null argument; 3 out of memory; 5 not known
 QUORLIN_API status_t os_GetOSName(char** text);
 QUORLIN_API status_t os_GetMachineName(char** text);
 
-// The installed memory in bytes.
+// The installed memory in bytes. On Linux that of sysfs' memory blocks, or else what the kernel manages.
 // Status  1; 4 null argument; 5 on failure
 QUORLIN_API status_t os_GetMemorySize(uint64_t* bytes);
 

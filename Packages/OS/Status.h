@@ -10,7 +10,7 @@ inline constexpr status_t kBadValue = 2;  // a bad index, offset or size; data n
 inline constexpr status_t kNoMemory = 3;
 inline constexpr status_t kNullPointer = 4;   // a null argument, or an empty container
 inline constexpr status_t kFailure = 5;       // failure, nothing more, or not implemented
-inline constexpr status_t kNotSupported = 6;  // not to be had on this road
+inline constexpr status_t kNotSupported = 6;  // not available on this system or by this access method
 
 // 16 bytes of NUL-terminated text.
 struct LibVersion_t {

@@ -4,24 +4,15 @@
 
 #include <cpuid.h>  // after the kernel's header, which has a function of the name
 
-typedef unsigned char Byte_t;
-typedef unsigned int Word_t;
+#include "Packages/FERROXExternal/FERROXLib/Sources/Protocol.h"
 
-// Records, as the hardware library sends them.
-typedef struct { Word_t Reserved, Eax, Ebx, Ecx, Edx; } CPUIDRecord_t;
-typedef struct { Word_t Reserved, Cpu, Reserved2, Reserved3; CPUIDRecord_t Cpuid; Word_t Reserved4[5]; } CPUIDRequest_t;
-typedef struct { Word_t Reserved, Cpu, Port, Size, Data; } Port_t;
-typedef struct { Word_t Reserved, Location, RegisterOffset, Size, Data; } PCI_t;
-typedef struct { Word_t Reserved, Cpu, Msr, Hi, Lo; } MSR_t;
-typedef struct { Word_t Core, Msr, PMTimerAddress, Result[2]; } NonTurbo_t;
-typedef struct { Word_t Reserved, Cpu; unsigned long long Address; Word_t Offset, Size; Byte_t Data[]; } Memory_t;
-typedef struct { Word_t Device, PCIRegisterOffset, MMIOOffset; } Dynamic_t;  // in Memory_t, from Address on
-_Static_assert(sizeof(CPUIDRequest_t) == 56 && sizeof(Port_t) == 20 && sizeof(PCI_t) == 20 && sizeof(MSR_t) == 20 &&
-                   sizeof(NonTurbo_t) == 20 && sizeof(Memory_t) == 24,
-               "the sizes of the requests");
+typedef uint8_t Byte_t;
+typedef uint32_t Word_t;
 
 enum { kBiosBase = 0xF0000, kBiosSize = 0x10000, kRegisterBase = 0xFED00000, kRegisterSize = 256 };
 enum { kTableOffset = 0x200, kHypervisorFromProcessor = 2 };
+
+static const Word_t kNonTurbo[2] = {2400, 1};
 
 static Byte_t bios[kBiosSize];
 static Byte_t registers[kRegisterSize];
@@ -54,7 +45,7 @@ static NTSTATUS Version(Word_t* out, Word_t version) {
 }
 
 static NTSTATUS Cpuid(CPUIDRequest_t* request) {
-    CPUIDRecord_t* record = &request->Cpuid;
+    CPUIDRecord_t* record = &request->Registers;
     const Word_t leaf = record->Eax;
     __cpuid_count(leaf, record->Ecx, record->Eax, record->Ebx, record->Ecx, record->Edx);
     if (leaf == 1 && hypervisor != kHypervisorFromProcessor)
@@ -62,32 +53,33 @@ static NTSTATUS Cpuid(CPUIDRequest_t* request) {
     return STATUS_SUCCESS;
 }
 
-static NTSTATUS Port(Port_t* request, int write) {
+static NTSTATUS Port(PortRequest_t* request, int write) {
     if (request->Size == 0 || request->Size > 4 || request->Port < 0x80 || request->Port - 0x80 + request->Size > 4)
         return STATUS_UNSUCCESSFUL;
     Byte_t* port = ports + (request->Port - 0x80);
-    RtlCopyMemory(write ? port : (Byte_t*)&request->Data, write ? (Byte_t*)&request->Data : port, request->Size);
+    RtlCopyMemory(write ? port : request->Data, write ? request->Data : port, request->Size);
     return STATUS_SUCCESS;
 }
 
-static NTSTATUS Msr(MSR_t* request, int write) {
+static NTSTATUS Msr(MSRRecord_t* request, int write) {
     const Word_t place = request->Msr - 0x10;
     if (place >= 4) return STATUS_UNSUCCESSFUL;
     if (write) {
-        msrs[place].hi = request->Hi;
-        msrs[place].lo = request->Lo;
+        msrs[place].hi = request->HiContent;
+        msrs[place].lo = request->LoContent;
     }
-    request->Hi = msrs[place].hi;
-    request->Lo = msrs[place].lo;
+    request->HiContent = msrs[place].hi;
+    request->LoContent = msrs[place].lo;
     return STATUS_SUCCESS;
 }
 
-// One function, at location 0: byte n of its configuration space reads n. Bit 31 of its first word tells the road.
-static NTSTATUS Pci(PCI_t* request, int underHypervisor) {
+// One function, at location 0: byte n of its configuration space reads n. Bit 31 of its first word tells which request it was.
+static NTSTATUS Pci(PCIRequest_t* request, int underHypervisor) {
     const Word_t offset = request->RegisterOffset;
     if (request->Size != 4 || offset % 4 != 0 || offset > 252) return STATUS_INVALID_PARAMETER;
-    request->Data = request->Location != 0 ? 0xFFFFFFFF : offset * 0x01010101u + 0x03020100u;
-    if (offset == 0 && underHypervisor) request->Data |= 0x80000000;
+    Word_t word = request->Location != 0 ? 0xFFFFFFFF : offset * 0x01010101u + 0x03020100u;
+    if (offset == 0 && underHypervisor) word |= 0x80000000;
+    RtlCopyMemory(request->Data, &word, sizeof word);
     return STATUS_SUCCESS;
 }
 
@@ -100,16 +92,17 @@ static Byte_t* MemoryAt(unsigned long long address, Word_t size) {
     return NULL;
 }
 
-static NTSTATUS Memory(Memory_t* request, Byte_t* place, int write) {
+static NTSTATUS Memory(MemoryRequest_t* request, Byte_t* place, int write) {
+    Byte_t* data = (Byte_t*)(request + 1);
     if (place == NULL) return STATUS_UNSUCCESSFUL;
-    RtlCopyMemory(write ? place : request->Data, write ? request->Data : place, request->Size);
+    RtlCopyMemory(write ? place : data, write ? data : place, request->Size);
     return STATUS_SUCCESS;
 }
 
 // Device 1 has its registers where all are.
-static Byte_t* DynamicPlace(const Memory_t* request) {
-    Dynamic_t record;
-    RtlCopyMemory(&record, &request->Address, sizeof record);
+static Byte_t* DynamicPlace(const MemoryRequest_t* request) {
+    DynamicMMIORecord_t record;
+    RtlCopyMemory(&record, &request->Place, sizeof record);
     return record.Device == 1 ? MemoryAt(kRegisterBase + (unsigned long long)record.MMIOOffset, request->Size) : NULL;
 }
 
@@ -117,12 +110,14 @@ static Byte_t* DynamicPlace(const Memory_t* request) {
 static NTSTATUS CheckSizes(Word_t code, const void* buffer, ULONG in, ULONG out) {
     ULONG wantIn = 20, wantOut = 20;
     switch (code) {
-        case 0x80240000: wantIn = wantOut = sizeof(CPUIDRequest_t); break;
-        case 0x80240004: case 0x80240090: case 0x80240094: case 0x80240098: wantIn = 0, wantOut = 4; break;
-        case 0x802400FC: case 0x80240104: case 0x80240108: case 0x8024010C: case 0x80240110: case 0x80240114:
-        case 0x80240118:
-            if (in < sizeof(Memory_t)) return STATUS_BUFFER_TOO_SMALL;
-            if (((const Memory_t*)buffer)->Size != in - sizeof(Memory_t)) return STATUS_INVALID_PARAMETER;
+        case kRequestReadCPUID: wantIn = wantOut = sizeof(CPUIDRequest_t); break;
+        case kRequestDriverVersion: case kRequestCPULibVersion: case kRequestIOLibVersion: case kRequestPCILibVersion:
+            wantIn = 0, wantOut = 4;
+            break;
+        case kRequestMMIOReadStored: case kRequestMMIOReadGPIO: case kRequestMMIOWriteStored:
+        case kRequestMMIOWriteDynamic: case kRequestMMIOWriteGPIO: case kRequestMMIORead: case kRequestSystemTables:
+            if (in < sizeof(MemoryRequest_t)) return STATUS_BUFFER_TOO_SMALL;
+            if (((const MemoryRequest_t*)buffer)->Size != in - sizeof(MemoryRequest_t)) return STATUS_INVALID_PARAMETER;
             wantIn = wantOut = in;
             break;
         default: break;
@@ -131,30 +126,29 @@ static NTSTATUS CheckSizes(Word_t code, const void* buffer, ULONG in, ULONG out)
 }
 
 static NTSTATUS Answer(Word_t code, void* buffer) {
-    Memory_t* memory = buffer;
-    NonTurbo_t* nonTurbo = buffer;
+    MemoryRequest_t* memory = buffer;
+    NonTurboRecord_t* nonTurbo = buffer;
     switch (code) {
-        case 0x80240000: return Cpuid(buffer);
-        case 0x80240004: return Version(buffer, 0x01000001);
-        case 0x80240090: return Version(buffer, 0x01000002);
-        case 0x80240094: return Version(buffer, 0x01000003);
-        case 0x80240098: return Version(buffer, 0x01000004);
-        case 0x80240034: return Port(buffer, 0);
-        case 0x80244074: return Port(buffer, 1);
-        case 0x80240040: return Msr(buffer, 0);
-        case 0x80244080: return Msr(buffer, 1);
-        case 0x80240048: return Pci(buffer, 0);
-        case 0x802400F4: return Pci(buffer, 1);
-        case 0x8024009C:
-            nonTurbo->Result[0] = 2400;
-            nonTurbo->Result[1] = nonTurbo->Core;
+        case kRequestReadCPUID: return Cpuid(buffer);
+        case kRequestDriverVersion: return Version(buffer, 0x01000001);
+        case kRequestCPULibVersion: return Version(buffer, 0x01000002);
+        case kRequestIOLibVersion: return Version(buffer, 0x01000003);
+        case kRequestPCILibVersion: return Version(buffer, 0x01000004);
+        case kRequestReadPort: return Port(buffer, 0);
+        case kRequestWritePort: return Port(buffer, 1);
+        case kRequestReadMSR: return Msr(buffer, 0);
+        case kRequestWriteMSR: return Msr(buffer, 1);
+        case kRequestPCIRead: return Pci(buffer, 0);
+        case kRequestPCIReadHyperV: return Pci(buffer, 1);
+        case kRequestNonTurbo:
+            RtlCopyMemory(nonTurbo->Result, &kNonTurbo, sizeof kNonTurbo);
             return STATUS_SUCCESS;
-        case 0x80240114: case 0x80240118: return Memory(memory, MemoryAt(memory->Address, memory->Size), 0);
-        case 0x802400FC: case 0x80240104:
-            return Memory(memory, MemoryAt(memory->Address + memory->Offset, memory->Size), 0);
-        case 0x80240108: case 0x80240110:
-            return Memory(memory, MemoryAt(memory->Address + memory->Offset, memory->Size), 1);
-        case 0x8024010C: return Memory(memory, DynamicPlace(memory), 1);
+        case kRequestMMIORead: case kRequestSystemTables: return Memory(memory, MemoryAt(memory->Place.Address, memory->Size), 0);
+        case kRequestMMIOReadStored: case kRequestMMIOReadGPIO:
+            return Memory(memory, MemoryAt(memory->Place.Address + memory->Place.Offset, memory->Size), 0);
+        case kRequestMMIOWriteStored: case kRequestMMIOWriteGPIO:
+            return Memory(memory, MemoryAt(memory->Place.Address + memory->Place.Offset, memory->Size), 1);
+        case kRequestMMIOWriteDynamic: return Memory(memory, DynamicPlace(memory), 1);
         default: return STATUS_INVALID_DEVICE_REQUEST;
     }
 }

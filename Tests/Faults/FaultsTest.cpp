@@ -71,12 +71,12 @@ size_t UseStore() {
     uint8_t count = 0;
     if (GetSMBIOSStruture(17, &records, &count) == kSuccess) {
         bytes += count;
-        os_free(records);
+        os_FreeBlock(records);
     }
     SMBIOSTableImage_t* image = nullptr;
     if (GetSMBIOSDump(entry, &image) == kSuccess) {
         bytes += image->Length;
-        os_free(image);
+        os_FreeBlock(image);
     }
     EXPECT_EQ(LibSMBIOSExit(), kSuccess);
     return bytes;

@@ -34,15 +34,15 @@ fi
 # Programs that need nothing of the guest.
 cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
     -DZLIB_USE_STATIC_LIBS=ON >/dev/null
-cmake --build "$work/programs" --target quorlin_program MachineTest PlatformTest sample_files >"$work/build.log" || {
+cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwareTest OSTest sample_files >"$work/build.log" || {
     tail -40 "$work/build.log"
     exit 1
 }
 rm -rf "$work/root" "$work/sample"
 mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work/sample"
 "$work/programs/bin/sample_files" "$work/sample" >"$work/sample/options"
-cp "$work"/programs/bin/quorlin "$work"/programs/bin/MachineTest "$work"/programs/bin/PlatformTest /bin/busybox \
-    "$work/root/bin"
+for program in quorlin MachineTest LinuxHardwareTest OSTest; do cp "$work/programs/bin/$program" "$work/root/bin"; done
+cp /bin/busybox "$work/root/bin"
 cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
 ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests look for it
 chmod 755 "$work/root/init"

@@ -1,29 +1,23 @@
-// The report of an unhandled exception: its text by code and access, and that it reads no more than the record has.
+// The report of an unhandled exception: its text by code and access.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <iterator>
 #include <string>
 
 #include "Sources/CrashReport.h"
 
 namespace {
 
-std::string Report(DWORD code, std::initializer_list<ULONG_PTR> information) {
-    EXCEPTION_RECORD record = {};
-    record.ExceptionCode = code;
-    record.ExceptionAddress = reinterpret_cast<PVOID>(ULONG_PTR{0x1234});
-    record.NumberParameters = static_cast<DWORD>(information.size());
-    std::fill(std::begin(record.ExceptionInformation), std::end(record.ExceptionInformation), 0xEEEEEEEE);
-    std::copy(information.begin(), information.end(), record.ExceptionInformation);
-    EXCEPTION_POINTERS pointers = {&record, nullptr};
+std::string Report(uint32_t code, std::initializer_list<uint64_t> information) {
+    Fault_t fault = {code, 0x1234, {}};
+    std::copy(information.begin(), information.end(), fault.Information);
     testing::internal::CaptureStdout();
-    EXPECT_EQ(ReportUnhandledException(&pointers), 0);
+    EXPECT_EQ(ReportUnhandledException(fault), 0);
     return testing::internal::GetCapturedStdout();
 }
 
-// What stands between the address and the last frame line.
+// What is between the address and the last frame line.
 std::string Body(const std::string& report) {
     const size_t cause = report.find(" Cause: ");
     const size_t end = report.find("\n***EXCEPTION HANDLING END***\n");
@@ -34,7 +28,7 @@ std::string Body(const std::string& report) {
 
 TEST(CrashReport, TellsTheCause) {
     const struct {
-        DWORD code;
+        uint32_t code;
         std::string cause;
     } kCauses[] = {
         {0x80000002, "EXCEPTION_DATATYPE_MISALIGNMENT"},
@@ -49,11 +43,10 @@ TEST(CrashReport, TellsTheCause) {
 
 TEST(CrashReport, TellsTheAccess) {
     const struct {
-        DWORD code;
-        std::initializer_list<ULONG_PTR> information;
+        uint32_t code;
+        std::initializer_list<uint64_t> information;
         std::string text;
     } kAccesses[] = {
-        {0xC0000005, {},                  "ACCESS_VIOLATION Attempted to read from: 0x00000000"                  },
         {0xC0000005, {0, 0},              "ACCESS_VIOLATION Attempted to read from: 0x00000000"                  },
         {0xC0000005, {1, 0x7FFE12345678}, "ACCESS_VIOLATION Attempted to write to: 0x7ffe12345678"               },
         {0xC0000005, {8, 16},             "ACCESS_VIOLATION Data Execution Prevention (DEP) at: 0x00000010"      },
@@ -64,7 +57,7 @@ TEST(CrashReport, TellsTheAccess) {
     for (const auto& c : kAccesses) EXPECT_EQ(Body(Report(c.code, c.information)), " Cause: EXCEPTION_" + c.text);
 }
 
-TEST(CrashReport, StandsBetweenItsFrameLines) {
+TEST(CrashReport, IsBetweenItsFrameLines) {
     EXPECT_EQ(Report(0x80000003, {}),
               "\n***EXCEPTION HANDLING START***\n"
               " Exception at address: 0x0000000000001234 Cause: EXCEPTION_BREAKPOINT"

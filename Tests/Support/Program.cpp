@@ -8,7 +8,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 
 std::string ReadWholeFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);

@@ -11,8 +11,10 @@
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/Platform.h"
+#include "Packages/OS/OSServices.h"
+#include "Packages/OS/Windows/Windows.h"
 #include "Sources/Quorlin.h"
+#include "Sources/quorlin_c.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 
@@ -412,6 +414,35 @@ TEST(Crash, AHostThatReadsThroughNullSaysSo) {
     EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING START***")) << report;
     EXPECT_TRUE(Has(report, "EXCEPTION_ACCESS_VIOLATION Attempted to read from: 0x00000000")) << report;
     EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING END***")) << report;
+}
+
+LONG WINAPI FilterOfHost(EXCEPTION_POINTERS*) { return EXCEPTION_CONTINUE_SEARCH; }
+
+// The C interface leaves the host's filter alone. A package takes its place, and the unloaded library leaves none.
+TEST(Crash, NoFilterLeadsIntoAnUnloadedLibrary) {
+    const LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(FilterOfHost);
+    const HMODULE library = LoadLibraryA(FullPath(QUORLIN_LIBRARY).c_str());
+    ASSERT_NE(library, nullptr);
+    const auto find = [library](const char* name) { return reinterpret_cast<void*>(GetProcAddress(library, name)); };
+    const std::vector<uint8_t> table = TableOf({ClStructureBuilder(3, 9)});
+    const ImageSource_t image = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0};
+    quorlin_table* opened = nullptr;
+    EXPECT_EQ(reinterpret_cast<decltype(&quorlin_open_memory)>(find("quorlin_open_memory"))(table.data(), table.size(),
+                                                                                            nullptr, &opened),
+              QUORLIN_OK);
+    reinterpret_cast<decltype(&quorlin_close)>(find("quorlin_close"))(opened);
+    EXPECT_EQ(SetUnhandledExceptionFilter(FilterOfHost), FilterOfHost);
+    EXPECT_EQ(reinterpret_cast<decltype(&SetImageMachine)>(find("SetImageMachine"))(&image), kSuccess);
+    BaseAbstraction* package = reinterpret_cast<decltype(&CreateSmbiosPackage)>(find("CreateSmbiosPackage"))();
+    EXPECT_EQ(package->Initialize(), kSuccess);
+    EXPECT_EQ(package->UnInitialize(), kSuccess);
+    reinterpret_cast<decltype(&DestroySmbiosPackage)>(find("DestroySmbiosPackage"))(package);
+    char* name = nullptr;
+    EXPECT_EQ(reinterpret_cast<decltype(&os_GetOSName)>(find("os_GetOSName"))(&name), kSuccess);
+    reinterpret_cast<decltype(&os_FreeBlock)>(find("os_FreeBlock"))(name);
+    EXPECT_NE(FreeLibrary(library), 0);
+    EXPECT_EQ(GetModuleHandleA("quorlin.dll"), nullptr);
+    EXPECT_EQ(SetUnhandledExceptionFilter(before), nullptr);
 }
 
 // The C runtime would read the names in the system's code page.

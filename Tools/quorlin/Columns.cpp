@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Text.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #include "Tools/quorlin/Commands.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <new>
 
 #include "Tools/quorlin/Output.h"
@@ -46,5 +47,6 @@ int RunProgram(Arguments_t arguments) {
         exitCode = command->usage.trouble;
     }
     EndTrace();
-    return exitCode;
+    // A message that nobody can have read is a failure too.
+    return std::ferror(stderr) != 0 ? std::max(exitCode, command->usage.trouble) : exitCode;
 }

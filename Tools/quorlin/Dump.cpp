@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Model.h"
 #include "Tools/quorlin/Output.h"

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
@@ -41,7 +42,7 @@ const char* WordsOf(status_t status) {
         case kBadValue: return "an argument is out of range";
         case kNoMemory: return "out of memory";
         case kNullPointer: return "there is nothing";
-        case kNotSupported: return "not to be had under a hypervisor";
+        case kNotSupported: return "not available on this system or under its hypervisor";
         default: return "it failed, or there is no such thing here";
     }
 }

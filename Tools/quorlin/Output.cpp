@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Text.h"
 
 namespace {

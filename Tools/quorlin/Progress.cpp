@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 
 using std::chrono::steady_clock;
 

@@ -1,6 +1,7 @@
 // quorlin show: the items of a table.
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Csv.h"

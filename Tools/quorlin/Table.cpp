@@ -6,9 +6,10 @@
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/Platform.h"
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 #include "Packages/Sample/Sample.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Progress.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr DWORD kRawSMBIOSProvider = 0x52534D42;
 constexpr uint8_t kNoSweep = 127;  // a preset type, so that a package decodes only what it is asked for
 
 // What this machine's operations did while it was brought up, which the store doesn't tell.
@@ -52,7 +52,8 @@ std::string WhyNoTable(const Source_t& source) {
         return std::string(watched.isOpen ? "the scan of its memory finds no table, or may not read it"
                                           : "its driver isn't to be had") +
                "; try as root, or without --road";
-    if (GetSystemFirmwareTable(kRawSMBIOSProvider, 0, nullptr, 0) == 0 && GetLastError() == ERROR_ACCESS_DENIED)
+    bool refused = false;
+    if (os_GetFirmwareTable(kSMBIOSProvider, 0, nullptr, 0, &refused) == 0 && refused)
         return "reading the SMBIOS table needs more rights; try as root";
     return "no SMBIOS table here; try --sample, or --image FILE";
 }

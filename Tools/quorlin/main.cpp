@@ -1,11 +1,11 @@
 // The host program.
 #include <utility>
 
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Commands.h"
 
 int main(int argc, char** argv) {
-    PrepareStandardOutput();
+    PrepareStandardStreams();
     Arguments_t arguments = ProgramArguments(argc, argv);
     if (!arguments.empty()) arguments.erase(arguments.begin());
     return RunProgram(std::move(arguments));

@@ -7,7 +7,9 @@
 
 #define TRACE(function, level, ...) CONTAINER_TRACE("Container", function, level, __VA_ARGS__)
 
-ContainerLibrary_t containerLibrary = {0, nullptr, {}, os_malloc, os_free};
+ContainerLibrary_t containerLibrary = {0, false, nullptr, os_malloc, os_free};
+
+static constexpr LibVersion_t kVersion = {"02", "00", "0", "1001"};
 
 struct ContainerKind_t {
     status_t (*Init)(ContainerHandle_t handle);
@@ -56,6 +58,7 @@ static constexpr ContainerCompare_t kCompareFunctions[] = {CompareValues<int32_t
                                                            CompareValues<float>, CompareStrings};
 
 static void CloseTrace() {
+    if (containerLibrary.Trace == nullptr) return;
     DebugLibExit(containerLibrary.Trace);
     containerLibrary.Trace = nullptr;
 }
@@ -74,14 +77,14 @@ static status_t InitFailed(ContainerHandle_t made) {
     return kFailure;
 }
 
-static HANDLE CreateLock(const ContainerParams_t& params) {
+static NamedLock_t* CreateLock(const ContainerParams_t& params) {
     char name[sizeof params.ListName + 1];  // room for a name without its NUL
     os_strncpy(name, params.ListName, sizeof params.ListName);
-    return CreateMutexA(nullptr, FALSE, name);
+    return os_OpenNamedLock(name);
 }
 
 status_t InitContainer(ContainerParams_t* params, ContainerHandle_t* handle, uint8_t) {
-    containerLibrary.Version = {"02", "00", "0", "1001"};
+    containerLibrary.IsUsed = true;
     if (params == nullptr) return InitFailed("\n Memory not allocated for container params handle. ");
     if (params->DataType < std::size(kCompareFunctions)) params->CompareFunction = kCompareFunctions[params->DataType];
     if (params->OwnPositionFunction == 0) params->PositionFunction = SortedListPosition;
@@ -98,8 +101,8 @@ status_t InitContainer(ContainerParams_t* params, ContainerHandle_t* handle, uin
     if (params->ContainerType >= std::size(kKinds) || kKinds[params->ContainerType].Init(made) != kSuccess)
         return InitFailed(made);
     made->Operations = kKinds[params->ContainerType].Operations;
-    made->Mutex = CreateLock(*params);
-    if (made->Mutex == nullptr) return InitFailed(made);
+    made->Lock = CreateLock(*params);
+    if (made->Lock == nullptr) return InitFailed(made);
     *handle = made;
     ++containerLibrary.LiveContainers;
     TRACE("InitContainer", kExit, "\n return status : 0x%x", kSuccess);
@@ -111,7 +114,7 @@ status_t UnInitContainer(ContainerHandle_t handle) {
     TRACE("UnInitContainer", kEntry, "\n( List Name: %s) Entered Function %s", handle->ListName, "UnInitContainer");
     char name[sizeof handle->ListName];
     os_strncpy(name, handle->ListName, sizeof name - 1);
-    CloseHandle(handle->Mutex);
+    os_CloseNamedLock(handle->Lock);
     containerLibrary.Free(handle);
     TRACE("UnInitContainer", kExit, "\n( List Name: %s) return status : 0x%x", name, kSuccess);
     if (--containerLibrary.LiveContainers == 0) CloseTrace();
@@ -129,11 +132,11 @@ static status_t Run(ContainerHandle_t handle, const char* name,
     status_t status = kFailure;
     if (operation == nullptr) {
         TRACE(name, kError, "\n( List Name: %s) %s Function failed. ", handle->ListName, name);
-    } else if (WaitForSingleObject(handle->Mutex, INFINITE) == WAIT_FAILED) {
+    } else if (!os_TakeNamedLock(handle->Lock)) {
         TRACE(name, kError, "\n( List Name: %s) %s can't take the lock. ", handle->ListName, name);
     } else {
         status = operation(handle, values...);
-        ReleaseMutex(handle->Mutex);
+        os_ReleaseNamedLock(handle->Lock);
     }
     TRACE(name, kExit, "\n( List Name: %s) return status : 0x%x", handle->ListName, status);
     return status;
@@ -173,6 +176,6 @@ status_t UpdateNode(ContainerHandle_t handle, void* oldData, void* newData) {
 
 status_t GetContainerLibVersion(LibVersion_t* version) {
     if (version == nullptr) return kNullPointer;
-    *version = containerLibrary.Version;
+    *version = containerLibrary.IsUsed ? kVersion : LibVersion_t{};
     return kSuccess;
 }

@@ -1,13 +1,15 @@
 // What stands behind a container's handle: the record, the nodes of each kind, and the operations of each kind.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
 #include "Packages/Container/Container.h"
 #include "Packages/Debug/Debug.h"
+#include "Packages/OS/Memory.h"
+#include "Packages/OS/NamedLock.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/Platform.h"
 
 // Each source file defines TRACE(function, level, ...) with its own name.
 #define CONTAINER_TRACE(file, function, level, ...) \
@@ -80,7 +82,7 @@ struct ContainerRecord_t {
     ContainerCompare_t CompareFunction;
     ContainerPosition_t PositionFunction;
     ContainerOperations_t Operations;
-    HANDLE Mutex;
+    NamedLock_t* Lock;
     size_t ListCount;   // nodes of a list
     RBNode_t Sentinel;  // of a red-black tree, its own: a delete writes the Parent while it runs
     ListPlace_t ListPlace;
@@ -88,11 +90,11 @@ struct ContainerRecord_t {
 };
 static_assert(offsetof(ContainerRecord_t, ListName) == 0);
 
-// The library's state. Creation and destruction of containers change it and take no lock.
+// The library's state.
 struct ContainerLibrary_t {
-    int32_t LiveContainers;
-    DebugHandle_t Trace;  // nothing opens it yet: trace calls of this library cost one test
-    LibVersion_t Version;
+    std::atomic<int32_t> LiveContainers;
+    std::atomic<bool> IsUsed;  // from the first InitContainer on
+    DebugHandle_t Trace;       // nothing opens it yet: trace calls of this library cost one test
     void* (*Malloc)(size_t size);  // os_malloc and os_free; a test puts failing ones here
     void (*Free)(void* block);
 };

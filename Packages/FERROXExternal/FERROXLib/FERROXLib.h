@@ -8,7 +8,7 @@
 //            this road; 0 the driver refused the request. Null pointers are tested first. Test for 1.
 // Ownership  Records and buffers are the caller's. A read fills the caller's block in place, on status 1 only, except
 //            PCIRead, and PCIExRead under a hypervisor, which may have filled the first bytes before they fail.
-//            What an operation allocates for its caller says so and is released with os_free.
+//            What an operation allocates for its caller says so and is released with os_FreeBlock.
 // Threads    FERROXInitialize and FERROXTerminate order themselves by the named mutex "FERROXLIB", also between the
 //            processes of a session. All others take no lock: any number of threads at once, but none beside the last
 //            FERROXTerminate.
@@ -18,8 +18,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "Packages/FERROXExternal/FERROXLib/Sources/Protocol.h"
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
 
 // The head of a caller's block of 4 + Size bytes. On a read the caller sets Size and provides the room; on a write the
 // block holds the bytes to be written.
@@ -31,45 +32,8 @@ struct DataBuffer_t {
 };
 static_assert(sizeof(DataBuffer_t) == 4);
 
-// One model-specific register of one processor.
-struct MSRRecord_t {
-    uint32_t Reserved;
-    uint32_t Cpu;        // processor number, from 0
-    uint32_t Msr;        // register number
-    uint32_t HiContent;  // bits 63 to 32
-    uint32_t LoContent;  // bits 31 to 0
-};
-static_assert(sizeof(MSRRecord_t) == 20 && offsetof(MSRRecord_t, Msr) == 8 && offsetof(MSRRecord_t, LoContent) == 16);
-
-// Eax and Ecx carry leaf and sub-leaf in, and all four registers come back.
-struct CPUIDRecord_t {
-    uint32_t Reserved;
-    uint32_t Eax;
-    uint32_t Ebx;
-    uint32_t Ecx;
-    uint32_t Edx;
-};
-static_assert(sizeof(CPUIDRecord_t) == 20 && offsetof(CPUIDRecord_t, Eax) == 4 && offsetof(CPUIDRecord_t, Ecx) == 12);
-
 // The processor number that stands for no particular processor.
 inline constexpr uint32_t kAnyProcessor = 256;
-
-// What the driver measures a processor's non-turbo frequency with.
-struct NonTurboRecord_t {
-    uint32_t Core;
-    uint32_t Msr;
-    uint32_t PMTimerAddress;
-    uint8_t Result[8];  // the driver's own form
-};
-static_assert(sizeof(NonTurboRecord_t) == 20 && offsetof(NonTurboRecord_t, Result) == 12);
-
-// A register of a device whose base address the driver finds itself.
-struct DynamicMMIORecord_t {
-    uint32_t Device;  // read by the driver alone
-    uint32_t PCIRegisterOffset;
-    uint32_t MMIOOffset;
-};
-static_assert(sizeof(DynamicMMIORecord_t) == 12 && offsetof(DynamicMMIORecord_t, MMIOOffset) == 8);
 
 // One PCI segment and the memory-mapped configuration space of its buses.
 #pragma pack(push, 1)
@@ -154,7 +118,8 @@ QUORLIN_API status_t ReadCPUID(uint32_t processor, CPUIDRecord_t* record);
 QUORLIN_API status_t CalcFreqNonTurbo(NonTurboRecord_t* record);
 
 // An ACPI table by its four-letter signature, such as "FACP". Needs no driver.
-// table   gets a new block, Size and then the table: the caller's, to be released with os_free. Size is 0 for a table
+// table   gets a new block, Size and then the table: the caller's, to be released with os_FreeBlock. Size is 0 for a
+// table
 //         that went away between the look at its size and the reading
 // Status  1; 4 null; 2 a name that isn't four letters long; 5 no such table, or one that grew meanwhile; 3
 // Source  ACPI specification, system description tables

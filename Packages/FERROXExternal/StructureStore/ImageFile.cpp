@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Packages/Platform/Program.h"
+#include "Packages/OS/Program.h"
 
 namespace {
 

@@ -8,11 +8,12 @@
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/StructureStore.h"
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
 
 // One table road. Status 1: bytes 6 and 7 of `entry` (16 bytes) hold SMBIOS major and minor, byte 14 of `dmiEntry`
-// (15 bytes) the revision, and `image` a block that is the caller's. Any other status: this road has no table.
+// (15 bytes) the revision, and `image` a block of os_NewBlock, which is the caller's. Any other status: this road has
+// no table.
 using TableRoad_t = status_t (*)(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 
 struct MachineServices_t {

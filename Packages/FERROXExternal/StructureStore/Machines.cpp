@@ -1,9 +1,9 @@
 // The machines that package and store can work on.
-#include <cpuid.h>
-
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
+#include "Packages/OS/Processors.h"
 
 namespace {
 
@@ -13,7 +13,9 @@ status_t NoTable(uint8_t*, uint8_t*, SMBIOSTableImage_t**) { return kFailure; }
 
 status_t ReadCPUIDByInstruction(uint32_t, CPUIDRecord_t* record) {
     if (record == nullptr) return kNullPointer;
-    __cpuid_count(record->Eax, record->Ecx, record->Eax, record->Ebx, record->Ecx, record->Edx);
+    uint32_t registers[4] = {record->Eax, record->Ebx, record->Ecx, record->Edx};
+    os_ReadCPUID(registers);
+    *record = {record->Reserved, registers[0], registers[1], registers[2], registers[3]};
     return kSuccess;
 }
 

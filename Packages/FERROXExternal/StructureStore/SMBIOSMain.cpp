@@ -5,6 +5,7 @@
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 
 DebugHandle_t storeTraceHandle = nullptr;

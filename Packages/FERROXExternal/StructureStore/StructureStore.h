@@ -6,14 +6,14 @@
 //            bytes as its Length says and its string area ends in a double NUL. Source: the SMBIOS standard,
 //            "structure standards".
 // Ownership  The store owns its records from the first LibSMBIOSInit to the last LibSMBIOSExit. They don't change
-//            meanwhile. What a function allocates for its caller is the caller's, to be released with os_free.
+//            meanwhile. What a function allocates for its caller is the caller's, to be released with os_FreeBlock.
 // Threads    LibSMBIOSInit and LibSMBIOSExit are for one thread at a time; lookups on a store that is up are not.
 #pragma once
 
 #include <cstdint>
 
+#include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
-#include "Packages/Platform/Export.h"
 
 inline constexpr uint32_t kEntryBufferSize = 16;     // head of the _SM_ entry point; bytes 6 and 7 hold the version
 inline constexpr uint32_t kDMIEntryBufferSize = 15;  // the _DMI_ entry point

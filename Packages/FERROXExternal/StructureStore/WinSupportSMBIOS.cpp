@@ -5,16 +5,16 @@
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
-#include "Packages/Platform/Platform.h"
 
 #define TRACE(function, level, ...) \
     QUORLIN_TRACE(storeTraceHandle, "StructureStore\\WinSupportSMBIOS", function, level, __VA_ARGS__)
 
 namespace {
 
-constexpr DWORD kRawSMBIOSProvider = 0x52534D42;  // "RSMB"
-constexpr UINT kAnswerHead = 8;                   // calling method, major, minor, revision, length
+constexpr uint32_t kAnswerHead = 8;  // calling method, major, minor, revision, length
 
 // Where the entry points stand: in the BIOS area, each on a 16-byte boundary. Source: the SMBIOS standard, "accessing
 // SMBIOS information".
@@ -83,7 +83,7 @@ status_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
 }  // namespace
 
 status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
-    const UINT size = GetSystemFirmwareTable(kRawSMBIOSProvider, 0, nullptr, 0);
+    const uint32_t size = os_GetFirmwareTable(kSMBIOSProvider, 0, nullptr, 0, nullptr);
     if (size == 0) {
         TRACE("osGetStructuresDataEFI", kErrorExit, "No SMBIOS Table present ");
         return kFailure;
@@ -94,7 +94,7 @@ status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableIm
         return kNoMemory;
     }
     // An answer without a whole head can't be one.
-    if (GetSystemFirmwareTable(kRawSMBIOSProvider, 0, answer, size) != size || size < kAnswerHead) {
+    if (os_GetFirmwareTable(kSMBIOSProvider, 0, answer, size, nullptr) != size || size < kAnswerHead) {
         TRACE("osGetStructuresDataEFI", kErrorExit, "Error reading SMBIOS Table ... Exiting ");
         os_free(answer);
         return kFailure;

@@ -184,11 +184,11 @@ struct {
 void* CountedMalloc(size_t size) {
     if (heap.allowed-- == 0) return nullptr;
     ++heap.live;
-    return os_malloc(size);
+    return os_NewBlock(size);
 }
 void CountedFree(void* block) {
     --heap.live;
-    os_free(block);
+    os_FreeBlock(block);
 }
 
 TEST(Memory, RunningOutLeavesWhatWasThere) {
@@ -243,7 +243,7 @@ TEST(Memory, RunningOutLeavesWhatWasThere) {
     EXPECT_EQ(containerLibrary.LiveContainers, live);
     EXPECT_EQ(heap.live, 0);
     containerLibrary.Malloc = os_malloc;
-    containerLibrary.Free = os_free;
+    containerLibrary.Free = os_FreeBlock;
 }
 
 // A comparison may read its container by index, and sees it as it is at that moment.

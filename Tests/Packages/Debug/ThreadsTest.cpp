@@ -1,8 +1,10 @@
 // One handle from several threads. Built with the thread sanitizer this also shows that none of them races.
 #include <algorithm>
+#include <atomic>
 #include <sstream>
 #include <thread>
 
+#include "Packages/Container/Container.h"
 #include "Tests/Packages/Debug/TraceFixture.h"
 
 using Threads = ClTraceTest;
@@ -37,4 +39,28 @@ TEST_F(Threads, WriteWholeLinesIntoOneFile) {
     std::ranges::sort(lines);
     std::ranges::sort(expected);
     EXPECT_EQ(lines, expected);
+}
+
+TEST_F(Threads, OpenAndCloseHandlesAndContainers) {
+    constexpr int kThreads = 4, kRounds = 500;
+    std::atomic<int> done = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&done, t] {
+            const std::string own = "Own" + std::to_string(t);
+            for (int i = 0; i < kRounds; ++i) {
+                DebugHandle_t shared = nullptr, alone = nullptr;
+                ContainerParams_t params = {"Threads", kPlainList, kInt32Data, 0, nullptr, nullptr};
+                ContainerHandle_t list = nullptr;
+                const bool isOpen = DebugLibInit("Shared", &shared) == kSuccess &&
+                                    DebugLibInit(own.c_str(), &alone) == kSuccess &&
+                                    InitContainer(&params, &list, 0) == kSuccess;
+                QUORLIN_TRACE(shared, "", "Run", kEntry, "round %d", i);
+                const bool isClosed = isOpen && UnInitContainer(list) == kSuccess && DebugLibExit(alone) == kSuccess &&
+                                      DebugLibExit(shared) == kSuccess;
+                done += isClosed;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(done, kThreads * kRounds);
 }

@@ -32,29 +32,29 @@ std::vector<uint8_t> MCFG(const std::vector<Entry_t>& entries, uint32_t length =
 }  // namespace
 
 TEST_F(ACPI, TableIntoANewBlock) {
-    Platform().tables["FACP"] = {1, 2, 3, 4, 5};
+    Machine().tables["FACP"] = {1, 2, 3, 4, 5};
     DataBuffer_t* table = nullptr;
     ASSERT_EQ(GetACPITable("FACP", &table), kSuccess);
     EXPECT_EQ(table->Size, 5u);
     EXPECT_EQ(Hex(table->Data(), 5), "01 02 03 04 05");
-    os_free(table);
+    os_FreeBlock(table);
 
     table = nullptr;
     EXPECT_EQ(GetACPITable("FAC", &table), kBadValue);
     EXPECT_EQ(GetACPITable("FACPX", &table), kBadValue);
-    EXPECT_TRUE(Platform().Traced(16, " OSGetACPITable  ACPI table Name not correct Status = 0x2"));
+    EXPECT_TRUE(Machine().Traced(16, " OSGetACPITable  ACPI table Name not correct Status = 0x2"));
     EXPECT_EQ(GetACPITable("SSDT", &table), kFailure);
-    EXPECT_TRUE(Platform().Traced(16, "Error in reading ACPI SSDT table"));
-    ClScriptedPlatform::failAllocationOf = 9;
+    EXPECT_TRUE(Machine().Traced(16, "Error in reading ACPI SSDT table"));
+    ClScriptedWindows::failAllocationOf = 9;
     EXPECT_EQ(GetACPITable("FACP", &table), kNoMemory);
-    EXPECT_TRUE(Platform().Traced(16, "Error in Memory allocation "));
-    ClScriptedPlatform::failAllocationOf = 0;
+    EXPECT_TRUE(Machine().Traced(16, "Error in Memory allocation "));
+    ClScriptedWindows::failAllocationOf = 0;
     EXPECT_EQ(table, nullptr);
 }
 
 // The size is what the second look gave, and never more than there is room for.
 TEST_F(ACPI, TableThatChangesBetweenTheLooks) {
-    Platform().tables["FACP"] = {1, 2, 3, 4, 5};
+    Machine().tables["FACP"] = {1, 2, 3, 4, 5};
     const struct {
         const char* what;
         UINT first, second;
@@ -66,20 +66,20 @@ TEST_F(ACPI, TableThatChangesBetweenTheLooks) {
     };
     for (const auto& c : kCases) {
         DataBuffer_t* table = nullptr;
-        Platform().tableAnswers = {c.first, c.second};
+        Machine().tableAnswers = {c.first, c.second};
         EXPECT_EQ(GetACPITable("FACP", &table), c.newBlock) << c.what;
         EXPECT_EQ(table == nullptr ? ~0u : table->Size, c.newBlock == kSuccess ? c.second : ~0u) << c.what;
-        os_free(table);
+        os_FreeBlock(table);
         ClBuffer buffer(c.first);
         uint32_t size = 99;
-        Platform().tableAnswers = {c.first, c.second};
+        Machine().tableAnswers = {c.first, c.second};
         EXPECT_EQ(GetACPITableEx("FACP", buffer.Get(), &size), c.ownBlock) << c.what;
         EXPECT_EQ(size, c.second) << c.what;
     }
 }
 
 TEST_F(ACPI, TableIntoTheCallersBuffer) {
-    Platform().tables["FACP"] = {1, 2, 3, 4, 5};
+    Machine().tables["FACP"] = {1, 2, 3, 4, 5};
     const struct {
         const char *what, *name;
         uint32_t room;
@@ -99,10 +99,10 @@ TEST_F(ACPI, TableIntoTheCallersBuffer) {
         uint32_t size = 99;
         EXPECT_EQ(GetACPITableEx(c.name, buffer.Get(), &size), c.status) << c.what;
         EXPECT_EQ(size, c.size) << c.what;
-        EXPECT_EQ(buffer.Text(), c.text) << c.what;
+        EXPECT_EQ(Text(buffer), c.text) << c.what;
         EXPECT_EQ(buffer.Get()->Size, c.room) << c.what;
     }
-    EXPECT_TRUE(Platform().Traced(16, " OSGetACPITable Status = 0x2"));
+    EXPECT_TRUE(Machine().Traced(16, " OSGetACPITable Status = 0x2"));
     uint32_t size = 0;
     EXPECT_EQ(GetACPITableEx("FACP", nullptr, &size), kSuccess);
     EXPECT_EQ(size, 5u);
@@ -127,7 +127,7 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         {"more than there are numbers", 300, 0,          1, 256},
     };
     for (const auto& c : kCases) {
-        Platform().tables["MCFG"] = MCFG(std::vector(c.entries, kSegment), c.length);
+        Machine().tables["MCFG"] = MCFG(std::vector(c.entries, kSegment), c.length);
         // As large as the table's count of entries, so that the sanitizers see one too many.
         std::vector<SegBusInfo_t> segments(std::max(c.count, 1u));
         uint32_t count = 99;
@@ -141,11 +141,11 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         EXPECT_EQ(uint32_t{last.SegmentCount}, c.count) << c.what;
     }
     SegBusInfo_t segment = {};
-    Platform().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // no whole header
+    Machine().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // no whole header
     EXPECT_EQ(GetSegBusInfo(&segment), kFailure);
-    EXPECT_TRUE(Platform().Traced(2, "Total Number of segments = 256"));
+    EXPECT_TRUE(Machine().Traced(2, "Total Number of segments = 256"));
     EXPECT_TRUE(
-        Platform().Traced(48, "OSGetSegBusInfo: No PCI segment found. This might not be a Selvane based system!!\n"));
+        Machine().Traced(48, "OSGetSegBusInfo: No PCI segment found. This might not be a Selvane based system!!\n"));
 }
 
 TEST_F(ACPI, SegmentsThatCannotBeRead) {
@@ -155,23 +155,23 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
     testing::internal::CaptureStdout();
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error getting ACPI table size\n");
-    Platform().tables["MCFG"] = MCFG({
+    Machine().tables["MCFG"] = MCFG({
         {0xE0000000, 0, 0, 255}
     });
-    Platform().tableAnswers = {44, 44, 60};  // grown at the third look
+    Machine().tableAnswers = {44, 44, 60};  // grown at the third look
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kBadValue);
-    EXPECT_TRUE(Platform().Traced(16, "ERROR in OSGetSegBusInfo status =  2"));
-    ClScriptedPlatform::failAllocationOf = 64;
+    EXPECT_TRUE(Machine().Traced(16, "ERROR in OSGetSegBusInfo status =  2"));
+    ClScriptedWindows::failAllocationOf = 64;
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kNoMemory);
-    ClScriptedPlatform::failAllocationOf = 0;
+    ClScriptedWindows::failAllocationOf = 0;
     EXPECT_EQ(count, 99u);
-    Platform().tableAnswers = {60, 60, 0};  // gone
+    Machine().tableAnswers = {60, 60, 0};  // gone
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kFailure);
     EXPECT_EQ(count, 0u);
 }
 
 TEST_F(ACPI, BaseOfALocation) {
-    Platform().tables["MCFG"] = MCFG({
+    Machine().tables["MCFG"] = MCFG({
         {0xE0000000,  1, 1, 0x3F},
         {0xF0000000,  1, 0, 0xFF},
         {0x2F0000000, 2, 0, 0xFF},
@@ -195,12 +195,12 @@ TEST_F(ACPI, BaseOfALocation) {
         EXPECT_EQ(GetPCIExCfgBaseAddr(&base, c.location), c.status) << c.what;
         EXPECT_EQ(base, c.base) << c.what;
     }
-    EXPECT_TRUE(Platform().Traced(2, "Start Bus =  1"));
-    EXPECT_TRUE(Platform().Traced(2, "End Bus =  63"));
+    EXPECT_TRUE(Machine().Traced(2, "Start Bus =  1"));
+    EXPECT_TRUE(Machine().Traced(2, "End Bus =  63"));
 }
 
 TEST_F(ACPI, ExtendedSpaceIsReadFromTheSegmentsBase) {
-    Platform().tables["MCFG"] = MCFG({
+    Machine().tables["MCFG"] = MCFG({
         {0x00000002E0000005, 0, 0, 0x7F},
         {0,                  1, 0, 0   }
     });
@@ -219,15 +219,15 @@ TEST_F(ACPI, ExtendedSpaceIsReadFromTheSegmentsBase) {
     };
     for (const auto& c : kCases) {
         ClBuffer buffer(c.size);
-        Platform().requests.clear();
+        Machine().requests.clear();
         EXPECT_EQ(PCIExRead(c.location, c.offset, buffer.Get()), c.status) << c.what;
         if (c.status != kSuccess) {
-            EXPECT_EQ(Platform().requests.size(), 0u) << c.what;
+            EXPECT_EQ(Machine().requests.size(), 0u) << c.what;
             continue;
         }
-        ASSERT_EQ(Platform().requests.size(), 1u) << c.what;
-        EXPECT_EQ(Platform().requests[0].code, 0x80240114u) << c.what;
-        EXPECT_EQ(Platform().requests[0].Number(8, 8), c.address) << c.what;
+        ASSERT_EQ(Machine().requests.size(), 1u) << c.what;
+        EXPECT_EQ(Machine().requests[0].code, 0x80240114u) << c.what;
+        EXPECT_EQ(Machine().requests[0].Number(8, 8), c.address) << c.what;
     }
-    EXPECT_TRUE(Platform().Traced(16, "OSPCIExRead: myPCIExBaseAddr read failed. status = 2"));
+    EXPECT_TRUE(Machine().Traced(16, "OSPCIExRead: myPCIExBaseAddr read failed. status = 2"));
 }

@@ -2,6 +2,7 @@
 #include <functional>
 #include <span>
 
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Tests/Packages/FERROXLib/Library.h"
 
 namespace {
@@ -69,14 +70,14 @@ TEST_F(Front, ChecksArgumentsBeforeTheDriverIsAsked) {
         {"segments null",       [] { return GetSegBusInfo(nullptr); },                      4},
     };
     for (const auto& c : kCases) EXPECT_EQ(c.call(), c.status) << c.what;
-    EXPECT_EQ(Platform().requests.size(), 0u);
-    EXPECT_FALSE(Platform().Called("GetSystemFirmwareTable"));
+    EXPECT_EQ(Machine().requests.size(), 0u);
+    EXPECT_FALSE(Machine().Called("GetSystemFirmwareTable"));
 }
 
 TEST_F(Front, TracesEntryArgumentsAndExit) {
     ClBuffer buffer(8);
     PCIExRead(0, 16, buffer.Get());
-    const auto& lines = Platform().lines;
+    const auto& lines = Machine().lines;
     ASSERT_GE(lines.size(), 3u);
     EXPECT_EQ(lines.front().level, 1u);
     EXPECT_EQ(lines.front().text, "PCIExRead");
@@ -110,14 +111,14 @@ TEST_F(Front, BytesAreMovedAtGoodPlacesOnly) {
         const std::string line = std::string(c.name) + ": Invalid register offset status = 2\n";
         EXPECT_EQ(c.move(0x1000, 65535, nullptr), kNullPointer) << c.name;
         EXPECT_EQ(c.move(0x1000, 0, none.Get()), kBadValue) << c.name;
-        EXPECT_FALSE(Platform().Traced(16, line)) << c.name;
+        EXPECT_FALSE(Machine().Traced(16, line)) << c.name;
         for (const auto& [address, offset] : std::span(kBadPlaces).first(c.hasAddress ? 3 : 1)) {
-            Platform().lines.clear();
+            Machine().lines.clear();
             EXPECT_EQ(c.move(address, offset, four.Get()), kBadValue) << c.name;
-            EXPECT_EQ(Platform().Traced(16, line), c.told) << c.name;
+            EXPECT_EQ(Machine().Traced(16, line), c.told) << c.name;
         }
     }
-    EXPECT_EQ(Platform().requests.size(), 0u);
+    EXPECT_EQ(Machine().requests.size(), 0u);
 }
 
 TEST_F(Front, ClosedLibraryReachesNoDriver) {
@@ -129,38 +130,101 @@ TEST_F(Front, ClosedLibraryReachesNoDriver) {
     EXPECT_EQ(ReadWakeupTimer(0x70, one.Get()), 0u);
     EXPECT_EQ(GetFERROXDriverVersion(&word), kFailure);
     EXPECT_EQ(CalcFreqNonTurbo(&nonTurbo), kFailure);
-    EXPECT_EQ(Platform().requests.size(), 0u);
+    EXPECT_EQ(Machine().requests.size(), 0u);
 }
 
 TEST_F(FrontLife, LastTerminateOfTheProcessClosesTheDriver) {
     EXPECT_EQ(FERROXTerminate(), kFailure);
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     ASSERT_EQ(FERROXInitialize(), kSuccess);
-    EXPECT_EQ(Platform().SharedCount(), 1u);  // one open by this process, however many uses
+    EXPECT_EQ(Machine().SharedCount(), 1u);  // one open by this process, however many uses
     EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_TRUE(Platform().service.exists);
+    EXPECT_TRUE(Machine().service.exists);
     EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_FALSE(Platform().service.exists);
+    EXPECT_FALSE(Machine().service.exists);
     EXPECT_EQ(FERROXTerminate(), kFailure);
 }
 
 TEST_F(FrontLife, AFailedOpenCountsForNothing) {
-    Platform().failCalls = {"RegOpenKeyExA#1"};
+    Machine().failCalls = {"RegOpenKeyExA#1"};
     EXPECT_EQ(FERROXInitialize(), kFailure);
-    EXPECT_TRUE(Platform().Traced(32, "FERROXInitialize Failure"));
+    EXPECT_TRUE(Machine().Traced(32, "FERROXInitialize Failure"));
     ASSERT_EQ(GetFERROXLibVersion(&version), kSuccess);
     EXPECT_EQ(std::string(version.Major) + version.Minor + version.Revision + version.Build, "030001000");
     EXPECT_EQ(FERROXTerminate(), kFailure);
     EXPECT_EQ(FERROXInitialize(), kSuccess);
-    EXPECT_TRUE(Platform().Traced(32, "FERROXInitialize Success"));
+    EXPECT_TRUE(Machine().Traced(32, "FERROXInitialize Success"));
 }
 
 TEST_F(FrontLife, TakesTheLockOfADeadHolder) {
-    Platform().waitAnswer = WAIT_ABANDONED;
+    Machine().waitAnswer = WAIT_ABANDONED;
     EXPECT_EQ(FERROXInitialize(), kSuccess);
-    Platform().waitAnswer = WAIT_FAILED;
+    Machine().waitAnswer = WAIT_FAILED;
     EXPECT_EQ(FERROXInitialize(), kFailure);
     EXPECT_EQ(FERROXTerminate(), kFailure);
-    Platform().waitAnswer = WAIT_OBJECT_0;
+    Machine().waitAnswer = WAIT_OBJECT_0;
     EXPECT_EQ(FERROXTerminate(), kSuccess);
+}
+
+// The front hands on what the machine's operation gives, and an operation that the machine doesn't have gives 6.
+TEST(Hardware, EachOperationIsTheMachines) {
+    constexpr status_t kOwn = 77;
+    const auto fails = [](auto...) { return status_t{77}; };
+    static const DynamicMMIORecord_t dynamic = {1, 2, 3};
+    msr.Msr = 1;
+    const HardwareServices_t failing = {
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        fails,
+        [](uint32_t, uint32_t, void*, uint32_t, bool*) { return 0u; },
+    };
+    const HardwareServices_t empty = {};
+    const std::function<status_t()> kOperations[] = {
+        FERROXInitialize,
+        [] { return GetFERROXDriverVersion(&word); },
+        [] { return GetPCILibVersion(&word); },
+        [] { return GetIOLibVersion(&word); },
+        [] { return GetCPULibVersion(&word); },
+        [] { return PCIRead(0, 0, four.Get()); },
+        [] { return PCIExRead(0, 0, four.Get()); },
+        [] { return PCIMMIORead(1, 0, four.Get()); },
+        [] { return PCIMMIOReadStored(1, 0, four.Get()); },
+        [] { return MMIOReadGPIO(1, 0, four.Get()); },
+        [] { return PCIMMIOWriteStored(1, 0, four.Get()); },
+        [] { return MMIOWriteGPIO(1, 0, four.Get()); },
+        [] { return GetSystemTables(1, 0, four.Get()); },
+        [] { return PCIMMIOReadDynamic(&dynamic, four.Get()); },
+        [] { return PCIMMIOWriteDynamic(&dynamic, four.Get()); },
+        [] { return ReadWakeupTimer(1, one.Get()); },
+        [] { return ConfigureWakeUpTimer(1, one.Get()); },
+        [] { return ReadMSR(&msr); },
+        [] { return WriteMSR(&msr); },
+        [] { return ReadCPUID(0, &cpuid); },
+        [] { return CalcFreqNonTurbo(&nonTurbo); },
+    };
+    for (const auto& [machine, status] : {std::pair(&failing, kOwn), std::pair(&empty, status_t{kNotSupported})}) {
+        UseHardware(*machine);
+        for (const auto& operation : kOperations) EXPECT_EQ(operation(), status) << &operation - kOperations;
+        EXPECT_EQ(GetACPITable("MCFG", &table), kFailure);
+    }
+    UseHardware(kThisHardware);
 }

@@ -7,8 +7,9 @@
 #include <vector>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
-#include "Tests/Platform/ScriptedPlatform.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
+#include "Tests/ScriptedWindows/ScriptedWindows.h"
+#include "Tests/Support/Buffer.h"
 
 // "0f a0": two digits a byte.
 inline std::string Hex(const uint8_t* bytes, size_t size) {
@@ -26,7 +27,7 @@ inline std::string Hex(const uint8_t* bytes, size_t size) {
 inline constexpr uint32_t kTable = 0x9F000;
 
 inline void Put(uint64_t address, std::initializer_list<size_t> bytes) {
-    for (const size_t byte : bytes) Platform().memory[address++] = static_cast<uint8_t>(byte);
+    for (const size_t byte : bytes) Machine().memory[address++] = static_cast<uint8_t>(byte);
 }
 
 inline void PutEntry(uint64_t address, uint8_t minor = 8) {
@@ -38,32 +39,22 @@ inline void PutDMI(uint64_t address, size_t length = 5, uint32_t table = kTable)
         {'_', 'D', 'M', 'I', '_', 0, length, length >> 8, table, table >> 8, table >> 16, table >> 24, 1, 0, 0x28});
 }
 
-// A block of Size and `room` bytes EEh, in one allocation without spare bytes, so that the sanitizers see its end.
-class ClBuffer {
-  public:
-    explicit ClBuffer(uint32_t size) : ClBuffer(size, size) {}
-    ClBuffer(uint32_t size, uint32_t room) : m_block(sizeof(DataBuffer_t) + room, 0xEE) { Get()->Size = size; }
-    ClBuffer(std::initializer_list<uint8_t> bytes) : ClBuffer(static_cast<uint32_t>(bytes.size())) {
-        std::copy(bytes.begin(), bytes.end(), Get()->Data());
-    }
-
-    DataBuffer_t* Get() { return reinterpret_cast<DataBuffer_t*>(m_block.data()); }
-    std::string Text() { return Hex(Get()->Data(), m_block.size() - sizeof(DataBuffer_t)); }
-
-  private:
-    std::vector<uint8_t> m_block;
-};
+inline std::string Text(const ClBuffer& buffer) {
+    const std::vector<uint8_t> bytes = buffer.Bytes();
+    return Hex(bytes.data(), bytes.size());
+}
 
 // A machine with its driver's file, and nothing open before and after.
 class ClMachineTest : public testing::Test {
   protected:
-    void SetUp() override { NewPlatform(); }
+    void SetUp() override { NewMachine(); }
     void TearDown() override {
         while (FERROXTerminate() != kFailure) continue;
-        EXPECT_EQ(Platform().Open(), "");
-        EXPECT_EQ(Platform().badCloses, 0);
-        EXPECT_EQ(Platform().traceHandles, 0);
-        EXPECT_FALSE(Platform().mutexHeld);
+        unlockInstallFile();  // as the end of the process does
+        EXPECT_EQ(Machine().Open(), "");
+        EXPECT_EQ(Machine().badCloses, 0);
+        EXPECT_EQ(Machine().traceHandles, 0);
+        EXPECT_FALSE(Machine().mutexHeld);
     }
 };
 
@@ -76,7 +67,7 @@ class ClLibraryTest : public ClMachineTest {
     }
     void Open() {
         ASSERT_EQ(FERROXInitialize(), kSuccess);
-        Platform().requests.clear();
-        Platform().lines.clear();
+        Machine().requests.clear();
+        Machine().lines.clear();
     }
 };

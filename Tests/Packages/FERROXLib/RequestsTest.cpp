@@ -11,7 +11,7 @@ constexpr uint64_t kBar = 0x00000001FED00000;
 
 // What the driver got last: "code: bytes". As many bytes go in as come back.
 std::string Sent() {
-    const DeviceRequest_t& request = Platform().requests.back();
+    const DeviceRequest_t& request = Machine().requests.back();
     EXPECT_EQ(request.in.size(), request.outSize);
     char code[16];
     std::snprintf(code, sizeof(code), "%08x: ", static_cast<unsigned>(request.code));
@@ -31,7 +31,7 @@ TEST_F(Requests, OfVersions) {
         uint32_t version = 0;
         EXPECT_EQ(ask(&version), kSuccess);
         EXPECT_EQ(version, 0x01000000 | (codes.front() & 0xFF));
-        const DeviceRequest_t& request = Platform().requests.back();
+        const DeviceRequest_t& request = Machine().requests.back();
         EXPECT_EQ(request.code, codes.front());
         EXPECT_EQ(request.in.size(), 0u);
         EXPECT_EQ(request.outSize, 4u);
@@ -59,7 +59,7 @@ TEST_F(Requests, OfMemory) {
         ClBuffer buffer = {0xA0, 0xA1, 0xA2};
         EXPECT_EQ(c.move(kBar, 0x20, buffer.Get()), kSuccess) << c.sent;
         EXPECT_EQ(Sent(), c.sent);
-        EXPECT_EQ(buffer.Text(), c.after) << c.sent;
+        EXPECT_EQ(Text(buffer), c.after) << c.sent;
     }
     // The caller's record takes the place of address and offset.
     const DynamicMMIORecord_t dynamic = {0xA1A2A3A4, 0x10, 0x40};
@@ -74,7 +74,7 @@ TEST_F(Requests, OfPorts) {
     EXPECT_EQ(Sent(), "80244074: 00 00 00 00 00 01 00 00 f8 0c 00 00 03 00 00 00 a0 a1 a2 00");
     EXPECT_EQ(ReadWakeupTimer(0x1234, buffer.Get()), kSuccess);
     EXPECT_EQ(Sent(), "80240034: 00 00 00 00 00 01 00 00 34 12 00 00 03 00 00 00 00 00 00 00");
-    EXPECT_EQ(buffer.Text(), "90 91 92");
+    EXPECT_EQ(Text(buffer), "90 91 92");
 }
 
 TEST_F(Requests, OfAProcessor) {
@@ -125,18 +125,18 @@ TEST_F(Requests, FailuresAreToldAndChangeNothing) {
     };
     int number = 1;  // the hypervisor test was the first request
     for (const auto& c : kCases) {
-        Platform().failCalls = {"DeviceIoControl#" + std::to_string(++number)};
+        Machine().failCalls = {"DeviceIoControl#" + std::to_string(++number)};
         EXPECT_EQ(c.call(), c.status) << c.line;
-        EXPECT_TRUE(Platform().Traced(16, std::string("ERROR in ") + c.line)) << c.line;
+        EXPECT_TRUE(Machine().Traced(16, std::string("ERROR in ") + c.line)) << c.line;
     }
-    EXPECT_EQ(buffer.Text(), "ee ee ee");
+    EXPECT_EQ(Text(buffer), "ee ee ee");
     EXPECT_EQ(word, 77u);
     EXPECT_EQ(msr.HiContent, 1u);
     EXPECT_EQ(cpuid.Eax, 7u);
     // All but this one: the word that came is in the buffer when the next one doesn't come.
-    Platform().failCalls = {"DeviceIoControl#" + std::to_string(number + 2)};
+    Machine().failCalls = {"DeviceIoControl#" + std::to_string(number + 2)};
     EXPECT_EQ(PCIRead(0, 2, buffer.Get()), 0u);
-    EXPECT_EQ(buffer.Text(), "02 03 ee");
+    EXPECT_EQ(Text(buffer), "02 03 ee");
 }
 
 TEST_F(Requests, ConfigurationSpaceIsReadInAlignedWords) {
@@ -155,11 +155,11 @@ TEST_F(Requests, ConfigurationSpaceIsReadInAlignedWords) {
     };
     for (const auto& c : kCases) {
         ClBuffer data(c.size);
-        Platform().requests.clear();
+        Machine().requests.clear();
         ASSERT_EQ(PCIRead(0x1234, c.offset, data.Get()), kSuccess) << c.what;
-        EXPECT_EQ(data.Text(), c.text) << c.what;
+        EXPECT_EQ(Text(data), c.text) << c.what;
         std::vector<uint64_t> words;
-        for (const auto& request : Platform().requests) {
+        for (const auto& request : Machine().requests) {
             EXPECT_EQ(request.code, 0x80240048u) << c.what;
             EXPECT_EQ(request.in.size(), 20u) << c.what;
             EXPECT_EQ(request.Number(4, 4), 0x1234u) << c.what;
@@ -172,7 +172,7 @@ TEST_F(Requests, ConfigurationSpaceIsReadInAlignedWords) {
 
 TEST_F(Requests, ExtendedSpaceUnderAHypervisorIsTheFirst256Bytes) {
     ASSERT_EQ(FERROXTerminate(), kSuccess);
-    Platform().hypervisorECX = 0x80000000;
+    Machine().hypervisorECX = 0x80000000;
     Open();
     const struct {
         uint32_t location, offset, size;
@@ -186,44 +186,44 @@ TEST_F(Requests, ExtendedSpaceUnderAHypervisorIsTheFirst256Bytes) {
     };
     for (const auto& c : kCases) {
         ClBuffer data(c.size);
-        Platform().requests.clear();
+        Machine().requests.clear();
         EXPECT_EQ(PCIExRead(c.location, c.offset, data.Get()), c.status) << c.offset;
-        EXPECT_EQ(Platform().requests.size(), c.status == kSuccess ? 1u : 0u) << c.offset;
-        for (const auto& request : Platform().requests) EXPECT_EQ(request.code, 0x802400F4u);
+        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 1u : 0u) << c.offset;
+        for (const auto& request : Machine().requests) EXPECT_EQ(request.code, 0x802400F4u);
     }
-    EXPECT_TRUE(Platform().Traced(2, "HyperV enabled."));
-    EXPECT_FALSE(Platform().Called("GetSystemFirmwareTable"));
+    EXPECT_TRUE(Machine().Traced(2, "HyperV enabled."));
+    EXPECT_FALSE(Machine().Called("GetSystemFirmwareTable"));
 }
 
 TEST_F(Requests, ProcessorNumbers) {
     CPUIDRecord_t record = {};
     for (const uint32_t number : {7u, 8u, 255u, 256u, 257u})
         EXPECT_EQ(ReadCPUID(number, &record), number == 7 || number == 256 ? kSuccess : kBadValue) << number;
-    EXPECT_TRUE(Platform().Traced(2, "Number of logical processors : 8"));
+    EXPECT_TRUE(Machine().Traced(2, "Number of logical processors : 8"));
 }
 
 TEST_F(Requests, MemoryBlock) {
     ClBuffer data(4096);
     ASSERT_EQ(GetSystemTables(0xF0000, 0x1000, data.Get()), kSuccess);
-    EXPECT_EQ(Platform().requests[0].in.size(), 4120u);
-    EXPECT_EQ(Platform().requests[0].outSize, 4120u);
+    EXPECT_EQ(Machine().requests[0].in.size(), 4120u);
+    EXPECT_EQ(Machine().requests[0].outSize, 4120u);
     EXPECT_EQ(data.Get()->Data()[4095], 0xFF);
 
-    ClScriptedPlatform::failAllocationOf = 4120;
+    ClScriptedWindows::failAllocationOf = 4120;
     EXPECT_EQ(GetSystemTables(0xF0000, 0, data.Get()), kNoMemory);
     EXPECT_EQ(PCIMMIOWriteStored(0xF0000, 0, data.Get()), kNoMemory);
-    EXPECT_TRUE(Platform().Traced(16, "ERROR in OSGetSystemTables in os_malloc "));
-    ClScriptedPlatform::failAllocationOf = 0;
+    EXPECT_TRUE(Machine().Traced(16, "ERROR in OSGetSystemTables in os_malloc "));
+    ClScriptedWindows::failAllocationOf = 0;
     // Head and data together are more than a request can hold.
     ClBuffer hugest(0xFFFFFFFF, 0);
     EXPECT_EQ(GetSystemTables(0xF0000, 0, hugest.Get()), kNoMemory);
-    EXPECT_EQ(Platform().requests.size(), 1u);
+    EXPECT_EQ(Machine().requests.size(), 1u);
 }
 
 TEST_F(Requests, DynamicReadAsksNothing) {
     ClBuffer data({1, 2, 3});
     const DynamicMMIORecord_t dynamic = {1, 0x10, 0x40};
     EXPECT_EQ(PCIMMIOReadDynamic(&dynamic, data.Get()), kSuccess);
-    EXPECT_EQ(data.Text(), "01 02 03");
-    EXPECT_EQ(Platform().requests.size(), 0u);
+    EXPECT_EQ(Text(data), "01 02 03");
+    EXPECT_EQ(Machine().requests.size(), 0u);
 }

@@ -17,7 +17,7 @@ struct Found_t {
     SMBIOSTableImage_t* image = nullptr;
 
     Found_t() { status = osGetStructuresDataNonEFI(entry, dmiEntry, &image); }
-    ~Found_t() { os_free(image); }
+    ~Found_t() { os_FreeBlock(image); }
     Found_t(const Found_t&) = delete;
     Found_t& operator=(const Found_t&) = delete;
 };
@@ -43,20 +43,20 @@ TEST_F(Scan, FindsBothAnchorsWhereverTheyStand) {
         {"stops at once",           {0xF0000, 0xF3000}, {0xF0010, 0xF4000}, 1, 2 },
     };
     for (const auto& c : kCases) {
-        Platform().memory.clear();
-        Platform().requests.clear();
+        Machine().memory.clear();
+        Machine().requests.clear();
         for (const uint64_t place : c.entries) PutEntry(place);
         for (const uint64_t place : c.dmis) PutDMI(place);
         const Found_t found;
         EXPECT_EQ(found.status, c.status) << c.what;
-        EXPECT_EQ(Platform().requests.size(), c.reads) << c.what;
+        EXPECT_EQ(Machine().requests.size(), c.reads) << c.what;
         EXPECT_EQ(found.image != nullptr, c.status == kSuccess) << c.what;
         if (c.status != kSuccess) continue;
         EXPECT_EQ(Hex(found.entry, kEntryBufferSize), "5f 53 4d 5f 00 1f 02 08 09 0a 0b 0c 0d 0e 0f 10") << c.what;
         EXPECT_EQ(Hex(found.dmiEntry, kDMIEntryBufferSize), "5f 44 4d 49 5f 00 05 00 00 f0 09 00 01 00 28") << c.what;
         EXPECT_EQ(found.image->Length, 5u) << c.what;
         EXPECT_EQ(Hex(found.image->Data(), 5), "00 01 02 03 04") << c.what;  // memory reads as its address
-        EXPECT_EQ(Platform().requests.back().Number(8, 8), kTable) << c.what;
+        EXPECT_EQ(Machine().requests.back().Number(8, 8), kTable) << c.what;
     }
 }
 
@@ -90,16 +90,16 @@ TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
         {"nothing",        5, kTable, 0, 0,    1},
     };
     for (const auto& c : kCases) {
-        NewPlatform();
+        NewMachine();
         ASSERT_EQ(FERROXInitialize(), kSuccess);
         PutEntry(0xF0000);
         PutDMI(0xF1000, c.length, c.table);
-        if (c.failingRead != 0) Platform().failCalls = {"DeviceIoControl#" + std::to_string(c.failingRead)};
-        ClScriptedPlatform::failAllocationOf = c.failingAllocation;
+        if (c.failingRead != 0) Machine().failCalls = {"DeviceIoControl#" + std::to_string(c.failingRead)};
+        ClScriptedWindows::failAllocationOf = c.failingAllocation;
         const Found_t found;
         EXPECT_EQ(found.status, c.status) << c.what;
         EXPECT_EQ(found.image != nullptr, c.status == kSuccess) << c.what;
-        ClScriptedPlatform::failAllocationOf = 0;
+        ClScriptedWindows::failAllocationOf = 0;
         ASSERT_EQ(FERROXTerminate(), kSuccess);
     }
 }

@@ -79,11 +79,6 @@ TEST(OS, SnprintfCutsBySizeAndByCount) {
     EXPECT_EQ(untouched, '#');
 }
 
-TEST(OS, FopenGivesNullOnFailure) {
-    EXPECT_EQ(os_fopen("no-such-folder/file", "r"), nullptr);
-    EXPECT_EQ(os_fopen(nullptr, "r"), nullptr);
-}
-
 TEST(OS, TimestampRuns) {
     uint64_t first = 0, second = 0;
     ASSERT_EQ(os_GetTimestampMs(&first), kSuccess);

@@ -32,7 +32,7 @@ class ClStore {
         EXPECT_EQ(GetSMBIOSStruture(type, &array, &count), kSuccess);
         std::vector<uint8_t*> records(array, array + count);
         EXPECT_EQ(array == nullptr, count == 0);
-        os_free(array);
+        os_FreeBlock(array);
         return records;
     }
     uint8_t entry[kEntryBufferSize] = {};
@@ -142,7 +142,7 @@ TEST(Lookup, GivesAllStructuresOfATypeInTableOrder) {
         ASSERT_EQ(count, first < 300 ? 300 - first : 0);
         for (uint32_t place = 0; place < count; place++)
             EXPECT_EQ(records[place][6] + 256 * records[place][7], static_cast<int>(2 * (first + place) + 1));
-        os_free(records);
+        os_FreeBlock(records);
     }
 }
 
@@ -154,7 +154,7 @@ struct FakeMachine_t {
 
 status_t FakeImage(uint8_t* entry, SMBIOSTableImage_t** image) {
     const Bytes_t table = TableOf({ClStructureBuilder(32, 11)});
-    *image = static_cast<SMBIOSTableImage_t*>(os_malloc(sizeof(SMBIOSTableImage_t) + table.size()));
+    *image = static_cast<SMBIOSTableImage_t*>(os_NewBlock(sizeof(SMBIOSTableImage_t) + table.size()));
     (*image)->Length = static_cast<uint32_t>(table.size());
     std::memcpy((*image)->Data(), table.data(), table.size());
     entry[6] = 2;
@@ -226,7 +226,7 @@ TEST(Dump, GivesTheTableAsItIs) {
     ASSERT_EQ(GetSMBIOSDump(entry, &image), kSuccess);
     EXPECT_EQ(Bytes_t(image->Data(), image->Data() + image->Length), table);
     EXPECT_EQ(entry[6], 2);
-    os_free(image);
+    os_FreeBlock(image);
     LibVersion_t version = {};
     EXPECT_EQ(GetSMBIOSLibVersion(nullptr), kNullPointer);
     ASSERT_EQ(GetSMBIOSLibVersion(&version), kSuccess);

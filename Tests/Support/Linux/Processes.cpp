@@ -1,11 +1,11 @@
 #include "Tests/Support/Linux/Processes.h"
 
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sched.h>
-#include <signal.h>
+#include <sys/mman.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,26 +31,28 @@ int InChild(const std::function<int()>& body) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-ClHolder::ClHolder(const std::function<void()>& body) {
-    int done[2];
-    if (pipe(done) != 0) abort();
-    m_process = fork();
-    if (m_process == 0) {
-        body();
-        if (write(done[1], "!", 1) != 1) _exit(1);
-        for (;;) pause();
-    }
-    close(done[1]);
-    char answer = 0;
-    if (read(done[0], &answer, 1) != 1) ADD_FAILURE() << "the child has died";
-    close(done[0]);
-}
-
-void ClHolder::Kill() {
-    if (m_process == 0) return;
-    kill(m_process, SIGKILL);
-    waitpid(m_process, nullptr, 0);
-    m_process = 0;
+ProgramRun_t RunPrepared(const std::vector<std::string>& words, const std::function<void()>& prepare) {
+    const int output = memfd_create("output", MFD_CLOEXEC), errors = memfd_create("errors", MFD_CLOEXEC);
+    const int result = InChild([&] {
+        std::vector<char*> arguments;
+        for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+        arguments.push_back(nullptr);
+        const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        dup2(input, STDIN_FILENO);
+        dup2(output, STDOUT_FILENO);
+        dup2(errors, STDERR_FILENO);
+        alarm(60);
+        prepare();
+        execv(arguments[0], arguments.data());
+        return 127;
+    });
+    const auto text = [](int file) {
+        std::string bytes(static_cast<size_t>(lseek(file, 0, SEEK_END)), '\0');
+        if (pread(file, bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) bytes = "(unreadable)";
+        close(file);
+        return bytes;
+    };
+    return {result, text(output), text(errors)};
 }
 
 bool BecomeNobody() {
@@ -59,18 +61,15 @@ bool BecomeNobody() {
            setresuid(kNobody, kNobody, kNobody) == 0;
 }
 
-// As root the tests run with a /run of their own, so that they neither see nor disturb the system's services and
-// sections. Where that can't be had they use the user's own, under names that nobody else uses.
+// As root the tests have mounts of their own.
 static bool hasOwnMounts = false;
-class ClOwnRun : public testing::Environment {
+class ClOwnMounts : public testing::Environment {
   public:
     void SetUp() override {
-        hasOwnMounts = unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                       mount("none", "/run", "tmpfs", 0, "mode=755") == 0;
-        if (!hasOwnMounts) std::printf("The tests share the system's /run.\n");
+        hasOwnMounts = unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
     }
 };
-static testing::Environment* const ownRun = testing::AddGlobalTestEnvironment(new ClOwnRun);
+static testing::Environment* const ownMounts = testing::AddGlobalTestEnvironment(new ClOwnMounts);
 
 ClFolderOver::ClFolderOver(const char* path, const char* options) : m_path(path) {
     EXPECT_TRUE(hasOwnMounts && mount("none", path, "tmpfs", 0, options) == 0) << path;

@@ -3,25 +3,29 @@
 
 #include <functional>
 #include <string>
+#include <vector>
+
+#include "Tests/Support/Program.h"
 
 // Runs `body` in a child process and gives its result (0 to 255), or -1 when a signal ended it.
 int InChild(const std::function<int()>& body);
 
-// A child that runs `body` and then waits until it is killed. The constructor returns when `body` is done.
-class ClHolder {
-  public:
-    explicit ClHolder(const std::function<void()>& body);
-    ClHolder(const ClHolder&) = delete;
-    ClHolder& operator=(const ClHolder&) = delete;
-    ~ClHolder() { Kill(); }
-    void Kill();
-
-  private:
-    int m_process;
-};
+// Runs a program, words[0], in a child that `prepare` has been called in. Its output counts as far as it goes to the
+// streams that the child was given. A result of -1 also stands for a run of more than a minute.
+ProgramRun_t RunPrepared(
+    const std::vector<std::string>& words, const std::function<void()>& prepare = [] {});
 
 // Makes the calling process an ordinary user without rights. Only root can; false otherwise.
 bool BecomeNobody();
+
+// Whether a sanitizer is built in, which has a heap and handlers of its own.
+constexpr bool IsSanitized() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return true;
+#else
+    return false;
+#endif
+}
 
 // Keeps the coverage counters of a process that isn't going to end by exit(). Does nothing in other builds.
 void SaveCoverage();

@@ -1,6 +1,7 @@
-// The front of the hardware library: counts its users, tests the arguments and hands on to the platform halves.
+// The front of the hardware library: counts its users, tests the arguments and hands on to the machine in use.
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
-#include "Packages/OS/OS.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/OS/NamedLock.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("FERROXMain", function, level, __VA_ARGS__)
 
@@ -13,22 +14,18 @@ constexpr LibVersion_t kVersion = {"03", "00", "0", "1000"};
 constexpr uint32_t kNoOffset = 65535;
 
 uint32_t instanceCount = 0;
-// The open library's reference to the lock, so that the named mutex lasts as long as any process has the library open.
-HANDLE lockReference = nullptr;
+// The open library's reference to the lock, so that the name lasts as long as any process has the library open.
+NamedLock_t* lockReference = nullptr;
+const HardwareServices_t* hardware = &kThisHardware;
 
-// Holds the library's lock while it lives. Every call opens the mutex for itself, so that none waits on a handle that
+// Holds the library's lock while it lives. Every call opens the lock for itself, so that none waits for one that
 // another thread may close.
 class ClLibraryLock {
   public:
-    ClLibraryLock() : m_mutex(CreateMutexA(nullptr, FALSE, kLockName)) {
-        if (m_mutex == nullptr) return;
-        // An abandoned mutex is ours, too: its holder died, and the counts stand as it left them.
-        const DWORD waited = WaitForSingleObject(m_mutex, INFINITE);
-        m_held = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
-    }
+    ClLibraryLock() : m_lock(os_OpenNamedLock(kLockName)), m_held(m_lock != nullptr && os_TakeNamedLock(m_lock)) {}
     ~ClLibraryLock() {
-        if (m_held) ReleaseMutex(m_mutex);
-        if (m_mutex != nullptr) CloseHandle(m_mutex);
+        if (m_held) os_ReleaseNamedLock(m_lock);
+        if (m_lock != nullptr) os_CloseNamedLock(m_lock);
     }
     ClLibraryLock(const ClLibraryLock&) = delete;
     ClLibraryLock& operator=(const ClLibraryLock&) = delete;
@@ -36,9 +33,16 @@ class ClLibraryLock {
     bool Held() const { return m_held; }
 
   private:
-    HANDLE m_mutex;
-    bool m_held = false;
+    NamedLock_t* m_lock;
+    bool m_held;
 };
+
+// Calls the operation in `slot` of the machine in use.
+template <class... Arguments_t, class... Values_t>
+status_t Ask(status_t (*HardwareServices_t::*slot)(Arguments_t...), Values_t... values) {
+    const auto operation = hardware->*slot;
+    return operation == nullptr ? kNotSupported : operation(values...);
+}
 
 // The lines on entering and leaving an operation.
 class ClOperation {
@@ -59,18 +63,22 @@ void CloseTraceHandle() {
 
 status_t OpenLibrary() {
     if (DebugLibInit("FERROX", &ferroxTraceHandle) != kSuccess) ferroxTraceHandle = nullptr;
-    lockReference = CreateMutexA(nullptr, FALSE, kLockName);
-    return lockReference == nullptr ? kFailure : OSFERROXInitialize();
+    lockReference = os_OpenNamedLock(kLockName);
+    return lockReference == nullptr ? kFailure : Ask(&HardwareServices_t::OSFERROXInitialize);
 }
 
-// Undoes OpenLibrary but for the platform half.
+// Undoes OpenLibrary but for the machine.
 void CloseLibrary() {
-    if (lockReference != nullptr) CloseHandle(lockReference);
+    if (lockReference != nullptr) os_CloseNamedLock(lockReference);
     lockReference = nullptr;
     CloseTraceHandle();
 }
 
 }  // namespace
+
+const HardwareServices_t& CurrentHardware() { return *hardware; }
+
+void UseHardware(const HardwareServices_t& other) { hardware = &other; }
 
 status_t FERROXInitialize() {
     const ClLibraryLock lock;
@@ -87,7 +95,7 @@ status_t FERROXTerminate() {
     if (!lock.Held() || instanceCount == 0) return kFailure;
     --instanceCount;
     if (instanceCount != 0) return kSuccess;
-    const status_t status = OSFERROXTerminate();
+    const status_t status = Ask(&HardwareServices_t::OSFERROXTerminate);
     CloseLibrary();
     return status;
 }
@@ -103,49 +111,57 @@ status_t GetFERROXLibVersion(LibVersion_t* version) {
     return kSuccess;
 }
 
-static status_t DriverVersion(const char* name, status_t (*ask)(uint32_t*), uint32_t* version) {
+static status_t DriverVersion(const char* name, status_t (*HardwareServices_t::*slot)(uint32_t*), uint32_t* version) {
     const ClOperation operation(name);
     if (version == nullptr) return kNullPointer;
-    const status_t status = ask(version);
+    const status_t status = Ask(slot, version);
     TRACE(name, kParams, "%s:Version = 0x%x status = %u", name, status == kSuccess ? *version : 0, status);
     return status;
 }
 
 status_t GetFERROXDriverVersion(uint32_t* version) {
-    return DriverVersion("GetFERROXDriverVersion", OSGetFERROXDriverVersion, version);
+    return DriverVersion("GetFERROXDriverVersion", &HardwareServices_t::OSGetFERROXDriverVersion, version);
 }
 
-status_t GetPCILibVersion(uint32_t* version) { return DriverVersion("GetPCILibVersion", OSGetPCILibVersion, version); }
+status_t GetPCILibVersion(uint32_t* version) {
+    return DriverVersion("GetPCILibVersion", &HardwareServices_t::OSGetPCILibVersion, version);
+}
 
-status_t GetIOLibVersion(uint32_t* version) { return DriverVersion("GetIOLibVersion", OSGetIOLibVersion, version); }
+status_t GetIOLibVersion(uint32_t* version) {
+    return DriverVersion("GetIOLibVersion", &HardwareServices_t::OSGetIOLibVersion, version);
+}
 
-status_t GetCPULibVersion(uint32_t* version) { return DriverVersion("GetCPULibVersion", OSGetCPULibVersion, version); }
+status_t GetCPULibVersion(uint32_t* version) {
+    return DriverVersion("GetCPULibVersion", &HardwareServices_t::OSGetCPULibVersion, version);
+}
 
 // ---- PCI configuration space
 
-static status_t ReadConfiguration(const char* name, status_t (*read)(uint32_t, uint32_t, DataBuffer_t*), uint32_t bound,
-                                  uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
+static status_t ReadConfiguration(const char* name,
+                                  status_t (*HardwareServices_t::*slot)(uint32_t, uint32_t, DataBuffer_t*),
+                                  uint32_t bound, uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
     const ClOperation operation(name);
     if (buffer == nullptr) return kNullPointer;
     TRACE(name, kParams, "%s:RegisterOffset = %u size  = %u", name, offset, buffer->Size);
     if (offset == kNoOffset || uint64_t{offset} + buffer->Size > bound) return kBadValue;
-    return read(location, offset, buffer);
+    return Ask(slot, location, offset, buffer);
 }
 
 status_t PCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
-    return ReadConfiguration("PCIRead", OSPCIRead, 256, location, offset, buffer);
+    return ReadConfiguration("PCIRead", &HardwareServices_t::OSPCIRead, 256, location, offset, buffer);
 }
 
 status_t PCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
-    return ReadConfiguration("PCIExRead", OSPCIExRead, 4096, location, offset, buffer);
+    return ReadConfiguration("PCIExRead", &HardwareServices_t::OSPCIExRead, 4096, location, offset, buffer);
 }
 
 // ---- Memory by address and offset
 
 enum BadPlaceLine_t { kSilent, kTold };
 
-static status_t MoveAtPlace(const char* name, BadPlaceLine_t line, status_t (*move)(uint64_t, uint32_t, DataBuffer_t*),
-                            uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
+static status_t MoveAtPlace(const char* name, BadPlaceLine_t line,
+                            status_t (*HardwareServices_t::*slot)(uint64_t, uint32_t, DataBuffer_t*), uint64_t address,
+                            uint32_t offset, DataBuffer_t* buffer) {
     const ClOperation operation(name);
     if (buffer == nullptr) return kNullPointer;
     TRACE(name, kParams, "%s:BAR = 0x%llx RegisterOffset = %u size  = %u", name,
@@ -155,34 +171,35 @@ static status_t MoveAtPlace(const char* name, BadPlaceLine_t line, status_t (*mo
         return kBadValue;
     }
     if (buffer->Size == 0) return kBadValue;
-    return move(address, offset, buffer);
+    return Ask(slot, address, offset, buffer);
 }
 
 status_t PCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("PCIMMIORead", kTold, OSPCIMMIORead, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIORead", kTold, &HardwareServices_t::OSPCIMMIORead, bar, offset, buffer);
 }
 
 status_t PCIMMIOReadStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("PCIMMIOReadStored", kTold, OSPCIMMIOReadStored, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIOReadStored", kTold, &HardwareServices_t::OSPCIMMIOReadStored, bar, offset, buffer);
 }
 
 status_t MMIOReadGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("MMIOReadGPIO", kTold, OSMMIOReadGPIO, bar, offset, buffer);
+    return MoveAtPlace("MMIOReadGPIO", kTold, &HardwareServices_t::OSMMIOReadGPIO, bar, offset, buffer);
 }
 
 status_t PCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("PCIMMIOWriteStored", kSilent, OSPCIMMIOWriteStored, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIOWriteStored", kSilent, &HardwareServices_t::OSPCIMMIOWriteStored, bar, offset, buffer);
 }
 
 status_t MMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("MMIOWriteGPIO", kSilent, OSMMIOWriteGPIO, bar, offset, buffer);
+    return MoveAtPlace("MMIOWriteGPIO", kSilent, &HardwareServices_t::OSMMIOWriteGPIO, bar, offset, buffer);
 }
 
 status_t GetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("GetSystemTables", kTold, OSGetSystemTables, address, offset, buffer);
+    return MoveAtPlace("GetSystemTables", kTold, &HardwareServices_t::OSGetSystemTables, address, offset, buffer);
 }
 
-static status_t MoveDynamic(const char* name, status_t (*move)(const DynamicMMIORecord_t*, DataBuffer_t*),
+static status_t MoveDynamic(const char* name,
+                            status_t (*HardwareServices_t::*slot)(const DynamicMMIORecord_t*, DataBuffer_t*),
                             const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {
     const ClOperation operation(name);
     if (record == nullptr || buffer == nullptr) return kNullPointer;
@@ -194,55 +211,55 @@ static status_t MoveDynamic(const char* name, status_t (*move)(const DynamicMMIO
         return kBadValue;
     }
     if (buffer->Size == 0) return kBadValue;
-    return move(&own, buffer);
+    return Ask(slot, &own, buffer);
 }
 
 status_t PCIMMIOReadDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {
-    return MoveDynamic("PCIMMIOReadDynamic", OSPCIMMIOReadDynamic, record, buffer);
+    return MoveDynamic("PCIMMIOReadDynamic", &HardwareServices_t::OSPCIMMIOReadDynamic, record, buffer);
 }
 
 status_t PCIMMIOWriteDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {
-    return MoveDynamic("PCIMMIOWriteDynamic", OSPCIMMIOWriteDynamic, record, buffer);
+    return MoveDynamic("PCIMMIOWriteDynamic", &HardwareServices_t::OSPCIMMIOWriteDynamic, record, buffer);
 }
 
 // ---- Ports
 
-static status_t MovePort(const char* name, status_t (*move)(uint16_t, DataBuffer_t*), uint16_t port,
-                         DataBuffer_t* buffer) {
+static status_t MovePort(const char* name, status_t (*HardwareServices_t::*slot)(uint16_t, DataBuffer_t*),
+                         uint16_t port, DataBuffer_t* buffer) {
     const ClOperation operation(name);
     if (buffer == nullptr) return kNullPointer;
     TRACE(name, kParams, "%s:Port = %u size  = %u", name, port, buffer->Size);
     if (port == 255) return kBadValue;
-    return move(port, buffer);
+    return Ask(slot, port, buffer);
 }
 
 status_t ReadWakeupTimer(uint16_t port, DataBuffer_t* buffer) {
-    return MovePort("ReadWakeupTimer", OSReadPort, port, buffer);
+    return MovePort("ReadWakeupTimer", &HardwareServices_t::OSReadPort, port, buffer);
 }
 
 status_t ConfigureWakeUpTimer(uint16_t port, DataBuffer_t* buffer) {
-    return MovePort("ConfigureWakeUpTimer", OSWritePort, port, buffer);
+    return MovePort("ConfigureWakeUpTimer", &HardwareServices_t::OSWritePort, port, buffer);
 }
 
 // ---- Registers of a processor
 
-static status_t MoveMSR(const char* name, status_t (*move)(MSRRecord_t*), MSRRecord_t* record) {
+static status_t MoveMSR(const char* name, status_t (*HardwareServices_t::*slot)(MSRRecord_t*), MSRRecord_t* record) {
     const ClOperation operation(name);
     if (record == nullptr) return kNullPointer;
     TRACE(name, kParams, "%s:Cpu = %u Msr = 0x%x", name, record->Cpu, record->Msr);
     if (record->Msr == 0 || record->Msr == 65535) return kBadValue;
-    return move(record);
+    return Ask(slot, record);
 }
 
-status_t ReadMSR(MSRRecord_t* record) { return MoveMSR("ReadMSR", OSReadMSR, record); }
+status_t ReadMSR(MSRRecord_t* record) { return MoveMSR("ReadMSR", &HardwareServices_t::OSReadMSR, record); }
 
-status_t WriteMSR(MSRRecord_t* record) { return MoveMSR("WriteMSR", OSWriteMSR, record); }
+status_t WriteMSR(MSRRecord_t* record) { return MoveMSR("WriteMSR", &HardwareServices_t::OSWriteMSR, record); }
 
 status_t ReadCPUID(uint32_t processor, CPUIDRecord_t* record) {
     const ClOperation operation("ReadCPUID");
     if (record == nullptr) return kNullPointer;
     TRACE("ReadCPUID", kParams, "ReadCPUID:Cpu = %u Eax = 0x%x Ecx = 0x%x", processor, record->Eax, record->Ecx);
-    return OSReadCPUID(processor, record);
+    return Ask(&HardwareServices_t::OSReadCPUID, processor, record);
 }
 
 status_t CalcFreqNonTurbo(NonTurboRecord_t* record) {
@@ -250,7 +267,7 @@ status_t CalcFreqNonTurbo(NonTurboRecord_t* record) {
     if (record == nullptr) return kNullPointer;
     TRACE("CalcFreqNonTurbo", kParams, "CalcFreqNonTurbo:Core = %u Msr = 0x%x PMTimerAddress = 0x%x", record->Core,
           record->Msr, record->PMTimerAddress);
-    return OSCalcNonTurbo(record);
+    return Ask(&HardwareServices_t::OSCalcNonTurbo, record);
 }
 
 // ---- ACPI tables and PCI segments

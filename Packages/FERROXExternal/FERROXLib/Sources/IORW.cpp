@@ -1,5 +1,6 @@
 // Requests for ports and for memory by its physical address.
-#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("IORW", function, level, __VA_ARGS__)
@@ -44,6 +45,8 @@ status_t OSWritePort(uint16_t port, DataBuffer_t* buffer) {
 
 // ---- Memory
 
+static uint8_t* DataOf(MemoryRequest_t* request) { return reinterpret_cast<uint8_t*>(request + 1); }
+
 // A zeroed request with its head filled, and the size of head and data. Null, with a line, when it can't be had.
 static MemoryRequest_t* NewMemoryRequest(const char* function, const MemoryPlace_t& place, uint32_t dataSize,
                                          uint32_t* size) {
@@ -75,7 +78,7 @@ status_t ReadMemory(RequestCode_t code, const char* function, const MemoryPlace_
     MemoryRequest_t* request = NewMemoryRequest(function, place, buffer->Size, &size);
     if (request == nullptr) return kNoMemory;
     const status_t status = SendMemoryRequest(code, function, request, size);
-    if (status == kSuccess) os_memcpy(buffer->Data(), buffer->Size, request->Data(), buffer->Size);
+    if (status == kSuccess) os_memcpy(buffer->Data(), buffer->Size, DataOf(request), buffer->Size);
     os_free(request);
     return status;
 }
@@ -84,7 +87,7 @@ status_t WriteMemory(RequestCode_t code, const char* function, const MemoryPlace
     uint32_t size = 0;
     MemoryRequest_t* request = NewMemoryRequest(function, place, buffer->Size, &size);
     if (request == nullptr) return kNoMemory;
-    os_memcpy(request->Data(), buffer->Size, buffer->Data(), buffer->Size);
+    os_memcpy(DataOf(request), buffer->Size, buffer->Data(), buffer->Size);
     const status_t status = SendMemoryRequest(code, function, request, size);
     os_free(request);
     return status;

@@ -1,5 +1,6 @@
 // Requests for a processor's registers: model-specific registers, CPUID, the non-turbo frequency.
-#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
+#include "Packages/OS/Processors.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("MSRRW", function, level, __VA_ARGS__)
 
@@ -21,7 +22,7 @@ status_t OSReadMSR(MSRRecord_t* record) { return SendMSR(kRequestReadMSR, "OSRea
 status_t OSWriteMSR(MSRRecord_t* record) { return SendMSR(kRequestWriteMSR, "OSWriteMSR", record); }
 
 status_t OSReadCPUID(uint32_t processor, CPUIDRecord_t* record) {
-    const DWORD processors = GetActiveProcessorCount(ALL_PROCESSOR_GROUPS);
+    const uint32_t processors = os_GetProcessorCount();
     TRACE("OSReadCPUID", kInfo, "Number of logical processors : %d", static_cast<int>(processors));
     if (processor >= processors && processor != kAnyProcessor) return kBadValue;
     if (record == nullptr) return kNullPointer;

@@ -1,29 +1,31 @@
-// ACPI tables, from the operating system's firmware-table service, and the PCI segments that the MCFG table tells.
+// ACPI tables, from the firmware tables of the machine in use, and the PCI segments of the MCFG table.
 #include <algorithm>
 #include <cstdio>
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("Misc", function, level, __VA_ARGS__)
 
 namespace {
 
-constexpr DWORD kACPIProvider = 0x41435049;  // "ACPI"
-
 // The service's number of the table: the name's first letter in the low byte.
-DWORD TableIdentifier(const char* name) {
-    DWORD identifier = 0;
+uint32_t TableIdentifier(const char* name) {
+    uint32_t identifier = 0;
     for (int letter = 3; letter >= 0; --letter) identifier = identifier << 8 | static_cast<uint8_t>(name[letter]);
     return identifier;
 }
 
 bool IsTableName(const char* name) { return os_strlen(name) == 4; }
 
-// Fetches the table into `room` bytes; gives its size, which is beyond the room when it has grown since it was asked
-// for its size (the room then holds nothing), and 0 when there is none any more.
-uint32_t FetchTable(const char* name, uint8_t* table, uint32_t room) {
-    return GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), table, room);
+// The table's size, and the table in `buffer` if it has room. A table that is asked for twice may have grown meanwhile,
+// or have gone: then the size is 0.
+uint32_t Fetch(const char* name, uint8_t* buffer, uint32_t room) {
+    const auto get = CurrentHardware().GetFirmwareTable;
+    return get == nullptr ? 0 : get(kACPIProvider, TableIdentifier(name), buffer, room, nullptr);
 }
 
 status_t TooSmall() {
@@ -46,18 +48,6 @@ uint32_t CountSegments(const uint8_t* mcfg, uint32_t size) {
     return length < kMCFGHead ? 0 : std::min((length - kMCFGHead) / kMCFGEntry, kMaxSegments);
 }
 
-void FillSegments(const uint8_t* mcfg, uint32_t count, SegBusInfo_t* segments) {
-    for (uint32_t index = 0; index < count; ++index) {
-        const uint8_t* entry = mcfg + kMCFGHead + size_t{index} * kMCFGEntry;
-        SegBusInfo_t& segment = segments[index];
-        segment.BaseAddress = uint64_t{Number32(entry + 4)} << 32 | Number32(entry);
-        segment.Segment = uint32_t{entry[8]} | uint32_t{entry[9]} << 8;
-        segment.StartBus = entry[10];
-        segment.EndBus = entry[11];
-        segment.SegmentCount = count;
-    }
-}
-
 }  // namespace
 
 // ---- ACPI tables
@@ -68,7 +58,7 @@ status_t OSGetACPITable(const char* name, DataBuffer_t** table) {
         TRACE("OSGetACPITable", kError, " OSGetACPITable  ACPI table Name not correct Status = 0x%x", kBadValue);
         return kBadValue;
     }
-    const UINT size = GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), nullptr, 0);
+    const uint32_t size = Fetch(name, nullptr, 0);
     if (size == 0) {
         TRACE("OSGetACPITable", kError, "Error in reading ACPI %s table", name);
         return kFailure;
@@ -78,7 +68,7 @@ status_t OSGetACPITable(const char* name, DataBuffer_t** table) {
         TRACE("OSGetACPITable", kError, "Error in Memory allocation ");
         return kNoMemory;
     }
-    block->Size = FetchTable(name, block->Data(), size);
+    block->Size = Fetch(name, block->Data(), size);
     if (block->Size > size) {
         TRACE("OSGetACPITable", kError, "Error in reading ACPI %s table", name);
         os_free(block);
@@ -94,18 +84,32 @@ status_t OSGetACPITableEx(const char* name, DataBuffer_t* buffer, uint32_t* size
         TRACE("OSGetACPITableEx", kError, " OSGetACPITable  ACPI table Name not correct Status = 0x%x", kBadValue);
         return kBadValue;
     }
-    *size = GetSystemFirmwareTable(kACPIProvider, TableIdentifier(name), nullptr, 0);
+    *size = Fetch(name, nullptr, 0);
     if (*size == 0) {
         TRACE("OSGetACPITableEx", kError, "Error in reading ACPI %s table", name);
         return kFailure;
     }
     if (buffer == nullptr) return kSuccess;
     if (buffer->Size < *size) return TooSmall();
-    *size = FetchTable(name, buffer->Data(), buffer->Size);
+    *size = Fetch(name, buffer->Data(), buffer->Size);
     return *size > buffer->Size ? TooSmall() : kSuccess;
 }
 
 // ---- PCI segments
+
+uint32_t FillSegments(const uint8_t* mcfg, uint32_t size, SegBusInfo_t* segments) {
+    const uint32_t count = CountSegments(mcfg, size);
+    for (uint32_t index = 0; index < count; ++index) {
+        const uint8_t* entry = mcfg + kMCFGHead + size_t{index} * kMCFGEntry;
+        SegBusInfo_t& segment = segments[index];
+        segment.BaseAddress = uint64_t{Number32(entry + 4)} << 32 | Number32(entry);
+        segment.Segment = uint32_t{entry[8]} | uint32_t{entry[9]} << 8;
+        segment.StartBus = entry[10];
+        segment.EndBus = entry[11];
+        segment.SegmentCount = count;
+    }
+    return count;
+}
 
 status_t OSGetSegBusInfoWithCount(SegBusInfo_t* segments, uint32_t* count) {
     if (count == nullptr) return kBadValue;
@@ -126,9 +130,8 @@ status_t OSGetSegBusInfoWithCount(SegBusInfo_t* segments, uint32_t* count) {
         os_free(mcfg);
         return status;
     }
-    *count = CountSegments(mcfg->Data(), size);
+    *count = FillSegments(mcfg->Data(), size, segments);
     TRACE("OSGetSegBusInfoWithCount", kInfo, "Total Number of segments = %d", static_cast<int>(*count));
-    FillSegments(mcfg->Data(), *count, segments);
     os_free(mcfg);
     if (*count == 0) {
         TRACE("OSGetSegBusInfoWithCount", kErrorExit,

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
 #include "Packages/OS/OS.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("PCIRW", function, level, __VA_ARGS__)
@@ -12,11 +12,6 @@ status_t OSGetPCILibVersion(uint32_t* version) {
 }
 
 // ---- Configuration space
-
-static uint32_t Bus(uint32_t location) { return location & 0xFF; }
-static uint32_t Device(uint32_t location) { return location >> 8 & 0x1F; }
-static uint32_t Function(uint32_t location) { return location >> 13 & 0x7; }
-static uint32_t Segment(uint32_t location) { return location >> 16; }
 
 // The driver reads one aligned 32-bit word at a time.
 status_t OSPCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {

@@ -5,7 +5,9 @@
 // front's named lock, so the count is changed with plain operations.
 #include <algorithm>
 
-#include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
+#include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("WinFERROX", function, level, __VA_ARGS__)
@@ -133,9 +135,8 @@ static bool BringDriverUp() {
     return true;
 }
 
-// Lets go of what this process itself holds of service and driver file.
+// Lets go of the service manager. The lock on the driver's file stays until StopDriver, as others may use the driver.
 static void ReleaseDriver() {
-    unlockInstallFile();
     CloseServiceManager();
     serviceCreated = false;
     serviceStarted = false;
@@ -143,6 +144,7 @@ static void ReleaseDriver() {
 
 static void UndoBringDriverUp() {
     if (serviceStarted) StopDriver();
+    if (serviceStarted) unlockInstallFile();  // also when the driver can't be stopped
     if (serviceCreated) RemoveDriver();
     ReleaseDriver();
 }
@@ -305,6 +307,7 @@ static status_t StopOpenService(SC_HANDLE service, DWORD began) {
     if (!QueryState(service, &state)) return 0;
     if (state.dwCurrentState == SERVICE_STOPPED) {
         TRACE("StopDriver", kInfo, "StopDriver: Service is already stopped.\n");
+        unlockInstallFile();
         return kSuccess;
     }
     while (state.dwCurrentState == SERVICE_STOP_PENDING) {
@@ -313,6 +316,7 @@ static status_t StopOpenService(SC_HANDLE service, DWORD began) {
         if (!QueryState(service, &state)) return 0;
         if (state.dwCurrentState == SERVICE_STOPPED) {
             TRACE("StopDriver", kInfo, "StopDriver: Service stopped.\n");
+            unlockInstallFile();
             return kSuccess;
         }
         if (GetTickCount() - began > kLongestStop) return 0;
@@ -429,3 +433,31 @@ status_t AskVersion(RequestCode_t code, const char* function, uint32_t* version)
 status_t OSGetFERROXDriverVersion(uint32_t* version) {
     return AskVersion(kRequestDriverVersion, "OSGetFERROXDriverVersion", version);
 }
+
+// ---- This machine
+
+const HardwareServices_t kThisHardware = {
+    OSFERROXInitialize,
+    OSFERROXTerminate,
+    OSGetFERROXDriverVersion,
+    OSGetPCILibVersion,
+    OSGetIOLibVersion,
+    OSGetCPULibVersion,
+    OSPCIRead,
+    OSPCIExRead,
+    OSPCIMMIORead,
+    OSPCIMMIOReadStored,
+    OSMMIOReadGPIO,
+    OSPCIMMIOWriteStored,
+    OSMMIOWriteGPIO,
+    OSGetSystemTables,
+    OSPCIMMIOReadDynamic,
+    OSPCIMMIOWriteDynamic,
+    OSReadPort,
+    OSWritePort,
+    OSReadMSR,
+    OSWriteMSR,
+    OSReadCPUID,
+    OSCalcNonTurbo,
+    os_GetFirmwareTable,
+};

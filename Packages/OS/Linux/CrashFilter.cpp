@@ -1,0 +1,206 @@
+// Signals that the processor raises become faults; the filter is called, and then the process dies by the same signal,
+// from the same place, as it would have without a filter.
+//
+// A signal for which the host has a handler of its own is not unhandled, and keeps that handler.
+#include "Packages/OS/CrashFilter.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <ucontext.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+
+namespace {
+
+constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP};
+
+std::atomic<CrashFilter_t> theFilter = nullptr;
+
+// The processor's own numbers of its exceptions, and the bits of a page fault's error code.
+constexpr greg_t kStackFault = 12, kGeneralProtection = 13, kPageFault = 14;
+constexpr greg_t kIsPresent = 1, kIsWrite = 2, kIsFetch = 16;
+
+// What was tried: the first word of an access violation.
+constexpr uint64_t kRead = 0, kWrite = 1, kUnknown = 2, kExecute = 8;
+// The cause of a page error.
+constexpr uint64_t kEndOfFile = 0xC0000011, kDeviceDataError = 0xC000009C;
+
+// Whether the instruction is one that only the kernel may use: hlt, cli, sti, in, out, and the two-byte ones for
+// caches, descriptor tables, control registers and MSRs. The instruction has been fetched, so its bytes can be read.
+bool IsPrivileged(const uint8_t* code) {
+    constexpr uint8_t kOperandSize = 0x66, kRepeatNot = 0xF2, kRepeat = 0xF3;
+    while (*code == kOperandSize || *code == kRepeatNot || *code == kRepeat || (*code & 0xF0) == 0x40) code++;
+    const uint8_t first = code[0];
+    if (first == 0x0F) {
+        const uint8_t second = code[1];
+        // lgdt and lidt, which have a memory operand.
+        const bool isTableLoad = second == 0x01 && (code[2] >> 4 == 1 || code[2] >> 4 == 5 || code[2] >> 4 == 9);
+        return second == 0x30 || second == 0x32 || (second >= 0x20 && second <= 0x23) || second == 0x06 ||
+               second == 0x08 || second == 0x09 || isTableLoad;
+    }
+    return first == 0xF4 || first == 0xFA || first == 0xFB || (first >= 0xE4 && first <= 0xE7) ||
+           (first >= 0xEC && first <= 0xEF) || (first >= 0x6C && first <= 0x6F);
+}
+
+uint64_t AccessOf(greg_t error) {
+    return (error & kIsFetch) != 0 ? kExecute : (error & kIsWrite) != 0 ? kWrite : kRead;
+}
+
+void DescribeSegmentation(Fault_t* fault, const siginfo_t& info, const greg_t* registers) {
+    const auto address = reinterpret_cast<uint64_t>(info.si_addr);
+    const greg_t trap = registers[REG_TRAPNO], error = registers[REG_ERR];
+    fault->Code = kFaultAccessViolation;
+    if (info.si_code <= 0) {  // somebody sent it
+        fault->Information[0] = kUnknown;
+    } else if (trap == kPageFault) {
+        // A missing page next to the stack pointer: the stack could not grow any more.
+        const auto stack = static_cast<uint64_t>(registers[REG_RSP]);
+        if ((error & (kIsPresent | kIsFetch)) == 0 && address + 65536 >= stack && address < stack + 4096)
+            fault->Code = kFaultStackOverflow;
+        fault->Information[0] = AccessOf(error);
+        fault->Information[1] = address;
+    } else if (trap == kGeneralProtection && IsPrivileged(reinterpret_cast<const uint8_t*>(registers[REG_RIP]))) {
+        fault->Code = kFaultPrivilegedInstruction;
+    } else {  // an address that no page can have, which the processor doesn't tell
+        fault->Information[1] = ~uint64_t{0};
+    }
+}
+
+void DescribeBus(Fault_t* fault, const siginfo_t& info, const greg_t* registers) {
+    if (info.si_code == BUS_ADRALN) {
+        fault->Code = kFaultMisalignment;
+    } else if (info.si_code <= 0 || registers[REG_TRAPNO] == kStackFault) {
+        DescribeSegmentation(fault, info, registers);
+    } else {  // a mapped file has become too short, or its medium has failed
+        fault->Code = kFaultPageError;
+        fault->Information[0] = AccessOf(registers[REG_ERR]);
+        fault->Information[1] = reinterpret_cast<uint64_t>(info.si_addr);
+        fault->Information[2] = info.si_code == BUS_ADRERR ? kEndOfFile : kDeviceDataError;
+    }
+}
+
+uint32_t ArithmeticCode(int code) {
+    switch (code) {
+        case FPE_INTDIV: return kFaultDivision;
+        case FPE_INTOVF: return kFaultOverflow;
+        case FPE_FLTDIV: return kFaultFloatDivision;
+        case FPE_FLTOVF: return kFaultFloatOverflow;
+        case FPE_FLTUND: return kFaultFloatUnderflow;
+        case FPE_FLTRES: return kFaultFloatInexact;
+        case FPE_FLTSUB: return kFaultArrayBounds;
+        default: return kFaultFloatInvalid;
+    }
+}
+
+void DescribeTrap(Fault_t* fault, int code) {
+    const bool isStep = code == TRAP_TRACE || code == TRAP_HWBKPT;
+    fault->Code = isStep ? kFaultSingleStep : kFaultBreakpoint;
+    // A breakpoint instruction is one byte, and has been executed already.
+    if (!isStep && code > 0) --fault->Address;
+}
+
+void OnSignal(int signal, siginfo_t* info, void* context) {
+    const greg_t* registers = static_cast<ucontext_t*>(context)->uc_mcontext.gregs;
+    Fault_t fault = {0, static_cast<uint64_t>(registers[REG_RIP]), {}};
+    switch (signal) {
+        case SIGSEGV: DescribeSegmentation(&fault, *info, registers); break;
+        case SIGBUS: DescribeBus(&fault, *info, registers); break;
+        case SIGFPE: fault.Code = ArithmeticCode(info->si_code); break;
+        case SIGTRAP: DescribeTrap(&fault, info->si_code); break;
+        default: fault.Code = info->si_code == ILL_PRVOPC ? kFaultPrivilegedInstruction : kFaultIllegalInstruction;
+    }
+    const CrashFilter_t filter = theFilter;
+    if (filter != nullptr && filter(fault) != 0) return;
+    // The same signal with the same facts once more, now without a handler. It is blocked until this function returns,
+    // so that it strikes where the first one did.
+    struct sigaction byDefault = {};
+    byDefault.sa_handler = SIG_DFL;
+    sigaction(signal, &byDefault, nullptr);
+    if (syscall(SYS_rt_tgsigqueueinfo, getpid(), gettid(), signal, info) != 0) raise(signal);
+}
+
+// A stack for the handler, as the thread's own may be what is exhausted. There is one, for the thread that installs the
+// filter first, or for another one when that has ended. It belongs to no thread-local object, as such an object would
+// keep the library from being unloaded until the thread ends.
+constexpr size_t kGuard = 4096, kStackSize = kGuard + size_t{64} * 1024;
+void* stackMemory = MAP_FAILED;
+pid_t stackOwner = 0;
+
+uint8_t* StackBegin() { return static_cast<uint8_t*>(stackMemory) + kGuard; }
+bool OwnerLives() { return stackOwner != 0 && tgkill(getpid(), stackOwner, 0) == 0; }
+
+void GiveSignalStack() {
+    stack_t present;
+    if (sigaltstack(nullptr, &present) != 0 || (present.ss_flags & SS_DISABLE) == 0) return;
+    if (stackMemory == MAP_FAILED) {
+        stackMemory = mmap(nullptr, kStackSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
+        if (stackMemory == MAP_FAILED) return;
+        mprotect(stackMemory, kGuard, PROT_NONE);
+    } else if (OwnerLives()) {
+        return;
+    }
+    stack_t own = {};
+    own.ss_sp = StackBegin();
+    own.ss_size = kStackSize - kGuard;
+    if (sigaltstack(&own, nullptr) == 0) stackOwner = gettid();
+}
+
+// A living thread that isn't the calling one keeps its stack.
+void TakeSignalStackBack() {
+    if (stackMemory == MAP_FAILED) return;
+    stack_t present, none = {};
+    none.ss_flags = SS_DISABLE;
+    const bool isOurs = sigaltstack(nullptr, &present) == 0 && present.ss_sp == StackBegin();
+    if (isOurs ? sigaltstack(&none, nullptr) != 0 : OwnerLives()) return;
+    munmap(stackMemory, kStackSize);
+    stackMemory = MAP_FAILED;
+    stackOwner = 0;
+}
+
+bool IsOurs(const struct sigaction& action) {
+    return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == OnSignal;
+}
+
+}  // namespace
+
+void os_SetCrashFilter(CrashFilter_t filter) {
+    if (filter != nullptr) GiveSignalStack();
+    theFilter = filter;
+    for (const int signal : kSignals) {
+        struct sigaction present;
+        if (sigaction(signal, nullptr, &present) != 0) continue;
+        const bool isDefault = (present.sa_flags & SA_SIGINFO) == 0 && present.sa_handler == SIG_DFL;
+        if (filter != nullptr ? !isDefault : !IsOurs(present)) continue;
+        struct sigaction wanted = {};
+        if (filter != nullptr) {
+            wanted.sa_sigaction = OnSignal;
+            wanted.sa_flags = SA_SIGINFO | SA_ONSTACK;
+        }
+        sigaction(signal, &wanted, nullptr);
+    }
+    if (filter == nullptr) TakeSignalStackBack();
+}
+
+// A reader that is gone must not end the process by another signal than the fault's.
+void os_WriteCrashText(const char* text, size_t size) {
+    constexpr int kMoment = 100;  // milliseconds
+    sigset_t brokenPipe, pending, before;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    sigpending(&pending);
+    pthread_sigmask(SIG_BLOCK, &brokenPipe, &before);
+    pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+    while (size != 0 && poll(&output, 1, kMoment) == 1 && (output.revents & POLLOUT) != 0) {
+        const ssize_t written = write(STDOUT_FILENO, text, size);
+        if (written < 0 && errno != EINTR) break;
+        text += written < 0 ? 0 : written;
+        size -= static_cast<size_t>(written < 0 ? 0 : written);
+    }
+    const timespec now = {};
+    if (sigismember(&pending, SIGPIPE) == 0) sigtimedwait(&brokenPipe, nullptr, &now);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}

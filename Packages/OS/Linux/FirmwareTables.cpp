@@ -1,0 +1,73 @@
+#include "Packages/OS/FirmwareTables.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "Packages/Format/EntryPoint.h"
+#include "Packages/OS/Linux/Descriptor.h"
+
+namespace {
+
+constexpr size_t kMostBytes = 64u << 20;  // far above any table
+
+#define TABLES_FOLDER "/sys/firmware/dmi/tables/"
+
+// Appends the whole file. 0, or the errno of what failed.
+int AppendFile(const char* path, std::vector<uint8_t>* bytes) {
+    const ClDescriptor file(path, O_RDONLY);
+    if (!file.IsOpen()) return errno;
+    for (;;) {
+        const size_t size = bytes->size();
+        bytes->resize(size + 16384);
+        const ssize_t got = read(file.Get(), bytes->data() + size, 16384);
+        const int problem = got < 0 ? errno : bytes->size() > kMostBytes ? EFBIG : 0;
+        bytes->resize(size + static_cast<size_t>(got < 0 ? 0 : got));
+        if (problem == EINTR) continue;
+        if (problem != 0 || got == 0) return problem;
+    }
+}
+
+int SMBIOSAnswer(std::vector<uint8_t>* answer) {
+    std::vector<uint8_t> entry;
+    const int problem = AppendFile(TABLES_FOLDER "smbios_entry_point", &entry);
+    EntryPoint_t point;
+    if (problem != 0) return problem;
+    if (!ParseEntryPoint(entry.data(), entry.size(), &point)) return ENOENT;
+    constexpr size_t kHead = 8;
+    *answer = {0, point.major, point.minor, point.revision, 0, 0, 0, 0};
+    const int tableProblem = AppendFile(TABLES_FOLDER "DMI", answer);
+    const auto length = static_cast<uint32_t>(answer->size() - kHead);
+    std::memcpy(answer->data() + 4, &length, sizeof length);
+    return tableProblem;
+}
+
+// Of several tables with one name the first answers, which the kernel numbers 1.
+int ACPIAnswer(uint32_t table, std::vector<uint8_t>* answer) {
+    char name[5] = "";
+    std::memcpy(name, &table, sizeof table);
+    for (const char letter : {name[0], name[1], name[2], name[3]})
+        if (letter <= ' ' || letter > '~' || letter == '/' || letter == '.') return ENOENT;
+    const std::string path = std::string("/sys/firmware/acpi/tables/") + name;
+    const int problem = AppendFile(path.c_str(), answer);
+    return problem == ENOENT ? AppendFile((path + "1").c_str(), answer) : problem;
+}
+
+}  // namespace
+
+uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, uint32_t room, bool* refused) try {
+    std::vector<uint8_t> answer;
+    const int problem = provider == kACPIProvider                   ? ACPIAnswer(table, &answer)
+                        : provider == kSMBIOSProvider && table == 0 ? SMBIOSAnswer(&answer)
+                                                                    : ENOENT;
+    if (refused != nullptr) *refused = problem == EACCES || problem == EPERM;
+    if (problem != 0) return 0;
+    if (buffer != nullptr && answer.size() <= room) std::memcpy(buffer, answer.data(), answer.size());
+    return static_cast<uint32_t>(answer.size());
+} catch (const std::bad_alloc&) {
+    if (refused != nullptr) *refused = false;
+    return 0;
+}

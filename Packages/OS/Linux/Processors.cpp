@@ -1,0 +1,76 @@
+#include "Packages/OS/Processors.h"
+
+#include <cpuid.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+
+#include "Packages/OS/Linux/Descriptor.h"
+#include "Packages/OS/Linux/Processors.h"
+#include "Packages/OS/OSServices.h"
+
+namespace {
+
+constexpr uint32_t kGroupSize = 64;
+constexpr uint32_t kMostGroups = 4;
+
+// Calls visit(processor) for each active processor in rising order, until it gives false.
+template <typename Visit>
+void ForEachActive(Visit visit) {
+    char list[4096] = "";
+    if (std::FILE* file = OpenStreamAbove("/sys/devices/system/cpu/online", "re")) {
+        if (std::fgets(list, sizeof list, file) == nullptr) list[0] = '\0';
+        std::fclose(file);
+    }
+    if (std::isdigit(static_cast<unsigned char>(list[0])) == 0)
+        std::snprintf(list, sizeof list, "0-%ld", sysconf(_SC_NPROCESSORS_ONLN) - 1);
+    // Ranges and single numbers: 0-3,6,8-11
+    for (char* at = list; std::isdigit(static_cast<unsigned char>(*at)) != 0;) {
+        const long first = std::strtol(at, &at, 10);
+        const long last = *at == '-' ? std::strtol(at + 1, &at, 10) : first;
+        for (long processor = first; processor <= last; ++processor)
+            if (!visit(static_cast<int>(processor))) return;
+        if (*at == ',') ++at;
+    }
+}
+
+}  // namespace
+
+int SystemProcessor(uint32_t logical) {
+    int found = -1;
+    ForEachActive([&](int processor) {
+        if (logical-- != 0) return true;
+        found = processor;
+        return false;
+    });
+    return found;
+}
+
+uint32_t os_GetProcessorCount() {
+    uint32_t count = 0;
+    ForEachActive([&](int) { return ++count != 0; });
+    return count;
+}
+
+bool os_ReadCPUID(uint32_t registers[4]) {
+    __cpuid_count(registers[0], registers[2], registers[0], registers[1], registers[2], registers[3]);
+    return true;
+}
+
+// Linux knows no groups: each 64 processors count as one.
+status_t os_GetProcessorAffinity(uint32_t processor, GroupAffinity_t* affinity) {
+    if (affinity == nullptr) return kNullPointer;
+    if (processor >= kGroupSize * kMostGroups || SystemProcessor(processor) < 0) return kFailure;
+    *affinity = {uint64_t{1} << processor % kGroupSize, static_cast<uint16_t>(processor / kGroupSize)};
+    return kSuccess;
+}
+
+status_t os_SetThreadAffinity(uint32_t processor) {
+    GroupAffinity_t affinity;
+    ClProcessorSet one;
+    if (os_GetProcessorAffinity(processor, &affinity) != kSuccess || !one.Add(SystemProcessor(processor)))
+        return kFailure;
+    return one.ApplyToThread() ? kSuccess : kFailure;
+}

@@ -1,0 +1,151 @@
+// Facts about the machine: from os-release, uname, sysfs and the file system.
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+
+#include "Packages/OS/Linux/Descriptor.h"
+#include "Packages/OS/Memory.h"
+#include "Packages/OS/OS.h"
+#include "Packages/OS/OSServices.h"
+
+namespace {
+
+status_t GiveCopy(const char* text, char** out) {
+    char* copy = CopyOfText(text);
+    if (copy == nullptr) return kNoMemory;
+    *out = copy;
+    return kSuccess;
+}
+
+// A folder's entries; closes itself.
+class ClFolder {
+  public:
+    explicit ClFolder(const char* path) {
+        ClDescriptor file(path, O_RDONLY | O_DIRECTORY);
+        if (file.IsOpen()) m_folder = fdopendir(file.Get());
+        if (m_folder != nullptr) file.Release();
+    }
+    ClFolder(const ClFolder&) = delete;
+    ClFolder& operator=(const ClFolder&) = delete;
+    ~ClFolder() {
+        if (m_folder != nullptr) closedir(m_folder);
+    }
+    bool IsOpen() const { return m_folder != nullptr; }
+    // The next name; null at the end, or with errno set.
+    const char* Next() {
+        errno = 0;
+        const dirent* entry = m_folder == nullptr ? nullptr : readdir(m_folder);
+        return entry == nullptr ? nullptr : entry->d_name;
+    }
+    bool IsFolder(const char* name) const {
+        struct stat facts = {};
+        return fstatat(dirfd(m_folder), name, &facts, 0) == 0 && S_ISDIR(facts.st_mode);
+    }
+
+  private:
+    DIR* m_folder = nullptr;
+};
+
+// The memory that the firmware gave to the kernel, in its hot-plug blocks; 0 where it doesn't tell.
+uint64_t MemoryInBlocks() {
+    char digits[32] = "";
+    uint64_t blocks = 0;
+    if (std::FILE* file = OpenStreamAbove("/sys/devices/system/memory/block_size_bytes", "re")) {
+        if (std::fgets(digits, sizeof digits, file) == nullptr) digits[0] = '\0';
+        std::fclose(file);
+    }
+    ClFolder folder("/sys/devices/system/memory");
+    while (const char* name = folder.Next())
+        blocks += std::strncmp(name, "memory", 6) == 0 && std::isdigit(static_cast<unsigned char>(name[6])) != 0;
+    return blocks * std::strtoull(digits, nullptr, 16);
+}
+
+}  // namespace
+
+status_t os_GetLocalTime(LocalTime_t* now) {
+    if (now == nullptr) return kNullPointer;
+    const time_t seconds = std::time(nullptr);
+    tm local;
+    if (localtime_r(&seconds, &local) == nullptr) return kFailure;
+    *now = {static_cast<uint8_t>(local.tm_sec),          static_cast<uint8_t>(local.tm_min),
+            static_cast<uint8_t>(local.tm_hour),         static_cast<uint8_t>(local.tm_mon + 1),
+            static_cast<uint16_t>(local.tm_year + 1900), static_cast<uint8_t>(local.tm_mday)};
+    return kSuccess;
+}
+
+status_t os_FindFiles(const char* directory, char*** names, uint32_t* count) {
+    if (names == nullptr || count == nullptr) return kNullPointer;
+    if (directory == nullptr || std::strlen(directory) >= kLongestFolder) return kFailure;
+    ClFolder folder(directory);
+    if (!folder.IsOpen()) return kFailure;
+    char** all = nullptr;
+    uint32_t known = 0;
+    status_t status = kSuccess;
+    while (const char* name = status == kSuccess ? folder.Next() : nullptr)
+        if (!folder.IsFolder(name)) status = AddName(name, &all, &known);
+    if (status == kSuccess && errno != 0) status = kFailure;
+    return GiveNames(status, all, known, names, count);
+}
+
+status_t os_ReadRegistryString(void*, const char*, const char*, char** text, void*) {
+    return text == nullptr ? kNullPointer : kNotSupported;
+}
+
+status_t os_GetOSName(char** text) {
+    if (text == nullptr) return kBadValue;
+    char line[256] = "";
+    bool isFound = false;
+    for (const char* path : {"/etc/os-release", "/usr/lib/os-release"}) {
+        std::FILE* file = OpenStreamAbove(path, "re");
+        while (file != nullptr && !isFound && std::fgets(line, sizeof line, file) != nullptr)
+            isFound = std::strncmp(line, "PRETTY_NAME=", 12) == 0;
+        if (file != nullptr) std::fclose(file);
+        if (file != nullptr) break;
+    }
+    line[std::strcspn(line, "\n")] = '\0';
+    char* name = line + 12;
+    if (isFound && (*name == '"' || *name == '\'')) {
+        name[std::strcspn(name + 1, "\"'") + 1] = '\0';
+        ++name;
+    }
+    utsname system;
+    if (isFound && *name != '\0') return GiveCopy(name, text);
+    return uname(&system) == 0 ? GiveCopy(system.sysname, text) : kFailure;
+}
+
+status_t os_GetMachineName(char** text) {
+    if (text == nullptr) return kBadValue;
+    utsname system;
+    return uname(&system) == 0 ? GiveCopy(system.nodename, text) : kFailure;
+}
+
+status_t os_GetMemorySize(uint64_t* bytes) {
+    if (bytes == nullptr) return kNullPointer;
+    uint64_t size = MemoryInBlocks();
+    const long pages = sysconf(_SC_PHYS_PAGES), pageSize = sysconf(_SC_PAGESIZE);
+    if (size == 0 && pages > 0 && pageSize > 0) size = static_cast<uint64_t>(pages) * static_cast<uint64_t>(pageSize);
+    if (size == 0) return kFailure;
+    *bytes = size;
+    return kSuccess;
+}
+
+status_t os_GetCurrentDirectory(char** text) {
+    if (text == nullptr) return kNullPointer;
+    for (size_t room = 200;; room *= 2) {
+        auto* buffer = static_cast<char*>(os_malloc(room));
+        if (buffer != nullptr && getcwd(buffer, room) != nullptr) {
+            *text = buffer;
+            return kSuccess;
+        }
+        const bool isTooSmall = buffer != nullptr && errno == ERANGE;
+        os_free(buffer);
+        if (!isTooSmall) return kFailure;
+    }
+}

@@ -1,0 +1,26 @@
+// What a program needs of its system: arguments, files, and standard streams. Text is UTF-8 on every system, path names
+// included.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+// The arguments as UTF-8, the program's name first.
+std::vector<std::string> ProgramArguments(int argc, char** argv);
+// As fopen; null with errno set.
+std::FILE* OpenFile(const std::string& path, const char* mode);
+// Creates a file that only its owner may read and write. Null with errno set, EEXIST when there is anything of that
+// name, a link included.
+std::FILE* CreateNewFile(const std::string& path);
+bool IsFolder(const std::string& path);
+// To be called first. A standard stream that the program was started without becomes one that fails, so that no file
+// takes its place. Bytes reach the other two as they are written; a console takes them as UTF-8.
+void PrepareStandardStreams();
+bool IsStandardOutputTerminal();
+bool IsStandardErrorTerminal();
+// The columns of the terminal that standard output is; 0 when it is none.
+size_t TerminalWidth();
+// Writes all bytes to standard output, unbuffered. False with errno set.
+bool WriteStandardOutput(const char* bytes, size_t size);

@@ -1,0 +1,91 @@
+// A system that has the standard library alone: reads files and writes standard output, and refuses all else. It shows
+// what a new system has to bring, and CI builds it.
+#include <filesystem>
+
+#include "Packages/OS/ConfigFile.h"
+#include "Packages/OS/CrashFilter.h"
+#include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/OS.h"
+#include "Packages/OS/OSServices.h"
+#include "Packages/OS/Processors.h"
+#include "Packages/OS/Program.h"
+
+// ---- A program's files and streams
+
+std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv, argv + argc}; }
+
+FILE* os_fopen(const char* path, const char* mode) {
+    return path == nullptr || mode == nullptr ? nullptr : std::fopen(path, mode);
+}
+
+std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
+
+std::FILE* CreateNewFile(const std::string& path) { return std::fopen(path.c_str(), "wbx"); }
+
+bool IsFolder(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(path, ignored);
+}
+
+void PrepareStandardStreams() {}
+
+bool IsStandardOutputTerminal() { return false; }
+
+bool IsStandardErrorTerminal() { return false; }
+
+size_t TerminalWidth() { return 0; }
+
+bool WriteStandardOutput(const char* bytes, size_t size) {
+    return std::fwrite(bytes, 1, size, stdout) == size && std::fflush(stdout) == 0;
+}
+
+// Who could have written the file isn't known, so none is obeyed.
+FILE* OpenConfigFile(const char*) { return nullptr; }
+
+// ---- The machine
+
+uint32_t os_GetFirmwareTable(uint32_t, uint32_t, void*, uint32_t, bool* refused) {
+    if (refused != nullptr) *refused = false;
+    return 0;
+}
+
+uint32_t os_GetProcessorCount() { return 0; }
+
+bool os_ReadCPUID(uint32_t registers[4]) {
+    for (int place = 0; place < 4; ++place) registers[place] = 0;
+    return false;
+}
+
+void os_SetCrashFilter(CrashFilter_t) {}
+
+void os_WriteCrashText(const char*, size_t) {}
+
+// ---- Offered services
+
+status_t os_StartProcess(const char*, const char* const*, const char* const*, ProcessRecord_t*) {
+    return kNotSupported;
+}
+
+status_t os_StartProcessDetached(const char*, const char* const*) { return kFailure; }
+
+status_t os_KillProcess(ProcessRecord_t*) { return kNotSupported; }
+
+status_t os_WaitProcess(ProcessRecord_t*) { return kNotSupported; }
+
+status_t os_SetThreadAffinity(uint32_t) { return kFailure; }
+
+status_t os_GetProcessorAffinity(uint32_t, GroupAffinity_t*) { return kFailure; }
+
+status_t os_GetLocalTime(LocalTime_t*) { return kFailure; }
+
+status_t os_FindFiles(const char*, char***, uint32_t*) { return kFailure; }
+
+status_t os_ReadRegistryString(void*, const char*, const char*, char**, void*) { return kNotSupported; }
+
+status_t os_GetOSName(char**) { return kNotSupported; }
+
+status_t os_GetMachineName(char**) { return kNotSupported; }
+
+status_t os_GetMemorySize(uint64_t*) { return kFailure; }
+
+status_t os_GetCurrentDirectory(char**) { return kFailure; }

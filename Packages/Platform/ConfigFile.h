@@ -1,9 +1,0 @@
-// The one question of the configuration file that no Windows function answers: whether this process may obey it.
-#pragma once
-
-#include <cstdio>
-
-// Opens a regular file for reading. Null if there is none, if it can't be opened, or if the process is privileged and
-// another user could have written the file: a configuration names files that are then opened for writing. A pipe or
-// a folder of that name counts as no file, and is not waited for. The stream is the caller's to close.
-FILE* OpenConfigFile(const char* path);

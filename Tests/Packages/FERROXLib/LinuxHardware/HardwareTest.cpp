@@ -1,0 +1,435 @@
+// The Linux half of the hardware library. What only hardware can tell is compared with the kernel in Tests/Machine;
+// here files stand in for the memory, the MSRs, the PCI functions and the tables.
+#include <cpuid.h>
+#include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Packages/FERROXExternal/FERROXLib/Sources/Linux/LinuxFERROX.h"
+#include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/OS.h"
+#include "Packages/OS/Processors.h"
+#include "Tests/Support/Buffer.h"
+#include "Tests/Support/Linux/Processes.h"
+#include "Tests/Support/Program.h"
+
+namespace {
+
+constexpr status_t kRefused = 0;
+
+std::string Text(const ClBuffer& buffer) {
+    const std::vector<uint8_t> bytes = buffer.Bytes();
+    return {bytes.begin(), bytes.end()};
+}
+
+using Move_t = status_t (*)(uint64_t, uint32_t, DataBuffer_t*);
+
+// From here on this process may not choose its processors.
+bool RefuseAffinity() {
+    sock_filter filter[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_sched_setaffinity, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program = {4, filter};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+class Hardware : public testing::Test {
+  protected:
+    void SetUp() override { ASSERT_EQ(FERROXInitialize(), kSuccess); }
+    void TearDown() override { EXPECT_EQ(FERROXTerminate(), kSuccess); }
+};
+
+TEST_F(Hardware, CPUIDIsTheInstructionOnTheProcessorAskedFor) {
+    for (const uint32_t leaf : {0u, 0x80000002u}) {
+        CPUIDRecord_t expected = {0, 0, 0, 0, 0}, record = {0, leaf, 0, 0, 0};
+        __cpuid_count(leaf, 0, expected.Eax, expected.Ebx, expected.Ecx, expected.Edx);
+        ASSERT_EQ(ReadCPUID(kAnyProcessor, &record), kSuccess);
+        EXPECT_EQ(std::memcmp(&record, &expected, sizeof record), 0) << leaf;
+    }
+    cpu_set_t before, after;
+    sched_getaffinity(0, sizeof before, &before);
+    std::set<uint32_t> identities;  // each processor has an APIC number of its own
+    const uint32_t count = os_GetProcessorCount();
+    ASSERT_GE(count, 1u);
+    for (uint32_t cpu = 0; cpu <= count; ++cpu) {
+        CPUIDRecord_t record = {0, 1, 0, 0, 0};
+        ASSERT_EQ(ReadCPUID(cpu, &record), cpu < count ? kSuccess : kBadValue);
+        if (cpu < count) identities.insert(record.Ebx >> 24);
+    }
+    EXPECT_EQ(identities.size(), std::min(count, 256u));
+    sched_getaffinity(0, sizeof after, &after);
+    EXPECT_TRUE(CPU_EQUAL(&before, &after));
+}
+
+// Before anything is touched, and for root as well.
+TEST_F(Hardware, ImpossibleRequestsAreRefused) {
+    static ClBuffer data(16), three(3), two(2);
+    static MSRRecord_t msr = {0, 255, 0x10, 1, 2};
+    static NonTurboRecord_t lastPort = {0, 0xE7, 0xFFFD, {}}, noProcessor = {255, 0xE7, 0, {}};
+    static uint32_t version = 0;
+    const struct {
+        const char* what;
+        std::function<status_t()> call;
+        status_t status;
+    } kCases[] = {
+        {"behind the last address", [] { return GetSystemTables(~0ull - 4, 0, data.Get()); },                 kRefused },
+        {"across the last address", [] { return PCIMMIORead((1ull << 52) - 15, 0, data.Get()); },             kRefused },
+        {"beyond it by its offset", [] { return PCIMMIOWriteStored((1ull << 52) - 4096, 4081, data.Get()); }, kRefused },
+        {"a port of three bytes",   [] { return ReadWakeupTimer(0x80, three.Get()); },                        kRefused },
+        {"a port of 16 bytes",      [] { return ReadWakeupTimer(0x80, data.Get()); },                         kBadValue},
+        {"across the last port",    [] { return ConfigureWakeUpTimer(0xFFFF, two.Get()); },                   kRefused },
+        {"MSR of no processor",     [] { return ReadMSR(&msr); },                                             kRefused },
+        {"the timer's last byte",   [] { return CalcFreqNonTurbo(&lastPort); },                               kFailure },
+        {"timer of no processor",   [] { return CalcFreqNonTurbo(&noProcessor); },                            kFailure },
+        {"version",                 [] { return GetFERROXDriverVersion(&version); },                          kSuccess },
+    };
+    for (const auto& c : kCases) EXPECT_EQ(c.call(), c.status) << c.what;
+    EXPECT_EQ(Text(data), std::string(16, '\xEE'));
+    EXPECT_EQ(msr.HiContent, 1u);
+    EXPECT_EQ(version, 0x00030000u);
+}
+
+// Refused one by one, with a clear status; CPUID needs no rights.
+TEST_F(Hardware, AUserWithoutRightsGetsCPUIDAndRefusals) {
+    const int result = InChild([] {
+        if (!BecomeNobody()) return 99;
+        CPUIDRecord_t cpuid = {};
+        NonTurboRecord_t timer = {0, 0xE7, 0, {}};
+        ClBuffer port(1), memory(16);
+        EXPECT_EQ(ReadCPUID(kAnyProcessor, &cpuid), kSuccess);
+        EXPECT_EQ(ReadWakeupTimer(0x80, port.Get()), kRefused);
+        EXPECT_EQ(CalcFreqNonTurbo(&timer), kFailure);
+        EXPECT_EQ(GetSystemTables(0xF0000, 0, memory.Get()), kRefused);
+        EXPECT_EQ(Text(memory), std::string(16, '\xEE'));
+        return testing::Test::HasFailure() ? 1 : 0;
+    });
+    if (result == 99) GTEST_SKIP() << "only root can become another user";
+    EXPECT_EQ(result, 0);
+}
+
+// A child of fork owns nothing of its parent's.
+TEST_F(Hardware, AChildEndsItsOwnLibraryAlone) {
+    EXPECT_EQ(InChild([] { return FERROXTerminate() == kSuccess && FERROXTerminate() == kFailure ? 0 : 1; }), 0);
+    CPUIDRecord_t cpuid = {};
+    EXPECT_EQ(ReadCPUID(kAnyProcessor, &cpuid), kSuccess);
+    EXPECT_NE(cpuid.Ebx, 0u);
+}
+
+TEST(HardwareLife, TheFirstOpeningWorksWithoutProcessorZero) {
+    const int result = InChild([] {
+        if (!RefuseAffinity()) return 99;
+        return FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess ? 0 : 1;
+    });
+    if (result == 99) GTEST_SKIP() << "no filters for system calls in this kernel";
+    EXPECT_EQ(result, 0);
+}
+
+TEST(HardwareLife, AClosedLibraryReadsNothing) {
+    ClBuffer data(4);
+    MSRRecord_t msr = {0, 0, 0x10, 0, 0};
+    CPUIDRecord_t cpuid = {};
+    NonTurboRecord_t timer = {0, 0xE7, 0, {}};
+    EXPECT_EQ(GetSystemTables(0xF0000, 0, data.Get()), kRefused);
+    EXPECT_EQ(PCIRead(0, 0, data.Get()), kRefused);
+    EXPECT_EQ(ReadWakeupTimer(0x80, data.Get()), kRefused);
+    EXPECT_EQ(ReadMSR(&msr), kRefused);
+    EXPECT_EQ(ReadCPUID(kAnyProcessor, &cpuid), kRefused);
+    EXPECT_EQ(CalcFreqNonTurbo(&timer), kFailure);
+}
+
+// ---- The non-turbo frequency, with a counter and a timer that the test plays
+
+struct Script_t {
+    uint64_t time, timeStep, count, countStep;  // each reading of the timer moves both
+    int failingReading = 0;                     // of the counter
+    int readings = 0;
+};
+
+bool PlayCounter(void* context, uint64_t* count) {
+    auto* script = static_cast<Script_t*>(context);
+    *count = script->count;
+    return ++script->readings != script->failingReading;
+}
+
+bool PlayTimer(void* context, uint64_t* ticks) {
+    auto* script = static_cast<Script_t*>(context);
+    script->time += script->timeStep;
+    script->count += script->countStep;
+    *ticks = script->time & 0xFFFFFF;
+    return true;
+}
+
+TEST(NonTurbo, IsTheCountersOwnPaceOrAFailure) {
+    constexpr uint64_t kFailed = 0;
+    const struct {
+        const char* what;
+        Script_t script;
+        uint64_t perSecond;
+    } kCases[] = {
+        {"ten counts a tick",           {0, 10, 0, 100},                   35'795'450},
+        {"the timer starts again at 0", {0xFFFF00, 10, 0, 100},            35'795'450},
+        {"a large counter",             {0, 10, 0x7000'0000'0000'0000, 1}, 357'954   },
+        {"a counter that stands still", {0, 10, 5, 0},                     kFailed   },
+        {"a timer that stands still",   {5, 0, 0, 1},                      kFailed   },
+        {"a counter that runs back",    {0, 10, 1ull << 40, ~0ull},        kFailed   },
+        {"beyond 64 bits",              {0, 40'000, 0, 1ull << 63},        kFailed   },
+        {"no counter",                  {0, 10, 0, 100, 1},                kFailed   },
+        {"no counter any more",         {0, 10, 0, 100, 2},                kFailed   },
+    };
+    for (const auto& c : kCases) {
+        Script_t script = c.script;
+        uint64_t perSecond = kFailed;
+        const Measurement_t measurement = {PlayCounter, PlayTimer, &script, 3'579'545, 0xFFFFFF};
+        EXPECT_EQ(MeasurePerSecond(measurement, &perSecond), c.perSecond != kFailed) << c.what;
+        EXPECT_EQ(perSecond, c.perSecond) << c.what;
+    }
+}
+
+// ---- With files in place of the machine
+
+// A PCI function's configuration space: its vendor, other bytes by their offsets, and base address registers.
+std::string Configuration(std::initializer_list<uint32_t> bases) {
+    std::string bytes = "\x34\x12";
+    while (bytes.size() < 256) bytes += static_cast<char>(bytes.size());
+    size_t at = 0x10;
+    for (const uint32_t base : bases)
+        bytes.replace(std::exchange(at, at + 4), 4, reinterpret_cast<const char*>(&base), 4);
+    return bytes;
+}
+
+// 24 MiB from 0xE0000000 on for the buses 2 and 3 of segment 5, whose bus 0 would be at the base.
+const std::string kMCFG = "MCFG" + std::string("\x3C\0\0\0", 4) + std::string(36, '\0') +
+                          std::string("\0\0\0\xE0\0\0\0\0\x05\0\x02\x03\0\0\0\0", 16);
+
+class StandIns : public Hardware {
+  protected:
+    void SetUp() override {
+        Hardware::SetUp();
+        if (!ClFolderOver::IsPossible()) GTEST_SKIP() << "only root can have folders over those of the system";
+        m_dev.emplace("/dev");
+        m_pci.emplace("/sys/bus/pci");
+        m_firmware.emplace("/sys/firmware");
+        m_dev->Write("null", "");
+    }
+
+    std::optional<ClFolderOver> m_dev, m_pci, m_firmware;
+};
+
+TEST_F(StandIns, MemoryIsMovedAtItsPlaceAndNoFurther) {
+    std::string before;
+    for (int place = 0; place < 3 * 4096; ++place) before += static_cast<char>(place * 7 + place / 256);
+    const struct {
+        Move_t move;
+        uint32_t address, offset, size;
+        bool writes;
+    } kCases[] = {
+        {GetSystemTables,    4,    0, 4,    false},
+        {GetSystemTables,    4086, 9, 2,    false},
+        {PCIMMIORead,        1,    9, 7,    false},
+        {PCIMMIOReadStored,  1,    1, 8192, false},
+        {MMIOReadGPIO,       4096, 3, 1,    false},
+        {PCIMMIOWriteStored, 4093, 4, 11,   true },
+        {MMIOWriteGPIO,      8000, 2, 6,    true },
+        {PCIMMIOWriteStored, 4,    0, 1,    true },
+    };
+    for (const auto& c : kCases) {
+        m_dev->Write("mem", before);
+        const size_t place = c.address + c.offset;
+        ClBuffer data(c.size);
+        std::string after = before;
+        if (c.writes) after.replace(place, c.size, Text(data));
+        EXPECT_EQ(c.move(c.address, c.offset, data.Get()), kSuccess) << c.address;
+        EXPECT_EQ(Text(data), after.substr(place, c.size)) << c.address << " " << c.size;
+        EXPECT_EQ(ReadWholeFile("/dev/mem"), after) << c.address << " " << c.size;
+    }
+}
+
+TEST_F(StandIns, CPUIDOfAForeignProcessorComesFromItsFile) {
+    m_dev->Write("cpu/0/cpuid", "\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10\x11\x12");
+    const int result = InChild([] {
+        if (!RefuseAffinity()) return 99;
+        CPUIDRecord_t record = {7, 2, 0, 0, 0}, beyond = {0, 3, 0, 0, 0};
+        EXPECT_EQ(ReadCPUID(0, &record), kSuccess);
+        const CPUIDRecord_t expected = {7, 0x06050403, 0x0A090807, 0x0E0D0C0B, 0x1211100F};
+        EXPECT_EQ(std::memcmp(&record, &expected, sizeof record), 0);
+        EXPECT_EQ(ReadCPUID(0, &beyond), kRefused);
+        std::filesystem::remove_all("/dev/cpu");
+        EXPECT_EQ(ReadCPUID(0, &record), kRefused);
+        return HasFailure() ? 1 : 0;
+    });
+    if (result == 99) GTEST_SKIP() << "no filters for system calls in this kernel";
+    EXPECT_EQ(result, 0);
+}
+
+TEST_F(StandIns, MSRsAreReadAndWrittenAtTheirNumbers) {
+    m_dev->Write("cpu/0/msr", "abcd\x01\x02\x03\x04\x05\x06\x07\x08rest");
+    MSRRecord_t read = {0, 0, 4, 0, 0}, write = {0, 0, 5, 0x68676665, 0x64636261}, beyond = {0, 0, 9, 0, 0};
+    EXPECT_EQ(ReadMSR(&read), kSuccess);
+    EXPECT_EQ(read.HiContent, 0x08070605u);
+    EXPECT_EQ(read.LoContent, 0x04030201u);
+    EXPECT_EQ(WriteMSR(&write), kSuccess);
+    EXPECT_EQ(ReadWholeFile("/dev/cpu/0/msr"),
+              "abcd\x01"
+              "abcdefghest");
+    EXPECT_EQ(ReadMSR(&beyond), kRefused) << "no whole register";
+    NonTurboRecord_t timer = {0, 9, 0, {1}};
+    EXPECT_EQ(CalcFreqNonTurbo(&timer), kFailure) << "no whole register";
+    timer.Msr = 4;
+    EXPECT_EQ(CalcFreqNonTurbo(&timer), kFailure) << "a register that doesn't count";
+    EXPECT_EQ(timer.Result[0], 1);
+    std::filesystem::remove_all("/dev/cpu");
+    EXPECT_EQ(ReadMSR(&read), kRefused) << "no driver for MSRs";
+}
+
+TEST_F(StandIns, PCIRegistersAreThoseOfTheFunctionAsOnTheBus) {
+    constexpr uint32_t kLocation = 5 << 16 | 1 << 13 | 2 << 8 | 3;
+    ClBuffer none(4);
+    EXPECT_EQ(PCIRead(kLocation, 0x3C, none.Get()), kRefused) << "no bus";
+    m_pci->Write("devices/0005:03:02.1/config", Configuration({}).substr(0, 0x40));
+    const struct {
+        const char* what;
+        uint32_t location, offset;
+        const char* text;
+    } kCases[] = {
+        {"a word",                      kLocation,     0x3C, "\x3C\x3D\x3E\x3F"    },
+        {"unaligned",                   kLocation,     0x31, "\x31\x32\x33\x34\x35"},
+        {"past what the function has",  kLocation,     0x3E, "\x3E\x3F\xFF\xFF"    },
+        {"ones where there is nothing", kLocation,     0x40, "\xFF\xFF\xFF\xFF"    },
+        {"no function",                 kLocation + 1, 0xFC, "\xFF\xFF\xFF\xFF"    },
+        {"no bytes",                    kLocation + 1, 0,    ""                    },
+    };
+    for (const auto& c : kCases) {
+        ClBuffer data(static_cast<uint32_t>(std::strlen(c.text)));
+        EXPECT_EQ(PCIRead(c.location, c.offset, data.Get()), kSuccess) << c.what;
+        EXPECT_EQ(Text(data), c.text) << c.what;
+    }
+}
+
+// Where the memory itself isn't available.
+TEST_F(StandIns, MappedRegistersAreThoseThatMCFGPlacesThere) {
+    ClBuffer none(4);
+    EXPECT_EQ(PCIMMIORead(0xE0200000, 0, none.Get()), kRefused) << "no memory, no table";
+    const std::string last = "devices/0005:02:1f.7/config", next = "devices/0005:03:00.0/config";
+    m_firmware->Write("acpi/tables/MCFG", kMCFG);
+    m_pci->Write(last, std::string(4096, 'a'));
+    m_pci->Write(next, "bcdefgh");
+    const struct {
+        const char* what;
+        uint32_t address;
+        const char* data;
+        status_t status;
+    } kCases[] = {
+        {"before the first bus", 0xE01FFFFF, "\xEE\xEE\xEE", kRefused},
+        {"no function",          0xE0200000, "\xFF\xFF\xFF", kSuccess},
+        {"the end of a bus",     0xE02FFFFD, "aaa",          kSuccess},
+        {"from one to the next", 0xE02FFFFE, "aabc",         kSuccess},
+        {"within",               0xE0300001, "cde",          kSuccess},
+        {"behind what it has",   0xE0300006, "h\xFF",        kSuccess},
+        {"out of the last bus",  0xE03FFFFF, "\xEE\xEE",     kRefused},
+    };
+    for (const auto& c : kCases) {
+        ClBuffer data(static_cast<uint32_t>(std::strlen(c.data)));
+        EXPECT_EQ(PCIMMIORead(c.address, 0, data.Get()), c.status) << c.what;
+        EXPECT_EQ(Text(data), c.data) << c.what;
+    }
+    ClBuffer written(std::string_view("XYZ"));
+    EXPECT_EQ(PCIMMIOWriteStored(0xE02FFFF0, 15, written.Get()), kSuccess);
+    EXPECT_EQ(ReadWholeFile("/sys/bus/pci/" + last), std::string(4095, 'a') + "X");
+    EXPECT_EQ(ReadWholeFile("/sys/bus/pci/" + next), "YZdefgh");
+}
+
+TEST_F(StandIns, DynamicWritesGoBehindTheBaseAddressRegister) {
+    m_pci->Write("devices/0000:00:03.0/config",
+                 Configuration({0x1008, 0x2004, 0, 0x2004, 0x100000, 0x3001}) + std::string(3840, '\0'));
+    const struct {
+        const char* what;
+        DynamicMMIORecord_t record;
+        status_t status;
+        size_t place;
+    } kCases[] = {
+        {"32 bits, prefetchable", {3 << 8, 0x10, 5},    kSuccess, 0x1005},
+        {"64 bits",               {3 << 8, 0x14, 8189}, kSuccess, 0x3FFD},
+        {"64 bits, too high",     {3 << 8, 0x1C, 0},    kRefused, 0     },
+        {"ports",                 {3 << 8, 0x24, 0},    kRefused, 0     },
+        {"no base",               {3 << 8, 0x18, 0},    kRefused, 0     },
+        {"no register",           {3 << 8, 0x11, 0},    kRefused, 0     },
+        {"no function",           {4 << 8, 0x10, 0},    kRefused, 0     },
+    };
+    const std::string before(4 * 4096, '.');
+    for (const auto& c : kCases) {
+        m_dev->Write("mem", before);
+        std::string after = before;
+        if (c.status == kSuccess) after.replace(c.place, 3, "abc");
+        ClBuffer data(std::string_view("abc"));
+        EXPECT_EQ(PCIMMIOWriteDynamic(&c.record, data.Get()), c.status) << c.what;
+        EXPECT_EQ(ReadWholeFile("/dev/mem"), after) << c.what;
+    }
+}
+
+// The table, "refused", or nothing.
+std::string Firmware(uint32_t provider, const char* name) {
+    uint32_t number;
+    std::memcpy(&number, name, sizeof number);
+    bool refused = true;
+    const uint32_t size = os_GetFirmwareTable(provider, number, nullptr, 0, &refused);
+    if (size == 0) return refused ? "refused" : "";
+    std::string table(size + 1, '#');
+    EXPECT_EQ(os_GetFirmwareTable(provider, number, table.data(), size - 1, nullptr), size);
+    EXPECT_EQ(table, std::string(size + 1, '#')) << "a buffer too small stays as it is";
+    EXPECT_EQ(os_GetFirmwareTable(provider, number, table.data(), size, nullptr), size);
+    EXPECT_EQ(table.back(), '#');
+    table.pop_back();
+    return table;
+}
+
+TEST_F(StandIns, FirmwareTablesAreThoseThatTheKernelShows) {
+    EXPECT_EQ(Firmware(kSMBIOSProvider, "\0\0\0\0"), "");
+    const std::vector<uint8_t> dump = DumpOf({'t', 'a', 'b', 'l', 'e'}, 3, 5, 32);
+    m_firmware->Write("dmi/tables/smbios_entry_point", std::string(dump.begin(), dump.begin() + 24));
+    m_firmware->Write("dmi/tables/DMI", "table");
+    m_firmware->Write("acpi/tables/MCFG", kMCFG);
+    m_firmware->Write("acpi/tables/SSDT1", "the first of several");
+    m_firmware->Write("acpi/tables/HUGE", "");
+    std::filesystem::resize_file("/sys/firmware/acpi/tables/HUGE", (64u << 20) + 1);
+    std::filesystem::create_directory("/sys/firmware/acpi/tables/FOLD");
+    const struct {
+        uint32_t provider;
+        const char* name;
+        std::string table;
+    } kCases[] = {
+        {kSMBIOSProvider, "\0\0\0\0", std::string("\0\3\5\0\5\0\0\0table", 13)},
+        {kSMBIOSProvider,               "\1\0\0\0",           ""                     },
+        {kACPIProvider,               "MCFG",             kMCFG      },
+        {kACPIProvider,               "SSDT",             "the first of several"                     },
+        {kACPIProvider,               "ZZZZ",             ""      },
+        {kACPIProvider,               "../x",             ""                     },
+        {kACPIProvider,               "a\0b",             ""      },
+        {kACPIProvider,               "HUGE",             ""                     },
+        {kACPIProvider,               "FOLD",             ""      },
+        {1,               "MCFG",                         ""                                 },
+    };
+    for (const auto& c : kCases) EXPECT_EQ(Firmware(c.provider, c.name), c.table) << c.name;
+    const int result = InChild([] { return BecomeNobody() && Firmware(kACPIProvider, "MCFG") == "refused" ? 0 : 1; });
+    EXPECT_EQ(result, 0) << "files that only root may read";
+    m_firmware->Write("dmi/tables/smbios_entry_point", "_SMX_");
+    EXPECT_EQ(Firmware(kSMBIOSProvider, "\0\0\0\0"), "") << "no entry point";
+}
+
+}  // namespace

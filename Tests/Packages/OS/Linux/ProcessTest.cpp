@@ -1,0 +1,133 @@
+// Child processes, and the library as a guest in a process.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "Packages/Container/Container.h"
+#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/OS/OSServices.h"
+#include "Sources/Quorlin.h"
+#include "Sources/quorlin_c.h"
+#include "Tests/Support/Linux/Processes.h"
+
+namespace {
+
+// A process that has no descriptor left can still wait and kill.
+TEST(Process, IsWaitedForWithoutADescriptor) {
+    const int result = InChild([] {
+        const char* const arguments[] = {"sleep", "0.2", nullptr};
+        ProcessRecord_t waited = {}, killed = {};
+        EXPECT_EQ(os_StartProcess("/bin/sleep", arguments, nullptr, &waited), kSuccess);
+        EXPECT_EQ(os_StartProcess("/bin/sleep", std::vector{"sleep", "100", static_cast<const char*>(nullptr)}.data(),
+                                  nullptr, &killed),
+                  kSuccess);
+        rlimit none = {3, 3};
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+        alarm(20);
+        EXPECT_EQ(os_WaitProcess(&waited), kSuccess);
+        EXPECT_EQ(os_KillProcess(&killed), kSuccess);
+        return HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(result, 0);
+}
+
+TEST(Process, ADetachedOneLeavesNoZombie) {
+    const int result = InChild([] {
+        EXPECT_EQ(os_StartProcessDetached("/bin/true", nullptr), kSuccess);
+        EXPECT_EQ(os_StartProcessDetached("/no/such/program", nullptr), kFailure);
+        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+        EXPECT_EQ(errno, ECHILD);
+        return HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(result, 0);
+}
+
+// ---- The library, loaded and unloaded
+
+std::string HandlersAndStack() {
+    std::string all;
+    for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP}) {
+        struct sigaction action = {};
+        sigaction(number, nullptr, &action);
+        all += std::to_string(reinterpret_cast<uintptr_t>(action.sa_handler)) + ' ';
+    }
+    stack_t stack = {};
+    sigaltstack(nullptr, &stack);
+    return all + std::to_string(reinterpret_cast<uintptr_t>(stack.ss_sp)) + ' ' + std::to_string(stack.ss_flags);
+}
+
+template <class Function_t>
+Function_t* Find(void* library, const char* name) {
+    return reinterpret_cast<Function_t*>(dlsym(library, name));
+}
+
+// Both interfaces are used: a package has a crash report and with it a signal stack.
+TEST(Library, IsGoneAfterEachOfAThousandLoads) {
+    if (IsSanitized()) GTEST_SKIP() << "a sanitizer keeps the library, and handlers of its own";
+    const std::vector<uint8_t> dump = DumpOf({0, 5, 1, 0, 9, 0, 0, 127, 4, 2, 0, 0, 0}, 3, 0, 32);
+    const int result = InChild([&] {
+        const std::string before = HandlersAndStack();
+        for (int round = 0; round < 1000; ++round) {
+            void* library = dlopen(QUORLIN_LIBRARY, RTLD_NOW);
+            if (library == nullptr) return 1;
+            const auto open = Find<decltype(quorlin_open_memory)>(library, "quorlin_open_memory");
+            const auto close = Find<decltype(quorlin_close)>(library, "quorlin_close");
+            const auto use = Find<decltype(SetImageMachine)>(library, "SetImageMachine");
+            const auto create = Find<decltype(CreateSmbiosPackage)>(library, "CreateSmbiosPackage");
+            const auto destroy = Find<decltype(DestroySmbiosPackage)>(library, "DestroySmbiosPackage");
+            quorlin_table* table = nullptr;
+            if (open(dump.data(), dump.size(), nullptr, &table) != QUORLIN_OK) return 2;
+            close(table);
+            const ImageSource_t image = {dump.data() + 32, static_cast<uint32_t>(dump.size() - 32), 3, 0, 0};
+            if (use(&image) != kSuccess) return 3;
+            BaseAbstraction* package = create();
+            if (package->Initialize() != kSuccess || HandlersAndStack() == before) return 8;
+            if (package->UnInitialize() != kSuccess) return 9;
+            destroy(package);
+            if (dlclose(library) != 0) return 4;
+            if (round == 0 && ReadWholeFile("/proc/self/maps").find("libquorlin") != std::string::npos) return 5;
+        }
+        if (ReadWholeFile("/proc/self/maps").find("libquorlin") != std::string::npos) return 6;
+        return HandlersAndStack() == before ? 0 : 7;
+    });
+    EXPECT_EQ(result, 0);
+}
+
+// ---- Containers' locks
+
+ContainerHandle_t Open(const std::string& name, ContainerCompare_t compare) {
+    ContainerParams_t params = {};
+    name.copy(params.ListName, sizeof params.ListName - 1);
+    params.ContainerType = kRedBlackTree;
+    params.DataType = kOwnData;
+    params.CompareFunction = compare;
+    ContainerHandle_t handle = nullptr;
+    EXPECT_EQ(InitContainer(&params, &handle, 0), kSuccess) << name;
+    return handle;
+}
+
+int number = 0;
+int32_t Equal(const void*, const void*) { return 0; }
+
+TEST(NamedLocks, AThousandNamesAreNoBurden) {
+    for (int name = 0; name < 1000; ++name) UnInitContainer(Open("lock " + std::to_string(name), Equal));
+    const auto works = [] {
+        ContainerHandle_t handle = Open("one more", Equal);
+        const bool isInserted = Insert(handle, &number) == kSuccess && DeleteByData(handle, &number) == kSuccess;
+        UnInitContainer(handle);
+        return isInserted && FERROXInitialize() == kSuccess && FERROXTerminate() == kSuccess;
+    };
+    EXPECT_TRUE(works());
+    EXPECT_EQ(InChild([&] { return works() ? 0 : 1; }), 0);
+    EXPECT_NE(RunQuorlin("hw cpuid 0").output, "");
+}
+
+}  // namespace

@@ -1,0 +1,125 @@
+// What the layer gives a program: new files, and descriptors that leave the standard streams' places alone.
+#include "Packages/OS/Program.h"
+
+#include <cpuid.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "Packages/OS/ConfigFile.h"
+#include "Packages/OS/OS.h"
+#include "Tests/Support/Linux/Processes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder of the test's own that anybody may write.
+std::string Folder() {
+    const std::string folder = testing::TempDir() + "program";
+    fs::remove_all(folder);
+    fs::create_directory(folder);
+    fs::permissions(folder, fs::perms::all);
+    return folder + "/";
+}
+
+TEST(Program, ANewFileIsItsOwnersAndReplacesNothing) {
+    const std::string folder = Folder(), file = folder + "file", link = folder + "link";
+    fs::create_symlink("nowhere", link);
+    std::FILE* made = CreateNewFile(file);
+    ASSERT_NE(made, nullptr);
+    std::fclose(made);
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    for (const std::string& taken : {file, link}) {
+        errno = 0;
+        EXPECT_EQ(CreateNewFile(taken), nullptr) << taken;
+        EXPECT_EQ(errno, EEXIST) << taken;
+    }
+    EXPECT_FALSE(fs::exists(folder + "nowhere"));
+    EXPECT_TRUE(IsFolder(folder));
+    EXPECT_FALSE(IsFolder(file));
+}
+
+// The whole way from the shell to the hardware, by the two operations that need no rights.
+TEST(Program, ReadsHardwareFromTheShell) {
+    unsigned eax, ebx, ecx, edx;
+    __cpuid(0, eax, ebx, ecx, edx);
+    char text[64];
+    std::snprintf(text, sizeof text, "eax %08x ebx %08x ecx %08x edx %08x\n", eax, ebx, ecx, edx);
+    EXPECT_EQ(RunQuorlin("hw cpuid 0").output, text);
+    // As on the bus, what isn't there reads as ones.
+    if (!IsFolder("/sys/bus/pci/devices") || IsFolder("/sys/bus/pci/devices/0000:ff:1f.7"))
+        GTEST_SKIP() << "no PCI bus with a free place";
+    EXPECT_EQ(RunQuorlin("hw pci 0000:ff:1f.7 2 5").output, "ff ff ff ff ff\n");
+}
+
+TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
+    const std::string folder = Folder();
+    const int result = InChild([&] {
+        for (const int stream : {0, 1, 2}) close(stream);
+        std::FILE* const files[] = {CreateNewFile(folder + "new"), os_fopen((folder + "new").c_str(), "r"),
+                                    OpenFile(folder + "other", "w"), OpenConfigFile((folder + "new").c_str())};
+        int number = 1;
+        for (std::FILE* file : files) {
+            if (file == nullptr || fileno(file) <= 2 || (fcntl(fileno(file), F_GETFD) & FD_CLOEXEC) == 0) return number;
+            ++number;
+        }
+        return std::fputs("text", files[2]) >= 0 && std::fclose(files[2]) == 0 ? 0 : number;
+    });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(ReadWholeFile(folder + "other"), "text");
+}
+
+constexpr char kTraceToFile[] =
+    "FERROX:OutputType<Fi>;FERROX:FileName<trace>;FERROX:TraceType<Ex>;FERROX:TraceFormatType<No>";
+constexpr char kTrace[] = "\n FERROXInitialize Success\n ReadCPUID";
+
+// Every choice of closed streams: a run ends, a closed stream that it wants to write to makes it fail, and nothing but
+// its own bytes gets into a file.
+TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
+    const std::string folder = Folder();
+    const auto run = [&](std::vector<std::string> words, unsigned closed) {
+        words.insert(words.begin(), QUORLIN_PROGRAM);
+        return RunPrepared(words, [&] {
+            if (chdir(folder.c_str()) != 0) _exit(99);
+            for (int stream = 0; stream < 3; ++stream)
+                if ((closed >> stream & 1) != 0) close(stream);
+        });
+    };
+    ASSERT_EQ(run({"dump", "--sample", "reference"}, 0).exitCode, 0);
+    const std::string dump = ReadWholeFile(folder + "reference");
+    const struct {
+        std::vector<std::string> words;
+        unsigned speaksOn;  // a bit for each stream
+        int failure;        // its exit code when one of these is closed
+        int success;
+        const char* file;  // that the run writes
+        std::string content;
+    } kCases[] = {
+        {{"--sample"},                                  2, 1, 0, "none",  ""    },
+        {{"--sample", "--verbose"},                     6, 1, 0, "none",  ""    },
+        {{"hw", "cpuid", "0"},                          2, 1, 0, "none",  ""    },
+        {{"hw", "cpuid", "0", "--trace", kTraceToFile}, 2, 1, 0, "trace", kTrace},
+        {{"dump", "--sample", "dump"},                  0, 1, 0, "dump",  dump  },
+        {{"--image", "/nowhere"},                       4, 1, 1, "none",  ""    },
+        {{"--image-list", "-", "--format", "ndjson"},   0, 1, 0, "none",  ""    },
+        {{"--nonsense"},                                4, 2, 2, "none",  ""    },
+    };
+    for (const auto& c : kCases) {
+        std::string output;
+        for (unsigned closed = 0; closed < 8; ++closed) {
+            fs::remove(folder + c.file);
+            const ProgramRun_t ran = run(c.words, closed);
+            const std::string what = c.words.back() + " without " + std::to_string(closed);
+            EXPECT_EQ(ran.exitCode, (c.speaksOn & closed) != 0 ? c.failure : c.success) << what << ran.errors;
+            if (closed == 0) output = ran.output;
+            EXPECT_EQ(ran.output, (closed & 2) != 0 ? "" : output) << what;
+            EXPECT_EQ(ReadWholeFile(folder + c.file), c.content) << what;
+        }
+    }
+}
+
+}  // namespace

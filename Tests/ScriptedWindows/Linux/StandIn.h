@@ -1,0 +1,15 @@
+// How a stand-in takes a system function's place when a test program is linked: it is the function itself, and the
+// provider isn't linked.
+//
+//     STAND_IN(BOOL, ReleaseMutex, (HANDLE mutex)) { ... }
+#pragma once
+
+#include "Packages/OS/Windows/Windows.h"
+
+#define STAND_IN(result, name, parameters) extern "C" result name parameters
+
+// The system's own function behind a stand-in, for calls that the language's runtime makes. Here it makes none.
+template <typename Function>
+Function* SystemFunction(const char*) {
+    return nullptr;
+}

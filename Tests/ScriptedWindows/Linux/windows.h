@@ -1,0 +1,163 @@
+// The part of the Windows interface that the Windows half of the hardware library uses, as declared for native tests.
+// Meaning, arguments and error codes are those of the Windows functions of the same names.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+using BOOL = int;
+using BYTE = uint8_t;
+using WORD = uint16_t;
+using DWORD = uint32_t;
+using UINT = uint32_t;
+using LONG = int32_t;
+using LSTATUS = LONG;
+using ULONG_PTR = uintptr_t;
+using SIZE_T = size_t;
+using KAFFINITY = ULONG_PTR;
+using PVOID = void*;
+using LPVOID = void*;
+using LPCVOID = const void*;
+using LPBYTE = BYTE*;
+using LPDWORD = DWORD*;
+using HANDLE = void*;
+using LPSTR = char*;
+using LPCSTR = const char*;
+using HKEY = struct HKEY__*;
+using SC_HANDLE = struct SC_HANDLE__*;
+using PHKEY = HKEY*;
+using REGSAM = DWORD;
+using LPOVERLAPPED = struct OVERLAPPED*;
+
+#define TRUE 1
+#define FALSE 0
+#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<intptr_t>(-1)))
+
+#define ERROR_SUCCESS 0u
+#define ERROR_FILE_NOT_FOUND 2u
+#define ERROR_PATH_NOT_FOUND 3u
+#define ERROR_ACCESS_DENIED 5u
+#define ERROR_INVALID_HANDLE 6u
+#define ERROR_INVALID_PARAMETER 87u
+#define ERROR_INSUFFICIENT_BUFFER 122u
+#define ERROR_ALREADY_EXISTS 183u
+#define ERROR_MORE_DATA 234u
+#define ERROR_NOT_OWNER 288u
+#define ERROR_SERVICE_ALREADY_RUNNING 1056u
+#define ERROR_SERVICE_DOES_NOT_EXIST 1060u
+#define ERROR_SERVICE_EXISTS 1073u
+#define INFINITE 0xFFFFFFFFu
+#define WAIT_OBJECT_0 0u
+#define WAIT_ABANDONED 0x80u
+#define WAIT_FAILED 0xFFFFFFFFu
+#define SECURITY_DESCRIPTOR_REVISION 1u
+#define GENERIC_READ 0x80000000u
+#define GENERIC_WRITE 0x40000000u
+#define FILE_SHARE_READ 1u
+#define OPEN_EXISTING 3u
+#define FILE_ATTRIBUTE_NORMAL 0x80u
+#define PAGE_READWRITE 0x04u
+#define FILE_MAP_ALL_ACCESS 0x000F001Fu
+#define SC_MANAGER_ALL_ACCESS 0x000F003Fu
+#define SERVICE_ALL_ACCESS 0x000F01FFu
+#define SERVICE_KERNEL_DRIVER 0x00000001u
+#define SERVICE_BOOT_START 0u
+#define SERVICE_SYSTEM_START 1u
+#define SERVICE_AUTO_START 2u
+#define SERVICE_DEMAND_START 3u
+#define SERVICE_ERROR_NORMAL 1u
+#define SERVICE_CONTROL_STOP 1u
+#define SERVICE_STOPPED 1u
+#define SERVICE_STOP_PENDING 3u
+#define SERVICE_RUNNING 4u
+#define KEY_ALL_ACCESS 0x000F003Fu
+#define ALL_PROCESSOR_GROUPS 0xFFFFu
+#define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<intptr_t>(static_cast<int32_t>(0x80000002u))))
+
+using PSECURITY_DESCRIPTOR = PVOID;
+using PACL = struct ACL*;
+using PSID = PVOID;
+
+struct SECURITY_DESCRIPTOR {
+    BYTE Revision, Sbz1;
+    WORD Control;
+    PSID Owner, Group;
+    PACL Sacl;
+    PACL Dacl;
+};
+
+struct SECURITY_ATTRIBUTES {
+    DWORD nLength;
+    PVOID lpSecurityDescriptor;
+    BOOL bInheritHandle;
+};
+
+using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
+
+enum SC_STATUS_TYPE { SC_STATUS_PROCESS_INFO = 0 };
+
+struct SERVICE_STATUS {
+    DWORD dwServiceType, dwCurrentState, dwControlsAccepted, dwWin32ExitCode, dwServiceSpecificExitCode, dwCheckPoint;
+    DWORD dwWaitHint;
+};
+
+struct SERVICE_STATUS_PROCESS {
+    DWORD dwServiceType, dwCurrentState, dwControlsAccepted, dwWin32ExitCode, dwServiceSpecificExitCode, dwCheckPoint;
+    DWORD dwWaitHint, dwProcessId, dwServiceFlags;
+};
+
+struct QUERY_SERVICE_CONFIGA {
+    DWORD dwServiceType, dwStartType, dwErrorControl;
+    LPSTR lpBinaryPathName, lpLoadOrderGroup;
+    DWORD dwTagId;
+    LPSTR lpDependencies, lpServiceStartName, lpDisplayName;
+};
+
+using LPSERVICE_STATUS = SERVICE_STATUS*;
+using LPQUERY_SERVICE_CONFIGA = QUERY_SERVICE_CONFIGA*;
+
+struct GROUP_AFFINITY {
+    KAFFINITY Mask;
+    WORD Group;
+    WORD Reserved[3];
+};
+
+extern "C" {
+DWORD GetLastError();
+void SetLastError(DWORD error);
+BOOL CloseHandle(HANDLE handle);
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES attributes, BOOL initialOwner, LPCSTR name);
+BOOL ReleaseMutex(HANDLE mutex);
+DWORD GetTickCount();
+void Sleep(DWORD milliseconds);
+UINT GetSystemFirmwareTable(DWORD provider, DWORD table, PVOID buffer, DWORD size);
+HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
+                   DWORD flags, HANDLE templateFile);
+BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD inSize, LPVOID out, DWORD outSize, LPDWORD returned,
+                     LPOVERLAPPED overlapped);
+HANDLE CreateFileMappingA(HANDLE file, LPSECURITY_ATTRIBUTES attributes, DWORD protection, DWORD sizeHigh,
+                          DWORD sizeLow, LPCSTR name);
+LPVOID MapViewOfFile(HANDLE section, DWORD access, DWORD offsetHigh, DWORD offsetLow, SIZE_T size);
+BOOL UnmapViewOfFile(LPCVOID view);
+BOOL InitializeSecurityDescriptor(PSECURITY_DESCRIPTOR descriptor, DWORD revision);
+BOOL SetSecurityDescriptorDacl(PSECURITY_DESCRIPTOR descriptor, BOOL present, PACL list, BOOL defaulted);
+SC_HANDLE OpenSCManagerA(LPCSTR machine, LPCSTR database, DWORD access);
+SC_HANDLE OpenServiceA(SC_HANDLE manager, LPCSTR name, DWORD access);
+SC_HANDLE CreateServiceA(SC_HANDLE manager, LPCSTR name, LPCSTR displayName, DWORD access, DWORD type, DWORD startType,
+                         DWORD errorControl, LPCSTR path, LPCSTR group, LPDWORD tag, LPCSTR dependencies,
+                         LPCSTR account, LPCSTR password);
+BOOL StartServiceA(SC_HANDLE service, DWORD count, LPCSTR* arguments);
+BOOL ControlService(SC_HANDLE service, DWORD control, LPSERVICE_STATUS status);
+BOOL QueryServiceStatusEx(SC_HANDLE service, SC_STATUS_TYPE level, LPBYTE buffer, DWORD size, LPDWORD needed);
+BOOL QueryServiceConfigA(SC_HANDLE service, LPQUERY_SERVICE_CONFIGA config, DWORD size, LPDWORD needed);
+BOOL DeleteService(SC_HANDLE service);
+BOOL CloseServiceHandle(SC_HANDLE handle);
+LSTATUS RegOpenKeyExA(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key);
+LSTATUS RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size);
+LSTATUS RegCloseKey(HKEY key);
+DWORD GetActiveProcessorCount(WORD group);
+WORD GetActiveProcessorGroupCount();
+BOOL SetThreadGroupAffinity(HANDLE thread, const GROUP_AFFINITY* affinity, GROUP_AFFINITY* previous);
+HANDLE GetCurrentThread();
+}

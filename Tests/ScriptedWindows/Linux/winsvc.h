@@ -1,0 +1,2 @@
+// Declared in windows.h.
+#pragma once

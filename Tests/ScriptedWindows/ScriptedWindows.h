@@ -1,0 +1,108 @@
+// A machine in a test's hands: stand-ins for service control, device, registry, clock, firmware tables, shared section
+// and mutex, linked in place of the platform. A test sets how the machine is, lets any call fail, and looks at what
+// was asked of it and what is left open.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Packages/OS/Windows/Windows.h"
+
+inline constexpr char kDriverFile[] = "C:\\Drivers\\Ravelink.sys";
+
+// The one service of the machine.
+struct ScriptedService_t {
+    bool exists = false;
+    std::string path = {};
+    DWORD startType = SERVICE_DEMAND_START;
+    DWORD state = SERVICE_STOPPED;
+    DWORD waitHint = 0;
+    std::deque<DWORD> nextStates = {};   // that the next status queries find; the last of them stays
+    std::deque<DWORD> startErrors = {};  // of the next starts, in place of what the machine would say
+};
+
+// A request as the device got it.
+struct DeviceRequest_t {
+    DWORD code;
+    std::vector<uint8_t> in;
+    DWORD outSize;
+
+    uint64_t Number(size_t offset, size_t width) const;
+};
+
+// A line that the code under test traced.
+struct TraceLine_t {
+    uint32_t level;
+    std::string function;
+    std::string text;
+};
+
+class ClScriptedWindows {
+  public:
+    // ---- The machine, as a test wants it
+    ScriptedService_t service;
+    std::set<std::string> files = {kDriverFile};
+    std::optional<std::string> registryPath = kDriverFile;
+    uint32_t processors = 8;
+    uint32_t hypervisorECX = 0;                          // that CPUID leaf 1 gives
+    std::map<std::string, std::vector<uint8_t>> tables;  // ACPI tables by name, and RSMB
+    std::map<uint64_t, uint8_t> memory;                  // bytes of physical memory; others read as address & 0xFF
+    DWORD waitAnswer = WAIT_OBJECT_0;
+    DWORD tickCount = 0xFFFFC000;  // 16 seconds before it starts again at 0
+
+    // ---- Failures: of the call of this number among `calls`, and of calls by name and occurrence ("OpenServiceA#2")
+    size_t failCall = 0;
+    std::set<std::string> failCalls;
+    // Table sizes that the next calls of GetSystemFirmwareTable give, in place of the truth.
+    std::deque<UINT> tableAnswers;
+    // Allocations of this size fail.
+    static size_t failAllocationOf;
+
+    // ---- What happened
+    std::vector<std::string> calls;  // that acquire or ask something, by name and occurrence
+    std::vector<DeviceRequest_t> requests;
+    std::vector<DWORD> sleeps;
+    std::vector<DWORD> controls;  // sent to the service
+    std::vector<TraceLine_t> lines;
+    int traceHandles = 0;  // opened and not yet closed
+    int badCloses = 0;     // closes and unmaps of what isn't open
+    LPVOID sectionSecurity = nullptr;
+
+    // Handles, views and keys that are open, by kind; for a message when there should be none.
+    std::string Open() const;
+    bool Called(const std::string& function) const;
+    bool Traced(uint32_t level, const std::string& text) const;
+
+    // Another process of the machine: opens the driver that runs, or closes it.
+    void OtherProcess(int opens);
+    // The machine-wide count, or nothing while no process holds the section.
+    std::optional<uint32_t> SharedCount() const;
+
+    // ---- For the stand-ins
+    // Notes a call; false when it is to fail, with the last error set.
+    bool Call(const char* function, DWORD error = ERROR_ACCESS_DENIED);
+    HANDLE Add(const char* kind);
+    bool IsOpen(HANDLE handle, const char* kind) const;
+    bool Remove(HANDLE handle);
+
+    uint32_t section = 0;
+    uint32_t otherProcesses = 0;
+    bool mutexHeld = false;
+
+  private:
+    std::map<HANDLE, std::string> m_handles;
+    std::map<std::string, int> m_occurrences;
+    uintptr_t m_nextHandle = 0x5C000000;
+};
+
+ClScriptedWindows& Machine();
+// FALSE, with this as the last error.
+BOOL Fail(DWORD error);
+// A machine as new, on which nothing is set, open or noted.
+ClScriptedWindows& NewMachine();
