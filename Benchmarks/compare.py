@@ -2,8 +2,9 @@
 """Compares two files of results: compare.py BEFORE AFTER [LIMIT]
 
 Says how each figure has changed, and fails when one has grown by LIMIT percent (10) or more, or is gone. A file is
-either one of quorlin_bench --benchmark_out=FILE --benchmark_out_format=json, or what instructions.sh or memory.sh have
-printed: lines of a name, a unit and a number. Of repetitions the best counts, as what else runs on a machine only adds.
+either one of quorlin_bench --benchmark_out=FILE --benchmark_out_format=json, or what instructions.sh, memory.sh or
+syscalls.sh have printed: lines of a name, a unit and a number. Of repetitions the best counts, as what else runs on a
+machine only adds.
 """
 
 import json
