@@ -22,6 +22,7 @@
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/OS/OS.h"
+#include "Sources/quorlin_c.h"
 #include "Tests/Support/Buffer.h"
 #include "Tests/Support/Linux/Processes.h"
 
@@ -118,6 +119,9 @@ TEST_F(Machine, ThreadsAskAtOnce) {
                 }
                 DataBuffer_t* table = nullptr;
                 if (GetACPITable("MCFG", &table) == kSuccess) os_FreeBlock(table);
+                quorlin_table* items = nullptr;  // of another opening, at the same time
+                isRight &= quorlin_open_memory("\x7F\4\0\0\0", 6, nullptr, &items) == QUORLIN_OK;
+                quorlin_close(items);
                 answers += isRight && FERROXTerminate() == kSuccess;
             }
         });

@@ -1,17 +1,20 @@
 // The hardware library: PCI configuration space, memory-mapped I/O, ports, model-specific registers, CPUID, physical
-// memory and ACPI tables, through the kernel driver Ravelink.
+// memory and ACPI tables. On Windows through the kernel driver Ravelink, on Linux through the kernel's own interfaces
+// (Docs/Linux.md), where "the driver refused" means that the kernel did.
 //
 // Life       FERROXInitialize opens the library and FERROXTerminate closes it. Calls nest: the last FERROXTerminate of
-//            the process closes the device, and that of the machine stops and removes the driver's service. All other
-//            operations expect an open library. On a closed one, each that needs the driver fails with 0 or 5.
-// Status     1 success; 4 a null pointer; 2 an argument out of range; 3 out of memory; 5 failure; 6 not to be had on
-//            this road; 0 the driver refused the request. Null pointers are tested first. Test for 1.
+//            the process closes the device, and on Windows that of the machine stops and removes the driver's service.
+//            All other operations expect an open library. On a closed one, each that needs the driver fails with 0
+//            or 5.
+// Status     1 success; 4 a null pointer; 2 an argument out of range; 3 out of memory; 5 failure; 6 not available on
+//            this system or by this access method; 0 the driver refused the request. Null pointers are tested first.
+//            Test for 1.
 // Ownership  Records and buffers are the caller's. A read fills the caller's block in place, on status 1 only, except
 //            PCIRead, and PCIExRead under a hypervisor, which may have filled the first bytes before they fail.
 //            What an operation allocates for its caller says so and is released with os_FreeBlock.
-// Threads    FERROXInitialize and FERROXTerminate order themselves by the named mutex "FERROXLIB", also between the
-//            processes of a session. All others take no lock: any number of threads at once, but none beside the last
-//            FERROXTerminate.
+// Threads    FERROXInitialize and FERROXTerminate order themselves by the named lock "FERROXLIB", on Windows also
+//            between the processes of a session. All others take no lock: any number of threads at once, but none
+//            beside the last FERROXTerminate.
 // Numbers    Little-endian. `location` is a PCI location: bits 0-7 bus, 8-12 device, 13-15 function, from 16 segment.
 #pragma once
 
@@ -77,7 +80,8 @@ QUORLIN_API status_t GetCPULibVersion(uint32_t* version);
 // Status  1; 4 null buffer; 2 range beyond 256, or offset 65535; 0 refused by the driver
 // Source  PCI Local Bus Specification 3.0, configuration space
 QUORLIN_API status_t PCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
-// The same with extended configuration space, by the segment's memory-mapped configuration space.
+// The same with extended configuration space, by the segment's memory-mapped configuration space; on Linux by sysfs, for
+// the segments and buses that the MCFG table names.
 // offset  offset + Size at most 4096; under a hypervisor the read goes by PCIRead's way, and 256 is the bound
 // Status  1; 4; 2 also for a Size of 0 (memory-mapped way), for a location in no known segment, and for a bus outside
 //         its segment; 6 under a hypervisor for a segment other than 0; 3; that of GetSegBusInfo; 0
@@ -114,7 +118,8 @@ QUORLIN_API status_t WriteMSR(MSRRecord_t* record);
 // Status  1; 4 null record; 2 no such processor; 0 refused by the driver
 QUORLIN_API status_t ReadCPUID(uint32_t processor, CPUIDRecord_t* record);
 
-// Measures a processor's non-turbo frequency. Status 1; 4 null record; 5 refused by the driver
+// Measures a processor's non-turbo frequency.
+// Status  1; 4 null record; 5 refused by the driver; on Linux also a register or a timer that doesn't count
 QUORLIN_API status_t CalcFreqNonTurbo(NonTurboRecord_t* record);
 
 // An ACPI table by its four-letter signature, such as "FACP". Needs no driver.

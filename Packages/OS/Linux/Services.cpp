@@ -100,23 +100,15 @@ status_t os_ReadRegistryString(void*, const char*, const char*, char** text, voi
 
 status_t os_GetOSName(char** text) {
     if (text == nullptr) return kBadValue;
-    char line[256] = "";
-    bool isFound = false;
-    for (const char* path : {"/etc/os-release", "/usr/lib/os-release"}) {
-        std::FILE* file = OpenStreamAbove(path, "re");
-        while (file != nullptr && !isFound && std::fgets(line, sizeof line, file) != nullptr)
-            isFound = std::strncmp(line, "PRETTY_NAME=", 12) == 0;
-        if (file != nullptr) std::fclose(file);
-        if (file != nullptr) break;
-    }
-    line[std::strcspn(line, "\n")] = '\0';
-    char* name = line + 12;
-    if (isFound && (*name == '"' || *name == '\'')) {
-        name[std::strcspn(name + 1, "\"'") + 1] = '\0';
-        ++name;
-    }
+    char line[256], name[256] = "";
+    std::FILE* file = OpenStreamAbove("/etc/os-release", "re");
+    if (file == nullptr) file = OpenStreamAbove("/usr/lib/os-release", "re");
+    while (file != nullptr && name[0] == '\0' && std::fgets(line, sizeof line, file) != nullptr)
+        if (std::sscanf(line, "PRETTY_NAME=\"%255[^\"\n]", name) != 1)  // with and without quotes
+            std::sscanf(line, "PRETTY_NAME=%255[^\"\n]", name);
+    if (file != nullptr) std::fclose(file);
     utsname system;
-    if (isFound && *name != '\0') return GiveCopy(name, text);
+    if (name[0] != '\0') return GiveCopy(name, text);
     return uname(&system) == 0 ? GiveCopy(system.sysname, text) : kFailure;
 }
 
