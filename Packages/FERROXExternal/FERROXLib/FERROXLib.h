@@ -80,10 +80,10 @@ QUORLIN_API status_t GetCPULibVersion(uint32_t* version);
 // Status  1; 4 null buffer; 2 range beyond 256, or offset 65535; 0 refused by the driver
 // Source  PCI Local Bus Specification 3.0, configuration space
 QUORLIN_API status_t PCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
-// The same with extended configuration space, by the segment's memory-mapped configuration space; on Linux by sysfs, for
-// the segments and buses that the MCFG table names.
-// offset  offset + Size at most 4096; under a hypervisor the read goes by PCIRead's way, and 256 is the bound
-// Status  1; 4; 2 also for a Size of 0 (memory-mapped way), for a location in no known segment, and for a bus outside
+// The same with extended configuration space, by the segment's memory-mapped configuration space; on Linux by sysfs,
+// for the segments and buses that the MCFG table names. offset  offset + Size at most 4096; under a hypervisor the read
+// goes by PCIRead's way, and 256 is the bound Status  1; 4; 2 also for a Size of 0 (memory-mapped way), for a location
+// in no known segment, and for a bus outside
 //         its segment; 6 under a hypervisor for a segment other than 0; 3; that of GetSegBusInfo; 0
 // Source  PCI Express Base Specification, enhanced configuration access
 QUORLIN_API status_t PCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);

@@ -1,5 +1,5 @@
 // How a stand-in takes a system function's place when a test program is linked: it is the function itself, and the
-// provider isn't linked.
+// system has none.
 //
 //     STAND_IN(BOOL, ReleaseMutex, (HANDLE mutex)) { ... }
 #pragma once
