@@ -48,7 +48,8 @@ asan:
 	@cmake --build --preset asan
 	@ctest --preset asan
 
-# What several threads may do at once, under ThreadSanitizer.
+# What several threads may do at once, under ThreadSanitizer. Its own thread keeps a process out of a new user namespace,
+# which a test of runs without traces needs; that test has no threads.
 tsan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset tsan >/dev/null
