@@ -9,7 +9,8 @@
 // Ownership  Handles are shared by name and counted. Streams handed to a setter stay the caller's; streams that the
 //            configuration opened are closed with the last handle. A handle is dead after its last DebugLibExit.
 // Threads    Any number at once may open and close handles, and trace through one: lines may follow in any order, each
-//            whole as far as the stream functions keep it so. A handle is set up by one thread before others trace.
+//            whole as far as the stream functions keep it so. The setters of a handle are for one thread at a time,
+//            while no other traces through it.
 #pragma once
 
 #include <cstdint>

@@ -29,8 +29,8 @@ struct RBNode_t {
 };
 
 struct AVLNode_t {
-    int32_t Height;           // 1 for a leaf
-    int32_t Balance;          // the height of Left less that of Right, so that nobody need visit both to know it
+    int32_t Height;   // 1 for a leaf
+    int32_t Balance;  // the height of Left less that of Right, so that nobody need visit both to know it
     AVLNode_t *Left, *Right, *Parent;  // null where there is none
     void* Data;
 };
@@ -93,8 +93,8 @@ static_assert(offsetof(ContainerRecord_t, ListName) == 0);
 // The library's state.
 struct ContainerLibrary_t {
     std::atomic<int32_t> LiveContainers;
-    std::atomic<bool> IsUsed;  // from the first InitContainer on
-    DebugHandle_t Trace;       // nothing opens it yet: trace calls of this library cost one test
+    std::atomic<bool> IsUsed;      // from the first InitContainer on
+    DebugHandle_t Trace;           // nothing opens it yet: trace calls of this library cost one test
     void* (*Malloc)(size_t size);  // os_malloc and os_free; a test puts failing ones here
     void (*Free)(void* block);
 };
