@@ -50,7 +50,7 @@ class ClScriptedWindows {
     std::set<std::string> files = {kDriverFile};
     std::optional<std::string> registryPath = kDriverFile;
     uint32_t processors = 8;
-    uint32_t hypervisorECX = 0;                          // that CPUID leaf 1 gives
+    uint32_t hypervisorECX = 0x7FFFFFFF;                 // that CPUID leaf 1 gives: all but the hypervisor bit
     std::map<std::string, std::vector<uint8_t>> tables;  // ACPI tables by name, and RSMB
     std::map<uint64_t, uint8_t> memory;                  // bytes of physical memory; others read as address & 0xFF
     DWORD waitAnswer = WAIT_OBJECT_0;

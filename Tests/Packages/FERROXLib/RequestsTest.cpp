@@ -91,7 +91,7 @@ TEST_F(Requests, OfAProcessor) {
               "80240000: 00 00 00 00 07 00 00 00 00 00 00 00 00 00 00 00 "
               "00 00 00 00 04 00 00 00 00 00 00 00 02 00 00 00 00 00 00 00 "
               "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
-    EXPECT_EQ(Text(cpuid), "00 00 00 00 a9 06 03 00 04 00 00 00 00 00 00 00 02 00 00 00");
+    EXPECT_EQ(Text(cpuid), "00 00 00 00 a9 06 03 00 04 00 00 00 ff ff ff 7f 02 00 00 00");
 
     NonTurboRecord_t nonTurbo = {1, 0xCE, 0x408, {}};
     EXPECT_EQ(CalcFreqNonTurbo(&nonTurbo), kSuccess);
