@@ -10,11 +10,8 @@ using BYTE = uint8_t;
 using WORD = uint16_t;
 using DWORD = uint32_t;
 using UINT = uint32_t;
-using LONG = int32_t;
-using LSTATUS = LONG;
-using ULONG_PTR = uintptr_t;
+using LSTATUS = int32_t;
 using SIZE_T = size_t;
-using KAFFINITY = ULONG_PTR;
 using PVOID = void*;
 using LPVOID = void*;
 using LPCVOID = const void*;
@@ -76,14 +73,9 @@ using LPOVERLAPPED = struct OVERLAPPED*;
 
 using PSECURITY_DESCRIPTOR = PVOID;
 using PACL = struct ACL*;
-using PSID = PVOID;
 
 struct SECURITY_DESCRIPTOR {
-    BYTE Revision, Sbz1;
-    WORD Control;
-    PSID Owner, Group;
-    PACL Sacl;
-    PACL Dacl;
+    PVOID Words[5];
 };
 
 struct SECURITY_ATTRIBUTES {
@@ -97,8 +89,7 @@ using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
 enum SC_STATUS_TYPE { SC_STATUS_PROCESS_INFO = 0 };
 
 struct SERVICE_STATUS {
-    DWORD dwServiceType, dwCurrentState, dwControlsAccepted, dwWin32ExitCode, dwServiceSpecificExitCode, dwCheckPoint;
-    DWORD dwWaitHint;
+    DWORD Words[7];
 };
 
 struct SERVICE_STATUS_PROCESS {
@@ -117,7 +108,7 @@ using LPSERVICE_STATUS = SERVICE_STATUS*;
 using LPQUERY_SERVICE_CONFIGA = QUERY_SERVICE_CONFIGA*;
 
 struct GROUP_AFFINITY {
-    KAFFINITY Mask;
+    uintptr_t Mask;
     WORD Group;
     WORD Reserved[3];
 };
