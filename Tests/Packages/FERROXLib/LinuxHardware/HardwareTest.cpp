@@ -89,7 +89,7 @@ TEST_F(Hardware, ImpossibleRequestsAreRefused) {
         std::function<status_t()> call;
         status_t status;
     } kCases[] = {
-        {"behind the last address", [] { return GetSystemTables(~0ull - 4, 0, data.Get()); },                 kRefused },
+        {"past the last address",   [] { return GetSystemTables(~0ull - 4, 0, data.Get()); },                 kRefused },
         {"across the last address", [] { return PCIMMIORead((1ull << 52) - 15, 0, data.Get()); },             kRefused },
         {"beyond it by its offset", [] { return PCIMMIOWriteStored((1ull << 52) - 4096, 4081, data.Get()); }, kRefused },
         {"a port of three bytes",   [] { return ReadWakeupTimer(0x80, three.Get()); },                        kRefused },
@@ -186,8 +186,8 @@ TEST(NonTurbo, IsTheCountersOwnPaceOrAFailure) {
         {"ten counts a tick",           {0, 10, 0, 100},                   35'795'450},
         {"the timer starts again at 0", {0xFFFF00, 10, 0, 100},            35'795'450},
         {"a large counter",             {0, 10, 0x7000'0000'0000'0000, 1}, 357'954   },
-        {"a counter that stands still", {0, 10, 5, 0},                     kFailed   },
-        {"a timer that stands still",   {5, 0, 0, 1},                      kFailed   },
+        {"a counter that doesn't move", {0, 10, 5, 0},                     kFailed   },
+        {"a timer that doesn't move",   {5, 0, 0, 1},                      kFailed   },
         {"a counter that runs back",    {0, 10, 1ull << 40, ~0ull},        kFailed   },
         {"beyond 64 bits",              {0, 40'000, 0, 1ull << 63},        kFailed   },
         {"no counter",                  {0, 10, 0, 100, 1},                kFailed   },
@@ -341,7 +341,7 @@ TEST_F(StandIns, MappedRegistersAreThoseThatMCFGPlacesThere) {
         {"the end of a bus",     0xE02FFFFD, "aaa",          kSuccess},
         {"from one to the next", 0xE02FFFFE, "aabc",         kSuccess},
         {"within",               0xE0300001, "cde",          kSuccess},
-        {"behind what it has",   0xE0300006, "h\xFF",        kSuccess},
+        {"past what it has",     0xE0300006, "h\xFF",        kSuccess},
         {"out of the last bus",  0xE03FFFFF, "\xEE\xEE",     kRefused},
     };
     for (const auto& c : kCases) {

@@ -36,7 +36,7 @@ void Install() {
     os_SetCrashFilter(Report);
 }
 
-// At the same address in each run: a page that may be read, behind it one that may not be touched.
+// At the same address in each run: a page that may be read, and after it one that may not be touched.
 constexpr uintptr_t kPage = 0x123456000;
 uint8_t* Page() {
     mmap(reinterpret_cast<void*>(kPage), 8192, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
