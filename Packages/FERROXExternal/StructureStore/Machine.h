@@ -11,9 +11,9 @@
 #include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
 
-// One access method for the table. Status 1: bytes 6 and 7 of `entry` (16 bytes) hold SMBIOS major and minor, byte 14 of
-// `dmiEntry` (15 bytes) the revision, and `image` a block of os_NewBlock, which is the caller's. Any other status: this
-// method has no table.
+// One access method for the table. Status 1: bytes 6 and 7 of `entry` (16 bytes) hold SMBIOS major and minor, byte 14
+// of `dmiEntry` (15 bytes) the revision, and `image` a block of os_NewBlock, which is the caller's. Any other status:
+// this method has no table.
 using TableRoad_t = status_t (*)(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 
 struct MachineServices_t {
