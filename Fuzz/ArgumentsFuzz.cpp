@@ -29,6 +29,7 @@ std::FILE* CreateNewFile(const std::string&) {
     return nullptr;
 }
 bool IsFolder(const std::string& path) { return path == "folder"; }
+bool IsThere(const std::string& path) { return path == "dump" || path == "folder"; }
 void PrepareStandardStreams() {}
 bool IsStandardOutputTerminal() { return false; }
 bool IsStandardErrorTerminal() { return false; }

@@ -30,6 +30,7 @@ struct quorlin_table {
     std::vector<TableItem_t> items;
     uint32_t cursor = 0;
     uint8_t major = 0, minor = 0;
+    std::string form, remark;
 };
 
 namespace {
@@ -41,11 +42,12 @@ static_assert(QUORLIN_OK == kSuccess && QUORLIN_BAD_VALUE == kBadValue && QUORLI
 std::mutex opening;
 
 constexpr uint8_t kUsualMajor = 3;
+constexpr uint8_t kOnDemandType = 148;  // has a decoder, and no sweep takes it
 
 // What quorlin_last_error tells: the problem, or the status where no more is known. Without a destructor, which would
 // keep the library from being unloaded until the thread ends.
 thread_local quorlin_status lastStatus = QUORLIN_OK;
-thread_local char lastProblem[256] = "";
+thread_local char lastProblem[512] = "";
 
 // A package for as long as it takes to copy its items. The chosen machine is as before afterwards, and the host's crash
 // filter isn't touched.
@@ -56,6 +58,8 @@ class ClPackageInUse {
     ClPackageInUse& operator=(const ClPackageInUse&) = delete;
     ~ClPackageInUse() {
         m_package.UnInitialize();
+        // A package takes a table of version 0.0 for no table, and leaves the store up.
+        if (StoreIsUp()) LibSMBIOSExit();
         ChooseMachine(m_chosen);
     }
     Quorlin* operator->() { return &m_package; }
@@ -65,47 +69,66 @@ class ClPackageInUse {
     MachineChoice_t m_chosen;
 };
 
-uint32_t KindOf(std::string_view key, std::string_view value) {
-    // A group item of a setting carries a value and is an item.
-    if (!key.ends_with(kGroupMark) || !value.empty()) return QUORLIN_ITEM;
-    return key.find(" {Type ") != key.npos ? QUORLIN_STRUCTURE : QUORLIN_GROUP;
+uint32_t KindOf(const Item_t& item) {
+    switch (item.facts.kind) {
+        case ItemKind_t::kTitle: return QUORLIN_STRUCTURE;
+        case ItemKind_t::kGroup: return QUORLIN_GROUP;
+        default: return QUORLIN_ITEM;
+    }
 }
 
 void CopyItems(ClPackageInUse& package, quorlin_table* table) {
-    uint8_t entry[kEntryBufferSize] = {};
-    if (LibSMBIOSInit(entry) == kSuccess) LibSMBIOSExit();
-    table->major = entry[6];
-    table->minor = entry[7];
     const uint32_t count = package->GetItemCount();
     table->items.reserve(count);
     uint32_t structure = 0;
     for (uint32_t index = 0; index < count; index++) {
-        const ItemPair& item = package->Item(index);
-        std::string_view key = item.key.View();
-        const uint32_t kind = KindOf(key, item.value.View());
+        const Item_t& item = package->Item(index);
+        const uint32_t kind = KindOf(item);
         if (kind == QUORLIN_STRUCTURE) structure = index;
-        if (key.ends_with(kGroupMark)) key.remove_suffix(kGroupMark.size());
-        table->items.push_back({std::string(key), item.value.String(), structure, kind});
+        table->items.push_back(
+            {kind == QUORLIN_STRUCTURE ? item.Title() : item.key.String(), item.value.String(), structure, kind});
     }
 }
 
-// Makes a handle of the items of the machine that `choose` chooses.
+void AddRemark(std::string* remark, const std::string& text) {
+    if (!text.empty()) remark->append(remark->empty() ? "" : "; ").append(text);
+}
+
+// What is known of the table as a whole. Expects a store that is up; `image` is null for this machine.
+void DescribeTable(const Image_t* image, quorlin_table* table) {
+    const TableFacts_t& facts = *FactsOfTable();
+    table->major = facts.major;
+    table->minor = facts.minor;
+    table->form = image == nullptr ? "this machine" : image->FormText();
+    if (image != nullptr) AddRemark(&table->remark, image->Remark());
+    const bool saysCut = image != nullptr && image->missing != 0;
+    if (!saysCut || !facts.isCut) AddRemark(&table->remark, facts.Remark());
+    if (image != nullptr && !image->checksumsFit) AddRemark(&table->remark, "the entry point's checksums don't fit");
+    if (!facts.hasEnd) AddRemark(&table->remark, "no End-of-Table structure ends it");
+}
+
+// Makes a handle of the items of the machine that `choose` chooses; `image` is null for this machine.
 template <class Choose>
-quorlin_status Open(quorlin_table** out, const Choose& choose) {
+quorlin_status Open(quorlin_table** out, const quorlin_options& wanted, const Image_t* image, const Choose& choose) {
     const std::lock_guard lock(opening);
     if (StoreIsUp()) return QUORLIN_BUSY;
     ClPackageInUse package;
     choose();
-    if (package->BringUp() != kSuccess) return QUORLIN_NO_TABLE;
+    status_t status = package->BringUp();
+    if (status == kSuccess && wanted.type_148 != 0) status = package->GetTypes(kOnDemandType);
+    if (package->HadTooManyItems()) return QUORLIN_TOO_MANY_ITEMS;
+    if (status != kSuccess) return QUORLIN_NO_TABLE;
     auto table = std::make_unique<quorlin_table>();
+    DescribeTable(image, table.get());
     CopyItems(package, table.get());
     *out = table.release();
     return QUORLIN_OK;
 }
 
 // Opens an image that was read with this status, or keeps the problem.
-quorlin_status OpenImage(quorlin_table** out, status_t status, const Image_t& image, const std::string& problem) {
-    if (status == kSuccess) return Open(out, [&image] { SetImageMachine(&image.source); });
+quorlin_status OpenImage(quorlin_table** out, const quorlin_options& wanted, status_t status, const Image_t& image,
+                         const std::string& problem) {
+    if (status == kSuccess) return Open(out, wanted, &image, [&image] { SetImageMachine(&image.source); });
     os_snprintf(lastProblem, sizeof lastProblem, sizeof lastProblem - 1, "%s", problem.c_str());
     return QUORLIN_NO_IMAGE;
 }
@@ -152,9 +175,9 @@ void Show(const quorlin_table& table, uint32_t index, quorlin_item* item) {
 
 quorlin_status quorlin_open_machine(const quorlin_options* options, quorlin_table** table) {
     return Opening(table != nullptr, options, [&](const quorlin_options& wanted) {
-        const quorlin_status status = Open(table, [] { SetMachine(ThisMachineWithoutDriver()); });
+        const quorlin_status status = Open(table, wanted, nullptr, [] { SetMachine(ThisMachineWithoutDriver()); });
         if (status != QUORLIN_NO_TABLE || wanted.use_driver == 0) return status;
-        return Open(table, [] { SetMachine(ThisMachine()); });
+        return Open(table, wanted, nullptr, [] { SetMachine(ThisMachine()); });
     });
 }
 
@@ -163,7 +186,7 @@ quorlin_status quorlin_open_file(const char* path, const quorlin_options* option
         Image_t image = ImageWith(wanted);
         std::string problem;
         const status_t status = ReadImage(path, TableForm_t::kAny, &image, &problem);
-        return OpenImage(table, status, image, problem);
+        return OpenImage(table, wanted, status, image, problem);
     });
 }
 
@@ -174,7 +197,7 @@ quorlin_status quorlin_open_memory(const void* bytes, size_t size, const quorlin
         const auto* begin = static_cast<const uint8_t*>(bytes);
         std::string problem;
         const status_t status = ImageFromBytes({begin, begin + size}, TableForm_t::kAny, &image, &problem);
-        return OpenImage(table, status, image, problem);
+        return OpenImage(table, wanted, status, image, problem);
     });
 }
 
@@ -186,6 +209,10 @@ quorlin_status quorlin_smbios_version(const quorlin_table* table, uint8_t* major
     if (minor != nullptr) *minor = table->minor;
     return QUORLIN_OK;
 }
+
+const char* quorlin_form(const quorlin_table* table) { return table == nullptr ? nullptr : table->form.c_str(); }
+
+const char* quorlin_remark(const quorlin_table* table) { return table == nullptr ? nullptr : table->remark.c_str(); }
 
 quorlin_status quorlin_next(quorlin_table* table, quorlin_item* item) {
     if (table == nullptr || item == nullptr) return QUORLIN_NULL_POINTER;
@@ -234,6 +261,7 @@ const char* quorlin_status_text(quorlin_status status) {
         case QUORLIN_NO_TABLE: return "this machine has no SMBIOS table, or doesn't let this user read it";
         case QUORLIN_NO_MORE: return "there is no such item, or none behind the last one";
         case QUORLIN_BUSY: return "the process has a package open, and one table is read at a time";
+        case QUORLIN_TOO_MANY_ITEMS: return "the table gives more items than a table of its size may";
         case QUORLIN_NO_IMAGE: return "the file can't be read, or holds no table";
         default: return "unknown status";
     }

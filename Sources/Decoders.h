@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Sources/SMBIOSType.h"
+#include "Sources/VersionRecords.h"
 
 class ClSMBIOSType0 final : public ClSMBIOSType {
   public:
@@ -30,9 +31,9 @@ class ClSMBIOSType4 final : public ClSMBIOSType {
     explicit ClSMBIOSType4(uint32_t processorSignature) { m_processorSignature = processorSignature; }
     void PrintStructure(const uint8_t* pData) override;
 
-    std::string_view GetProcessorFamilyString(uint16_t family) const;
-    static std::string_view GetProcessorStatusString(uint16_t status);
-    static std::string_view GetProcessorUpgradeString(uint16_t upgrade);
+    Word_t GetProcessorFamilyString(uint16_t family) const;
+    static Word_t GetProcessorStatusString(uint16_t status);
+    static Word_t GetProcessorUpgradeString(uint16_t upgrade);
     static std::string GetProcessorCharacteristicsString(uint16_t characteristics);
 };
 
@@ -44,23 +45,23 @@ class ClSMBIOSType7 final : public ClSMBIOSType {
     static std::string GetCacheSizeString(uint16_t size);
     // The types of the set bits, joined by ", "; "None" for none.
     static std::string GetCacheMemoryTypeString(uint16_t types);
-    static std::string_view GetAssociativityString(uint8_t associativity);
+    static Word_t GetAssociativityString(uint8_t associativity);
 };
 
 class ClSMBIOSType8 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
 
-    static std::string_view GetConnectorTypeString(uint8_t type);
-    static std::string_view GetPortTypeString(uint8_t type);
+    static Word_t GetConnectorTypeString(uint8_t type);
+    static Word_t GetPortTypeString(uint8_t type);
 };
 
 class ClSMBIOSType9 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
 
-    static std::string_view GetSlotTypeString(uint8_t type);
-    static std::string_view GetSlotDataBusWidthString(uint8_t width);
+    static Word_t GetSlotTypeString(uint8_t type);
+    static Word_t GetSlotDataBusWidthString(uint8_t width);
     // The characteristics of the set bits, joined by ", "; "None" for 0.
     static std::string GetSlotCharacteristicsString(uint8_t characteristics);
     // The same for the second byte of characteristics.
@@ -103,8 +104,24 @@ class ClSMBIOSType14 final : public ClSMBIOSType {
 
     // Adds the items of the group's members: of every structure of the first of its types that the table holds.
     void GetComponentInfo(const uint8_t* pData);
-    // Adds the items of one member, a record's body of whatever type, read as a firmware version structure.
+
+  private:
+    // What all members of one type show. Groups by the thousand may name a type, and it shows the same in each.
+    struct Members_t {
+        bool isKnown, arePresent;
+        size_t first, count;  // among m_versions
+    };
+    struct NamedVersion_t {
+        const char* name;
+        VersionRecord_t record;
+    };
+
+    const Members_t& MembersOf(uint8_t type);
+    // Keeps what one member shows, a record's body of whatever type, read as a firmware version structure.
     void GetBiosVersionInfo(const uint8_t* pData);
+
+    Members_t m_members[256] = {};
+    std::vector<NamedVersion_t> m_versions;
 };
 
 class ClSMBIOSType15 final : public ClSMBIOSType {
@@ -115,7 +132,7 @@ class ClSMBIOSType15 final : public ClSMBIOSType {
 class ClSMBIOSType16 final : public ClSMBIOSType {
   public:
     void PrintStructure(const uint8_t* pData) override;
-    static std::string_view GetLocationString(uint8_t location);
+    static Word_t GetLocationString(uint8_t location);
 };
 
 class ClSMBIOSType17 final : public ClSMBIOSType {

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Sources/CrashReport.h"
@@ -50,6 +51,7 @@ status_t Quorlin::BringUp() {
     m_cursor = 0;
     m_smbiosMajor = 0;
     m_smbiosMinor = 0;
+    m_hadTooManyItems = false;
     m_items->Clear();
     CPUIDRecord_t cpuid = {};
     cpuid.Eax = 1;
@@ -72,8 +74,7 @@ status_t Quorlin::BringUp() {
 
 status_t Quorlin::UnInitialize() {
     m_items->Clear();
-    const bool holdsStore = m_smbiosMajor != 0 || m_smbiosMinor != 0;
-    const status_t status = holdsStore ? LibSMBIOSExit() : kSuccess;
+    const status_t status = HoldsStore() ? LibSMBIOSExit() : kSuccess;
     m_smbiosMajor = m_smbiosMinor = 0;
     // With the last reference the handle is gone, and nobody may trace on it any more.
     const bool isLast = packageTraceHandle != nullptr && packageTraceHandle->RefCount == 1;
@@ -88,10 +89,10 @@ status_t Quorlin::GetItemByName(std::string name) {
     return kBadValue;
 }
 
-void Quorlin::AppendLine(const ItemPair& item, std::string& text) {
+namespace {
+
+void AppendQuoted(std::string_view key, std::string_view value, std::string& text) {
     constexpr std::string_view kMiddle = "\", \"";
-    const std::string_view key = item.key.View();
-    std::string_view value = item.value.View();
     if (value == " ") value = {};
     const size_t begin = text.size();
     text.resize(begin + key.size() + value.size() + kMiddle.size() + 2);
@@ -106,6 +107,18 @@ void Quorlin::AppendLine(const ItemPair& item, std::string& text) {
         place = std::remove_copy(value.begin(), value.end(), place, '"');
         *place++ = '"';
         text.resize(static_cast<size_t>(place - text.data()));
+    }
+}
+
+}  // namespace
+
+void Quorlin::AppendLine(const Item_t& item, std::string& text) {
+    if (item.facts.kind == ItemKind_t::kItem) {
+        AppendQuoted(item.key.View(), item.value.View(), text);
+    } else {
+        std::string key;
+        item.AppendKey(key);
+        AppendQuoted(key, item.value.View(), text);
     }
 }
 
@@ -125,18 +138,39 @@ status_t Quorlin::GetNextItem(std::string& text) {
     return kSuccess;
 }
 
+void Quorlin::BeginCount(size_t given) {
+    const TableFacts_t* facts = FactsOfTable();
+    const size_t byBytes = facts == nullptr ? 0 : size_t{kMostItemsPerByte} * facts->length;
+    const size_t most = std::max<size_t>(byBytes, kAlwaysAllowedItems);
+    m_itemsLeft = most > given ? most - given : 0;
+}
+
 status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
-    if (SMBIOSStructNumber != kSweep) return DecodeType(SMBIOSStructNumber, *m_items, nullptr);
+    const size_t before = m_items->Size();
+    BeginCount(before);
+    // The records outlive the items only where this package keeps the store up.
+    m_items->KeepTexts(!HoldsStore());
     status_t status = kFailure;
-    for (const TypeRange_t& range : kSweptTypes)
-        for (unsigned type = range.first; type <= range.last; type++)
-            status = DecodeType(static_cast<uint8_t>(type), *m_items, nullptr);
+    if (SMBIOSStructNumber != kSweep) {
+        status = DecodeType(SMBIOSStructNumber, *m_items, nullptr);
+    } else {
+        for (const TypeRange_t& range : kSweptTypes)
+            for (unsigned type = range.first; type <= range.last && status != kNoMemory; type++)
+                status = DecodeType(static_cast<uint8_t>(type), *m_items, nullptr);
+    }
+    if (status == kNoMemory) m_items->Truncate(before);
     return status;
 }
 
-status_t Quorlin::VisitType(uint8_t type, const Visit_t& visit) {
+status_t Quorlin::VisitTypes(std::span<const uint8_t> types, const Visit_t& visit) {
     ClItemList items;
-    return DecodeType(type, items, &visit);
+    BeginCount(0);
+    status_t status = kSuccess;
+    for (const uint8_t type : types) {
+        status = DecodeType(type, items, &visit);
+        if (status == kNoMemory) break;
+    }
+    return status;
 }
 
 bool Quorlin::IsSwept(uint8_t type) {
@@ -144,7 +178,7 @@ bool Quorlin::IsSwept(uint8_t type) {
                                [type](const TypeRange_t& range) { return type >= range.first && type <= range.last; });
 }
 
-const ItemPair& Quorlin::Item(uint32_t index) const { return (*m_items)[index]; }
+const Item_t& Quorlin::Item(uint32_t index) const { return (*m_items)[index]; }
 
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items->Size()); }
 
@@ -166,25 +200,25 @@ status_t Quorlin::DecodeType(uint8_t type, ClItemList& items, const Visit_t* vis
         TRACE("GetTypes", kError, "\nInvalid SMBIOSStructure");
     else
         decoder->UseList(&items);
+    bool goesOn = true;
     const auto print = [&](uint8_t** first, uint8_t number) {
-        if (visit == nullptr || decoder == nullptr) {
-            PrintStructure(decoder.get(), number, first, type);
-            return;
-        }
-        for (uint8_t place = 0; place < number; place++) {
-            PrintStructure(decoder.get(), 1, first + place, type);
-            (*visit)(first[place] + kRecordHead, items);
+        if (visit == nullptr) return PrintStructure(decoder.get(), number, first, type);
+        for (uint8_t place = 0; place < number && goesOn; place++) {
+            if (PrintStructure(decoder.get(), 1, first + place, type) == kNoMemory) return kNoMemory;
+            goesOn = (*visit)(first[place] + kRecordHead, items);
             items.Clear();
+            if (decoder != nullptr) decoder->UseList(&items);
         }
+        return kSuccess;
     };
-    print(records, count);
-    if (count < kBatch || decoder == nullptr) return status;
+    if (print(records, count) == kNoMemory) return kNoMemory;
+    if (!goesOn || count < kBatch || (decoder == nullptr && visit == nullptr)) return status;
     // More than an 8-bit count can tell: the rest goes to the same decoder, so that the numbering goes on.
     uint32_t rest = 0;
     if (GetSMBIOSStrutureFrom(type, kBatch, &records, &rest) != kSuccess) return status;
     owner.reset(records);
-    for (uint32_t first = 0; first < rest; first += kBatch)
-        print(records + first, static_cast<uint8_t>(std::min(kBatch, rest - first)));
+    for (uint32_t first = 0; first < rest && goesOn; first += kBatch)
+        if (print(records + first, static_cast<uint8_t>(std::min(kBatch, rest - first))) == kNoMemory) return kNoMemory;
     return status;
 }
 
@@ -195,7 +229,13 @@ status_t Quorlin::PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint
     }
     for (uint8_t place = 0; place < NumOfStructs; place++) {
         pType->PrintStructure(pData[place] + kRecordHead);
-        pType->PassItems();  // they are in the package's list
+        const size_t added = pType->PassItems();  // they are in the package's list
+        if (added > m_itemsLeft) {
+            TRACE("PrintStructure", kError, "\nMore items than a table may give");
+            m_hadTooManyItems = true;
+            return kNoMemory;
+        }
+        m_itemsLeft -= added;
     }
     return kSuccess;
 }

@@ -14,12 +14,13 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
 
-struct ItemPair;
+struct Item_t;
 class ClItemList;
 class ClSMBIOSType;
 
@@ -46,6 +47,8 @@ class BaseAbstraction {
 class Quorlin : public BaseAbstraction {
   public:
     static constexpr uint8_t kSweep = 255;
+    // Groups that name groups multiply without bound.
+    static constexpr uint32_t kMostItemsPerByte = 8, kAlwaysAllowedItems = 100000;
 
     explicit Quorlin(uint8_t presetType);
     ~Quorlin() override;
@@ -58,7 +61,8 @@ class Quorlin : public BaseAbstraction {
     status_t GetNextItem(std::string& text) override;
 
     // Appends the items of one type, or of all swept types for 255. The cursor stays. A type that the table doesn't
-    // hold, or that has no decoder, adds nothing and gives 1.
+    // hold, or that has no decoder, adds nothing and gives 1. 3, and nothing is appended, where the package would get
+    // more items than a table may give: kMostItemsPerByte for each of its bytes, and kAlwaysAllowedItems in any case.
     virtual status_t GetTypes(uint8_t SMBIOSStructNumber);
     // The number of items, group items included, whatever the cursor.
     virtual uint32_t GetItemCount();
@@ -70,25 +74,33 @@ class Quorlin : public BaseAbstraction {
     // Whether a sweep takes this type.
     static bool IsSwept(uint8_t type);
     // Appends an item to `text` as GetNextItem gives it.
-    static void AppendLine(const ItemPair& item, std::string& text);
+    static void AppendLine(const Item_t& item, std::string& text);
     // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
     // GetItemCount.
-    const ItemPair& Item(uint32_t index) const;
-    // Decodes one type as GetTypes does, for this tree's own hosts, but keeps no items: `visit` gets each structure
-    // with its own, or with none, for the length of the call. So no more than one structure's items are held.
-    using Visit_t = std::function<void(const uint8_t* structure, const ClItemList& items)>;
-    status_t VisitType(uint8_t type, const Visit_t& visit);
+    const Item_t& Item(uint32_t index) const;
+    // Decodes these types as GetTypes does, for this tree's own hosts, but keeps no items: `visit` gets each structure
+    // with its own, or with none, for the length of the call. So no more than one structure's items are held. 3 where
+    // the items would be more than a table may give, after a visit of those that aren't. `visit` tells whether to go on
+    // with the structures of this type.
+    using Visit_t = std::function<bool(const uint8_t* structure, const ClItemList& items)>;
+    status_t VisitTypes(std::span<const uint8_t> types, const Visit_t& visit);
+    // Whether GetTypes or VisitTypes gave 3 since BringUp.
+    bool HadTooManyItems() const { return m_hadTooManyItems; }
 
   private:
+    void BeginCount(size_t given);
     status_t DecodeType(uint8_t type, ClItemList& items, const Visit_t* visit);
     ClSMBIOSType* DecoderFactory(uint8_t type) const;
     status_t PrintStructure(ClSMBIOSType* pType, uint8_t NumOfStructs, uint8_t** pData, uint8_t SMBIOSType);
+    bool HoldsStore() const { return m_smbiosMajor != 0 || m_smbiosMinor != 0; }
 
     uint32_t m_cursor = 0;
     uint32_t m_processorSignature = 0;
     uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package holds a reference on the store
     uint8_t m_smbiosMinor = 0;
     std::unique_ptr<ClItemList> m_items;
+    size_t m_itemsLeft = 0;  // that the call at hand may still add
+    bool m_hadTooManyItems = false;
     uint8_t m_presetType;
 };
 

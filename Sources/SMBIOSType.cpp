@@ -68,6 +68,8 @@ const char* StringArea(const uint8_t* pData) {
     return reinterpret_cast<const char*>(pData + offset);
 }
 
+constexpr char kNoSuchString[] = "(no such string)";
+
 // The text of an area without strings.
 const char* NullString() {
     TRACE("GetString", kError, "\nNULL string: strPtr");
@@ -122,18 +124,36 @@ ClText ClText::Joined(std::initializer_list<std::string_view> pieces) {
     return text;
 }
 
-void ClItemList::Add(ClText&& key, ClText&& value) {
+void Item_t::AppendKey(std::string& text) const {
+    text += key.View();
+    if (facts.kind == ItemKind_t::kTitle && facts.instance > 1) text.append("_").append(std::to_string(facts.instance));
+    if (facts.kind != ItemKind_t::kItem) text += kGroupMark;
+}
+
+std::string Item_t::Title() const {
+    std::string text;
+    AppendKey(text);
+    text.resize(text.size() - kGroupMark.size());
+    return text;
+}
+
+void ClItemList::Add(ClText&& key, ClText&& value, ItemFacts_t facts) {
+    if (m_keepsTexts) {
+        key.Keep();
+        value.Keep();
+    }
     if (m_size % kBlockItems == 0 && m_size / kBlockItems == m_blocks.size())
         m_blocks.push_back(std::unique_ptr<Block_t>(new Block_t));  // its room stays as it is until an item takes it
-    new (Place(m_size)) ItemPair{std::move(key), std::move(value)};
+    new (Place(m_size)) Item_t{std::move(key), std::move(value), facts};
     m_size++;
 }
 
-void ClItemList::Clear() {
-    for (size_t index = 0; index < m_size; index++) std::destroy_at(Place(index));
+void ClItemList::Truncate(size_t size) {
+    for (size_t index = size; index < m_size; index++) std::destroy_at(Place(index));
     // The first block stays for who fills the list again and again.
-    if (m_blocks.size() > 1) m_blocks.resize(1);
-    m_size = 0;
+    const size_t blocks = std::max<size_t>((size + kBlockItems - 1) / kBlockItems, 1);
+    if (m_blocks.size() > blocks) m_blocks.resize(blocks);
+    m_size = size;
 }
 
 ClStructure ClStructure::WholeRecord(const uint8_t* pData) {
@@ -141,9 +161,15 @@ ClStructure ClStructure::WholeRecord(const uint8_t* pData) {
     return parsedBytes == 0 ? ClStructure(pData, pData[1], true) : FixedBytes(pData, parsedBytes);
 }
 
+size_t ClStructure::ReadableBytes() const {
+    if (!m_readsOn) return m_held;
+    if (m_recordBytes == 0) m_recordBytes = static_cast<size_t>(RecordEnd(m_data) - m_data);
+    return m_recordBytes;
+}
+
 void ClStructure::ReadOn(size_t offset, void* number, size_t size) const {
-    const size_t recordSize = static_cast<size_t>(RecordEnd(m_data) - m_data);
-    if (offset < recordSize) std::memcpy(number, m_data + offset, std::min(size, recordSize - offset));
+    const size_t readable = ReadableBytes();
+    if (offset < readable) std::memcpy(number, m_data + offset, std::min(size, readable - offset));
 }
 
 ClStringWalk::ClStringWalk(const uint8_t* pData) : m_next(StringArea(pData)), m_isEmpty(*m_next == '\0') {}
@@ -154,6 +180,11 @@ const char* ClStringWalk::Next() {
     const char* text = m_next;
     m_next += std::strlen(text) + 1;
     return text;
+}
+
+const char* ClStringWalk::NextText() {
+    const char* text = Next();
+    return text == nullptr ? kNoSuchString : text;
 }
 
 std::string PlainHex(uint64_t value) { return HexDigits(value, 1, "0123456789abcdef"); }
@@ -189,9 +220,7 @@ ClText ShowStringOrNone(const Field_t& field) {
     return number == 0 ? "None" : ClSMBIOSType::GetString(number, field.structure.Data());
 }
 
-ClText ShowNumberedString(const Field_t& field) {
-    return ClSMBIOSType::GetString(field.row.rendering.number, field.structure.Data());
-}
+ClText ShowFoundText(const Field_t& field) { return field.row.rendering.text; }
 
 ClText ShowParsedString(const Field_t& field) {
     if (field.Byte() == 0) return "None";
@@ -238,10 +267,10 @@ ClText ShowBit8(const Field_t& field) { return BitText(field, field.Byte()); }
 ClText ShowBit32(const Field_t& field) { return BitText(field, field.Dword()); }
 
 void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
-    OrDrop([&] {
-        if (group != 0) key = ClText::Joined({key.View(), kGroupMark});
-        m_items->Add(std::move(key), std::move(value));
-    });
+    const ItemKind_t kind = group == 0             ? ItemKind_t::kItem
+                            : value.View().empty() ? ItemKind_t::kGroup
+                                                   : ItemKind_t::kMarkedItem;
+    OrDrop([&] { m_items->Add(std::move(key), std::move(value), m_structure.As(kind)); });
 }
 
 status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
@@ -253,7 +282,10 @@ status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
         TRACE("GetNextItem", kInfo, "\nNo more items");
         return kFailure;
     }
-    *output = (*m_items)[m_readCursor];
+    const Item_t& item = (*m_items)[m_readCursor];
+    std::string key;
+    item.AppendKey(key);
+    *output = {item.facts.kind == ItemKind_t::kItem ? item.key : ClText(key), item.value};
     m_readCursor++;
     return kSuccess;
 }
@@ -263,9 +295,11 @@ void ClSMBIOSType::UseList(ClItemList* list) {
     m_readCursor = list->Size();
 }
 
-void ClSMBIOSType::PassItems() {
+size_t ClSMBIOSType::PassItems() {
+    const size_t passed = m_items->Size() - m_readCursor;
     m_readCursor = m_items->Size();
     TRACE("GetNextItem", kInfo, "\nNo more items");
+    return passed;
 }
 
 std::string ClSMBIOSType::GetDecimalString(uint32_t value) { return std::to_string(value); }
@@ -279,35 +313,36 @@ const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) {
     if (*text == '\0') return NullString();
     for (uint32_t current = 1; current < strNum; current++) {
         text += std::strlen(text) + 1;
-        if (*text == '\0') return "(no such string)";
+        if (*text == '\0') return kNoSuchString;
     }
     return text;
 }
 
-std::string_view ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
+Word_t ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
     return TextOf(kErrorGranularities, code, "Error: Invalid Granularity");
 }
 
-std::string_view ClSMBIOSType::GetErrorOperationString(uint8_t code) {
+Word_t ClSMBIOSType::GetErrorOperationString(uint8_t code) {
     return TextOf(kErrorOperations, code, "Error: Invalid Operation");
 }
 
-std::string_view ClSMBIOSType::GetErrorTypeString(uint8_t code) {
-    return TextOf(kErrorTypes, code, "Error: Invalid Type");
-}
+Word_t ClSMBIOSType::GetErrorTypeString(uint8_t code) { return TextOf(kErrorTypes, code, "Error: Invalid Type"); }
 
-std::string_view ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
+Word_t ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
     return TextOf(kOnboardDeviceTypes, code & 0x7F, "Error: Invalid Type");
 }
 
-bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
+void ClSMBIOSType::BeginStructure(const uint8_t* pData) {
     m_instanceCounter++;
-    OrDrop([&] {
-        const std::string count = std::to_string(m_instanceCounter);
-        m_items->Add(m_instanceCounter < 2 ? ClText::Joined({title, kGroupMark})
-                                           : ClText::Joined({title, "_", count, kGroupMark}),
-                     {});
-    });
+    m_structure = {static_cast<uint32_t>(m_instanceCounter)};
+    if (pData == nullptr) return;
+    m_structure.handle = static_cast<uint16_t>(pData[2] | pData[3] << 8);
+    m_structure.type = pData[0];
+}
+
+bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
+    BeginStructure(pData);
+    OrDrop([&] { m_items->Add(title, {}, m_structure.As(ItemKind_t::kTitle)); });
     if (pData == nullptr) TraceNullData(title, nullTrace);
     return pData != nullptr;
 }
@@ -327,9 +362,19 @@ void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure
     for (const ItemRow_t& row : rows) {
         OrDrop([&] {
             if (row.rendering.render == nullptr)
-                m_items->Add(ClText::Joined({row.key, kGroupMark}), {});
+                m_items->Add(row.key, {}, m_structure.As(ItemKind_t::kGroup));
             else
-                m_items->Add(row.key, row.rendering.render({structure, row, *this}));
+                m_items->Add(row.key, row.rendering.render({structure, row, *this}), m_structure);
         });
+    }
+}
+
+void ClSMBIOSType::PrintStrings(std::string_view key, uint8_t count, const ClStructure& structure) {
+    ClStringWalk strings(structure.Data());
+    for (uint8_t left = count; left > 0; left--) {
+        const ItemRow_t string[] = {
+            {key, 0, FoundText(strings.NextText())},
+        };
+        PrintItems(string, structure);
     }
 }

@@ -19,6 +19,12 @@
 
 #include "Packages/OS/Status.h"
 
+// A word of a table, or the one for a code that the table doesn't hold.
+struct Word_t : std::string_view {
+    constexpr Word_t(std::string_view text) : std::string_view(text), isInvalid(text.starts_with("Error: Invalid")) {}
+    bool isInvalid;
+};
+
 // The text of a key or a value: its own, or a view of text that outlives all items and needs no copy: a literal, a word
 // of a table, a string of a record (the store keeps its records as long as a package holds items).
 class ClText {
@@ -28,11 +34,18 @@ class ClText {
     ClText(const char* lasting) : ClText(std::string_view(lasting)) {}
     template <size_t size>
     ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: make it a std::string
-    ClText(const std::string& own) { std::memcpy(Own(own.size()), own.data(), own.size()); }
+    ClText(const std::string& own) { Copy(own); }
+    inline ClText(const Word_t& word);
     // Text of its own, made of pieces.
     static ClText Joined(std::initializer_list<std::string_view> pieces);
     ClText(ClText&& other) noexcept : m_data(other.m_data) { other.Refer(nullptr, 0, kLasting); }
-    ClText(const ClText& other) : ClText(other.m_data.keep == kLasting ? ClText(other.View()) : other.String()) {}
+    ClText(const ClText& other) {
+        if (other.m_data.keep == kLasting)
+            m_data = other.m_data;
+        else
+            Copy(other.View());
+        m_data.isInvalid = other.m_data.isInvalid;
+    }
     ClText& operator=(ClText other) noexcept {
         std::swap(m_data, other.m_data);
         return *this;
@@ -43,6 +56,16 @@ class ClText {
 
     std::string_view View() const { return {m_data.keep == kHere ? m_data.bytes : Elsewhere(), m_data.size}; }
     std::string String() const { return std::string(View()); }
+    // Whether it tells of a code that its table doesn't hold.
+    bool IsInvalid() const { return m_data.isInvalid; }
+    ClText& MarkInvalid(bool isInvalid) {
+        m_data.isInvalid = isInvalid;
+        return *this;
+    }
+    // Makes the text its own, so that it needs nothing else to last.
+    void Keep() {
+        if (m_data.keep == kLasting && m_data.size != 0) *this = ClText(String()).MarkInvalid(m_data.isInvalid);
+    }
     friend bool operator==(const ClText& text, std::string_view other) { return text.View() == other; }
 
   private:
@@ -57,6 +80,11 @@ class ClText {
         std::memcpy(m_data.bytes, &text, sizeof text);
         m_data.size = size & kSizeMask;
         m_data.keep = keep & 3u;
+        m_data.isInvalid = 0;
+    }
+    void Copy(std::string_view text) {
+        char* own = Own(text.size());
+        if (!text.empty()) std::memcpy(own, text.data(), text.size());
     }
     // Room for text of its own; expects a text that has none yet.
     char* Own(size_t size) {
@@ -67,26 +95,60 @@ class ClText {
         }
         m_data.size = size & kSizeMask;
         m_data.keep = kHere;
+        m_data.isInvalid = 0;
         return m_data.bytes;
     }
 
-    static constexpr uint32_t kSizeMask = 0x3FFFFFFF;  // no text of a table comes near it
+    static constexpr uint32_t kSizeMask = 0x1FFFFFFF;  // no text of a table comes near it
     // A table has tens of thousands of texts, so that each byte here counts.
     struct Data_t {
         alignas(const char*) char bytes[20];  // the text itself, enough for every number, or its address
-        uint32_t size : 30;
+        uint32_t size : 29;
         uint32_t keep : 2;  // Keep_t
+        uint32_t isInvalid : 1;
     } m_data;
 };
 static_assert(sizeof(ClText) == 24);
 
-// One key and one value. A group item's key ends in kGroupMark and its value is empty.
+inline ClText::ClText(const Word_t& word) : ClText(std::string_view(word)) { m_data.isInvalid = word.isInvalid; }
+
+inline constexpr std::string_view kGroupMark = "#GROUPNAME";
+
+// What decoders hand out: one key and one value. A group item's key ends in kGroupMark and its value is empty.
 struct ItemPair {
     ClText key;
     ClText value;
 };
 
-inline constexpr std::string_view kGroupMark = "#GROUPNAME";
+enum class ItemKind_t : uint8_t {
+    kItem,
+    kMarkedItem,  // an item whose key as text ends in kGroupMark, as a group's does
+    kGroup,       // the heading of the items after it; no value
+    kTitle,       // the title of a structure; no value
+};
+
+// What an item is, and the structure that it is of.
+struct ItemFacts_t {
+    uint32_t instance = 0;  // of the structure among those of its type, from 1
+    uint16_t handle = 0;
+    uint8_t type = 0;
+    ItemKind_t kind = ItemKind_t::kItem;
+
+    ItemFacts_t As(ItemKind_t other) const { return {instance, handle, type, other}; }
+};
+
+// An item as it is kept: what it is stands beside its texts, so that nobody has to read it out of them. Its key is
+// without the marks that the text of it carries.
+struct Item_t {
+    ClText key;
+    ClText value;
+    ItemFacts_t facts;
+
+    // Adds the key as text: a title with its instance from the second on, and kGroupMark where the kind has it.
+    void AppendKey(std::string& text) const;
+    // A title as text, without kGroupMark: "TEXT {Type N}", "TEXT {Type N}_2".
+    std::string Title() const;
+};
 
 // Items in the order in which they were added: many in a block, and all released together, as the items of a package
 // are. One by one they would cost more to allocate than to decode.
@@ -95,27 +157,32 @@ class ClItemList {
     ClItemList() = default;
     ClItemList(const ClItemList&) = delete;
     ClItemList& operator=(const ClItemList&) = delete;
-    ~ClItemList() { Clear(); }
+    ~ClItemList() { Truncate(0); }
 
+    // Whether texts that others own are copied, for a list that may outlive them.
+    void KeepTexts(bool keeps) { m_keepsTexts = keeps; }
     // Throws std::bad_alloc without memory.
-    void Add(ClText&& key, ClText&& value);
-    void Clear();
+    void Add(ClText&& key, ClText&& value, ItemFacts_t facts);
+    void Clear() { Truncate(0); }
+    // Drops the items from `size` on.
+    void Truncate(size_t size);
     size_t Size() const { return m_size; }
-    // An item stays where it is until Clear.
-    const ItemPair& operator[](size_t index) const { return *Place(index); }
+    // An item stays where it is until it is dropped.
+    const Item_t& operator[](size_t index) const { return *Place(index); }
 
   private:
     static constexpr size_t kBlockItems = 64;
     struct Block_t {
-        alignas(ItemPair) std::byte room[kBlockItems * sizeof(ItemPair)];
+        alignas(Item_t) std::byte room[kBlockItems * sizeof(Item_t)];
     };
 
-    ItemPair* Place(size_t index) const {
-        return reinterpret_cast<ItemPair*>(m_blocks[index / kBlockItems]->room) + index % kBlockItems;
+    Item_t* Place(size_t index) const {
+        return reinterpret_cast<Item_t*>(m_blocks[index / kBlockItems]->room) + index % kBlockItems;
     }
 
     std::vector<std::unique_ptr<Block_t>> m_blocks;
     size_t m_size = 0;
+    bool m_keepsTexts = false;
 };
 
 // The record of one structure. No read leaves it, whatever bytes the table holds; numbers are little-endian.
@@ -139,6 +206,8 @@ class ClStructure {
     uint64_t Qword(size_t offset) const { return Read<uint64_t>(offset); }
     // Whether the formatted area holds `count` bytes from `offset` on.
     bool Holds(size_t offset, size_t count) const { return offset + count <= Length(); }
+    // How many bytes can be read before all reads 0.
+    size_t ReadableBytes() const;
 
   private:
     ClStructure(const uint8_t* data, size_t held, bool readsOn) : m_data(data), m_held(held), m_readsOn(readsOn) {}
@@ -155,16 +224,20 @@ class ClStructure {
     void ReadOn(size_t offset, void* number, size_t size) const;
 
     const uint8_t* m_data;
-    size_t m_held;   // bytes that can be read as they are
-    bool m_readsOn;  // whether a read behind them goes on to the record's end
+    size_t m_held;                     // bytes that can be read as they are
+    bool m_readsOn;                    // whether a read after them goes on to the record's end
+    mutable size_t m_recordBytes = 0;  // up to that end; 0 as long as nobody asked
 };
 
 // The strings of a record's string area in order, each found in one step.
 class ClStringWalk {
   public:
     explicit ClStringWalk(const uint8_t* pData);
-    // The next string, or null behind the last. Of an area without strings each is "(null string)", without an end.
+    bool IsEmpty() const { return m_isEmpty; }
+    // The next string, or null after the last. Of an area without strings each is "(null string)", without an end.
     const char* Next();
+    // The next string as GetString tells it: "(no such string)" after the last.
+    const char* NextText();
 
   private:
     const char* m_next;
@@ -177,7 +250,7 @@ struct CodeText_t {
 };
 
 // The text of `code`, or `otherwise` for a code that the table doesn't hold. Tables rise, mostly without gaps.
-constexpr std::string_view TextOf(std::span<const CodeText_t> table, uint32_t code, std::string_view otherwise) {
+constexpr Word_t TextOf(std::span<const CodeText_t> table, uint32_t code, std::string_view otherwise) {
     if (table.empty() || code < table.front().code) return otherwise;
     const size_t place = code - table.front().code;
     if (place < table.size() && table[place].code == code) return table[place].text;
@@ -235,7 +308,7 @@ ClText ShowHex32(const Field_t& field);
 ClText ShowHex64(const Field_t& field);
 ClText ShowString(const Field_t& field);
 ClText ShowStringOrNone(const Field_t& field);
-ClText ShowNumberedString(const Field_t& field);
+ClText ShowFoundText(const Field_t& field);
 ClText ShowParsedString(const Field_t& field);
 ClText ShowEnum8(const Field_t& field);
 ClText ShowYesNo8(const Field_t& field);
@@ -257,8 +330,8 @@ constexpr Rendering_t Hex8Digits(uint32_t digits) { return {ShowHex8, {}, {}, di
 constexpr Rendering_t Hex16Digits(uint32_t digits) { return {ShowHex16, {}, {}, digits}; }
 inline constexpr Rendering_t String{ShowString};              // no test of number 0
 inline constexpr Rendering_t StringOrNone{ShowStringOrNone};  // "None" for number 0
-// A string of the area by its own number: structures that just list strings hold no field with it.
-constexpr Rendering_t NumberedString(uint32_t number) { return {ShowNumberedString, {}, {}, number}; }
+// A text that the decoder found, such as a string of a structure that just lists them: it has no field with a number.
+constexpr Rendering_t FoundText(std::string_view text) { return {ShowFoundText, {}, text}; }
 // A string of a parsed record; "None" for number 0 and for a number that names no string.
 inline constexpr Rendering_t ParsedText{ShowParsedString};
 constexpr Rendering_t Enum8(std::span<const CodeText_t> table, std::string_view otherwise) {
@@ -294,12 +367,13 @@ class ClSMBIOSType {
     // Adds the items of the structure at `pData`, a record's body. Never throws and never writes into the record.
     virtual void PrintStructure(const uint8_t* pData) = 0;
 
-    // Copies the next item that hasn't been read to `output`. 1; 2 for a null output; 5 when there is none.
+    // Copies the next item that hasn't been read to `output`, its key as text. 1; 2 for a null output; 5 when there is
+    // none.
     status_t GetNextItem(ItemPair* output);
     // Adds the items that follow to the end of `list`, which outlives the decoder: a package's.
     void UseList(ClItemList* list);
-    // Leaves all items behind, as read: for who has them in a list of its own.
-    void PassItems();
+    // Passes over the items that haven't been read, for who has them in a list of its own; gives their number.
+    size_t PassItems();
 
     static std::string GetDecimalString(uint32_t value);
     // Uppercase, zero-filled to `width` digits (a longer value is not cut), with a closing "h".
@@ -308,20 +382,24 @@ class ClSMBIOSType {
     // for number 0 tests the number itself. An area without strings gives "(null string)" for every number, and a
     // number that the area doesn't hold gives "(no such string)". The text lives as long as the record.
     static const char* GetString(uint32_t strNum, const uint8_t* pData);
-    static std::string_view GetErrorGranularityString(uint8_t code);
-    static std::string_view GetErrorOperationString(uint8_t code);
-    static std::string_view GetErrorTypeString(uint8_t code);
-    static std::string_view GetOnboardDeviceTypeString(uint8_t code);
+    static Word_t GetErrorGranularityString(uint8_t code);
+    static Word_t GetErrorOperationString(uint8_t code);
+    static Word_t GetErrorTypeString(uint8_t code);
+    static Word_t GetOnboardDeviceTypeString(uint8_t code);
 
   protected:
     // Adds one item; `group` not 0 makes it a group item. Without memory the item is dropped.
     void Fill_String_Data(ClText key, ClText value, uint8_t group);
-    // Counts the structure, and adds the group item: the title, with the count behind it from the second structure
-    // on. Gives false, with a trace, for a null `pData`: the decoder then ends.
+    // Counts the structure, whose items follow. `pData` may be null.
+    void BeginStructure(const uint8_t* pData);
+    // The same, and adds the group item: the title, as text with the count after it from the second structure on.
+    // Gives false, with a trace, for a null `pData`: the decoder then ends.
     bool PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace = "\npData is NULL");
     // The title, then the items "Type", "Length" and "Handle".
     bool PrintHead(std::string_view title, const uint8_t* pData);
     void PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure);
+    // Items of one key for strings 1 to `count` of the area.
+    void PrintStrings(std::string_view key, uint8_t count, const ClStructure& structure);
 
     uint32_t m_processorSignature = 0;  // given to the decoders of types 4 and 148 only
     int32_t m_instanceCounter = 0;
@@ -330,6 +408,7 @@ class ClSMBIOSType {
     ClItemList m_ownItems;
     ClItemList* m_items = &m_ownItems;
     size_t m_readCursor = 0;
+    ItemFacts_t m_structure;  // at hand
 };
 
 // The three codes of the memory error structures.

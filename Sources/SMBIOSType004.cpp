@@ -201,17 +201,15 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-std::string_view ClSMBIOSType4::GetProcessorFamilyString(uint16_t family) const {
+Word_t ClSMBIOSType4::GetProcessorFamilyString(uint16_t family) const {
     const std::string_view text = TextOf(kProcessorFamilies, family, "Unknown");
     if (m_processorSignature != kRenamingSignature) return text;
     return TextOf(kRenamedFamilies, family, text);
 }
 
-std::string_view ClSMBIOSType4::GetProcessorStatusString(uint16_t status) {
-    return TextOf(kStatuses, status, "Unknown");
-}
+Word_t ClSMBIOSType4::GetProcessorStatusString(uint16_t status) { return TextOf(kStatuses, status, "Unknown"); }
 
-std::string_view ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) {
+Word_t ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) {
     return TextOf(kProcessorUpgrades, upgrade, "Unknown");
 }
 

@@ -120,7 +120,7 @@ std::string ClSMBIOSType7::GetCacheMemoryTypeString(uint16_t types) {
     return text.empty() ? "None" : text;
 }
 
-std::string_view ClSMBIOSType7::GetAssociativityString(uint8_t associativity) {
+Word_t ClSMBIOSType7::GetAssociativityString(uint8_t associativity) {
     return TextOf(kAssociativities, associativity, "Error: Invalid Type");
 }
 

@@ -105,13 +105,11 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-std::string_view ClSMBIOSType8::GetConnectorTypeString(uint8_t type) {
+Word_t ClSMBIOSType8::GetConnectorTypeString(uint8_t type) {
     return TextOf(kConnectorTypes, type, "Error: Invalid Type");
 }
 
-std::string_view ClSMBIOSType8::GetPortTypeString(uint8_t type) {
-    return TextOf(kPortTypes, type, "Error: Invalid Type");
-}
+Word_t ClSMBIOSType8::GetPortTypeString(uint8_t type) { return TextOf(kPortTypes, type, "Error: Invalid Type"); }
 
 void ClSMBIOSType8::PrintStructure(const uint8_t* pData) {
     if (!PrintHead("Port Connector Information {Type 8}", pData)) return;

@@ -177,11 +177,9 @@ std::string CharacteristicsText(std::span<const CodeText_t> table, uint8_t chara
 
 }  // namespace
 
-std::string_view ClSMBIOSType9::GetSlotTypeString(uint8_t type) {
-    return TextOf(kSlotTypes, type, "Error: Invalid Type");
-}
+Word_t ClSMBIOSType9::GetSlotTypeString(uint8_t type) { return TextOf(kSlotTypes, type, "Error: Invalid Type"); }
 
-std::string_view ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) {
+Word_t ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) {
     return TextOf(kDataBusWidths, width, "Error: Invalid Width");
 }
 

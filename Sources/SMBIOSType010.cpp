@@ -8,7 +8,8 @@ ClText ShowDeviceType(const Field_t& field) {
     constexpr uint8_t kEnabled = 0x80;
     const uint8_t device = field.Byte();
     const char* status = (device & kEnabled) != 0 ? "Enabled, " : "Disabled, ";
-    return std::string(status).append(ClSMBIOSType::GetOnboardDeviceTypeString(device));
+    const Word_t type = ClSMBIOSType::GetOnboardDeviceTypeString(device);
+    return ClText::Joined({status, type}).MarkInvalid(type.isInvalid);
 }
 
 constexpr Rendering_t DeviceType{ShowDeviceType};

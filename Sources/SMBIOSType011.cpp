@@ -9,11 +9,5 @@ void ClSMBIOSType11::PrintStructure(const uint8_t* pData) {
     if (!PrintHead("OEM Strings {Type 11}", pData)) return;
     const ClStructure structure = ClStructure::WholeRecord(pData);
     PrintItems(kItems, structure);
-    const uint8_t count = structure.Byte(0x04);
-    for (uint32_t number = 1; number <= count; number++) {
-        const ItemRow_t string[] = {
-            {"OEM String", 0, NumberedString(number)},
-        };
-        PrintItems(string, structure);
-    }
+    PrintStrings("OEM String", structure.Byte(0x04), structure);
 }

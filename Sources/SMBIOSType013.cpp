@@ -67,8 +67,7 @@ ClText ShowCurrentLanguage(const Field_t& field) {
 
 // The lower-case language string and its name.
 ClText ShowLanguage(const Field_t& field) {
-    return LanguageText(ClSMBIOSType::GetString(field.row.rendering.number, field.structure.Data()),
-                        " (Language(s) not set)");
+    return LanguageText(field.row.rendering.text.data(), " (Language(s) not set)");
 }
 
 // Hexadecimal, 2 digits; "None" before version 2.1 of the standard, which brought the flags.
@@ -78,7 +77,7 @@ ClText ShowFlags(const Field_t& field) {
 }
 
 constexpr Rendering_t CurrentLanguage{ShowCurrentLanguage}, Flags{ShowFlags};
-constexpr Rendering_t Language(uint32_t number) { return {ShowLanguage, {}, {}, number}; }
+constexpr Rendering_t Language(std::string_view text) { return {ShowLanguage, {}, text}; }
 
 constexpr ItemRow_t kItems[] = {
     {"Current Language",                0x15, CurrentLanguage},
@@ -103,10 +102,10 @@ void ClSMBIOSType13::PrintStructure(const uint8_t* pData) {
     if (!PrintHead("BIOS Language Information {Type 13}", pData)) return;
     const ClStructure structure = ClStructure::WholeRecord(pData);
     PrintItems(kItems, structure);
-    const uint8_t installable = structure.Byte(0x04);
-    for (uint32_t number = 1; number <= installable; number++) {
+    ClStringWalk languages(pData);
+    for (uint8_t left = structure.Byte(0x04); left > 0; left--) {
         const ItemRow_t language[] = {
-            {"Language", 0, Language(number)},
+            {"Language", 0, Language(languages.NextText())},
         };
         PrintItems(language, structure);
     }

@@ -9,7 +9,6 @@
 #include "Packages/OS/OS.h"
 #include "Sources/Decoders.h"
 #include "Sources/PackageTrace.h"
-#include "Sources/VersionRecords.h"
 
 #define TRACE(function, level, ...) \
     PACKAGE_TRACE("Sources\\SMBIOSType014", "ClSMBIOSType14::" function, level, __VA_ARGS__)
@@ -22,43 +21,56 @@ constexpr size_t kGroupItems = 0x05, kGroupItemSize = 3;
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
 // A blank, then three bytes and a word in lower-case hexadecimal of 2 and 4 digits, joined by points.
-std::string VersionText(const VersionRecord_t& record) {
+ClText VersionText(const VersionRecord_t& record) {
     char text[48];
     std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", record.parts[0], record.parts[1], record.parts[2],
                   record.lastPart);
-    return text;
+    return ClText::Joined({text});
 }
 
 }  // namespace
 
 void ClSMBIOSType14::GetBiosVersionInfo(const uint8_t* pData) try {
-    const std::vector<VersionRecord_t> records = VersionRecordsOf(pData);
+    const ClStructure member = ClStructure::WholeRecord(pData);
+    const uint8_t count = CountVersionRecords(member);
     ClStringWalk names(pData);
-    for (auto record = records.begin(); record != records.end();) {
+    for (uint8_t index = 0; index < count;) {
         const char* name = names.Next();
         if (name == nullptr) break;
         // This name is used up, and its record stays for the next one.
         if (std::strcmp(name, "Disabled") == 0) continue;
-        Fill_String_Data(name, VersionText(*record), 0);
-        record++;
+        m_versions.push_back({name, VersionRecordAt(member, index)});
+        index++;
     }
 } catch (const std::bad_alloc&) {
     TRACE("GetBiosVersionInfo", kError, "Memory allocation with new failed\n");
 }
 
+const ClSMBIOSType14::Members_t& ClSMBIOSType14::MembersOf(uint8_t type) {
+    Members_t& members = m_members[type];
+    if (members.isKnown) return members;
+    members = {true, false, m_versions.size(), 0};
+    uint8_t** records = nullptr;
+    uint8_t count = 0;
+    if (GetSMBIOSStruture(type, &records, &count) != kSuccess) {
+        TRACE("GetComponentInfo", kError, "The structures of type %u aren't available", static_cast<unsigned>(type));
+        return members;
+    }
+    for (uint8_t index = 0; index < count; index++) GetBiosVersionInfo(records[index] + kTypeWordSize);
+    os_free(records);
+    members.arePresent = count != 0;
+    members.count = m_versions.size() - members.first;
+    return members;
+}
+
 void ClSMBIOSType14::GetComponentInfo(const uint8_t* pData) {
     const ClStructure group = ClStructure::WholeRecord(pData);
     for (size_t item = kGroupItems; group.Holds(item, kGroupItemSize); item += kGroupItemSize) {
-        const uint8_t type = group.Byte(item);
-        uint8_t** records = nullptr;
-        uint8_t count = 0;
-        if (GetSMBIOSStruture(type, &records, &count) != kSuccess) {
-            TRACE("GetComponentInfo", kError, "The structures of type %u can't be had", static_cast<unsigned>(type));
-            continue;
-        }
-        for (uint8_t index = 0; index < count; index++) GetBiosVersionInfo(records[index] + kTypeWordSize);
-        os_free(records);
-        if (count != 0) return;
+        const Members_t& members = MembersOf(group.Byte(item));
+        if (!members.arePresent) continue;
+        for (size_t place = members.first; place < members.first + members.count; place++)
+            Fill_String_Data(m_versions[place].name, VersionText(m_versions[place].record), 0);
+        return;
     }
 }
 
@@ -67,7 +79,7 @@ void ClSMBIOSType14::PrintStructure(const uint8_t* pData) {
     if (m_instanceCounter == 0) {
         if (!PrintTitle("Group Associations {Type 14}", pData)) return;
     } else {
-        m_instanceCounter++;
+        BeginStructure(pData);
         if (pData == nullptr) {
             TRACE("PrintStructure", kError, "\npData is NULL");
             return;

@@ -74,7 +74,6 @@ void ClSMBIOSType15::PrintStructure(const uint8_t* pData) {
     // The structure's own length of a descriptor is shown, but a descriptor is two bytes all the same.
     size_t offset = kDescriptors;
     for (uint8_t left = structure.Byte(kDescriptorCount); left > 0; left--, offset += kDescriptorSize) {
-        if (!structure.Holds(offset, kDescriptorSize)) return;
         const ItemRow_t descriptor[] = {
             {"List of Supported Event Log Type Descriptors", offset, Descriptor},
         };

@@ -67,7 +67,7 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-std::string_view ClSMBIOSType16::GetLocationString(uint8_t location) {
+Word_t ClSMBIOSType16::GetLocationString(uint8_t location) {
     return TextOf(kLocations, location, "Error: Invalid Type");
 }
 

@@ -36,7 +36,10 @@ void ClSMBIOSType221::PrintStructure(const uint8_t* pData) {
 }
 
 void ClSMBIOSType221::GetBiosVersionInfo(const uint8_t* pData) try {
-    for (const VersionRecord_t& record : VersionRecordsOf(pData)) {
+    const ClStructure structure = ClStructure::WholeRecord(pData);
+    const uint8_t count = CountVersionRecords(structure);
+    for (uint8_t index = 0; index < count && HoldsVersionRecord(structure, index); index++) {
+        const VersionRecord_t record = VersionRecordAt(structure, index);
         const std::string_view name = GetString(record.name, pData);
         if (name.empty() || name == "Disabled") continue;
         Fill_String_Data(name, VersionText(record), 0);

@@ -9,11 +9,10 @@ ClText ShowPort(const Field_t& field) { return "0X" + PlainUpperHex(field.Word()
 constexpr Rendering_t Port{ShowPort};
 
 constexpr ItemRow_t kItems[] = {
-    {"Revision",               0x04, Dec8             },
-    {"IO Port",                0x05, Port             },
-    {"Count",                  0x07, Dec8             },
-    {"Checkpoint",             0x08, Dec8             },
-    {"Checkpoint Description", 0,    NumberedString(1)},
+    {"Revision",   0x04, Dec8},
+    {"IO Port",    0x05, Port},
+    {"Count",      0x07, Dec8},
+    {"Checkpoint", 0x08, Dec8},
 };
 
 }  // namespace
@@ -23,4 +22,8 @@ void ClSMBIOSType222::PrintStructure(const uint8_t* pData) {
     GetCheckPointInfo(pData);
 }
 
-void ClSMBIOSType222::GetCheckPointInfo(const uint8_t* pData) { PrintItems(kItems, ClStructure::FormattedArea(pData)); }
+void ClSMBIOSType222::GetCheckPointInfo(const uint8_t* pData) {
+    const ClStructure structure = ClStructure::FormattedArea(pData);
+    PrintItems(kItems, structure);
+    PrintStrings("Checkpoint Description", 1, structure);
+}

@@ -1,19 +1,18 @@
 #include "Sources/VersionRecords.h"
 
-#include "Sources/SMBIOSType.h"
+static constexpr size_t kCount = 0x04, kRecords = 0x05, kRecordSize = 7;
 
-std::vector<VersionRecord_t> VersionRecordsOf(const uint8_t* pData) {
-    constexpr size_t kCount = 0x04, kRecords = 0x05, kRecordSize = 7;
-    const ClStructure structure = ClStructure::WholeRecord(pData);
-    std::vector<VersionRecord_t> records;
-    records.reserve(structure.Byte(kCount));
-    for (size_t at = kRecords; records.size() < structure.Byte(kCount); at += kRecordSize) {
-        if (!structure.Holds(at, kRecordSize)) break;
-        records.push_back({
-            structure.Byte(at),
-            {structure.Byte(at + 2), structure.Byte(at + 3), structure.Byte(at + 4)},
-            structure.Word(at + 5)
-        });
-    }
-    return records;
+uint8_t CountVersionRecords(const ClStructure& structure) { return structure.Byte(kCount); }
+
+VersionRecord_t VersionRecordAt(const ClStructure& structure, size_t index) {
+    const size_t at = kRecords + index * kRecordSize;
+    return {
+        structure.Byte(at),
+        {structure.Byte(at + 2), structure.Byte(at + 3), structure.Byte(at + 4)},
+        structure.Word(at + 5)
+    };
+}
+
+bool HoldsVersionRecord(const ClStructure& structure, size_t index) {
+    return kRecords + (index + 1) * kRecordSize <= structure.ReadableBytes();
 }

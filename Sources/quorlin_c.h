@@ -2,8 +2,8 @@
  *
  * A handle is one table, read and decoded when it is opened; it holds nothing of the machine or the file afterwards.
  * Its items are numbered from 0, in the order of the table's types: a structure opens with an item that is its title,
- * and the items behind it are its own, up to the next title. Types 0 to 42, 126, 127, 130, 131, 221 and 222 are
- * decoded.
+ * and the items after it are its own, up to the next title. Types 0 to 42, 126, 127, 130, 131, 221 and 222 are
+ * decoded, and type 148 where the options ask for it.
  *
  * Text       NUL-terminated. A value, and the key of a vendor's item, may hold bytes of a firmware's string, which come
  *            as they are, whatever their encoding. The text of an item lives until its handle is closed.
@@ -35,19 +35,21 @@ extern "C" {
 typedef uint32_t quorlin_status;
 enum {
     QUORLIN_OK = 1,
-    QUORLIN_BAD_VALUE = 2,    /* an index behind the last item, options of an unknown size */
-    QUORLIN_NO_MEMORY = 3,    /* out of memory */
-    QUORLIN_NULL_POINTER = 4, /* a null argument */
-    QUORLIN_NO_TABLE = 5,     /* the machine has no table, or doesn't let this user read it */
-    QUORLIN_NO_MORE = 7,      /* behind the last item, or no item found */
-    QUORLIN_BUSY = 8,         /* the process uses the package interface at this time: close its packages first */
-    QUORLIN_NO_IMAGE = 9      /* the file can't be read, or file or memory hold no table in any known form */
+    QUORLIN_BAD_VALUE = 2,      /* an index after the last item, options of an unknown size */
+    QUORLIN_NO_MEMORY = 3,      /* out of memory */
+    QUORLIN_NULL_POINTER = 4,   /* a null argument */
+    QUORLIN_NO_TABLE = 5,       /* the machine has no table, or doesn't let this user read it */
+    QUORLIN_NO_MORE = 7,        /* after the last item, or no item found */
+    QUORLIN_BUSY = 8,           /* the process uses the package interface at this time: close its packages first */
+    QUORLIN_NO_IMAGE = 9,       /* the file can't be read, or file or memory hold no table in any known form */
+    QUORLIN_TOO_MANY_ITEMS = 10 /* more than 8 items for each byte of the table, and more than 100,000: its groups
+                                   multiply without bound */
 };
 
 enum {
     QUORLIN_ITEM = 0,      /* a key and a value */
     QUORLIN_STRUCTURE = 1, /* the key is the title of a structure, the value is empty */
-    QUORLIN_GROUP = 2      /* the key is the heading of the items behind it in the same structure, the value is empty */
+    QUORLIN_GROUP = 2      /* the key is the heading of the items after it in the same structure, the value is empty */
 };
 
 typedef struct quorlin_table quorlin_table;
@@ -67,7 +69,7 @@ typedef struct quorlin_options {
     uint8_t smbios_major, smbios_minor; /* of a bare table, which doesn't state its version; 0.0 is taken as 3.0 */
     uint8_t use_driver; /* of this machine: not 0 to go on to physical memory where the system tells no table; on
                            Windows that installs the kernel driver, on Linux it reads /dev/mem */
-    uint8_t reserved;   /* 0 */
+    uint8_t type_148;   /* not 0 to decode type 148 too, firmware versions of a vendor, after all others */
 } quorlin_options;
 
 /* Opens this machine's table, `options` may be null. Usually needs root or an administrator.
@@ -94,6 +96,14 @@ QUORLIN_API void quorlin_close(quorlin_table* table);
 /* The SMBIOS version of the table. Either pointer may be null. */
 QUORLIN_API quorlin_status quorlin_smbios_version(const quorlin_table* table, uint8_t* major, uint8_t* minor);
 
+/* Where the table came from: "this machine", or the form of the image ("dump", "table", "windows", "sysfs"), with
+ * ", compressed with gzip" where it was. Null for a null handle. Lives as long as the handle. */
+QUORLIN_API const char* quorlin_form(const quorlin_table* table);
+/* What is wrong with the table as a whole, in a sentence: that it is cut short, that a structure is broken (what comes
+ * after it may be made up), that its entry point's checksums don't fit, that no End-of-Table structure ends it. Empty
+ * where nothing is. Null for a null handle. Lives as long as the handle. */
+QUORLIN_API const char* quorlin_remark(const quorlin_table* table);
+
 /* The item under the handle's cursor, which moves on. NO_MORE at the end, as often as it is asked. */
 QUORLIN_API quorlin_status quorlin_next(quorlin_table* table, quorlin_item* item);
 /* Sets the cursor back to the first item. */
@@ -101,9 +111,9 @@ QUORLIN_API quorlin_status quorlin_rewind(quorlin_table* table);
 
 /* The number of items of all kinds. */
 QUORLIN_API uint32_t quorlin_count(const quorlin_table* table);
-/* An item by its number. BAD_VALUE behind the last one. */
+/* An item by its number. BAD_VALUE after the last one. */
 QUORLIN_API quorlin_status quorlin_get(const quorlin_table* table, uint32_t index, quorlin_item* item);
-/* The value of an item, or null behind the last one. */
+/* The value of an item, or null after the last one. */
 QUORLIN_API const char* quorlin_value(const quorlin_table* table, uint32_t index);
 /* The first item from number `from` on whose key is `key`, letter for letter. To go on, search from item->index + 1.
  * The cursor stays. NO_MORE when there is none. */

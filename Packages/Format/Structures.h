@@ -16,11 +16,14 @@ struct TableStructure_t {
 
     uint8_t Type() const { return data[0]; }
     uint8_t Length() const { return data[1]; }
+    // Whether the formatted area is there, and the double NUL that ends the string area.
+    bool IsWhole() const { return size >= Length() + 2u && data[size - 1] == 0 && data[size - 2] == 0; }
     uint16_t Handle() const { return static_cast<uint16_t>(data[2] | data[3] << 8); }
 };
 
 // The structure at `offset` of a table of `length` bytes. Its size is 0 when the table ends before a whole header.
 TableStructure_t StructureAt(const uint8_t* table, uint32_t length, uint32_t offset);
 
-// Whether a whole, plausible structure begins at `bytes`: a header, its formatted area, and strings up to a double NUL.
-bool BeginsWithStructure(std::span<const uint8_t> bytes);
+// Whether `bytes` look like a table: whether plausible structures stand at its begin, one at least, with headers,
+// formatted areas and strings without control characters. Any file has bytes that could be read as a structure.
+bool LooksLikeTable(std::span<const uint8_t> bytes);

@@ -20,7 +20,7 @@ constexpr FormName_t kFormNames[] = {
     {TableForm_t::kFolder,        "sysfs"  },
 };
 
-TableFound_t NoTable(std::string_view problem) { return {.status = kFailure, .problem = problem}; }
+TableFound_t NoTable(std::string problem) { return {.status = kFailure, .problem = std::move(problem)}; }
 
 bool BeginsWith(std::span<const uint8_t> bytes, std::string_view text) {
     return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
@@ -33,6 +33,43 @@ TableFound_t Found(TableForm_t form, std::span<const uint8_t> atHand, uint32_t p
             .form = form,
             .table = atHand.first(length),
             .missing = isBound ? 0 : static_cast<uint32_t>(promised - length)};
+}
+
+constexpr char kAccepted[] =
+    "; accepted are a dump that begins with an entry point, a bare table, Windows' answer to a firmware-table call, "
+    "any "
+    "of them compressed with gzip, and a folder of smbios_entry_point and DMI; --as table takes it as one all the same";
+
+// What the begin of a file that is no table tells.
+std::string_view WhatItSeems(std::span<const uint8_t> bytes) {
+    using namespace std::string_view_literals;
+    struct Begin_t {
+        size_t offset;
+        std::string_view bytes, name;
+    };
+    constexpr Begin_t kBegins[] = {
+        {0,
+         "\x7F"
+         "ELF",                     "a Linux program"                 },
+        {0,   "MZ"sv,               "a Windows program"               },
+        {0,
+         "\xFD"
+         "7zXZ"sv,                  "compressed with xz; unpack it"   },
+        {0,   "\x28\xB5\x2F\xFD"sv, "compressed with zstd; unpack it" },
+        {0,   "BZh"sv,              "compressed with bzip2; unpack it"},
+        {0,   "PK\x03\x04"sv,       "a zip archive; unpack it"        },
+        {257, "ustar"sv,            "a tar archive; unpack it"        },
+        {0,   "%PDF"sv,             "a PDF document"                  },
+        {0,   "\x89PNG"sv,          "a picture"                       },
+        {0,   "\xFF\xD8\xFF"sv,     "a picture"                       },
+    };
+    for (const Begin_t& begin : kBegins)
+        if (bytes.size() > begin.offset && BeginsWith(bytes.subspan(begin.offset), begin.bytes)) return begin.name;
+    const std::span<const uint8_t> head = bytes.first(std::min<size_t>(bytes.size(), 512));
+    if (std::ranges::all_of(head, [](uint8_t byte) { return byte == 0; })) return "zeros";
+    if (std::ranges::all_of(head, [](uint8_t byte) { return byte >= ' ' || (byte >= '\t' && byte <= '\r'); }))
+        return "text";
+    return "other data";
 }
 
 TableFound_t WithVersion(TableFound_t found, const EntryPoint_t& point) {
@@ -63,7 +100,7 @@ constexpr size_t kAnswerHead = 8;
 // No structure begins like that: one of type 0 or 1 has a length above any of these versions.
 bool BeginsWithAnswer(std::span<const uint8_t> bytes) {
     return bytes.size() > kAnswerHead && bytes[0] <= 1 && bytes[1] >= 2 && bytes[1] < 8 &&
-           BeginsWithStructure(bytes.subspan(kAnswerHead));
+           LooksLikeTable(bytes.subspan(kAnswerHead));
 }
 
 TableFound_t FindBehindAnswer(std::span<const uint8_t> bytes) {
@@ -138,10 +175,14 @@ static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm
         case TableForm_t::kFolder: return NoTable("a file; --as sysfs takes the folder of an entry point and a table");
         case TableForm_t::kAny: break;
     }
-    if (BeginsWith(bytes, "_SM_") || BeginsWith(bytes, "_SM3")) return FindBehindEntryPoint(bytes);
+    if (BeginsWith(bytes, "_SM_") || BeginsWith(bytes, "_SM3")) {
+        const TableFound_t found = FindBehindEntryPoint(bytes);
+        if (found.status != kSuccess || !found.table.empty()) return found;
+        return NoTable(std::string("not a table: its entry point states a table of no bytes") + kAccepted);
+    }
     if (BeginsWithAnswer(bytes)) return FindBehindAnswer(bytes);
-    if (BeginsWithStructure(bytes)) return WholeTable(bytes);
-    return NoTable("not a table: neither an entry point nor a structure at its begin; try a dump or a bare table");
+    if (LooksLikeTable(bytes)) return WholeTable(bytes);
+    return NoTable("not a table: it seems to be " + std::string(WhatItSeems(bytes)) + kAccepted);
 }
 
 TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {

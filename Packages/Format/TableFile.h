@@ -32,7 +32,7 @@ bool FormByName(std::string_view name, TableForm_t* form);
 // Where in some bytes a table lies. The span points into those bytes.
 struct TableFound_t {
     status_t status = kFailure;  // 1, or 5: no table, for the reason in `problem`
-    std::string_view problem{};  // what is wrong and what to try, without a file's name
+    std::string problem{};       // what is wrong and what to try, without a file's name
     TableForm_t form = TableForm_t::kAny;
     std::span<const uint8_t> table{};
     uint8_t major = 0, minor = 0;  // the SMBIOS version, 0.0 where the form states none

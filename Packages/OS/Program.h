@@ -15,8 +15,11 @@ std::FILE* OpenFile(const std::string& path, const char* mode);
 // name, a link included.
 std::FILE* CreateNewFile(const std::string& path);
 bool IsFolder(const std::string& path);
+// Whether there is anything of that name.
+bool IsThere(const std::string& path);
 // To be called first. A standard stream that the program was started without becomes one that fails, so that no file
-// takes its place. Bytes reach the other two as they are written; a console takes them as UTF-8.
+// takes its place. Bytes pass as they are, and a console takes them as UTF-8. A write to a reader that went away fails
+// with EPIPE.
 void PrepareStandardStreams();
 bool IsStandardOutputTerminal();
 bool IsStandardErrorTerminal();

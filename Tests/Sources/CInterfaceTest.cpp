@@ -151,6 +151,49 @@ TEST(CInterface, ReadsDumpsAndTakesOptionsForBareTables) {
     EXPECT_EQ(versionOf(Table_t(fromFile, quorlin_close)), "3.1");
 }
 
+TEST(CInterface, TellsOfImagesWhatTheyAreAndWhatIsWrong) {
+    const auto whole = TableOf({kChassis}), noEnd = ClStructureBuilder(kChassis).Image();
+    std::vector<uint8_t> cut = noEnd, badSum = DumpOf(whole, 2, 7, 32);
+    cut.insert(cut.end(), whole.begin(), whole.begin() + 9);
+    badSum[4]++;
+    const struct {
+        std::vector<uint8_t> bytes;
+        const char *form, *remark;
+    } kCases[] = {
+        {whole,  "table", ""                                                                                          },
+        {badSum, "dump",  "the entry point's checksums don't fit"                                                     },
+        {noEnd,  "table", "no End-of-Table structure ends it"                                                         },
+        {cut,    "table", "broken at offset 1Bh: the table ends within a structure; no End-of-Table structure ends it"},
+    };
+    for (const auto& c : kCases) {
+        const Table_t table = Open(c.bytes);
+        EXPECT_STREQ(quorlin_form(table.get()), c.form);
+        EXPECT_STREQ(quorlin_remark(table.get()), c.remark);
+    }
+    EXPECT_EQ(quorlin_form(nullptr), nullptr);
+    EXPECT_EQ(quorlin_remark(nullptr), nullptr);
+}
+
+TEST(CInterface, DecodesAVendorsFirmwareVersionsOnDemand) {
+    const auto table = TableOf({kChassis, ClStructureBuilder(148, 40)});
+    quorlin_options options = {sizeof options, 0, 0, 0, 0, 1};
+    quorlin_item item = {};
+    EXPECT_EQ(quorlin_find(Open(table).get(), "Firmware Version Information {Type 148}", 0, &item), QUORLIN_NO_MORE);
+    EXPECT_EQ(quorlin_find(Open(table, &options).get(), "Firmware Version Information {Type 148}", 0, &item),
+              QUORLIN_OK);
+    EXPECT_EQ(item.index, 17u);
+}
+
+TEST(CInterface, TellsATableOfTooManyItems) {
+    std::vector<ClStructureBuilder> bomb(255, ClStructureBuilder(221, 5).Byte(4, 255));
+    bomb.resize(300, ClStructureBuilder(14, 8).Byte(5, 221));
+    const auto bytes = TableOf(bomb);
+    quorlin_table* table = nullptr;
+    EXPECT_EQ(quorlin_open_memory(bytes.data(), bytes.size(), nullptr, &table), QUORLIN_TOO_MANY_ITEMS);
+    EXPECT_EQ(quorlin_open_memory(bytes.data(), bytes.size(), nullptr, &table), QUORLIN_TOO_MANY_ITEMS);
+    EXPECT_EQ(table, nullptr);
+}
+
 TEST(CInterface, RefusesWhatIsNoTable) {
     const std::vector<uint8_t> noise(64, 0xA5), empty;
     const quorlin_options fromTheFuture = {sizeof(quorlin_options) + 4, 0, 0, 0, 0, 0};
@@ -194,8 +237,8 @@ TEST(CInterface, TellsTheVersionOfTheBuild) { EXPECT_STREQ(quorlin_version(), QU
 
 TEST(CInterface, HasATextForEachStatus) {
     std::set<std::string> texts;
-    for (uint32_t status = QUORLIN_OK; status <= QUORLIN_NO_IMAGE + 1u; ++status)
+    for (uint32_t status = QUORLIN_OK; status <= QUORLIN_TOO_MANY_ITEMS + 1u; ++status)
         texts.insert(quorlin_status_text(static_cast<quorlin_status>(status)));
     EXPECT_TRUE(texts.contains("unknown status"));
-    EXPECT_GE(texts.size(), 9u);
+    EXPECT_GE(texts.size(), 10u);
 }

@@ -94,16 +94,18 @@ TEST(Package, VisitsEachStructureWithItsOwnItems) {
     EXPECT_EQ(package->GetItemCount(), 600u * 17);  // more structures than a byte counts
     std::string lastTitle;
     uint32_t count = 0;
-    EXPECT_EQ(package->VisitType(3,
-                                 [&](const uint8_t* structure, const ClItemList& own) {
-                                     EXPECT_EQ(structure[0], 3);
-                                     ASSERT_EQ(own.Size(), 17u);
-                                     lastTitle = own[0].key.String();
-                                     count++;
-                                 }),
+    const uint8_t types[] = {3};
+    EXPECT_EQ(package->VisitTypes(types,
+                                  [&](const uint8_t* structure, const ClItemList& own) {
+                                      EXPECT_EQ(structure[0], 3);
+                                      EXPECT_EQ(own.Size(), 17u);
+                                      lastTitle = own[0].Title();
+                                      count++;
+                                      return true;
+                                  }),
               kSuccess);
     EXPECT_EQ(count, 600u);
-    EXPECT_EQ(lastTitle, "System Enclosure or Chassis Types {Type 3}_600#GROUPNAME");
+    EXPECT_EQ(lastTitle, "System Enclosure or Chassis Types {Type 3}_600");
     EXPECT_EQ(package->GetItemCount(), 600u * 17);
 }
 
@@ -125,6 +127,38 @@ TEST(Package, SharesTableAndTraceHandle) {
     std::string line;
     EXPECT_EQ(second->GetNextItem(line), kFailure);
     DestroySmbiosPackage(second);
+}
+
+// One that isn't initialised decodes what another one brought up, and what it got stays.
+TEST(Package, ItemsOutliveTheTableOfOthers) {
+    auto* second = static_cast<Quorlin*>(CreateSmbiosPackage());
+    {
+        ClPackage first(
+            TableOf({ClStructureBuilder(3, 0x15).Byte(4, 1).Strings({"A maker of a long name, not held in place"})}));
+        EXPECT_EQ(second->GetTypes(3), kSuccess);
+    }
+    ClPackage other(TableOf({kChassis}));  // in the memory that was the first one's
+    EXPECT_EQ(second->GetItemValue(4), "A maker of a long name, not held in place");
+    DestroySmbiosPackage(second);
+}
+
+// 255 members of 255 versions, shown by each of a thousand groups.
+TEST(Package, GetsABoundedNumberOfItems) {
+    std::vector<ClStructureBuilder> bomb(255, ClStructureBuilder(221, 5).Byte(4, 255));
+    bomb.resize(1255, ClStructureBuilder(14, 8).Byte(5, 221));
+    bomb.push_back(kChassis);
+    ClPackage package(TableOf(bomb), 3);
+    EXPECT_EQ(package->GetTypes(3), kSuccess);
+    const uint32_t before = package->GetItemCount();
+    for (const uint8_t type : {uint8_t{14}, Quorlin::kSweep}) {
+        EXPECT_EQ(package->GetTypes(type), kNoMemory);
+        EXPECT_EQ(package->GetItemCount(), before);
+    }
+    EXPECT_EQ(package->GetTypes(3), kSuccess);
+    EXPECT_EQ(package->GetItemCount(), 2 * before);
+    for (uint32_t items = 2 * before; items + before <= Quorlin::kAlwaysAllowedItems; items += before)
+        ASSERT_EQ(package->GetTypes(3), kSuccess) << items;
+    EXPECT_EQ(package->GetTypes(3), kNoMemory);
 }
 
 TEST(Package, UninitialisedTwiceLeavesTheTableToOthers) {

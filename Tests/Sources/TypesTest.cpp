@@ -69,13 +69,20 @@ TEST(Type14, ShowsTheVersionsOfItsMembers) {
     ExpectGroup("fewer names than entries", group, Versions(221).Strings({"BIOS", "Disabled"}), first);
     ExpectGroup("no names", group, Versions(221), "(null string)= 01.02.03.0004\n(null string)= 0a.ff.00.abcd\n");
     ExpectGroup("no entries", group, Versions(221, 0).Strings({"BIOS"}), "");
-    ExpectGroup("more entries than it holds", group, Versions(221, 255).Strings({"BIOS", "EC", "ME"}), both);
-    ExpectGroup("no room for a count", GroupOf({11}), ClStructureBuilder(11, 4).Strings({"a"}), "");
+    ExpectGroup("more entries than Length holds: bytes of the strings", group,
+                Versions(221, 255).Strings({"BIOS", "EC", "ME"}), both + "ME= 4f.53.00.4345\n");
+    ExpectGroup("more than the record holds: zeros", group,
+                ClStructureBuilder(221, 5).Byte(4, 255).Strings({"a", "b", "c", "d"}),
+                "a= 62.00.63.6400\nb= 00.00.00.0000\nc= 00.00.00.0000\nd= 00.00.00.0000\n");
+    ExpectGroup("a count among the strings", GroupOf({11}), ClStructureBuilder(11, 4).Strings({"a"}),
+                "a= 00.00.00.0000\n");
+    ExpectGroup("a parsed record ends with its fixed bytes", GroupOf({0}), Versions(0, 4).Strings({"A", "B", "C", "D"}),
+                "A= 01.02.03.0004\nB= 0a.ff.00.abcd\nC= 42.00.43.0000\nD= 00.00.00.0000\n");
     ExpectGroup("the first type that is present", GroupOf({200, 221, 221}), Versions(221, 1).Strings({"BIOS"}), first);
     ExpectGroup("no type that is present", GroupOf({200}), Versions(221), "");
     ExpectGroup("no room for a member", ClStructureBuilder(14, 4), Versions(221), "");
     ExpectGroup("a parsed record", GroupOf({0}), Versions(0).Strings({"BIOS", "EC"}), both);
-    ExpectGroup("the group itself", GroupOf({14}).Byte(0x04, 1), Versions(221), "");
+    ExpectGroup("the group itself", GroupOf({14}).Byte(0x04, 1), Versions(221), "Group name= 00.47.72.756f\n");
 }
 
 TEST(Type14, TitlesTheFirstGroupAndShowsTheMembersOfAll) {

@@ -172,13 +172,13 @@ class ClLint {
     void CheckCodes(ClTable& table) {
         std::vector<const TableStructure_t*> ofType[256];
         for (const TableStructure_t& structure : m_structures) ofType[structure.Type()].push_back(&structure);
-        VisitStructures(table.Package(), AllTypes(), [&](const Structure_t& decoded) {
+        VisitStructures(table.Package(), AllTypes(true), [&](const Structure_t& decoded) {
             if (decoded.instance > ofType[decoded.type].size()) return;
             m_structure = ofType[decoded.type][decoded.instance - 1];
             for (size_t index = decoded.firstItem; index < decoded.EndItem(); index++) {
-                const Item_t item = decoded.Item(index);
-                if (item.value.find("Error: Invalid") != item.value.npos && IsThere(item.key))
-                    Add("code", std::string(item.key) + ": a code outside its table");
+                const Item_t& item = decoded.items[index];
+                if (item.value.IsInvalid() && IsThere(item.key.View()))
+                    Add("code", item.key.String() + ": a code outside its table");
             }
         });
     }
@@ -209,9 +209,8 @@ void ListText(const std::vector<Finding_t>& findings, ClOutput& output) {
                    : std::to_string(findings.size()) + (findings.size() == 1 ? " finding\n" : " findings\n"));
 }
 
-void ListCsv(const std::vector<Finding_t>& findings, ClOutput& output) {
-    ClCsv csv(output);
-    csv.Row({"rule", "type", "handle", "offset", "text"});
+void ListCsv(const std::vector<Finding_t>& findings, ClCsv& csv) {
+    csv.Head({"rule", "type", "handle", "offset", "text"});
     for (const Finding_t& finding : findings) {
         const bool isOfStructure = finding.structure != nullptr;
         csv.Row({finding.rule, isOfStructure ? std::to_string(finding.structure->Type()) : "",
@@ -256,13 +255,14 @@ int RunCheck(const Arguments_t& arguments) {
         return exitCode;
     ClOutput output;
     ClJson json(output);
+    ClCsv csv(output, source.IsFleet());
     exitCode = RunOnTables(source, format, kCheckUsage.trouble, json, [&](ClTable& table) {
         const ClLint lint(table);
         const std::vector<Finding_t>& findings = lint.Findings();
         if (format == Format_t::kText)
             ListText(findings, output);
         else if (format == Format_t::kCsv)
-            ListCsv(findings, output);
+            csv.SetImage(table.Name()), ListCsv(findings, csv);
         else
             ListJson(findings, table, json);
         return findings.empty() ? kExitDone : kExitNo;

@@ -22,11 +22,34 @@ size_t BreakAt(std::string_view text, size_t width) {
     return text.size();
 }
 
+enum class Color_t { kAuto, kAlways, kNever };
+Color_t color = Color_t::kAuto;
+
+std::string_view Environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+bool CanShowColor() {
+    return IsStandardOutputTerminal() && Environment("NO_COLOR").empty() && Environment("TERM") != "dumb";
+}
+
 }  // namespace
 
+bool SetColor(std::string_view when) {
+    if (when == "auto")
+        color = Color_t::kAuto;
+    else if (when == "always")
+        color = Color_t::kAlways;
+    else if (when == "never")
+        color = Color_t::kNever;
+    else
+        return false;
+    return true;
+}
+
 ClColumns::ClColumns(ClOutput& output) : m_output(output), m_width(TerminalWidth()) {
-    const char* noColor = std::getenv("NO_COLOR");
-    if (IsStandardOutputTerminal() && (noColor == nullptr || *noColor == '\0')) {
+    if (color == Color_t::kAlways || (color == Color_t::kAuto && CanShowColor())) {
         m_headingBegin = "\x1b[1m";
         m_headingEnd = "\x1b[0m";
     }
@@ -34,7 +57,9 @@ ClColumns::ClColumns(ClOutput& output) : m_output(output), m_width(TerminalWidth
 
 void ClColumns::Heading(std::string_view text) {
     if (m_begun) m_output << "\n";
-    m_output << m_headingBegin << Printable(text) << m_headingEnd << "\n";
+    m_output << m_headingBegin;
+    Put(0, 2, text);
+    m_output << m_headingEnd << "\n";
     m_begun = true;
 }
 

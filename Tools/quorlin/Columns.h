@@ -8,6 +8,9 @@
 
 #include "Tools/quorlin/Output.h"
 
+// Whether headings stand out: "auto" (on a terminal that can), "always" or "never". False for any other word.
+bool SetColor(std::string_view when);
+
 // Puts headings, and pairs below each other, to an output. Text from firmware is made printable.
 class ClColumns {
   public:

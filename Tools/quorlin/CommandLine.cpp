@@ -49,7 +49,9 @@ int PrintHelp(const Usage_t& usage, std::span<const Option_t> options) {
             if (!option.required) synopsis += ']';
             arguments.emplace_back(name, option.help);
         } else {
-            named.emplace_back(option.typeName == nullptr ? name : name + " " + option.typeName, option.help);
+            const std::string letter = option.letter == 0 ? "" : std::string("-").append(1, option.letter) + ", ";
+            named.emplace_back(letter + name + (option.typeName == nullptr ? "" : std::string(" ") + option.typeName),
+                               option.help);
         }
     }
     ClOutput output;
@@ -96,16 +98,18 @@ bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, c
     const auto count = static_cast<int>(words.size());
     words.push_back(nullptr);
     std::vector<option> known;
+    std::string letters = ":h";
     for (const Option_t& option : options) {
         if (IsArgument(option)) continue;
         const int number = kFirstOption + static_cast<int>(&option - options.data());
         known.push_back({option.name + 2, TakesValue(option) ? required_argument : no_argument, nullptr, number});
+        if (option.letter != 0) letters.append(1, option.letter).append(TakesValue(option) ? ":" : "");
     }
     known.push_back({"help", no_argument, nullptr, kHelp});
     known.push_back({});
     opterr = 0;
     optind = 0;  // from the start, as after an earlier parse
-    for (int found; (found = getopt_long(count, words.data(), ":h", known.data(), nullptr)) != -1;) {
+    for (int found; (found = getopt_long(count, words.data(), letters.c_str(), known.data(), nullptr)) != -1;) {
         // The word that named the option: in front of its value, if that is a word of its own.
         const bool ownWord = optarg != nullptr && optind >= 2 && optarg == words[static_cast<size_t>(optind) - 1];
         const std::string_view word = words[static_cast<size_t>(optind) - (ownWord ? 2 : 1)];
@@ -114,9 +118,12 @@ bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, c
             return false;
         }
         if (found == kMissingValue) return SayBadUsage(usage, std::string(word).append(" needs a value"), exitCode);
-        const Option_t* option = found < kFirstOption ? nullptr : &options[static_cast<size_t>(found - kFirstOption)];
+        const bool isLetter = found < kFirstOption;
+        const auto place =
+            isLetter ? std::ranges::find(options, found, &Option_t::letter) : options.begin() + (found - kFirstOption);
+        const Option_t* option = place == options.end() ? nullptr : &*place;
         // Names are taken whole: an abbreviation that works today may name another option tomorrow.
-        if (option == nullptr || word.substr(0, word.find('=')) != option->name)
+        if (option == nullptr || (!isLetter && word.substr(0, word.find('=')) != option->name))
             return SayBadUsage(usage, std::string("'").append(word).append("' is no option here"), exitCode);
         if (!Store(usage, *option, optarg, exitCode)) return false;
     }
@@ -148,6 +155,21 @@ static bool DropHexPrefix(std::string_view* text) {
 bool ParseNumber(std::string_view text, uint64_t most, uint64_t* value) {
     const int base = DropHexPrefix(&text) ? 16 : 10;
     return ParseDigits(text, base, most, value);
+}
+
+bool ParseHandle(const Usage_t& usage, const std::string& text, uint64_t* handle, int* exitCode) {
+    if (!ParseHex(text, 0xFFFF, handle))
+        return SayBadUsage(usage, "'" + text + "' is no handle of 16 bits; write one as 17, 0x11 or 11h", exitCode);
+    const char last = text.back();
+    if (text.starts_with("0x") || text.starts_with("0X") || last == 'h' || last == 'H') return true;
+    const std::string plain = text.substr(std::min(text.find_first_not_of('0'), text.size() - 1));
+    const bool hasLetter = text.find_first_not_of("0123456789") != text.npos;
+    if (hasLetter || plain != text)
+        return SayBadUsage(usage,
+                           "'" + text + "' is no plain number; write " + (hasLetter ? "" : plain + " for decimal, ") +
+                               "0x" + plain + " or " + plain + "h for hexadecimal",
+                           exitCode);
+    return ParseNumber(text, 0xFFFF, handle) || SayBadUsage(usage, "'" + text + "' is no handle of 16 bits", exitCode);
 }
 
 bool ParseHex(std::string_view text, uint64_t most, uint64_t* value) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <new>
 
+#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Trace.h"
 
@@ -33,11 +34,14 @@ int RunProgram(Arguments_t arguments) {
     const Command_t* command = &kCommands[0];  // without a command the options are those of show
     if (!arguments.empty() && !arguments.front().starts_with('-')) {
         command = std::ranges::find(kCommands, arguments.front(), &Command_t::name);
-        if (command == std::end(kCommands)) {
-            SayError("bad usage", "'" + arguments.front() + "' is no command; try quorlin --help");
+        if (command != std::end(kCommands)) {
+            arguments.erase(arguments.begin());
+        } else if (!IsThere(arguments.front())) {
+            SayError("bad usage", "'" + arguments.front() + "' is neither a command nor a file; try quorlin --help");
             return kExitUsage;
+        } else {
+            command = &kCommands[0];
         }
-        arguments.erase(arguments.begin());
     }
     int exitCode;
     try {

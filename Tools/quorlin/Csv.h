@@ -9,11 +9,21 @@
 
 class ClCsv {
   public:
-    explicit ClCsv(ClOutput& output) : m_output(output) {}
-    // The head line of who lists items.
-    void ItemHead() { Row({"type", "handle", "instance", "title", "group", "key", "value"}); }
+    // Where there are several images a first column names the row's.
+    ClCsv(ClOutput& output, bool hasImages) : m_output(output), m_hasImages(hasImages) {}
+    // The rows that follow are this image's. The name must live until then.
+    void SetImage(std::string_view name) { m_image = name; }
+    // The head line, of the first call.
+    void Head(std::initializer_list<std::string_view> cells);
+    // That of who lists items.
+    void ItemHead() { Head({"type", "handle", "instance", "title", "group", "key", "value"}); }
     void Row(std::initializer_list<std::string_view> cells);
 
   private:
+    void Cell(std::string_view text);
+
     ClOutput& m_output;
+    bool m_hasImages;
+    bool m_hasHead = false;
+    std::string_view m_image;
 };

@@ -61,7 +61,7 @@ std::vector<OwnItem_t> TakeItems(const Structure_t& structure, const std::vector
     std::map<std::pair<std::string_view, std::string_view>, uint32_t> occurrences;
     std::string_view group;
     for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
-        const Item_t item = structure.Item(index);
+        const ShownItem_t item = structure.Item(index);
         if (item.opensGroup)
             group = item.key;
         else if (!IsIgnored(item.key, ignored))
@@ -84,7 +84,8 @@ std::string HexOf(const TableStructure_t& structure) {
 // All structures, in the table's order. One that no decoder shows is compared by its bytes.
 OwnTable_t TakeTable(ClTable& table, const std::vector<std::string>& ignored) {
     std::map<std::pair<uint8_t, uint32_t>, OwnStructure_t> decoded;
-    VisitStructures(table.Package(), AllTypes(), [&](const Structure_t& structure) {
+    VisitStructures(table.Package(), AllTypes(true), [&](const Structure_t& structure) {
+        if (structure.isUndecoded) return;
         decoded[{structure.type, structure.instance}] = {structure.type, structure.handle, std::string(structure.title),
                                                          TakeItems(structure, ignored)};
     });
@@ -195,8 +196,8 @@ void ListText(const std::vector<Difference_t>& differences, const OwnTable_t& a,
 }
 
 void ListCsv(const std::vector<Difference_t>& differences, ClOutput& output) {
-    ClCsv csv(output);
-    csv.Row({"change", "type", "handle", "title", "group", "key", "a", "b"});
+    ClCsv csv(output, false);
+    csv.Head({"change", "type", "handle", "title", "group", "key", "a", "b"});
     for (const Difference_t& difference : differences) {
         const OwnStructure_t& structure = *difference.structure;
         const std::string type = std::to_string(structure.type), handle = std::to_string(structure.handle);

@@ -53,13 +53,16 @@ int RunDump(const Arguments_t& arguments) {
     Source_t source;
     std::string path;
     std::vector<Option_t> options = source.Options();
-    options.push_back({"file", "FILE", "The file to make", &path, true});
+    options.push_back({"file", "FILE", "The file to make; - for standard output", &path, true});
     int exitCode = kExitDone;
     if (!ParseCommandLine(kDumpUsage, options, arguments, &exitCode) || !source.CheckOne(kDumpUsage, &exitCode))
         return exitCode;
     return ForEachTable(source, kDumpUsage.trouble, [&](ClTable& table) {
-        const std::span<const uint8_t> bytes = table.Bytes();
-        return WriteNewFile(path, MakeDump(bytes, table.Major(), table.Minor())) ? kExitDone : kDumpUsage.trouble;
+        const std::vector<uint8_t> dump = MakeDump(table.Bytes(), table.Major(), table.Minor());
+        if (path != kStandardStream) return WriteNewFile(path, dump) ? kExitDone : kDumpUsage.trouble;
+        ClOutput output;
+        output << std::string_view(reinterpret_cast<const char*>(dump.data()), dump.size());
+        return output.Finish() ? kExitDone : kDumpUsage.trouble;
     });
 }
 
@@ -68,18 +71,15 @@ int RunRaw(const Arguments_t& arguments) {
     std::string handleName;
     std::vector<std::string> typeNames;
     std::vector<Option_t> options = source.Options();
-    options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
-    options.push_back({"--handle", "H", "Only the structures of handle H, in hexadecimal", &handleName});
+    options.push_back({"--type", "TYPES", kTypeHelp, &typeNames, false, 't'});
+    options.push_back({"--handle", "H", "Only the structures of handle H: 17, 0x11 or 11h", &handleName});
     int exitCode = kExitDone;
     std::vector<uint8_t> types;
     uint64_t handle = 0;
     if (!ParseCommandLine(kRawUsage, options, arguments, &exitCode) || !source.CheckOne(kRawUsage, &exitCode) ||
         !ChooseTypes(kRawUsage, typeNames, &types, &exitCode))
         return exitCode;
-    if (!handleName.empty() && !ParseHex(handleName, 0xFFFF, &handle)) {
-        SayBadUsage(kRawUsage, "--handle: '" + handleName + "' is no hexadecimal number of 16 bits", &exitCode);
-        return exitCode;
-    }
+    if (!handleName.empty() && !ParseHandle(kRawUsage, handleName, &handle, &exitCode)) return exitCode;
     ClOutput output;
     exitCode = ForEachTable(source, kRawUsage.trouble, [&](ClTable& table) {
         const std::span<const uint8_t> bytes = table.Bytes();

@@ -29,7 +29,7 @@ constexpr Format_t kFindFormats[] = {Format_t::kText, Format_t::kJson, Format_t:
 // An item that holds the text.
 struct Hit_t {
     std::string_view group;  // empty for an item of no group
-    Item_t item;
+    ShownItem_t item;
 };
 
 // Calls `show` with each structure that holds the text, and its hits; returns whether there was one.
@@ -41,7 +41,7 @@ bool FindText(ClTable& table, std::span<const uint8_t> types, std::string_view t
         hits.clear();
         std::string_view group;
         for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
-            const Item_t item = structure.Item(index);
+            const ShownItem_t item = structure.Item(index);
             if (item.opensGroup) group = item.key;
             if (ContainsIgnoringCase(item.key, text) || ContainsIgnoringCase(item.value, text))
                 hits.push_back({group, item});
@@ -54,7 +54,9 @@ bool FindText(ClTable& table, std::span<const uint8_t> types, std::string_view t
 }
 
 void ShowText(const Structure_t& structure, const std::vector<Hit_t>& hits, ClColumns& columns) {
-    columns.Heading(std::string(structure.heading) + ", handle " + HandleText(structure.handle));
+    columns.Heading(structure.Heading().empty()
+                        ? std::string(structure.title) + ", handle " + HandleText(structure.handle)
+                        : structure.Heading());
     for (const Hit_t& hit : hits) columns.Pair(hit.item.key, hit.item.value);
     columns.Finish(2);
 }
@@ -84,7 +86,7 @@ int RunFind(const Arguments_t& arguments) {
     std::vector<std::string> typeNames;
     std::vector<Option_t> options = source.FleetOptions();
     options.push_back({"text", "TEXT", "What keys or values must hold", &text, true});
-    options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
+    options.push_back({"--type", "TYPES", kTypeHelp, &typeNames, false, 't'});
     options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
     int exitCode = kExitDone;
     Format_t format;
@@ -93,9 +95,10 @@ int RunFind(const Arguments_t& arguments) {
         !ChooseFormat(kFindUsage, formatName, kFindFormats, &format, &exitCode) ||
         !CheckFleet(kFindUsage, source, format, &exitCode) || !ChooseTypes(kFindUsage, typeNames, &types, &exitCode))
         return exitCode;
-    if (types.empty()) types = SweptTypes();
+    if (types.empty()) types = AllTypes(false);
     ClOutput output;
     ClJson json(output);
+    ClCsv csv(output, source.IsFleet());
     bool isFound = false;
     exitCode = RunOnTables(source, format, kFindUsage.trouble, json, [&](ClTable& table) {
         const auto find = [&](const auto& show) { isFound |= FindText(table, types, text, show); };
@@ -105,7 +108,7 @@ int RunFind(const Arguments_t& arguments) {
                 ShowText(structure, hits, columns);
             });
         } else if (format == Format_t::kCsv) {
-            ClCsv csv(output);
+            csv.SetImage(table.Name());
             csv.ItemHead();
             find([&](const Structure_t& structure, const std::vector<Hit_t>& hits) { ShowCsv(structure, hits, csv); });
         } else {
@@ -129,7 +132,7 @@ int RunGet(const Arguments_t& arguments) {
     Source_t source;
     std::string typeName, key, instanceName;
     std::vector<Option_t> options = source.Options();
-    options.push_back({"type", "TYPE", "The structure type (0 to 254)", &typeName, true});
+    options.push_back({"type", "TYPE", "The structure's type, as --type takes it elsewhere", &typeName, true});
     options.push_back({"key", "KEY", "The item's key, in whatever case", &key, true});
     options.push_back({"--instance", "N", "Only the N-th structure of the type, from 1", &instanceName});
     int exitCode = kExitDone;
@@ -148,8 +151,8 @@ int RunGet(const Arguments_t& arguments) {
         VisitStructures(table.Package(), types, [&](const Structure_t& structure) {
             if (instance != 0 && structure.instance != instance) return;
             for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
-                const Item_t item = structure.Item(index);
-                if (item.opensGroup || !EqualsIgnoringCase(item.key, key)) continue;
+                const ShownItem_t item = structure.Item(index);
+                if (item.opensGroup || !EqualsIgnoringCase(item.key, Trimmed(key))) continue;
                 output << Printable(item.value) << "\n";
                 isFound = true;
             }

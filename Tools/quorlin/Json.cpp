@@ -115,6 +115,6 @@ int RunOnTables(const Source_t& source, Format_t format, int trouble, ClJson& js
 }
 
 bool CheckFleet(const Usage_t& usage, const Source_t& source, Format_t format, int* exitCode) {
-    if (!source.IsFleet() || format == Format_t::kNdjson) return true;
-    return SayBadUsage(usage, "several images need --format ndjson", exitCode);
+    if (!source.IsFleet() || format == Format_t::kNdjson || format == Format_t::kCsv) return true;
+    return SayBadUsage(usage, "several images need --format ndjson or csv", exitCode);
 }

@@ -55,5 +55,5 @@ void WriteStructureMembers(ClJson& json, const Structure_t& structure);
 // {"source": NAME, "error": TEXT}, and all is said on standard error otherwise.
 int RunOnTables(const Source_t& source, Format_t format, int trouble, ClJson& json,
                 const std::function<int(ClTable&)>& work);
-// Several images are for kNdjson alone. As ParseCommandLine when they aren't.
+// Several images are for kNdjson and kCsv alone. As ParseCommandLine when they aren't.
 bool CheckFleet(const Usage_t& usage, const Source_t& source, Format_t format, int* exitCode);

@@ -1,63 +1,140 @@
 #include "Tools/quorlin/Model.h"
 
-#include <charconv>
+#include <algorithm>
+#include <cctype>
+
+#include "Tools/quorlin/Standard.h"
+#include "Tools/quorlin/Text.h"
 
 namespace {
 
-constexpr std::string_view kTypeMark = " {Type ";
+constexpr uint8_t kOnDemandType = 148;
 
-// A title is "TEXT {Type N}", and from the second structure of the type on "TEXT {Type N}_I".
-uint32_t InstanceOf(std::string_view title) {
-    const size_t underscore = title.rfind("}_");
-    uint32_t instance = 1;
-    if (underscore != title.npos) std::from_chars(title.data() + underscore + 2, title.data() + title.size(), instance);
-    return instance;
+// Titles are "TEXT {Type N}".
+std::string_view TitleText(std::string_view title) { return title.substr(0, title.rfind(" {Type ")); }
+
+std::string HexOf(std::span<const uint8_t> bytes, std::string_view separator) {
+    std::string text;
+    for (const uint8_t byte : bytes) {
+        constexpr char kDigits[] = "0123456789ABCDEF";
+        if (!text.empty()) text += separator;
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
 }
 
-Item_t ItemOf(const ItemPair& pair) {
-    Item_t item{pair.key.View(), pair.value.View(), false};
-    if (item.key.ends_with(kGroupMark)) {
-        item.key.remove_suffix(kGroupMark.size());
-        // A group item of a setting carries a value and reads as an item.
-        item.opensGroup = item.value.empty();
+// The items of a structure that has none of its own.
+void AddBytesAndStrings(const Structure_t& structure, ClItemList& items) {
+    const ItemFacts_t facts{structure.instance, structure.handle, structure.type};
+    items.Add("Bytes", HexOf(structure.Bytes(), " "), facts);
+    ClStringWalk strings(structure.data);
+    if (strings.IsEmpty()) return;
+    uint32_t number = 1;
+    for (const char* text; (text = strings.Next()) != nullptr; number++)
+        items.Add("String " + std::to_string(number), std::string_view(text), facts);
+}
+
+struct TypeWord_t {
+    std::string_view word;
+    std::initializer_list<uint8_t> types;
+};
+// The words of the field's table printers.
+const TypeWord_t kTypeWords[] = {
+    {"bios",      {0, 13}            },
+    {"system",    {1, 12, 15, 23, 32}},
+    {"baseboard", {2, 10, 41}        },
+    {"chassis",   {3}                },
+    {"processor", {4}                },
+    {"memory",    {5, 6, 16, 17}     },
+    {"cache",     {7}                },
+    {"connector", {8}                },
+    {"slot",      {9}                },
+};
+
+// One part of a list: a word, a number, or a range of two.
+bool AddTypes(std::string_view part, std::vector<uint8_t>* types) {
+    const auto add = [types](uint64_t type) {
+        if (std::ranges::find(*types, type) == types->end()) types->push_back(static_cast<uint8_t>(type));
+    };
+    for (const TypeWord_t& known : kTypeWords) {
+        if (!EqualsIgnoringCase(part, known.word)) continue;
+        for (const uint8_t type : known.types) add(type);
+        return true;
     }
-    if (item.value == " ") item.value = {};
-    return item;
+    const size_t dash = std::min(part.find('-'), part.size());
+    uint64_t first, last;
+    if (!ParseNumber(part.substr(0, dash), 255, &first)) return false;
+    last = first;
+    if (dash != part.size() && (!ParseNumber(part.substr(dash + 1), 255, &last) || last < first)) return false;
+    for (uint64_t type = first; type <= last; type++) add(type);
+    return true;
 }
 
 }  // namespace
 
-Item_t Structure_t::Item(size_t index) const { return ItemOf(items[index]); }
+std::string Structure_t::Heading() const {
+    std::string heading;
+    if (isUndecoded) {
+        heading.append(title).append(" {Type ").append(std::to_string(type)).append("}");
+        if (instance > 1) heading.append("_").append(std::to_string(instance));
+    } else if (firstItem != 0) {
+        heading = items[0].Title();
+    } else {
+        return heading;
+    }
+    return heading.append(", handle ").append(HandleText(handle));
+}
+
+ShownItem_t Structure_t::Item(size_t index) const {
+    const Item_t& item = items[index];
+    return {Trimmed(item.key.View()), Trimmed(item.value.View()), item.facts.kind == ItemKind_t::kGroup};
+}
 
 void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
-                     const std::function<void(const Structure_t& structure)>& visit) {
-    for (const uint8_t type : types) {
-        uint32_t count = 0;
-        std::string title;
-        package.VisitType(type, [&](const uint8_t* data, const ClItemList& items) {
-            count++;
-            if (items.Size() == 0) return;
-            const auto handle = static_cast<uint16_t>(data[2] | data[3] << 8);
-            Structure_t structure{type, handle, count, {}, title, items, 0};
-            const Item_t first = ItemOf(items[0]);
-            const size_t mark = first.opensGroup ? first.key.find(kTypeMark) : first.key.npos;
-            if (mark != first.key.npos) {
-                structure.instance = InstanceOf(first.key.substr(mark));
-                structure.heading = first.key;
-                structure.title = title = first.key.substr(0, mark);
-                structure.firstItem = 1;
-            }
+                     const std::function<void(const Structure_t& structure)>& visit, Which_t which) {
+    uint32_t count = 0, lastType = 256;
+    std::string title;
+    ClItemList rawItems;
+    package.VisitTypes(types, [&](const uint8_t* data, const ClItemList& items) {
+        const uint8_t type = data[0];
+        if (type != lastType) {
+            lastType = type;
+            count = 0;
+            title.clear();
+        }
+        count++;
+        const auto handle = static_cast<uint16_t>(data[2] | data[3] << 8);
+        if (items.Size() == 0) {
+            const Structure_t structure{type, handle, count, NameOfType(type), true, data, rawItems, 0};
+            rawItems.Clear();
+            AddBytesAndStrings(structure, rawItems);
             visit(structure);
-        });
-    }
+            return which == Which_t::kAll;
+        }
+        const bool hasTitle = items[0].facts.kind == ItemKind_t::kTitle;
+        if (hasTitle) title = TitleText(items[0].key.View());
+        visit({type, handle, count, title, false, data, items, hasTitle ? 1u : 0u});
+        return which == Which_t::kAll;
+    });
 }
+
+std::string HexDigits(std::span<const uint8_t> bytes) { return HexOf(bytes, ""); }
 
 bool ChooseTypes(const Usage_t& usage, std::span<const std::string> names, std::vector<uint8_t>* types, int* exitCode) {
     for (const std::string& name : names) {
-        uint64_t type;
-        if (!ParseNumber(name, 254, &type))
-            return SayBadUsage(usage, "'" + name + "' is no structure type from 0 to 254", exitCode);
-        types->push_back(static_cast<uint8_t>(type));
+        std::string_view rest = name;
+        for (bool isLast = false; !isLast;) {
+            const size_t comma = std::min(rest.find(','), rest.size());
+            if (!AddTypes(rest.substr(0, comma), types))
+                return SayBadUsage(usage,
+                                   "'" + name +
+                                       "' is no structure type from 0 to 255, no range or list of them, "
+                                       "and no word for some",
+                                   exitCode);
+            isLast = comma == rest.size();
+            rest.remove_prefix(std::min(comma + 1, rest.size()));
+        }
     }
     return true;
 }
@@ -69,8 +146,9 @@ std::vector<uint8_t> SweptTypes() {
     return types;
 }
 
-std::vector<uint8_t> AllTypes() {
+std::vector<uint8_t> AllTypes(bool onDemand) {
     std::vector<uint8_t> types;
-    for (unsigned type = 0; type < Quorlin::kSweep; type++) types.push_back(static_cast<uint8_t>(type));
+    for (unsigned type = 0; type < 256; type++)
+        if (onDemand || type != kOnDemandType) types.push_back(static_cast<uint8_t>(type));
     return types;
 }

@@ -12,34 +12,47 @@
 #include "Sources/SMBIOSType.h"
 #include "Tools/quorlin/CommandLine.h"
 
-// An item of a structure.
-struct Item_t {
+// An item as it is shown: without the blanks at the end of its texts, which say nothing.
+struct ShownItem_t {
     std::string_view key, value;
-    bool opensGroup;  // the items behind it, up to the next that opens one, are its group's; it has no value
+    bool opensGroup;  // the items after it, up to the next that opens one, are its group's; it has no value
 };
 
-// One structure: what its title stands for, and the items behind it.
+// One structure: what its title stands for, and its items. One that has none of its own, as it has no decoder or one
+// that leaves it out, has its bytes and strings as items: "Bytes", "String 1", "String 2".
 struct Structure_t {
     uint8_t type;
     uint16_t handle;
-    uint32_t instance;         // among the structures of its type, from 1
-    std::string_view heading;  // the title as decoded: "TEXT {Type N}", "TEXT {Type N}_2"; empty where there is none
-    std::string_view title;    // TEXT alone
+    uint32_t instance;       // among the structures of its type, from 1
+    std::string_view title;  // its text alone; that of the first structure for one that has no title of its own
+    bool isUndecoded;
+    const uint8_t* data;  // the record's body
     const ClItemList& items;
-    size_t firstItem;  // behind the title
+    size_t firstItem;  // after the title
 
+    // Title, type and handle; empty for a structure that has no title of its own.
+    std::string Heading() const;
     size_t EndItem() const { return items.Size(); }
-    Item_t Item(size_t index) const;
+    ShownItem_t Item(size_t index) const;
+    // The bytes of an undecoded structure's formatted area.
+    std::span<const uint8_t> Bytes() const { return {data, data[1]}; }
 };
 
-// Decodes these types, in this order, and calls `visit` with each structure that has items. What it gets lives for the
-// length of the call: a table's items are never held all at once.
-void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
-                     const std::function<void(const Structure_t& structure)>& visit);
+enum class Which_t { kAll, kFirstOfType };
 
+// Decodes these types, in this order, and calls `visit` with each structure. What it gets lives for the length of the
+// call: a table's items are never held all at once.
+void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
+                     const std::function<void(const Structure_t& structure)>& visit, Which_t which = Which_t::kAll);
+
+inline constexpr char kTypeHelp[] =
+    "Only structures of these types: numbers, ranges and lists (0-3,17), or bios, system, baseboard, chassis, "
+    "processor, memory, cache, connector, slot; may be given more than once";
+// The digits alone.
+std::string HexDigits(std::span<const uint8_t> bytes);
 // Checks what --type was given. As ParseCommandLine when it is bad.
 bool ChooseTypes(const Usage_t& usage, std::span<const std::string> names, std::vector<uint8_t>* types, int* exitCode);
 // The types that a sweep takes, in its order.
 std::vector<uint8_t> SweptTypes();
-// All types that have a decoder's items to give: those of a sweep, and those that are decoded on demand.
-std::vector<uint8_t> AllTypes();
+// All types, in rising order; without those that are decoded only when asked for, if `onDemand` is false.
+std::vector<uint8_t> AllTypes(bool onDemand);

@@ -24,7 +24,7 @@ constexpr Usage_t kShowUsage = {
     "  check  what is wrong with a table\n"
     "  hw     reads hardware: CPUID, PCI, memory, registers, ACPI\n"
     "\n"
-    "Example: quorlin --image table.bin --type 4 --type 17\n"
+    "Example: quorlin table.bin --type processor,memory\n"
     "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
     kExitNoTable,
 };
@@ -48,15 +48,16 @@ void ShowLines(Quorlin& package, std::span<const uint8_t> types, ClOutput& outpu
                 output.FlushWhenFull();
             }
         }
+        return !output.Failed();
     };
-    for (const uint8_t type : types) package.VisitType(type, show);
+    package.VisitTypes(types, show);
 }
 
 void ShowText(const Structure_t& structure, ClColumns& columns) {
-    if (!structure.heading.empty()) columns.Heading(structure.heading);
+    if (const std::string heading = structure.Heading(); !heading.empty()) columns.Heading(heading);
     size_t indent = 2;
     for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
-        const Item_t item = structure.Item(index);
+        const ShownItem_t item = structure.Item(index);
         if (!item.opensGroup) {
             columns.Pair(item.key, item.value);
             continue;
@@ -89,7 +90,7 @@ void WriteItems(const Structure_t& structure, ClJson& json) {
     };
     json.BeginList();
     for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
-        const Item_t item = structure.Item(index);
+        const ShownItem_t item = structure.Item(index);
         if (!item.opensGroup) {
             json.Pair(item.key, item.value);
             continue;
@@ -108,6 +109,21 @@ void WriteItems(const Structure_t& structure, ClJson& json) {
     json.FinishList();
 }
 
+// What stands in place of the items of a structure that has none of its own.
+void WriteBytesAndStrings(const Structure_t& structure, ClJson& json) {
+    json.Member("bytes", HexDigits(structure.Bytes()));
+    json.Name("strings");
+    json.BeginList();
+    bool isReplaced = false;
+    for (size_t index = structure.firstItem + 1; index < structure.EndItem(); index++)
+        isReplaced |= json.Text(structure.Item(index).value);
+    json.FinishList();
+    if (isReplaced) {
+        json.Name("replaced");
+        json.Truth(true);
+    }
+}
+
 void ShowJson(ClTable& table, std::span<const uint8_t> types, Format_t format, ClJson& json) {
     json.BeginObject();
     WriteTableMembers(json, table);
@@ -117,8 +133,12 @@ void ShowJson(ClTable& table, std::span<const uint8_t> types, Format_t format, C
         if (format == Format_t::kJson) json.Break();
         json.BeginObject();
         WriteStructureMembers(json, structure);
-        json.Name("items");
-        WriteItems(structure, json);
+        if (structure.isUndecoded) {
+            WriteBytesAndStrings(structure, json);
+        } else {
+            json.Name("items");
+            WriteItems(structure, json);
+        }
         json.FinishObject();
     });
     json.FinishList();
@@ -131,7 +151,7 @@ void ShowCsv(const Structure_t& structure, ClCsv& csv) {
     const std::string type = std::to_string(structure.type), handle = std::to_string(structure.handle),
                       instance = std::to_string(structure.instance);
     for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
-        const Item_t item = structure.Item(index);
+        const ShownItem_t item = structure.Item(index);
         if (item.opensGroup)
             group = item.key;
         else
@@ -146,7 +166,8 @@ int RunShow(const Arguments_t& arguments) {
     std::string formatName = "text";
     std::vector<std::string> typeNames;
     std::vector<Option_t> options = source.FleetOptions();
-    options.push_back({"--type", "N", "Only structures of type N (0 to 254); may be given more than once", &typeNames});
+    options.push_back({"file", "FILE", "Images to read, as --image takes them", &source.images});
+    options.push_back({"--type", "TYPES", kTypeHelp, &typeNames, false, 't'});
     options.push_back(
         {"--format", "FORMAT", "text (for people), json, ndjson, csv, or lines (one item a line)", &formatName});
     bool wantsVersion = false;
@@ -163,8 +184,9 @@ int RunShow(const Arguments_t& arguments) {
     if (!source.Check(kShowUsage, &exitCode) || !ChooseFormat(kShowUsage, formatName, kFormats, &format, &exitCode) ||
         !CheckFleet(kShowUsage, source, format, &exitCode) || !ChooseTypes(kShowUsage, typeNames, &types, &exitCode))
         return exitCode;
-    if (types.empty()) types = SweptTypes();
+    if (types.empty()) types = format == Format_t::kLines ? SweptTypes() : AllTypes(false);
     ClJson json(output);
+    ClCsv csv(output, source.IsFleet());
     exitCode = RunOnTables(source, format, kShowUsage.trouble, json, [&](ClTable& table) {
         if (format == Format_t::kLines) {
             ShowLines(table.Package(), types, output);
@@ -174,7 +196,7 @@ int RunShow(const Arguments_t& arguments) {
                             [&](const Structure_t& structure) { ShowText(structure, columns); });
             if (typeNames.empty()) TellOfLeftOut(output, columns);
         } else if (format == Format_t::kCsv) {
-            ClCsv csv(output);
+            csv.SetImage(table.Name());
             csv.ItemHead();
             VisitStructures(table.Package(), types, [&](const Structure_t& structure) { ShowCsv(structure, csv); });
         } else {

@@ -11,6 +11,7 @@
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Program.h"
 #include "Packages/Sample/Sample.h"
+#include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Progress.h"
 #include "Tools/quorlin/Recover.h"
@@ -73,7 +74,7 @@ bool ParseVersion(std::string_view text, uint8_t* major, uint8_t* minor) {
 // The lines of a file of names, one by one, so that a long list takes no memory.
 class ClNameList {
   public:
-    explicit ClNameList(const std::string& path) : m_file(path == "-" ? stdin : OpenFile(path, "r")) {}
+    explicit ClNameList(const std::string& path) : m_file(path == kStandardStream ? stdin : OpenFile(path, "r")) {}
     ~ClNameList() {
         if (m_file != nullptr && m_file != stdin) std::fclose(m_file);
     }
@@ -102,7 +103,7 @@ class ClNameList {
 
 std::vector<Option_t> Source_t::Options() {
     return {
-        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both",                             &images        },
+        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both; - for standard input",       &images        },
         {"--sample",         nullptr, "Take the embedded sample table",                                             &sample        },
         {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                            &sampleIfNone  },
         {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                       &driver        },
@@ -113,13 +114,15 @@ std::vector<Option_t> Source_t::Options() {
         {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",              &signatureGiven},
         {"--recover",        nullptr, "Look for structures behind a damaged one",                                   &recover       },
         {"--trace",          "SPEC",  kTraceHelp,                                                                   &trace         },
+        {"--color",          "WHEN",  "Whether headings stand out: auto (on a terminal), always or never",          &colorGiven    },
         {"--verbose",        nullptr, "Say on standard error where a table comes from",                             &verbose       },
     };
 }
 
 std::vector<Option_t> Source_t::FleetOptions() {
     std::vector<Option_t> options = Options();
-    options.front().help = "Read a dump, a bare table, or a folder of both; may be given more than once";
+    options.front().help =
+        "Read a dump, a bare table, or a folder of both; - for standard input; may be given more than once";
     options.push_back(
         {"--image-list", "FILE", "Read the images that FILE names, one a line (- for standard input)", &imageList});
     return options;
@@ -144,6 +147,8 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
         return SayBadUsage(usage, "--signature: '" + signatureGiven + "' is no hexadecimal number of 32 bits",
                            exitCode);
     signature = static_cast<uint32_t>(number);
+    if (!colorGiven.empty() && !SetColor(colorGiven))
+        return SayBadUsage(usage, "--color: '" + colorGiven + "' is none of auto, always and never", exitCode);
     return BeginTrace(usage, trace, exitCode);
 }
 
@@ -188,9 +193,12 @@ bool ClTable::UseRecovered(const Source_t& source) {
 
 bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
     m_isImage = true;
-    m_name = path;
+    const bool isStream = path == kStandardStream;
+    m_name = isStream ? "standard input" : path;
     m_image.source = {nullptr, 0, source.major, source.minor, source.signature};
-    if (ReadImage(path, source.as, &m_image, &m_error) != kSuccess) return false;
+    const status_t status =
+        isStream ? ReadImage(stdin, source.as, &m_image, &m_error) : ReadImage(path, source.as, &m_image, &m_error);
+    if (status != kSuccess) return false;
     AddRemark(m_image.Remark());
     UseRecovered(source);
     if (SetImageMachine(&m_image.source) == kSuccess && BringUp()) return true;
@@ -220,9 +228,7 @@ bool ClTable::BringUpThisMachine(const Source_t& source) {
 bool ClTable::OpenThisMachine(const Source_t& source) {
     m_name = "this machine";
     if (BringUpThisMachine(source)) {
-        uint8_t entry[kEntryBufferSize] = {};
-        if (LibSMBIOSInit(entry) == kSuccess) LibSMBIOSExit();  // one more user for a moment, to learn the version
-        std::copy_n(entry + 6, 2, m_version);
+        GetSMBIOSVersion(&m_version[0], &m_version[1]);
         if (!source.recover) return true;
         // The same table as an image, as far as it can be read.
         CPUIDRecord_t cpuid = {};
@@ -259,6 +265,10 @@ bool ClTable::Open(const Source_t& source, const std::string* path) {
         m_version[0] = m_image.source.major;
         m_version[1] = m_image.source.minor;
     }
+    const bool saysCut = m_isImage && m_image.missing != 0;
+    if (const TableFacts_t& facts = *FactsOfTable();
+        facts.brokenAt != TableFacts_t::kNowhere && !source.recover && !(saysCut && facts.isCut))
+        AddRemark(facts.Remark() + ", so what comes after it may be made up; try --recover");
     if (source.verbose) SayError(m_name, "read " + Form());
     return true;
 }
@@ -284,8 +294,7 @@ std::span<const uint8_t> ClTable::Bytes() {
 
 std::string ClTable::Form() const {
     std::string form = m_isSample  ? std::string("the embedded sample")
-                       : m_isImage ? "as " + std::string(NameOfForm(m_image.form)) +
-                                         (m_image.isCompressed ? ", compressed with gzip" : "")
+                       : m_isImage ? "as " + m_image.FormText()
                                    : std::string(watched.road);
     form += ", SMBIOS " + std::to_string(Major()) + "." + std::to_string(Minor());
     if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
@@ -301,6 +310,12 @@ int ForEachTable(const Source_t& source, int trouble, const std::function<int(Cl
     const auto one = [&](const std::string* path) {
         if (table.Open(source, path)) {
             exitCode = std::max(exitCode, work(table));
+            if (table.Package().HadTooManyItems()) {
+                SayError(table.Name(),
+                         "its groups and lists give more items than a table of its size may; the rest of "
+                         "it is left out");
+                exitCode = std::max(exitCode, kExitNoTable);
+            }
             if (table.IsThisMachine()) table.Close();
         } else {
             failed(table);
@@ -313,7 +328,7 @@ int ForEachTable(const Source_t& source, int trouble, const std::function<int(Cl
     }
     ClProgress progress(source.IsFleet());
     // Names on standard input can be read only once, so they can't be counted first.
-    if (progress.IsShown() && source.imageList != "-") {
+    if (progress.IsShown() && source.imageList != kStandardStream) {
         size_t total = source.images.size();
         ClNameList names(source.imageList);
         for (std::string name; !source.imageList.empty() && names.IsOpen() && names.Next(&name);) total++;

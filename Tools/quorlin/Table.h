@@ -17,7 +17,7 @@ struct Source_t {
     std::string imageList;
     bool sample = false, sampleIfNone = false, verbose = false, recover = false;
     bool driver = false, noDriver = false;
-    std::string asGiven, versionGiven, signatureGiven, roadGiven, trace;
+    std::string asGiven, versionGiven, signatureGiven, roadGiven, trace, colorGiven;
 
     bool scan = false;  // this machine's memory is the only road
     TableForm_t as = TableForm_t::kAny;

@@ -1,7 +1,6 @@
 #include "Tools/quorlin/Text.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -33,6 +32,11 @@ size_t SequenceLength(std::string_view text) {
         (lead == 0xF4 && second > 0x8F))
         return 0;
     return length;
+}
+
+std::string_view Trimmed(std::string_view text) {
+    while (text.ends_with(' ')) text.remove_suffix(1);
+    return text;
 }
 
 bool IsPlain(std::string_view text) {
@@ -85,7 +89,6 @@ bool ContainsIgnoringCase(std::string_view text, std::string_view part) {
 }
 
 std::string HandleText(uint16_t handle) {
-    char text[8];
-    std::snprintf(text, sizeof text, "%04Xh", static_cast<unsigned>(handle));
-    return text;
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    return {kDigits[handle >> 12], kDigits[handle >> 8 & 15], kDigits[handle >> 4 & 15], kDigits[handle & 15], 'h'};
 }

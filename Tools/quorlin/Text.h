@@ -10,6 +10,8 @@
 size_t SequenceLength(std::string_view text);
 // Whether there is nothing but printable ASCII.
 bool IsPlain(std::string_view text);
+// Without the blanks at its end, which say nothing.
+std::string_view Trimmed(std::string_view text);
 // Adds `text` with control characters as blanks and invalid bytes as U+FFFD, without the blanks at its end.
 void AppendPrintable(std::string& out, std::string_view text);
 std::string Printable(std::string_view text);

@@ -32,10 +32,14 @@ struct TypeCount_t {
 std::vector<TypeCount_t> CountTypes(ClTable& table) {
     uint32_t counts[256] = {};
     for (const TableStructure_t& structure : ClWalk(table.Bytes())) counts[structure.Type()]++;
+    // A decoder titles the first structure of its type, or none.
     std::optional<std::string> titles[256];
-    VisitStructures(table.Package(), AllTypes(), [&](const Structure_t& structure) {
-        if (!titles[structure.type]) titles[structure.type] = structure.title;
-    });
+    VisitStructures(
+        table.Package(), AllTypes(true),
+        [&](const Structure_t& structure) {
+            if (!structure.isUndecoded) titles[structure.type] = structure.title;
+        },
+        Which_t::kFirstOfType);
     std::vector<TypeCount_t> types;
     for (unsigned type = 0; type < 256; type++) {
         if (counts[type] == 0) continue;
@@ -57,9 +61,8 @@ void ListText(const std::vector<TypeCount_t>& types, ClOutput& output) {
                << Printable(row.title) << "\n";
 }
 
-void ListCsv(const std::vector<TypeCount_t>& types, ClOutput& output) {
-    ClCsv csv(output);
-    csv.Row({"type", "count", "title", "decoded"});
+void ListCsv(const std::vector<TypeCount_t>& types, ClCsv& csv) {
+    csv.Head({"type", "count", "title", "decoded"});
     for (const TypeCount_t& row : types)
         csv.Row({std::to_string(row.type), std::to_string(row.count), row.title, row.hasItems ? "true" : "false"});
 }
@@ -98,12 +101,13 @@ int RunTypes(const Arguments_t& arguments) {
         return exitCode;
     ClOutput output;
     ClJson json(output);
+    ClCsv csv(output, source.IsFleet());
     exitCode = RunOnTables(source, format, kTypesUsage.trouble, json, [&](ClTable& table) {
         const std::vector<TypeCount_t> types = CountTypes(table);
         if (format == Format_t::kText)
             ListText(types, output);
         else if (format == Format_t::kCsv)
-            ListCsv(types, output);
+            csv.SetImage(table.Name()), ListCsv(types, csv);
         else
             ListJson(types, table, json);
         return kExitDone;

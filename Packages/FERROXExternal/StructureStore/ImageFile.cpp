@@ -14,10 +14,7 @@ status_t Fail(std::string_view problem, std::string* error) {
 }
 
 // Gives 0, or the errno of what failed. A file above kMostFileBytes is read no further than that.
-int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
-    std::FILE* file = OpenFile(path, "r");
-    if (file == nullptr) return errno;
-    std::setvbuf(file, nullptr, _IONBF, 0);
+int ReadStream(std::FILE* file, std::vector<uint8_t>* bytes) {
     uint8_t block[32u << 10];
     size_t got;
     bytes->clear();
@@ -25,7 +22,14 @@ int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
         got = std::fread(block, 1, sizeof block, file);
         bytes->insert(bytes->end(), block, block + got);
     } while (got == sizeof block && bytes->size() <= kMostFileBytes);
-    const int problem = std::ferror(file) != 0 ? errno : 0;
+    return std::ferror(file) != 0 ? errno : 0;
+}
+
+int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
+    std::FILE* file = OpenFile(path, "r");
+    if (file == nullptr) return errno;
+    std::setvbuf(file, nullptr, _IONBF, 0);
+    const int problem = ReadStream(file, bytes);
     std::fclose(file);
     return problem;
 }
@@ -59,6 +63,10 @@ status_t ReadFolder(const std::string& path, Image_t* image, std::string* error)
 
 }  // namespace
 
+std::string Image_t::FormText() const {
+    return std::string(NameOfForm(form)) + (isCompressed ? ", compressed with gzip" : "");
+}
+
 std::string Image_t::Remark() const {
     if (missing == 0) return {};
     return "truncated: " + std::to_string(source.length) + " of " + std::to_string(uint64_t{source.length} + missing) +
@@ -73,6 +81,13 @@ status_t ImageFromBytes(std::vector<uint8_t> bytes, TableForm_t as, Image_t* ima
         return Fail(problem, error);
     }
     return Take(FindTable(image->bytes, as), image, error);
+}
+
+status_t ReadImage(std::FILE* stream, TableForm_t as, Image_t* image, std::string* error) {
+    if (as == TableForm_t::kFolder) return Fail("a stream; --as sysfs takes a folder", error);
+    std::vector<uint8_t> bytes;
+    if (const int problem = ReadStream(stream, &bytes); problem != 0) return Fail(std::strerror(problem), error);
+    return ImageFromBytes(std::move(bytes), as, image, error);
 }
 
 status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std::string* error) {

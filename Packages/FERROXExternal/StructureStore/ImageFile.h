@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ struct Image_t {
     bool checksumsFit = true;
     uint32_t missing = 0;  // table bytes that the form promises and that aren't there
 
+    // "dump", "table, compressed with gzip"
+    std::string FormText() const;
     // What a user should hear of an image that is taken; empty if nothing.
     std::string Remark() const;
 };
@@ -27,3 +30,5 @@ struct Image_t {
 status_t ImageFromBytes(std::vector<uint8_t> bytes, TableForm_t as, Image_t* image, std::string* error);
 // The same from a file, or from a folder that holds smbios_entry_point and DMI. The path is UTF-8.
 status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std::string* error);
+// The same from a stream, up to its end.
+status_t ReadImage(std::FILE* stream, TableForm_t as, Image_t* image, std::string* error);

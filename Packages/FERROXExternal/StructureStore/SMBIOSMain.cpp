@@ -21,7 +21,7 @@ constexpr uint32_t kMostRecords = 255;  // that a lookup with an 8-bit count han
 uint32_t instanceCount = 0;
 ContainerHandle_t mySMBIOSLinkedListHdl = nullptr;
 LibVersion_t libraryVersion = {};
-uint8_t tableVersion[2] = {};  // SMBIOS major and minor, for later instances
+TableFacts_t tableFacts = {};  // while the store is up
 
 // The records of one type, in table order. The list holds all records, as the container that they are kept in; the
 // index beside it names them by type, as a sweep asks for some 50 types and can't go through the whole list for each.
@@ -93,15 +93,14 @@ StringArea_t StringAreaOf(const TableStructure_t& structure) {
     return {structure.data + structure.Length(), structure.size - structure.Length()};
 }
 
-// A record of types 0 to 2. The fixed count of bytes is taken from the table, so that a short structure is filled up
-// from its string area, but never from behind the table's end.
-status_t ParseFixedStruct(const TableStructure_t& structure, const uint8_t* tableEnd, uint8_t bytes,
-                          std::span<const uint8_t> indexOffsets, const char* function, const char* insertTrace) {
+// A record of types 0 to 2. A structure shorter than the fixed count of bytes is filled up from its own string area,
+// and then with zeros.
+status_t ParseFixedStruct(const TableStructure_t& structure, uint8_t bytes, std::span<const uint8_t> indexOffsets,
+                          const char* function, const char* insertTrace) {
     const StringArea_t area = StringAreaOf(structure);
     const size_t areaOffset = bytes + indexOffsets.size() * kPointerSize;
-    const size_t inTable = static_cast<size_t>(tableEnd - structure.data);
-    uint8_t* record =
-        NewRecord(structure.Type(), structure.data, inTable < bytes ? inTable : bytes, areaOffset + area.size + 2);
+    const size_t atHand = structure.size < bytes ? structure.size : bytes;
+    uint8_t* record = NewRecord(structure.Type(), structure.data, atHand, areaOffset + area.size + 2);
     if (record == nullptr) {
         TRACE(function, kErrorExit, "Error allocating memory");
         return kNoMemory;
@@ -121,18 +120,18 @@ status_t ParseFixedStruct(const TableStructure_t& structure, const uint8_t* tabl
     return kSuccess;
 }
 
-status_t ParseBIOSStruct(const TableStructure_t& structure, const uint8_t* tableEnd) {
-    return ParseFixedStruct(structure, tableEnd, kBiosBytes, kBiosStrings, "ParseBIOSStruct",
+status_t ParseBIOSStruct(const TableStructure_t& structure) {
+    return ParseFixedStruct(structure, kBiosBytes, kBiosStrings, "ParseBIOSStruct",
                             "Error Inserting mySMBIOSStructPtr ... Exiting");
 }
 
-status_t ParseSystemInfoStruct(const TableStructure_t& structure, const uint8_t* tableEnd) {
-    return ParseFixedStruct(structure, tableEnd, kSystemBytes, kSystemStrings, "ParseSystemInfoStruct",
+status_t ParseSystemInfoStruct(const TableStructure_t& structure) {
+    return ParseFixedStruct(structure, kSystemBytes, kSystemStrings, "ParseSystemInfoStruct",
                             "Error Inserting mySMBIOSStructPtr");
 }
 
-status_t ParseBaseBoardInfoStruct(const TableStructure_t& structure, const uint8_t* tableEnd) {
-    return ParseFixedStruct(structure, tableEnd, kBaseboardBytes, kBaseboardStrings, "ParseBaseBoardInfoStruct",
+status_t ParseBaseBoardInfoStruct(const TableStructure_t& structure) {
+    return ParseFixedStruct(structure, kBaseboardBytes, kBaseboardStrings, "ParseBaseBoardInfoStruct",
                             "Error Inserting mySMBIOSStructPtr");
 }
 
@@ -153,19 +152,29 @@ status_t ParseDefaultStruct(const TableStructure_t& structure) {
     return kSuccess;
 }
 
+// Keeps where the first broken structure is.
+void NoteBroken(const TableStructure_t& structure, uint32_t offset) {
+    if (tableFacts.brokenAt != TableFacts_t::kNowhere) return;
+    if (structure.size != 0 && structure.Length() >= kHeaderSize && structure.IsWhole()) return;
+    tableFacts.brokenAt = offset;
+    tableFacts.isCut = structure.size == 0 || structure.Length() >= kHeaderSize;
+}
+
 status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
-    const uint8_t* tableEnd = table + length;
+    tableFacts = {.length = length};
     for (uint32_t offset = 0; offset < length;) {
-        if (table[offset] == kEndOfTable) break;
+        tableFacts.hasEnd = table[offset] == kEndOfTable;
+        if (tableFacts.hasEnd) break;
         const TableStructure_t structure = StructureAt(table, length, offset);
+        NoteBroken(structure, offset);
         if (structure.size == 0) break;
         TRACE("ParseAllStructures", kInfo, "The present type is 0x%x myHeaderPtr->Length = 0x%x", structure.Type(),
               structure.Length());
         status_t status;
         switch (structure.Type()) {
-            case 0: status = ParseBIOSStruct(structure, tableEnd); break;
-            case 1: status = ParseSystemInfoStruct(structure, tableEnd); break;
-            case 2: status = ParseBaseBoardInfoStruct(structure, tableEnd); break;
+            case 0: status = ParseBIOSStruct(structure); break;
+            case 1: status = ParseSystemInfoStruct(structure); break;
+            case 2: status = ParseBaseBoardInfoStruct(structure); break;
             default: status = ParseDefaultStruct(structure); break;
         }
         if (status != kSuccess) {
@@ -226,8 +235,8 @@ const char* FindStructString(const char* area, uint8_t number) {
 status_t LibSMBIOSInit(uint8_t* entry) {
     if (instanceCount != 0) {
         instanceCount++;
-        entry[6] = tableVersion[0];
-        entry[7] = tableVersion[1];
+        entry[6] = tableFacts.major;
+        entry[7] = tableFacts.minor;
         return kSuccess;
     }
     if (DebugLibInit("SMBIOSDbgHdl", &storeTraceHandle) != kSuccess) {
@@ -262,8 +271,8 @@ status_t LibSMBIOSInit(uint8_t* entry) {
         return kFailure;
     }
     instanceCount = 1;
-    tableVersion[0] = entry[6];
-    tableVersion[1] = entry[7];
+    tableFacts.major = entry[6];
+    tableFacts.minor = entry[7];
     os_free(image);
     return kSuccess;
 }
@@ -295,15 +304,36 @@ status_t LibSMBIOSExit() {
     return kSuccess;
 }
 
-status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records, uint32_t* count) {
-    *count = 0;
-    const uint32_t all = type < kTypes ? recordsOfType[type].count : 0;
-    if (all <= first) {
+std::string TableFacts_t::Remark() const {
+    if (brokenAt == kNowhere) return {};
+    char text[96];
+    os_snprintf(text, sizeof text, sizeof text - 1, "broken at offset %Xh: %s", brokenAt,
+                isCut ? "the table ends within a structure" : "a structure's length is below a header's");
+    return text;
+}
+
+const TableFacts_t* FactsOfTable() { return StoreIsUp() ? &tableFacts : nullptr; }
+
+status_t GetSMBIOSVersion(uint8_t* major, uint8_t* minor) {
+    if (major == nullptr || minor == nullptr) return kNullPointer;
+    if (!StoreIsUp()) return kFailure;
+    *major = tableFacts.major;
+    *minor = tableFacts.minor;
+    return kSuccess;
+}
+
+namespace {
+
+uint32_t CountOfType(uint32_t type) { return type < kTypes ? recordsOfType[type].count : 0; }
+
+// Copies the addresses of `number` records, from instance `first` on. 1 or 5.
+status_t CopyRecords(uint32_t type, uint32_t first, uint32_t number, uint8_t*** records) {
+    if (number == 0) {
         TRACE("GetSMBIOSStruture", kInfo, "No Structures found ");
         *records = nullptr;
         return kSuccess;
     }
-    const size_t size = (all - first) * sizeof(uint8_t*);
+    const size_t size = number * sizeof(uint8_t*);
     auto** array = static_cast<uint8_t**>(os_malloc(size));
     if (array == nullptr) {
         TRACE("GetSMBIOSStruture", kErrorExit, "Error allocating memory  .. Exiting ");
@@ -311,21 +341,30 @@ status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records
     }
     os_memcpy(array, size, recordsOfType[type].records + first, size);
     *records = array;
-    *count = all - first;
     return kSuccess;
+}
+
+}  // namespace
+
+status_t GetSMBIOSStrutureFrom(uint32_t type, uint32_t first, uint8_t*** records, uint32_t* count) {
+    *count = 0;
+    const uint32_t all = CountOfType(type);
+    const uint32_t number = all > first ? all - first : 0;
+    const status_t status = CopyRecords(type, first, number, records);
+    if (status == kSuccess) *count = number;
+    return status;
 }
 
 status_t GetSMBIOSStruture(uint32_t type, uint8_t*** records, uint8_t* count) {
     *count = 0;
-    uint32_t all = 0;
-    const status_t status = GetSMBIOSStrutureFrom(type, 0, records, &all);
+    const uint32_t all = CountOfType(type);
+    const uint32_t number = all < kMostRecords ? all : kMostRecords;
+    const status_t status = CopyRecords(type, 0, number, records);
     if (status != kSuccess) return status;
-    if (all > kMostRecords) {
+    if (all > kMostRecords)
         TRACE("GetSMBIOSStruture", kWarning, "%u structures of type %u, of which the first %u are given", all, type,
               kMostRecords);
-        all = kMostRecords;
-    }
-    *count = static_cast<uint8_t>(all);
+    *count = static_cast<uint8_t>(number);
     return kSuccess;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "Packages/Debug/Debug.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -12,6 +13,21 @@ extern DebugHandle_t storeTraceHandle;
 
 // Whether the store is up, which is when the machine can't be changed.
 bool StoreIsUp();
+
+// What is known of the table as a whole; null while the store is down.
+struct TableFacts_t {
+    static constexpr uint32_t kNowhere = UINT32_MAX;
+
+    uint8_t major = 0, minor = 0;
+    uint32_t length = 0;
+    bool hasEnd = false;           // an End-of-Table structure
+    uint32_t brokenAt = kNowhere;  // of the first structure that isn't one: all after it may be made up
+    bool isCut = false;            // the table ends within that structure; else its Length is below a header's
+
+    // That a structure is broken, and how; empty where none is.
+    std::string Remark() const;
+};
+const TableFacts_t* FactsOfTable();
 
 // The choice of a machine, kept while another one is in use for a while. Both are for a store that is down.
 struct MachineChoice_t {

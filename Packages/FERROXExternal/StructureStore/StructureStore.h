@@ -36,6 +36,10 @@ QUORLIN_API status_t LibSMBIOSInit(uint8_t* entry);
 // and not told apart: one call too many frees the records that others still read.
 QUORLIN_API status_t LibSMBIOSExit();
 
+// The SMBIOS version of the table, without one more use of the store. 1; 4 for a null pointer, 5 on a store that is
+// down.
+QUORLIN_API status_t GetSMBIOSVersion(uint8_t* major, uint8_t* minor);
+
 // The records of one type, in table order.
 // records  gets a new array of record addresses, or null when the table has none of the type
 // count    gets their number, at most 255: a type with more is cut there, with a warning line

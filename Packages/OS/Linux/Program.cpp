@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 
 #include "Packages/OS/Linux/Descriptor.h"
 
@@ -23,12 +24,15 @@ bool IsFolder(const std::string& path) {
     return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
 }
 
+bool IsThere(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
 // O_PATH gives a descriptor that can neither be read nor written, in any root and without rights.
 void PrepareStandardStreams() {
     int file;
     do file = open("/", O_PATH);
     while (file >= 0 && file <= STDERR_FILENO);
     if (file >= 0) close(file);
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 bool IsStandardOutputTerminal() { return isatty(STDOUT_FILENO) == 1; }

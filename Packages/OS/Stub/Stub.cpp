@@ -22,6 +22,11 @@ std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fop
 
 std::FILE* CreateNewFile(const std::string& path) { return std::fopen(path.c_str(), "wbx"); }
 
+bool IsThere(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
+}
+
 bool IsFolder(const std::string& path) {
     std::error_code ignored;
     return std::filesystem::is_directory(path, ignored);

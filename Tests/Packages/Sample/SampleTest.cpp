@@ -11,12 +11,14 @@
 
 namespace {
 
-// The structures up to the first one that isn't well-formed; `rest` is what stays behind them.
+// The structures up to the first one that isn't well-formed; `rest` is what comes after them.
 std::vector<TableStructure_t> Walk(std::span<const uint8_t> table, size_t* rest) {
     std::vector<TableStructure_t> structures;
-    while (BeginsWithStructure(table)) {
-        structures.push_back(StructureAt(table.data(), static_cast<uint32_t>(table.size()), 0));
-        table = table.subspan(structures.back().size);
+    while (!table.empty()) {
+        const TableStructure_t next = StructureAt(table.data(), static_cast<uint32_t>(table.size()), 0);
+        if (next.size == 0 || next.Length() < kHeaderSize || !next.IsWhole()) break;
+        structures.push_back(next);
+        table = table.subspan(next.size);
     }
     *rest = table.size();
     return structures;

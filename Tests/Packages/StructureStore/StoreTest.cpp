@@ -12,6 +12,8 @@
 #include "Packages/OS/OS.h"
 #include "Tests/Support/Structures.h"
 
+using namespace std::string_literals;
+
 namespace {
 
 using Bytes_t = std::vector<uint8_t>;
@@ -121,12 +123,27 @@ TEST(Records, OfTypes0To2PointAtTheirStrings) {
     }
 }
 
-TEST(Records, OfAShortType0HoldStringBytesButNothingBehindTheTable) {
-    Bytes_t table = ClStructureBuilder(0, 18).Byte(4, 1).Strings({"abcdefgh"}).Image();
-    for (const char* expected : {"abcdef", "ab\0\0\0\0"}) {
+// Neither from the next structure nor from after the table.
+TEST(Records, OfAShortTypeHoldItsOwnStringBytesAndThenZeros) {
+    const Bytes_t next = ClStructureBuilder(200, 40).Image();
+    const struct {
+        uint8_t type, length;
+        std::string strings, expected;
+    } kCases[] = {
+        {0, 18, "abcdefgh\0\0"s, "abcdef"s            },
+        {0, 18, "ab\0\0"s,       "ab\0\0\0\0"s        },
+        {0, 18, "ab"s,                  "ab\0\0\0\0"s        },
+        {1, 24, "\0\0"s,         "\0\0\0"s           },
+        {2, 8,  "a\0\0"s,        "a\0\0\0\0\0\0"s    },
+    };
+    for (const auto& c : kCases) {
+        Bytes_t table = ClStructureBuilder(c.type, c.length).Image();
+        table.resize(c.length);
+        table.insert(table.end(), c.strings.begin(), c.strings.end());
+        if (c.strings.ends_with('\0')) table.insert(table.end(), next.begin(), next.end());
         const ClStore store(table);
-        EXPECT_EQ(std::memcmp(store.Records(0).at(0) + 4 + 18, expected, 6), 0);
-        table.resize(20);  // the next one ends behind "ab"
+        EXPECT_EQ(std::memcmp(store.Records(c.type).at(0) + 4 + c.length, c.expected.data(), c.expected.size()), 0)
+            << int{c.type} << c.strings;
     }
 }
 

@@ -23,9 +23,11 @@
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Processors.h"
+#include "Sources/quorlin_c.h"
 #include "Tests/Support/Buffer.h"
 #include "Tests/Support/Linux/Processes.h"
 #include "Tests/Support/Program.h"
+#include "Tests/Support/Structures.h"
 
 namespace {
 
@@ -428,6 +430,16 @@ TEST_F(StandIns, FirmwareTablesAreThoseThatTheKernelShows) {
     for (const auto& c : kCases) EXPECT_EQ(Firmware(c.provider, c.name), c.table) << c.name;
     const int result = InChild([] { return BecomeNobody() && Firmware(kACPIProvider, "MCFG") == "refused" ? 0 : 1; });
     EXPECT_EQ(result, 0) << "files that only root may read";
+    // A table of version 0.0, which a package takes for no table, is one all the same, as often as it is opened.
+    const std::vector<uint8_t> old = DumpOf(TableOf({ClStructureBuilder(3, 0x15)}), 3, 0, 32);
+    m_firmware->Write("dmi/tables/smbios_entry_point", "_SM3_" + std::string(19, '\0'));
+    m_firmware->Write("dmi/tables/DMI", std::string(old.begin() + 32, old.end()));
+    for (int time = 0; time < 2; time++) {
+        quorlin_table* handle = nullptr;
+        EXPECT_EQ(quorlin_open_machine(nullptr, &handle), QUORLIN_OK) << time;
+        EXPECT_EQ(quorlin_count(handle), 17u);
+        quorlin_close(handle);
+    }
     m_firmware->Write("dmi/tables/smbios_entry_point", "_SMX_");
     EXPECT_EQ(Firmware(kSMBIOSProvider, "\0\0\0\0"), "") << "no entry point";
 }
