@@ -30,9 +30,12 @@ void AddBytesAndStrings(const Structure_t& structure, ClItemList& items) {
     items.Add("Bytes", HexOf(structure.Bytes(), " "), facts);
     ClStringWalk strings(structure.data);
     if (strings.IsEmpty()) return;
-    uint32_t number = 1;
-    for (const char* text; (text = strings.Next()) != nullptr; number++)
+    // A structure names its strings by a byte, so that it has no more.
+    for (uint32_t number = 1; number <= 255; number++) {
+        const char* text = strings.Next();
+        if (text == nullptr) break;
         items.Add("String " + std::to_string(number), std::string_view(text), facts);
+    }
 }
 
 struct TypeWord_t {

@@ -1,5 +1,6 @@
 // The store: set-up and tear-down, the walk from table to records, and lookups.
 #include <cstdio>
+#include <utility>
 
 #include "Packages/Container/Container.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -48,7 +49,7 @@ void ReleaseRecords() {
     for (TypeRecords_t& type : recordsOfType) {
         for (uint32_t place = 0; place < type.count; place++) {
             if (Pop(mySMBIOSLinkedListHdl, &last) != kSuccess) Pop(mySMBIOSLinkedListHdl, &last);
-            os_free(type.records[place]);
+            if (place == 0 || type.records[place] != type.records[place - 1]) os_free(type.records[place]);
         }
         os_free(type.records);
         type = {};
@@ -160,7 +161,24 @@ void NoteBroken(const TableStructure_t& structure, uint32_t offset) {
     tableFacts.isCut = structure.size == 0 || structure.Length() >= kHeaderSize;
 }
 
+// One that repeats the last of its type, byte for byte, shares its record: filler costs a broken table no more than a
+// place in the list.
+status_t ParseStructure(const TableStructure_t& structure, TableStructure_t& lastOfType) {
+    const TableStructure_t last = std::exchange(lastOfType, structure);
+    if (last.size == structure.size && std::memcmp(last.data, structure.data, last.size) == 0) {
+        const TypeRecords_t& type = recordsOfType[structure.Type()];
+        return StoreRecord(type.records[type.count - 1]);
+    }
+    switch (structure.Type()) {
+        case 0: return ParseBIOSStruct(structure);
+        case 1: return ParseSystemInfoStruct(structure);
+        case 2: return ParseBaseBoardInfoStruct(structure);
+        default: return ParseDefaultStruct(structure);
+    }
+}
+
 status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
+    TableStructure_t lastOfType[kTypes] = {};
     tableFacts = {.length = length};
     for (uint32_t offset = 0; offset < length;) {
         tableFacts.hasEnd = table[offset] == kEndOfTable;
@@ -170,13 +188,7 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
         if (structure.size == 0) break;
         TRACE("ParseAllStructures", kInfo, "The present type is 0x%x myHeaderPtr->Length = 0x%x", structure.Type(),
               structure.Length());
-        status_t status;
-        switch (structure.Type()) {
-            case 0: status = ParseBIOSStruct(structure); break;
-            case 1: status = ParseSystemInfoStruct(structure); break;
-            case 2: status = ParseBaseBoardInfoStruct(structure); break;
-            default: status = ParseDefaultStruct(structure); break;
-        }
+        const status_t status = ParseStructure(structure, lastOfType[structure.Type()]);
         if (status != kSuccess) {
             ReleaseRecords();
             TRACE("ParseAllStructures", kErrorExit,
