@@ -52,23 +52,35 @@ struct OwnTable_t {
     std::vector<OwnStructure_t> structures;
 };
 
+// What a table may take while it is compared: far more than any real one does.
+class ClBudget {
+  public:
+    bool Take(size_t bytes) { return m_left >= bytes && (m_left -= bytes, true); }
+
+  private:
+    size_t m_left = 32u << 20;
+};
+
 bool IsIgnored(std::string_view key, const std::vector<std::string>& ignored) {
     return std::ranges::any_of(ignored, [key](const std::string& other) { return EqualsIgnoringCase(key, other); });
 }
 
-std::vector<OwnItem_t> TakeItems(const Structure_t& structure, const std::vector<std::string>& ignored) {
-    std::vector<OwnItem_t> items;
+// False when the budget is used up.
+bool TakeItems(const Structure_t& structure, const std::vector<std::string>& ignored, ClBudget& budget,
+               std::vector<OwnItem_t>* items) {
     std::map<std::pair<std::string_view, std::string_view>, uint32_t> occurrences;
     std::string_view group;
     for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
         const ShownItem_t item = structure.Item(index);
-        if (item.opensGroup)
+        if (item.opensGroup) {
             group = item.key;
-        else if (!IsIgnored(item.key, ignored))
-            items.push_back(
+        } else if (!IsIgnored(item.key, ignored)) {
+            if (!budget.Take(2 * sizeof(OwnItem_t) + group.size() + item.key.size() + item.value.size())) return false;
+            items->push_back(
                 {std::string(group), std::string(item.key), ++occurrences[{group, item.key}], std::string(item.value)});
+        }
     }
-    return items;
+    return true;
 }
 
 std::string HexOf(const TableStructure_t& structure) {
@@ -81,29 +93,36 @@ std::string HexOf(const TableStructure_t& structure) {
     return text;
 }
 
-// All structures, in the table's order. One that no decoder shows is compared by its bytes.
-OwnTable_t TakeTable(ClTable& table, const std::vector<std::string>& ignored) {
+// All structures, in the table's order. One that no decoder shows is compared by its bytes. False for a table that is
+// too much to compare.
+bool TakeTable(ClTable& table, const std::vector<std::string>& ignored, OwnTable_t* taken) {
+    ClBudget budget;
+    bool fits = true;
+    OwnTable_t& own = *taken;
+    own.name = table.Name();
     std::map<std::pair<uint8_t, uint32_t>, OwnStructure_t> decoded;
     VisitStructures(table.Package(), AllTypes(true), [&](const Structure_t& structure) {
-        if (structure.isUndecoded) return;
-        decoded[{structure.type, structure.instance}] = {structure.type, structure.handle, std::string(structure.title),
-                                                         TakeItems(structure, ignored)};
+        fits = fits && budget.Take(2 * sizeof(OwnStructure_t));
+        if (structure.isUndecoded || !fits) return;
+        OwnStructure_t& made = decoded[{structure.type, structure.instance}];
+        made = {structure.type, structure.handle, std::string(structure.title), {}};
+        fits = TakeItems(structure, ignored, budget, &made.items);
     });
-    OwnTable_t own{table.Name(), {}};
+    if (!fits) return false;
     uint32_t instances[256] = {};
     for (const TableStructure_t& structure : ClWalk(table.Bytes())) {
         const uint8_t type = structure.Type();
         const auto found = decoded.find({type, ++instances[type]});
-        OwnStructure_t taken{type, structure.Handle(), std::string(NameOfType(type)), {}};
+        OwnStructure_t next{type, structure.Handle(), std::string(NameOfType(type)), {}};
         if (found != decoded.end()) {
-            if (!found->second.title.empty()) taken.title = found->second.title;
-            taken.items = std::move(found->second.items);
+            if (!found->second.title.empty()) next.title = found->second.title;
+            next.items = std::move(found->second.items);
         } else if (!IsIgnored("Bytes", ignored)) {
-            taken.items.push_back({"", "Bytes", 1, HexOf(structure)});
+            next.items.push_back({"", "Bytes", 1, HexOf(structure)});
         }
-        own.structures.push_back(std::move(taken));
+        own.structures.push_back(std::move(next));
     }
-    return own;
+    return true;
 }
 
 enum class Change_t { kAdded, kRemoved, kChanged };
@@ -264,8 +283,10 @@ int RunDiff(const Arguments_t& arguments) {
     OwnTable_t tables[2];
     const auto take = [&](const Source_t& from, OwnTable_t* own) {
         return ForEachTable(from, kDiffUsage.trouble, [&](ClTable& table) {
-            *own = TakeTable(table, ignored);
-            return kExitDone;
+            if (TakeTable(table, ignored, own)) return kExitDone;
+            SayError(table.Name(),
+                     "more structures and items than can be compared; try check, which says what is wrong");
+            return kDiffUsage.trouble;
         });
     };
     Source_t other = source;
