@@ -14,7 +14,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # A table that only root may read is read as root.
 AS_READER = $(if $(and $(wildcard $(DMI)),$(shell test -r $(DMI) || echo unreadable)),sudo)
 
-.PHONY: build run test test-machine stub asan tsan coverage windows test-windows install deb zip bench fuzz format lint clean
+.PHONY: build run test test-long test-machine stub asan tsan coverage windows test-windows install deb zip bench fuzz format lint clean
 .DEFAULT_GOAL := build
 
 build:
@@ -30,6 +30,10 @@ test:
 	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
 	@cmake --build --preset release
 	@ctest --preset release
+
+# What takes too long for every change.
+test-long: test
+	@QUORLIN_LONG=1 build/release/bin/quorlinTest --gtest_filter='WorstTables.*'
 
 # Boots a small Linux with an SMBIOS table in an emulator, and reads it there by both roads.
 test-machine:

@@ -10,11 +10,13 @@ _quorlin()
     fi
     if [[ $current == -* ]]; then
         words=$("${COMP_WORDS[0]}" "$command" --help 2>/dev/null |
-            sed -n 's/^  \(-h, \)\{0,1\}\(--[a-z-]*\).*/\2/p')
+            sed -n 's/^  \(-[ht], \)\{0,1\}\(--[a-z-]*\).*/\2/p')
     else
         case $previous in
             --format) words="text json ndjson csv lines" ;;
             --as) words="any dump table windows sysfs" ;;
+            --color) words="auto always never" ;;
+            -t | --type) words="bios system baseboard chassis processor memory cache connector slot" ;;
             --road) words="firmware scan" ;;
             hw) words="cpuid pci mem msr port acpi segments versions" ;;
             msr | port) [[ $command != hw ]] || words="read write" ;;

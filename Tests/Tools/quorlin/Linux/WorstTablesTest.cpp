@@ -1,0 +1,123 @@
+// The worst tables that one can make of what multiplies, and what each command may take of them. With QUORLIN_LONG in
+// the environment they are as large as a table may be, and take a quarter of an hour.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Packages/Format/TableFile.h"
+#include "Tests/Support/Linux/Processes.h"
+#include "Tests/Support/Program.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+constexpr size_t kEnd = 6;
+const bool isLong = std::getenv("QUORLIN_LONG") != nullptr;
+const size_t tableBytes = isLong ? kMostTableBytes : kMostTableBytes / 8;
+const rlim_t mostBytes = (isLong ? 150 : 32) << 20;
+
+// A structure of these bytes after its header, with its strings and what ends them.
+std::string Structure(uint8_t type, const std::string& fields, const std::string& strings = "\0\0"s) {
+    return std::string{static_cast<char>(type), static_cast<char>(4 + fields.size()), 1, 0} + fields + strings;
+}
+
+// As much of `unit` after `head` as a table may hold.
+std::string Filled(const std::string& head, const std::string& unit) {
+    std::string table = head;
+    while (table.size() + unit.size() + kEnd <= tableBytes) table += unit;
+    return table + Structure(127, "");
+}
+
+std::string Repeated(const std::string& text, size_t count) {
+    std::string repeated;
+    for (size_t place = 0; place < count; place++) repeated += text;
+    return repeated;
+}
+
+// Runs the program with so much memory at most; its output goes to `output`. Gives the processor's seconds, or none for a
+// run that lacked memory or that a signal ended.
+std::optional<double> SecondsOf(std::vector<const char*> words, const std::string& output) {
+    words.insert(words.begin(), QUORLIN_PROGRAM);
+    words.push_back(nullptr);
+    const std::string errors = output + ".errors";
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
+        dup2(open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
+        const rlimit limit = {mostBytes, mostBytes};
+        if (setrlimit(RLIMIT_AS, &limit) == 0) execv(words[0], const_cast<char**>(words.data()));
+        _exit(99);
+    }
+    int status = 0;
+    rusage usage = {};
+    wait4(child, &status, 0, &usage);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) > 2) return {};
+    if (ReadWholeFile(errors).find("out of memory") != std::string::npos) return {};
+    return static_cast<double>(usage.ru_utime.tv_sec) + 1e-6 * static_cast<double>(usage.ru_utime.tv_usec);
+}
+
+TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
+    if (IsSanitized()) GTEST_SKIP() << "a sanitizer takes memory and time of its own";
+    const size_t most = tableBytes - 64;
+    const std::string versions = Repeated(Structure(221, "\xFF", Repeated("a\0"s, 255) + "\0"s), 255);
+    const std::string disabled = Structure(221, "\2", "a\0"s + Repeated("Disabled\0"s, 200000) + "b\0\0"s);
+    const std::string number = std::string(60, 0x01);
+    const struct {
+        const char* what;
+        std::string table;
+    } kCases[] = {
+        {"11, counts of what isn't there",    Filled("",                          Structure(11,                                                   "\xFF"))                                                                                         },
+        {"11, many strings",                  Structure(11,                       "\xFF",                                                         Repeated("a\0"s,                                                                                   most / 2) + "\0"s)},
+        {"11, a long string of quotes",                                   Structure(11,                                         "\1",                                                         std::string(most,                                                                                                              '"') + "\0\0"s)},
+        {"13, counts of what isn't there",                    Filled("",                                                      Structure(13,                                                                                     "\xFF" + std::string(17,                                             1)))},
+        {"13, many languages",            Structure(13,                                          "\xFF" + std::string(17,                    1),                                                      Repeated("enus\0"s, most / 5) + "\0"s)},
+        {"14, groups that all name the same",            Filled(versions,   Structure(14,                            "\0\xDD\0\0"s))                                                    },
+        {"14, names that show nothing", Filled(disabled,         Structure(14,                                                         "\0\xDD\0\0"s))                                                                                                               },
+        {"14, groups of what isn't there",       Filled("",                          Structure(14,                                                                    "\0"s + Repeated("\xDD\0\0"s,                                                                                              83)))},
+        {"15, counts of what isn't there",    Filled("",                       Structure(15,                                                std::string(19,                                                  '\xFF')))},
+        {"148",                                   Filled("",                                      Structure(148,                                                                                        number,                                                                                                                                                       "9999\0\0"s))},
+        {"148, a long string",                          Filled("",                                                            Structure(148,                                                                                                                      number,                                                                                                                           std::string(3000, '9') + "\0\0"s))},
+        {"221, records among the strings",                             Filled("",                                                  Structure(221,                         "\xFF",std::string(1800, 'a') + "\0\0"s))},
+        {"zeros",                      std::string(kMostTableBytes,'\0')},
+        {"a Length of 0",    Filled("", "\x0B\0\0"s)},
+        {"no decoder, many strings",                   Structure(200,                                                     "",                                                                                                             Repeated("a\0"s,most / 2) + "\0"s)},
+        {"no decoder, many structures",                                   Filled("",                                                       Structure(200,                                                                                                                                                                                          ""))                                                                   },
+    };
+    const std::vector<std::vector<const char*>> kCommands = {
+        {"show",              "--format", "lines"},
+        {"show"             },
+        {"show",             "--format",           "json"            },
+        {"show",              "--format",             "csv"  },
+        {"find",                   "none"           },
+        {"types"                  },
+        {"check"               },
+        {"raw"                 },
+        {"get", "1",            "none"           }
+    };
+    const std::string file = testing::TempDir() + "worst.bin", output = testing::TempDir() + "worst.out";
+    for (const auto& c : kCases) {
+        WriteFile("worst.bin", std::vector<uint8_t>(c.table.begin(), c.table.end()));
+        for (std::vector<const char*> words : kCommands) {
+            const std::string what = std::string(c.what) + ": " + words[0] + " " + words.back();
+            words.insert(words.end(), {"--as", "table", "--image", file.c_str()});
+            const bool isOnDemand = std::string(c.what).starts_with("148");
+            if (isOnDemand && (words[0] == "show"s || words[0] == "find"s))
+                words.insert(words.end(), {"--type", "148"});
+            const std::optional<double> seconds = SecondsOf(words, output);
+            const auto written = static_cast<double>(ReadWholeFile(output).size());
+            ASSERT_TRUE(seconds.has_value()) << what;
+            // A second for what has no output, and 20 MB a second of what has.
+            EXPECT_LT(*seconds, 1 + written / 20e6) << what;
+        }
+    }
+}
+
+}  // namespace
