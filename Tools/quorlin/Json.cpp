@@ -10,12 +10,12 @@ constexpr size_t kLarge = 64u << 10;
 
 // Whether the text stands in JSON as it is: ASCII without control characters, quotes and backslashes. Most texts are
 // such, and eight bytes are looked at in one step: of a byte that isn't, the high bit of its test comes out set. (A
-// borrow from a lower byte can only make a test too strict.)
+// borrow or a carry from a lower byte can only make a test too strict.)
 bool StandsAsItIs(std::string_view text) {
     constexpr uint64_t kOnes = 0x0101010101010101, kHighs = kOnes << 7;
     const auto test = [](uint64_t bytes) {
         const uint64_t quotes = bytes ^ (kOnes * '"'), slashes = bytes ^ (kOnes * '\\');
-        return (bytes | (bytes - kOnes * 0x20) | (quotes - kOnes) | (slashes - kOnes)) & kHighs;
+        return (bytes | (bytes - kOnes * 0x20) | (bytes + kOnes) | (quotes - kOnes) | (slashes - kOnes)) & kHighs;
     };
     uint64_t bytes = kOnes * ' ', bad = 0;
     const char* at = text.data();
@@ -42,11 +42,11 @@ void ClJson::FlushIfLarge() {
     m_buffer.Clear();
 }
 
-void ClJson::Quoted(std::string_view plain) {
+void ClJson::Quoted(std::string_view escaped) {
     Prefix(rapidjson::kStringType);
-    char* at = m_buffer.Push(plain.size() + 2);
+    char* at = m_buffer.Push(escaped.size() + 2);
     *at = '"';
-    *Append(at + 1, plain) = '"';
+    *Append(at + 1, escaped) = '"';
 }
 
 bool ClJson::Text(std::string_view text) {
@@ -54,9 +54,9 @@ bool ClJson::Text(std::string_view text) {
         Quoted(text);
         return false;
     }
-    std::string clean;
-    const bool isReplaced = AppendUtf8(clean, text);
-    String(clean.data(), static_cast<rapidjson::SizeType>(clean.size()));
+    std::string escaped;
+    const bool isReplaced = AppendJson(escaped, text);
+    Quoted(escaped);
     return isReplaced;
 }
 

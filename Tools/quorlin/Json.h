@@ -37,7 +37,7 @@ class ClJson : private rapidjson::Writer<rapidjson::StringBuffer> {
     void Finish();
 
   private:
-    void Quoted(std::string_view plain);
+    void Quoted(std::string_view escaped);
     void FlushIfLarge();
 
     rapidjson::StringBuffer m_buffer;

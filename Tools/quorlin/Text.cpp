@@ -12,6 +12,33 @@ char Lower(char character) {
 
 bool SameLetter(char first, char second) { return Lower(first) == Lower(second); }
 
+// Control characters, line separators, and the marks that change the direction of text: all are below U+10000.
+bool SteersTerminal(uint32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
+}
+
+struct Character_t {
+    uint32_t code;
+    std::string_view bytes;
+    bool isValid;  // false where an invalid byte became U+FFFD
+};
+
+// Takes one character, or one invalid byte, off the begin of a text that isn't empty.
+Character_t TakeCharacter(std::string_view* text) {
+    const size_t length = SequenceLength(*text);
+    if (length == 0) {
+        text->remove_prefix(1);
+        return {0xFFFD, kReplacement, false};
+    }
+    const std::string_view bytes = text->substr(0, length);
+    text->remove_prefix(length);
+    // The lead byte has as many set bits at its top as there are bytes, and then a clear one.
+    uint32_t code = static_cast<unsigned char>(bytes[0]) & (length == 1 ? 0x7Fu : 0x7Fu >> length);
+    for (const char byte : bytes.substr(1)) code = code << 6 | (static_cast<unsigned char>(byte) & 0x3Fu);
+    return {code, bytes, true};
+}
+
 }  // namespace
 
 size_t SequenceLength(std::string_view text) {
@@ -40,9 +67,7 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 bool IsPlain(std::string_view text) {
-    for (const char character : text)
-        if (character < 0x20 || character == 0x7F) return false;
-    return true;
+    return std::ranges::all_of(text, [](char character) { return character >= 0x20 && character < 0x7F; });
 }
 
 void AppendPrintable(std::string& out, std::string_view text) {
@@ -51,13 +76,8 @@ void AppendPrintable(std::string& out, std::string_view text) {
         out += text;
     } else {
         while (!text.empty()) {
-            const size_t length = SequenceLength(text);
-            const auto lead = static_cast<unsigned char>(text[0]);
-            // The control characters: U+0000 to U+001F, U+007F, and U+0080 to U+009F.
-            const bool isControl =
-                length == 1 ? lead < 0x20 || lead == 0x7F : lead == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0;
-            out += length == 0 ? kReplacement : isControl ? " " : text.substr(0, length);
-            text.remove_prefix(std::max<size_t>(length, 1));
+            const Character_t next = TakeCharacter(&text);
+            out += SteersTerminal(next.code) ? " " : next.bytes;
         }
     }
     while (out.size() > begin && out.back() == ' ') out.pop_back();
@@ -69,13 +89,19 @@ std::string Printable(std::string_view text) {
     return out;
 }
 
-bool AppendUtf8(std::string& out, std::string_view text) {
+bool AppendJson(std::string& out, std::string_view text) {
     bool isReplaced = false;
     while (!text.empty()) {
-        const size_t length = SequenceLength(text);
-        out += length == 0 ? kReplacement : text.substr(0, length);
-        isReplaced |= length == 0;
-        text.remove_prefix(std::max<size_t>(length, 1));
+        const Character_t next = TakeCharacter(&text);
+        if (next.code == '"' || next.code == '\\') out += '\\';
+        if (SteersTerminal(next.code)) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\u%04X", static_cast<unsigned>(next.code));
+            out += escape;
+        } else {
+            out += next.bytes;
+        }
+        isReplaced |= !next.isValid;
     }
     return isReplaced;
 }

@@ -12,11 +12,13 @@ size_t SequenceLength(std::string_view text);
 bool IsPlain(std::string_view text);
 // Without the blanks at its end, which say nothing.
 std::string_view Trimmed(std::string_view text);
-// Adds `text` with control characters as blanks and invalid bytes as U+FFFD, without the blanks at its end.
+// Adds `text` with invalid bytes as U+FFFD, without the blanks at its end. What steers a terminal becomes a blank:
+// control characters, line separators, and the marks that change the direction of text.
 void AppendPrintable(std::string& out, std::string_view text);
 std::string Printable(std::string_view text);
-// Adds `text` with invalid bytes as U+FFFD, control characters kept. Whether there were any.
-bool AppendUtf8(std::string& out, std::string_view text);
+// Adds `text` as the inside of a JSON string: invalid bytes as U+FFFD, and what steers a terminal as \uXXXX. Whether
+// there were invalid bytes.
+bool AppendJson(std::string& out, std::string_view text);
 
 // ASCII letters alike, whatever their case.
 bool EqualsIgnoringCase(std::string_view first, std::string_view second);

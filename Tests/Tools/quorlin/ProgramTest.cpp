@@ -142,6 +142,41 @@ TEST(Program, PrintAmongOtherThings) {
         EXPECT_TRUE(Has(RunQuorlin(command + " --help").output, "\nExample: quorlin ")) << command;
 }
 
+// The characters on both sides of each bound, as an owner of the machine might have put them into its firmware.
+TEST(Program, NothingThatSteersATerminalGetsOutRaw) {
+    const struct {
+        const char *raw, *escaped;  // null: stays as it is
+    } kCharacters[] = {
+        {"\x1F",         "\\u001F"},
+        {"~",            nullptr  },
+        {"\x7F",         "\\u007F"},
+        {"\xC2\x80",     "\\u0080"},
+        {"\xC2\x9F",     "\\u009F"},
+        {"\xC2\xA0",     nullptr  },
+        {"\xE2\x80\xA7", nullptr  },
+        {"\xE2\x80\xA8", "\\u2028"},
+        {"\xE2\x80\xA9", "\\u2029"},
+        {"\xE2\x80\xAA", "\\u202A"},
+        {"\xE2\x80\xAE", "\\u202E"},
+        {"\xE2\x80\xAF", nullptr  },
+        {"\xE2\x81\xA5", nullptr  },
+        {"\xE2\x81\xA6", "\\u2066"},
+        {"\xE2\x81\xA9", "\\u2069"},
+        {"\xE2\x81\xAA", nullptr  },
+    };
+    for (const auto& [raw, escaped] : kCharacters) {
+        // Eight characters and more are looked at at once.
+        const std::string image = ImageBy(std::string("maker") + raw + "and more", "steer.bin");
+        for (const char* format : {"text", "csv", "json", "ndjson"}) {
+            const bool isJson = std::string(format).ends_with("json");
+            const std::string shown = escaped == nullptr ? raw : isJson ? escaped : " ";
+            const std::string output =
+                RunQuorlin(std::string("--type 3 --format ") + format + " --image " + image).output;
+            EXPECT_TRUE(Has(output, "maker" + shown + "and more")) << format << ": " << output;
+        }
+    }
+}
+
 TEST(Program, DumpMakesANewFileThatReadsTheSame) {
     const std::string dump = TempDir() + "new-dump.bin";
     std::remove(dump.c_str());
