@@ -25,5 +25,5 @@ bool IsStandardOutputTerminal();
 bool IsStandardErrorTerminal();
 // The columns of the terminal that standard output is; 0 when it is none.
 size_t TerminalWidth();
-// Writes all bytes to standard output, unbuffered. False with errno set.
+// Writes all bytes to standard output, unbuffered, and waits while it takes none. False with errno set.
 bool WriteStandardOutput(const char* bytes, size_t size);

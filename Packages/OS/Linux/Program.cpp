@@ -1,12 +1,14 @@
 #include "Packages/OS/Program.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 
 #include "Packages/OS/Linux/Descriptor.h"
 
@@ -48,6 +50,12 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
     while (size != 0) {
         const ssize_t written = write(STDOUT_FILENO, bytes, size);
         if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno == EAGAIN) {
+            // Whoever shares the stream has made it one that doesn't wait.
+            pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+            if (poll(&output, 1, -1) < 0 && errno != EINTR) return false;
+            continue;
+        }
         if (written < 0) return false;
         bytes += written;
         size -= static_cast<size_t>(written);

@@ -4,9 +4,16 @@
 #include <cpuid.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
 
 #include "Packages/OS/ConfigFile.h"
@@ -73,12 +80,36 @@ TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
     EXPECT_EQ(ReadWholeFile(folder + "other"), "text");
 }
 
+// The reader is slow and the pipe, which takes 64 KiB, doesn't let its writer wait: all bytes arrive nevertheless.
+TEST(StandardStreams, OutputThatDoesNotBlockIsWaitedFor) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const std::string bytes(size_t{300} << 10, 'x');
+    const pid_t writer = fork();
+    if (writer == 0) {
+        dup2(ends[1], STDOUT_FILENO);
+        close(ends[0]);
+        fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK);
+        _exit(WriteStandardOutput(bytes.data(), bytes.size()) ? 0 : errno);
+    }
+    close(ends[1]);
+    std::string got;
+    char block[4096];
+    for (ssize_t size; usleep(1000), (size = read(ends[0], block, sizeof block)) > 0;)
+        got.append(block, static_cast<size_t>(size));
+    close(ends[0]);
+    int status = 0;
+    waitpid(writer, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(got.size(), bytes.size());
+}
+
 constexpr char kTraceToFile[] =
     "FERROX:OutputType<Fi>;FERROX:FileName<trace>;FERROX:TraceType<Ex>;FERROX:TraceFormatType<No>";
 constexpr char kTrace[] = "\n FERROXInitialize Success\n ReadCPUID";
 
-// Every choice of closed streams: a run ends, a closed stream that it wants to write to makes it fail, and nothing but
-// its own bytes gets into a file.
+// Every choice of closed streams: a run ends, a closed stream that it needs makes it fail, and nothing but its own
+// bytes gets into a file.
 TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
     const std::string folder = Folder();
     const auto run = [&](std::vector<std::string> words, unsigned closed) {
