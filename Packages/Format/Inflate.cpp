@@ -24,6 +24,8 @@ struct Inflation_t {
 
 const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflated) {
     constexpr int kGzip = 15 + 16;  // the largest window, and gzip's own head and tail
+    constexpr const char* kTooLarge = "larger than 4 MiB, so not a table; try the file that holds the dump";
+    if (bytes.size() > kMostFileBytes) return kTooLarge;
     Inflation_t inflation;
     z_stream& stream = inflation.stream;
     if (inflateInit2(&stream, kGzip) != Z_OK) return "out of memory";
@@ -41,7 +43,7 @@ const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflat
     }
     switch (status) {
         case Z_STREAM_END: return nullptr;
-        case Z_OK: return "larger than 64 MiB once decompressed, so not a table; try the file that holds the dump";
+        case Z_OK: return kTooLarge;
         case Z_MEM_ERROR: return "out of memory";
         default: return "compressed with gzip, but damaged or cut short; fetch the file anew";
     }

@@ -167,7 +167,7 @@ bool FormByName(std::string_view name, TableForm_t* form) {
 static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm_t as) {
     if (bytes.empty()) return NoTable("empty; try a file that holds a dump");
     if (bytes.size() > kMostFileBytes)
-        return NoTable("larger than 64 MiB, so not a table; try the file that holds the dump");
+        return NoTable("larger than 4 MiB, so not a table; try the file that holds the dump");
     switch (as) {
         case TableForm_t::kDump: return FindBehindEntryPoint(bytes);
         case TableForm_t::kBareTable: return WholeTable(bytes);
@@ -185,10 +185,13 @@ static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm
     return NoTable("not a table: it seems to be " + std::string(WhatItSeems(bytes)) + kAccepted);
 }
 
-TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {
-    const TableFound_t found = FindTableOfAnySize(bytes, as);
+static TableFound_t Bounded(const TableFound_t& found) {
     if (found.table.size() <= kMostTableBytes) return found;
     return NoTable("its table is larger than 4 MiB, so it isn't one; try the file that holds the dump");
+}
+
+TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {
+    return Bounded(FindTableOfAnySize(bytes, as));
 }
 
 TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<const uint8_t> table) {
@@ -196,7 +199,7 @@ TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<co
     if (!ParseEntryPoint(entryPoint.data(), entryPoint.size(), &point))
         return NoTable("its smbios_entry_point is none; try its file DMI");
     if (table.empty()) return NoTable("its file DMI is empty; try a file that holds a dump");
-    return WithVersion(Found(TableForm_t::kFolder, table, point.tableLength, point.lengthIsBound), point);
+    return Bounded(WithVersion(Found(TableForm_t::kFolder, table, point.tableLength, point.lengthIsBound), point));
 }
 
 std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uint8_t minor) {

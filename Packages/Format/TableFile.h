@@ -9,11 +9,12 @@
 
 #include "Packages/OS/Status.h"
 
-inline constexpr size_t kMostFileBytes = 64u << 20;  // far above any dump
 // Far above any table: 65,536 structures, as many as there are handles, of 64 bytes each. What is larger is no table,
 // and its pieces would fill the memory.
 inline constexpr size_t kMostTableBytes = 4u << 20;
 inline constexpr size_t kTableOffset = 32;  // in dumps whose entry point keeps the table's physical address
+// What is larger holds no table, and is read no further.
+inline constexpr size_t kMostFileBytes = kMostTableBytes + kTableOffset;
 
 enum class TableForm_t : uint8_t {
     kAny,            // as the content tells

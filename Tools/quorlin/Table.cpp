@@ -74,29 +74,55 @@ bool ParseVersion(std::string_view text, uint8_t* major, uint8_t* minor) {
 // The lines of a file of names, one by one, so that a long list takes no memory.
 class ClNameList {
   public:
-    explicit ClNameList(const std::string& path) : m_file(path == kStandardStream ? stdin : OpenFile(path, "r")) {}
+    // No file for an empty path.
+    explicit ClNameList(const std::string& path)
+        : m_file(path.empty()              ? nullptr
+                 : path == kStandardStream ? stdin
+                                           : OpenFile(path, "r")) {
+        if (m_file == nullptr) m_problem = std::strerror(errno);
+    }
     ~ClNameList() {
         if (m_file != nullptr && m_file != stdin) std::fclose(m_file);
     }
     ClNameList(const ClNameList&) = delete;
     ClNameList& operator=(const ClNameList&) = delete;
 
-    bool IsOpen() const { return m_file != nullptr; }
-    // The next line that isn't empty.
+    // The next line that isn't empty. False at the end, and for a file that holds no names.
     bool Next(std::string* name) {
+        if (m_file == nullptr) return false;
         do {
             name->clear();
             int character;
-            while ((character = std::getc(m_file)) != EOF && character != '\n')
+            while ((character = std::getc(m_file)) != EOF && character != '\n') {
+                if (character == '\0' || name->size() == kLongestName) {
+                    m_problem = "not a list of file names, one a line";
+                    return false;
+                }
                 name->push_back(static_cast<char>(character));
+            }
+            if (std::ferror(m_file) != 0) m_problem = std::strerror(errno);
             if (character == EOF && name->empty()) return false;
             if (name->ends_with('\r')) name->pop_back();
         } while (name->empty());
         return true;
     }
+    // How many names there are, or 0 for a list that can be read only once.
+    size_t Count() {
+        if (m_file == nullptr || m_file == stdin || std::fseek(m_file, 0, SEEK_END) != 0) return 0;
+        size_t count = 0;
+        std::rewind(m_file);
+        for (std::string name; Next(&name);) count++;
+        std::rewind(m_file);
+        return count;
+    }
+    // Why the list ended before its end; empty if it didn't.
+    const std::string& Problem() const { return m_problem; }
 
   private:
+    static constexpr size_t kLongestName = 64u << 10;
+
     std::FILE* m_file;
+    std::string m_problem;
 };
 
 }  // namespace
@@ -327,28 +353,23 @@ int ForEachTable(const Source_t& source, int trouble, const std::function<int(Cl
         return exitCode;
     }
     ClProgress progress(source.IsFleet());
-    // Names on standard input can be read only once, so they can't be counted first.
-    if (progress.IsShown() && source.imageList != kStandardStream) {
-        size_t total = source.images.size();
-        ClNameList names(source.imageList);
-        for (std::string name; !source.imageList.empty() && names.IsOpen() && names.Next(&name);) total++;
-        progress.SetTotal(total);
+    ClNameList names(source.imageList);
+    if (progress.IsShown()) {
+        const size_t listed = names.Count();
+        if (listed != 0 || source.imageList.empty()) progress.SetTotal(source.images.size() + listed);
     }
     for (const std::string& path : source.images) {
         one(&path);
         progress.Step();
     }
     if (source.imageList.empty()) return exitCode;
-    ClNameList names(source.imageList);
-    if (!names.IsOpen()) {
-        SayError(source.imageList, std::string(std::strerror(errno)) + "; try - to give the names on standard input");
-        return trouble;
-    }
     for (std::string name; names.Next(&name);) {
         one(&name);
         progress.Step();
     }
-    return exitCode;
+    if (names.Problem().empty()) return exitCode;
+    SayError(source.imageList, names.Problem() + "; try another list, or - to give the names on standard input");
+    return trouble;
 }
 
 int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work) {

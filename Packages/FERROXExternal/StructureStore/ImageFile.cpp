@@ -1,5 +1,6 @@
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -13,15 +14,16 @@ status_t Fail(std::string_view problem, std::string* error) {
     return kFailure;
 }
 
-// Gives 0, or the errno of what failed. A file above kMostFileBytes is read no further than that.
+// Gives 0, or the errno of what failed. Of more than kMostFileBytes one byte more is read, which tells.
 int ReadStream(std::FILE* file, std::vector<uint8_t>* bytes) {
     uint8_t block[32u << 10];
-    size_t got;
+    size_t wanted, got;
     bytes->clear();
     do {
-        got = std::fread(block, 1, sizeof block, file);
+        wanted = std::min(sizeof block, kMostFileBytes + 1 - bytes->size());
+        got = std::fread(block, 1, wanted, file);
         bytes->insert(bytes->end(), block, block + got);
-    } while (got == sizeof block && bytes->size() <= kMostFileBytes);
+    } while (got == wanted && bytes->size() <= kMostFileBytes);
     return std::ferror(file) != 0 ? errno : 0;
 }
 

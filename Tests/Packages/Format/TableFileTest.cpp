@@ -33,7 +33,7 @@ const Bytes_t kDump32 = DumpOf(kTable, 3, 2, 32), kAnswer = Answer(0, 3, kSize, 
               kLongAnswer = Answer(1, 2, kSize, With(kTable, 1)), kCutAnswer = Answer(0, 2, kSize + 7, kTable),
               kOddAnswer = Answer(7, 9, 2, Bytes_t(2)), kHeadAlone = Answer(0, 3, 100, kNothing),
               kPointAlone = DumpOf(kNothing, 3, 0, 32), kText = Bytes_t(500, 'a'), kNoise = Bytes_t(9, 0xAA),
-              kHugeTable = Bytes_t((4u << 20) + 1, 1), kHugeFile = Bytes_t((64u << 20) + 1, 1);
+              kHugeTable = Bytes_t((4u << 20) + 1, 1), kHugeFile = Bytes_t(kMostFileBytes + 1, 1);
 
 TEST(TableFile, RecognisesAFormByItsContent) {
     const struct {
@@ -78,7 +78,7 @@ TEST(TableFile, RefusesWhatIsNone) {
         {kCutPoint,   kAny,           "truncated"  },
         {kPointAlone, kAny,           "truncated"  },
         {kHugeTable,  kBareTable,     "4 MiB"      },
-        {kHugeFile,   kAny,           "64 MiB"     },
+        {kHugeFile,   kDump,          "4 MiB"      },
     };
     for (const auto& c : kCases) {
         const TableFound_t found = FindTable(c.bytes, c.as);
@@ -97,6 +97,8 @@ TEST(TableFile, AFolderHoldsEntryPointAndTable) {
     EXPECT_EQ(found.table.size(), kTable.size());
     EXPECT_EQ(FindTableInFolder(kTable, kTable).status, kFailure);
     EXPECT_EQ(FindTableInFolder(point, {}).status, kFailure);
+    const Bytes_t promisesMuch = DumpOf(kHugeTable, 3, 2, 0);
+    EXPECT_EQ(FindTableInFolder({promisesMuch.data(), 24}, kHugeTable).status, kFailure);
 }
 
 TEST(TableFile, ADumpHasAnEntryPointThatHolds) {

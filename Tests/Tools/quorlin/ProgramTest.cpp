@@ -382,6 +382,16 @@ TEST(Program, AFleetIsALineForEachImage) {
     }
     EXPECT_EQ(RunQuorlin("--image " + a + " --image " + b).exitCode, 2);
     EXPECT_EQ(RunQuorlin("--format ndjson --image-list " + none).exitCode, 1);
+    // Neither a NUL nor a line without end is a name.
+    for (const Bytes_t& bytes : {
+             Bytes_t{'a', '\0', '\n'},
+             Bytes_t(1u << 20, 'a')
+    }) {
+        const ProgramRun_t run = RunQuorlin("--format ndjson --image-list " + WriteFile("names", bytes));
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_EQ(run.output, "");
+        EXPECT_TRUE(Has(run.errors, "not a list of file names")) << run.errors;
+    }
     // A version that is none stops no run.
     const std::string bare = " --image " + WriteFile("bare.bin", TableBy("C"));
     EXPECT_EQ(RunQuorlin("--format ndjson --smbios-version 0.0" + bare + bare).exitCode, 0);

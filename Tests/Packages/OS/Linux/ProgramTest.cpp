@@ -124,8 +124,8 @@ TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
     const std::string dump = ReadWholeFile(folder + "reference");
     const struct {
         std::vector<std::string> words;
-        unsigned speaksOn;  // a bit for each stream
-        int failure;        // its exit code when one of these is closed
+        unsigned needs;  // a bit for each stream
+        int failure;     // its exit code when one of these is closed
         int success;
         const char* file;  // that the run writes
         std::string content;
@@ -136,7 +136,7 @@ TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
         {{"hw", "cpuid", "0", "--trace", kTraceToFile}, 2, 1, 0, "trace", kTrace},
         {{"dump", "--sample", "dump"},                  0, 1, 0, "dump",  dump  },
         {{"--image", "/nowhere"},                       4, 1, 1, "none",  ""    },
-        {{"--image-list", "-", "--format", "ndjson"},   0, 1, 0, "none",  ""    },
+        {{"--image-list", "-", "--format", "ndjson"},   1, 1, 0, "none",  ""    },
         {{"--nonsense"},                                4, 2, 2, "none",  ""    },
     };
     for (const auto& c : kCases) {
@@ -145,7 +145,7 @@ TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
             fs::remove(folder + c.file);
             const ProgramRun_t ran = run(c.words, closed);
             const std::string what = c.words.back() + " without " + std::to_string(closed);
-            EXPECT_EQ(ran.exitCode, (c.speaksOn & closed) != 0 ? c.failure : c.success) << what << ran.errors;
+            EXPECT_EQ(ran.exitCode, (c.needs & closed) != 0 ? c.failure : c.success) << what << ran.errors;
             if (closed == 0) output = ran.output;
             EXPECT_EQ(ran.output, (closed & 2) != 0 ? "" : output) << what;
             EXPECT_EQ(ReadWholeFile(folder + c.file), c.content) << what;
