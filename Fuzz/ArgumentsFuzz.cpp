@@ -24,9 +24,9 @@ std::FILE* OpenFile(const std::string& path, const char*) {
     errno = path == "secret" ? EACCES : ENOENT;
     return nullptr;
 }
-std::FILE* CreateNewFile(const std::string&) {
+bool CreateWholeFile(const std::string&, const void*, size_t) {
     errno = EEXIST;
-    return nullptr;
+    return false;
 }
 bool IsFolder(const std::string& path) { return path == "folder"; }
 bool IsThere(const std::string& path) { return path == "dump" || path == "folder"; }

@@ -11,9 +11,10 @@
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 // As fopen; null with errno set.
 std::FILE* OpenFile(const std::string& path, const char* mode);
-// Creates a file that only its owner may read and write. Null with errno set, EEXIST when there is anything of that
+// Creates a file with these bytes that only its owner may read and write. It gets its name when it is whole, so that
+// a signal, a full disk or a limit on files leaves none. False with errno set, EEXIST when there is anything of that
 // name, a link included.
-std::FILE* CreateNewFile(const std::string& path);
+bool CreateWholeFile(const std::string& path, const void* bytes, size_t size);
 bool IsFolder(const std::string& path);
 // Whether there is anything of that name.
 bool IsThere(const std::string& path);

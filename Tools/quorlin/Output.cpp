@@ -84,16 +84,8 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output) {
 }
 
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
-    std::FILE* file = CreateNewFile(path);
-    if (file == nullptr) {
-        SayError(path, errno == EEXIST ? std::string("exists already, and nothing is overwritten; try another name")
-                                       : std::string(std::strerror(errno)) + "; try another name");
-        return false;
-    }
-    const bool isWritten = bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    const int problem = errno;
-    if (std::fclose(file) == 0 && isWritten) return true;
-    SayError(path,
-             std::string(std::strerror(isWritten ? errno : problem)) + "; the file is not whole, so try another place");
+    if (CreateWholeFile(path, bytes.data(), bytes.size())) return true;
+    SayError(path, errno == EEXIST ? std::string("exists already, and nothing is overwritten; try another name")
+                                   : std::string(std::strerror(errno)) + "; try another name or place");
     return false;
 }

@@ -60,5 +60,6 @@ inline constexpr char kOutOfMemory[] = "out of memory; try again with more, or a
 
 // Sixteen bytes a line: the offset, hexadecimal, and what of it is ASCII.
 void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);
-// Writes a file that doesn't exist yet, its owner's alone to read. False with a line on standard error.
+// Writes a file that doesn't exist yet, its owner's alone to read: whole or not at all. False with a line on standard
+// error.
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes);

@@ -10,13 +10,17 @@
 
 // As open, closed on exec. -1 with errno set.
 int OpenAbove(const char* path, int flags, mode_t mode = 0);
+// Moves a descriptor up if it has taken a standard stream's place, and closes the lower one. -1 with errno set, also
+// for -1.
+int MoveAbove(int file);
 // As fopen.
 std::FILE* OpenStreamAbove(const char* path, const char* mode);
 
 // An open file that closes itself.
 class ClDescriptor {
   public:
-    ClDescriptor(const char* path, int flags) : m_file(OpenAbove(path, flags)) {}
+    explicit ClDescriptor(int file) : m_file(file) {}
+    ClDescriptor(const char* path, int flags, mode_t mode = 0) : m_file(OpenAbove(path, flags, mode)) {}
     ClDescriptor(const ClDescriptor&) = delete;
     ClDescriptor& operator=(const ClDescriptor&) = delete;
     ~ClDescriptor() {

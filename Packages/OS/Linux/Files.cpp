@@ -8,8 +8,7 @@
 #include "Packages/OS/Linux/Descriptor.h"
 #include "Packages/OS/OS.h"
 
-// Moves a descriptor up if it has taken a standard stream's place. -1 with errno set.
-static int MoveAbove(int file) {
+int MoveAbove(int file) {
     if (file < 0 || file > STDERR_FILENO) return file;
     const int above = fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int problem = errno;

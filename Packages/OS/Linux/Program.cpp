@@ -16,9 +16,67 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv,
 
 std::FILE* OpenFile(const std::string& path, const char* mode) { return OpenStreamAbove(path.c_str(), mode); }
 
-std::FILE* CreateNewFile(const std::string& path) {
-    const int file = OpenAbove(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, S_IRUSR | S_IWUSR);
-    return file < 0 ? nullptr : fdopen(file, "w");
+static bool WriteAll(int file, const void* bytes, size_t size) {
+    const auto* next = static_cast<const char*>(bytes);
+    while (size != 0) {
+        const ssize_t written = write(file, next, size);
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return false;
+        next += written;
+        size -= static_cast<size_t>(written);
+    }
+    // Some file systems learn only now that there is no room; others have nothing to synchronise.
+    return fsync(file) == 0 || errno == EINVAL;
+}
+
+static std::string FolderOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == path.npos ? "./" : path.substr(0, slash + 1);
+}
+
+enum class Made_t { kYes, kNo, kNotThisWay };
+
+static Made_t LinkResult(bool isLinked) {
+    return isLinked ? Made_t::kYes : errno == EEXIST ? Made_t::kNo : Made_t::kNotThisWay;
+}
+
+// In a file without a name, which goes with the process.
+static Made_t CreateNameless(const std::string& path, const void* bytes, size_t size) {
+    const ClDescriptor file(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY, S_IRUSR | S_IWUSR);
+    if (!file.IsOpen()) return Made_t::kNotThisWay;
+    if (!WriteAll(file.Get(), bytes, size)) return Made_t::kNo;
+    const std::string itself = "/proc/self/fd/" + std::to_string(file.Get());
+    return LinkResult(linkat(AT_FDCWD, itself.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0);
+}
+
+// In a file with a name of its own, which is gone before any signal but SIGKILL is taken.
+static Made_t CreateNamed(const std::string& path, const void* bytes, size_t size) {
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    std::string temporary = FolderOf(path) + ".quorlin-XXXXXX";
+    Made_t made = Made_t::kNo;
+    const ClDescriptor file(MoveAbove(mkostemp(temporary.data(), O_CLOEXEC)));
+    if (file.IsOpen()) {
+        // File systems without links refuse to replace on demand, and some others have links alone.
+        if (WriteAll(file.Get(), bytes, size)) made = LinkResult(link(temporary.c_str(), path.c_str()) == 0);
+        if (made == Made_t::kNotThisWay)
+            made = LinkResult(renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0);
+        const int problem = errno;
+        unlink(temporary.c_str());
+        errno = problem;
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return made;
+}
+
+bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
+    // A write beyond the limit of file sizes then fails, and ends nothing.
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    Made_t made = CreateNameless(path, bytes, size);
+    if (made == Made_t::kNotThisWay) made = CreateNamed(path, bytes, size);
+    std::signal(SIGXFSZ, before);
+    return made == Made_t::kYes;
 }
 
 bool IsFolder(const std::string& path) {

@@ -1,6 +1,8 @@
 // A system that has the standard library alone: reads files and writes standard output, and refuses all else. It shows
 // what a new system has to bring, and CI builds it.
+#include <cerrno>
 #include <filesystem>
+#include <system_error>
 
 #include "Packages/OS/ConfigFile.h"
 #include "Packages/OS/CrashFilter.h"
@@ -20,7 +22,21 @@ FILE* os_fopen(const char* path, const char* mode) {
 
 std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
 
-std::FILE* CreateNewFile(const std::string& path) { return std::fopen(path.c_str(), "wbx"); }
+// Written under another name, which is then linked to: that replaces nothing.
+bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
+    const std::string temporary = path + ".quorlin";
+    std::FILE* file = std::fopen(temporary.c_str(), "wbx");
+    if (file == nullptr) return false;
+    std::error_code problem;
+    const bool isWritten = std::fwrite(bytes, 1, size, file) == size;
+    if (std::fclose(file) != 0 || !isWritten)
+        problem = std::make_error_code(std::errc::io_error);
+    else
+        std::filesystem::create_hard_link(temporary, path, problem);
+    std::remove(temporary.c_str());
+    errno = problem.value();
+    return !problem;
+}
 
 bool IsThere(const std::string& path) {
     std::error_code ignored;

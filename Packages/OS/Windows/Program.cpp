@@ -46,9 +46,61 @@ std::FILE* OpenFile(const std::string& path, const char* mode) {
     return _wfopen(ToWide(path).c_str(), (ToWide(mode) + L"b").c_str());
 }
 
-std::FILE* CreateNewFile(const std::string& path) {
-    const int file = _wopen(ToWide(path).c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
-    return file < 0 ? nullptr : _fdopen(file, "wb");
+// The last error as errno has it.
+static int LastErrno() {
+    switch (GetLastError()) {
+        case ERROR_FILE_EXISTS:
+        case ERROR_ALREADY_EXISTS: return EEXIST;
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_INVALID_NAME:
+        case ERROR_BAD_PATHNAME: return ENOENT;
+        case ERROR_ACCESS_DENIED:
+        case ERROR_SHARING_VIOLATION: return EACCES;
+        case ERROR_WRITE_PROTECT: return EROFS;
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL: return ENOSPC;
+        default: return EIO;
+    }
+}
+
+static bool WriteAll(HANDLE file, const void* bytes, size_t size) {
+    const auto* next = static_cast<const char*>(bytes);
+    while (size != 0) {
+        DWORD written = 0;
+        if (!WriteFile(file, next, static_cast<DWORD>(size < 1u << 20 ? size : 1u << 20), &written, nullptr))
+            return false;
+        next += written;
+        size -= written;
+    }
+    return FlushFileBuffers(file) != 0;
+}
+
+// Whether the file goes with its handle, however the process ends.
+static bool SetTemporary(HANDLE file, bool isTemporary) {
+    FILE_DISPOSITION_INFO disposition = {isTemporary};
+    return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition) != 0;
+}
+
+// In the same folder, so that the rename, which replaces nothing, is no copy.
+bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
+    const std::wstring name = ToWide(path);
+    const std::wstring temporary = name.substr(0, name.find_last_of(L"/\\:") + 1) + L".quorlin-" +
+                                   std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount());
+    SECURITY_ATTRIBUTES* const access = nullptr;  // as the folder says
+    const HANDLE file =
+        CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, access, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        errno = LastErrno();
+        return false;
+    }
+    const bool isWhole = SetTemporary(file, true) && WriteAll(file, bytes, size) && SetTemporary(file, false);
+    if (!isWhole) errno = LastErrno();
+    CloseHandle(file);
+    if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), 0)) return true;
+    if (isWhole) errno = LastErrno();
+    DeleteFileW(temporary.c_str());
+    return false;
 }
 
 bool IsFolder(const std::string& path) {

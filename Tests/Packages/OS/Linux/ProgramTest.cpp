@@ -33,21 +33,86 @@ std::string Folder() {
     return folder + "/";
 }
 
-TEST(Program, ANewFileIsItsOwnersAndReplacesNothing) {
-    const std::string folder = Folder(), file = folder + "file", link = folder + "link";
-    fs::create_symlink("nowhere", link);
-    std::FILE* made = CreateNewFile(file);
-    ASSERT_NE(made, nullptr);
-    std::fclose(made);
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-    for (const std::string& taken : {file, link}) {
-        errno = 0;
-        EXPECT_EQ(CreateNewFile(taken), nullptr) << taken;
-        EXPECT_EQ(errno, EEXIST) << taken;
+// The system calls of a kind of file system that has them not; `bits` of the call's argument tell those meant.
+struct Missing_t {
+    uint32_t call, argument, bits;
+};
+constexpr Missing_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY}, kNoLinks = {SYS_link, 0, 0},
+                    kNoNamelessLinks = {SYS_linkat, 0, 0};
+
+// From here on the process doesn't have these calls: they fail, or with SECCOMP_RET_KILL_PROCESS end it.
+void Forgo(const Missing_t& missing, uint32_t action = SECCOMP_RET_ERRNO | EOPNOTSUPP) {
+    sock_filter code[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, missing.call, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS,
+                 static_cast<uint32_t>(offsetof(seccomp_data, args) + missing.argument * sizeof(uint64_t))),
+        BPF_JUMP(static_cast<uint16_t>(BPF_JMP | BPF_K | (missing.bits != 0 ? BPF_JSET : BPF_JGE)), missing.bits, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, action),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter = {std::size(code), code};
+    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0)
+        _exit(99);
+}
+
+// What CreateWholeFile does in a process that `prepare` has been called in: 0, or errno.
+int CreateIn(const std::string& path, const std::string& bytes, const std::function<void()>& prepare) {
+    return InChild([&] {
+        prepare();
+        return CreateWholeFile(path, bytes.data(), bytes.size()) ? 0 : errno;
+    });
+}
+
+bool IsEmpty(const std::string& folder) { return fs::directory_iterator(folder) == fs::directory_iterator(); }
+
+// On each kind of file system.
+TEST(WholeFiles, AreTheirOwnersAndReplaceNothing) {
+    const std::string bytes(size_t{100} << 10, 'x');
+    const std::vector<std::vector<Missing_t>> kKinds = {
+        {},
+        {                 kNoNamelessFiles},
+        { kNoNamelessFiles, kNoLinks},
+        { kNoNamelessLinks, kNoLinks},
+    };
+    for (const auto& kind : kKinds) {
+        const auto prepare = [&] {
+            for (const Missing_t& missing : kind) Forgo(missing);
+        };
+        const std::string folder = Folder(), file = folder + "file", link = folder + "link";
+        EXPECT_EQ(CreateIn(file, bytes, prepare), 0);
+        EXPECT_EQ(ReadWholeFile(file), bytes);
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+        fs::create_symlink("nowhere", link);
+        for (const std::string& taken : {file, link}) EXPECT_EQ(CreateIn(taken, "other", prepare), EEXIST) << taken;
+        EXPECT_EQ(ReadWholeFile(file), bytes);
+        EXPECT_EQ(CreateIn(folder + "none/file", bytes, prepare), ENOENT);
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 2) << kind.size();
     }
-    EXPECT_FALSE(fs::exists(folder + "nowhere"));
-    EXPECT_TRUE(IsFolder(folder));
-    EXPECT_FALSE(IsFolder(file));
+    EXPECT_TRUE(IsFolder(Folder()));
+    EXPECT_FALSE(IsFolder(Folder() + "file"));
+}
+
+TEST(WholeFiles, AreAbsentIfNotWhole) {
+    const std::string bytes(size_t{100} << 10, 'x');
+    for (const bool isNameless : {true, false}) {
+        const std::string folder = Folder(), file = folder + "file";
+        const auto limited = [&] {
+            const rlimit limit = {4096, 4096};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            if (!isNameless) Forgo(kNoNamelessFiles);
+        };
+        EXPECT_EQ(CreateIn(file, bytes, limited), EFBIG);
+        EXPECT_TRUE(IsEmpty(folder));
+        if (!ClFolderOver::IsPossible()) continue;  // only root can have a full disk
+        const ClFolderOver full(folder.substr(0, folder.size() - 1).c_str(), "size=8k");
+        EXPECT_EQ(CreateIn(file, bytes, [&] { isNameless ? void() : Forgo(kNoNamelessFiles); }), ENOSPC);
+        EXPECT_TRUE(IsEmpty(folder));
+    }
+    // Ended when all is written and nothing linked.
+    const std::string folder = Folder();
+    EXPECT_EQ(CreateIn(folder + "file", bytes, [] { Forgo(kNoNamelessLinks, SECCOMP_RET_KILL_PROCESS); }), -1);
+    EXPECT_TRUE(IsEmpty(folder));
 }
 
 // The whole way from the shell to the hardware, by the two operations that need no rights.
@@ -67,7 +132,7 @@ TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
     const std::string folder = Folder();
     const int result = InChild([&] {
         for (const int stream : {0, 1, 2}) close(stream);
-        std::FILE* const files[] = {CreateNewFile(folder + "new"), os_fopen((folder + "new").c_str(), "r"),
+        std::FILE* const files[] = {OpenFile(folder + "new", "w"), os_fopen((folder + "new").c_str(), "r"),
                                     OpenFile(folder + "other", "w"), OpenConfigFile((folder + "new").c_str())};
         int number = 1;
         for (std::FILE* file : files) {
