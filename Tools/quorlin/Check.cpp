@@ -1,6 +1,7 @@
 // quorlin check: what is wrong with a table.
 #include <algorithm>
 #include <cstdio>
+#include <set>
 #include <unordered_set>
 
 #include "Packages/Format/Structures.h"
@@ -28,10 +29,12 @@ constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNd
 
 struct Finding_t {
     const char* rule;
-    const TableStructure_t* structure;  // null for one of the table as a whole
+    const TableStructure_t* structure;  // null for one of the table as a whole; lives for the length of the call
     uint32_t offset;                    // of the structure, or of where the table ends
     std::string text;
 };
+// Takes the findings one by one: a table of nothing but flaws has millions.
+using Report_t = std::function<void(const Finding_t&)>;
 
 // Codes that the oldest version of their type doesn't have. In a structure too short for one its decoder reads on into
 // the string area, and what it reads there is no code.
@@ -56,44 +59,50 @@ std::string Hex(uint32_t number) {
 
 class ClLint {
   public:
-    explicit ClLint(ClTable& table) : m_bytes(table.Bytes()) {
-        for (const TableStructure_t& structure : ClWalk(m_bytes)) m_structures.push_back(structure);
-        for (const TableStructure_t& structure : m_structures) m_handles.insert(structure.Handle());
-        CheckTable(table);
+    ClLint(ClTable& table, Report_t report) : m_bytes(table.Bytes()), m_report(std::move(report)) {
+        for (const TableStructure_t& structure : ClWalk(m_bytes)) m_handles.insert(structure.Handle());
+        FindCodes(table);
+        if (table.Image() != nullptr && !table.Image()->checksumsFit)
+            AddForTable("checksum", 0, "the entry point's bytes don't add up to its checksums");
         std::unordered_set<uint16_t> seen;
-        for (const TableStructure_t& structure : m_structures) {
+        bool isEnded = false;
+        for (const TableStructure_t& structure : ClWalk(m_bytes)) {
             m_structure = &structure;
             m_facts = FactsOf(structure.Type());
             m_length = std::min<uint32_t>(structure.Length(), structure.size);
+            isEnded = structure.Type() == kEndOfTable;
             if (!seen.insert(structure.Handle()).second)
                 Add("handle", "another structure in front of it has this handle");
-            if (!CheckLength() || m_facts == nullptr) continue;
-            CheckStrings();
-            for (const char offset : m_facts->handles) CheckReference(static_cast<uint8_t>(offset));
-            if (m_facts->list.listOffset != 0) CheckList(m_facts->list);
+            if (CheckLength() && m_facts != nullptr) CheckFields();
+            AddCodes();
         }
-        CheckCodes(table);
-        std::ranges::stable_sort(m_findings, {}, &Finding_t::offset);
+        const auto end = static_cast<uint32_t>(m_bytes.size());
+        if (table.Image() != nullptr && table.Image()->missing != 0)
+            AddForTable(
+                "length", end,
+                "the table ends " + std::to_string(table.Image()->missing) + " bytes before the length that it states");
+        if (!isEnded) AddForTable("end", end, "no End-of-Table structure ends the table");
     }
 
-    const std::vector<Finding_t>& Findings() const { return m_findings; }
+    size_t Findings() const { return m_findings; }
 
   private:
-    void Add(const char* rule, std::string text) {
-        m_findings.push_back(
-            {rule, m_structure, static_cast<uint32_t>(m_structure->data - m_bytes.data()), std::move(text)});
+    void AddForTable(const char* rule, uint32_t offset, std::string text) {
+        m_findings++;
+        m_report({rule, nullptr, offset, std::move(text)});
     }
 
-    void CheckTable(const ClTable& table) {
-        const auto end = static_cast<uint32_t>(m_bytes.size());
-        if (table.Image() != nullptr && !table.Image()->checksumsFit)
-            m_findings.push_back({"checksum", nullptr, 0, "the entry point's bytes don't add up to its checksums"});
-        if (table.Image() != nullptr && table.Image()->missing != 0)
-            m_findings.push_back({"length", nullptr, end,
-                                  "the table ends " + std::to_string(table.Image()->missing) +
-                                      " bytes before the length that it states"});
-        if (m_structures.empty() || m_structures.back().Type() != kEndOfTable)
-            m_findings.push_back({"end", nullptr, end, "no End-of-Table structure ends the table"});
+    uint32_t Offset() const { return static_cast<uint32_t>(m_structure->data - m_bytes.data()); }
+
+    void Add(const char* rule, std::string text) {
+        m_findings++;
+        m_report({rule, m_structure, Offset(), std::move(text)});
+    }
+
+    void CheckFields() {
+        CheckStrings();
+        for (const char offset : m_facts->handles) CheckReference(static_cast<uint8_t>(offset));
+        if (m_facts->list.listOffset != 0) CheckList(m_facts->list);
     }
 
     // Whether the structure's formatted area can be looked at.
@@ -162,31 +171,45 @@ class ClLint {
         for (uint32_t entry = 0; entry < count; entry++) CheckReference(list.listOffset + entry * size + list.handleAt);
     }
 
-    bool IsThere(std::string_view key) const {
+    static bool IsThere(const TableStructure_t& structure, std::string_view key) {
         return std::ranges::none_of(kLateCodes, [&](const LateCode_t& code) {
-            return code.type == m_structure->Type() && code.key == key && code.offset >= m_structure->Length();
+            return code.type == structure.Type() && code.key == key && code.offset >= structure.Length();
         });
     }
 
-    // The decoders know every enumeration: where a code stands outside its table they say so.
-    void CheckCodes(ClTable& table) {
-        std::vector<const TableStructure_t*> ofType[256];
-        for (const TableStructure_t& structure : m_structures) ofType[structure.Type()].push_back(&structure);
+    // The decoders know every enumeration: where a code stands outside its table they say so. They go by type, so what
+    // they say is kept until the table's order comes to it.
+    void FindCodes(ClTable& table) {
+        std::vector<uint32_t> ofType[256];  // offsets
+        for (const TableStructure_t& structure : ClWalk(m_bytes))
+            ofType[structure.Type()].push_back(static_cast<uint32_t>(structure.data - m_bytes.data()));
         VisitStructures(table.Package(), AllTypes(true), [&](const Structure_t& decoded) {
             if (decoded.instance > ofType[decoded.type].size()) return;
-            m_structure = ofType[decoded.type][decoded.instance - 1];
+            const uint32_t offset = ofType[decoded.type][decoded.instance - 1];
+            const TableStructure_t structure = {m_bytes.data() + offset, 0};
             for (size_t index = decoded.firstItem; index < decoded.EndItem(); index++) {
                 const Item_t& item = decoded.items[index];
-                if (item.value.IsInvalid() && IsThere(item.key.View()))
-                    Add("code", item.key.String() + ": a code outside its table");
+                if (item.value.IsInvalid() && IsThere(structure, item.key.View()))
+                    m_codes.emplace_back(offset, &*m_keys.emplace(item.key.View()).first);
             }
         });
+        std::ranges::stable_sort(m_codes, {}, &Code_t::first);
     }
 
+    void AddCodes() {
+        for (; m_nextCode < m_codes.size() && m_codes[m_nextCode].first == Offset(); m_nextCode++)
+            Add("code", *m_codes[m_nextCode].second + ": a code outside its table");
+    }
+
+    using Code_t = std::pair<uint32_t, const std::string*>;  // a structure's offset, and a key
+
     std::span<const uint8_t> m_bytes;
-    std::vector<TableStructure_t> m_structures;
+    const Report_t m_report;
+    size_t m_findings = 0;
     std::unordered_set<uint16_t> m_handles;
-    std::vector<Finding_t> m_findings;
+    std::set<std::string, std::less<>> m_keys;
+    std::vector<Code_t> m_codes;
+    size_t m_nextCode = 0;
 
     // The structure at hand.
     const TableStructure_t* m_structure = nullptr;
@@ -194,37 +217,39 @@ class ClLint {
     uint32_t m_length = 0;  // of its formatted area, as far as it is there
 };
 
-void ListText(const std::vector<Finding_t>& findings, ClOutput& output) {
+size_t ListText(ClTable& table, ClOutput& output) {
     ClColumns columns(output);
-    for (const Finding_t& finding : findings) {
+    const ClLint lint(table, [&](const Finding_t& finding) {
         std::string place = "Table";
         if (finding.structure != nullptr)
             place = "Handle " + HandleText(finding.structure->Handle()) + ", type " +
                     std::to_string(finding.structure->Type()) + " (" +
                     std::string(NameOfType(finding.structure->Type())) + ")";
         columns.Line(0, place + ", offset " + Hex(finding.offset) + ": " + finding.text);
-    }
-    output << (findings.empty()
-                   ? "No findings\n"
-                   : std::to_string(findings.size()) + (findings.size() == 1 ? " finding\n" : " findings\n"));
+    });
+    const size_t count = lint.Findings();
+    output << (count == 0 ? "No findings\n" : std::to_string(count) + (count == 1 ? " finding\n" : " findings\n"));
+    return count;
 }
 
-void ListCsv(const std::vector<Finding_t>& findings, ClCsv& csv) {
+size_t ListCsv(ClTable& table, ClCsv& csv) {
+    csv.SetImage(table.Name());
     csv.Head({"rule", "type", "handle", "offset", "text"});
-    for (const Finding_t& finding : findings) {
+    const ClLint lint(table, [&](const Finding_t& finding) {
         const bool isOfStructure = finding.structure != nullptr;
         csv.Row({finding.rule, isOfStructure ? std::to_string(finding.structure->Type()) : "",
                  isOfStructure ? std::to_string(finding.structure->Handle()) : "", std::to_string(finding.offset),
                  finding.text});
-    }
+    });
+    return lint.Findings();
 }
 
-void ListJson(const std::vector<Finding_t>& findings, const ClTable& table, ClJson& json) {
+size_t ListJson(ClTable& table, ClJson& json) {
     json.BeginObject();
     WriteTableMembers(json, table);
     json.Name("findings");
     json.BeginList();
-    for (const Finding_t& finding : findings) {
+    const ClLint lint(table, [&](const Finding_t& finding) {
         json.BeginObject();
         json.Member("rule", std::string_view(finding.rule));
         if (finding.structure != nullptr) {
@@ -234,10 +259,12 @@ void ListJson(const std::vector<Finding_t>& findings, const ClTable& table, ClJs
         json.Member("offset", finding.offset);
         json.Member("text", finding.text);
         json.FinishObject();
-    }
+        json.FlushIfLarge();
+    });
     json.FinishList();
     json.FinishObject();
     json.Finish();
+    return lint.Findings();
 }
 
 }  // namespace
@@ -257,15 +284,10 @@ int RunCheck(const Arguments_t& arguments) {
     ClJson json(output);
     ClCsv csv(output, source.IsFleet());
     exitCode = RunOnTables(source, format, kCheckUsage.trouble, json, [&](ClTable& table) {
-        const ClLint lint(table);
-        const std::vector<Finding_t>& findings = lint.Findings();
-        if (format == Format_t::kText)
-            ListText(findings, output);
-        else if (format == Format_t::kCsv)
-            csv.SetImage(table.Name()), ListCsv(findings, csv);
-        else
-            ListJson(findings, table, json);
-        return findings.empty() ? kExitDone : kExitNo;
+        const size_t count = format == Format_t::kText  ? ListText(table, output)
+                             : format == Format_t::kCsv ? ListCsv(table, csv)
+                                                        : ListJson(table, json);
+        return count == 0 ? kExitDone : kExitNo;
     });
     return output.Finish() ? exitCode : kCheckUsage.trouble;
 }

@@ -33,12 +33,13 @@ class ClJson : private rapidjson::Writer<rapidjson::StringBuffer> {
 
     // Starts a line inside a document, for people's eyes.
     void Break() { m_buffer.Put('\n'); }
+    // Hands what has been written to the output, now and then. For what repeats without Pair, which does so itself.
+    void FlushIfLarge();
     // Ends the document and its line.
     void Finish();
 
   private:
     void Quoted(std::string_view escaped);
-    void FlushIfLarge();
 
     rapidjson::StringBuffer m_buffer;
     ClOutput& m_output;

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "Tests/Support/Linux/Processes.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 
@@ -503,6 +504,21 @@ TEST_F(OnLinux, OutputThatCannotBeWrittenIsTrouble) {
         EXPECT_EQ(run(arguments), full + "2\n") << arguments;
     // A reader that has gone is no trouble.
     EXPECT_EQ(Shell("{ sleep 0.1; " QUORLIN_PROGRAM " --sample; echo $? >&2; } | true"), "0\n0\n");
+}
+
+// In kilobytes of address space, of which the program and the store's records of a table of 4 MiB take the most.
+TEST_F(OnLinux, ForeignFilesAndFlawsTakeLittleMemory) {
+    if (IsSanitized()) GTEST_SKIP() << "a sanitizer reserves terabytes";
+    const std::string sparse = WriteFile("sparse", {}), zeros = WriteFile("zeros", Bytes_t(4u << 20)),
+                      bomb = TempDir() + "bomb.gz";
+    fs::resize_file(sparse, uintmax_t{1} << 36);
+    Shell("head -c 100M /dev/zero | gzip >" + bomb);
+    for (const std::string& file : {std::string("/dev/zero"), sparse, bomb})
+        EXPECT_EQ(Shell("ulimit -v 24000; " QUORLIN_PROGRAM " --image " + file),
+                  "quorlin: " + file + ": larger than 4 MiB, so not a table; try the file that holds the dump\n1\n");
+    const std::string findings = Shell("ulimit -v 330000; " QUORLIN_PROGRAM " check --as table --format json --image " +
+                                       zeros + " | tail -c 300");
+    EXPECT_TRUE(Has(findings, "no End-of-Table structure ends the table")) << findings;
 }
 
 TEST_F(OnLinux, ATerminalGetsColourAndLinesThatFit) {
