@@ -174,6 +174,11 @@ status_t DebugUseConfigText(const char* text) {
     return status;
 }
 
+const char* DebugWhyConfigRefused() {
+    const std::lock_guard hold(guard);
+    return debugConfigRefusal;
+}
+
 void DebugResetForTest() {
     DebugForgetConfig();
     ConfigState = ConfigState_t::NotRead;

@@ -34,7 +34,9 @@ struct DebugConfEntry {
 };
 
 static ContainerHandle_t DebugConfList = nullptr;
-static bool GlobalSeen = false;  // never cleared but by DebugForgetConfig: the file is not read again
+static bool GlobalSeen = false;   // never cleared but by DebugForgetConfig: the file is not read again
+static bool isHostsText = false;  // not the file's
+const char* debugConfigRefusal = nullptr;
 
 // Tokens: two letters each, with nothing between them.
 
@@ -184,6 +186,7 @@ static status_t StoreSetting(std::string_view package, std::string_view key, std
     }
     for (const Key_t& row : kKeys) {
         if (key != row.name) continue;
+        if (row.setBit == kSetFileName && HasForeignRights()) return kNotSupported;
         if (!row.read(value, entry)) return kFailure;
         entry->SetMask |= row.setBit;
         return kSuccess;
@@ -228,10 +231,12 @@ static status_t ReadPieces(NextPiece nextPiece) {
 }
 
 status_t DebugReadConfigStream(FILE* stream) {
+    isHostsText = false;
     return ReadPieces([stream](char* piece) { return std::fgets(piece, kPieceSize, stream) != nullptr; });
 }
 
 status_t DebugReadConfigText(const char* text) {
+    isHostsText = true;
     return ReadPieces([&text](char* piece) {
         if (*text == '\0') return false;
         size_t length = std::strcspn(text, "\n;");
@@ -245,7 +250,7 @@ status_t DebugReadConfigText(const char* text) {
 }
 
 status_t DebugReadConfig() {
-    FILE* file = OpenConfigFile("debug.conf");
+    FILE* file = OpenConfigFile("debug.conf", &debugConfigRefusal);
     if (file == nullptr) return kSuccess;
     const status_t status = DebugReadConfigStream(file);
     std::fclose(file);
@@ -256,7 +261,7 @@ status_t DebugReadConfig() {
 
 static status_t OpenLog(DebugConfEntry* entry, FILE** stream) {
     if ((entry->SetMask & kSetFileName) == 0) return kSuccess;
-    if (entry->Stream == nullptr) entry->Stream = os_fopen(entry->FileName, "w");
+    if (entry->Stream == nullptr) entry->Stream = OpenLogFile(entry->FileName, isHostsText);
     if (entry->Stream == nullptr) return kFailure;
     *stream = entry->Stream;
     return kSuccess;
@@ -311,5 +316,6 @@ status_t DebugFreeConfig() {
 
 status_t DebugForgetConfig() {
     GlobalSeen = false;
+    debugConfigRefusal = nullptr;
     return DebugFreeConfig();
 }

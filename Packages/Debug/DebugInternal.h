@@ -40,8 +40,11 @@ Entry* FindEntry(ContainerHandle_t list, Wanted wanted) {
 status_t DebugReadConfig();
 // The same from a stream, which stays the caller's.
 status_t DebugReadConfigStream(FILE* stream);
-// The same from a text whose lines end with a newline or ';'.
+// The same from a text whose lines end with a newline or ';'. Its log files may be devices.
+// Status  also 6: it names a file, and the process has foreign rights
 status_t DebugReadConfigText(const char* text);
+// Why DebugReadConfig didn't obey the file that there is, or null.
+extern const char* debugConfigRefusal;
 // Gives a handle the settings of its own entry and then those of the Global entry, and opens their log files.
 // Status  1; 4 null handle; 5 a log file can't be opened, or the Global entry has been released
 status_t DebugApplyConfig(DebugHandle_t handle);

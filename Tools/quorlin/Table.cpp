@@ -175,7 +175,9 @@ bool Source_t::Check(const Usage_t& usage, int* exitCode) {
     signature = static_cast<uint32_t>(number);
     if (!colorGiven.empty() && !SetColor(colorGiven))
         return SayBadUsage(usage, "--color: '" + colorGiven + "' is none of auto, always and never", exitCode);
-    return BeginTrace(usage, trace, exitCode);
+    if (!BeginTrace(usage, trace, exitCode)) return false;
+    if (verbose) SayRefusedConfig();
+    return true;
 }
 
 bool Source_t::CheckOne(const Usage_t& usage, int* exitCode) {

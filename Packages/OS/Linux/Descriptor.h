@@ -30,6 +30,12 @@ class ClDescriptor {
     int Get() const { return m_file; }
     // The file, which stays open from here on.
     int Release() { return std::exchange(m_file, -1); }
+    // The file as a stream, which closes it. Null with errno set, also for no file.
+    std::FILE* OpenStream(const char* mode) {
+        std::FILE* stream = fdopen(m_file, mode);
+        if (stream != nullptr) Release();
+        return stream;
+    }
 
   private:
     int m_file;

@@ -1,8 +1,13 @@
-// Files, and which of them may be obeyed.
+// Files, and which of them may be obeyed and written to.
 #include <fcntl.h>
+#include <sys/auxv.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
 
 #include "Packages/OS/ConfigFile.h"
 #include "Packages/OS/Linux/Descriptor.h"
@@ -31,19 +36,86 @@ FILE* os_fopen(const char* path, const char* mode) {
     return path == nullptr || mode == nullptr ? nullptr : OpenStreamAbove(path, mode);
 }
 
-static bool IsObeyed(const struct stat& file) {
-    if (!S_ISREG(file.st_mode)) return false;
-    if (geteuid() != 0) return true;
-    return file.st_uid == 0 && (file.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+// getauxval also tells of capabilities that the program's file gave.
+bool HasForeignRights() { return getuid() != geteuid() || getgid() != getegid() || getauxval(AT_SECURE) != 0; }
+
+namespace {
+
+// Whether root or the effective user owns it. In a user namespace each user without a number there has this one.
+bool IsOwnerTrusted(const struct stat& file) {
+    constexpr uid_t kRoot = 0, kAnyUser = 65534;
+    return file.st_uid == kRoot || (file.st_uid == geteuid() && file.st_uid != kAnyUser);
 }
 
-FILE* OpenConfigFile(const char* path) {
+// An access control list that lets another user write shows as a right of the group.
+bool CanOthersWrite(const struct stat& file) { return (file.st_mode & (S_IWGRP | S_IWOTH)) != 0; }
+
+const char* WhyNotObeyed(const struct stat& file) {
+    if (HasForeignRights()) return "this process has rights that its user doesn't have";
+    if (!S_ISREG(file.st_mode)) return "it is no plain file";
+    if (!IsOwnerTrusted(file)) return "another user owns it";
+    if (CanOthersWrite(file)) return "others can write it";
+    return nullptr;
+}
+
+// Looks at the file's folder and at all above it. The root folder alone ends the way: elsewhere a file system of
+// somebody's own could pretend that a folder is above itself.
+const char* WhyNotReached(const char* path) {
+    constexpr const char* kUnknown = "its folder can't be examined";
+    constexpr char kAbove[] = "/..";
+    const char* slash = std::strrchr(path, '/');
+    char place[PATH_MAX] = ".";
+    size_t length = slash == nullptr ? 1 : static_cast<size_t>(slash + 1 - path);
+    if (length >= sizeof place) return kUnknown;
+    if (slash != nullptr) std::memcpy(place, path, length);
+    struct stat root, here;
+    if (stat("/", &root) != 0) return kUnknown;
+    for (bool isAbove = false; stat(place, &here) == 0; isAbove = true) {
+        if (!IsOwnerTrusted(here)) return "another user owns its folder, or one above";
+        // In a sticky folder others can't rename what is ours or root's.
+        if (CanOthersWrite(here) && !(isAbove && (here.st_mode & S_ISVTX) != 0))
+            return "others can write its folder, or one above";
+        if (here.st_dev == root.st_dev && here.st_ino == root.st_ino) return nullptr;
+        if (length + sizeof kAbove > sizeof place) break;
+        std::memcpy(place + length, kAbove, sizeof kAbove);
+        length += sizeof kAbove - 1;
+    }
+    return kUnknown;
+}
+
+// The descriptor that the name stands for, or -1. The names are links, which the kernel alone can follow.
+int StreamOfName(std::string_view path) {
+    constexpr std::string_view kDescriptors = "/dev/fd/";
+    if (path == "/dev/stdout") return STDOUT_FILENO;
+    if (path == "/dev/stderr") return STDERR_FILENO;
+    return path.starts_with(kDescriptors) ? std::atoi(path.data() + kDescriptors.size()) : -1;
+}
+
+}  // namespace
+
+FILE* OpenConfigFile(const char* path, const char** refusal) {
     // Without O_NONBLOCK a pipe of that name would be waited for. The opened file is asked, not its name, which may
     // have changed hands since.
-    ClDescriptor file(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    ClDescriptor file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+    *refusal = nullptr;
+    if (!file.IsOpen()) {
+        if (errno != ENOENT) *refusal = errno == ELOOP ? "it is a link" : "it can't be read";
+        return nullptr;
+    }
     struct stat facts;
-    if (!file.IsOpen() || fstat(file.Get(), &facts) != 0 || !IsObeyed(facts)) return nullptr;
-    FILE* stream = fdopen(file.Get(), "r");
-    if (stream != nullptr) file.Release();
-    return stream;
+    *refusal = fstat(file.Get(), &facts) != 0 ? "it can't be read" : WhyNotObeyed(facts);
+    if (*refusal == nullptr) *refusal = WhyNotReached(path);
+    return *refusal == nullptr ? file.OpenStream("r") : nullptr;
+}
+
+FILE* OpenLogFile(const char* path, bool deviceToo) {
+    if (const int stream = StreamOfName(path); deviceToo && stream >= 0)
+        return ClDescriptor(fcntl(stream, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)).OpenStream("w");
+    // It is emptied when it has turned out to be plain.
+    ClDescriptor file(path, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, S_IRUSR | S_IWUSR);
+    struct stat facts;
+    if (!file.IsOpen() || fstat(file.Get(), &facts) != 0) return nullptr;
+    const bool isDevice = S_ISCHR(facts.st_mode) || S_ISFIFO(facts.st_mode);
+    if (!(S_ISREG(facts.st_mode) ? ftruncate(file.Get(), 0) == 0 : deviceToo && isDevice)) return nullptr;
+    return fcntl(file.Get(), F_SETFL, 0) == 0 ? file.OpenStream("w") : nullptr;
 }

@@ -29,6 +29,7 @@ static bool WriteAll(int file, const void* bytes, size_t size) {
     return fsync(file) == 0 || errno == EINVAL;
 }
 
+// "./" for a name alone.
 static std::string FolderOf(const std::string& path) {
     const size_t slash = path.rfind('/');
     return slash == path.npos ? "./" : path.substr(0, slash + 1);

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "Packages/OS/ConfigFile.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Windows/Windows.h"
 
@@ -137,9 +136,6 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
     }
     return true;
 }
-
-// Who may write to the working folder of a privileged process is settled by the folder's own access list.
-FILE* OpenConfigFile(const char* path) { return os_fopen(path, "r"); }
 
 FILE* os_fopen(const char* path, const char* mode) {
     return path == nullptr || mode == nullptr ? nullptr : std::fopen(path, mode);

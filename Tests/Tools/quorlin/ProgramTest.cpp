@@ -521,6 +521,29 @@ TEST_F(OnLinux, ForeignFilesAndFlawsTakeLittleMemory) {
     EXPECT_TRUE(Has(findings, "no End-of-Table structure ends the table")) << findings;
 }
 
+// In a folder where anybody may have put it.
+TEST_F(OnLinux, AStrangersConfigurationWritesNothing) {
+    const auto folder = fs::path(TempDir()) / "quorlin-stranger";
+    fs::remove_all(folder);
+    fs::create_directory(folder);
+    fs::permissions(folder, fs::perms::all);
+    const std::string precious = WriteFile("precious", {'p'}), program = "cd " + folder.string() + "; " QUORLIN_PROGRAM;
+    std::ofstream(folder / "debug.conf") << "Global:TraceType<Al>\nGlobal:OutputType<CoFi>\nGlobal:FileName<"
+                                         << precious << ">\n";
+    const std::string plain = Shell(QUORLIN_PROGRAM " --sample --type 24");
+    EXPECT_EQ(Shell(program + " --sample --type 24"), plain);
+    EXPECT_EQ(Shell(program + " --sample --type 24 --verbose 2>&1 >/dev/null | grep debug.conf"),
+              "quorlin: debug.conf: not obeyed: others can write its folder, or one above\n0\n");
+    EXPECT_EQ(ReadWholeFile(precious), "p");
+
+    // What the user himself asks for.
+    const std::string trace =
+        " --sample --type 24 --trace 'Global:TraceType<In>;Global:OutputType<Fi>;Global:FileName<";
+    EXPECT_TRUE(Has(Shell(program + trace + "/dev/stderr>' 2>&1 >/dev/null"), " Fn:ParseAllStructures "));
+    const std::string lost = Shell(program + trace + "no-folder/log>' 2>&1 >/dev/null");
+    EXPECT_TRUE(Has(lost, "quorlin: --trace: its log can't be opened; try ")) << lost;
+}
+
 TEST_F(OnLinux, ATerminalGetsColourAndLinesThatFit) {
     const std::pair<const char*, bool> kEnvironments[] = {
         {"-u NO_COLOR", true },

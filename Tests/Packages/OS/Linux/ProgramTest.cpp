@@ -128,12 +128,32 @@ TEST(Program, ReadsHardwareFromTheShell) {
     EXPECT_EQ(RunQuorlin("hw pci 0000:ff:1f.7 2 5").output, "ff ff ff ff ff\n");
 }
 
+// A copy that belongs to root and runs with his rights, whoever starts it.
+TEST(Program, TakesNoFileNamesForRightsThatItsUserLacks) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give the program his rights";
+    const std::string folder = Folder(), copy = folder + "copy";
+    fs::copy_file(QUORLIN_PROGRAM, copy);
+    fs::permissions(copy, fs::perms::set_uid | fs::perms::others_read | fs::perms::others_exec, fs::perm_options::add);
+    const auto run = [&](const std::string& trace) {
+        return RunPrepared({copy, "--sample", "--type", "24", "--trace", "Global:TraceType<Al>;" + trace}, [] {
+            if (!BecomeNobody()) _exit(99);
+        });
+    };
+    const ProgramRun_t refused = run("Global:FileName<" + folder + "log>");
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_NE(refused.errors.find("--trace: no file is written with rights that the user"), std::string::npos)
+        << refused.errors;
+    EXPECT_FALSE(fs::exists(folder + "log"));
+    EXPECT_EQ(run("Global:OutputType<Co>").exitCode, 0);
+}
+
 TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
     const std::string folder = Folder();
     const int result = InChild([&] {
         for (const int stream : {0, 1, 2}) close(stream);
-        std::FILE* const files[] = {OpenFile(folder + "new", "w"), os_fopen((folder + "new").c_str(), "r"),
-                                    OpenFile(folder + "other", "w"), OpenConfigFile((folder + "new").c_str())};
+        std::FILE* const files[] = {OpenLogFile((folder + "new").c_str(), false),
+                                    os_fopen((folder + "new").c_str(), "r"), OpenFile(folder + "other", "w"),
+                                    OpenLogFile("/dev/null", true)};
         int number = 1;
         for (std::FILE* file : files) {
             if (file == nullptr || fileno(file) <= 2 || (fcntl(fileno(file), F_GETFD) & FD_CLOEXEC) == 0) return number;
