@@ -1,0 +1,109 @@
+// Which configuration files a process obeys and which new files it makes, by Windows' own rules: access lists, and
+// renames that replace nothing.
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+
+#include "Packages/OS/ConfigFile.h"
+#include "Packages/OS/Program.h"
+#include "Packages/OS/Windows/Windows.h"
+#include "Tests/Support/Program.h"
+
+#include <aclapi.h>
+#include <sddl.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class Files : public testing::Test {
+  protected:
+    void SetUp() override {
+        fs::remove_all(m_folder);
+        fs::create_directory(m_folder);
+        HANDLE token;
+        ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
+        DWORD size;
+        ASSERT_TRUE(GetTokenInformation(token, TokenUser, m_user, sizeof m_user, &size));
+        CloseHandle(token);
+    }
+    void TearDown() override { fs::remove_all(m_folder); }
+
+    // Gives the user all rights, and everybody these.
+    void SetAccess(const std::string& path, const char* everybodys) {
+        char* user = nullptr;
+        ASSERT_TRUE(ConvertSidToStringSidA(reinterpret_cast<TOKEN_USER*>(m_user)->User.Sid, &user));
+        const std::string text = std::string("D:P(A;;FA;;;") + user + ")(A;;" + everybodys + ";;;WD)";
+        LocalFree(user);
+        PSECURITY_DESCRIPTOR facts;
+        ASSERT_TRUE(
+            ConvertStringSecurityDescriptorToSecurityDescriptorA(text.c_str(), SDDL_REVISION_1, &facts, nullptr));
+        EXPECT_TRUE(SetFileSecurityA(path.c_str(), DACL_SECURITY_INFORMATION, facts));
+        LocalFree(facts);
+    }
+    static std::string Refusal(const std::string& path) {
+        const char* refusal = nullptr;
+        std::FILE* file = OpenConfigFile(path.c_str(), &refusal);
+        if (file != nullptr) std::fclose(file);
+        return refusal != nullptr ? refusal : file != nullptr ? "" : "none";
+    }
+
+    const fs::path m_folder = fs::temp_directory_path() / "quorlin-files", m_below = m_folder / "below";
+    alignas(TOKEN_USER) char m_user[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
+};
+
+TEST_F(Files, NoConfigurationIsObeyedThatOthersCouldHaveWritten) {
+    const std::string path = (m_below / "debug.conf").string();
+    EXPECT_EQ(Refusal(path), "none");
+    fs::create_directory(m_below);
+    EXPECT_EQ(Refusal(path), "none");
+    EXPECT_EQ(Refusal(m_below.string()), "it can't be read");
+    std::ofstream(path) << "#";
+    const struct {
+        const char *file, *folder, *above, *refusal;
+    } kCases[] = {
+        {"FR", "FRFX", "FRFX", ""                                         },
+        {"FA", "FRFX", "FRFX", "others can write it"                      },
+        {"FW", "FRFX", "FRFX", "others can write it"                      },
+        {"FR", "FA",   "FRFX", "others can write its folder, or one above"},
+        {"FR", "FRFX", "FA",   "others can write its folder, or one above"},
+    };
+    for (const auto& c : kCases) {
+        SetAccess(path, c.file);
+        SetAccess(m_below.string(), c.folder);
+        SetAccess(m_folder.string(), c.above);
+        EXPECT_EQ(Refusal(path), c.refusal) << c.file << ' ' << c.folder << ' ' << c.above;
+    }
+}
+
+TEST_F(Files, LogsAreNewOrPlain) {
+    const std::string log = (m_folder / "log").string();
+    for (const char* text : {"longer", "log"}) {
+        std::FILE* file = OpenLogFile(log.c_str(), false);
+        ASSERT_NE(file, nullptr);
+        std::fputs(text, file);
+        std::fclose(file);
+        EXPECT_EQ(ReadWholeFile(log), text);
+    }
+    EXPECT_EQ(OpenLogFile(m_folder.string().c_str(), true), nullptr);
+    EXPECT_EQ(OpenLogFile("NUL", false), nullptr);
+    std::FILE* device = OpenLogFile("NUL", true);
+    ASSERT_NE(device, nullptr);
+    std::fclose(device);
+}
+
+TEST_F(Files, NewOnesAreWholeAndReplaceNothing) {
+    const std::string name = (m_folder / "new").string(), bytes(3u << 20, 'x');
+    EXPECT_TRUE(CreateWholeFile(name, bytes.data(), bytes.size()));
+    EXPECT_EQ(ReadWholeFile(name), bytes);
+    EXPECT_FALSE(CreateWholeFile(name, "other", 5));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(fs::file_size(name), bytes.size());
+    EXPECT_FALSE(CreateWholeFile((m_folder / "none" / "new").string(), "other", 5));
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
+}
+
+}  // namespace
