@@ -21,6 +21,11 @@ status_t OSGetSegBusInfo(SegBusInfo_t* segments);
 // As OSGetSegBusInfo, and `count` gets the number of entries, also when that is 0.
 status_t OSGetSegBusInfoWithCount(SegBusInfo_t* segments, uint32_t* count);
 status_t OSGetPCIExCfgBaseAddr(uint64_t* base, uint32_t location);
+// OSPCIExRead of both halves. Under a hypervisor it is OSPCIRead of the machine in use; else `read`, which gets the
+// base of the location's segment.
+using ExtendedRead_t = status_t (*)(uint64_t base, uint32_t location, uint32_t offset, DataBuffer_t* buffer);
+status_t ReadExtendedSpace(bool hasHypervisor, ExtendedRead_t read, uint32_t location, uint32_t offset,
+                           DataBuffer_t* buffer);
 // The entries of an MCFG table of `size` bytes into an array of kMaxSegments; gives their number.
 uint32_t FillSegments(const uint8_t* mcfg, uint32_t size, SegBusInfo_t* segments);
 

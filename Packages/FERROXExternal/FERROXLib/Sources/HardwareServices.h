@@ -42,6 +42,30 @@ struct HardwareServices_t {
 // This machine; each system's half defines it.
 extern const HardwareServices_t kThisHardware;
 
+// The operations of the halves, by which their files call each other. A half defines those that its table names.
+status_t OSFERROXInitialize();
+status_t OSFERROXTerminate();
+status_t OSGetFERROXDriverVersion(uint32_t* version);
+status_t OSGetPCILibVersion(uint32_t* version);
+status_t OSGetIOLibVersion(uint32_t* version);
+status_t OSGetCPULibVersion(uint32_t* version);
+status_t OSPCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIOReadStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSMMIOReadGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSMMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSGetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIOReadDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer);
+status_t OSPCIMMIOWriteDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer);
+status_t OSReadPort(uint16_t port, DataBuffer_t* buffer);
+status_t OSWritePort(uint16_t port, DataBuffer_t* buffer);
+status_t OSReadMSR(MSRRecord_t* record);
+status_t OSWriteMSR(MSRRecord_t* record);
+status_t OSReadCPUID(uint32_t processor, CPUIDRecord_t* record);
+status_t OSCalcNonTurbo(NonTurboRecord_t* record);
+
 // The machine in use, at first this one. It may be exchanged while the library is closed; `hardware` must outlive its
 // use.
 const HardwareServices_t& CurrentHardware();

@@ -166,3 +166,20 @@ status_t OSGetPCIExCfgBaseAddr(uint64_t* base, uint32_t location) {
     *base = found->BaseAddress;
     return kSuccess;
 }
+
+status_t ReadExtendedSpace(bool hasHypervisor, ExtendedRead_t read, uint32_t location, uint32_t offset,
+                           DataBuffer_t* buffer) {
+    if (hasHypervisor) {
+        TRACE("OSPCIExRead", kInfo, "HyperV enabled.");
+        if (Segment(location) != 0) return kNotSupported;
+        if (uint64_t{offset} + buffer->Size > 256) return kBadValue;
+        return CurrentHardware().OSPCIRead(location, offset, buffer);
+    }
+    uint64_t base = 0;
+    const status_t status = OSGetPCIExCfgBaseAddr(&base, location);
+    if (status != kSuccess) {
+        TRACE("OSPCIExRead", kError, "OSPCIExRead: myPCIExBaseAddr read failed. status = %d", static_cast<int>(status));
+        return status;
+    }
+    return buffer->Size == 0 ? kBadValue : read(base, location, offset, buffer);
+}

@@ -40,23 +40,15 @@ status_t OSPCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
     return kSuccess;
 }
 
-status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
-    if (HyperVEnabled != 0) {
-        TRACE("OSPCIExRead", kInfo, "HyperV enabled.");
-        if (Segment(location) != 0) return kNotSupported;
-        if (uint64_t{offset} + buffer->Size > 256) return kBadValue;
-        return OSPCIRead(location, offset, buffer);
-    }
-    uint64_t base = 0;
-    const status_t status = OSGetPCIExCfgBaseAddr(&base, location);
-    if (status != kSuccess) {
-        TRACE("OSPCIExRead", kError, "OSPCIExRead: myPCIExBaseAddr read failed. status = %d", static_cast<int>(status));
-        return status;
-    }
+static status_t ReadMappedSpace(uint64_t base, uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
     const uint64_t address = (base & ~uint64_t{0xF}) + uint64_t{Bus(location)} * 1048576 +
                              uint64_t{Device(location)} * 32768 + uint64_t{Function(location)} * 4096;
-    if (offset == 65535 || buffer->Size == 0 || address == 0 || address == 65535) return kBadValue;
+    if (offset == 65535 || address == 0 || address == 65535) return kBadValue;
     return OSPCIMMIORead(address, offset, buffer);
+}
+
+status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
+    return ReadExtendedSpace(HyperVEnabled != 0, ReadMappedSpace, location, offset, buffer);
 }
 
 // ---- Memory-mapped registers

@@ -149,6 +149,8 @@ static void UndoBringDriverUp() {
     ReleaseDriver();
 }
 
+// Opens section, driver and device for this process. 1; 5 with all steps undone; or getHyperVStatus's status, with the
+// device left open and the machine's count raised. On an open device it just raises the count.
 status_t OSFERROXInitialize() {
     if (DeviceHandle != INVALID_HANDLE_VALUE) {
         ++SharedMemory->ReferenceCountExt;
@@ -178,6 +180,8 @@ status_t OSFERROXInitialize() {
     return getHyperVStatus(&HyperVEnabled);
 }
 
+// Closes the device; at the machine's last user also stops and removes the driver, unless it loads by itself.
+// 1; 2 not open; 5 when the driver can't be stopped or removed: section and view stay then, for the next try.
 status_t OSFERROXTerminate() {
     if (DeviceHandle == INVALID_HANDLE_VALUE) {
         TRACE("OSFERROXTerminate", kError, "OSFERROXTerminate: FERROX not initialized");

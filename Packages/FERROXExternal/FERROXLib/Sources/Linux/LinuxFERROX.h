@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 
 enum class Direction_t { kRead, kWrite };
 
@@ -21,21 +22,6 @@ status_t Refused(const char* function, const char* reason);
 // Moves bytes of a function's configuration space. As on the bus, what isn't there reads as ones and takes no writes.
 // False with errno set.
 bool MoveConfiguration(Direction_t direction, uint32_t location, uint32_t offset, uint8_t* data, uint32_t size);
-
-status_t OSPCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
-status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
-status_t OSPCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
-status_t OSPCIMMIOReadStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
-status_t OSPCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
-status_t OSPCIMMIOReadDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer);
-status_t OSPCIMMIOWriteDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer);
-status_t OSGetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer);
-status_t OSReadPort(uint16_t port, DataBuffer_t* buffer);
-status_t OSWritePort(uint16_t port, DataBuffer_t* buffer);
-status_t OSReadMSR(MSRRecord_t* record);
-status_t OSWriteMSR(MSRRecord_t* record);
-status_t OSReadCPUID(uint32_t processor, CPUIDRecord_t* record);
-status_t OSCalcNonTurbo(NonTurboRecord_t* record);
 
 // A counter and the clock that it is measured with. Both read a number, false when they can't.
 struct Measurement_t {

@@ -10,8 +10,6 @@
 #include "Packages/FERROXExternal/FERROXLib/Sources/Linux/LinuxFERROX.h"
 #include "Packages/OS/Linux/Descriptor.h"
 
-#define TRACE(function, level, ...) FERROX_TRACE("Linux\\PCI", function, level, __VA_ARGS__)
-
 bool MoveConfiguration(Direction_t direction, uint32_t location, uint32_t offset, uint8_t* data, uint32_t size) {
     const bool isRead = direction == Direction_t::kRead;
     char path[64];
@@ -49,17 +47,8 @@ status_t OSPCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
 
 status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
     if (NeedsOpen() != kSuccess) return 0;
-    if (HasHypervisor()) {
-        TRACE("OSPCIExRead", kInfo, "HyperV enabled.");
-        if (Segment(location) != 0) return kNotSupported;
-        if (uint64_t{offset} + buffer->Size > 256) return kBadValue;
-        return OSPCIRead(location, offset, buffer);
-    }
-    uint64_t base = 0;
-    const status_t status = OSGetPCIExCfgBaseAddr(&base, location);
-    if (status != kSuccess) {
-        TRACE("OSPCIExRead", kError, "OSPCIExRead: myPCIExBaseAddr read failed. status = %d", static_cast<int>(status));
-        return status;
-    }
-    return buffer->Size == 0 ? kBadValue : Read("OSPCIExRead", location, offset, buffer);
+    const auto read = [](uint64_t, uint32_t place, uint32_t from, DataBuffer_t* into) {
+        return Read("OSPCIExRead", place, from, into);
+    };
+    return ReadExtendedSpace(HasHypervisor(), read, location, offset, buffer);
 }
