@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/OS.h"
@@ -177,7 +178,9 @@ quorlin_status quorlin_open_machine(const quorlin_options* options, quorlin_tabl
     return Opening(table != nullptr, options, [&](const quorlin_options& wanted) {
         const quorlin_status status = Open(table, wanted, nullptr, [] { SetMachine(ThisMachineWithoutDriver()); });
         if (status != QUORLIN_NO_TABLE || wanted.use_driver == 0) return status;
-        return Open(table, wanted, nullptr, [] { SetMachine(ThisMachine()); });
+        const quorlin_status withDriver = Open(table, wanted, nullptr, [] { SetMachine(ThisMachine()); });
+        if (withDriver != QUORLIN_OK) EndFailedStart();
+        return withDriver;
     });
 }
 

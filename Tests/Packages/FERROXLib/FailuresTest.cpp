@@ -3,6 +3,7 @@
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
+#include "Sources/quorlin_c.h"
 #include "Tests/Packages/FERROXLib/Library.h"
 
 namespace {
@@ -110,4 +111,24 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
         }
     }
     NewMachine();
+}
+
+// A driver that starts, opens and then refuses CPUID, which the library by itself leaves running.
+TEST_F(Failures, OfCPUIDLeaveTheCInterfaceNoDriver) {
+    for (const char* failing : {"DeviceIoControl#1", "GetActiveProcessorCount#1", "DeviceIoControl#4", "none"}) {
+        NewMachine();
+        PutTableInMemory();
+        Machine().failCalls = {failing};
+        quorlin_options options = {};
+        options.size = sizeof options;
+        options.use_driver = 1;
+        quorlin_table* table = nullptr;
+        EXPECT_EQ(quorlin_open_machine(&options, &table),
+                  failing == std::string("none") ? QUORLIN_OK : QUORLIN_NO_TABLE)
+            << failing;
+        quorlin_close(table);
+        EXPECT_TRUE(Machine().Called("StartServiceA")) << failing;
+        EXPECT_FALSE(Machine().service.exists) << failing;
+        EXPECT_EQ(Machine().Open(), "") << failing;
+    }
 }

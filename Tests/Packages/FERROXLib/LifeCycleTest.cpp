@@ -236,6 +236,53 @@ TEST_F(LifeCycle, FailedHypervisorTestLeavesDeviceAndCount) {
     EXPECT_TRUE(Machine().service.exists);
 }
 
+TEST_F(LifeCycle, AFailedStartCanBeEndedAndLeavesNothing) {
+    for (const bool hasOther : {false, true}) {
+        NewMachine();
+        if (hasOther) Machine().OtherProcess(1);
+        Machine().failCalls = {"DeviceIoControl#1"};
+        EXPECT_EQ(FERROXInitialize(), 0u);
+        EndFailedStart();
+        EndFailedStart();  // finds nothing more to end
+        EXPECT_EQ(Machine().service.exists, hasOther);
+        EXPECT_EQ(Machine().SharedCount(), hasOther ? std::optional(1u) : std::nullopt) << "the other's alone";
+        EXPECT_EQ(Machine().Open(), "");
+    }
+    NewMachine();
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    EndFailedStart();
+    EXPECT_EQ(Machine().SharedCount(), 1u) << "an open library stays open";
+    TerminateAndLeaveNothing("after a start that succeeded");
+}
+
+// What a user can do about it differs.
+TEST_F(LifeCycle, AFailedStartTellsWhetherRightsOrTheDriverAreMissing) {
+    const struct {
+        const char* what;
+        std::set<std::string> failing;  // with the error of a user without rights
+        std::deque<DWORD> startErrors;
+        Refusal_t refusal;
+    } kCases[] = {
+        {"no rights for the section", {"CreateFileMappingA#1"},                 {},   Refusal_t::kRights  },
+        {"no rights for services",    {"OpenSCManagerA#1", "OpenSCManagerA#2"}, {},   Refusal_t::kRights  },
+        {"no rights for the device",  {"CreateFileA#2"},                        {},   Refusal_t::kRights  },
+        {"no driver",                 {"RegOpenKeyExA#1", "RegOpenKeyExA#2"},   {},   Refusal_t::kNoDriver},
+        {"neither",                   {"OpenSCManagerA#2", "RegOpenKeyExA#1"},  {},   Refusal_t::kNoDriver},
+        {"a driver that fails",       {},                                       {31}, Refusal_t::kOther   },
+        {"CPUID that fails",          {"DeviceIoControl#1"},                    {},   Refusal_t::kOther   },
+    };
+    for (const auto& c : kCases) {
+        NewMachine();
+        Machine().failCalls = c.failing;
+        Machine().service.startErrors = c.startErrors;
+        NoteRefusal(Refusal_t::kRights);  // of an operation before
+        EXPECT_NE(FERROXInitialize(), kSuccess) << c.what;
+        EXPECT_EQ(LastRefusal(), c.refusal) << c.what;
+        EndFailedStart();
+        EXPECT_EQ(Machine().Open(), "") << c.what;
+    }
+}
+
 TEST_F(LifeCycle, CountNeverFallsBelowZero) {
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     Machine().section = 0;  // as a process of another session might leave it

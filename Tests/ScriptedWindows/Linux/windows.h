@@ -68,6 +68,7 @@ using LPOVERLAPPED = struct OVERLAPPED*;
 #define SERVICE_STOP_PENDING 3u
 #define SERVICE_RUNNING 4u
 #define KEY_ALL_ACCESS 0x000F003Fu
+#define KEY_READ 0x00020019u
 #define ALL_PROCESSOR_GROUPS 0xFFFFu
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<intptr_t>(static_cast<int32_t>(0x80000002u))))
 

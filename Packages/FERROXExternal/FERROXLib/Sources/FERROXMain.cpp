@@ -17,6 +17,7 @@ uint32_t instanceCount = 0;
 // The open library's reference to the lock, so that the name lasts as long as any process has the library open.
 NamedLock_t* lockReference = nullptr;
 const HardwareServices_t* hardware = &kThisHardware;
+thread_local Refusal_t lastRefusal = Refusal_t::kOther;
 
 // Holds the library's lock while it lives. Every call opens the lock for itself, so that none waits for one that
 // another thread may close.
@@ -80,7 +81,12 @@ const HardwareServices_t& CurrentHardware() { return *hardware; }
 
 void UseHardware(const HardwareServices_t& other) { hardware = &other; }
 
+Refusal_t LastRefusal() { return lastRefusal; }
+
+void NoteRefusal(Refusal_t refusal) { lastRefusal = refusal; }
+
 status_t FERROXInitialize() {
+    NoteRefusal(Refusal_t::kOther);
     const ClLibraryLock lock;
     if (!lock.Held()) return kFailure;
     const status_t status = instanceCount == 0 ? OpenLibrary() : kSuccess;
@@ -98,6 +104,11 @@ status_t FERROXTerminate() {
     const status_t status = Ask(&HardwareServices_t::OSFERROXTerminate);
     CloseLibrary();
     return status;
+}
+
+void EndFailedStart() {
+    const ClLibraryLock lock;
+    if (lock.Held() && instanceCount == 0) Ask(&HardwareServices_t::OSFERROXTerminate);
 }
 
 // ---- Versions

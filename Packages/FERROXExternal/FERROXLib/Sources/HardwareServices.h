@@ -8,7 +8,8 @@
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 
 struct HardwareServices_t {
-    // Life cycle. OSFERROXInitialize is called again after a failure; OSFERROXTerminate gives 2 if it isn't open.
+    // Life cycle. OSFERROXInitialize is called again after a failure; OSFERROXTerminate gives 2 if it isn't open. A
+    // failure other than 5 may leave the machine open.
     status_t (*OSFERROXInitialize)();
     status_t (*OSFERROXTerminate)();
     status_t (*OSGetFERROXDriverVersion)(uint32_t* version);
@@ -70,3 +71,18 @@ status_t OSCalcNonTurbo(NonTurboRecord_t* record);
 // use.
 const HardwareServices_t& CurrentHardware();
 void UseHardware(const HardwareServices_t& hardware);
+
+// Closes what a failed FERROXInitialize has left open, with the machine's count and the driver's service, for a caller
+// that doesn't try again. Does nothing while the library is open.
+void EndFailedStart();
+
+// Why an operation failed with status 0 or 5.
+enum class Refusal_t {
+    kOther,
+    kRights,    // the system refuses it to this user
+    kNoDriver,  // the driver isn't installed
+};
+// That of this thread's last failure. Any operation may change it.
+Refusal_t LastRefusal();
+// For the halves, to tell it.
+void NoteRefusal(Refusal_t refusal);

@@ -25,7 +25,10 @@ bool IsTableName(const char* name) { return os_strlen(name) == 4; }
 // or have gone: then the size is 0.
 uint32_t Fetch(const char* name, uint8_t* buffer, uint32_t room) {
     const auto get = CurrentHardware().GetFirmwareTable;
-    return get == nullptr ? 0 : get(kACPIProvider, TableIdentifier(name), buffer, room, nullptr);
+    bool refused = false;
+    const uint32_t size = get == nullptr ? 0 : get(kACPIProvider, TableIdentifier(name), buffer, room, &refused);
+    if (size == 0) NoteRefusal(refused ? Refusal_t::kRights : Refusal_t::kOther);
+    return size;
 }
 
 status_t TooSmall() {

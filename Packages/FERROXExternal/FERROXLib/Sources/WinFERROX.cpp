@@ -120,19 +120,27 @@ static status_t OpenSharedCount() {
 
 // ---- Open and close
 
-// Registers and starts the driver; false when it doesn't run then.
-static bool BringDriverUp() {
+// Notes why the driver can't be reached: gives 5. `error` is the system's, of the step that failed.
+static status_t NoDriver(DWORD error) {
+    HKEY key = nullptr;
+    const bool hasKey = RegOpenKeyExA(HKEY_LOCAL_MACHINE, kRegistryKey, 0, KEY_READ, &key) == ERROR_SUCCESS;
+    if (hasKey) RegCloseKey(key);
+    NoteRefusal(!hasKey && DriverAutoLoaded == 0 ? Refusal_t::kNoDriver
+                : error == ERROR_ACCESS_DENIED   ? Refusal_t::kRights
+                                                 : Refusal_t::kOther);
+    return kFailure;
+}
+
+// Registers and starts the driver. False when it doesn't run then; `error` gets the system's.
+static bool BringDriverUp(DWORD* error) {
     serviceCreated = false;
     serviceStarted = false;
-    if (RegisterDriver() != kSuccess) {
-        TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: RegisterDriver failed");
-        return false;
-    }
-    if (StartDriver() != kSuccess) {
-        TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: StartDriver failed");
-        return false;
-    }
-    return true;
+    const bool isRegistered = RegisterDriver() == kSuccess;
+    if (isRegistered && StartDriver() == kSuccess) return true;
+    *error = GetLastError();
+    TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: %s failed",
+          isRegistered ? "StartDriver" : "RegisterDriver");
+    return false;
 }
 
 // Lets go of the service manager. The lock on the driver's file stays until StopDriver, as others may use the driver.
@@ -158,23 +166,24 @@ status_t OSFERROXInitialize() {
               static_cast<int>(SharedMemory->ReferenceCountExt));
         return kSuccess;
     }
-    const status_t status = OpenSharedCount();
-    if (status != kSuccess) return status;
+    if (OpenSharedCount() != kSuccess) return NoDriver(GetLastError());
 
+    DWORD error = ERROR_SUCCESS;
     DriverAutoLoaded = checkDriverAutoLoaded();
     // A count above 0 tells that another process has the driver running.
-    if (DriverAutoLoaded == 0 && SharedMemory->ReferenceCountExt == 0 && !BringDriverUp()) {
+    if (DriverAutoLoaded == 0 && SharedMemory->ReferenceCountExt == 0 && !BringDriverUp(&error)) {
         UndoBringDriverUp();
         CloseSharedCount();
-        return kFailure;
+        return NoDriver(error);
     }
     DeviceHandle = CreateFileA(kDevicePath, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                FILE_ATTRIBUTE_NORMAL, nullptr);
     if (DeviceHandle == INVALID_HANDLE_VALUE) {
+        error = GetLastError();
         TRACE("OSFERROXInitialize", kError, "OSFERROXInitialize: Error opening FERROX");
         UndoBringDriverUp();
         CloseSharedCount();
-        return kFailure;
+        return NoDriver(error);
     }
     ++SharedMemory->ReferenceCountExt;
     return getHyperVStatus(&HyperVEnabled);
@@ -420,13 +429,16 @@ status_t getFERROXinstallPath(char* path) {
 
 BOOL SendRequest(RequestCode_t code, void* record, uint32_t size, DWORD* returned) {
     *returned = 0;
-    return DeviceIoControl(DeviceHandle, code, record, size, record, size, returned, nullptr);
+    const BOOL sent = DeviceIoControl(DeviceHandle, code, record, size, record, size, returned, nullptr);
+    if (!sent) NoteRefusal(Refusal_t::kOther);
+    return sent;
 }
 
 status_t AskVersion(RequestCode_t code, const char* function, uint32_t* version) {
     DWORD returned = 0;
     const BOOL sent = DeviceIoControl(DeviceHandle, code, nullptr, 0, version, sizeof(*version), &returned, nullptr);
     if (!sent) {
+        NoteRefusal(Refusal_t::kOther);
         TRACE(function, kError, "ERROR in %s ret =  %dBytes Returned = %ld", function, sent,
               static_cast<long>(returned));
         return kFailure;

@@ -22,7 +22,7 @@ using namespace std::string_literals;
 constexpr size_t kEnd = 6;
 const bool isLong = std::getenv("QUORLIN_LONG") != nullptr;
 const size_t tableBytes = isLong ? kMostTableBytes : kMostTableBytes / 8;
-const rlim_t mostBytes = (isLong ? 150 : 32) << 20;
+const rlim_t mostBytes = (isLong ? 150 : 48) << 20;
 
 // A structure of these bytes after its header, with its strings and what ends them.
 std::string Structure(uint8_t type, const std::string& fields, const std::string& strings = "\0\0"s) {

@@ -19,12 +19,18 @@ status_t NeedsOpen() { return isOpen ? kSuccess : Refused("FERROXLib", "not init
 
 bool HasHypervisor() { return hasHypervisor; }
 
-status_t Refused(const char* function, const char* reason) {
+static status_t Refused(const char* function, const char* reason, Refusal_t refusal) {
+    NoteRefusal(refusal);
     TRACE(function, kError, "ERROR in %s: %s", function, reason);
     return 0;
 }
 
-status_t Refused(const char* function) { return Refused(function, std::strerror(errno)); }
+status_t Refused(const char* function, const char* reason) { return Refused(function, reason, Refusal_t::kOther); }
+
+status_t Refused(const char* function) {
+    const bool lacksRights = errno == EACCES || errno == EPERM;
+    return Refused(function, std::strerror(errno), lacksRights ? Refusal_t::kRights : Refusal_t::kOther);
+}
 
 // Any processor will do for the hypervisor test: a cpuset may hold no processor 0.
 static status_t Open() {
