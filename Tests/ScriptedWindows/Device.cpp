@@ -119,3 +119,12 @@ STAND_IN(UINT, GetSystemFirmwareTable, (DWORD provider, DWORD table, PVOID buffe
     }
     return needed;
 }
+
+STAND_IN(UINT, EnumSystemFirmwareTables, (DWORD provider, PVOID buffer, DWORD size)) {
+    if (provider != 0x41435049) return 0;
+    std::vector<uint8_t> names;
+    for (const auto& [name, table] : Machine().tables)
+        if (name != "RSMB") names.insert(names.end(), name.begin(), name.end());
+    if (buffer != nullptr && size >= names.size()) std::memcpy(buffer, names.data(), names.size());
+    return static_cast<UINT>(names.size());
+}

@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,7 @@ namespace {
 constexpr size_t kMostBytes = 64u << 20;  // far above any table
 
 #define TABLES_FOLDER "/sys/firmware/dmi/tables/"
+#define ACPI_FOLDER "/sys/firmware/acpi/tables/"
 
 // Appends the whole file. 0, or the errno of what failed.
 int AppendFile(const char* path, std::vector<uint8_t>* bytes) {
@@ -51,7 +54,7 @@ int ACPIAnswer(uint32_t table, std::vector<uint8_t>* answer) {
     std::memcpy(name, &table, sizeof table);
     for (const char letter : {name[0], name[1], name[2], name[3]})
         if (letter <= ' ' || letter > '~' || letter == '/' || letter == '.') return ENOENT;
-    const std::string path = std::string("/sys/firmware/acpi/tables/") + name;
+    const std::string path = std::string(ACPI_FOLDER) + name;
     const int problem = AppendFile(path.c_str(), answer);
     return problem == ENOENT ? AppendFile((path + "1").c_str(), answer) : problem;
 }
@@ -70,4 +73,23 @@ uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, ui
 } catch (const std::bad_alloc&) {
     if (refused != nullptr) *refused = false;
     return 0;
+}
+
+// Several tables of one name have numbers after it.
+std::vector<uint32_t> os_ListACPITables() {
+    std::vector<std::string> names;
+    std::error_code problem;
+    for (std::filesystem::directory_iterator file(ACPI_FOLDER, problem), end; problem.value() == 0 && file != end;
+         file.increment(problem)) {
+        std::error_code ignored;
+        if (file->is_regular_file(ignored)) names.push_back(file->path().filename().string());
+    }
+    std::ranges::sort(names);
+    std::vector<uint32_t> tables;
+    for (const std::string& name : names) {
+        if (name.size() < sizeof(uint32_t)) continue;
+        tables.emplace_back();
+        std::memcpy(&tables.back(), name.data(), sizeof(uint32_t));
+    }
+    return tables;
 }

@@ -7,3 +7,12 @@ uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, ui
     if (refused != nullptr) *refused = size == 0 && GetLastError() == ERROR_ACCESS_DENIED;
     return size;
 }
+
+std::vector<uint32_t> os_ListACPITables() {
+    const UINT size = EnumSystemFirmwareTables(kACPIProvider, nullptr, 0);
+    std::vector<uint32_t> tables(size / sizeof(uint32_t));
+    // The list may have changed meanwhile.
+    const UINT got = EnumSystemFirmwareTables(kACPIProvider, tables.data(), size);
+    tables.resize(got > size ? 0 : got / sizeof(uint32_t));
+    return tables;
+}

@@ -1,4 +1,5 @@
 // ACPI tables, PCI segments, and extended configuration space behind them.
+#include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/OS.h"
 #include "Tests/Packages/FERROXLib/Library.h"
 
@@ -50,6 +51,16 @@ TEST_F(ACPI, TableIntoANewBlock) {
     EXPECT_TRUE(Machine().Traced(16, "Error in Memory allocation "));
     ClScriptedWindows::failAllocationOf = 0;
     EXPECT_EQ(table, nullptr);
+}
+
+TEST_F(ACPI, ListOfTables) {
+    EXPECT_EQ(os_ListACPITables(), std::vector<uint32_t>{});
+    Machine().tables = {
+        {"FACP", {1}},
+        {"APIC", {2}},
+        {"RSMB", {3}},
+    };
+    EXPECT_EQ(os_ListACPITables(), (std::vector<uint32_t>{0x43495041, 0x50434146}));
 }
 
 // The size is what the second look gave, and never more than there is room for.

@@ -124,6 +124,7 @@ BOOL ReleaseMutex(HANDLE mutex);
 DWORD GetTickCount();
 void Sleep(DWORD milliseconds);
 UINT GetSystemFirmwareTable(DWORD provider, DWORD table, PVOID buffer, DWORD size);
+UINT EnumSystemFirmwareTables(DWORD provider, PVOID buffer, DWORD size);
 HANDLE CreateFileA(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES attributes, DWORD disposition,
                    DWORD flags, HANDLE templateFile);
 BOOL DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD inSize, LPVOID out, DWORD outSize, LPDWORD returned,
