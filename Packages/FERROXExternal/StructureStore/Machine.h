@@ -25,7 +25,8 @@ struct MachineServices_t {
 };
 
 extern "C" {
-// The two roads of this machine: the operating system's firmware-table service, and the scan of physical memory.
+// The two methods of this machine: the operating system's firmware-table service, and the scan of physical memory. The
+// scan reads the table that it finds only where the system says that there is memory (os_IsMemory).
 status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 

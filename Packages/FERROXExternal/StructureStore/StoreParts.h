@@ -37,5 +37,16 @@ struct MachineChoice_t {
 MachineChoice_t ChosenMachine();
 void ChooseMachine(const MachineChoice_t& choice);
 
+// How a scan of physical memory for the table ended.
+enum class ScanEnd_t {
+    kFound,
+    kNoRoom,      // out of memory
+    kUnreadable,  // the hardware library refused to read
+    kNoAnchors,   // _SM_ and _DMI_ aren't both there
+    kElsewhere,   // the table isn't in what the system calls memory, and wasn't read
+};
+// As osGetStructuresDataNonEFI, which gives its status alone.
+ScanEnd_t ScanMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
+
 // The text of string `number` of a string area that ends in a double NUL, or null when the area has no such string.
 const char* FindStructString(const char* area, uint8_t number);

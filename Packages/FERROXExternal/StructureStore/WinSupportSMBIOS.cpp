@@ -1,8 +1,9 @@
-// The two roads by which this machine's table gets into memory.
+// The two methods by which this machine's table gets into memory.
 #include <cstring>
 #include <string_view>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/FirmwareTables.h"
@@ -52,12 +53,12 @@ void ScanBlock(const uint8_t* block, uint32_t address, uint8_t* entry, bool* ent
     }
 }
 
-// Reads the BIOS area block by block until both entry points are found. 1, 3, or 5.
-status_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
+// Reads the BIOS area block by block until both entry points are found.
+ScanEnd_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
     auto* block = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + kBlockSize));
     if (block == nullptr) {
         TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error Allocating memory");
-        return kNoMemory;
+        return ScanEnd_t::kNoRoom;
     }
     bool entryFound = false;
     bool dmiFound = false;
@@ -68,16 +69,22 @@ status_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
             TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error doing GetSystemTables ret = %d",
                   static_cast<int>(status));
             os_free(block);
-            return kFailure;
+            return ScanEnd_t::kUnreadable;
         }
         ScanBlock(block->Data(), kScanBase + offset, entry, &entryFound, dmiEntry, &dmiFound);
     }
     os_free(block);
     if (!entryFound || !dmiFound) {
         TRACE("osGetStructuresDataNonEFI", kErrorExit, "Both the SMI and DMI Structure not found");
-        return kFailure;
+        return ScanEnd_t::kNoAnchors;
     }
-    return kSuccess;
+    return ScanEnd_t::kFound;
+}
+
+// What firmware wrote as an address may be that of a device, and reading registers has effects.
+bool IsMemory(uint32_t address, uint32_t size) {
+    const auto isMemory = CurrentHardware().IsMemory;
+    return isMemory != nullptr && isMemory(address, size);
 }
 
 }  // namespace
@@ -121,10 +128,10 @@ status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableIm
     return kSuccess;
 }
 
-// The second road: neither checksum nor entry point length is tested, and the walk needs no number of structures.
-status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
-    status_t status = FindEntryPoints(entry, dmiEntry);
-    if (status != kSuccess) return status;
+// The second method: neither checksum nor entry point length is tested, and the walk needs no number of structures.
+ScanEnd_t ScanMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    const ScanEnd_t end = FindEntryPoints(entry, dmiEntry);
+    if (end != ScanEnd_t::kFound) return end;
     const uint32_t length = Number(dmiEntry + 6, 2);
     const uint32_t address = Number(dmiEntry + 8, 4);
     TRACE("osGetStructuresDataNonEFI", kInfo, "SMBIOS and DMI Table entry points found");
@@ -133,22 +140,34 @@ status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTabl
     TRACE("osGetStructuresDataNonEFI", kInfo,
           "The DMI length = 0x%x and address = 0x%lx NumberofSMBIOSStructure = 0x%x", length,
           static_cast<unsigned long>(address), Number(dmiEntry + 12, 2));
+    if (!IsMemory(address, length)) {
+        TRACE("osGetStructuresDataNonEFI", kErrorExit, "The table isn't in memory, and is not read");
+        return ScanEnd_t::kElsewhere;
+    }
 
     auto* table = static_cast<SMBIOSTableImage_t*>(os_malloc(sizeof(SMBIOSTableImage_t) + length));
     if (table == nullptr) {
         TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error allocating memory for main structure ... Exiting");
-        return kNoMemory;
+        return ScanEnd_t::kNoRoom;
     }
     table->Length = length;
     // An image has the shape of a data buffer, so the table is read into its place.
     static_assert(sizeof(SMBIOSTableImage_t) == sizeof(DataBuffer_t));
-    status = GetSystemTables(address, 0, reinterpret_cast<DataBuffer_t*>(table));
+    const status_t status = GetSystemTables(address, 0, reinterpret_cast<DataBuffer_t*>(table));
     if (status != kSuccess) {
         TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error doing GetSystemTables ret = %d\n",
               static_cast<int>(status));
         os_free(table);
-        return kFailure;
+        return ScanEnd_t::kUnreadable;
     }
     *image = table;
-    return kSuccess;
+    return ScanEnd_t::kFound;
+}
+
+status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    switch (ScanMemory(entry, dmiEntry, image)) {
+        case ScanEnd_t::kFound: return kSuccess;
+        case ScanEnd_t::kNoRoom: return kNoMemory;
+        default: return kFailure;
+    }
 }

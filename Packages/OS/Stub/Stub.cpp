@@ -7,6 +7,7 @@
 #include "Packages/OS/ConfigFile.h"
 #include "Packages/OS/CrashFilter.h"
 #include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/MemoryMap.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Processors.h"
@@ -76,6 +77,10 @@ uint32_t os_GetFirmwareTable(uint32_t, uint32_t, void*, uint32_t, bool* refused)
     if (refused != nullptr) *refused = false;
     return 0;
 }
+
+std::vector<uint32_t> os_ListACPITables() { return {}; }
+
+bool os_IsMemory(uint64_t, uint64_t) { return false; }
 
 uint32_t os_GetProcessorCount() { return 0; }
 

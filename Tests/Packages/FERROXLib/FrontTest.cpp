@@ -41,7 +41,7 @@ status_t Gives(Arguments_t...) {
 // A machine of which each operation fails with a status of its own: 100 and its place in the table.
 template <status_t... kSlots>
 constexpr HardwareServices_t Failing(std::integer_sequence<status_t, kSlots...>) {
-    return {Gives<100 + kSlots>..., Gives<0>};
+    return {Gives<100 + kSlots>..., Gives<0>, nullptr};
 }
 
 }  // namespace

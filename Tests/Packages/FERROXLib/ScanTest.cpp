@@ -1,4 +1,4 @@
-// The second table road: the scan of the BIOS area.
+// The second access method for the table: the scan of the BIOS area.
 #include <cstring>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -68,6 +68,34 @@ TEST_F(Scan, LaterFindOverwritesWhileTheOtherIsMissing) {
     const Found_t found;
     EXPECT_EQ(found.status, kSuccess);
     EXPECT_EQ(found.entry[7], 6);
+}
+
+// The system tells no map of its memory here, but nothing that an entry point names lies at or above 4 GiB.
+TEST_F(Scan, ReadsNoTableThatIsNotInMemory) {
+    const struct {
+        const char* what;
+        size_t length;
+        uint32_t table;
+        bool hasMap;
+        status_t status;
+    } kCases[] = {
+        {"up to 4 GiB",     16, 0xFFFFFFF0, true,  1},
+        {"across 4 GiB",    17, 0xFFFFFFF0, true,  5},
+        {"without any map", 5,  kTable,     false, 5},
+    };
+    for (const auto& c : kCases) {
+        Machine().memory.clear();
+        Machine().requests.clear();
+        PutEntry(0xF0000);
+        PutDMI(0xF0010, c.length, c.table);
+        HardwareServices_t hardware = kThisHardware;
+        if (!c.hasMap) hardware.IsMemory = nullptr;
+        UseHardware(hardware);
+        const Found_t found;
+        UseHardware(kThisHardware);
+        EXPECT_EQ(found.status, c.status) << c.what;
+        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 2u : 1u) << c.what << ": the table is not touched";
+    }
 }
 
 TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {

@@ -574,9 +574,11 @@ TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
     const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 0xF0100, 0x100);
     Bytes_t memory(1u << 20);
     std::ranges::copy(found, memory.begin() + 0xF0000);
+    const std::string map = "000f0000-000fffff : System ROM\n";
     const std::string output =
         Shell("unshare -m sh -c 'mount -t tmpfs none /dev && mknod /dev/null c 1 3 && cp " + WriteFile("mem", memory) +
-              " /dev/mem && " QUORLIN_PROGRAM " types --road scan --verbose'");
+              " /dev/mem && mount --bind " + WriteFile("map", Bytes_t(map.begin(), map.end())) +
+              " /proc/iomem && " QUORLIN_PROGRAM " types --road scan --verbose'");
     if (Has(output, "unshare: ")) GTEST_SKIP() << "only root can have a /dev of its own";
     EXPECT_TRUE(Has(output, "quorlin: this machine: read by the scan of its memory, SMBIOS 2.7\n")) << output;
 }

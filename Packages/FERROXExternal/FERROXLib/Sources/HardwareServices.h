@@ -38,6 +38,8 @@ struct HardwareServices_t {
 
     // As os_GetFirmwareTable (Packages/OS/FirmwareTables.h), which fills it. ACPI tables and PCI segments come from it.
     uint32_t (*GetFirmwareTable)(uint32_t provider, uint32_t table, void* buffer, uint32_t room, bool* refused);
+    // As os_IsMemory (Packages/OS/MemoryMap.h), which fills it. An empty slot is a machine whose map isn't known.
+    bool (*IsMemory)(uint64_t address, uint64_t size);
 };
 
 // This machine; each system's half defines it.

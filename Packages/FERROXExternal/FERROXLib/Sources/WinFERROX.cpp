@@ -8,6 +8,7 @@
 #include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/Memory.h"
+#include "Packages/OS/MemoryMap.h"
 #include "Packages/OS/OS.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("WinFERROX", function, level, __VA_ARGS__)
@@ -476,4 +477,5 @@ const HardwareServices_t kThisHardware = {
     OSReadCPUID,
     OSCalcNonTurbo,
     os_GetFirmwareTable,
+    os_IsMemory,
 };

@@ -20,7 +20,9 @@
 #include <vector>
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/Linux/LinuxFERROX.h"
+#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/MemoryMap.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Processors.h"
 #include "Sources/quorlin_c.h"
@@ -442,6 +444,109 @@ TEST_F(StandIns, FirmwareTablesAreThoseThatTheKernelShows) {
     }
     m_firmware->Write("dmi/tables/smbios_entry_point", "_SMX_");
     EXPECT_EQ(Firmware(kSMBIOSProvider, "\0\0\0\0"), "") << "no entry point";
+}
+
+TEST_F(StandIns, ACPITablesAreListedOnceForEachOfAName) {
+    EXPECT_EQ(os_ListACPITables(), std::vector<uint32_t>{});
+    for (const char* name : {"SSDT2", "FACP", "SSDT1", "dynamic/SSDT9", "ABC"})
+        m_firmware->Write(std::string("acpi/tables/") + name, "x");
+    std::string names;
+    for (const uint32_t table : os_ListACPITables()) names.append(reinterpret_cast<const char*>(&table), 4) += ' ';
+    EXPECT_EQ(names, "FACP SSDT SSDT ");
+}
+
+TEST_F(StandIns, OnlyWhatTheKernelCallsMemoryIsMemory) {
+    const std::string kMap =
+        "00000000-00000fff : Reserved\n"
+        "00001000-0009fbff : System RAM\n"
+        "0009fc00-000fffff : Reserved\n"
+        "  000a0000-000bffff : PCI Bus 0000:00\n"
+        "  000e0000-000fffff : PCI Bus 0000:00\n"
+        "    000f0000-000fffff : System ROM\n"
+        "00100000-7fffffff : System RAM\n"
+        "80000000-8000ffff : ACPI Tables\n"
+        "80010000-8001ffff : ACPI Non-volatile Storage\n"
+        "80020000-80020fff : ACPI PM1a_EVT_BLK\n"
+        "e0000000-efffffff : PCI MMCONFIG 0000 [bus 00-ff]\n"
+        "  e0000000-efffffff : Reserved\n"
+        "fec00000-fec0ffff : Reserved\n"
+        "  fec00000-fec003ff : IOAPIC 0\n"
+        "ffffffffffff0000-ffffffffffffffff : Reserved\n";
+    const std::string kHidden = "00000000-00000000 : Reserved\n  00000000-00000000 : System ROM\n";
+    const struct {
+        const char* what;
+        std::string map;
+        uint64_t address, size;
+        bool isMemory;
+    } kCases[] = {
+        {"RAM",                        kMap,           0x1000,                          0x1000,                    true },
+        {"nothing",                    kMap,           0x1000,                          0,                         true },
+        {"from one to the next",       kMap,           0x9F000,                         0x1000,                    true },
+        {"reserved, up to a device",   kMap,           0x9FC00,                         0x400,                     true },
+        {"one byte into the device",   kMap,           0x9FC00,                         0x401,                     false},
+        {"the ROM in the bus's range", kMap,           0xF0000,                         0x10000,                   true },
+        {"one byte before it",         kMap,           0xEFFFF,                         2,                         false},
+        {"ACPI's, both kinds",         kMap,           0x80000000,                      0x20000,                   true },
+        {"ACPI's registers",           kMap,           0x8001FFFF,                      2,                         false},
+        {"a gap",                      kMap,           0x80021000,                      1,                         false},
+        {"reserved within a device",   kMap,           0xE0000000,                      16,                        false},
+        {"a device within reserved",   kMap,           0xFEC003FF,                      1,                         false},
+        {"reserved after it",          kMap,           0xFEC00400,                      16,                        true },
+        {"past the last address",      kMap,           0xFFFFFFFFFFFFFFFF,              1,                         false},
+        {"before the last address",    kMap,           0xFFFFFFFFFFFFFFF0,              15,                        true },
+        {"addresses hidden",           kHidden,        0,                               1,                         false},
+        {"some addresses hidden",      kMap + kHidden, 0x1000,                          16,                        false},
+        {"the last line cut",          kMap.substr(0,  40),                             0,                         16,    false},
+        {"a line that is none",                            kMap + "more to come\n",                      0x1000,   16, false },
+        {"a line that has no end",                            kMap + std::string(600,                   '0'), 0x1000,    16,  false},
+        {"no map",                       "",                                     0x1000,                                                             16,                                                              false                       },
+    };
+    const ClFolderOver proc("/proc");
+    EXPECT_FALSE(os_IsMemory(0, 1)) << "no file";
+    for (const auto& c : kCases) {
+        proc.Write("iomem", c.map);
+        EXPECT_EQ(os_IsMemory(c.address, c.size), c.isMemory) << c.what;
+    }
+}
+
+TEST_F(StandIns, TheScanReadsATableOnlyInMemory) {
+    const std::string anchors =
+        std::string("_SM_\0\x1F\2\7\0\0\0\0\0\0\0\0", 16) + std::string("_DMI_\0\5\0\x20\0\x0F\0\1\0\x27", 15);
+    std::string memory(1u << 20, '\0');
+    memory.replace(0xF0000, anchors.size(), anchors);
+    memory.replace(0xF0020, 5, "table");
+    m_dev->Write("mem", memory);
+    const ClFolderOver proc("/proc");
+    const struct {
+        const char* map;
+        ScanEnd_t end;
+    } kCases[] = {
+        {"000f0000-000fffff : System ROM\n", ScanEnd_t::kFound    },
+        {"000f0000-000fffff : 00:05\n",      ScanEnd_t::kElsewhere},
+    };
+    for (const auto& c : kCases) {
+        proc.Write("iomem", c.map);
+        uint8_t entry[kEntryBufferSize] = {}, dmiEntry[kDMIEntryBufferSize] = {};
+        SMBIOSTableImage_t* image = nullptr;
+        EXPECT_EQ(ScanMemory(entry, dmiEntry, &image), c.end) << c.map;
+        EXPECT_EQ(image != nullptr, c.end == ScanEnd_t::kFound) << c.map;
+        os_FreeBlock(image);
+        ClBuffer asked(5);
+        EXPECT_EQ(GetSystemTables(0xF0020, 0, asked.Get()), kSuccess) << "as the caller asks";
+        EXPECT_EQ(Text(asked), "table");
+    }
+    std::filesystem::remove("/dev/mem");
+    uint8_t entry[kEntryBufferSize] = {}, dmiEntry[kDMIEntryBufferSize] = {};
+    SMBIOSTableImage_t* image = nullptr;
+    EXPECT_EQ(ScanMemory(entry, dmiEntry, &image), ScanEnd_t::kUnreadable);
+    EXPECT_EQ(LastRefusal(), Refusal_t::kOther) << "no right would help";
+    m_dev->Write("mem", memory);
+    const int result = InChild([&] {
+        if (!BecomeNobody()) return 1;
+        return ScanMemory(entry, dmiEntry, &image) == ScanEnd_t::kUnreadable && LastRefusal() == Refusal_t::kRights ? 0
+                                                                                                                    : 2;
+    });
+    EXPECT_EQ(result, 0) << "rights would";
 }
 
 }  // namespace

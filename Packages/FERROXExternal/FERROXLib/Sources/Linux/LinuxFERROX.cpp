@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/MemoryMap.h"
 #include "Packages/OS/Processors.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("Linux\\LinuxFERROX", function, level, __VA_ARGS__)
@@ -77,4 +77,5 @@ const HardwareServices_t kThisHardware = {
     OSReadCPUID,
     OSCalcNonTurbo,
     os_GetFirmwareTable,
+    os_IsMemory,
 };
