@@ -1,5 +1,5 @@
 // Any arguments of quorlin, one a line. What the program would take from its platform stands here: it reads two files,
-// writes none and has no standard output. The driver isn't to be had.
+// writes none and has no standard output. The driver can't be started.
 #include <cerrno>
 #include <cstdio>
 #include <new>
@@ -34,6 +34,7 @@ void PrepareStandardStreams() {}
 bool IsStandardOutputTerminal() { return false; }
 bool IsStandardErrorTerminal() { return false; }
 size_t TerminalWidth() { return 0; }
+const char* AdviceForRights() { return "try as root"; }
 bool WriteStandardOutput(const char*, size_t) { return true; }
 
 // The program's links are told to take this one: no input reaches the hardware.

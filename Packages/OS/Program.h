@@ -28,3 +28,5 @@ bool IsStandardErrorTerminal();
 size_t TerminalWidth();
 // Writes all bytes to standard output, unbuffered, and waits while it takes none. False with errno set.
 bool WriteStandardOutput(const char* bytes, size_t size);
+// What gives this process more rights, as "try as root". Null when it has them all, or the system knows none.
+const char* AdviceForRights();

@@ -17,6 +17,7 @@ static const Word_t kNonTurbo[2] = {2400, 1};
 static Byte_t bios[kBiosSize];
 static Byte_t registers[kRegisterSize];
 static Word_t hypervisor = kHypervisorFromProcessor;
+static Word_t cpuidAnswers = 0xFFFFFFFF;  // that are still given
 
 // Ports 80h to 83h, and MSRs 10h to 13h.
 static Byte_t ports[4] = {0x11, 0x22, 0x33, 0x44};
@@ -47,6 +48,8 @@ static NTSTATUS Version(Word_t* out, Word_t version) {
 static NTSTATUS Cpuid(CPUIDRequest_t* request) {
     CPUIDRecord_t* record = &request->Registers;
     const Word_t leaf = record->Eax;
+    if (cpuidAnswers == 0) return STATUS_UNSUCCESSFUL;
+    cpuidAnswers--;
     __cpuid_count(leaf, record->Ecx, record->Eax, record->Ebx, record->Ecx, record->Edx);
     if (leaf == 1 && hypervisor != kHypervisorFromProcessor)
         record->Ecx = (record->Ecx & 0x7FFFFFFF) | (hypervisor << 31);
@@ -177,19 +180,25 @@ static NTSTATUS NTAPI Control(DEVICE_OBJECT* device, IRP* irp) {
     return Complete(irp, status, status == STATUS_SUCCESS ? out : 0);
 }
 
-static void ReadSettings(void) {
-    UNICODE_STRING path, name;
-    OBJECT_ATTRIBUTES attributes;
-    HANDLE key;
+static void ReadSetting(HANDLE key, const WCHAR* text, Word_t* setting) {
+    UNICODE_STRING name;
     union { KEY_VALUE_PARTIAL_INFORMATION information; Byte_t room[32]; } value;
     ULONG size;
+    RtlInitUnicodeString(&name, text);
+    if (ZwQueryValueKey(key, &name, KeyValuePartialInformation, &value, sizeof value, &size) == STATUS_SUCCESS &&
+        value.information.Type == REG_DWORD && value.information.DataLength == sizeof *setting)
+        RtlCopyMemory(setting, value.information.Data, sizeof *setting);
+}
+
+static void ReadSettings(void) {
+    UNICODE_STRING path;
+    OBJECT_ATTRIBUTES attributes;
+    HANDLE key;
     RtlInitUnicodeString(&path, L"\\Registry\\Machine\\SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink");
-    RtlInitUnicodeString(&name, L"TestHypervisor");
     InitializeObjectAttributes(&attributes, &path, OBJ_CASE_INSENSITIVE, NULL, NULL);
     if (ZwOpenKey(&key, KEY_READ, &attributes) != STATUS_SUCCESS) return;
-    if (ZwQueryValueKey(key, &name, KeyValuePartialInformation, &value, sizeof value, &size) == STATUS_SUCCESS &&
-        value.information.Type == REG_DWORD && value.information.DataLength == sizeof hypervisor)
-        hypervisor = value.information.Data[0] & 1;
+    ReadSetting(key, L"TestHypervisor", &hypervisor);
+    ReadSetting(key, L"TestCPUIDAnswers", &cpuidAnswers);
     ZwClose(key);
 }
 

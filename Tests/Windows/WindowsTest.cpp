@@ -175,6 +175,7 @@ class Driver : public testing::Test {
         SetValue("FERROXDrvPath", REG_SZ, path.c_str(), path.size() + 1);
     }
     static void SetHypervisor(DWORD present) { SetValue("TestHypervisor", REG_DWORD, &present, sizeof present); }
+    static void SetCPUIDAnswers(DWORD count) { SetValue("TestCPUIDAnswers", REG_DWORD, &count, sizeof count); }
     static void ExpectNothingLeft() {
         EXPECT_EQ(ServiceState(), kNoService);
         EXPECT_FALSE(SectionExists());
@@ -340,20 +341,39 @@ TEST_F(Driver, AnAutoLoadedServiceIsLeftAlone) {
     EXPECT_FALSE(SectionExists());
 }
 
-TEST_F(Driver, WithoutItsFileTheProgramFallsBackAndSaysSo) {
-    for (const bool hasValue : {true, false}) {
-        if (hasValue)
-            SetDriverPath(FullPath("no-such-driver.sys"));
-        else
-            RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings);
-        const ProgramRun_t run = RunQuorlin("--format lines"), must = RunQuorlin("--driver --format lines");
-        EXPECT_EQ(run.exitCode, 0);
-        EXPECT_EQ(run.output, RunQuorlin("--no-driver --format lines").output);
-        EXPECT_TRUE(Has(run.errors, "its driver isn't to be had; read without it")) << run.errors;
-        EXPECT_NE(must.exitCode, 0);
-        EXPECT_EQ(must.output, "");
-        EXPECT_FALSE(SectionExists());
+// What isn't asked for isn't spoken of, and what is asked for fails with its cause. Nothing is left either way.
+TEST_F(Driver, WithoutItTheProgramReadsAllTheSame) {
+    const struct {
+        const char* what;
+        std::function<void()> prepare;
+        const char* cause;
+    } kCases[] = {
+        {"no file",                [] { SetDriverPath(FullPath("no-such-driver.sys")); }, "its driver can't be started"              },
+        {"not installed",          [] { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); },  "the driver Ravelink isn't installed"      },
+        {"refuses CPUID",          [] { SetCPUIDAnswers(0); },                            "its driver fails at the CPUID instruction"},
+        {"refuses CPUID later on", [] { SetCPUIDAnswers(1); },                            "its driver fails at the CPUID instruction"},
+    };
+    const std::string expected = RunQuorlin("--no-driver --format lines").output;
+    for (const auto& c : kCases) {
+        SetDriverPath(FullPath(QUORLIN_DRIVER));
+        c.prepare();
+        const ProgramRun_t run = RunQuorlin("--format lines"), verbose = RunQuorlin("types --verbose"),
+                           must = RunQuorlin("--driver --format lines"), scan = RunQuorlin("--road scan");
+        EXPECT_EQ(run.exitCode, 0) << c.what;
+        EXPECT_EQ(run.output, expected) << c.what;
+        EXPECT_EQ(run.errors, "") << c.what;
+        EXPECT_TRUE(Has(verbose.errors, std::string(c.cause) + "; trying without it")) << c.what << verbose.errors;
+        for (const ProgramRun_t* refused : {&must, &scan}) {
+            EXPECT_EQ(refused->exitCode, 1) << c.what;
+            EXPECT_EQ(refused->output, "") << c.what;
+            EXPECT_TRUE(Has(refused->errors, std::string(c.cause) + "; try ")) << c.what << refused->errors;
+            EXPECT_FALSE(Has(refused->errors, "root")) << c.what;
+        }
+        ExpectNothingLeft();
     }
+    SetCPUIDAnswers(0);
+    EXPECT_TRUE(Has(RunQuorlin("hw versions").errors, "fails at the CPUID instruction; try "));
+    ExpectNothingLeft();
 }
 
 TEST_F(Driver, OpeningWaitsForTheOtherProcessesMutex) {

@@ -4,8 +4,10 @@
 #include <cstring>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
+#include "Tools/quorlin/Causes.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Text.h"
@@ -14,14 +16,14 @@
 constexpr Usage_t kHardwareUsage = {
     "quorlin hw",
     "Reads hardware: the CPUID instruction, PCI configuration space, physical memory, model-specific registers, ports, "
-    "ACPI tables. Most of it needs root.",
+    "ACPI tables. Most of it needs more rights than a user's.",
     "Operations (numbers are decimal, or hexadecimal behind 0x):\n"
     "  cpuid LEAF [SUBLEAF]             the four registers; with --cpu N on processor N\n"
     "  pci SEG:BUS:DEV.FN OFFSET SIZE   bytes of configuration space\n"
     "  mem ADDRESS SIZE                 bytes of physical memory\n"
     "  msr read N                       a model-specific register; with --cpu N of processor N\n"
     "  port read PORT SIZE              an I/O port, in one access of SIZE bytes\n"
-    "  acpi NAME                        an ACPI table; with --out FILE into a new file\n"
+    "  acpi [NAME]                      the ACPI tables, or one of them; with --out FILE into a new file\n"
     "  segments                         the PCI segments and their configuration spaces\n"
     "  versions                         of this library and of the driver\n"
     "Writing can hang or damage a machine. mem, msr write N and port write PORT SIZE write --write VALUE, and only "
@@ -35,23 +37,6 @@ constexpr Usage_t kHardwareUsage = {
 namespace {
 
 constexpr uint64_t kMostBytes = 1u << 20;  // that one call reads
-
-const char* WordsOf(status_t status) {
-    switch (status) {
-        case 0: return "the driver refused the request";
-        case kBadValue: return "an argument is out of range";
-        case kNoMemory: return "out of memory";
-        case kNullPointer: return "there is nothing";
-        case kNotSupported: return "not available on this system or under its hypervisor";
-        default: return "it failed, or there is no such thing here";
-    }
-}
-
-std::string Reason(status_t status) {
-    const bool mayBeRights = status == 0 || status == kFailure;
-    return std::string(WordsOf(status)) + " (status " + std::to_string(status) + ")" +
-           (mayBeRights ? "; try as root, as most hardware needs that" : "; try quorlin hw --help");
-}
 
 // What an operation gives instead of the library's status: its words are bad, or it has said itself what went wrong.
 constexpr status_t kBadUsage = 0xFFFFFFFF, kTold = 0xFFFFFFFE;
@@ -79,10 +64,15 @@ class ClHardware {
     }
     ClHardware(const ClHardware&) = delete;
     ClHardware& operator=(const ClHardware&) = delete;
-    status_t Open() {
+    // False with the cause told.
+    bool Open() {
         const status_t status = FERROXInitialize();
         m_isOpen = status == kSuccess;
-        return status;
+        if (m_isOpen) return true;
+        const Cause_t cause = WhyNoStart(status, LastRefusal(), "try hw acpi or hw segments, which need no driver");
+        EndFailedStart();
+        SayError("this machine", cause.Text());
+        return false;
     }
 
   private:
@@ -99,7 +89,8 @@ struct Request_t {
     uint64_t value = 0;  // to be written
     std::string out;
     ClOutput& output;
-    std::string problem;  // what is wrong with the words, for kBadUsage
+    std::string problem;                           // what is wrong with the words, for kBadUsage
+    const char* advice = "try quorlin hw --help";  // after a failure
     ClHardware hardware;
 
     bool Number(size_t word, uint64_t least, uint64_t most, uint64_t* number) {
@@ -115,11 +106,7 @@ struct Request_t {
         return false;
     }
     // To be called when all words are understood.
-    bool Open() {
-        const status_t status = hardware.Open();
-        if (status != kSuccess) SayError("the hardware library", "it can't be opened: " + Reason(status));
-        return status == kSuccess;
-    }
+    bool Open() { return hardware.Open(); }
 };
 
 void ShowHex(std::span<const uint8_t> bytes, ClOutput& output) {
@@ -233,7 +220,35 @@ status_t DoPort(Request_t& request) {
     return status;
 }
 
+// The tables' names and sizes. Of several with one name the operations reach the first.
+status_t ListACPITables(Request_t& request) {
+    std::vector<uint32_t> tables = os_ListACPITables();
+    if (tables.empty()) {
+        SayError("hw acpi", "this system shows no ACPI tables; try quorlin hw --help");
+        return kTold;
+    }
+    request.output << "Table  Bytes\n";
+    while (!tables.empty()) {
+        char name[5] = "", text[64];
+        std::memcpy(name, &tables.front(), sizeof tables.front());
+        const size_t count = std::erase(tables, uint32_t{tables.front()});
+        uint32_t size = 0;
+        const bool isShown = GetACPITableEx(name, nullptr, &size) == kSuccess;
+        // The firmware chose the name, which a terminal may obey.
+        std::replace_if(
+            name, name + 4, [](char letter) { return letter < ' ' || letter > '~'; }, '?');
+        std::snprintf(text, sizeof text, "%-5s %6s", name, isShown ? std::to_string(size).c_str() : "-");
+        request.output << text << (count > 1 ? "  the first of " + std::to_string(count) : "") << "\n";
+    }
+    return kSuccess;
+}
+
 status_t DoACPI(Request_t& request) {
+    if (request.words.empty()) {
+        request.problem = "--out needs the name of a table";
+        return request.out.empty() ? ListACPITables(request) : kBadUsage;
+    }
+    request.advice = "try quorlin hw acpi, which lists the tables";
     DataBuffer_t* table = nullptr;
     status_t status = GetACPITable(request.words[0].c_str(), &table);
     if (status != kSuccess) return status;
@@ -300,7 +315,7 @@ constexpr Operation_t kOperations[] = {
     {"mem",      2, 2, true,  false, false, DoMemory  },
     {"msr",      2, 2, true,  true,  false, DoMSR     },
     {"port",     3, 3, true,  false, false, DoPort    },
-    {"acpi",     1, 1, false, false, true,  DoACPI    },
+    {"acpi",     0, 1, false, false, true,  DoACPI    },
     {"segments", 0, 0, false, false, false, DoSegments},
     {"versions", 0, 0, false, false, false, DoVersions},
 };
@@ -348,6 +363,7 @@ int RunHardware(const Arguments_t& arguments) {
     const status_t status = operation->run(request);
     if (status == kBadUsage) return badUsage(request.problem);
     const bool isWritten = output.Finish();
-    if (status != kSuccess && status != kTold) SayError("hw " + words.front(), Reason(status));
+    if (status != kSuccess && status != kTold)
+        SayError("hw " + words.front(), WhyNoAnswer(status, LastRefusal(), request.advice).Text());
     return status == kSuccess && isWritten ? kExitDone : kExitNo;
 }

@@ -6,11 +6,11 @@
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
-#include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Program.h"
 #include "Packages/Sample/Sample.h"
+#include "Tools/quorlin/Causes.h"
 #include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Progress.h"
@@ -21,42 +21,42 @@ namespace {
 
 constexpr uint8_t kNoSweep = 127;  // a preset type, so that a package decodes only what it is asked for
 
-// What this machine's operations did while it was brought up, which the store doesn't tell.
-struct Watched_t {
-    const MachineServices_t* machine;
-    bool isOpen;
-    const char* road;  // that gave the table
-};
-Watched_t watched = {};
+// The machine that is brought up, and what its operations did, which the store doesn't tell.
+MachineServices_t watched = {};
+Steps_t steps;
 
 status_t OpenWatched() {
-    const status_t status = watched.machine->FERROXInitialize();
-    watched.isOpen = status == kSuccess;
-    return status;
+    steps.start = watched.FERROXInitialize();
+    if (*steps.start == kSuccess) return kSuccess;
+    steps.refusal = LastRefusal();
+    EndFailedStart();
+    return *steps.start;
 }
 
 status_t ByFirmware(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
-    watched.road = "by the system's firmware-table call";
-    return watched.machine->osGetStructuresDataEFI(entry, dmiEntry, image);
+    if (watched.osGetStructuresDataEFI != osGetStructuresDataEFI) return kFailure;
+    steps.firmware = osGetStructuresDataEFI(entry, dmiEntry, image);
+    return *steps.firmware;
 }
 
-// The road that is tried last.
+// The method that is tried last.
 status_t ByScan(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
-    watched.road = "by the scan of its memory";
-    return watched.machine->osGetStructuresDataNonEFI(entry, dmiEntry, image);
+    if (watched.osGetStructuresDataNonEFI != osGetStructuresDataNonEFI) return kFailure;
+    steps.scan = ScanMemory(entry, dmiEntry, image);
+    steps.refusal = LastRefusal();
+    return *steps.scan == ScanEnd_t::kFound ? kSuccess : kFailure;
+}
+
+status_t ReadWatchedCPUID(uint32_t processor, CPUIDRecord_t* record) {
+    steps.cpuid = watched.ReadCPUID(processor, record);
+    return *steps.cpuid;
 }
 
 // Why this machine gives no table, in words that say what to try.
-std::string WhyNoTable(const Source_t& source) {
-    if (source.driver && !watched.isOpen) return "its driver isn't to be had; try as root, or --no-driver";
-    if (source.scan)
-        return std::string(watched.isOpen ? "the scan of its memory finds no table, or may not read it"
-                                          : "its driver isn't to be had") +
-               "; try as root, or without --road";
-    bool refused = false;
-    if (os_GetFirmwareTable(kSMBIOSProvider, 0, nullptr, 0, &refused) == 0 && refused)
-        return "reading the SMBIOS table needs more rights; try as root";
-    return "no SMBIOS table here; try --sample, or --image FILE";
+Cause_t WhyNotThisMachine(const Source_t& source) {
+    return WhyNoTable(steps, source.scan     ? "try without --road"
+                             : source.driver ? "try --no-driver"
+                                             : "try --sample, or --image FILE");
 }
 
 // "M.m", two numbers below 256.
@@ -134,7 +134,8 @@ std::vector<Option_t> Source_t::Options() {
         {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                            &sampleIfNone  },
         {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                       &driver        },
         {"--no-driver",      nullptr, "Reach this machine without its driver",                                      &noDriver      },
-        {"--road",           "ROAD",  "How to get this machine's table: firmware (first) or scan (of its memory)",  &roadGiven     },
+        {"--road",           "ROAD",
+         "How to get this machine's table: firmware or scan (of its memory); if absent, in this order",             &roadGiven     },
         {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells", &asGiven       },
         {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                             &versionGiven  },
         {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",              &signatureGiven},
@@ -236,21 +237,24 @@ bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
     return false;
 }
 
-bool ClTable::BringUpWatched(const MachineServices_t* machine) {
-    watched = {machine, false, ""};
-    const MachineServices_t services = {OpenWatched, machine->FERROXTerminate, ByFirmware, ByScan, machine->ReadCPUID};
+bool ClTable::BringUpWatched(const MachineServices_t& machine) {
+    watched = machine;
+    steps = {};
+    const MachineServices_t services = {OpenWatched, machine.FERROXTerminate, ByFirmware, ByScan, ReadWatchedCPUID};
     return SetMachine(&services) == kSuccess && BringUp();
 }
 
-// With its driver first, and without it where there is no driver, unless the user chose.
+// With its driver first, and without it where the driver fails, unless the user chose.
 bool ClTable::BringUpThisMachine(const Source_t& source) {
     if (!source.noDriver) {
-        if (BringUpWatched(source.scan ? ThisMachineByScan() : ThisMachine())) return true;
-        if (source.driver || source.scan) return false;
+        MachineServices_t machine = source.scan ? *ThisMachineByScan() : *ThisMachine();
+        if (source.roadGiven == "firmware")
+            machine.osGetStructuresDataNonEFI = ThisMachineWithoutDriver()->osGetStructuresDataNonEFI;
+        if (BringUpWatched(machine)) return true;
+        if (source.driver || source.scan || !steps.FailedAtDriver()) return false;
+        if (source.verbose) SayError(m_name, WhyNotThisMachine(source).problem + "; trying without it");
     }
-    if (!BringUpWatched(ThisMachineWithoutDriver())) return false;
-    if (!source.noDriver) SayError(m_name, "its driver isn't to be had; read without it");
-    return true;
+    return BringUpWatched(*ThisMachineWithoutDriver());
 }
 
 bool ClTable::OpenThisMachine(const Source_t& source) {
@@ -271,12 +275,10 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
         return SetImageMachine(&m_image.source) == kSuccess && BringUp();
     }
     if (source.sampleIfNone) {
-        AddRemark("no SMBIOS table to be had; showing the embedded sample");
-        SayError(m_name, m_remark);
-        m_remark.clear();
+        SayError(m_name, WhyNotThisMachine(source).problem + "; showing the embedded sample");
         if (UseSample(source)) return true;
     }
-    m_error = WhyNoTable(source);
+    m_error = WhyNotThisMachine(source).Text();
     return false;
 }
 
@@ -321,9 +323,10 @@ std::span<const uint8_t> ClTable::Bytes() {
 }
 
 std::string ClTable::Form() const {
-    std::string form = m_isSample  ? std::string("the embedded sample")
-                       : m_isImage ? "as " + m_image.FormText()
-                                   : std::string(watched.road);
+    std::string form =
+        m_isSample  ? std::string("the embedded sample")
+        : m_isImage ? "as " + m_image.FormText()
+                    : std::string(steps.scan ? "by the scan of its memory" : "by the system's firmware-table call");
     form += ", SMBIOS " + std::to_string(Major()) + "." + std::to_string(Minor());
     if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
     return form;

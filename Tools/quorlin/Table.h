@@ -70,7 +70,7 @@ class ClTable {
     bool OpenImage(const Source_t& source, const std::string& path);
     bool OpenThisMachine(const Source_t& source);
     bool BringUpThisMachine(const Source_t& source);
-    bool BringUpWatched(const MachineServices_t* machine);
+    bool BringUpWatched(const MachineServices_t& machine);
     bool UseSample(const Source_t& source);
     bool UseRecovered(const Source_t& source);
     bool BringUp();

@@ -36,6 +36,12 @@ int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
     return problem;
 }
 
+// What to try with a file that may not be read.
+std::string AdviceForAccess() {
+    const char* rights = AdviceForRights();
+    return (rights != nullptr ? std::string(rights) + ", or with" : "try") + " a copy that you may read";
+}
+
 status_t Take(const TableFound_t& found, Image_t* image, std::string* error) {
     if (found.status != kSuccess) return Fail(found.problem, error);
     image->source.table = found.table.data();
@@ -55,7 +61,7 @@ status_t ReadFolder(const std::string& path, Image_t* image, std::string* error)
     const int pointProblem = ReadFile(path + "/smbios_entry_point", &point);
     const int tableProblem = ReadFile(path + "/DMI", &table);
     if (pointProblem == EACCES || tableProblem == EACCES)
-        return Fail("its files may not be read; try as root, or with a copy that you may read", error);
+        return Fail("its files may not be read; " + AdviceForAccess(), error);
     if (pointProblem != 0 || tableProblem != 0)
         return Fail("a folder without smbios_entry_point and DMI; try a file that holds a dump", error);
     image->bytes = std::move(table);
@@ -102,8 +108,8 @@ status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std:
         if (as == TableForm_t::kAny) return ReadFolder(path, image, error);
         return Fail("a folder; try it with --as sysfs", error);
     }
-    const char* advice = problem == EACCES   ? "; try as root, or with a copy that you may read"
-                         : problem == ENOENT ? "; try another name"
-                                             : "; try another file";
-    return Fail(std::string(std::strerror(problem)) + advice, error);
+    const std::string advice = problem == EACCES   ? AdviceForAccess()
+                               : problem == ENOENT ? "try another name"
+                                                   : "try another file";
+    return Fail(std::strerror(problem) + ("; " + advice), error);
 }

@@ -105,6 +105,8 @@ size_t TerminalWidth() {
     return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
+const char* AdviceForRights() { return geteuid() == 0 ? nullptr : "try as root"; }
+
 bool WriteStandardOutput(const char* bytes, size_t size) {
     while (size != 0) {
         const ssize_t written = write(STDOUT_FILENO, bytes, size);

@@ -57,6 +57,8 @@ bool IsStandardErrorTerminal() { return false; }
 
 size_t TerminalWidth() { return 0; }
 
+const char* AdviceForRights() { return nullptr; }
+
 bool WriteStandardOutput(const char* bytes, size_t size) {
     return std::fwrite(bytes, 1, size, stdout) == size && std::fflush(stdout) == 0;
 }

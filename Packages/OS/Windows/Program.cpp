@@ -127,6 +127,16 @@ size_t TerminalWidth() {
     return static_cast<size_t>(facts.srWindow.Right - facts.srWindow.Left + 1);
 }
 
+const char* AdviceForRights() {
+    HANDLE token = nullptr;
+    TOKEN_ELEVATION elevation = {};
+    DWORD size = 0;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return nullptr;
+    const bool isKnown = GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != FALSE;
+    CloseHandle(token);
+    return isKnown && elevation.TokenIsElevated == 0 ? "try as administrator" : nullptr;
+}
+
 bool WriteStandardOutput(const char* bytes, size_t size) {
     while (size != 0) {
         const int written = _write(_fileno(stdout), bytes, static_cast<unsigned>(size < 1u << 20 ? size : 1u << 20));

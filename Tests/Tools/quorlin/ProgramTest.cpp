@@ -467,6 +467,7 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         {"hw pci 0000:00:03.0 2 0",                                2, "within 1 to 4094"            },
         {"hw versions --cpu 0",                                    2, "no use for --cpu"            },
         {"hw cpuid 0 --out x",                                     2, "no use for --out"            },
+        {"hw acpi --out x",                                        2, "--out needs the name"        },
         {"hw cpuid 0 --trace Global",                              2, "no setting like"             },
     };
     for (const auto& c : kCases) {
@@ -574,13 +575,60 @@ TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
     const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 0xF0100, 0x100);
     Bytes_t memory(1u << 20);
     std::ranges::copy(found, memory.begin() + 0xF0000);
-    const std::string map = "000f0000-000fffff : System ROM\n";
-    const std::string output =
-        Shell("unshare -m sh -c 'mount -t tmpfs none /dev && mknod /dev/null c 1 3 && cp " + WriteFile("mem", memory) +
-              " /dev/mem && mount --bind " + WriteFile("map", Bytes_t(map.begin(), map.end())) +
-              " /proc/iomem && " QUORLIN_PROGRAM " types --road scan --verbose'");
+    const auto scan = [&memory](const std::string& map) {
+        return Shell("unshare -m sh -c 'mount -t tmpfs none /dev && mknod /dev/null c 1 3 && cp " +
+                     WriteFile("mem", memory) + " /dev/mem && mount --bind " +
+                     WriteFile("map", Bytes_t(map.begin(), map.end())) +
+                     " /proc/iomem && " QUORLIN_PROGRAM " types --road scan --verbose'");
+    };
+    const std::string output = scan("000f0000-000fffff : System ROM\n");
     if (Has(output, "unshare: ")) GTEST_SKIP() << "only root can have a /dev of its own";
     EXPECT_TRUE(Has(output, "quorlin: this machine: read by the scan of its memory, SMBIOS 2.7\n")) << output;
+    EXPECT_EQ(
+        scan("000f0000-000fffff : 0000:00:01.0\n"),
+        "quorlin: this machine: the table that the scan finds isn't in known memory, and is not read; try without "
+        "--road\n1\n");
+}
+
+// What stands in the way is told, and root is advised only where it would help.
+TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
+    const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 32);
+    const std::string point = WriteFile("point", Bytes_t(found.begin(), found.begin() + 31)),
+                      table = WriteFile("table", TableBy("A"));
+    const std::string firmware = "cd /sys/firmware && mkdir -p dmi/tables acpi/tables && cp " + point +
+                                 " dmi/tables/smbios_entry_point && cp " + table +
+                                 " dmi/tables/DMI && chmod 400 dmi/tables/* && ",
+                      nobody = "chmod 600 /dev/mem && setpriv --reuid 65534 --regid 65534 --clear-groups ",
+                      memory = "truncate -s 1M /dev/mem && ";
+    const struct {
+        std::string command, says;
+    } kCases[] = {
+        {firmware + QUORLIN_PROGRAM " get 3 Manufacturer",                                                                       "A\n0\n"                                                                },
+        {memory + firmware + nobody + QUORLIN_PROGRAM,
+         "this machine: the system refuses to give its SMBIOS table; try as root\n1\n"                                                                                                                   },
+        {memory + firmware + nobody + QUORLIN_PROGRAM " get 24 Handle --sample-if-none",
+         "its SMBIOS table; showing the embedded sample\n6144\n6145\n0\n"                                                                                                                                },
+        {QUORLIN_PROGRAM,                                                                                                        "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"},
+        {memory + nobody + QUORLIN_PROGRAM,                                                                                      "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"},
+        {QUORLIN_PROGRAM " --road scan",                                                                                         "its memory can't be read; try without --road\n1\n"                     },
+        {memory + QUORLIN_PROGRAM " --road scan",                                                                                "the scan of its memory finds no table; try without --road\n1\n"        },
+        {memory + nobody + QUORLIN_PROGRAM " --road scan",                                                                       "the system refuses to give its memory; try as root\n1\n"               },
+        {QUORLIN_PROGRAM " hw mem 0xF0000 4",                                                                                    "the request was refused (status 0); try quorlin hw --help\n1\n"        },
+        {memory + nobody + QUORLIN_PROGRAM " hw mem 0xF0000 4",                                                                  "the system refuses it (status 0); try as root\n1\n"                    },
+        {QUORLIN_PROGRAM " hw acpi",                                                                                             "shows no ACPI tables; try quorlin hw --help\n1\n"                      },
+        {firmware + "printf 12345 >acpi/tables/FACP && printf 123 >acpi/tables/SSDT1 && cp acpi/tables/FACP "
+                    "acpi/tables/SSDT2 && touch \"acpi/tables/$(printf \"A\\033[C\")\" && " QUORLIN_PROGRAM " hw acpi",
+         "Table  Bytes\nA?[C       -\nFACP       5\nSSDT       3  the first of 2\n0\n"                                                                                                                   },
+        {firmware + QUORLIN_PROGRAM " hw acpi NONE",                                                                             "try quorlin hw acpi, which lists the tables\n1\n"                      },
+    };
+    for (const auto& c : kCases) {
+        const std::string output = Shell(
+            "unshare -m sh -c 'mount -t tmpfs none /dev && mknod -m 666 /dev/null c 1 3 && "
+            "mount -t tmpfs none /sys/firmware && " +
+            c.command + "'");
+        if (Has(output, "unshare: ")) GTEST_SKIP() << "only root can have folders over those of the system";
+        EXPECT_TRUE(output.ends_with(c.says)) << c.command << ": " << output;
+    }
 }
 
 // A debug.conf in the working folder, as a user meets it: it holds for every table that a run brings up.

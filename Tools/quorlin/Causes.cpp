@@ -1,0 +1,70 @@
+#include "Tools/quorlin/Causes.h"
+
+#include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/Program.h"
+#include "Tools/quorlin/Output.h"
+
+namespace {
+
+// Rights are advised only to a process that lacks some.
+Cause_t LacksRights(const char* problem, const char* other) {
+    const char* rights = AdviceForRights();
+    return {problem, rights != nullptr ? rights : other};
+}
+
+Cause_t CPUIDFails(const char* other) { return {"its driver fails at the CPUID instruction", other}; }
+
+Cause_t WhyFirmwareFails() {
+    constexpr char kElse[] = "try --sample, or --image FILE";
+    bool refused = false;
+    if (os_GetFirmwareTable(kSMBIOSProvider, 0, nullptr, 0, &refused) == 0 && refused)
+        return LacksRights("the system refuses to give its SMBIOS table", kElse);
+    return {"no SMBIOS table here", kElse};
+}
+
+const char* WordsOf(status_t status) {
+    switch (status) {
+        case 0: return "the request was refused";
+        case kBadValue: return "an argument is out of range";
+        case kNoMemory: return "out of memory";
+        case kNullPointer: return "there is nothing";
+        case kNotSupported: return "not available on this system or under its hypervisor";
+        default: return "it failed, or there is no such thing here";
+    }
+}
+
+}  // namespace
+
+Cause_t WhyNoStart(status_t status, Refusal_t refusal, const char* other) {
+    if (status == kNotSupported) return {"this system gives no access to hardware", other};
+    if (status != kFailure) return CPUIDFails(other);  // the hypervisor test, which alone gives other statuses
+    switch (refusal) {
+        case Refusal_t::kNoDriver: return {"the driver Ravelink isn't installed", other};
+        case Refusal_t::kRights: return LacksRights("the system refuses to start its driver", other);
+        default: return {"its driver can't be started", other};
+    }
+}
+
+Cause_t WhyNoTable(const Steps_t& steps, const char* other) {
+    if (steps.start && *steps.start != kSuccess) return WhyNoStart(*steps.start, steps.refusal, other);
+    if (steps.cpuid && *steps.cpuid != kSuccess) return CPUIDFails(other);
+    if (steps.firmware == kNoMemory || steps.firmware == kSuccess || steps.scan == ScanEnd_t::kNoRoom ||
+        steps.scan == ScanEnd_t::kFound)
+        return {"out of memory", "try again with more, or a smaller table"};
+    if (steps.firmware || !steps.scan) return WhyFirmwareFails();
+    switch (*steps.scan) {
+        case ScanEnd_t::kNoAnchors: return {"the scan of its memory finds no table", other};
+        case ScanEnd_t::kElsewhere:
+            return {"the table that the scan finds isn't in known memory, and is not read", other};
+        default:
+            return steps.refusal == Refusal_t::kRights ? LacksRights("the system refuses to give its memory", other)
+                                                       : Cause_t{"its memory can't be read", other};
+    }
+}
+
+Cause_t WhyNoAnswer(status_t status, Refusal_t refusal, const char* other) {
+    const bool isRefusal = (status == 0 || status == kFailure) && refusal == Refusal_t::kRights;
+    Cause_t cause = isRefusal ? LacksRights("the system refuses it", other) : Cause_t{WordsOf(status), other};
+    cause.problem += " (status " + std::to_string(status) + ")";
+    return cause;
+}
