@@ -1,7 +1,8 @@
 #!/bin/sh
 # Checks that built files have what protects a process: check-hardening.sh FILE...
 # ELF files: position-independent, relocations read-only and bound at once, no writable and executable memory; shared
-# libraries also show the stack protector and the checked functions. Windows files: ASLR, high entropy, DEP.
+# libraries also show the stack protector, the checked functions and, on x86, marks for indirect jumps and stack probes.
+# Windows files: ASLR, high entropy, DEP.
 failures=0
 
 # has FILE TEXT PATTERN WHAT
@@ -31,8 +32,17 @@ check_elf() {
       symbols=$(readelf -sW "$1")
       has "$1" "$symbols" '__stack_chk_fail' 'stack protector'
       has "$1" "$symbols" '__v?snprintf_chk' 'checked functions'
+      case "$facts" in *X86-64*) check_x86_library "$1" ;; esac
       ;;
   esac
+}
+
+check_x86_library() {
+  code=$(objdump -d --no-show-raw-insn "$1")
+  entry=$(printf '%s\n' "$code" | grep -A1 '<CreateSmbiosPackage@*[A-Z_0-9]*>:')
+  has "$1" "$entry" 'endbr64' 'landing marks for indirect jumps'
+  # What a frame of several pages does to each of them.
+  has "$1" "$code" ':[[:space:]]+or[a-z]* +\$0x0,\(%rsp\)' 'stack-clash protection'
 }
 
 check_windows() {
@@ -40,6 +50,7 @@ check_windows() {
   has "$1" "$facts" 'DYNAMIC_BASE' 'ASLR'
   has "$1" "$facts" 'HIGH_ENTROPY_VA' 'high entropy'
   has "$1" "$facts" 'NX_COMPAT' 'DEP'
+  has "$1" "$facts" '^Entry 5 [0-9a-f]*[1-9a-f][0-9a-f]* .*Base Relocation' 'relocations for ASLR'
 }
 
 [ $# -gt 0 ] || exit 2

@@ -5,6 +5,19 @@ target_compile_options(quorlin_flags INTERFACE -Wall -Wextra -Wpedantic -Wconver
   # The same bytes from every build folder.
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 
+# Stack pages are touched in order, and indirect jumps land only where the compiler meant them to. Not every processor has
+# both options; Windows has its own forms.
+if(NOT WIN32)
+  include(CheckCXXCompilerFlag)
+  foreach(option stack-clash-protection cf-protection)
+    string(MAKE_C_IDENTIFIER QUORLIN_HAS_${option} is_there)
+    check_cxx_compiler_flag(-f${option} ${is_there})
+    if(${is_there})
+      target_compile_options(quorlin_flags INTERFACE -f${option})
+    endif()
+  endforeach()
+endif()
+
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_compile_options(quorlin_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()
