@@ -2,15 +2,18 @@
 
 #include <fcntl.h>
 #include <io.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdlib>
 
 #include "Packages/OS/OS.h"
+#include "Packages/OS/Windows/OwnerAccess.h"
 #include "Packages/OS/Windows/Windows.h"
 
-#include <shellapi.h>
+// The C runtime's own division of the command line, in UTF-16. The shell's needs a DLL that takes longer to load than
+// the program.
+extern "C" __declspec(dllimport) int __wgetmainargs(int* count, wchar_t*** arguments, wchar_t*** environment,
+                                                    int expandsWildcards, int* startInfo);
 
 static std::string ToUtf8(const wchar_t* text) {
     const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
@@ -31,12 +34,11 @@ static std::wstring ToWide(const std::string& text) {
 }
 
 std::vector<std::string> ProgramArguments(int argc, char** argv) {
-    int count = 0;
-    wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
-    if (wide == nullptr) return {argv, argv + argc};
+    int count = 0, startInfo = 0;
+    wchar_t **wide = nullptr, **environment = nullptr;
+    if (__wgetmainargs(&count, &wide, &environment, 0, &startInfo) < 0 || wide == nullptr) return {argv, argv + argc};
     std::vector<std::string> arguments;
     for (int place = 0; place < count; place++) arguments.push_back(ToUtf8(wide[place]));
-    LocalFree(wide);
     return arguments;
 }
 
@@ -86,9 +88,11 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     const std::wstring name = ToWide(path);
     const std::wstring temporary = name.substr(0, name.find_last_of(L"/\\:") + 1) + L".quorlin-" +
                                    std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount());
-    SECURITY_ATTRIBUTES* const access = nullptr;  // as the folder says
-    const HANDLE file =
-        CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, access, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ClOwnerAccess access;
+    SECURITY_ATTRIBUTES* const attributes = access.Attributes();
+    const HANDLE file = attributes == nullptr ? INVALID_HANDLE_VALUE
+                                              : CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, attributes,
+                                                            CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         errno = LastErrno();
         return false;
@@ -127,16 +131,6 @@ size_t TerminalWidth() {
     return static_cast<size_t>(facts.srWindow.Right - facts.srWindow.Left + 1);
 }
 
-const char* AdviceForRights() {
-    HANDLE token = nullptr;
-    TOKEN_ELEVATION elevation = {};
-    DWORD size = 0;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return nullptr;
-    const bool isKnown = GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != FALSE;
-    CloseHandle(token);
-    return isKnown && elevation.TokenIsElevated == 0 ? "try as administrator" : nullptr;
-}
-
 bool WriteStandardOutput(const char* bytes, size_t size) {
     while (size != 0) {
         const int written = _write(_fileno(stdout), bytes, static_cast<unsigned>(size < 1u << 20 ? size : 1u << 20));
@@ -149,4 +143,14 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
 
 FILE* os_fopen(const char* path, const char* mode) {
     return path == nullptr || mode == nullptr ? nullptr : std::fopen(path, mode);
+}
+
+const char* AdviceForRights() {
+    HANDLE token = nullptr;
+    TOKEN_ELEVATION elevation = {};
+    DWORD size = 0;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return nullptr;
+    const bool isKnown = GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != FALSE;
+    CloseHandle(token);
+    return isKnown && elevation.TokenIsElevated == 0 ? "try as administrator" : nullptr;
 }
