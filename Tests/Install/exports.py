@@ -1,9 +1,10 @@
 #!/usr/bin/python3
 """Checks that a library exports what the public headers mark with QUORLIN_API, and nothing else.
 
-    exports.py LIBRARY HEADER-FOLDER
+    exports.py LIBRARY HEADER-FOLDER [SYMBOLS]
 
-LIBRARY is a libquorlin.so or a quorlin.dll, and HEADER-FOLDER holds the installed headers.
+LIBRARY is a libquorlin.so or a quorlin.dll, and HEADER-FOLDER holds the installed headers. SYMBOLS is the Debian package's
+list of the same names, each with the version that brought it.
 """
 import pathlib
 import re
@@ -38,16 +39,31 @@ def exported(library):
     return {name.split("@")[0] for _, kind, name in rows if kind != "A"}
 
 
-def main(library, folder):
+def listed(symbols):
+    """The names of a Debian symbols file: head lines, then " NAME@VERSION-NODE SINCE"."""
+    lines = [line for line in pathlib.Path(symbols).read_text().splitlines() if line.startswith(" ")]
+    # The symbol of the version itself is listed too.
+    return {name for name, node in (line.split()[0].split("@") for line in lines) if name != node}
+
+
+def main(library, folder, symbols=None):
     wanted, found = marked(folder), exported(library)
-    for title, names in (
-        ("marked and not exported", wanted - found),
-        ("exported and not marked", found - wanted),
-        ("no export", PACKAGE - found),
-    ):
-        for name in sorted(names):
-            print(f"{library}: {title}: {name}")
-    sys.exit(0 if wanted == found and PACKAGE <= found else 1)
+    problems = [
+        f"{library}: {title}: {name}"
+        for title, names in (
+            ("marked and not exported", wanted - found),
+            ("exported and not marked", found - wanted),
+            ("no export", PACKAGE - found),
+        )
+        for name in sorted(names)
+    ]
+    if symbols is not None:
+        names = listed(symbols)
+        problems += [f"{symbols}: add the line ' {name}@QUORLIN_1 THIS-VERSION'" for name in sorted(found - names)]
+        problems += [f"{symbols}: not exported: {name}" for name in sorted(names - found)]
+    for problem in problems:
+        print(problem)
+    sys.exit(1 if problems else 0)
 
 
 main(*sys.argv[1:])

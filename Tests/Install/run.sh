@@ -26,7 +26,8 @@ PKG_CONFIG_PATH=$libraries/pkgconfig
 LD_LIBRARY_PATH=$libraries
 export PKG_CONFIG_PATH LD_LIBRARY_PATH
 
-python3 "$source/Tests/Install/exports.py" "$libraries/libquorlin.so" "$stage/include/quorlin"
+python3 "$source/Tests/Install/exports.py" "$libraries/libquorlin.so" "$stage/include/quorlin" \
+    "$source/debian/libquorlin1.symbols"
 
 # Each header by itself, with nothing defined and no folder but its own.
 find "$stage/include/quorlin" -name '*.h' | while read -r header; do

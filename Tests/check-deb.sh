@@ -1,0 +1,65 @@
+#!/bin/sh
+# Installs the Debian packages in a root folder of their own, uses them there, and purges them: check-deb.sh FOLDER, where
+# FOLDER holds them. Needs root or sudo, and the network: the root is a minimal Debian from this machine's own sources.
+set -eu
+packages=$(realpath "$1")
+cd "$(dirname "$0")/.."
+cmake/install-packages.sh debootstrap
+[ "$(id -u)" = 0 ] || exec sudo --preserve-env=http_proxy,https_proxy,no_proxy Tests/check-deb.sh "$packages"
+
+fail() {
+    echo "check-deb: $*" >&2
+    exit 1
+}
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
+root=$work/root
+codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
+# shellcheck disable=SC2016  # apt's own variables
+mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+    sed -n "s/ $codename main\$//p" | head -n 1)
+[ -n "$mirror" ] || fail "no source of this machine has $codename"
+debootstrap --variant=minbase "$codename" "$root" "$mirror" >"$work/log" 2>&1 || {
+    tail "$work/log" >&2
+    fail 'the root could not be downloaded or unpacked'
+}
+
+inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"; }
+
+# The root's files but dpkg's own records, logs and the loader's cache.
+files() {
+    (cd "$root" && find . -path ./var/lib/dpkg -prune -o -path ./var/log -prune -o -path ./var/cache -prune -o -print) |
+        LC_ALL=C sort
+}
+
+files >"$work/before"
+mkdir "$root/packages"
+find "$packages" -name '*.deb' ! -name '*-dbgsym_*' -exec cp {} "$root/packages" \;
+inside sh -c 'dpkg -i /packages/*.deb' >"$work/log" 2>&1 || {
+    cat "$work/log" >&2
+    fail 'dpkg -i fails'
+}
+rm -r "$root/packages"
+
+# A program that was built against the packages' files, in a place where there is no compiler.
+libraries=$(dirname "$(find "$root/usr/lib" -name libquorlin.so)")
+cc -I"$root/usr/include" Docs/examples/items.c -L"$libraries" -lquorlin -o "$root/items-c"
+inside quorlin dump --sample /dump.bin
+inside quorlin --image /dump.bin --format lines >"$work/program.txt"
+[ -s "$work/program.txt" ] || fail 'quorlin shows nothing'
+inside /items-c /dump.bin >"$work/items-c.txt"
+[ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] || fail 'items-c gives another number of items'
+for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completions/quorlin \
+    zsh/vendor-completions/_quorlin doc/libquorlin-dev/examples/items.c; do
+    [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"
+done
+
+inside dpkg --purge libquorlin-dev libquorlin1 >"$work/log" 2>&1 || fail "purging the library: $(cat "$work/log")"
+inside quorlin --image /dump.bin --format lines | cmp "$work/program.txt" - || fail 'quorlin does not work alone'
+inside dpkg --purge quorlin >"$work/log" 2>&1 || fail "purging the program: $(cat "$work/log")"
+rm "$root/dump.bin" "$root/items-c"
+files >"$work/after"
+diff "$work/before" "$work/after" || fail 'purging leaves files behind, or takes others away'
+echo "The packages install, work and leave nothing behind: $(wc -l <"$work/program.txt") items of the sample"
