@@ -1,18 +1,26 @@
 #!/bin/sh
-# Builds the last commit for Windows in two folders and compares what came out, byte for byte.
+# Builds and packs the last commit for Windows in two folders, as users with different umasks, and compares what came out,
+# byte for byte.
 set -eu
 cd "$(dirname "$0")/.."
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-files='bin/quorlin.dll bin/quorlin.exe lib/libquorlin.dll.a'
-for folder in "$work/first" "$work/second-with-a-longer-name/in/depth"; do
-    mkdir -p "$folder"
-    git archive HEAD | tar -x -C "$folder"
+first=$work/first second=$work/second-with-a-longer-name/in/depth
+
+# build FOLDER UMASK
+build() (
+    umask "$2"
+    mkdir -p "$1"
+    git archive HEAD | tar -x --no-same-permissions -C "$1"
+    cd "$1" || exit 1
     # A compiler cache would hand out the first build's objects.
-    (cd "$folder" && export CCACHE_DISABLE=1 && cmake --preset windows && cmake --build --preset windows) >"$work/log" ||
-        { cat "$work/log" >&2; exit 1; }
+    export CCACHE_DISABLE=1
+    cmake --preset windows && cmake --build --preset windows && cmake/make-zip.sh build/windows
+)
+
+build "$first" 022 >"$work/log" || { cat "$work/log" >&2; exit 1; }
+build "$second" 077 >"$work/log" || { cat "$work/log" >&2; exit 1; }
+for file in "$first"/build/windows/*.zip "$first"/build/windows/zip/*/bin/* "$first"/build/windows/zip/*/lib/*.a; do
+    cmp "$file" "$second/${file#"$first/"}"
 done
-for file in $files; do
-    cmp "$work/first/build/windows/$file" "$work/second-with-a-longer-name/in/depth/build/windows/$file"
-done
-echo "The same bytes from both folders: $files"
+echo 'The same bytes from both folders: the programs, the import library, and the zip'

@@ -7,10 +7,15 @@ version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 name=quorlin-$version-windows-x86_64
 rm -rf "$build/zip" "$build/$name.zip"
 DESTDIR='' cmake --install "$build" --prefix "$build/zip/$name" >/dev/null
-cp README.md CHANGELOG.md Docs/Library.md "$build/zip/$name"
-cp -r Docs/examples "$build/zip/$name"
+mkdir -p "$build/zip/$name/Docs"
+cp Docs/Windows.md "$build/zip/$name/README.md"
+cp CHANGELOG.md "$build/zip/$name"
+for document in Program.md Formats.md json-schema.json Items.md Library.md Containers.md Trace.md examples; do
+    cp -r "Docs/$document" "$build/zip/$name/Docs"
+done
 cd "$build/zip"
-# The time that every entry gets, so that it isn't that of the build.
+# Entries carry the time and the rights of the files: neither is to be that of the build or of the user's umask.
 find "$name" -exec touch -d "@${SOURCE_DATE_EPOCH:-1767225600}" {} +
+chmod -R u=rwX,go=rX "$name"
 find "$name" | LC_ALL=C sort | TZ=UTC zip -q -X -@ "../$name.zip"
 echo "$build/$name.zip"

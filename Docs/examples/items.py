@@ -3,7 +3,7 @@
 
     python3 items.py [IMAGE]
 
-Needs nothing but the shared library, which the loader must find (LD_LIBRARY_PATH, or the program's folder on Windows).
+Needs nothing but the shared library: on Windows beside this file, elsewhere where the loader finds it (LD_LIBRARY_PATH).
 """
 import ctypes
 import os
@@ -22,7 +22,8 @@ class Item(ctypes.Structure):
     ]
 
 
-library = ctypes.CDLL("quorlin.dll" if os.name == "nt" else "libquorlin.so.1")
+HERE = os.path.dirname(os.path.abspath(__file__))
+library = ctypes.CDLL(os.path.join(HERE, "quorlin.dll") if os.name == "nt" else "libquorlin.so.1")
 library.quorlin_last_error.restype = ctypes.c_char_p
 # Handles are pointers, which ctypes would cut to 32 bits.
 library.quorlin_next.argtypes = [ctypes.c_void_p, ctypes.POINTER(Item)]

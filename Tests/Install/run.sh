@@ -59,6 +59,7 @@ for program in ./cmake-build/items-c "python3 examples/items.py"; do
     $program "$sample" >items.txt || fail "$program fails"
     cmp items-c.txt items.txt || fail "$program gives other items than items-c"
 done
+[ "$(./cmake-build/containers-cpp | tail -n 1)" = '2 Willow' ] || fail 'containers-cpp does not sort'
 # Where this machine has no such table, or doesn't show it to this user, the example says so.
 mcfg=/sys/firmware/acpi/tables/MCFG
 if [ -r $mcfg ]; then
