@@ -1,6 +1,6 @@
-// Every cut of a table decodes without leaving it: the sample and, where they are at hand, images of real machines, cut
-// at every length, and the sample's structures with every length byte. What this proves it proves under
-// AddressSanitizer; elsewhere it shows that nothing crashes or hangs. Windows' tests leave it out.
+// Every cut of a table decodes without leaving it: the sample, generated images and, where they are at hand, images of
+// real machines, cut at every length, and the sample's structures with every length byte. What this proves it proves
+// under AddressSanitizer; elsewhere it shows that nothing crashes or hangs. Windows' tests leave it out.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -12,12 +12,11 @@
 #include "Packages/Format/Structures.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
+#include "Tests/Support/Images.h"
 
 namespace {
 
 using Bytes_t = std::vector<uint8_t>;
-
-constexpr size_t kTableOffset = 32;  // in the images
 
 // Sweeps the first `size` bytes of a table, and the type that a sweep leaves out. The count leaves out the groups: they
 // show an item for each entry of a member without strings, and fewer once its first string appears.
@@ -48,6 +47,11 @@ void CutEverywhere(const uint8_t* table, size_t size, const std::string& what) {
     EXPECT_GT(items, 50u) << what;
 }
 
+void CutImage(const TableImage_t& image) {
+    ASSERT_GT(image.bytes.size(), kImageTableOffset) << image.name;
+    CutEverywhere(image.bytes.data() + kImageTableOffset, image.bytes.size() - kImageTableOffset, image.name);
+}
+
 TEST(Cut, SampleDecodesAtEveryLength) { CutEverywhere(SampleTable().data(), SampleTable().size(), "sample"); }
 
 // Each structure stands behind a group that names its type, so that the group's decoder reads it too, and ends the
@@ -76,6 +80,10 @@ TEST(Cut, StructuresOfTheSampleDecodeWithEveryLengthByte) {
     }
 }
 
+TEST(Cut, GeneratedImagesDecodeAtEveryLength) {
+    for (const TableImage_t& image : GeneratedImages()) CutImage(image);
+}
+
 TEST(Cut, ImagesOfRealMachinesDecodeAtEveryLength) {
     const std::filesystem::path folder = QUORLIN_SOURCE_DIR "/../shared/tables";
     if (!std::filesystem::exists(folder)) GTEST_SKIP() << "no images of real machines here";
@@ -83,8 +91,7 @@ TEST(Cut, ImagesOfRealMachinesDecodeAtEveryLength) {
         if (entry.path().extension() != ".bin") continue;
         std::ifstream file(entry.path(), std::ios::binary);
         const Bytes_t bytes{std::istreambuf_iterator<char>(file), {}};
-        ASSERT_GT(bytes.size(), kTableOffset);
-        CutEverywhere(bytes.data() + kTableOffset, bytes.size() - kTableOffset, entry.path().filename().string());
+        CutImage({entry.path().filename().string(), bytes});
     }
 }
 
