@@ -29,7 +29,7 @@ test:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
 	@cmake --build --preset release
-	@ctest --preset release
+	@Tests/run_tests.py release
 
 # What takes too long for every change.
 test-long: test
@@ -50,7 +50,7 @@ asan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan
-	@ctest --preset asan
+	@Tests/run_tests.py asan
 
 # What several threads may do at once, under ThreadSanitizer. Its own thread keeps a process out of a new user namespace,
 # which a test of runs without traces needs; that test has no threads.
@@ -59,7 +59,7 @@ tsan:
 	@cmake --preset tsan >/dev/null
 	@cmake --build --preset tsan --target ContainerTest DebugTest FERROXLibTest LinuxHardwareTest MachineTest OSTest \
 		SourcesTest
-	@ctest --preset tsan
+	@Tests/run_tests.py tsan
 
 # The lines of Sources and Packages that the tests run; those that they don't are named in build/coverage/coverage.txt.
 coverage:
@@ -67,7 +67,7 @@ coverage:
 	@cmake --preset coverage >/dev/null
 	@cmake --build --preset coverage
 	@find build/coverage -name '*.gcda' -delete
-	@ctest --preset coverage
+	@Tests/run_tests.py coverage
 	@gcovr --filter Sources/ --filter Packages/ --txt build/coverage/coverage.txt build/coverage
 	@tail -3 build/coverage/coverage.txt
 
@@ -81,7 +81,7 @@ test-windows:
 	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES) $(WINE_PACKAGES)
 	@cmake --preset windows-tests >/dev/null
 	@cmake --build --preset windows-tests
-	@ctest --preset windows-tests
+	@Tests/run_tests.py windows-tests
 
 # Into $(DESTDIR)$(PREFIX); without DESTDIR the loader learns of the library.
 PREFIX = /usr/local

@@ -1,0 +1,115 @@
+#!/usr/bin/env python3
+"""Runs the tests of a preset, then lists the skipped ones with their reasons.
+
+    Tests/run_tests.py PRESET [CTEST-OPTION...]
+
+Fails when a test fails, or when one is skipped that this machine could run.
+"""
+
+import fnmatch
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import xml.etree.ElementTree
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+
+
+def bytes_of(path, offset, size):
+    """Bytes of a file or a device; none where they can't be read."""
+    try:
+        with open(path, "rb", buffering=0) as file:
+            file.seek(offset)
+            return file.read(size)
+    except OSError:
+        return b""
+
+
+def lacks(path, size, offset=0):
+    return len(bytes_of(path, offset, size)) < size
+
+
+def is_user():
+    return os.geteuid() != 0
+
+
+def cannot_mount():
+    return subprocess.run(["unshare", "-m", "true"], stderr=subprocess.DEVNULL).returncode != 0
+
+
+def lacks_pci():
+    return not any(pathlib.Path("/").glob("sys/bus/pci/devices/*"))
+
+
+def lacks_access_method():
+    return lacks("/sys/firmware/dmi/tables/DMI", 1) or b"_SM_" not in bytes_of("/dev/mem", 0xF0000, 0x10000)
+
+
+# All skips that are expected: the test program and the test, and when. A test that isn't here is never skipped.
+EXPECTED = {
+    "Sources/Cut.ImagesOfRealMachines*": lambda preset: not (ROOT / "../shared/tables").exists(),
+    "Machine/Machine.Writes*": lambda preset: True,  # guests run these two
+    "Machine/Machine.Ports*": lambda preset: True,
+    "Machine/Machine.PCIRegisters*": lambda preset: lacks_pci(),
+    "Machine/Machine.Segments*": lambda preset: lacks("/sys/firmware/acpi/tables/MCFG", 60),
+    "Machine/Machine.AnMSR*": lambda preset: lacks("/dev/cpu/0/msr", 8, 0x1B),
+    "Machine/Machine.TheNonTurbo*": lambda preset: lacks("/dev/cpu/0/msr", 8, 0x10)
+    or lacks("/sys/firmware/acpi/tables/FACP", 80),
+    "Machine/Machine.TheBIOSArea*": lambda preset: lacks("/dev/mem", 0x10000, 0xF0000),
+    "Machine/Machine.BothRoads*": lambda preset: lacks_access_method(),
+    "Machine/MachineRefusals.*": lambda preset: is_user(),
+    "LinuxHardware/Hardware.AUserWithoutRights*": lambda preset: is_user(),
+    "LinuxHardware/StandIns.*": lambda preset: cannot_mount(),
+    "OS/ClConfigFile.RootObeys*": lambda preset: is_user(),
+    "OS/Traces.*": lambda preset: cannot_mount(),
+    "OS/Program.ReadsHardware*": lambda preset: lacks_pci() or os.path.isdir("/sys/bus/pci/devices/0000:ff:1f.7"),
+    "OS/Library.*": lambda preset: preset in ("asan", "tsan"),
+    "quorlin/OnLinux.VerboseNames*": lambda preset: cannot_mount() or preset == "windows-tests",
+    "quorlin/OnLinux.*": lambda preset: preset == "windows-tests",
+}
+
+# What a preset leaves out otherwise.
+LEFT_OUT = {
+    "tsan": "what has no threads: other test programs than those above, Cut.*, Traces.*",
+    "windows-tests": "Cut.*, which AddressSanitizer judges, and what Linux alone has",
+}
+
+
+def skipped_tests(folder):
+    """(name, reason) of each skipped test, from the result files in a folder."""
+    for file in sorted(folder.glob("*.xml")):
+        for case in xml.etree.ElementTree.parse(file).iter("testcase"):
+            mark = case.find("skipped")
+            if mark is not None:
+                reason = (mark.get("message") or "").strip().splitlines()[-1:]
+                yield f"{file.stem}/{case.get('classname')}.{case.get('name')}", "".join(reason)
+
+
+def is_expected(name, preset):
+    return any(fnmatch.fnmatchcase(name, test) and holds(preset) for test, holds in EXPECTED.items())
+
+
+def report(folder, preset):
+    """Prints what was skipped; gives the names of the tests that shouldn't have been."""
+    skipped = list(skipped_tests(folder))
+    unexpected = [name for name, _ in skipped if not is_expected(name, preset)]
+    print(f"Skipped tests: {len(skipped)}, of them unexpected: {len(unexpected)}")
+    for name, reason in skipped:
+        print(f"  {'UNEXPECTED: ' if name in unexpected else ''}{name}: {reason}")
+    if preset in LEFT_OUT:
+        print(f"Left out: {LEFT_OUT[preset]}")
+    return unexpected
+
+
+def main():
+    preset = sys.argv[1]
+    results = ROOT / "build" / preset / "results"
+    shutil.rmtree(results, ignore_errors=True)
+    failed = subprocess.run(["ctest", "--preset", preset, *sys.argv[2:]], cwd=ROOT).returncode
+    return 1 if report(results, preset) else failed
+
+
+if __name__ == "__main__":
+    sys.exit(main())
