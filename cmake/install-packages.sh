@@ -7,10 +7,15 @@ for package in "$@"; do
 done
 [ -n "$missing" ] || exit 0
 sudo=
-[ "$(id -u)" = 0 ] || sudo=sudo
+if [ "$(id -u)" != 0 ]; then
+    command -v sudo >/dev/null || { echo "These packages are missing:$missing; install them as root" >&2; exit 1; }
+    sudo=sudo
+fi
 echo "Installing:$missing" >&2
-export DEBIAN_FRONTEND=noninteractive
+# A source that fails needn't be the one that matters.
+$sudo apt-get update -qq -o APT::Update::Error-Mode=any || echo "Not all package lists could be downloaded" >&2
 # shellcheck disable=SC2086  # one word a package
-$sudo apt-get update -qq
-# shellcheck disable=SC2086
-$sudo apt-get install -y -qq --no-install-recommends $missing >/dev/null
+$sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null || {
+    echo "Could not download or install:$missing" >&2
+    exit 1
+}

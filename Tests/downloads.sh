@@ -1,0 +1,28 @@
+#!/bin/sh
+# A download that fails ends the script that wants it, and the script says so.
+set -eu
+cd "$(dirname "$0")/.."
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+# No network: the lists know the packages, and nothing comes.
+mkdir "$work/bin"
+printf '#!/bin/sh\necho "E: no network" >&2\nexit 100\n' >"$work/bin/apt-get"
+printf '#!/bin/sh\necho "  Depends: linux-image-6.1.0-1-amd64"\n' >"$work/bin/apt-cache"
+printf '#!/bin/sh\nexec "$@"\n' >"$work/bin/sudo"
+chmod 755 "$work"/bin/*
+PATH=$work/bin:$PATH
+export PATH
+
+# says TEXT COMMAND...: the command fails and names what it lacks.
+says() {
+    text=$1
+    shift
+    if "$@" >"$work/out" 2>&1; then echo "$* succeeds without a network"; exit 1; fi
+    grep -q "$text" "$work/out" && return
+    echo "$* doesn't say: $text"
+    cat "$work/out"
+    exit 1
+}
+
+says 'Could not download or install: no-such-package' cmake/install-packages.sh no-such-package
+says 'linux-image-6.1.0-1-amd64 could not be downloaded' Tests/Machine/kernel.sh "$work/kernel"
