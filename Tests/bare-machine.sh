@@ -1,0 +1,77 @@
+#!/bin/sh
+# The README's two commands on a machine that has nothing: a minimal Debian 12, made from this machine's own package
+# sources, with /proc, /sys and the few device files that every machine has. The tree is that of the last commit, as an
+# unpacked archive. Root runs ./run and ./test; then a user with sudo runs ./run, once more without make.
+#
+# Needs root or sudo, the right to mount and to make device files (a container mostly refuses both), the network, and
+# 2 GB in the temporary folder.
+set -eu
+case ${1:-} in
+'')
+    cd "$(dirname "$0")/.."
+    cmake/install-packages.sh debootstrap git
+    sudo=
+    [ "$(id -u)" = 0 ] || sudo='sudo --preserve-env=http_proxy,https_proxy,no_proxy'
+    $sudo unshare --mount --pid --fork true || { echo "bare-machine: no right to mount here" >&2; exit 1; }
+    work=$(mktemp -d)
+    trap '$sudo rm -rf "$work"' EXIT
+    trap 'exit 1' HUP INT TERM
+    chmod 755 "$work"
+    git archive -o "$work/tree.tar" HEAD
+    # Its mounts and processes are its own, so that both are gone when it ends, however it ends.
+    $sudo unshare --mount --pid --fork --kill-child "$0" inside "$work"
+    ;;
+inside)
+    root=$2/root
+    # shellcheck disable=SC2016  # apt's own variables
+    mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+        sed -n 's/ bookworm main$//p' | head -n 1)
+    [ -n "$mirror" ] || { echo "bare-machine: no source of this machine has Debian 12" >&2; exit 1; }
+    [ -n "${http_proxy:-}" ] || eval "$(apt-config shell http_proxy Acquire::http::Proxy)"
+    [ -z "${http_proxy:-}" ] || export http_proxy
+    debootstrap --variant=minbase bookworm "$root" "$mirror" >"$2/debootstrap.log" || {
+        tail "$2/debootstrap.log" >&2
+        echo "bare-machine: Debian 12 could not be downloaded or unpacked" >&2
+        exit 1
+    }
+    # What apt needs to use the same sources.
+    rm "$root/etc/apt/sources.list"
+    for item in sources.list sources.list.d auth.conf auth.conf.d trusted.gpg trusted.gpg.d keyrings; do
+        [ ! -e "/etc/apt/$item" ] || cp -r "/etc/apt/$item" "$root/etc/apt"
+    done
+    cp -r /usr/share/keyrings "$root/usr/share"
+    apt-config dump | grep -i '^Acquire::[a-z]*::\(.*::\)\?Proxy ' >"$root/etc/apt/apt.conf.d/machine" || true
+    authorities=/etc/ssl/certs/ca-certificates.crt
+    [ ! -e $authorities ] || install -D $authorities "$root$authorities"
+    cp /etc/resolv.conf /etc/hosts "$root/etc"
+
+    mount -t proc proc "$root/proc"
+    mount --rbind /sys "$root/sys"
+    mount -t devpts devpts "$root/dev/pts"
+    mkdir "$root/tree"
+    tar -x -C "$root/tree" -f "$2/tree.tar"
+    cp "$0" "$root/bare-machine"
+    # shellcheck disable=SC2086  # nothing, or one word
+    exec chroot "$root" env -i HOME=/root LANG=C.UTF-8 PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+        ${http_proxy:+"http_proxy=$http_proxy"} sh /bare-machine commands
+    ;;
+commands)
+    ! command -v make git g++ || { echo "bare-machine: that's no bare machine" >&2; exit 1; }
+    # shows_items COMMAND...: its output has the system's name, of this machine or of the sample.
+    shows_items() {
+        "$@" >/output && grep -q '{Type 1}' /output && return
+        echo "bare-machine: $* shows no items" >&2
+        return 1
+    }
+    cd /tree
+    shows_items ./run
+    ./test
+
+    apt-get install -y -qq sudo >/dev/null
+    apt-get remove -y -qq make >/dev/null
+    useradd --create-home user
+    echo 'user ALL=(ALL) NOPASSWD: ALL' >/etc/sudoers.d/user
+    chown -R user .
+    shows_items su user -c ./run
+    ;;
+esac
