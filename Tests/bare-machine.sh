@@ -45,6 +45,7 @@ inside)
     [ ! -e $authorities ] || install -D $authorities "$root$authorities"
     cp /etc/resolv.conf /etc/hosts "$root/etc"
 
+    mount --bind "$root" "$root"  # a root folder of its own mount, as programs with mounts of their own need it
     mount -t proc proc "$root/proc"
     mount --rbind /sys "$root/sys"
     mount -t devpts devpts "$root/dev/pts"
