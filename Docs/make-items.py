@@ -72,7 +72,7 @@ class Source:
                 if len(self.lists[name]) != len(re.findall(r"^ +\{", body, re.M)):
                     raise SystemExit(f"{path.name}: {name} has a row that can't be read, or a value twice")
         self.numbers = dict(re.findall(r"\b(k\w+) = (0x[0-9A-Fa-f]+|\d+)\b", self.text))
-        self.makers = dict(re.findall(r"constexpr Rendering_t (\w+)\(uint32_t \w+\) \{ return ([^\n]*); \}", self.text))
+        self.makers = dict(re.findall(r"constexpr Rendering_t (\w+)\((?:uint32_t|std::string_view) \w+\) \{ return ([^\n]*); \}", self.text))
         self.renderings = {}
         for declaration in re.findall(r"constexpr Rendering_t ([^(;]*?[={].*?);\n", self.text, re.S):
             for part in split_top(declaration.replace("\n", " ")):
@@ -186,8 +186,6 @@ class Source:
                 return f"decimal, then {code(unescape(arguments[0][1:-1]))}"
             if name == "Dec16AndHex":
                 return f"decimal, then hexadecimal of {arguments[0]} digits or more in parentheses"
-            if name == "NumberedString":
-                return "the first string" if arguments[0] == "1" else "string; one item for each"
             if name == "Enum8":
                 return f"a word of {arguments[0][1:]}, else {code(unescape(arguments[1][1:-1]))}"
             if name in ("Bit8", "Bit32"):
@@ -213,6 +211,8 @@ class Source:
         for comment, kind, body in re.findall(array, self.text, re.M | re.S):
             rows = {"ItemRow_t": self.item_rows, "FieldRow_t": self.field_rows, "PairRow_t": self.pair_rows}[kind]
             yield re.sub(r'"([^"]*)"', lambda quoted: code(quoted[1]), comment_text(comment)), list(rows(body))
+        for key, count in re.findall(r"PrintStrings\(" + TEXT + r", ([^,]*),", self.text):
+            yield "", [(code(unescape(key)), "", "the first string" if count == "1" else "string; one item for each")]
 
     def item_rows(self, body):
         for key, offset, rendering in re.findall(r"\{" + TEXT + r',\s*([^,{}"]+),\s*([^\n]*?)\s*\}[,;]', body):

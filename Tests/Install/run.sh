@@ -33,7 +33,10 @@ python3 "$source/Tests/Install/exports.py" "$libraries/libquorlin.so" "$stage/in
 find "$stage/include/quorlin" -name '*.h' | while read -r header; do
     "$CXX" -std=c++20 -Wall -Wextra -Wpedantic -Werror -I"$stage/include/quorlin" -fsyntax-only -x c++ -include "$header" /dev/null
 done
-"$CC" -std=c99 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -x c -include "$stage/include/quorlin/quorlin_c.h" /dev/null
+for language in 'c -std=c89' 'c -std=c99' 'c++ -std=c++98'; do
+    # shellcheck disable=SC2086  # a language and its level
+    "$CC" -Wall -Wextra -pedantic -Werror -fsyntax-only -include "$stage/include/quorlin/quorlin_c.h" -x $language /dev/null
+done
 
 # shellcheck disable=SC2046  # flags are words
 "$CC" -std=c99 -Wall -Wextra -Werror examples/items.c $(pkg-config --cflags --libs quorlin) -o items-c
