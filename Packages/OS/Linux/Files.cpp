@@ -4,8 +4,8 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <charconv>
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -88,7 +88,10 @@ int StreamOfName(std::string_view path) {
     constexpr std::string_view kDescriptors = "/dev/fd/";
     if (path == "/dev/stdout") return STDOUT_FILENO;
     if (path == "/dev/stderr") return STDERR_FILENO;
-    return path.starts_with(kDescriptors) ? std::atoi(path.data() + kDescriptors.size()) : -1;
+    int number = -1;
+    if (path.starts_with(kDescriptors))
+        std::from_chars(path.data() + kDescriptors.size(), path.data() + path.size(), number);
+    return number;
 }
 
 }  // namespace
