@@ -112,7 +112,7 @@ bench:
 	@Benchmarks/syscalls.sh >build/bench/syscalls.txt
 	@cat build/bench/instructions.txt build/bench/memory.txt build/bench/syscalls.txt
 
-# Each fuzzer for a minute, or for FUZZ_SECONDS.
+# Each fuzzer for a minute, or for FUZZ_SECONDS, two at a time. A finding fails the run.
 FUZZ_SECONDS = 60
 fuzz:
 	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)

@@ -20,10 +20,14 @@ inline void ReadItems(BaseAbstraction& package, uint32_t expected) {
 inline void DecodeTable(const ImageSource_t& source) {
     Require(SetImageMachine(&source) == kSuccess);
     auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
-    Require(package != nullptr && package->Initialize() == kSuccess);
+    Require(package != nullptr);
+    const auto gives = [package](status_t status) {
+        return status == kSuccess || (status == kNoMemory && package->HadTooManyItems());
+    };
+    Require(gives(package->Initialize()));
     const uint32_t swept = package->GetItemCount();
     ReadItems(*package, swept);
-    for (uint8_t type = 0; type < Quorlin::kSweep; type++) Require(package->GetTypes(type) == kSuccess);
+    for (uint8_t type = 0; type < Quorlin::kSweep; type++) Require(gives(package->GetTypes(type)));
     const uint32_t all = package->GetItemCount();
     Require(all >= swept);
     ReadItems(*package, all - swept);

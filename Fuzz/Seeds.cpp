@@ -1,8 +1,9 @@
-// Writes the inputs that the fuzzers begin with, a folder for each fuzzer: seeds made of the sample, and the inputs
-// that once were findings.
+// Writes the inputs that the fuzzers begin with, a folder for each fuzzer: seeds made of the sample and of small
+// structures, and the inputs that once were findings.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "Fuzz/Fuzz.h"
@@ -85,6 +86,24 @@ void WriteTables(ClFolders& folders) {
     }
 }
 
+// Each structure of the corpus as every fuzzer of tables takes it.
+void WriteStructures(ClFolders& folders, const char* corpus) {
+    for (const auto& entry : std::filesystem::directory_iterator(corpus)) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(file), {}}, name = entry.path().filename().string();
+        const std::string table = bytes + "\x7F\4\0\0\0\0"s;
+        const auto length = static_cast<char>(table.size());
+        folders.Write("Table", name, "\xC0\x06\x05\0\3\0"s + bytes);
+        folders.Write("Dump", name, "\0\1"s + table);
+        folders.Write("Output", name, "\x3C"s + bytes);
+        folders.Write("CInterface", name, "\xC0\x06\x05\0\3\0\1"s + table);
+        folders.Write("Files", name, "\x18\0_SM3_\0\x18\3\0\0\1\0"s + length + "\0\0\0\0\0\0\0\0\0\0\0"s + table);
+        // An entry point that has the table after itself.
+        folders.Write("Scan", name,
+                      "\0\0\0_SM_\0\x1F\3\0\0\0\0\0\0\0\0\0_DMI_\0"s + length + "\0\x20\0\x0F\0\1\0\x30\0"s + table);
+    }
+}
+
 // The forms of a file, each around a few structures of the sample.
 void WriteDumps(ClFolders& folders) {
     const std::span<const uint8_t> table = SampleTable().first(512);
@@ -108,10 +127,11 @@ void WriteDumps(ClFolders& folders) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count != 2) return 1;
+    if (count != 3) return 1;
     ClFolders folders(arguments[1]);
     for (const Input_t& input : kSeeds) folders.Write(input.subject, input.name, input.bytes);
     WriteTables(folders);
     WriteDumps(folders);
+    WriteStructures(folders, arguments[2]);
     return folders.IsWhole() ? 0 : 1;
 }

@@ -1,0 +1,79 @@
+// What every output of the program is, whatever a table holds.
+#pragma once
+
+#include <rapidjson/document.h>
+
+#include "Fuzz/Fuzz.h"
+
+// The code points of UTF-8 text; a finding for anything else.
+inline std::vector<uint32_t> CodePoints(std::string_view text) {
+    std::vector<uint32_t> points;
+    for (size_t at = 0; at < text.size();) {
+        const auto lead = static_cast<uint8_t>(text[at++]);
+        const int more = lead < 0x80 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+        Require(lead < 0x80 || (lead >= 0xC2 && lead <= 0xF4));
+        uint32_t point = more == 0 ? lead : lead & (0x3Fu >> more);
+        for (int place = 0; place < more; place++, at++) {
+            Require(at < text.size() && (static_cast<uint8_t>(text[at]) & 0xC0) == 0x80);
+            point = point << 6 | (static_cast<uint8_t>(text[at]) & 0x3Fu);
+        }
+        constexpr uint32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
+        Require(point >= kLeast[more] && point <= 0x10FFFF && (point < 0xD800 || point > 0xDFFF));
+        points.push_back(point);
+    }
+    return points;
+}
+
+// Lines of text that steer no terminal.
+inline void RequireHarmless(std::string_view text) {
+    for (const uint32_t point : CodePoints(text)) {
+        Require(point >= 0x20 || point == '\n');
+        Require(point < 0x7F || point > 0x9F);
+        Require(point < 0x202A || point > 0x202E);
+        Require(point < 0x2066 || point > 0x2069);
+        Require(point != 0x2028 && point != 0x2029);
+    }
+}
+
+inline void RequireJson(std::string_view text) {
+    RequireHarmless(text);
+    rapidjson::Document document;
+    document.Parse<rapidjson::kParseValidateEncodingFlag>(text.data(), text.size());
+    Require(!document.HasParseError() && document.IsObject());
+}
+
+// A document on each line.
+inline void RequireNdjson(std::string_view text) {
+    while (!text.empty()) {
+        const size_t end = text.find('\n');
+        Require(end != text.npos);
+        RequireJson(text.substr(0, end));
+        text.remove_prefix(end + 1);
+    }
+}
+
+// Rows of one number of cells, by RFC 4180.
+inline void RequireCsv(std::string_view text) {
+    size_t cells = 1, cellsOfHead = 0;
+    std::string plain;
+    for (size_t at = 0; at < text.size(); at++) {
+        if (text[at] == '"') {
+            for (at++; Require(at < text.size()), text[at] != '"' || text.substr(at + 1).starts_with('"'); at++) {
+                if (text[at] == '"') at++;
+                plain += text[at];
+            }
+            Require(text.substr(at + 1).starts_with(',') || text.substr(at + 1).starts_with("\r\n"));
+        } else if (text[at] == ',') {
+            cells++;
+        } else if (text[at] == '\r') {
+            Require(text.substr(++at).starts_with('\n'));
+            Require(cellsOfHead == 0 || cells == cellsOfHead);
+            cellsOfHead = std::exchange(cells, 1);
+        } else {
+            plain += text[at];
+        }
+    }
+    Require(text.empty() || text.ends_with("\r\n"));
+    Require(plain.find('\n') == plain.npos);
+    RequireHarmless(plain);
+}

@@ -1,0 +1,53 @@
+#include "Fuzz/Platform.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include "Packages/Debug/DebugInternal.h"
+#include "Packages/OS/Program.h"
+#include "Packages/OS/Status.h"
+
+Platform_t platform;
+
+std::FILE* OpenFile(const std::string& path, const char*) {
+    const auto file = platform.files.find(path);
+    if (file != platform.files.end() && !file->second.empty())
+        return fmemopen(file->second.data(), file->second.size(), "r");
+    errno = path == "secret" ? EACCES : ENOENT;
+    return nullptr;
+}
+bool CreateWholeFile(const std::string&, const void*, size_t) {
+    errno = EEXIST;
+    return false;
+}
+bool IsFolder(const std::string& path) {
+    const auto inside = platform.files.lower_bound(path + "/");
+    return inside != platform.files.end() && inside->first.starts_with(path + "/");
+}
+bool IsThere(const std::string& path) { return platform.files.contains(path) || IsFolder(path); }
+void PrepareStandardStreams() {}
+bool IsStandardOutputTerminal() { return platform.terminalWidth != 0; }
+bool IsStandardErrorTerminal() { return false; }
+size_t TerminalWidth() { return platform.terminalWidth; }
+const char* AdviceForRights() { return "try as root"; }
+bool WriteStandardOutput(const char* bytes, size_t size) {
+    platform.output.append(bytes, size);
+    return true;
+}
+
+// The program's links are told to take this one: no input reaches the hardware.
+extern "C" status_t __wrap_FERROXInitialize();
+extern "C" status_t __wrap_FERROXInitialize() { return kFailure; }
+
+int RunOnPlatform(const Arguments_t& arguments) {
+    platform.output.clear();
+    const int exitCode = RunProgram(arguments);
+    Require(exitCode >= 0 && exitCode <= 2);
+    return exitCode;
+}
+
+// A run that finds no table closes the one that is open, and with it its trace.
+void EndRuns() {
+    RunProgram({"--image", "none"});
+    DebugResetForTest();
+}

@@ -1,0 +1,64 @@
+// Memory of any bytes through the scan for a table. In front of it: where the input lies in the BIOS area (2 bytes),
+// and whether a read fails, or all but the BIOS area is a device (1 byte). The rest of memory holds the input again and
+// again.
+#include <cstring>
+
+#include "Fuzz/Decode.h"
+#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/OS/OS.h"
+
+namespace {
+
+std::vector<uint8_t> memory;
+uint32_t begin;
+uint8_t flags;
+
+status_t Succeed() { return kSuccess; }
+
+constexpr uint64_t kBIOSArea = 0xF0000, kBIOSAreaEnd = 0x100000;
+
+bool IsBIOSArea(uint64_t address, uint64_t size) { return address >= kBIOSArea && address + size <= kBIOSAreaEnd; }
+
+bool IsMemory(uint64_t address, uint64_t size) { return (flags & 2) == 0 || IsBIOSArea(address, size); }
+
+status_t Read(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
+    const uint64_t place = address + offset;
+    // Registers are never read.
+    Require(IsBIOSArea(place, buffer->Size) || IsMemory(place, buffer->Size));
+    if ((flags & 1) != 0 && place >= kBIOSArea + 0x8000) return kFailure;
+    for (uint32_t at = 0; at < buffer->Size; at++)
+        buffer->Data()[at] = memory[static_cast<size_t>((place + at + begin) % memory.size())];
+    return kSuccess;
+}
+
+status_t ReadNoCPUID(uint32_t, CPUIDRecord_t* record) {
+    record->Eax = 0x506C0;
+    record->Ecx = 0;
+    return kSuccess;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const HardwareServices_t machine = [] {
+        HardwareServices_t services = {};
+        services.OSFERROXInitialize = services.OSFERROXTerminate = Succeed;
+        services.OSGetSystemTables = Read;
+        services.OSReadCPUID = ReadNoCPUID;
+        services.IsMemory = IsMemory;
+        return services;
+    }();
+    ClInput input(data, size);
+    begin = input.Take<uint16_t>();
+    flags = input.Take<uint8_t>();
+    memory = input.Rest();
+    if (memory.empty()) return 0;
+    UseHardware(machine);
+    Require(SetMachine(ThisMachineByScan()) == kSuccess);
+    auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
+    if (package->BringUp() == kSuccess) ReadItems(*package, package->GetItemCount());
+    package->UnInitialize();
+    if (StoreIsUp()) Require(LibSMBIOSExit() == kSuccess);
+    DestroySmbiosPackage(package);
+    return 0;
+}
