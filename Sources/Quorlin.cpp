@@ -110,16 +110,20 @@ void AppendQuoted(std::string_view key, std::string_view value, std::string& tex
     }
 }
 
+// An item whose key as text isn't its key.
+void AppendMarked(const Item_t& item, std::string& text) {
+    std::string key;
+    item.AppendKey(key);
+    AppendQuoted(key, item.value.View(), text);
+}
+
 }  // namespace
 
 void Quorlin::AppendLine(const Item_t& item, std::string& text) {
-    if (item.facts.kind == ItemKind_t::kItem) {
+    if (item.facts.kind == ItemKind_t::kItem)
         AppendQuoted(item.key.View(), item.value.View(), text);
-    } else {
-        std::string key;
-        item.AppendKey(key);
-        AppendQuoted(key, item.value.View(), text);
-    }
+    else
+        AppendMarked(item, text);
 }
 
 status_t Quorlin::GetNextItem(std::string& text) {
