@@ -45,15 +45,20 @@ inside)
     [ ! -e $authorities ] || install -D $authorities "$root$authorities"
     cp /etc/resolv.conf /etc/hosts "$root/etc"
 
-    mount --bind "$root" "$root"  # a root folder of its own mount, as programs with mounts of their own need it
+    mount --bind "$root" "$root"
     mount -t proc proc "$root/proc"
     mount --rbind /sys "$root/sys"
     mount -t devpts devpts "$root/dev/pts"
     mkdir "$root/tree"
     tar -x -C "$root/tree" -f "$2/tree.tar"
     cp "$0" "$root/bare-machine"
+    # Not chroot, in which the kernel refuses new user namespaces and private mounts.
+    cd "$root"
+    pivot_root . .
+    umount -l .
+    cd /
     # shellcheck disable=SC2086  # nothing, or one word
-    exec chroot "$root" env -i HOME=/root LANG=C.UTF-8 PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+    exec env -i HOME=/root LANG=C.UTF-8 PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
         ${http_proxy:+"http_proxy=$http_proxy"} sh /bare-machine commands
     ;;
 commands)
