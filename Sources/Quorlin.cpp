@@ -111,7 +111,7 @@ void AppendQuoted(std::string_view key, std::string_view value, std::string& tex
 }
 
 // An item whose key as text isn't its key.
-void AppendMarked(const Item_t& item, std::string& text) {
+__attribute__((noinline)) void AppendMarked(const Item_t& item, std::string& text) {
     std::string key;
     item.AppendKey(key);
     AppendQuoted(key, item.value.View(), text);

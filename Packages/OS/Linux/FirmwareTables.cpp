@@ -1,11 +1,13 @@
 #include "Packages/OS/FirmwareTables.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -78,11 +80,12 @@ uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, ui
 // Several tables of one name have numbers after it.
 std::vector<uint32_t> os_ListACPITables() {
     std::vector<std::string> names;
-    std::error_code problem;
-    for (std::filesystem::directory_iterator file(ACPI_FOLDER, problem), end; problem.value() == 0 && file != end;
-         file.increment(problem)) {
-        std::error_code ignored;
-        if (file->is_regular_file(ignored)) names.push_back(file->path().filename().string());
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(ACPI_FOLDER), closedir);
+    if (folder == nullptr) return {};
+    while (const dirent* file = readdir(folder.get())) {
+        struct stat facts;
+        if (fstatat(dirfd(folder.get()), file->d_name, &facts, 0) == 0 && S_ISREG(facts.st_mode))
+            names.emplace_back(file->d_name);
     }
     std::ranges::sort(names);
     std::vector<uint32_t> tables;
