@@ -110,8 +110,8 @@ void AppendQuoted(std::string_view key, std::string_view value, std::string& tex
     }
 }
 
-// An item whose key as text isn't its key.
-__attribute__((noinline)) void AppendMarked(const Item_t& item, std::string& text) {
+// An item whose key as text isn't its key: a few of many, whose text would make the way of all others longer.
+[[gnu::noinline]] void AppendMarked(const Item_t& item, std::string& text) {
     std::string key;
     item.AppendKey(key);
     AppendQuoted(key, item.value.View(), text);
