@@ -6,6 +6,10 @@
 
 void ClCsv::Cell(std::string_view cell) {
     std::string& text = m_output.Text();
+    if (IsPlain(cell, '"', ',')) {
+        text += Trimmed(cell);
+        return;
+    }
     const size_t begin = text.size();
     AppendPrintable(text, cell);
     const std::string_view plain = std::string_view(text).substr(begin);

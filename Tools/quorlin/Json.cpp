@@ -8,26 +8,7 @@ namespace {
 
 constexpr size_t kLarge = 64u << 10;
 
-// Whether the text stands in JSON as it is: ASCII without control characters, quotes and backslashes. Most texts are
-// such, and eight bytes are looked at in one step: of a byte that isn't, the high bit of its test comes out set. (A
-// borrow or a carry from a lower byte can only make a test too strict.)
-bool StandsAsItIs(std::string_view text) {
-    constexpr uint64_t kOnes = 0x0101010101010101, kHighs = kOnes << 7;
-    const auto test = [](uint64_t bytes) {
-        const uint64_t quotes = bytes ^ (kOnes * '"'), slashes = bytes ^ (kOnes * '\\');
-        return (bytes | (bytes - kOnes * 0x20) | (bytes + kOnes) | (quotes - kOnes) | (slashes - kOnes)) & kHighs;
-    };
-    uint64_t bytes = kOnes * ' ', bad = 0;
-    const char* at = text.data();
-    size_t size = text.size();
-    for (; size >= sizeof bytes; size -= sizeof bytes, at += sizeof bytes) {
-        std::memcpy(&bytes, at, sizeof bytes);
-        bad |= test(bytes);
-    }
-    bytes = kOnes * ' ';
-    if (size != 0) std::memcpy(&bytes, at, size);
-    return (bad | test(bytes)) == 0;
-}
+bool StandsAsItIs(std::string_view text) { return IsPlain(text, '"', '\\'); }
 
 char* Append(char* at, std::string_view text) {
     if (!text.empty()) std::memcpy(at, text.data(), text.size());

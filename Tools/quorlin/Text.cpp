@@ -1,6 +1,8 @@
 #include "Tools/quorlin/Text.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -66,19 +68,37 @@ std::string_view Trimmed(std::string_view text) {
     return text;
 }
 
-bool IsPlain(std::string_view text) {
-    return std::ranges::all_of(text, [](char character) { return character >= 0x20 && character < 0x7F; });
+// Eight bytes are looked at in one step: of a byte that isn't plain, the high bit of its test comes out set. (A borrow
+// or a carry from a lower byte can only make a test too strict.)
+bool IsPlain(std::string_view text, char first, char second) {
+    constexpr uint64_t kOnes = 0x0101010101010101, kHighs = kOnes << 7;
+    const uint64_t firsts = kOnes * static_cast<uint8_t>(first), seconds = kOnes * static_cast<uint8_t>(second);
+    const auto test = [firsts, seconds](uint64_t bytes) {
+        return (bytes | (bytes - kOnes * 0x20) | (bytes + kOnes) | ((bytes ^ firsts) - kOnes) |
+                ((bytes ^ seconds) - kOnes)) &
+               kHighs;
+    };
+    uint64_t bytes = kOnes * 'a', bad = 0;
+    const char* at = text.data();
+    size_t size = text.size();
+    for (; size >= sizeof bytes; size -= sizeof bytes, at += sizeof bytes) {
+        std::memcpy(&bytes, at, sizeof bytes);
+        bad |= test(bytes);
+    }
+    bytes = kOnes * 'a';
+    if (size != 0) std::memcpy(&bytes, at, size);
+    return (bad | test(bytes)) == 0;
 }
 
 void AppendPrintable(std::string& out, std::string_view text) {
-    const size_t begin = out.size();
     if (IsPlain(text)) {
-        out += text;
-    } else {
-        while (!text.empty()) {
-            const Character_t next = TakeCharacter(&text);
-            out += SteersTerminal(next.code) ? " " : next.bytes;
-        }
+        out += Trimmed(text);
+        return;
+    }
+    const size_t begin = out.size();
+    while (!text.empty()) {
+        const Character_t next = TakeCharacter(&text);
+        out += SteersTerminal(next.code) ? " " : next.bytes;
     }
     while (out.size() > begin && out.back() == ' ') out.pop_back();
 }

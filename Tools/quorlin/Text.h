@@ -8,8 +8,9 @@
 
 // The length of the valid UTF-8 sequence at the begin of `text`, or 0.
 size_t SequenceLength(std::string_view text);
-// Whether there is nothing but printable ASCII.
-bool IsPlain(std::string_view text);
+// Whether there is nothing but printable ASCII, and neither of two characters that a format gives a meaning. True for
+// most texts, so that they are taken as they are. A text may be judged too strictly, never too leniently.
+bool IsPlain(std::string_view text, char first = '\x7F', char second = '\x7F');
 // Without the blanks at its end, which say nothing.
 std::string_view Trimmed(std::string_view text);
 // Adds `text` with invalid bytes as U+FFFD, without the blanks at its end. What steers a terminal becomes a blank:
