@@ -66,6 +66,7 @@ EXPECTED = {
     "OS/Traces.*": lambda preset: cannot_mount(),
     "OS/Program.ReadsHardware*": lambda preset: lacks_pci() or os.path.isdir("/sys/bus/pci/devices/0000:ff:1f.7"),
     "quorlin/WorstTables.*": lambda preset: preset == "asan",
+    "quorlin/OnLinux.ForeignFiles*": lambda preset: preset == "asan",
     "OS/Library.*": lambda preset: preset in ("asan", "tsan"),
     "quorlin/OnLinux.VerboseNames*": lambda preset: cannot_mount() or preset == "windows-tests",
     "quorlin/OnLinux.*": lambda preset: preset == "windows-tests",
