@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -254,7 +255,8 @@ TEST(Program, StructuresWithoutItemsShowTheirBytesAndStrings) {
     const auto oem =
         ClStructureBuilder(200, 6, 0x10).Byte(4, 0xAB).Byte(5, 1).Strings({"BIOS {Type 0}_9#GROUPNAME", "x "});
     const auto module = ClStructureBuilder(6, 5, 0x11).Byte(4, 2);
-    const std::string image = " --image " + WriteFile("raw.bin", TableOf({module, oem, Chassis(7, "M")}));
+    WriteFile("raw.bin", TableOf({module, oem, Chassis(7, "M")}));
+    const std::string image = " --image raw.bin";
     const struct {
         std::string arguments, output;
     } kCases[] = {
@@ -265,20 +267,22 @@ TEST(Program, StructuresWithoutItemsShowTheirBytesAndStrings) {
          "type,handle,instance,title,group,key,value\r\n"
          "6,17,1,Memory Module Information,,Bytes,06 05 11 00 02\r\n"                                                  },
         {"--type 6,200 --format json",
-         "{\"source\":\"" + TempDir() +
-             "raw.bin\",\"smbios\":\"3.0\",\"structures\":[\n"
-             R"({"type":6,"handle":17,"instance":1,"title":"Memory Module Information","bytes":"0605110002","strings":[]})"
-             "\n"
-             R"(,{"type":200,"handle":16,"instance":1,"title":"OEM-specific","bytes":"C8061000AB01",)"
-             R"("strings":["BIOS {Type 0}_9#GROUPNAME","x"]}]})"
-             "\n"                                                                                                      },
+         "{\"source\":\"raw.bin\",\"smbios\":\"3.0\",\"structures\":[\n"
+         R"({"type":6,"handle":17,"instance":1,"title":"Memory Module Information","bytes":"0605110002","strings":[]})"
+         "\n"
+         R"(,{"type":200,"handle":16,"instance":1,"title":"OEM-specific","bytes":"C8061000AB01",)"
+         R"("strings":["BIOS {Type 0}_9#GROUPNAME","x"]}]})"
+         "\n"                                                                                                          },
         {"find group",                 "OEM-specific {Type 200}, handle 0010h\n  String 1  BIOS {Type 0}_9#GROUPNAME\n"},
         {"get 200 \"string 2\"",       "x\n"                                                                           },
         {"--type 200 --format lines",  ""                                                                              },
     };
+    const auto home = fs::current_path();
+    fs::current_path(TempDir());
     for (const auto& c : kCases) EXPECT_EQ(RunQuorlin(c.arguments + image).output, c.output) << c.arguments;
     const std::string all = RunQuorlin("show" + image).output;
     EXPECT_TRUE(Has(all, "Memory Module Information {Type 6}, ") && Has(all, "OEM-specific {Type 200}, ")) << all;
+    fs::current_path(home);
 }
 
 // A key that comes from a string is a key, whatever it looks like; and a maker is no code outside its table.
@@ -649,7 +653,9 @@ TEST(Program, MakesALogOfEveryWalk) {
         {"--format lines --type 24 --sample-if-none",              line, 1}, // the last of the machines that it tries
     };
     const auto home = fs::current_path();
-    const auto folder = fs::path(TempDir()) / "quorlin-trace";
+    // Under Wine a folder of the host's may look as if all could rename what is in it.
+    const char* profile = std::getenv("USERPROFILE");
+    const auto folder = fs::path(profile != nullptr ? profile : TempDir()) / "quorlin-trace";
     fs::remove_all(folder);
     fs::create_directory(folder);
     std::ofstream(folder / "debug.conf") << "[GLOBAL]\nGlobal:TraceType<Al>\nGlobal:OutputType<Fi>\n"
