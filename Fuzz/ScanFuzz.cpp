@@ -1,4 +1,4 @@
-// Memory of any bytes through the scan for a table. In front of it: where the input lies in the BIOS area (2 bytes),
+// Memory of any bytes through the scan for a table. In front of it: with which byte the BIOS area begins (2 bytes),
 // and whether a read fails, or all but the BIOS area is a device (1 byte). The rest of memory holds the input again and
 // again.
 #include <cstring>
@@ -27,7 +27,7 @@ status_t Read(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
     Require(IsBIOSArea(place, buffer->Size) || IsMemory(place, buffer->Size));
     if ((flags & 1) != 0 && place >= kBIOSArea + 0x8000) return kFailure;
     for (uint32_t at = 0; at < buffer->Size; at++)
-        buffer->Data()[at] = memory[static_cast<size_t>((place + at + begin) % memory.size())];
+        buffer->Data()[at] = memory[static_cast<size_t>((place + at - kBIOSArea + begin) % memory.size())];
     return kSuccess;
 }
 
