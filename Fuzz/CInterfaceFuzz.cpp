@@ -1,4 +1,4 @@
-// An image of any bytes through the C interface. In front of it: the options.
+// An image of any bytes through the C interface. In front of it: the options, and by how much their size is wrong.
 #include <cstring>
 
 #include "Fuzz/Fuzz.h"
@@ -28,11 +28,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ClInput input(data, size);
     quorlin_options options = {
         sizeof options, input.Take<uint32_t>(), input.Take<uint8_t>(), input.Take<uint8_t>(), 0, input.Take<uint8_t>()};
+    const auto wrong = input.Take<uint8_t>();
+    options.size += wrong;
     const std::vector<uint8_t> image = input.Rest();
     quorlin_table* table = nullptr;
     const quorlin_status status =
         quorlin_open_memory(image.empty() ? data : image.data(), image.size(), &options, &table);
     Require((status == QUORLIN_OK) == (table != nullptr) && (status == QUORLIN_OK) == (*quorlin_last_error() == '\0'));
+    Require(wrong == 0 || status == QUORLIN_BAD_VALUE);
+    Require(*quorlin_status_text(status) != '\0' && quorlin_status_text(status) != quorlin_status_text(0));
     if (table != nullptr) ReadAll(table);
     quorlin_close(table);
     return 0;

@@ -1,10 +1,12 @@
 // The forms in which several files make a table or a run: a folder of an entry point and a table, a list of images, and
-// compressed files. In front: the size of the first of two parts (2 bytes).
+// compressed files. In front: the size of the first of two parts (2 bytes), and the form to take images as (1 byte).
 #include <zlib.h>
 
 #include "Fuzz/Output.h"
 #include "Fuzz/Platform.h"
 #include "Packages/Format/TableFile.h"
+
+static constexpr const char* kForms[] = {"any", "dump", "table", "windows", "sysfs"};
 
 static std::string Packed(const std::string& text) {
     z_stream stream = {};
@@ -21,32 +23,53 @@ static std::string Packed(const std::string& text) {
     return packed;
 }
 
+// The names that a list gives: its lines, without the empty ones, up to one that can't be a name.
+static size_t CountNames(std::string_view list) {
+    size_t count = 0;
+    while (!list.empty()) {
+        std::string_view line = list.substr(0, list.find('\n'));
+        if (line.find('\0') != line.npos) break;
+        list.remove_prefix(std::min(line.size() + 1, list.size()));
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        count += !line.empty();
+    }
+    return count;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ClInput input(data, size);
     const size_t split = input.Take<uint16_t>();
+    const char* const as = kForms[input.Take<uint8_t>() % std::size(kForms)];
     const std::vector<uint8_t> rest = input.Rest();
-    const std::string bytes(rest.begin(), rest.end()), first = bytes.substr(0, split),
-                                                       second = bytes.substr(first.size());
-    if (("\n" + first + "\n").find("\n-\n") != first.npos) return 0;  // it would wait for standard input
+    const std::string bytes(rest.begin(), rest.end());
+    const std::string first = bytes.substr(0, split), second = bytes.substr(first.size());
+    const std::string names = "folder\nplain\npacked\r\nbroken\n\n" + first.substr(0, 256);
+    // A line of "-" would wait for standard input.
+    for (const std::string_view line : {"\n-\n", "\n-\r\n"})
+        if ((names + "\n").find(line) != names.npos) return 0;
+    const std::string broken = "\x1F\x8B\x08" + std::string(6, '\0') + '\3' + bytes;
     platform.files = {
-        {"folder/smbios_entry_point", first                         },
-        {"folder/DMI",                second                        },
-        {"plain",                     second                        },
-        {"packed",                    Packed(second)                },
-        {"broken",                    "\x1F\x8B\x08" + std::string(6, '\0') + '\3' + bytes},
-        {"names",                           first + "\nfolder\nplain\npacked\r\nbroken\n\nplain"                                                  },
+        {"folder/smbios_entry_point", first         },
+        {"folder/DMI",                second        },
+        {"plain",                     second        },
+        {"packed",                    Packed(second)},
+        {"broken",                    broken        },
+        {"names",                     names         },
     };
-    RunOnPlatform({"--format", "ndjson", "--image-list", "names"});
+    // Each name gives a line, also where its file can't be read.
+    RunOnPlatform({"--as", as, "--format", "ndjson", "--image-list", "names"});
     RequireNdjson(platform.output);
-    RunOnPlatform({"types", "--format", "csv", "--image-list", "names"});
+    RequireHarmless(platform.errors);
+    Require(static_cast<size_t>(std::ranges::count(platform.output, '\n')) == CountNames(names));
+    RunOnPlatform({"types", "--as", as, "--format", "csv", "--image-list", "names"});
     RequireCsv(platform.output);
-    // What a file says is what it says compressed.
-    RunOnPlatform({"--format", "lines", "plain"});
+    RequireHarmless(platform.errors);
+    // What a file says is what it says compressed. One that is compressed already is unpacked once.
+    const int exitCode = RunOnPlatform({"--as", as, "--format", "lines", "plain"});
     const std::string plain = platform.output;
-    RunOnPlatform({"--format", "lines", "packed"});
-    // A file that is compressed already is unpacked once.
-    Require(IsCompressed({reinterpret_cast<const uint8_t*>(second.data()), second.size()}) || second.empty() ||
-            platform.output == plain);
+    const int packedExitCode = RunOnPlatform({"--as", as, "--format", "lines", "packed"});
+    if (!second.empty() && !IsCompressed({reinterpret_cast<const uint8_t*>(second.data()), second.size()}))
+        Require(packedExitCode == exitCode && platform.output == plain);
     EndRuns();
     return 0;
 }

@@ -1,6 +1,7 @@
 // A table of any bytes through every command and format. In front of it: the width of the terminal (0 for none).
 #include "Fuzz/Output.h"
 #include "Fuzz/Platform.h"
+#include "Packages/Format/TableFile.h"
 #include "Packages/Sample/Sample.h"
 
 // The program's own marks of a heading.
@@ -16,6 +17,7 @@ static void RunFormats(const Arguments_t& command, std::initializer_list<const c
         arguments.insert(arguments.end(), {"--as", "table", "--format", format});
         if (command.front() != "diff") arguments.insert(arguments.end(), {"--image", "table"});
         if (RunOnPlatform(arguments) == 2 && platform.output.empty()) continue;  // no table
+        RequireHarmless(platform.errors);
         const std::string& output = platform.output;
         if (format == "json") RequireJson(output);
         if (format == "ndjson") RequireNdjson(output);
@@ -36,6 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     };
     RunFormats({"show"}, {"text", "json", "ndjson", "csv", "lines"});
     RunFormats({"show", "--type", "148", "--signature", "506C0"}, {"text", "json"});
+    RunFormats({"show", "--recover", "--verbose"}, {"text", "ndjson"});
     RunFormats({"types"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"find", "e"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"check"}, {"text", "json", "ndjson", "csv"});
@@ -45,7 +48,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (*command == 'g') arguments.insert(arguments.end(), {"0-255", "string 1"});
         RunOnPlatform(arguments);
         RequireHarmless(platform.output);
+        RequireHarmless(platform.errors);
     }
+    // What is dumped is the table that was read.
+    Require(RunOnPlatform({"dump", "-", "--as", "table", "--image", "table"}) == 0);
+    const std::vector<uint8_t> dump(platform.output.begin(), platform.output.end());
+    const TableFound_t found = FindTable(dump, TableForm_t::kDump);
+    Require(std::ranges::equal(found.table, table));
     EndRuns();
     return 0;
 }

@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <utility>
 
 #include "Packages/Debug/DebugInternal.h"
 #include "Packages/OS/Program.h"
@@ -41,7 +43,13 @@ extern "C" status_t __wrap_FERROXInitialize() { return kFailure; }
 
 int RunOnPlatform(const Arguments_t& arguments) {
     platform.output.clear();
+    char* errors = nullptr;
+    size_t size = 0;
+    std::FILE* const usual = std::exchange(stderr, open_memstream(&errors, &size));
     const int exitCode = RunProgram(arguments);
+    std::fclose(std::exchange(stderr, usual));
+    platform.errors.assign(errors, size);
+    std::free(errors);
     Require(exitCode >= 0 && exitCode <= 2);
     return exitCode;
 }

@@ -25,28 +25,32 @@ struct Input_t {
 // What a fuzzer begins with. An input that fuzzing finds gets a row here, named after what was wrong, so that the fault
 // doesn't come back.
 constexpr Input_t kSeeds[] = {
-    {"Table",     "empty",             ""sv                                                                                },
-    {"Acpi",      "one-segment",
+    {"Table",      "empty",             ""sv                                                                               },
+    {"Acpi",       "one-segment",
      "\0\0\0\0\0MCFG\x3C\0\0\0\1\0QUORLNSAMPLE  \1\0\0\0QRLN\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\xE0\0\0\0\0\0\0\0\x7F\0\0\0\0"sv},
-    {"Acpi",      "length-above-size", "\0\0\0\0\0MCFG\xFF\xFF\xFF\xFF"sv                                                  },
-    {"Acpi",      "grows",             "\2\0\0\0\0MCFG\x2C\0\0\0"sv                                                        },
-    {"Acpi",      "goes-away",         "\1\0\0\0\0MCFG\x2C\0\0\0"sv                                                        },
-    {"Arguments", "show",              "--image\ndump\n--type\n17\n--format\njson"sv                                       },
-    {"Arguments", "lines",             "--sample\n--format\nlines\n--trace\nGlobal:TraceType<ErWaIn>"sv                    },
-    {"Arguments", "list",              "show\n--image-list\nnames\n--format\ncsv\n--verbose\n--recover"sv                  },
-    {"Arguments", "version",           "--image\ntable\n--smbios-version\n2.8\n--signature\n506C0h\n--as\nany"sv           },
-    {"Arguments", "types",             "types\n--sample"sv                                                                 },
-    {"Arguments", "find",              "find\n--sample\nDIMM"sv                                                            },
-    {"Arguments", "get",               "get\n--sample\nserial"sv                                                           },
-    {"Arguments", "dump",              "dump\n--sample\nout.bin"sv                                                         },
-    {"Arguments", "raw",               "raw\n--sample\n--handle\n1103"sv                                                   },
-    {"Arguments", "check",             "check\n--image\ntable"sv                                                           },
-    {"Arguments", "diff",              "diff\ndump\ntable"sv                                                               },
-    {"Arguments", "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                                  },
-    {"Container", "list",              "\0\0\1\0\2\4\5\2\0\3\1\7\2\6\4\1\2\5\0"sv                                          },
-    {"Container", "sorted-list",       "\1\0\5\0\1\4\x30\0\4\6\4\7\1\5\0"sv                                                },
-    {"Container", "red-black-tree",    "\2\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                              },
-    {"Container", "avl-tree",          "\3\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                              },
+    {"Acpi",       "length-above-size", "\0\0\0\0\0MCFG\xFF\xFF\xFF\xFF"sv                                                 },
+    {"Acpi",       "grows",             "\2\0\0\0\0MCFG\x2C\0\0\0"sv                                                       },
+    {"Acpi",       "goes-away",         "\1\0\0\0\0MCFG\x2C\0\0\0"sv                                                       },
+    {"Arguments",  "show",              "--image\ndump\n--type\n17\n--format\njson"sv                                      },
+    {"Arguments",  "lines",             "--sample\n--format\nlines\n--trace\nGlobal:TraceType<ErWaIn>"sv                   },
+    {"Arguments",  "list",              "show\n--image-list\nnames\n--format\ncsv\n--verbose\n--recover"sv                 },
+    {"Arguments",  "version",           "--image\ntable\n--smbios-version\n2.8\n--signature\n506C0h\n--as\nany"sv          },
+    {"Arguments",  "types",             "types\n--sample"sv                                                                },
+    {"Arguments",  "find",              "find\n--sample\nDIMM"sv                                                           },
+    {"Arguments",  "get",               "get\n--sample\nserial"sv                                                          },
+    {"Arguments",  "dump",              "dump\n--sample\nout.bin"sv                                                        },
+    {"Arguments",  "raw",               "raw\n--sample\n--handle\n1103"sv                                                  },
+    {"Arguments",  "check",             "check\n--image\ntable"sv                                                          },
+    {"Arguments",  "diff",              "diff\ndump\ntable"sv                                                              },
+    {"Arguments",  "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                                 },
+    {"CInterface", "wrong-size",        "\0\0\0\0\3\0\0\1\x7F\4\0\0\0\0"sv                                                 },
+    {"Files",      "names",
+     "\x25\0\0secret\r\n\x1B[31m\xE2\x80\xAE\xFF\xC2\x9B\n\"a,b\"\n\xF0\x9F\x98\x80\nfolder\x7F\4\0\0\0\0"sv               },
+    {"Files",      "windows",           "\0\0\3\0\3\2\0\6\0\0\0\x7F\4\0\0\0\0"sv                                           },
+    {"Container",  "list",              "\0\0\1\0\2\4\5\2\0\3\1\7\2\6\4\1\2\5\0"sv                                         },
+    {"Container",  "sorted-list",       "\1\0\5\0\1\4\x30\0\4\6\4\7\1\5\0"sv                                               },
+    {"Container",  "red-black-tree",    "\2\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                             },
+    {"Container",  "avl-tree",          "\3\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                             },
 };
 
 std::string Text(std::span<const uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
@@ -96,8 +100,8 @@ void WriteStructures(ClFolders& folders, const char* corpus) {
         folders.Write("Table", name, "\xC0\x06\x05\0\3\0"s + bytes);
         folders.Write("Dump", name, "\0\1"s + table);
         folders.Write("Output", name, "\x3C"s + bytes);
-        folders.Write("CInterface", name, "\xC0\x06\x05\0\3\0\1"s + table);
-        folders.Write("Files", name, "\x18\0_SM3_\0\x18\3\0\0\1\0"s + length + "\0\0\0\0\0\0\0\0\0\0\0"s + table);
+        folders.Write("CInterface", name, "\xC0\x06\x05\0\3\0\1\0"s + table);
+        folders.Write("Files", name, "\x18\0\0_SM3_\0\x18\3\0\0\1\0"s + length + "\0\0\0\0\0\0\0\0\0\0\0"s + table);
         // An entry point that has the table after itself.
         folders.Write("Scan", name,
                       "\0\0\0_SM_\0\x1F\3\0\0\0\0\0\0\0\0\0_DMI_\0"s + length + "\0\x20\0\x0F\0\1\0\x30\0"s + table);
