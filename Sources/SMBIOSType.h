@@ -137,7 +137,7 @@ struct ItemFacts_t {
     ItemFacts_t As(ItemKind_t other) const { return {instance, handle, type, other}; }
 };
 
-// An item as it is kept: what it is stands beside its texts, so that nobody has to read it out of them. Its key is
+// An item as it is kept: its facts are kept apart from its texts, so that nobody has to read them out of these. Its key is
 // without the marks that the text of it carries.
 struct Item_t {
     ClText key;

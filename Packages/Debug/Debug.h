@@ -89,8 +89,7 @@ QUORLIN_API status_t GetDebugLibVersion(LibVersion_t* version);
 // Takes the configuration from a text in place of the file debug.conf, for hosts that offer it as an option. Settings
 // are separated by ';' or a newline and are written as the file's lines are. To be called before the first
 // DebugLibInit, once. The text is read at once and stays the caller's. On failure nothing has changed.
-// Status  1; 3 no memory; 4 null text; 5 a bad setting, or a configuration has been read already; 6 it names a log
-// file,
+// Status  1; 3 no memory; 4 null text; 5 a bad setting, or a configuration has been read already; 6 it names a log file,
 //         and the process has rights that its user lacks, as a set-user-ID program has
 QUORLIN_API status_t DebugUseConfigText(const char* text);
 

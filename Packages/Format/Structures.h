@@ -24,6 +24,6 @@ struct TableStructure_t {
 // The structure at `offset` of a table of `length` bytes. Its size is 0 when the table ends before a whole header.
 TableStructure_t StructureAt(const uint8_t* table, uint32_t length, uint32_t offset);
 
-// Whether `bytes` look like a table: whether plausible structures stand at its begin, one at least, with headers,
+// Whether `bytes` look like a table: whether they begin with plausible structures, one at least, with headers,
 // formatted areas and strings without control characters. Any file has bytes that could be read as a structure.
 bool LooksLikeTable(std::span<const uint8_t> bytes);

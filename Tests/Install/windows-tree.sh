@@ -42,7 +42,7 @@ items() {
 cd "$work/bare"
 rm -f dump.bin
 wine "$program" dump --sample dump.bin || fail 'quorlin.exe writes no dump'
-# The bare table stands behind the entry point.
+# The bare table comes after the entry point.
 tail -c +33 dump.bin >table.bin
 items "$program" --image dump.bin --format lines >program.txt
 [ -s program.txt ] || fail 'quorlin.exe shows nothing'

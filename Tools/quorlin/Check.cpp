@@ -177,7 +177,7 @@ class ClLint {
         });
     }
 
-    // The decoders know every enumeration: where a code stands outside its table they say so. They go by type, so what
+    // The decoders know every enumeration: where a code is outside its table they say so. They go by type, so what
     // they say is kept until the table's order comes to it.
     void FindCodes(ClTable& table) {
         std::vector<uint32_t> ofType[256];  // offsets

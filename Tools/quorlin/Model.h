@@ -18,7 +18,7 @@ struct ShownItem_t {
     bool opensGroup;  // the items after it, up to the next that opens one, are its group's; it has no value
 };
 
-// One structure: what its title stands for, and its items. One that has none of its own, as it has no decoder or one
+// One structure: what its title says, and its items. One that has none of its own, as it has no decoder or one
 // that leaves it out, has its bytes and strings as items: "Bytes", "String 1", "String 2".
 struct Structure_t {
     uint8_t type;

@@ -109,7 +109,7 @@ void WriteItems(const Structure_t& structure, ClJson& json) {
     json.FinishList();
 }
 
-// What stands in place of the items of a structure that has none of its own.
+// What takes the place of the items of a structure that has none of its own.
 void WriteBytesAndStrings(const Structure_t& structure, ClJson& json) {
     json.Member("bytes", HexDigits(structure.Bytes()));
     json.Name("strings");

@@ -83,7 +83,7 @@ const char* WhyNotReached(const char* path) {
     return kUnknown;
 }
 
-// The descriptor that the name stands for, or -1. The names are links, which the kernel alone can follow.
+// The descriptor that the name means, or -1. The names are links, which the kernel alone can follow.
 int StreamOfName(std::string_view path) {
     constexpr std::string_view kDescriptors = "/dev/fd/";
     if (path == "/dev/stdout") return STDOUT_FILENO;

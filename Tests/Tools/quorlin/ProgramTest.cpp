@@ -594,7 +594,7 @@ TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
         "--road\n1\n");
 }
 
-// What stands in the way is told, and root is advised only where it would help.
+// The cause is told, and root is advised only where it would help.
 TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
     const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 32);
     const std::string point = WriteFile("point", Bytes_t(found.begin(), found.begin() + 31)),

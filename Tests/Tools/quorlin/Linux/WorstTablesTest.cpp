@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Packages/Format/TableFile.h"
@@ -42,8 +43,8 @@ std::string Repeated(const std::string& text, size_t count) {
     return repeated;
 }
 
-// Runs the program with so much memory at most; its output goes to `output`. Gives the processor's seconds, or none for a
-// run that lacked memory or that a signal ended.
+// Runs the program with so much memory at most; its output goes to `output`. Gives the processor's seconds, or none for
+// a run that lacked memory or that a signal ended.
 std::optional<double> SecondsOf(std::vector<const char*> words, const std::string& output) {
     words.insert(words.begin(), QUORLIN_PROGRAM);
     words.push_back(nullptr);
@@ -70,46 +71,40 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
     const std::string versions = Repeated(Structure(221, "\xFF", Repeated("a\0"s, 255) + "\0"s), 255);
     const std::string disabled = Structure(221, "\2", "a\0"s + Repeated("Disabled\0"s, 200000) + "b\0\0"s);
     const std::string number = std::string(60, 0x01);
-    const struct {
-        const char* what;
-        std::string table;
-    } kCases[] = {
-        {"11, counts of what isn't there",    Filled("",                          Structure(11,                                                   "\xFF"))                                                                                         },
-        {"11, many strings",                  Structure(11,                       "\xFF",                                                         Repeated("a\0"s,                                                                                   most / 2) + "\0"s)},
-        {"11, a long string of quotes",                                   Structure(11,                                         "\1",                                                         std::string(most,                                                                                                              '"') + "\0\0"s)},
-        {"13, counts of what isn't there",                    Filled("",                                                      Structure(13,                                                                                     "\xFF" + std::string(17,                                             1)))},
-        {"13, many languages",            Structure(13,                                          "\xFF" + std::string(17,                    1),                                                      Repeated("enus\0"s, most / 5) + "\0"s)},
-        {"14, groups that all name the same",            Filled(versions,   Structure(14,                            "\0\xDD\0\0"s))                                                    },
-        {"14, names that show nothing", Filled(disabled,         Structure(14,                                                         "\0\xDD\0\0"s))                                                                                                               },
-        {"14, groups of what isn't there",       Filled("",                          Structure(14,                                                                    "\0"s + Repeated("\xDD\0\0"s,                                                                                              83)))},
-        {"15, counts of what isn't there",    Filled("",                       Structure(15,                                                std::string(19,                                                  '\xFF')))},
-        {"148",                                   Filled("",                                      Structure(148,                                                                                        number,                                                                                                                                                       "9999\0\0"s))},
-        {"148, a long string",                          Filled("",                                                            Structure(148,                                                                                                                      number,                                                                                                                           std::string(3000, '9') + "\0\0"s))},
-        {"221, records among the strings",                             Filled("",                                                  Structure(221,                         "\xFF",std::string(1800, 'a') + "\0\0"s))},
-        {"zeros",                      std::string(tableBytes, '\0')},
-        {"a Length of 0",    Filled("", "\x0B\0\0"s)},
-        {"no decoder, many strings",                   Structure(200,                                                     "",                                                                                                             Repeated("a\0"s,most / 2) + "\0"s)},
-        {"no decoder, many structures",                                   Filled("",                                                       Structure(200,                                                                                                                                                                                          ""))                                                                   },
+    std::vector<std::pair<std::string, std::string>> tables;  // what is bad, and the table
+    const auto add = [&tables](const char* what, std::string table) { tables.emplace_back(what, std::move(table)); };
+    add("11, counts of what isn't there", Filled("", Structure(11, "\xFF")));
+    add("11, many strings", Structure(11, "\xFF", Repeated("a\0"s, most / 2) + "\0"s));
+    add("11, a long string of quotes", Structure(11, "\1", std::string(most, '"') + "\0\0"s));
+    const std::string languages = "\xFF" + std::string(17, 1);
+    add("13, counts of what isn't there", Filled("", Structure(13, languages)));
+    add("13, many languages", Structure(13, languages, Repeated("enus\0"s, most / 5) + "\0"s));
+    add("14, groups that all name the same", Filled(versions, Structure(14, "\0\xDD\0\0"s)));
+    add("14, names that show nothing", Filled(disabled, Structure(14, "\0\xDD\0\0"s)));
+    add("14, groups of what isn't there", Filled("", Structure(14, "\0"s + Repeated("\xDD\0\0"s, 83))));
+    add("15, counts of what isn't there", Filled("", Structure(15, std::string(19, '\xFF'))));
+    add("148", Filled("", Structure(148, number, "9999\0\0"s)));
+    add("148, a long string", Filled("", Structure(148, number, std::string(3000, '9') + "\0\0"s)));
+    add("221, records among the strings", Filled("", Structure(221, "\xFF", std::string(1800, 'a') + "\0\0"s)));
+    add("zeros", std::string(tableBytes, '\0'));
+    add("a Length of 0", Filled("", "\x0B\0\0"s));
+    add("no decoder, many strings", Structure(200, "", Repeated("a\0"s, most / 2) + "\0"s));
+    add("no decoder, many structures", Filled("", Structure(200, "")));
+    std::vector<std::vector<const char*>> commands = {
+        {"find", "none"},
+        {"types"     },
+        {"check"},
+        {"raw"     }
     };
-    const std::vector<std::vector<const char*>> kCommands = {
-        {"show",              "--format", "lines"},
-        {"show"             },
-        {"show",             "--format",           "json"            },
-        {"show",              "--format",             "csv"  },
-        {"find",                   "none"           },
-        {"types"                  },
-        {"check"               },
-        {"raw"                 },
-        {"get", "1",            "none"           }
-    };
+    for (const char* format : {"lines", "text", "json", "csv"}) commands.push_back({"show", "--format", format});
+    commands.push_back({"get", "1", "none"});
     const std::string file = testing::TempDir() + "worst.bin", output = testing::TempDir() + "worst.out";
-    for (const auto& c : kCases) {
-        WriteFile("worst.bin", std::vector<uint8_t>(c.table.begin(), c.table.end()));
-        for (std::vector<const char*> words : kCommands) {
-            const std::string what = std::string(c.what) + ": " + words[0] + " " + words.back();
+    for (const auto& [bad, table] : tables) {
+        WriteFile("worst.bin", std::vector<uint8_t>(table.begin(), table.end()));
+        for (std::vector<const char*> words : commands) {
+            const std::string what = bad + ": " + words[0] + " " + words.back();
             words.insert(words.end(), {"--as", "table", "--image", file.c_str()});
-            const bool isOnDemand = std::string(c.what).starts_with("148");
-            if (isOnDemand && (words[0] == "show"s || words[0] == "find"s))
+            if (bad.starts_with("148") && (words[0] == "show"s || words[0] == "find"s))
                 words.insert(words.end(), {"--type", "148"});
             const std::optional<double> seconds = SecondsOf(words, output);
             const auto written = static_cast<double>(ReadWholeFile(output).size());
