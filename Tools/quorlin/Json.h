@@ -17,7 +17,7 @@ class ClJson : private rapidjson::Writer<rapidjson::StringBuffer> {
     explicit ClJson(ClOutput& output) : Writer(m_buffer), m_output(output) {}
 
     void BeginObject() { StartObject(); }
-    void FinishObject() { EndObject(); }
+    void FinishObject() { EndObject(), FlushIfLarge(); }
     void BeginList() { StartArray(); }
     void FinishList() { EndArray(); }
     // A name of our own: printable ASCII without quotes.

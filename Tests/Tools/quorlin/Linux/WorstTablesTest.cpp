@@ -97,6 +97,7 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
         {"raw"     }
     };
     for (const char* format : {"lines", "text", "json", "csv"}) commands.push_back({"show", "--format", format});
+    commands.push_back({"check", "--format", "json"});
     commands.push_back({"get", "1", "none"});
     const std::string file = testing::TempDir() + "worst.bin", output = testing::TempDir() + "worst.out";
     for (const auto& [bad, table] : tables) {
@@ -109,8 +110,8 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
             const std::optional<double> seconds = SecondsOf(words, output);
             const auto written = static_cast<double>(ReadWholeFile(output).size());
             ASSERT_TRUE(seconds.has_value()) << what;
-            // A second for what has no output, and 20 MB a second of what has.
-            EXPECT_LT(*seconds, 1 + written / 20e6) << what;
+            // Some seconds for what has no output, and 10 MB a second of what has, on a machine that does other work too.
+            EXPECT_LT(*seconds, 5 + written / 10e6) << what;
         }
     }
 }
