@@ -61,6 +61,8 @@ class Source:
     def __init__(self, path, shared=None):
         self.shared = shared
         self.text = path.read_text()
+        if shared is None:
+            self.text += (ROOT / "Sources" / "Rows.cpp").read_text()
         for name in re.findall(r'#include "Sources/(ProbeItems|ProcessorFamilies)\.h"', self.text):
             self.text = (ROOT / "Sources" / f"{name}.h").read_text() + self.text
         # Adjoining literals are one.
