@@ -32,7 +32,7 @@ inline void DecodeTable(const ImageSource_t& source) {
     Require(all >= swept);
     ReadItems(*package, all - swept);
     for (uint32_t index = 0; index < all; index++)
-        Require(package->GetItemValue(index) == package->Item(index).value.View());
+        Require(package->GetItemValue(index) == package->Item(index).value);
     Require(package->GetItemValue(all).empty());
     Require(package->UnInitialize() == kSuccess);
     // A package takes a table of version 0.0 for none, and leaves the store up.

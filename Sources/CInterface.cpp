@@ -87,7 +87,7 @@ void CopyItems(ClPackageInUse& package, quorlin_table* table) {
         const uint32_t kind = KindOf(item);
         if (kind == QUORLIN_STRUCTURE) structure = index;
         table->items.push_back(
-            {kind == QUORLIN_STRUCTURE ? item.Title() : item.key.String(), item.value.String(), structure, kind});
+            {kind == QUORLIN_STRUCTURE ? item.Title() : std::string(item.key), std::string(item.value), structure, kind});
     }
 }
 

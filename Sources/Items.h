@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,8 +13,8 @@ inline constexpr std::string_view kGroupMark = "#GROUPNAME";
 
 // One item as text: a key and a value. A group item's key ends in kGroupMark and its value is empty.
 struct ItemPair {
-    ClText key;
-    ClText value;
+    std::string key;
+    std::string value;
 };
 
 enum class ItemKind_t : uint8_t {
@@ -38,9 +37,10 @@ struct ItemFacts_t {
 // An item as a package keeps it. Its facts are separate, so that nobody has to parse them out of its texts. The key has
 // no marks; AppendKey adds them.
 struct Item_t {
-    ClText key;
-    ClText value;
+    std::string_view key;
+    std::string_view value;
     ItemFacts_t facts;
+    bool isInvalid;  // whether the value is the error word for a code that its table doesn't contain
 
     // Appends the key as text: a title with its instance number from the second on, and kGroupMark unless it is a
     // kItem.
@@ -49,37 +49,41 @@ struct Item_t {
     std::string Title() const;
 };
 
-// Items in the order in which they were added. They are allocated in blocks, because allocating them one by one would
-// cost more than decoding them.
+// Items in the order in which they were added.
 class ClItemList {
   public:
-    ClItemList() = default;
-    ClItemList(const ClItemList&) = delete;
-    ClItemList& operator=(const ClItemList&) = delete;
-    ~ClItemList() { Truncate(0); }
-
     // Whether Add copies the texts that an item refers to, for a list that may outlive them.
     void KeepTexts(bool keeps) { m_keepsTexts = keeps; }
     // Throws std::bad_alloc if memory runs out.
-    void Add(ClText&& key, ClText&& value, ItemFacts_t facts);
-    void Clear() { Truncate(0); }
-    // Removes the items from `size` on.
-    void Truncate(size_t size);
-    size_t Size() const { return m_size; }
-    // An item keeps its address until it is removed.
-    const Item_t& operator[](size_t index) const { return *Place(index); }
-
-  private:
-    static constexpr size_t kBlockItems = 64;
-    struct Block_t {
-        alignas(Item_t) std::byte room[kBlockItems * sizeof(Item_t)];
-    };
-
-    Item_t* Place(size_t index) const {
-        return reinterpret_cast<Item_t*>(m_blocks[index / kBlockItems]->room) + index % kBlockItems;
+    void Add(const ClText& key, const ClText& value, const ItemFacts_t& facts) {
+        m_items.push_back({Lasting(key), Lasting(value), facts, value.IsInvalid()});
+    }
+    void Clear() {
+        m_items.clear();
+        m_texts.Clear();
     }
 
-    std::vector<std::unique_ptr<Block_t>> m_blocks;
-    size_t m_size = 0;
+    struct Mark_t {
+        size_t size;
+        ClTextArena::Mark_t texts;
+    };
+    Mark_t Mark() const { return {m_items.size(), m_texts.Mark()}; }
+    // Removes the items that were added after the mark.
+    void ReturnTo(const Mark_t& mark) {
+        m_items.resize(mark.size);
+        m_texts.ReturnTo(mark.texts);
+    }
+
+    size_t Size() const { return m_items.size(); }
+    // Valid until the next Add.
+    const Item_t& operator[](size_t index) const { return m_items[index]; }
+
+  private:
+    std::string_view Lasting(const ClText& text) {
+        return text.IsOwn() || m_keepsTexts ? m_texts.Keep(text.View()) : text.View();
+    }
+
+    std::vector<Item_t> m_items;
+    ClTextArena m_texts;
     bool m_keepsTexts = false;
 };

@@ -114,14 +114,14 @@ void AppendQuoted(std::string_view key, std::string_view value, std::string& tex
 [[gnu::noinline]] void AppendMarked(const Item_t& item, std::string& text) {
     std::string key;
     item.AppendKey(key);
-    AppendQuoted(key, item.value.View(), text);
+    AppendQuoted(key, item.value, text);
 }
 
 }  // namespace
 
 void Quorlin::AppendLine(const Item_t& item, std::string& text) {
     if (item.facts.kind == ItemKind_t::kItem)
-        AppendQuoted(item.key.View(), item.value.View(), text);
+        AppendQuoted(item.key, item.value, text);
     else
         AppendMarked(item, text);
 }
@@ -150,8 +150,8 @@ void Quorlin::BeginCount(size_t given) {
 }
 
 status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
-    const size_t before = m_items->Size();
-    BeginCount(before);
+    const ClItemList::Mark_t before = m_items->Mark();
+    BeginCount(before.size);
     // The records outlive the items only where this package keeps the store up.
     m_items->KeepTexts(!HoldsStore());
     status_t status = kFailure;
@@ -162,7 +162,7 @@ status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
             for (unsigned type = range.first; type <= range.last && status != kNoMemory; type++)
                 status = DecodeType(static_cast<uint8_t>(type), *m_items, nullptr);
     }
-    if (status == kNoMemory) m_items->Truncate(before);
+    if (status == kNoMemory) m_items->ReturnTo(before);
     return status;
 }
 
@@ -187,7 +187,7 @@ const Item_t& Quorlin::Item(uint32_t index) const { return (*m_items)[index]; }
 uint32_t Quorlin::GetItemCount() { return static_cast<uint32_t>(m_items->Size()); }
 
 std::string Quorlin::GetItemValue(uint32_t index) try {
-    return index < m_items->Size() ? Item(index).value.String() : std::string();
+    return index < m_items->Size() ? std::string(Item(index).value) : std::string();
 } catch (const std::bad_alloc&) {
     return {};
 }

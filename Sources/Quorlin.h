@@ -75,8 +75,8 @@ class Quorlin : public BaseAbstraction {
     static bool IsSwept(uint8_t type);
     // Appends an item to `text` as GetNextItem gives it.
     static void AppendLine(const Item_t& item, std::string& text);
-    // An item without a copy, for this tree's own hosts; it lives until UnInitialize. Expects an index below
-    // GetItemCount.
+    // An item without a copy, for this tree's own hosts; it is valid until the next GetTypes or UnInitialize. Expects
+    // an index below GetItemCount.
     const Item_t& Item(uint32_t index) const;
     // Decodes these types as GetTypes does, for this tree's own hosts, but keeps no items: `visit` gets each structure
     // with its own, or with none, for the length of the call. So no more than one structure's items are held. 3 where

@@ -87,7 +87,7 @@ void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
     const ItemKind_t kind = group == 0             ? ItemKind_t::kItem
                             : value.View().empty() ? ItemKind_t::kGroup
                                                    : ItemKind_t::kMarkedItem;
-    OrDrop([&] { m_items->Add(std::move(key), std::move(value), m_structure.As(kind)); });
+    OrDrop([&] { m_items->Add(key, value, m_structure.As(kind)); });
 }
 
 status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
@@ -102,7 +102,7 @@ status_t ClSMBIOSType::GetNextItem(ItemPair* output) {
     const Item_t& item = (*m_items)[m_readCursor];
     std::string key;
     item.AppendKey(key);
-    *output = {item.facts.kind == ItemKind_t::kItem ? item.key : ClText(key), item.value};
+    *output = {std::move(key), std::string(item.value)};
     m_readCursor++;
     return kSuccess;
 }

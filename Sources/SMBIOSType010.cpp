@@ -9,7 +9,7 @@ ClText ShowDeviceType(const Field_t& field) {
     const uint8_t device = field.Byte();
     const char* status = (device & kEnabled) != 0 ? "Enabled, " : "Disabled, ";
     const Word_t type = ClSMBIOSType::GetOnboardDeviceTypeString(device);
-    return ClText::Joined({status, type}).MarkInvalid(type.isInvalid);
+    return ClText(std::string(status).append(type)).MarkInvalid(type.isInvalid);
 }
 
 constexpr Rendering_t DeviceType{ShowDeviceType};

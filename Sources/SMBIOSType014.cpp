@@ -25,7 +25,7 @@ ClText VersionText(const VersionRecord_t& record) {
     char text[48];
     std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", record.parts[0], record.parts[1], record.parts[2],
                   record.lastPart);
-    return ClText::Joined({text});
+    return std::string(text);
 }
 
 }  // namespace

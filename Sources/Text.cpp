@@ -1,12 +1,21 @@
 #include "Sources/Text.h"
 
-#include <algorithm>
+void ClTextArena::Clear() {
+    if (m_blocks.empty()) return;
+    m_blocks.resize(1);
+    m_next = m_blocks.front().get();
+    m_left = kBlockBytes;
+}
 
-ClText ClText::Joined(std::initializer_list<std::string_view> pieces) {
-    size_t size = 0;
-    for (const std::string_view piece : pieces) size += piece.size();
-    ClText text;
-    char* place = text.Own(size);
-    for (const std::string_view piece : pieces) place = std::copy_n(piece.data(), piece.size(), place);
-    return text;
+void ClTextArena::ReturnTo(const Mark_t& mark) {
+    m_blocks.resize(mark.blocks);
+    m_next = mark.next;
+    m_left = mark.left;
+}
+
+void ClTextArena::Grow(size_t size) {
+    const size_t bytes = std::max(size, kBlockBytes);
+    m_blocks.push_back(std::make_unique_for_overwrite<char[]>(bytes));
+    m_next = m_blocks.back().get();
+    m_left = bytes;
 }

@@ -19,7 +19,7 @@ std::vector<std::unique_ptr<ClSMBIOSType>> Made() {
 // Every item's key, read through the decoder's own cursor.
 std::vector<std::string> Keys(ClSMBIOSType& decoder) {
     std::vector<std::string> keys;
-    for (ItemPair item; decoder.GetNextItem(&item) == kSuccess;) keys.push_back(item.key.String());
+    for (ItemPair item; decoder.GetNextItem(&item) == kSuccess;) keys.push_back(item.key);
     return keys;
 }
 

@@ -104,7 +104,7 @@ TEST(Type17, CleansItsPartNumber) {
         {"a byte of a single-byte page", "Sp\xE9zial",         "Sp" + replacement + "zial"},
         {"no lead byte, with a control", "\x80\n",             replacement + "."          },
     };
-    for (const auto& c : kCases) EXPECT_EQ(ClSMBIOSType17::GetCleanPartNumber(c.given), c.shown) << c.what;
+    for (const auto& c : kCases) EXPECT_EQ(ClSMBIOSType17::GetCleanPartNumber(c.given).View(), c.shown) << c.what;
 }
 
 }  // namespace

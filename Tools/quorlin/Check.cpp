@@ -189,8 +189,8 @@ class ClLint {
             const TableStructure_t structure = {m_bytes.data() + offset, 0};
             for (size_t index = decoded.firstItem; index < decoded.EndItem(); index++) {
                 const Item_t& item = decoded.items[index];
-                if (item.value.IsInvalid() && IsThere(structure, item.key.View()))
-                    m_codes.emplace_back(offset, &*m_keys.emplace(item.key.View()).first);
+                if (item.isInvalid && IsThere(structure, item.key))
+                    m_codes.emplace_back(offset, &*m_keys.emplace(item.key).first);
             }
         });
         std::ranges::stable_sort(m_codes, {}, &Code_t::first);

@@ -91,7 +91,7 @@ std::string Structure_t::Heading() const {
 
 ShownItem_t Structure_t::Item(size_t index) const {
     const Item_t& item = items[index];
-    return {Trimmed(item.key.View()), Trimmed(item.value.View()), item.facts.kind == ItemKind_t::kGroup};
+    return {Trimmed(item.key), Trimmed(item.value), item.facts.kind == ItemKind_t::kGroup};
 }
 
 void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
@@ -116,7 +116,7 @@ void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
             return which == Which_t::kAll;
         }
         const bool hasTitle = items[0].facts.kind == ItemKind_t::kTitle;
-        if (hasTitle) title = TitleText(items[0].key.View());
+        if (hasTitle) title = TitleText(items[0].key);
         visit({type, handle, count, title, false, data, items, hasTitle ? 1u : 0u});
         return which == Which_t::kAll;
     });
