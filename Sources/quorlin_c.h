@@ -121,7 +121,7 @@ QUORLIN_API quorlin_status quorlin_find(const quorlin_table* table, const char* 
 
 /* A status in words, for any number. Constant text. */
 QUORLIN_API const char* quorlin_status_text(quorlin_status status);
-/* The version of the library, as "1.0.0". Constant text. */
+/* The version of the library, as "1.1.0". Constant text. */
 QUORLIN_API const char* quorlin_version(void);
 
 #ifdef __cplusplus
