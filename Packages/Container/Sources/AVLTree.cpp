@@ -59,7 +59,7 @@ static AVLNode_t* RotateLeft(AVLNode_t* node) {
 
 status_t AVLTreeInit(ContainerHandle_t handle) {
     if (handle->CompareFunction == nullptr) {
-        TRACE("AVLTreeInit", kError, "\n Function pOINTER for comparison needed. ");
+        TRACE("AVLTreeInit", kTraceError, "\n Function pOINTER for comparison needed. ");
         return kNullPointer;
     }
     handle->AVLRoot = nullptr;
@@ -111,7 +111,7 @@ static status_t InsertData(ContainerHandle_t handle, void* data) {
 status_t AVLTreeInsert(ContainerHandle_t handle, void* data) {
     if (data == nullptr) return kNullPointer;
     const status_t status = InsertData(handle, data);
-    if (status != kSuccess) TRACE("AVLTreeInsert", kError, "\nNo Memory. ");
+    if (status != kSuccess) TRACE("AVLTreeInsert", kTraceError, "\nNo Memory. ");
     handle->TreePlace.Known = false;
     return status;
 }
@@ -192,7 +192,7 @@ static status_t DeleteData(ContainerHandle_t handle, const void* data) {
 status_t AVLTreeDelete(ContainerHandle_t handle, void* data) {
     if (data == nullptr || handle->AVLRoot == nullptr) return kNullPointer;
     const status_t status = DeleteData(handle, data);
-    if (status != kSuccess) TRACE("AVLTreeDelete", kError, "\nData not found. ");
+    if (status != kSuccess) TRACE("AVLTreeDelete", kTraceError, "\nData not found. ");
     handle->TreePlace.Known = false;
     return status;
 }
@@ -201,7 +201,7 @@ status_t AVLTreeRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t
     if (handle->AVLRoot == nullptr) return kNullPointer;
     const AVLNode_t* absent = nullptr;
     const status_t status = RetrieveInOrder(&handle->TreePlace, handle->AVLRoot, absent, data, index);
-    if (status == kBadValue) TRACE("AVLTreeRetrieveFromIndex", kError, "\n Invalid Index. ");
+    if (status == kBadValue) TRACE("AVLTreeRetrieveFromIndex", kTraceError, "\n Invalid Index. ");
     return status;
 }
 
@@ -215,7 +215,7 @@ status_t AVLTreeRetrieveFromEnd(ContainerHandle_t handle, void** data) {
 
 status_t AVLTreeUpdateNode(ContainerHandle_t handle, void* oldData, void* newData) {
     if (oldData == nullptr || newData == nullptr) {
-        TRACE("AVLTreeUpdateNode", kError, "\n Memory not allocated for data.");
+        TRACE("AVLTreeUpdateNode", kTraceError, "\n Memory not allocated for data.");
         return kNullPointer;
     }
     const status_t deleted = AVLTreeDelete(handle, oldData);

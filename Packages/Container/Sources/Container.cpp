@@ -57,15 +57,14 @@ static int32_t CompareStrings(const void* first, const void* second) {
 static constexpr ContainerCompare_t kCompareFunctions[] = {CompareValues<int32_t>, CompareValues<int8_t>,
                                                            CompareValues<float>, CompareStrings};
 
+// Only reads while no trace is set, as containers come and go on several threads at once.
 static void CloseTrace() {
-    if (containerLibrary.Trace == nullptr) return;
-    DebugLibExit(containerLibrary.Trace);
-    containerLibrary.Trace = nullptr;
+    if (containerLibrary.Trace != nullptr) containerLibrary.Trace = nullptr;
 }
 
 static status_t InitFailed(const char* problem) {
-    TRACE("InitContainer", kError, "%s", problem);
-    TRACE("InitContainer", kExit, "\n return status : 0x%x", kNullPointer);
+    TRACE("InitContainer", kTraceError, "%s", problem);
+    TRACE("InitContainer", kTraceExit, "\n return status : 0x%x", kNullPointer);
     CloseTrace();
     return kNullPointer;
 }
@@ -105,18 +104,19 @@ status_t InitContainer(ContainerParams_t* params, ContainerHandle_t* handle, uin
     if (made->Lock == nullptr) return InitFailed(made);
     *handle = made;
     ++containerLibrary.LiveContainers;
-    TRACE("InitContainer", kExit, "\n return status : 0x%x", kSuccess);
+    TRACE("InitContainer", kTraceExit, "\n return status : 0x%x", kSuccess);
     return kSuccess;
 }
 
 status_t UnInitContainer(ContainerHandle_t handle) {
     if (handle == nullptr) return kNullPointer;
-    TRACE("UnInitContainer", kEntry, "\n( List Name: %s) Entered Function %s", handle->ListName, "UnInitContainer");
+    TRACE("UnInitContainer", kTraceEntry, "\n( List Name: %s) Entered Function %s", handle->ListName,
+          "UnInitContainer");
     char name[sizeof handle->ListName];
     os_strncpy(name, handle->ListName, sizeof name - 1);
     os_CloseNamedLock(handle->Lock);
     containerLibrary.Free(handle);
-    TRACE("UnInitContainer", kExit, "\n( List Name: %s) return status : 0x%x", name, kSuccess);
+    TRACE("UnInitContainer", kTraceExit, "\n( List Name: %s) return status : 0x%x", name, kSuccess);
     if (--containerLibrary.LiveContainers == 0) CloseTrace();
     return kSuccess;
 }
@@ -127,18 +127,18 @@ template <class... Arguments_t, class... Values_t>
 static status_t Run(ContainerHandle_t handle, const char* name,
                     status_t (*ContainerOperations_t::*slot)(ContainerHandle_t, Arguments_t...), Values_t... values) {
     if (handle == nullptr) return kNullPointer;
-    TRACE(name, kEntry, "\n( List Name: %s) Entered Function %s", handle->ListName, name);
+    TRACE(name, kTraceEntry, "\n( List Name: %s) Entered Function %s", handle->ListName, name);
     const auto operation = handle->Operations.*slot;
     status_t status = kFailure;
     if (operation == nullptr) {
-        TRACE(name, kError, "\n( List Name: %s) %s Function failed. ", handle->ListName, name);
+        TRACE(name, kTraceError, "\n( List Name: %s) %s Function failed. ", handle->ListName, name);
     } else if (!os_TakeNamedLock(handle->Lock)) {
-        TRACE(name, kError, "\n( List Name: %s) %s can't take the lock. ", handle->ListName, name);
+        TRACE(name, kTraceError, "\n( List Name: %s) %s can't take the lock. ", handle->ListName, name);
     } else {
         status = operation(handle, values...);
         os_ReleaseNamedLock(handle->Lock);
     }
-    TRACE(name, kExit, "\n( List Name: %s) return status : 0x%x", handle->ListName, status);
+    TRACE(name, kTraceExit, "\n( List Name: %s) return status : 0x%x", handle->ListName, status);
     return status;
 }
 

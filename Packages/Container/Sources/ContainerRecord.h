@@ -6,14 +6,19 @@
 #include <cstdint>
 
 #include "Packages/Container/Container.h"
-#include "Packages/Debug/Debug.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/NamedLock.h"
 #include "Packages/OS/OS.h"
 
+// Levels of trace lines, numbered as in the trace library.
+enum ContainerTraceLevel_t : uint32_t { kTraceEntry = 1, kTraceError = 16, kTraceExit = 32 };
+
 // Each source file defines TRACE(function, level, ...) with its own name.
-#define CONTAINER_TRACE(file, function, level, ...) \
-    QUORLIN_TRACE(containerLibrary.Trace, "Container\\Sources\\" file, function, level, __VA_ARGS__)
+#define CONTAINER_TRACE(file, function, level, ...)                                                          \
+    do {                                                                                                     \
+        if (containerLibrary.Trace != nullptr)                                                               \
+            containerLibrary.Trace("Container\\Sources\\" file, (function), __LINE__, (level), __VA_ARGS__); \
+    } while (false)
 
 struct ListNode_t {
     void* Data;
@@ -93,8 +98,11 @@ static_assert(offsetof(ContainerRecord_t, ListName) == 0);
 // The library's state.
 struct ContainerLibrary_t {
     std::atomic<int32_t> LiveContainers;
-    std::atomic<bool> IsUsed;      // from the first InitContainer on
-    DebugHandle_t Trace;           // nothing opens it yet: trace calls of this library cost one test
+    std::atomic<bool> IsUsed;  // from the first InitContainer on
+    // Writes trace lines; nothing sets it yet, so a trace call costs one test. A function pointer, because the trace
+    // library is built on containers.
+    void (*Trace)(const char* sourceFile, const char* function, uint32_t line, uint32_t level, const char* format, ...)
+        QUORLIN_PRINTF_LIKE(5, 6);
     void* (*Malloc)(size_t size);  // os_malloc and os_free; a test puts failing ones here
     void (*Free)(void* block);
 };

@@ -20,7 +20,7 @@ static ListNode_t* NodeAt(ContainerHandle_t handle, size_t index) {
 
 static ListNode_t* NewListNode(const char* function, void* data) {
     ListNode_t* node = NewNode(ListNode_t{data, nullptr, nullptr});
-    if (node == nullptr) TRACE(function, kError, "\nNo Memory. ");
+    if (node == nullptr) TRACE(function, kTraceError, "\nNo Memory. ");
     return node;
 }
 
@@ -57,7 +57,7 @@ status_t LinkedListInit(ContainerHandle_t handle) {
 status_t LinkedListInsertAtIndex(ContainerHandle_t handle, void* data, int32_t index) {
     if (data == nullptr) return kNullPointer;
     if (index < 0 || static_cast<size_t>(index) > handle->ListCount) {
-        TRACE("LinkedListInsertAtIndex", kError, "\n Invalid Index. ");
+        TRACE("LinkedListInsertAtIndex", kTraceError, "\n Invalid Index. ");
         return kBadValue;
     }
     ListNode_t* node = NewListNode("LinkedListInsertAtIndex", data);
@@ -78,7 +78,7 @@ status_t LinkedListPush(ContainerHandle_t handle, void* data) {
 status_t ListRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t index) {
     if (handle->Head == nullptr) return kNullPointer;
     if (index < 0) {
-        TRACE("ListRetrieveFromIndex", kError, "\n Index is less than 0. ");
+        TRACE("ListRetrieveFromIndex", kTraceError, "\n Index is less than 0. ");
         return kBadValue;
     }
     if (static_cast<size_t>(index) >= handle->ListCount) return kFailure;
@@ -88,7 +88,7 @@ status_t ListRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t in
 
 status_t ListRetrieveFromEnd(ContainerHandle_t handle, void** data) {
     if (handle->Head == nullptr) {
-        TRACE("ListRetrieveFromEnd", kError, "\n Empty List. ");
+        TRACE("ListRetrieveFromEnd", kTraceError, "\n Empty List. ");
         return kFailure;
     }
     *data = handle->Tail->Data;
@@ -98,11 +98,11 @@ status_t ListRetrieveFromEnd(ContainerHandle_t handle, void** data) {
 status_t ListDeleteAtIndex(ContainerHandle_t handle, int32_t index) {
     if (handle->Head == nullptr) return kNullPointer;
     if (index < 0) {
-        TRACE("ListDeleteAtIndex", kError, "\n Index is less than 0. ");
+        TRACE("ListDeleteAtIndex", kTraceError, "\n Index is less than 0. ");
         return kBadValue;
     }
     if (static_cast<size_t>(index) >= handle->ListCount) {
-        TRACE("ListDeleteAtIndex", kError, "\n Invalid Index. ");
+        TRACE("ListDeleteAtIndex", kTraceError, "\n Invalid Index. ");
         return kBadValue;
     }
     UnlinkAndFree(handle, NodeAt(handle, static_cast<size_t>(index)));
@@ -113,7 +113,7 @@ status_t ListDeleteByData(ContainerHandle_t handle, void* data) {
     if (data == nullptr || handle->CompareFunction == nullptr || handle->Head == nullptr) return kNullPointer;
     ListNode_t* node = Find(handle, data);
     if (node == nullptr) {
-        TRACE("ListDeleteByData", kError, "\n Data could not be found. ");
+        TRACE("ListDeleteByData", kTraceError, "\n Data could not be found. ");
         return kBadValue;
     }
     UnlinkAndFree(handle, node);
@@ -122,7 +122,7 @@ status_t ListDeleteByData(ContainerHandle_t handle, void* data) {
 
 status_t ListPop(ContainerHandle_t handle, void** data) {
     if (handle->Head == nullptr) {
-        TRACE("ListPop", kError, "\n Empty List. ");
+        TRACE("ListPop", kTraceError, "\n Empty List. ");
         return kFailure;
     }
     *data = handle->Tail->Data;
@@ -132,11 +132,11 @@ status_t ListPop(ContainerHandle_t handle, void** data) {
 
 status_t ListUpdateNode(ContainerHandle_t handle, void* oldData, void* newData) {
     if (oldData == nullptr || newData == nullptr) {
-        TRACE("ListUpdateNode", kError, "\n Memory not allocated for data.");
+        TRACE("ListUpdateNode", kTraceError, "\n Memory not allocated for data.");
         return kNullPointer;
     }
     if (handle->CompareFunction == nullptr) {
-        TRACE("ListUpdateNode", kError, "\n Function POINTER not available.");
+        TRACE("ListUpdateNode", kTraceError, "\n Function POINTER not available.");
         return kNullPointer;
     }
     ListNode_t* node = Find(handle, oldData);
@@ -147,7 +147,7 @@ status_t ListUpdateNode(ContainerHandle_t handle, void* oldData, void* newData) 
 
 status_t SortedLinkedListInit(ContainerHandle_t handle) {
     if (handle->CompareFunction == nullptr || handle->PositionFunction == nullptr) {
-        TRACE("SortedLinkedListInit", kError, "\n Function pointer for comparison needed. ");
+        TRACE("SortedLinkedListInit", kTraceError, "\n Function pointer for comparison needed. ");
         return kNullPointer;
     }
     return LinkedListInit(handle);
@@ -174,7 +174,7 @@ status_t SortedLinkedListPush(ContainerHandle_t handle, void* data) {
     if (node == nullptr) return kNoMemory;
     if (handle->Tail != nullptr && handle->CompareFunction(data, handle->Tail->Data) < 0) {
         containerLibrary.Free(node);
-        TRACE("SortedLinkedListPush", kError, "\n Invalid data. ");
+        TRACE("SortedLinkedListPush", kTraceError, "\n Invalid data. ");
         return kBadValue;
     }
     Link(handle, node, nullptr);
@@ -183,7 +183,7 @@ status_t SortedLinkedListPush(ContainerHandle_t handle, void* data) {
 
 status_t SortedListUpdateNode(ContainerHandle_t handle, void* oldData, void* newData) {
     if (oldData == nullptr || newData == nullptr) {
-        TRACE("SortedListUpdateNode", kError, "\n Memory not allocated for data.");
+        TRACE("SortedListUpdateNode", kTraceError, "\n Memory not allocated for data.");
         return kNullPointer;
     }
     const status_t deleted = ListDeleteByData(handle, oldData);

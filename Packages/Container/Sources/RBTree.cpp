@@ -34,7 +34,7 @@ static void Rotate(ContainerHandle_t handle, RBNode_t* node, Side_t side) {
 
 status_t RBTreeInit(ContainerHandle_t handle) {
     if (handle->CompareFunction == nullptr) {
-        TRACE("RBTreeInit", kError, "\n Function pOINTER for comparison needed. ");
+        TRACE("RBTreeInit", kTraceError, "\n Function pOINTER for comparison needed. ");
         return kNullPointer;
     }
     handle->Sentinel = {nullptr, nullptr, nullptr, kBlack, nullptr};
@@ -77,7 +77,7 @@ status_t RBTreeInsert(ContainerHandle_t handle, void* data) {
     }
     RBNode_t* node = NewNode(RBNode_t{&handle->Sentinel, &handle->Sentinel, parent, kRed, data});
     if (node == nullptr) {
-        TRACE("RBTreeInsert", kError, "\nNo Memory. ");
+        TRACE("RBTreeInsert", kTraceError, "\nNo Memory. ");
         return kNoMemory;
     }
     *link = node;
@@ -160,7 +160,7 @@ status_t RBTreeRetrieveFromEnd(ContainerHandle_t handle, void** data) {
 
 status_t RBTreeUpdateNode(ContainerHandle_t handle, void* oldData, void* newData) {
     if (oldData == nullptr || newData == nullptr) {
-        TRACE("RBTreeUpdateNode", kError, "\n Memory not allocated for data.");
+        TRACE("RBTreeUpdateNode", kTraceError, "\n Memory not allocated for data.");
         return kNullPointer;
     }
     const status_t deleted = RBTreeDelete(handle, oldData);
