@@ -4,8 +4,8 @@
 
 #include "Fuzz/Fuzz.h"
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 

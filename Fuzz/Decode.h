@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Fuzz/Fuzz.h"
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Sources/Quorlin.h"
 #include "Sources/SMBIOSType.h"
 

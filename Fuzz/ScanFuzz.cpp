@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "Fuzz/Decode.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/OS/OS.h"
 
 namespace {

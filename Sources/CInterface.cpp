@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/OS.h"
 #include "Sources/Quorlin.h"
 #include "Sources/SMBIOSType.h"

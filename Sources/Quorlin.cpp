@@ -6,7 +6,7 @@
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Sources/CrashReport.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "Packages/Debug/DebugInternal.h"
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/Format/TableFile.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Sample/Sample.h"

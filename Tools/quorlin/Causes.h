@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 
 struct Cause_t {
     std::string problem;

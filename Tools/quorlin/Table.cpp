@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Program.h"

@@ -6,6 +6,7 @@
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/Format/Structures.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/FirmwareTables.h"

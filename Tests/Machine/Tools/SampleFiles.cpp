@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/Format/Structures.h"
 #include "Packages/Sample/Sample.h"
 
 int main(int argc, char** argv) {

@@ -3,7 +3,7 @@
 #include <span>
 #include <utility>
 
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Tests/Packages/FERROXLib/Library.h"
 
 namespace {

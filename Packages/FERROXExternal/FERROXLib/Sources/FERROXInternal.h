@@ -29,6 +29,31 @@ status_t ReadExtendedSpace(bool hasHypervisor, ExtendedRead_t read, uint32_t loc
 // The entries of an MCFG table of `size` bytes into an array of kMaxSegments; gives their number.
 uint32_t FillSegments(const uint8_t* mcfg, uint32_t size, SegBusInfo_t* segments);
 
+// ---- The operations of the system's half, for calls between its files. A half defines those that its table names
+
+status_t OSFERROXInitialize();
+status_t OSFERROXTerminate();
+status_t OSGetFERROXDriverVersion(uint32_t* version);
+status_t OSGetPCILibVersion(uint32_t* version);
+status_t OSGetIOLibVersion(uint32_t* version);
+status_t OSGetCPULibVersion(uint32_t* version);
+status_t OSPCIRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIOReadStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSMMIOReadGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSMMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer);
+status_t OSGetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer);
+status_t OSPCIMMIOReadDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer);
+status_t OSPCIMMIOWriteDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer);
+status_t OSReadPort(uint16_t port, DataBuffer_t* buffer);
+status_t OSWritePort(uint16_t port, DataBuffer_t* buffer);
+status_t OSReadMSR(MSRRecord_t* record);
+status_t OSWriteMSR(MSRRecord_t* record);
+status_t OSReadCPUID(uint32_t processor, CPUIDRecord_t* record);
+status_t OSCalcNonTurbo(NonTurboRecord_t* record);
+
 // ---- PCI locations
 
 inline uint32_t Bus(uint32_t location) { return location & 0xFF; }

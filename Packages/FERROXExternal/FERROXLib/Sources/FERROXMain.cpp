@@ -1,6 +1,6 @@
 // The front of the hardware library: counts its users, tests the arguments and hands on to the machine in use.
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Packages/OS/NamedLock.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("FERROXMain", function, level, __VA_ARGS__)

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"

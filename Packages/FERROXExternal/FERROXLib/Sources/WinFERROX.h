@@ -1,8 +1,8 @@
 // What the files of the Windows half share: the life cycle of the driver, and requests to its device.
 #pragma once
 
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Packages/OS/Windows/Windows.h"
 
 // ---- WinFERROX.cpp: life cycle of driver and device, and the one way to it

@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/Linux/LinuxFERROX.h"
-#include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/MemoryMap.h"
 #include "Packages/OS/OS.h"

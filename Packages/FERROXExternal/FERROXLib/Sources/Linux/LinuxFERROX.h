@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 
 enum class Direction_t { kRead, kWrite };
 

@@ -1,0 +1,47 @@
+// What the store offers the package, the C interface and the program beside its public operations: facts about the
+// table, the machine chosen, and the outcome of a memory scan. For this tree only: not installed.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/FERROXExternal/StructureStore/StructureStore.h"
+
+// Whether the store is up. The machine can't be changed while it is.
+bool StoreIsUp();
+
+// Facts about the table as a whole.
+struct TableFacts_t {
+    static constexpr uint32_t kNowhere = UINT32_MAX;
+
+    uint8_t major = 0, minor = 0;  // SMBIOS version
+    uint32_t length = 0;           // of the table in bytes
+    bool hasEnd = false;           // the walk ended at an End-of-Table structure
+    uint32_t brokenAt = kNowhere;  // offset of the first broken structure; what follows it may be garbage
+    bool isCut = false;            // how it is broken: true if the table ends within it, false if its Length is below 4
+
+    // One line that says where and how the table is broken; empty if it isn't.
+    std::string Remark() const;
+};
+// The facts of the table in the store; null while the store is down.
+const TableFacts_t* FactsOfTable();
+
+// The chosen machine, for callers that use another one for a while and then restore it. The store must be down.
+struct MachineChoice_t {
+    MachineServices_t services;
+    ImageSource_t image;
+};
+MachineChoice_t ChosenMachine();
+void ChooseMachine(const MachineChoice_t& choice);
+
+// How a scan of physical memory for the table ended.
+enum class ScanEnd_t {
+    kFound,
+    kNoRoom,      // out of memory
+    kUnreadable,  // the hardware library refused to read
+    kNoAnchors,   // the memory has no _SM_ or no _DMI_ entry point
+    kElsewhere,   // the system doesn't call the table's place memory, so it wasn't read
+};
+// As osGetStructuresDataNonEFI, but tells why it failed.
+ScanEnd_t ScanMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
