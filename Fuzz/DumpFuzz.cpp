@@ -9,7 +9,7 @@ static void WriteAndRead(const Image_t& image) {
     if (table.empty()) return;
     const std::vector<uint8_t> dump = MakeDump(table, image.source.major, image.source.minor);
     const TableFound_t found = FindTable(dump, TableForm_t::kAny);
-    Require(found.status == kSuccess && found.form == TableForm_t::kDump && found.checksumsFit && found.missing == 0);
+    Require(found.isFound && found.form == TableForm_t::kDump && found.checksumsFit && found.missing == 0);
     Require(found.major == image.source.major && found.minor == image.source.minor);
     Require(std::ranges::equal(found.table, table));
 }

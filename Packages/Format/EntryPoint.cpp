@@ -4,9 +4,6 @@
 
 namespace {
 
-constexpr size_t kSize32 = 0x1F;  // _SM_ with the intermediate _DMI_ part
-constexpr size_t kSize64 = 0x18;  // _SM3_
-
 template <class Number>
 Number Read(const uint8_t* bytes, size_t offset) {
     Number number;
@@ -14,7 +11,7 @@ Number Read(const uint8_t* bytes, size_t offset) {
     return number;
 }
 
-// The bytes of a valid part add up to 0.
+// Whether the bytes add up to 0, as those of a valid part do.
 bool AddsUp(const uint8_t* bytes, size_t size) {
     uint8_t sum = 0;
     for (size_t place = 0; place < size; place++) sum = static_cast<uint8_t>(sum + bytes[place]);
@@ -23,22 +20,27 @@ bool AddsUp(const uint8_t* bytes, size_t size) {
 
 }  // namespace
 
+bool BeginsWith(std::span<const uint8_t> bytes, std::string_view text) {
+    return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
+}
+
 bool ParseEntryPoint(const uint8_t* bytes, size_t size, EntryPoint_t* point) {
-    if (size >= kSize64 && std::memcmp(bytes, "_SM3_", 5) == 0) {
+    if (size >= kEntryPointSize64 && BeginsWith({bytes, size}, kAnchor64)) {
         *point = {bytes[7],
                   bytes[8],
                   0,
                   Read<uint64_t>(bytes, 0x10),
                   Read<uint32_t>(bytes, 0x0C),
                   true,
-                  kSize64,
-                  AddsUp(bytes, kSize64)};
+                  kEntryPointSize64,
+                  AddsUp(bytes, kEntryPointSize64)};
         return true;
     }
-    if (size >= kSize32 && std::memcmp(bytes, "_SM_", 4) == 0) {
-        const bool fits = AddsUp(bytes, kSize32) && AddsUp(bytes + 0x10, kSize32 - 0x10);
-        *point = {bytes[6], bytes[7], bytes[0x1E], Read<uint32_t>(bytes, 0x18), Read<uint16_t>(bytes, 0x16),
-                  false,    kSize32,  fits};
+    if (size >= kEntryPointSize32 && BeginsWith({bytes, size}, kAnchor32)) {
+        const bool fits =
+            AddsUp(bytes, kEntryPointSize32) && AddsUp(bytes + kDMIPartOffset, kEntryPointSize32 - kDMIPartOffset);
+        *point = {bytes[6], bytes[7],          bytes[0x1E], Read<uint32_t>(bytes, 0x18), Read<uint16_t>(bytes, 0x16),
+                  false,    kEntryPointSize32, fits};
         return true;
     }
     return false;

@@ -7,7 +7,7 @@ TableStructure_t StructureAt(const uint8_t* table, uint32_t length, uint32_t off
     const uint8_t* start = table + offset;
     const uint32_t atHand = length - offset;
     if (atHand < kHeaderSize) return {start, 0};
-    // Two NULs side by side end a structure, wherever Length puts the begin of the search.
+    // The first two adjacent NULs after the formatted area end the structure.
     uint32_t end = start[1];
     while (end + 1 < atHand) {
         const auto* nul = static_cast<const uint8_t*>(std::memchr(start + end, 0, atHand - 1 - end));
@@ -19,7 +19,7 @@ TableStructure_t StructureAt(const uint8_t* table, uint32_t length, uint32_t off
     return {start, atHand};
 }
 
-// Firmware's strings hold a control character now and then, but what is no string is full of them.
+// Strings of real tables have few control characters; other data is full of them.
 static bool IsPlausible(const TableStructure_t& structure) {
     constexpr uint8_t kLastOfStandard = 46, kBlank = 0x20;
     const uint8_t type = structure.Type(), length = structure.Length();
@@ -30,17 +30,13 @@ static bool IsPlausible(const TableStructure_t& structure) {
 }
 
 bool LooksLikeTable(std::span<const uint8_t> bytes) {
-    constexpr int kLookedAt = 3;
-    const auto length = static_cast<uint32_t>(bytes.size());
-    uint32_t offset = 0;
-    for (int place = 0; place < kLookedAt && offset < length; place++) {
-        const TableStructure_t structure = StructureAt(bytes.data(), length, offset);
-        const bool isCut = structure.size == 0 || !structure.IsWhole();
+    constexpr int kEnough = 3;
+    int plausible = 0;
+    for (const TableStructure_t& structure : ClWalk(bytes)) {
         // A table may be cut short, but not within its first structure.
-        if (isCut) return place > 0;
+        if (!structure.IsWhole()) return plausible > 0;
         if (!IsPlausible(structure)) return false;
-        if (structure.Type() == kEndOfTable) return true;
-        offset += structure.size;
+        if (++plausible == kEnough) break;
     }
-    return offset != 0;
+    return plausible > 0;
 }

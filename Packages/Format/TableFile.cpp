@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "Packages/Format/EntryPoint.h"
+#include "Packages/Format/FirmwareAnswer.h"
 #include "Packages/Format/Structures.h"
 
 namespace {
@@ -20,16 +21,17 @@ constexpr FormName_t kFormNames[] = {
     {TableForm_t::kFolder,        "sysfs"  },
 };
 
-TableFound_t NoTable(std::string problem) { return {.status = kFailure, .problem = std::move(problem)}; }
+TableFound_t NoTable(std::string problem) { return {.problem = std::move(problem)}; }
 
-bool BeginsWith(std::span<const uint8_t> bytes, std::string_view text) {
-    return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
+// Whether the file begins with an entry point, be it cut off within the last letter of its anchor.
+bool SeemsDump(std::span<const uint8_t> bytes) {
+    return BeginsWith(bytes, kAnchor32) || BeginsWith(bytes, kAnchor64.substr(0, kAnchor64.size() - 1));
 }
 
 // The part of `promised` bytes that is there. A bound promises nothing.
 TableFound_t Found(TableForm_t form, std::span<const uint8_t> atHand, uint32_t promised, bool isBound) {
     const size_t length = std::min<size_t>(atHand.size(), promised);
-    return {.status = kSuccess,
+    return {.isFound = true,
             .form = form,
             .table = atHand.first(length),
             .missing = isBound ? 0 : static_cast<uint32_t>(promised - length)};
@@ -82,9 +84,8 @@ TableFound_t WithVersion(TableFound_t found, const EntryPoint_t& point) {
 TableFound_t FindBehindEntryPoint(std::span<const uint8_t> bytes) {
     EntryPoint_t point;
     if (!ParseEntryPoint(bytes.data(), bytes.size(), &point))
-        return NoTable(BeginsWith(bytes, "_SM_") || BeginsWith(bytes, "_SM3")
-                           ? "truncated: the file ends within its entry point; dump it anew"
-                           : "not a dump: it doesn't begin with an entry point; try it without --as");
+        return NoTable(SeemsDump(bytes) ? "truncated: the file ends within its entry point; dump it anew"
+                                        : "not a dump: it doesn't begin with an entry point; try it without --as");
     // An address that lies in the file, behind the entry point, is an offset.
     const bool isOffset = point.tableAddress >= point.size && point.tableAddress < bytes.size();
     const size_t offset = isOffset ? static_cast<size_t>(point.tableAddress) : kTableOffset;
@@ -94,8 +95,7 @@ TableFound_t FindBehindEntryPoint(std::span<const uint8_t> bytes) {
     return WithVersion(Found(TableForm_t::kDump, bytes.subspan(offset), point.tableLength, point.lengthIsBound), point);
 }
 
-// The head of the system's answer: calling method, major, minor, revision, and 32 bits of length.
-constexpr size_t kAnswerHead = 8;
+constexpr size_t kAnswerHead = sizeof(FirmwareAnswer_t);
 
 // No structure begins like that: one of type 0 or 1 has a length above any of these versions.
 bool BeginsWithAnswer(std::span<const uint8_t> bytes) {
@@ -106,16 +106,16 @@ bool BeginsWithAnswer(std::span<const uint8_t> bytes) {
 TableFound_t FindBehindAnswer(std::span<const uint8_t> bytes) {
     if (bytes.size() <= kAnswerHead)
         return NoTable("truncated: the file ends before its table; save the system's answer anew");
-    uint32_t length;
-    std::memcpy(&length, &bytes[4], sizeof length);
-    TableFound_t found = Found(TableForm_t::kWindowsAnswer, bytes.subspan(kAnswerHead), length, false);
-    found.major = bytes[1];
-    found.minor = bytes[2];
+    FirmwareAnswer_t answer;
+    std::memcpy(&answer, bytes.data(), sizeof answer);
+    TableFound_t found = Found(TableForm_t::kWindowsAnswer, bytes.subspan(kAnswerHead), answer.length, false);
+    found.major = answer.major;
+    found.minor = answer.minor;
     return found;
 }
 
 TableFound_t WholeTable(std::span<const uint8_t> bytes) {
-    return {.status = kSuccess, .form = TableForm_t::kBareTable, .table = bytes};
+    return {.isFound = true, .form = TableForm_t::kBareTable, .table = bytes};
 }
 
 // Adds what makes the bytes from `begin` on add up to 0.
@@ -141,14 +141,9 @@ struct Counts_t {
 
 Counts_t CountStructures(std::span<const uint8_t> table) {
     Counts_t counts;
-    const auto length = static_cast<uint32_t>(table.size());
-    for (uint32_t offset = 0; offset < length;) {
-        const TableStructure_t structure = StructureAt(table.data(), length, offset);
-        if (structure.size == 0) break;
+    for (const TableStructure_t& structure : ClWalk(table)) {
         counts.structures++;
         counts.largest = std::max(counts.largest, static_cast<uint16_t>(std::min(structure.size, 0xFFFFu)));
-        if (structure.Type() == kEndOfTable) break;
-        offset += structure.size;
     }
     return counts;
 }
@@ -175,9 +170,9 @@ static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm
         case TableForm_t::kFolder: return NoTable("a file; --as sysfs takes the folder of an entry point and a table");
         case TableForm_t::kAny: break;
     }
-    if (BeginsWith(bytes, "_SM_") || BeginsWith(bytes, "_SM3")) {
+    if (SeemsDump(bytes)) {
         const TableFound_t found = FindBehindEntryPoint(bytes);
-        if (found.status != kSuccess || !found.table.empty()) return found;
+        if (!found.isFound || !found.table.empty()) return found;
         return NoTable(std::string("not a table: its entry point states a table of no bytes") + kAccepted);
     }
     if (BeginsWithAnswer(bytes)) return FindBehindAnswer(bytes);
@@ -206,28 +201,28 @@ std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uin
     std::vector<uint8_t> dump(kTableOffset);
     const auto length = static_cast<uint32_t>(table.size());
     if (major >= 3 || length > 0xFFFF) {
-        PutText(dump, 0, "_SM3_");
-        dump[6] = 0x18;  // of the entry point
+        PutText(dump, 0, kAnchor64);
+        dump[6] = kEntryPointSize64;
         dump[7] = major;
         dump[8] = minor;
         dump[0x0A] = 1;  // the entry point's revision
         Put(dump, 0x0C, length);
         Put(dump, 0x10, uint64_t{kTableOffset});
-        SetChecksum(dump, 0, 0x18, 5);
+        SetChecksum(dump, 0, kEntryPointSize64, 5);
     } else {
         const Counts_t counts = CountStructures(table);
-        PutText(dump, 0, "_SM_");
-        dump[5] = 0x1F;  // of the entry point
+        PutText(dump, 0, kAnchor32);
+        dump[5] = kEntryPointSize32;
         dump[6] = major;
         dump[7] = minor;
         Put(dump, 8, counts.largest);
-        PutText(dump, 0x10, "_DMI_");
+        PutText(dump, kDMIPartOffset, kAnchorDMI);
         Put(dump, 0x16, static_cast<uint16_t>(length));
         Put(dump, 0x18, static_cast<uint32_t>(kTableOffset));
         Put(dump, 0x1C, counts.structures);
         dump[0x1E] = static_cast<uint8_t>(major << 4 | (minor & 15));  // the version in BCD
-        SetChecksum(dump, 0x10, 0x0F, 0x15);
-        SetChecksum(dump, 0, 0x1F, 4);
+        SetChecksum(dump, kDMIPartOffset, kEntryPointSize32 - kDMIPartOffset, 0x15);
+        SetChecksum(dump, 0, kEntryPointSize32, 4);
     }
     dump.insert(dump.end(), table.begin(), table.end());
     return dump;

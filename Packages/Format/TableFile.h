@@ -7,8 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "Packages/OS/Status.h"
-
 // Far above any table: 65,536 structures, as many as there are handles, of 64 bytes each. What is larger is no table,
 // and its pieces would fill the memory.
 inline constexpr size_t kMostTableBytes = 4u << 20;
@@ -32,8 +30,8 @@ bool FormByName(std::string_view name, TableForm_t* form);
 
 // Where in some bytes a table lies. The span points into those bytes.
 struct TableFound_t {
-    status_t status = kFailure;  // 1, or 5: no table, for the reason in `problem`
-    std::string problem{};       // what is wrong and what to try, without a file's name
+    bool isFound = false;
+    std::string problem{};  // if not found: what is wrong and what to try, without a file's name
     TableForm_t form = TableForm_t::kAny;
     std::span<const uint8_t> table{};
     uint8_t major = 0, minor = 0;  // the SMBIOS version, 0.0 where the form states none

@@ -8,7 +8,7 @@ inline constexpr uint32_t kSMBIOSProvider = 0x52534D42;  // "RSMB"; its one tabl
 inline constexpr uint32_t kACPIProvider = 0x41435049;    // "ACPI"; a table's number is its name, first letter lowest
 
 // Fills `buffer` with the table if `room` bytes hold all of it; a null buffer asks for the size alone. The SMBIOS table
-// follows a head of 8 bytes: calling method, major, minor, revision, length (32 bits).
+// follows a FirmwareAnswer_t (Packages/Format/FirmwareAnswer.h).
 // Result   the table's size, also when the room is too small; 0 when it can't be read
 // refused  if not null, tells whether a result of 0 is for want of rights
 // Threads  any number at once

@@ -5,6 +5,7 @@
 #include <map>
 #include <utility>
 
+#include "Packages/Format/Structures.h"
 #include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Csv.h"
@@ -12,7 +13,6 @@
 #include "Tools/quorlin/Model.h"
 #include "Tools/quorlin/Standard.h"
 #include "Tools/quorlin/Text.h"
-#include "Tools/quorlin/Walk.h"
 
 constexpr Usage_t kDiffUsage = {
     "quorlin diff",

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "Packages/Format/Structures.h"
 #include "Packages/OS/Program.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Model.h"
@@ -9,7 +10,6 @@
 #include "Tools/quorlin/Standard.h"
 #include "Tools/quorlin/Table.h"
 #include "Tools/quorlin/Text.h"
-#include "Tools/quorlin/Walk.h"
 
 constexpr Usage_t kDumpUsage = {
     "quorlin dump",

@@ -8,7 +8,6 @@
 #include "Tools/quorlin/Model.h"
 #include "Tools/quorlin/Standard.h"
 #include "Tools/quorlin/Text.h"
-#include "Tools/quorlin/Walk.h"
 
 constexpr Usage_t kTypesUsage = {
     "quorlin types",

@@ -43,7 +43,7 @@ std::string AdviceForAccess() {
 }
 
 status_t Take(const TableFound_t& found, Image_t* image, std::string* error) {
-    if (found.status != kSuccess) return Fail(found.problem, error);
+    if (!found.isFound) return Fail(found.problem, error);
     image->source.table = found.table.data();
     image->source.length = static_cast<uint32_t>(found.table.size());
     if (found.major != 0 || found.minor != 0) {

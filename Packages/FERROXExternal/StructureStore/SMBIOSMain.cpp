@@ -181,12 +181,10 @@ status_t ParseStructure(const TableStructure_t& structure, TableStructure_t& las
 status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
     TableStructure_t lastOfType[kTypes] = {};
     tableFacts = {.length = length};
-    for (uint32_t offset = 0; offset < length;) {
-        tableFacts.hasEnd = table[offset] == kEndOfTable;
-        if (tableFacts.hasEnd) break;
-        const TableStructure_t structure = StructureAt(table, length, offset);
+    uint32_t offset = 0;
+    for (const TableStructure_t& structure : ClWalk({table, length})) {
+        if (structure.Type() == kEndOfTable) break;
         NoteBroken(structure, offset);
-        if (structure.size == 0) break;
         TRACE("ParseAllStructures", kInfo, "The present type is 0x%x myHeaderPtr->Length = 0x%x", structure.Type(),
               structure.Length());
         const status_t status = ParseStructure(structure, lastOfType[structure.Type()]);
@@ -199,6 +197,9 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
         }
         offset += structure.size;
     }
+    // The rest is an End-of-Table structure, or shorter than a header.
+    tableFacts.hasEnd = offset < length && table[offset] == kEndOfTable;
+    if (offset < length && !tableFacts.hasEnd) NoteBroken({table + offset, 0}, offset);
     return kSuccess;
 }
 

@@ -1,11 +1,12 @@
 // The two methods by which this machine's table gets into memory.
 #include <cstring>
-#include <string_view>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
+#include "Packages/Format/EntryPoint.h"
+#include "Packages/Format/FirmwareAnswer.h"
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
@@ -15,18 +16,12 @@
 
 namespace {
 
-constexpr uint32_t kAnswerHead = 8;  // calling method, major, minor, revision, length
-
 // Where the entry points stand: in the BIOS area, each on a 16-byte boundary. Source: the SMBIOS standard, "accessing
 // SMBIOS information".
 constexpr uint32_t kScanBase = 0xF0000;
 constexpr uint32_t kScanSize = 0x10000;
 constexpr uint32_t kBlockSize = 0x1000;  // that one read takes
 constexpr uint32_t kBoundary = 16;
-
-bool HasAnchor(const uint8_t* bytes, std::string_view anchor) {
-    return std::memcmp(bytes, anchor.data(), anchor.size()) == 0;
-}
 
 uint32_t Number(const uint8_t* bytes, uint32_t width) {
     uint32_t number = 0;
@@ -38,13 +33,13 @@ uint32_t Number(const uint8_t* bytes, uint32_t width) {
 void ScanBlock(const uint8_t* block, uint32_t address, uint8_t* entry, bool* entryFound, uint8_t* dmiEntry,
                bool* dmiFound) {
     for (uint32_t place = 0; place < kBlockSize && !(*entryFound && *dmiFound); place += kBoundary) {
-        if (HasAnchor(block + place, "_SM_")) {
+        if (BeginsWith({block + place, kBoundary}, kAnchor32)) {
             os_memcpy(entry, kEntryBufferSize, block + place, kEntryBufferSize);
             *entryFound = true;
             TRACE("osGetStructuresDataNonEFI", kInfo, "SMBIOS Entry point found  at 0x%lx",
                   static_cast<unsigned long>(address + place));
         }
-        if (HasAnchor(block + place, "_DMI_")) {
+        if (BeginsWith({block + place, kBoundary}, kAnchorDMI)) {
             os_memcpy(dmiEntry, kDMIEntryBufferSize, block + place, kDMIEntryBufferSize);
             *dmiFound = true;
             TRACE("osGetStructuresDataNonEFI", kInfo, "DMI  Entry point foundat 0x%lx",
@@ -100,14 +95,14 @@ status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableIm
         TRACE("osGetStructuresDataEFI", kErrorExit, "Error allocating memory ");
         return kNoMemory;
     }
-    // An answer without a whole head can't be one.
-    if (os_GetFirmwareTable(kSMBIOSProvider, 0, answer, size, nullptr) != size || size < kAnswerHead) {
+    if (os_GetFirmwareTable(kSMBIOSProvider, 0, answer, size, nullptr) != size || size < sizeof(FirmwareAnswer_t)) {
         TRACE("osGetStructuresDataEFI", kErrorExit, "Error reading SMBIOS Table ... Exiting ");
         os_free(answer);
         return kFailure;
     }
-    // The length in the head is not read: the answer's size alone counts.
-    const uint32_t length = size - kAnswerHead;
+    FirmwareAnswer_t head;
+    std::memcpy(&head, answer, sizeof head);
+    const auto length = static_cast<uint32_t>(size - sizeof head);  // head.length isn't read
     auto* table = static_cast<SMBIOSTableImage_t*>(os_malloc(sizeof(SMBIOSTableImage_t) + length));
     if (table == nullptr) {
         TRACE("osGetStructuresDataEFI", kErrorExit, "Error allocating memory ");
@@ -115,10 +110,10 @@ status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableIm
         return kNoMemory;
     }
     table->Length = length;
-    os_memcpy(table->Data(), length, answer + kAnswerHead, length);
-    entry[6] = answer[1];
-    entry[7] = answer[2];
-    dmiEntry[14] = answer[3];
+    os_memcpy(table->Data(), length, answer + sizeof head, length);
+    entry[6] = head.major;
+    entry[7] = head.minor;
+    dmiEntry[14] = head.revision;
     os_free(answer);
     TRACE("osGetStructuresDataEFI", kInfo,
           "The SMBIOS Major version = 0x%x SMBIOS Minor Version = 0x%x and DMI Version = 0x%x", entry[6], entry[7],

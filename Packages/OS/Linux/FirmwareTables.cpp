@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Packages/Format/EntryPoint.h"
+#include "Packages/Format/FirmwareAnswer.h"
 #include "Packages/OS/Linux/Descriptor.h"
 
 namespace {
@@ -42,11 +43,11 @@ int SMBIOSAnswer(std::vector<uint8_t>* answer) {
     EntryPoint_t point;
     if (problem != 0) return problem;
     if (!ParseEntryPoint(entry.data(), entry.size(), &point)) return ENOENT;
-    constexpr size_t kHead = 8;
-    *answer = {0, point.major, point.minor, point.revision, 0, 0, 0, 0};
+    FirmwareAnswer_t head = {0, point.major, point.minor, point.revision, 0};
+    answer->resize(sizeof head);
     const int tableProblem = AppendFile(TABLES_FOLDER "DMI", answer);
-    const auto length = static_cast<uint32_t>(answer->size() - kHead);
-    std::memcpy(answer->data() + 4, &length, sizeof length);
+    head.length = static_cast<uint32_t>(answer->size() - sizeof head);
+    std::memcpy(answer->data(), &head, sizeof head);
     return tableProblem;
 }
 

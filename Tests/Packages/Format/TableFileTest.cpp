@@ -53,7 +53,7 @@ TEST(TableFile, RecognisesAFormByItsContent) {
     };
     for (const auto& c : kCases) {
         const TableFound_t found = FindTable(c.bytes, c.as);
-        ASSERT_EQ(found.status, kSuccess) << c.what << ": " << found.problem;
+        ASSERT_TRUE(found.isFound) << c.what << ": " << found.problem;
         EXPECT_EQ(found.form, c.form) << c.what;
         EXPECT_EQ(found.major, c.major) << c.what;
         EXPECT_EQ(found.missing, c.missing) << c.what;
@@ -82,7 +82,7 @@ TEST(TableFile, RefusesWhatIsNone) {
     };
     for (const auto& c : kCases) {
         const TableFound_t found = FindTable(c.bytes, c.as);
-        EXPECT_EQ(found.status, kFailure) << c.says;
+        EXPECT_FALSE(found.isFound) << c.says;
         EXPECT_NE(found.problem.find(c.says), found.problem.npos) << found.problem;
     }
 }
@@ -91,14 +91,14 @@ TEST(TableFile, AFolderHoldsEntryPointAndTable) {
     Bytes_t point = DumpOf(kTable, 2, 7, 0xF0000);
     point.resize(31);
     const TableFound_t found = FindTableInFolder(point, kTable);
-    EXPECT_EQ(found.status, kSuccess);
+    EXPECT_TRUE(found.isFound);
     EXPECT_EQ(found.form, kFolder);
     EXPECT_EQ(found.major, 2);
     EXPECT_EQ(found.table.size(), kTable.size());
-    EXPECT_EQ(FindTableInFolder(kTable, kTable).status, kFailure);
-    EXPECT_EQ(FindTableInFolder(point, {}).status, kFailure);
+    EXPECT_FALSE(FindTableInFolder(kTable, kTable).isFound);
+    EXPECT_FALSE(FindTableInFolder(point, {}).isFound);
     const Bytes_t promisesMuch = DumpOf(kHugeTable, 3, 2, 0);
-    EXPECT_EQ(FindTableInFolder({promisesMuch.data(), 24}, kHugeTable).status, kFailure);
+    EXPECT_FALSE(FindTableInFolder({promisesMuch.data(), 24}, kHugeTable).isFound);
 }
 
 TEST(TableFile, ADumpHasAnEntryPointThatHolds) {
