@@ -1,12 +1,14 @@
-// Containers of the caller's pointers: a plain list, a sorted list, a red-black tree or an AVL tree behind one handle.
+// Containers of pointers: a plain list, a sorted list, a red-black tree or an AVL tree, through one type of handle.
 //
-// Ownership  A container owns its nodes and never the data: pointers are stored, not copied, and never looked behind
-//            but by the compare function. Data must stay valid while it is stored.
-// Threads    Any thread may call the nine operations on one handle: each holds the container's named lock while it
-//            runs, the compare function included. Containers may be created and destroyed on any threads at once.
-// Functions  of the caller's must not throw. They may read the container that calls them, and not change it.
-// Indexes    From 0.
-// Null       No entry can be null.
+// Ownership  A container owns its nodes but not the data. It stores the caller's pointers, which must stay valid while
+//            they are stored. Only the compare function dereferences them.
+// Threads    The nine operations may be called on one handle by several threads at once: each takes the container's
+//            named lock, and calls the compare function under it. Containers may be created and destroyed on several
+//            threads at once.
+// Callbacks  Compare and position functions must not throw. They may read the container that calls them, but not
+//            change it.
+// Indexes    Start at 0.
+// Null       Null can't be stored.
 #pragma once
 
 #include <cstdint>
@@ -17,90 +19,91 @@
 struct ContainerRecord_t;
 using ContainerHandle_t = ContainerRecord_t*;
 
-// Negative, 0 or positive as the first is below, equal to or above the second.
+// Returns a negative number, 0 or a positive number if the first is below, equal to or above the second.
 using ContainerCompare_t = int32_t (*)(const void* first, const void* second);
-// The index at which a sorted list places `data`.
+// Returns the index at which a sorted list places `data`.
 using ContainerPosition_t = int32_t (*)(ContainerHandle_t handle, void* data);
 
 enum ContainerType_t : uint32_t { kPlainList = 0, kSortedList = 1, kRedBlackTree = 2, kAVLTree = 3 };
-// What stored pointers point to, and how the library then compares: integers; characters; floats, where a NaN is below
-// everything, itself too; NUL-terminated strings by their bytes; or anything, by the caller's own function.
+// What the stored pointers point to. The library compares integers, characters and floats by value and NUL-terminated
+// strings by their bytes; a NaN compares as below everything, itself included. kOwnData needs a compare function.
 enum ContainerDataType_t : uint32_t { kInt32Data = 0, kInt8Data = 1, kFloatData = 2, kStringData = 3, kOwnData = 4 };
 
-// What a container is created from. InitContainer also writes it: a DataType of 0 to 3 sets CompareFunction, and
-// OwnPositionFunction 0 sets PositionFunction.
+// The parameters of a new container. InitContainer writes to it: it sets CompareFunction if DataType is 0 to 3, and
+// PositionFunction if OwnPositionFunction is 0.
 struct ContainerParams_t {
-    char ListName[128];            // NUL-terminated; the whole text names the lock
+    char ListName[128];            // NUL-terminated; also the name of the lock
     uint32_t ContainerType;        // ContainerType_t
-    uint32_t DataType;             // ContainerDataType_t: what stored pointers point to
+    uint32_t DataType;             // ContainerDataType_t
     uint32_t OwnPositionFunction;  // 0: the library's; 1: the caller's
     ContainerCompare_t CompareFunction;
     ContainerPosition_t PositionFunction;
 };
 
-// Status, for all operations: 1 success; 4 null handle; 5 the kind doesn't offer the operation, or its lock can't be
-// taken. What else an operation gives stands with it. An operation that fails changes nothing, but for UpdateNode, and
-// writes no out pointer. The out pointers themselves are not tested: they have to be valid.
-// Cost, for n entries: what is not constant stands with the operation. All of them take and release the lock.
+// Status  All operations return 1 for success; 4 for a null handle; 5 if the kind doesn't have the operation or its
+// lock
+//         can't be taken. Further statuses are listed with each operation. A failed operation writes no out pointer
+//         and, except for UpdateNode, changes nothing. Out pointers must be valid: they aren't checked.
+// Cost    Constant unless said otherwise, plus taking and releasing the lock.
 extern "C" {
-// Creates an empty container. `params` may go away afterwards; the handle is the caller's, to give to UnInitContainer.
-// All containers of one name exclude each other, also those in other processes; an empty name is a lock of its own.
-// Status  4 null params, or no memory; 5 no compare function (all kinds but the plain list need one) or no position
-//         function (the sorted list needs one), no such kind, or the lock can't be made
+// Creates an empty container, to be destroyed by UnInitContainer. `params` isn't needed afterwards. Containers with the
+// same name share one lock, on Windows in all processes of the session; one with an empty name has its own.
+// Status  4 null params, or out of memory; 5 the compare function is missing (only the plain list works without), the
+//         position function of a sorted list is missing, the kind is unknown, or the lock can't be created
 QUORLIN_API status_t InitContainer(ContainerParams_t* params, ContainerHandle_t* handle, uint8_t reserved);
 
-// Destroys the handle. Nodes that the container still holds are not freed: empty it first. No other thread may use the
-// handle any more.
+// Destroys the handle. Remaining nodes are not freed: empty the container first. No other thread may be using the
+// handle.
 QUORLIN_API status_t UnInitContainer(ContainerHandle_t handle);
 
-// Plain list: the new entry takes this index, and those from there on move up by one.
-// Status  2 index negative or above the number of entries; 3 no memory; 4 null data
-// Cost    linear in the distance to the nearest end, or to the place of the last read
+// Plain list: inserts an entry at `index`. The entries from there on move up by one.
+// Status  2 index negative or above the number of entries; 3 out of memory; 4 null data
+// Cost    linear in the distance to the nearest end or to the place of the last read
 QUORLIN_API status_t InsertAtIndex(ContainerHandle_t handle, void* data, int32_t index);
 
-// Adds an entry where the kind places it: at the end of a plain list, in front of its equals in a sorted list, behind
-// its equals in a tree.
-// Status  2 the caller's position function gave no valid index; 3 no memory; 4 null data; 5 in an AVL tree: no memory,
-//         below the root
+// Inserts an entry: at the end of a plain list, before its equals in a sorted list, after its equals in a tree.
+// Status  2 the position function returned no valid index; 3 out of memory (5 in an AVL tree that isn't empty);
+//         4 null data
 // Cost    plain list constant; sorted list linear; trees logarithmic, but an AVL tree linear in the number of equals
 QUORLIN_API status_t Insert(ContainerHandle_t handle, void* data);
 
-// Reads the entry at `index`: in a list by its place, in a tree by rising order.
-// Status  empty: 4, a red-black tree 2. Negative index: 2. Index past the end: 5 for a list, 2 for a tree.
-//         5 for an AVL tree with more than 99 nodes pending on the way, as only many equal entries can make it
-// Cost    linear in the distance, for a list to the nearest of its ends and the place of the last read, for a tree to
-//         that place if it lies below and to the first entry if not. So a whole read by rising index is linear as long
-//         as nothing changes the container.
+// Reads the entry at `index`: of a list in list order, of a tree in ascending order.
+// Status  Empty container: 4, a red-black tree 2. Negative index: 2. Index past the end: 5 for a list, 2 for a tree.
+//         5 if more than 99 nodes of an AVL tree are on the way, which takes many equal entries
+// Cost    linear in the distance: in a list from the nearest of both ends and the place of the last read; in a tree
+//         from that place if it is before `index`, else from the first entry. Reading all entries by ascending index is
+//         linear unless the container changes meanwhile.
 QUORLIN_API status_t RetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t index);
 
-// Reads the last entry, which is the largest one of a sorted kind. An empty red-black tree gives null and status 1.
+// Reads the last entry, which is the largest of a sorted kind. For an empty red-black tree: null and status 1.
 // Status  5 empty
 // Cost    list constant; tree its height
 QUORLIN_API status_t RetrieveFromEnd(ContainerHandle_t handle, void** data);
 
 // Lists: removes the entry at `index`.
-// Status  2 index negative or past the end; 4 empty
+// Status  2 index negative or past the end; 4 empty list
 // Cost    as InsertAtIndex
 QUORLIN_API status_t DeleteAtIndex(ContainerHandle_t handle, int32_t index);
 
-// Removes one entry that compares equal to `data`: in a list the first one, in a tree the one nearest to the root.
+// Removes one entry that compares equal to `data`: the first one of a list, the one nearest to the root of a tree.
 // Status  4 null data, a list without compare function, or an empty container (a red-black tree: 5)
 //         Not found: 2, in a red-black tree 5
 // Cost    list linear; tree logarithmic, but an AVL tree linear in the number of equals
 QUORLIN_API status_t DeleteByData(ContainerHandle_t handle, void* data);
 
-// Lists: adds at the end. A sorted list refuses data below its last entry; data equal to it goes behind it.
-// Status  2 refused; 3 no memory; 4 null data
+// Lists: appends an entry. A sorted list refuses data below its last entry.
+// Status  2 refused; 3 out of memory; 4 null data
 QUORLIN_API status_t Push(ContainerHandle_t handle, void* data);
 
-// Lists: removes the last entry and gives its data. With Push, a stack.
+// Lists: removes the last entry and returns its data. Push and Pop together make a stack.
 // Status  5 empty
 QUORLIN_API status_t Pop(ContainerHandle_t handle, void** data);
 
-// Plain list: the first entry that compares equal to oldData becomes newData, in its place. Other kinds: one such entry
-// is removed as by DeleteByData, and newData inserted as by Insert; if memory is short for that, the old entry is gone.
-// Status  4 null data, or a plain list without compare function; 2 a plain list without such an entry; for other kinds
-//         what DeleteByData and then Insert give
+// Replaces an entry that compares equal to oldData. Plain list: newData takes the place of the first such entry. Other
+// kinds: removes one as DeleteByData does, then inserts newData; if that fails for want of memory, the old entry is
+// lost. Status  4 null data, or a plain list without compare function; 2 no such entry in a plain list; for other kinds
+// the
+//         status of DeleteByData or Insert
 // Cost    list linear; tree as its DeleteByData and Insert
 QUORLIN_API status_t UpdateNode(ContainerHandle_t handle, void* oldData, void* newData);
 

@@ -1,5 +1,5 @@
-// The AVL tree: with distinct keys the two subtrees of a node differ in height by at most 1. Equal keys are in the
-// order of their arrival, and are never rotated for: many of them make a chain. So nothing here recurses.
+// The AVL tree: the heights of a node's subtrees differ by at most 1 if all keys are distinct. Equal keys are in the
+// order of insertion and cause no rotations, so many of them make a long chain. Therefore nothing here recurses.
 #include <algorithm>
 
 #include "Packages/Container/Sources/ContainerRecord.h"
@@ -8,7 +8,7 @@
 
 static int32_t Height(const AVLNode_t* node) { return node == nullptr ? 0 : node->Height; }
 
-// The heights of a node's subtrees, from the node alone.
+// The heights of a node's subtrees, without visiting the children.
 static int32_t LeftHeight(const AVLNode_t* node) { return node->Height - 1 + std::min(node->Balance, 0); }
 static int32_t RightHeight(const AVLNode_t* node) { return node->Height - 1 - std::max(node->Balance, 0); }
 
@@ -17,7 +17,7 @@ static void SetHeights(AVLNode_t* node, int32_t left, int32_t right) {
     node->Balance = left - right;
 }
 
-// What points to a node: its parent, or the root.
+// Returns the pointer to a node: a child pointer of its parent, or the root.
 static AVLNode_t** PlaceOf(ContainerHandle_t handle, const AVLNode_t* node) {
     AVLNode_t* parent = node->Parent;
     return parent == nullptr ? &handle->AVLRoot : parent->Left == node ? &parent->Left : &parent->Right;
@@ -27,8 +27,8 @@ static void SetParent(AVLNode_t* node, AVLNode_t* parent) {
     if (node != nullptr) node->Parent = parent;
 }
 
-// Both rotations give the subtree's new root, which is the old one if it has no child to raise. What points to the
-// subtree is the caller's to set.
+// Both rotations return the subtree's new root, or the old one if it has no child to raise. The caller updates the
+// pointer to the subtree.
 static AVLNode_t* RotateRight(AVLNode_t* node) {
     AVLNode_t* risen = node->Left;
     if (risen == nullptr) return node;
@@ -66,7 +66,7 @@ status_t AVLTreeInit(ContainerHandle_t handle) {
     return kSuccess;
 }
 
-// The subtree's root after `data` has come into it. Data equal to the child's calls for no rotation.
+// Returns the subtree's root after the insertion of `data`. Data equal to the child's causes no rotation.
 static AVLNode_t* BalanceAfterInsert(ContainerHandle_t handle, AVLNode_t* node, const void* data) {
     if (node->Balance > 1) {
         const int32_t order = handle->CompareFunction(data, node->Left->Data);
@@ -81,7 +81,7 @@ static AVLNode_t* BalanceAfterInsert(ContainerHandle_t handle, AVLNode_t* node, 
     return node;
 }
 
-// Sets the height of a node whose left or right subtree has got another one; the other subtree isn't visited.
+// Sets the height of a node after the height of its left or right subtree changed.
 static void SetHeightsAfter(AVLNode_t* node, bool isLeft) {
     if (isLeft)
         SetHeights(node, Height(node->Left), RightHeight(node));
@@ -89,7 +89,7 @@ static void SetHeightsAfter(AVLNode_t* node, bool isLeft) {
         SetHeights(node, LeftHeight(node), Height(node->Right));
 }
 
-// Status  1; 3 no memory for the first entry; 5 no memory further down
+// Status  1; 3 out of memory in an empty tree; 5 out of memory in another
 static status_t InsertData(ContainerHandle_t handle, void* data) {
     AVLNode_t *parent = nullptr, **place = &handle->AVLRoot;
     while (*place != nullptr) {
@@ -101,7 +101,7 @@ static status_t InsertData(ContainerHandle_t handle, void* data) {
     *place = node;
     for (; parent != nullptr; parent = node->Parent) {
         SetHeightsAfter(parent, parent->Left == node);
-        handle->TreePlace.Known = false;  // the comparison that follows may read the tree, which has changed
+        handle->TreePlace.Known = false;  // the compare function may read the tree, which has changed
         AVLNode_t** top = PlaceOf(handle, parent);
         *top = node = BalanceAfterInsert(handle, parent, data);
     }
@@ -116,8 +116,8 @@ status_t AVLTreeInsert(ContainerHandle_t handle, void* data) {
     return status;
 }
 
-// The subtree's root after an entry has left it. A balance that is out of bounds tells that the child is there, which
-// an analysis of this function alone can't know.
+// Returns the subtree's root after a removal. A balance out of bounds implies that the child exists, which the analyzer
+// can't know.
 // NOLINTBEGIN(clang-analyzer-core.NullDereference)
 static AVLNode_t* BalanceAfterDelete(AVLNode_t* node) {
     if (node->Balance > 1) {
@@ -132,7 +132,7 @@ static AVLNode_t* BalanceAfterDelete(AVLNode_t* node) {
 }
 // NOLINTEND(clang-analyzer-core.NullDereference)
 
-// Balances the node and all above it; of the node, the subtree on this side has got another height.
+// Balances the node and all nodes above it, after the height of the node's subtree on this side changed.
 static void BalanceUpwards(ContainerHandle_t handle, AVLNode_t* node, bool isLeft) {
     while (node != nullptr) {
         SetHeightsAfter(node, isLeft);
@@ -144,7 +144,8 @@ static void BalanceUpwards(ContainerHandle_t handle, AVLNode_t* node, bool isLef
     }
 }
 
-// Removes a node that has at most one child: it takes over all that the child is, and the child goes.
+// Removes a node that has at most one child. If it has one, the node takes over the child's content, and the child is
+// freed in its place.
 static void Remove(ContainerHandle_t handle, AVLNode_t* node) {
     AVLNode_t** place = PlaceOf(handle, node);
     AVLNode_t* const parent = node->Parent;
@@ -164,7 +165,7 @@ static void Remove(ContainerHandle_t handle, AVLNode_t* node) {
     BalanceUpwards(handle, parent, isLeft);
 }
 
-// Status  1; 2 no such entry. All nodes on the way are balanced then, too: some may have been left out of balance.
+// Status  1; 2 no such entry. The nodes on the way are balanced even then: insertions may have left some unbalanced.
 static status_t DeleteData(ContainerHandle_t handle, const void* data) {
     AVLNode_t *node = handle->AVLRoot, *parent = nullptr;
     int32_t order = 0;
@@ -179,7 +180,7 @@ static status_t DeleteData(ContainerHandle_t handle, const void* data) {
         return kBadValue;
     }
     if (node->Left != nullptr && node->Right != nullptr) {
-        // The next entry is taken by its place, as a search for its Data could end at an equal one.
+        // Takes the next entry by its place: a search for its data could end at an equal one.
         AVLNode_t* next = node->Right;
         while (next->Left != nullptr) next = next->Left;
         node->Data = next->Data;

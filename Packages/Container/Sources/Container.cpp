@@ -1,4 +1,4 @@
-// The front: creates and destroys containers, and hands each operation to the kind's function, under the lock.
+// Creates and destroys containers, and calls the kind's function of each operation under the lock.
 #include "Packages/Container/Container.h"
 
 #include <iterator>
@@ -16,7 +16,7 @@ struct ContainerKind_t {
     ContainerOperations_t Operations;
 };
 
-// By ContainerType_t. An empty cell is what the kind doesn't offer.
+// By ContainerType_t. The kind doesn't have operations that are null.
 // clang-format off
 static constexpr ContainerKind_t kKinds[] = {
 //  Init
@@ -69,7 +69,7 @@ static status_t InitFailed(const char* problem) {
     return kNullPointer;
 }
 
-// With a handle that is made already. A kind that refuses it has said so itself.
+// For a handle that exists already. Its kind has traced why it failed.
 static status_t InitFailed(ContainerHandle_t made) {
     containerLibrary.Free(made);
     CloseTrace();
@@ -121,8 +121,8 @@ status_t UnInitContainer(ContainerHandle_t handle) {
     return kSuccess;
 }
 
-// Runs the operation in `slot` under the container's lock. A holder that died has left the lock to us: the nodes in
-// this process are not its work.
+// Runs the operation in `slot` under the container's lock. A lock whose holder died is as good as any: that process
+// didn't touch the nodes in this one.
 template <class... Arguments_t, class... Values_t>
 static status_t Run(ContainerHandle_t handle, const char* name,
                     status_t (*ContainerOperations_t::*slot)(ContainerHandle_t, Arguments_t...), Values_t... values) {

@@ -1,4 +1,4 @@
-// What stands behind a container's handle: the record, the nodes of each kind, and the operations of each kind.
+// The record that a container's handle points to, and the nodes and operations of each kind.
 #pragma once
 
 #include <atomic>
@@ -35,12 +35,12 @@ struct RBNode_t {
 
 struct AVLNode_t {
     int32_t Height;   // 1 for a leaf
-    int32_t Balance;  // the height of Left less that of Right, so that nobody need visit both to know it
+    int32_t Balance;  // the height of Left minus that of Right; kept so that neither child has to be visited
     AVLNode_t *Left, *Right, *Parent;  // null where there is none
     void* Data;
 };
 
-// One slot for each operation; null where the kind doesn't offer it.
+// One slot per operation; null if the kind doesn't have it.
 struct ContainerOperations_t {
     status_t (*InsertAtIndex)(ContainerHandle_t handle, void* data, int32_t index);
     status_t (*Insert)(ContainerHandle_t handle, void* data);
@@ -53,28 +53,27 @@ struct ContainerOperations_t {
     status_t (*UpdateNode)(ContainerHandle_t handle, void* oldData, void* newData);
 };
 
-// The remembered place. An indexed read leaves behind where it ended, and the next one goes on from there, so that
-// reading by rising index is linear as a whole. Whatever links, unlinks or frees a node forgets it, before it calls
-// anything of the caller's again: a remembered place always stands in the container as it is.
+// Where the last indexed read ended. The next one goes on from there, so that reading all entries by ascending index is
+// linear. Code that links, unlinks or frees a node forgets the place before it next calls a function of the caller's.
 struct ListPlace_t {
-    ListNode_t* Node;  // null: nothing is remembered
+    ListNode_t* Node;  // null if no place is known
     size_t Index;
 };
 
 inline constexpr size_t kMostPendingNodes = 99;
 
-// The in-order walk of either tree, as far as it went: the nodes on the way down whose turn is still to come.
+// The same for either tree: the state of an in-order walk.
 struct TreePlace_t {
-    bool Known;     // false: nothing is remembered
-    int64_t Index;  // of the entry that was reached last
-    void* Data;     // of that entry
-    void* Next;     // the subtree to go on with
-    size_t Depth;
-    void* Pending[kMostPendingNodes];
+    bool Known;                        // whether the walk can go on
+    int64_t Index;                     // of the last entry reached
+    void* Data;                        // of that entry
+    void* Next;                        // the subtree to go on with
+    size_t Depth;                      // number of pending nodes
+    void* Pending[kMostPendingNodes];  // nodes on the way down that are still to be reached
 };
 
 struct ContainerRecord_t {
-    char ListName[128];  // first, so that a trace line can print the handle itself
+    char ListName[128];  // first, so that a trace line can print the handle as a text
     union {              // the list's first node, or the tree's root
         ListNode_t* Head;
         RBNode_t* RBRoot;
@@ -89,7 +88,7 @@ struct ContainerRecord_t {
     ContainerOperations_t Operations;
     NamedLock_t* Lock;
     size_t ListCount;   // nodes of a list
-    RBNode_t Sentinel;  // of a red-black tree, its own: a delete writes the Parent while it runs
+    RBNode_t Sentinel;  // of a red-black tree; one per tree, because a delete writes its Parent
     ListPlace_t ListPlace;
     TreePlace_t TreePlace;
 };
@@ -103,7 +102,7 @@ struct ContainerLibrary_t {
     // library is built on containers.
     void (*Trace)(const char* sourceFile, const char* function, uint32_t line, uint32_t level, const char* format, ...)
         QUORLIN_PRINTF_LIKE(5, 6);
-    void* (*Malloc)(size_t size);  // os_malloc and os_free; a test puts failing ones here
+    void* (*Malloc)(size_t size);  // os_malloc and os_free; tests set failing ones
     void (*Free)(void* block);
 };
 extern ContainerLibrary_t containerLibrary;
@@ -129,7 +128,7 @@ status_t SortedLinkedListInit(ContainerHandle_t handle);
 status_t SortedLinkedListInsert(ContainerHandle_t handle, void* data);
 status_t SortedLinkedListPush(ContainerHandle_t handle, void* data);
 status_t SortedListUpdateNode(ContainerHandle_t handle, void* oldData, void* newData);
-// The place in front of the first entry that isn't below `data`, or the end.
+// Returns the index of the first entry that isn't below `data`, or the number of entries.
 int32_t SortedListPosition(ContainerHandle_t handle, void* data);
 
 // The red-black tree (RBTree.cpp)
@@ -148,8 +147,8 @@ status_t AVLTreeRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t
 status_t AVLTreeRetrieveFromEnd(ContainerHandle_t handle, void** data);
 status_t AVLTreeUpdateNode(ContainerHandle_t handle, void* oldData, void* newData);
 
-// Stores the entry at `index` in ascending order, counted from 0. `absent` is what stands for no child.
-// Status  1; 2 no entry of that index; 5 more than kMostPendingNodes nodes pending, for a tree out of balance
+// Reads the entry at `index` in ascending order. `absent` is the pointer that means no child.
+// Status  1; 2 no such index; 5 more than kMostPendingNodes pending nodes, in an unbalanced tree
 template <class Node_t>
 status_t RetrieveInOrder(TreePlace_t* place, Node_t* root, const Node_t* absent, void** data, int32_t index) {
     if (!place->Known || index < place->Index) {

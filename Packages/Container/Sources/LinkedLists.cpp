@@ -1,11 +1,12 @@
-// The plain and the sorted doubly linked list.
+// Plain and sorted doubly linked lists.
 #include "Packages/Container/Sources/ContainerRecord.h"
 
 #define TRACE(function, level, ...) CONTAINER_TRACE("LinkedLists", function, level, __VA_ARGS__)
 
 static void ForgetPlace(ContainerHandle_t handle) { handle->ListPlace.Node = nullptr; }
 
-// The node at an index below ListCount, from the nearest of first node, last node and remembered place.
+// Returns the node at an index below ListCount. Starts at the nearest of the first node, the last one and the known
+// place.
 static ListNode_t* NodeAt(ContainerHandle_t handle, size_t index) {
     ListPlace_t& place = handle->ListPlace;
     const size_t last = handle->ListCount - 1;
@@ -24,7 +25,7 @@ static ListNode_t* NewListNode(const char* function, void* data) {
     return node;
 }
 
-// Links the node in front of `next`, or behind the last node if `next` is null.
+// Links the node before `next`, or after the last node if `next` is null.
 static void Link(ContainerHandle_t handle, ListNode_t* node, ListNode_t* next) {
     ForgetPlace(handle);
     node->Prev = next == nullptr ? handle->Tail : next->Prev;
@@ -42,7 +43,7 @@ static void UnlinkAndFree(ContainerHandle_t handle, ListNode_t* node) {
     containerLibrary.Free(node);
 }
 
-// The first node that compares equal, or null.
+// Returns the first node that compares equal, or null.
 static ListNode_t* Find(ContainerHandle_t handle, const void* data) {
     ListNode_t* node = handle->Head;
     while (node != nullptr && handle->CompareFunction(data, node->Data) != 0) node = node->Next;
@@ -153,7 +154,7 @@ status_t SortedLinkedListInit(ContainerHandle_t handle) {
     return LinkedListInit(handle);
 }
 
-// Leaves the place remembered for the insertion that follows.
+// Also notes the place, for the insertion that follows.
 int32_t SortedListPosition(ContainerHandle_t handle, void* data) {
     ListPlace_t place = {handle->Head, 0};
     while (place.Node != nullptr && handle->CompareFunction(data, place.Node->Data) > 0) {

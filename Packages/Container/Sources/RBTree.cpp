@@ -1,18 +1,18 @@
-// The red-black tree: the root is black, no red node has a red child, and every path from a node down to the sentinel
-// holds the same number of black nodes. Equal keys stand in the order of their arrival.
+// The red-black tree: the root is black, no red node has a red child, and all paths from a node down to the sentinel
+// have the same number of black nodes. Equal keys are in the order of insertion.
 #include <utility>
 
 #include "Packages/Container/Sources/ContainerRecord.h"
 
 #define TRACE(function, level, ...) CONTAINER_TRACE("RBTree", function, level, __VA_ARGS__)
 
-// A child link of a node, so that each step and its mirror image are written once.
+// A child pointer of a node, so that each step and its mirror image are written once.
 using Side_t = RBNode_t* RBNode_t::*;
 static constexpr Side_t kLeft = &RBNode_t::Left, kRight = &RBNode_t::Right;
 static Side_t Other(Side_t side) { return side == kLeft ? kRight : kLeft; }
 static Side_t SideOf(const RBNode_t* node) { return node == node->Parent->Left ? kLeft : kRight; }
 
-// Puts `node`, which may be the sentinel, in the place of `old`, and leaves its Parent alone.
+// Makes the parent of `old` point to `node`, which may be the sentinel. Doesn't change the Parent of `node`.
 static void PutInPlaceOf(ContainerHandle_t handle, const RBNode_t* old, RBNode_t* node) {
     if (old == handle->RBRoot)
         handle->RBRoot = node;
@@ -20,7 +20,7 @@ static void PutInPlaceOf(ContainerHandle_t handle, const RBNode_t* old, RBNode_t
         old->Parent->*SideOf(old) = node;
 }
 
-// Rotates to the left for kLeft: the right child rises into the node's place, and the node becomes its left child.
+// Rotates towards `side`. For kLeft the right child takes the node's place, and the node becomes its left child.
 static void Rotate(ContainerHandle_t handle, RBNode_t* node, Side_t side) {
     RBNode_t* risen = node->*Other(side);
     RBNode_t* moved = risen->*side;
@@ -42,7 +42,7 @@ status_t RBTreeInit(ContainerHandle_t handle) {
     return kSuccess;
 }
 
-// `node` is red, and so may its parent be.
+// `node` is red, and its parent may be red too.
 static void FixAfterInsert(ContainerHandle_t handle, RBNode_t* node) {
     while (node != handle->RBRoot && node->Parent->Color == kRed) {
         RBNode_t* parent = node->Parent;
@@ -86,7 +86,7 @@ status_t RBTreeInsert(ContainerHandle_t handle, void* data) {
     return kSuccess;
 }
 
-// The paths through `node`, which may be the sentinel, are one black node short.
+// The paths through `node`, which may be the sentinel, have one black node too few.
 static void FixAfterDelete(ContainerHandle_t handle, RBNode_t* node) {
     while (node != handle->RBRoot && node->Color == kBlack) {
         RBNode_t* parent = node->Parent;
@@ -137,7 +137,7 @@ status_t RBTreeDelete(ContainerHandle_t handle, void* data) {
     RBNode_t* child = leaving->Left != absent ? leaving->Left : leaving->Right;
     child->Parent = leaving->Parent;
     PutInPlaceOf(handle, leaving, child);
-    found->Data = leaving->Data;  // the node that was found keeps its address
+    found->Data = leaving->Data;  // `found` stays where it is
     if (leaving->Color == kBlack) FixAfterDelete(handle, child);
     absent->Parent = nullptr;
     handle->TreePlace.Known = false;
@@ -150,7 +150,7 @@ status_t RBTreeRetrieveFromIndex(ContainerHandle_t handle, void** data, int32_t 
     return RetrieveInOrder(&handle->TreePlace, handle->RBRoot, &handle->Sentinel, data, index);
 }
 
-// An empty tree gives the sentinel's Data, which is null.
+// Reads the sentinel's Data, which is null, from an empty tree.
 status_t RBTreeRetrieveFromEnd(ContainerHandle_t handle, void** data) {
     const RBNode_t* node = handle->RBRoot;
     while (node != &handle->Sentinel && node->Right != &handle->Sentinel) node = node->Right;
