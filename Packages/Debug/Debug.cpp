@@ -1,4 +1,4 @@
-// Trace handles, their settings, and the lines that they write. The configuration file is in DebugConfig.cpp.
+// Trace handles, their settings, and their output. The configuration is in DebugConfig.cpp.
 #include <cinttypes>
 #include <cstddef>
 #include <mutex>
@@ -7,24 +7,23 @@
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 
-// Whether a configuration has been read. It is read once in a process: no handle's end changes this.
+// Whether a configuration was read. It is read once in a process; closing handles doesn't change this.
 enum class ConfigState_t { NotRead, Read, Failed };
 
 static constexpr size_t kHeaderSize = 100;
 static constexpr size_t kMessageSize = 256;  // 255 characters and a NUL
 static constexpr size_t kMessageBufferSize = 281;
 
-// Guards the handles and the configuration. No trace call takes it.
+// Guards the handles and the configuration. Trace calls don't take it.
 static std::mutex guard;
 static ContainerHandle_t DebugHandleList = nullptr;
-static ContainerHandle_t DebugSyncList = nullptr;  // lives beside the handles; nothing is added to it
+static ContainerHandle_t DebugSyncList = nullptr;  // lives as long as DebugHandleList; always empty
 static ConfigState_t ConfigState = ConfigState_t::NotRead;
 static LibVersion_t LibVersion = {};
 status_t (*debugClock)(uint64_t* milliseconds) = os_GetTimestampMs;
 
-// The default functions of a handle are this library's own, so that a handle can tell them from a host's. A console
-// line is flushed: it stands in order with what the host writes by other means, and the last one before a crash
-// is seen.
+// The default output functions of a handle. Console lines are flushed, so that they are in order with what the host
+// writes by other means, and the last line before a crash is seen.
 QUORLIN_PRINTF_LIKE(1, 2) static int PrintToConsole(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -58,19 +57,19 @@ status_t CreateList(const char* name, ContainerCompare_t compare, ContainerHandl
     return InitContainer(&params, list, 0);
 }
 
-// The open handle of this name, or null.
+// Returns the open handle with this name, or null.
 static DebugRecord_t* FindHandle(const char* name) {
     return FindEntry<DebugRecord_t>(DebugHandleList,
                                     [name](const DebugRecord_t& record) { return os_strcmp(record.Name, name) == 0; });
 }
 
-// Life of a handle.
+// Opening and closing.
 
-// A record with the defaults and without a lock, or null.
+// Returns a record with the defaults and without a lock; null if out of memory.
 static DebugRecord_t* NewRecord(const char* name) {
     const size_t nameSize = size_t{os_strlen(name)} + 1;
     const size_t size = offsetof(DebugRecord_t, Name) + nameSize;
-    // Never smaller than the type, whose end is padded.
+    // At least the size of the type, which has padding after Name.
     const size_t allocated = size < sizeof(DebugRecord_t) ? sizeof(DebugRecord_t) : size;
     void* block = os_malloc(allocated);
     if (block == nullptr) return nullptr;
@@ -93,7 +92,7 @@ static void ReadConfigOnce() {
     ConfigState = DebugReadConfig() == kSuccess ? ConfigState_t::Read : ConfigState_t::Failed;
 }
 
-// A first handle that fails leaves the lists and the configuration to the next one: the file isn't read again.
+// If the first handle fails, the lists and the configuration stay for the next one: the file isn't read again.
 status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
     if (name == nullptr || handle == nullptr) return kNullPointer;
     *handle = nullptr;
@@ -104,7 +103,7 @@ status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
     if (DebugHandleList == nullptr) status = CreateList("DebugHandleList", CompareHandles, &DebugHandleList);
     if (status != kSuccess) return status;
     if (DebugRecord_t* shared = FindHandle(name)) {
-        if (shared->RefCount == UINT16_MAX) return kFailure;  // one more would count as none
+        if (shared->RefCount == UINT16_MAX) return kFailure;  // one more would overflow to 0
         shared->RefCount++;
         *handle = shared;
         return kSuccess;
@@ -131,7 +130,7 @@ status_t DebugLibInit(const char* name, DebugHandle_t* handle) {
     return kSuccess;
 }
 
-// What the first handle set up and the configuration, in reverse order.
+// Releases what the first handle set up, in reverse order.
 static status_t ReleaseLibrary() {
     const status_t sync = UnInitContainer(DebugSyncList);
     DebugSyncList = nullptr;
@@ -186,7 +185,7 @@ void DebugResetForTest() {
 
 // Output.
 
-// A header under construction, cut to fit.
+// A header under construction. Cut if too long.
 struct Header_t {
     char text[kHeaderSize] = "";
     size_t length = 0;
@@ -202,7 +201,7 @@ struct LevelTag_t {
     const char* tag;
 };
 
-// In the order of a header.
+// In the order in which a header shows them.
 static constexpr LevelTag_t kLevelTags[] = {
     {kInfo,    " Info "     },
     {kParams,  " PARAM "    },
@@ -246,7 +245,7 @@ static void WriteToStream(const DebugRecord_t& record, FILE* stream, bool flush,
     if (flush && record.FileFunction == PrintToStream) std::fflush(stream);
 }
 
-// Kept out of DebugTrace: its buffers would cost every call that is switched off.
+// Not inlined in DebugTrace, where its buffers would cost every call whose level is off.
 [[gnu::noinline]] static void WriteLine(const DebugRecord_t& record, const char* function, uint32_t line,
                                         uint32_t level, const char* format, va_list arguments) {
     const Header_t header = MakeHeader(record, function, line, level);
@@ -281,14 +280,14 @@ status_t DebugTrace(DebugHandle_t handle, const char* /*sourceFile*/, const char
 
 // Settings.
 
-// Whether a handle is open: 1, or the status that refuses it.
+// Returns 1 if the handle is open, otherwise the status for the caller.
 static status_t DebugIsValidHandle(DebugHandle_t handle) {
     if (handle == nullptr) return kNullPointer;
     const std::lock_guard hold(guard);
     return FindHandle(handle->Name) != nullptr ? kSuccess : kBadValue;
 }
 
-// Whether a setter may change the handle: 1, or the status that refuses it.
+// Returns 1 if setters may change the handle, otherwise the status for the caller.
 static status_t CheckUnlocked(DebugHandle_t handle) {
     const status_t status = DebugIsValidHandle(handle);
     if (status != kSuccess) return status;
@@ -311,7 +310,7 @@ static void ForEachUnlockedHandle(Change change) {
     });
 }
 
-// Sets or clears those bits of a mask field that `mask` holds of `known`, in one handle or in all.
+// These two set or clear the bits of a field that both `mask` and `known` have, in one handle or in all.
 template <typename Bits>
 static status_t SetMask(DebugHandle_t handle, Bits DebugRecord_t::*field, Bits mask, Bits known, bool on) {
     const status_t status = CheckUnlocked(handle);
@@ -328,7 +327,7 @@ static status_t SetMaskInAll(Bits DebugRecord_t::*field, Bits mask, Bits known, 
     return kSuccess;
 }
 
-// Replaces a function or stream that must not be null.
+// Sets a function or stream that must not be null.
 template <typename Pointer>
 static status_t SetPointer(DebugHandle_t handle, Pointer DebugRecord_t::*field, Pointer value) {
     const status_t status = CheckUnlocked(handle);
@@ -343,7 +342,7 @@ struct FlagChoice_t {
     uint32_t flag;
 };
 
-// The setters of flags change the first row that their argument holds. The orders differ.
+// The flag setters change the first flag that their argument has. DebugSetFlag and DebugSetAllFlags differ in order.
 static constexpr FlagChoice_t kFlagsOfOne[] = {
     {kFlagFlush,        kFlushPackageStream},
     {kFlagLogToPackage, kLogToPackageStream},
@@ -357,7 +356,7 @@ static constexpr FlagChoice_t kFlagsOfAll[] = {
     {kFlagLogToPackage, kLogToPackageStream},
 };
 
-// The flag that `which` chooses, or 0.
+// Returns the flag that `which` chooses, or 0.
 static uint32_t ChosenFlag(const FlagChoice_t (&choices)[4], uint32_t which) {
     for (const FlagChoice_t& choice : choices)
         if (choice.which & which) return choice.flag;
@@ -379,7 +378,7 @@ status_t DebugSetTraceFormat(DebugHandle_t handle, uint32_t mask, bool on) {
 status_t DebugSetFlag(DebugHandle_t handle, uint32_t which, bool on) {
     const status_t status = DebugIsValidHandle(handle);
     if (status != kSuccess) return status;
-    if ((which & 63) == 0) return kBadValue;  // wider than the flags that there are
+    if ((which & 63) == 0) return kBadValue;  // more bits than there are flags
     SetBits(&handle->Flags, ChosenFlag(kFlagsOfOne, which), on);
     return kSuccess;
 }
@@ -458,7 +457,7 @@ status_t DebugDumpValues(DebugHandle_t handle, uint32_t level, const void* data,
     for (uint32_t done = 0; done < length;) {
         char address[19];
         os_snprintf(address, sizeof address, 18, "0x%016" PRIxPTR, reinterpret_cast<uintptr_t>(bytes + done));
-        char digits[kGroupSize][5] = {};  // those of missing bytes stay empty
+        char digits[kGroupSize][5] = {};  // empty for bytes after the end
         for (uint32_t i = 0; i < kGroupSize && done < length; i++, done++)
             os_snprintf(digits[i], sizeof digits[i], 4, "0x%02x", bytes[done]);
         DebugTrace(handle, sourceFile, function, line, level, " Pos  %s:  %s %s %s %s %s %s %s %s ", address, digits[0],

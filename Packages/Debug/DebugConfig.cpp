@@ -1,5 +1,5 @@
-// The configuration file debug.conf: its lines, the entries that they make, and how a handle takes its settings from
-// them. Docs/Trace.md tells how the file is written.
+// The configuration: parses the lines of debug.conf into entries, and applies entries to handles. Docs/Trace.md
+// describes the file.
 #include <cstring>
 #include <string_view>
 
@@ -8,11 +8,11 @@
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 
-static constexpr size_t kPieceSize = 256;  // 255 characters and a NUL: a longer line is taken in such pieces
-static constexpr size_t kNameSize = 64;    // 63 characters and a NUL: of longer names no more counts
+static constexpr size_t kPieceSize = 256;  // 255 characters and a NUL; longer lines are read in pieces of this size
+static constexpr size_t kNameSize = 64;    // 63 characters and a NUL; longer names are cut
 static constexpr const char* kGlobal = "Global";
 
-// Bits of DebugConfEntry::SetMask: which keys were given.
+// Bits of DebugConfEntry::SetMask: the keys that were set.
 static constexpr uint32_t kSetTraceType = 1;
 static constexpr uint32_t kSetOutputType = 2;
 static constexpr uint32_t kSetTraceFormatType = 4;
@@ -20,7 +20,7 @@ static constexpr uint32_t kSetDebugFlagsType = 8;
 static constexpr uint32_t kSetFileName = 16;
 static constexpr uint32_t kSetSyncFlag = 32;
 
-// What the file says of one package.
+// The settings of one package.
 struct DebugConfEntry {
     char PackageName[kNameSize];
     uint32_t SetMask;
@@ -29,16 +29,16 @@ struct DebugConfEntry {
     uint32_t TraceFormatType;
     uint32_t DebugFlagsType;  // kFlagFlush, kFlagLocked...
     uint8_t SyncFlag;
-    FILE* Stream;  // open from the first handle that needs it on
+    FILE* Stream;  // the log file, opened for the first handle that needs it
     char FileName[kNameSize];
 };
 
 static ContainerHandle_t DebugConfList = nullptr;
-static bool GlobalSeen = false;   // never cleared but by DebugForgetConfig: the file is not read again
-static bool isHostsText = false;  // not the file's
+static bool GlobalSeen = false;   // cleared by DebugForgetConfig only, because the file isn't read again
+static bool isHostsText = false;  // whether the configuration is a host's text, not the file
 const char* debugConfigRefusal = nullptr;
 
-// Tokens: two letters each, with nothing between them.
+// Values: rows of tokens, two letters each, without separators.
 
 struct Token_t {
     char name[3];
@@ -75,7 +75,7 @@ static constexpr Token_t kDebugFlags[] = {
     {"Al", kAllFlags        },
 };
 
-// The bits of a row of tokens; "No" takes back what stands before it. False for a row with anything else in it.
+// Reads the bits of a row of tokens. "No" clears the bits of the tokens before it. Returns false for an unknown token.
 template <size_t Count>
 static bool ReadTokens(const Token_t (&tokens)[Count], std::string_view row, uint32_t* bits) {
     *bits = 0;
@@ -94,7 +94,7 @@ static bool ReadTokens(const Token_t (&tokens)[Count], std::string_view row, uin
     return true;
 }
 
-// Keys: each decodes its value into its field. False for a bad value.
+// Keys: each function stores its value in the entry, and returns false if the value is bad.
 
 static bool ReadTraceType(std::string_view value, DebugConfEntry* entry) {
     uint32_t bits = 0;
@@ -118,7 +118,7 @@ static bool ReadDebugFlagsType(std::string_view value, DebugConfEntry* entry) {
     return ReadTokens(kDebugFlags, value, &entry->DebugFlagsType);
 }
 
-// `name` holds kNameSize bytes.
+// `name` has kNameSize bytes.
 static void CopyName(std::string_view from, char* name) {
     const size_t length = from.copy(name, kNameSize - 1);
     name[length] = '\0';
@@ -146,7 +146,7 @@ static constexpr Key_t kKeys[] = {
     {"TraceFormatType", kSetTraceFormatType, ReadTraceFormatType},
     {"DebugFlagsType",  kSetDebugFlagsType,  ReadDebugFlagsType },
     {"FileName",        kSetFileName,        ReadFileName       },
-    {"SyncFlag",        kSetSyncFlag,        ReadSyncFlag       }, // allowed everywhere, of use in Global alone
+    {"SyncFlag",        kSetSyncFlag,        ReadSyncFlag       }, // allowed everywhere, but used in Global only
 };
 
 // Lines.
@@ -194,7 +194,7 @@ static status_t StoreSetting(std::string_view package, std::string_view key, std
     return kFailure;
 }
 
-// Takes `*text` up to the first `delimiter`, and leaves what stands behind that. False if there is none.
+// Moves the part of `*text` before the first `delimiter` to `*part`, and drops the delimiter. False if there is none.
 static bool TakeUpTo(char delimiter, std::string_view* text, std::string_view* part) {
     const size_t length = text->find(delimiter);
     if (length == std::string_view::npos) return false;
@@ -203,7 +203,7 @@ static bool TakeUpTo(char delimiter, std::string_view* text, std::string_view* p
     return true;
 }
 
-// Package:Key<Value>, a comment, a header or nothing.
+// Parses a line: Package:Key<Value>, a comment, a header, or an empty line.
 static status_t ReadLine(std::string_view line) {
     if (line.empty() || line == "[GLOBAL]" || line == "[PACKAGES]" || line.front() == '#') return kSuccess;
     std::string_view package, key, value;
@@ -212,7 +212,7 @@ static status_t ReadLine(std::string_view line) {
     return StoreSetting(package, key, value);
 }
 
-// Takes all white space out of a NUL-terminated text, in place.
+// Removes all white space from a NUL-terminated text, in place.
 static std::string_view RemoveWhiteSpace(char* text) {
     size_t length = 0;
     for (const char* from = text; *from != '\0'; from++)
@@ -220,7 +220,7 @@ static std::string_view RemoveWhiteSpace(char* text) {
     return {text, length};
 }
 
-// Reads pieces until `nextPiece`, which fills kPieceSize bytes, has no more or one is bad.
+// Parses pieces of at most kPieceSize bytes until `nextPiece` returns false or a piece is bad.
 template <typename NextPiece>
 static status_t ReadPieces(NextPiece nextPiece) {
     if (DebugConfList != nullptr) return kSuccess;

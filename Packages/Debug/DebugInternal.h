@@ -1,4 +1,4 @@
-// What the two halves of the trace library, handles and configuration, know of each other. Not installed.
+// What Debug.cpp (handles) and DebugConfig.cpp (configuration) share. Not installed.
 #pragma once
 
 #include "Packages/Container/Container.h"
@@ -18,13 +18,13 @@ void SetBits(Bits* bits, Bits mask, bool on) {
     *bits = on ? *bits | mask : *bits & ~mask;
 }
 
-// What a container's compare function gives.
+// -1, 0 or 1: the result of a container's compare function.
 inline int32_t Fold(int order) { return (order > 0) - (order < 0); }
 
 // Creates a plain list of the library's own records.
 status_t CreateList(const char* name, ContainerCompare_t compare, ContainerHandle_t* list);
 
-// The first entry of `list` that `wanted` takes, or null. A null list has no entries.
+// Returns the first entry of `list` for which `wanted` is true, or null. A null list has no entries.
 template <typename Entry, typename Wanted>
 Entry* FindEntry(ContainerHandle_t list, Wanted wanted) {
     void* entry = nullptr;
@@ -35,27 +35,27 @@ Entry* FindEntry(ContainerHandle_t list, Wanted wanted) {
 
 // The configuration (DebugConfig.cpp).
 
-// Reads debug.conf of the working directory, if there is one that this process obeys.
-// Status  1, also without a file; 3; 5 a bad line: the entries before it stay
+// Reads debug.conf of the working directory, if there is one that OpenConfigFile accepts.
+// Status  1, even without a file; 3 out of memory; 5 a bad line: the entries before it stay
 status_t DebugReadConfig();
-// The same from a stream, which stays the caller's.
+// The same from a stream; doesn't close it.
 status_t DebugReadConfigStream(FILE* stream);
 // The same from a text whose lines end with a newline or ';'. Its log files may be devices.
-// Status  also 6: it names a file, and the process has foreign rights
+// Status  also 6: it names a log file, and HasForeignRights()
 status_t DebugReadConfigText(const char* text);
-// Why DebugReadConfig didn't obey the file that there is, or null.
+// Why DebugReadConfig ignored the file, or null.
 extern const char* debugConfigRefusal;
-// Gives a handle the settings of its own entry and then those of the Global entry, and opens their log files.
-// Status  1; 4 null handle; 5 a log file can't be opened, or the Global entry has been released
+// Applies the handle's own entry and then the Global entry to a handle, and opens their log files.
+// Status  1; 4 null handle; 5 a log file can't be opened, or the Global entry was released
 status_t DebugApplyConfig(DebugHandle_t handle);
-// Closes the log files and releases the entries. That there was a Global entry is kept.
-// Status  1; 5 something could not be released
+// Closes the log files and releases the entries, but remembers that there was a Global entry.
+// Status  1; 5 something couldn't be released
 status_t DebugFreeConfig();
-// DebugFreeConfig, and that there was a Global entry is forgotten too.
+// As DebugFreeConfig, and forgets that there was a Global entry.
 status_t DebugForgetConfig();
 
-// For tests, which begin as a fresh process does. No handle may be open.
+// For tests: returns the library to its state in a new process. No handle may be open.
 void DebugResetForTest();
 
-// What times the lines: os_GetTimestampMs. A test puts another one here.
+// The clock of the lines: os_GetTimestampMs, or a test's own.
 extern status_t (*debugClock)(uint64_t* milliseconds);

@@ -97,7 +97,7 @@ static_assert(offsetof(ContainerRecord_t, ListName) == 0);
 // The library's state.
 struct ContainerLibrary_t {
     std::atomic<int32_t> LiveContainers;
-    std::atomic<bool> IsUsed;  // from the first InitContainer on
+    std::atomic<bool> IsUsed;  // since the first InitContainer
     // Writes trace lines; nothing sets it yet, so a trace call costs one test. A function pointer, because the trace
     // library is built on containers.
     void (*Trace)(const char* sourceFile, const char* function, uint32_t line, uint32_t level, const char* format, ...)
