@@ -1,20 +1,20 @@
-// The files of tracing: which configuration a process obeys, and where it may write what the configuration asks for.
+// Files of the trace library: the configuration that a process accepts, and the logs that it may write.
 #pragma once
 
 #include <cstdio>
 
-// Whether the process has rights that the user who started it lacks, as a set-user-ID program has. It takes no names
-// of files from him.
+// Whether the process has rights that the user who started it lacks, as a set-user-ID program has. Such a process must
+// take no file names from the user.
 bool HasForeignRights();
 
-// Opens a configuration file for reading, if it is a plain file that this process may obey: a configuration names files
-// that are then written to. The system or the effective user owns the file and each folder on the way to it, and nobody
-// else can write it, add files to its folder, or rename a folder. Null if there is no such file; `*refusal` then is
-// null where there is no file, and says in words what is wrong where there is one. A process with foreign rights obeys
-// none. The stream is the caller's to close.
+// Opens a configuration file for reading, if only the system or the effective user could have written it: a
+// configuration names files that are then written to. It must be a plain file. The system or the effective user must
+// own it and each folder above it, and nobody else may be able to write it, add files to its folder, or rename a folder
+// above. A process with foreign rights accepts no file. Returns a stream, which the caller closes; or null, and sets
+// `*refusal` to null if there is no file, otherwise to a constant text that says what is wrong with it.
 std::FILE* OpenConfigFile(const char* path, const char** refusal);
 
-// Opens a log for writing: a new file that is its owner's alone, or a plain one, which is emptied. No link is followed.
-// With `deviceToo`, as a user may ask for, also a device, a pipe, or a stream of this process by the name that the
-// system gives it. Null on failure. The stream is the caller's to close.
+// Opens a log for writing: a new file that only its owner can read and write, or an existing plain file, which it
+// empties. Follows no links. With `deviceToo` also opens a device, a pipe, or a stream of this process by the system's
+// name for it, such as /dev/stderr. Returns null on failure. The caller closes the stream.
 std::FILE* OpenLogFile(const char* path, bool deviceToo);

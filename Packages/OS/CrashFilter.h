@@ -1,15 +1,15 @@
-// What the process does about a fault that nobody handles.
+// A filter for faults that no handler takes.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-// A fault, with the exception codes of Windows on every system.
+// A fault. All systems use the exception codes of Windows.
 struct Fault_t {
     uint32_t Code;
     uint64_t Address;  // of the instruction
-    // For access violations and page errors: what was tried (0 read, 1 write, 8 execute), the address, and for page
-    // errors the cause. Words that the system doesn't tell are 0.
+    // Access violations and page errors: the kind of access (0 read, 1 write, 8 execute), the address accessed, and for
+    // page errors the cause. 0 where unknown.
     uint64_t Information[3];
 };
 
@@ -30,13 +30,13 @@ inline constexpr uint32_t kFaultOverflow = 0xC0000095;
 inline constexpr uint32_t kFaultPrivilegedInstruction = 0xC0000096;
 inline constexpr uint32_t kFaultStackOverflow = 0xC00000FD;
 
-// Runs on the thread that faulted. Result 0: the system goes on with its own handling, which ends the process.
+// Runs on the thread that faulted. Returns 0 to let the system go on with its own handling, which ends the process.
 using CrashFilter_t = int32_t (*)(const Fault_t& fault);
 
-// Makes `filter` the process's unhandled-exception filter in place of any other; null takes ours away. Taken away by
-// itself when the library is unloaded.
+// Sets the process's filter for unhandled faults, in place of any other; null removes ours. The library removes it when
+// it is unloaded.
 // Threads  one at a time
 void os_SetCrashFilter(CrashFilter_t filter);
 
-// Writes to standard output from within a filter, waits only a moment for a reader, and gives up on failure.
+// Writes to standard output, for use in a filter. Gives up on failure, and after a short wait for a slow reader.
 void os_WriteCrashText(const char* text, size_t size);

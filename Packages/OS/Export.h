@@ -10,8 +10,8 @@
 #define QUORLIN_API __attribute__((visibility("default")))
 #endif
 
-/* QUORLIN_PRINTF_LIKE has the compiler check the arguments that follow a format. On Windows the formats are the
- * standard's too, as MinGW's standard output functions are used and not the system's. */
+/* QUORLIN_PRINTF_LIKE makes the compiler check arguments against their format. Formats are the standard's on Windows
+ * too, where MinGW's output functions are used, not the system's. */
 #ifdef _WIN32
 #define QUORLIN_PRINTF_LIKE(formatAt, argumentsAt) __attribute__((format(gnu_printf, formatAt, argumentsAt)))
 #else

@@ -1,4 +1,4 @@
-// The firmware's tables, as the operating system serves them.
+// The firmware's tables, as the operating system provides them.
 #pragma once
 
 #include <cstdint>
@@ -7,13 +7,13 @@
 inline constexpr uint32_t kSMBIOSProvider = 0x52534D42;  // "RSMB"; its one table has number 0
 inline constexpr uint32_t kACPIProvider = 0x41435049;    // "ACPI"; a table's number is its name, first letter lowest
 
-// Fills `buffer` with the table if `room` bytes hold all of it; a null buffer asks for the size alone. The SMBIOS table
+// Reads a table into `buffer`, if it fits in `room` bytes. With a null buffer, only returns the size. The SMBIOS table
 // follows a FirmwareAnswer_t (Packages/Format/FirmwareAnswer.h).
-// Result   the table's size, also when the room is too small; 0 when it can't be read
-// refused  if not null, tells whether a result of 0 is for want of rights
+// Returns the size of the table, even if it doesn't fit; 0 if it can't be read.
+// refused  if not null, is set to whether the user lacks the rights to read it
 // Threads  any number at once
 uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, uint32_t room, bool* refused);
 
-// The numbers of the ACPI tables that there are, in the system's order; a number comes once for each table of its name.
-// Empty also where the system doesn't tell. Throws std::bad_alloc.
+// Returns the numbers of all ACPI tables, in the system's order. Several tables of one name repeat its number. Empty if
+// the system provides no list. Throws std::bad_alloc.
 std::vector<uint32_t> os_ListACPITables();

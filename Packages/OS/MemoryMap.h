@@ -1,9 +1,9 @@
-// What lies at physical addresses, as the system tells it.
+// The system's map of physical addresses.
 #pragma once
 
 #include <cstdint>
 
-// Whether [address, address + size) is memory throughout, as reading registers of devices has effects: RAM, what the
-// firmware has reserved, ACPI tables, the BIOS ROM. False where the system doesn't tell all of its map.
-// Threads  any number at once
+// Whether all of [address, address + size) is memory: RAM, ranges that the firmware reserved, ACPI tables, the BIOS
+// ROM. Other addresses must not be read, because reading device registers has effects. False if the map isn't fully
+// known. Threads  any number at once
 bool os_IsMemory(uint64_t address, uint64_t size);

@@ -1,16 +1,16 @@
-// Recursive locks that are found by a name. On Windows a name holds for all processes of the session; elsewhere a lock
-// is this process's own, as nothing is shared between processes there.
+// Recursive locks with names. On Windows all processes of the session share the lock of a name; elsewhere a lock
+// belongs to this process.
 #pragma once
 
 struct NamedLock_t;
 
-// The lock of that name, made if there is none; an empty name gives a lock of its own. The caller owns the reference,
-// and gives it to os_CloseNamedLock. Null on failure.
+// Opens the lock with this name, or creates it. An empty name creates a new lock. Returns a reference, to be released
+// with os_CloseNamedLock; null on failure.
 NamedLock_t* os_OpenNamedLock(const char* name);
 void os_CloseNamedLock(NamedLock_t* lock);
 
-// Waits until the calling thread holds the lock, which it may hold already. A lock whose holder died is taken over.
-// False when the system refuses.
+// Waits until the calling thread holds the lock. The thread may hold it already. Takes over a lock whose holder died.
+// Returns false if the system refuses.
 bool os_TakeNamedLock(NamedLock_t* lock);
-// Gives back what os_TakeNamedLock took, on the same thread.
+// Undoes one os_TakeNamedLock. Must be called on the same thread.
 void os_ReleaseNamedLock(NamedLock_t* lock);

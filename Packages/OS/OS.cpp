@@ -28,9 +28,8 @@ status_t os_memset(void* destination, size_t size, int value, size_t count) {
     return count <= size ? kSuccess : kBadValue;
 }
 
-// All bounds are checked here, before the standard library is called. So no check of its own can fail in this
-// function, and the thread's invalid-parameter handler, which would end the process, need not be replaced. (The
-// runtime that MinGW links knows only a handler of the whole process, and that one is the host's.)
+// Checks all bounds before it calls the standard library, whose invalid-parameter handler would end the process.
+// MinGW's runtime has one such handler per process, and it belongs to the host.
 status_t os_memcpy(void* destination, size_t size, const void* source, size_t count) {
     if (size > kLargestSize) return kBadValue;
     if (count == 0) return kSuccess;
@@ -48,7 +47,7 @@ int32_t os_vsnprintf(char* buffer, size_t size, const char* format, va_list argu
     buffer[0] = '\0';
     if (format == nullptr) return -1;
     const int length = std::vsnprintf(buffer, size, format, arguments);
-    // A text that could not be formatted may have been written in part.
+    // After a failure the buffer may have part of the text.
     if (length < 0) buffer[size - 1] = '\0';
     return length >= 0 && static_cast<size_t>(length) < size ? length : -1;
 }

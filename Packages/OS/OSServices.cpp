@@ -28,7 +28,7 @@ status_t GiveNames(status_t status, char** all, uint32_t known, char*** names, u
         *names = all;
         *count = known;
     } else if (os_FreeStringArray(&all, known) != kSuccess) {
-        os_free(all);  // an array without a name
+        os_free(all);  // an array without names
     }
     return status;
 }

@@ -1,5 +1,5 @@
-// What a program needs of its system: arguments, files, and standard streams. Text is UTF-8 on every system, path names
-// included.
+// Services for programs: arguments, files, and standard streams. All text, path names included, is UTF-8 on every
+// system.
 #pragma once
 
 #include <cstddef>
@@ -7,26 +7,27 @@
 #include <string>
 #include <vector>
 
-// The arguments as UTF-8, the program's name first.
+// Returns the arguments, the program's name first.
 std::vector<std::string> ProgramArguments(int argc, char** argv);
-// As fopen; null with errno set.
+// As fopen. Returns null, with errno set, on failure.
 std::FILE* OpenFile(const std::string& path, const char* mode);
-// Creates a file with these bytes that only its owner may read and write. It gets its name when it is whole, so that
-// a signal, a full disk or a limit on files leaves none. False with errno set, EEXIST when there is anything of that
-// name, a link included.
+// Creates a file with these bytes that only its owner can read and write. It gets its name when it is complete, so that
+// a signal, a full disk or a limit on file sizes leaves no partial file. Returns false, with errno set, on failure;
+// with EEXIST if the name exists, be it as a link.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size);
 bool IsFolder(const std::string& path);
-// Whether there is anything of that name.
+// Whether the name exists.
 bool IsThere(const std::string& path);
-// To be called first. A standard stream that the program was started without becomes one that fails, so that no file
-// takes its place. Bytes pass as they are, and a console takes them as UTF-8. A write to a reader that went away fails
-// with EPIPE.
+// Must be called first. Replaces standard streams that are closed with streams that fail, so that no file that the
+// program opens takes their place. Bytes are then written unchanged, a console takes them as UTF-8, and a write to a
+// reader that is gone fails with EPIPE.
 void PrepareStandardStreams();
 bool IsStandardOutputTerminal();
 bool IsStandardErrorTerminal();
-// The columns of the terminal that standard output is; 0 when it is none.
+// Returns the width in columns of the terminal at standard output; 0 if it is no terminal.
 size_t TerminalWidth();
-// Writes all bytes to standard output, unbuffered, and waits while it takes none. False with errno set.
+// Writes all bytes to standard output, unbuffered, and waits while it is full. Returns false, with errno set, on
+// failure.
 bool WriteStandardOutput(const char* bytes, size_t size);
-// What gives this process more rights, as "try as root". Null when it has them all, or the system knows none.
+// Returns advice on how to get more rights, such as "try as root"; null if the process has all rights.
 const char* AdviceForRights();

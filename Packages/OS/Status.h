@@ -1,4 +1,4 @@
-// The status that every operation of the lower libraries gives, and the version record that each of them holds.
+// The status that the operations of the lower libraries return, and the record of a library's version.
 #pragma once
 
 #include <cstdint>

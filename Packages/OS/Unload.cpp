@@ -1,4 +1,4 @@
-// For the shared library alone: before its code goes, nothing may lead to it any more.
+// In the shared library only: removes the crash filter before the code that it points to is unloaded.
 #include "Packages/OS/CrashFilter.h"
 
 [[gnu::destructor]] static void Unload() { os_SetCrashFilter(nullptr); }

@@ -6,14 +6,15 @@
 #include <string>
 
 struct NamedLock_t {
-    std::string name = {};  // empty: not found by a name
+    std::string name = {};  // empty if not listed in Names_t
     size_t references = 1;
     std::recursive_mutex mutex = {};
 };
 
 namespace {
 
-// Locks by their names, and the guard of both. Never destroyed: a host may close its last container at its very end.
+// All locks that have names. Never destroyed, because a host may close containers while its static objects are
+// destroyed.
 struct Names_t {
     std::mutex guard;
     std::map<std::string, NamedLock_t*> locks;

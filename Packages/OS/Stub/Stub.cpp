@@ -1,5 +1,5 @@
-// A system that has the standard library alone: reads files and writes standard output, and refuses all else. It shows
-// what a new system has to bring, and CI builds it.
+// A system that has only the standard library: it reads files, writes standard output, and refuses everything else. It
+// shows what a port has to implement, and CI builds it.
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -23,7 +23,7 @@ FILE* os_fopen(const char* path, const char* mode) {
 
 std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
 
-// Written under another name, which is then linked to: that replaces nothing.
+// Writes to a temporary name and then creates a link, which never replaces a file.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     const std::string temporary = path + ".quorlin";
     std::FILE* file = std::fopen(temporary.c_str(), "wbx");
@@ -65,7 +65,7 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
 
 bool HasForeignRights() { return false; }
 
-// Who could have written the file isn't known, so none is obeyed.
+// The owner of a file is unknown, so none is accepted.
 std::FILE* OpenConfigFile(const char*, const char** refusal) {
     *refusal = nullptr;
     return nullptr;
@@ -95,7 +95,7 @@ void os_SetCrashFilter(CrashFilter_t) {}
 
 void os_WriteCrashText(const char*, size_t) {}
 
-// ---- Offered services
+// ---- Services for hosts
 
 status_t os_StartProcess(const char*, const char* const*, const char* const*, ProcessRecord_t*) {
     return kNotSupported;
