@@ -1,7 +1,7 @@
-// Signals that the processor raises become faults; the filter is called, and then the process dies by the same signal,
-// from the same place, as it would have without a filter.
+// Turns signals raised by the processor into faults and calls the filter. The process then dies by the same signal at
+// the same place, as it would without a filter.
 //
-// A signal for which the host has a handler of its own is not unhandled, and keeps that handler.
+// A signal for which the host has a handler isn't unhandled, so it keeps that handler.
 #include "Packages/OS/CrashFilter.h"
 
 #include <poll.h>
@@ -20,24 +20,24 @@ constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP};
 
 std::atomic<CrashFilter_t> theFilter = nullptr;
 
-// The processor's own numbers of its exceptions, and the bits of a page fault's error code.
+// The processor's exception numbers, and bits of a page fault's error code.
 constexpr greg_t kStackFault = 12, kGeneralProtection = 13, kPageFault = 14;
 constexpr greg_t kIsPresent = 1, kIsWrite = 2, kIsFetch = 16;
 
-// What was tried: the first word of an access violation.
+// Kinds of access, as in Fault_t::Information[0].
 constexpr uint64_t kRead = 0, kWrite = 1, kUnknown = 2, kExecute = 8;
-// The cause of a page error.
+// Causes of a page error.
 constexpr uint64_t kEndOfFile = 0xC0000011, kDeviceDataError = 0xC000009C;
 
-// Whether the instruction is one that only the kernel may use: hlt, cli, sti, in, out, and the two-byte ones for
-// caches, descriptor tables, control registers and MSRs. The instruction has been fetched, so its bytes can be read.
+// Whether only the kernel may use the instruction: hlt, cli, sti, in, out, and the two-byte instructions for caches,
+// descriptor tables, control registers and MSRs. The processor has fetched it, so its bytes can be read.
 bool IsPrivileged(const uint8_t* code) {
     constexpr uint8_t kOperandSize = 0x66, kRepeatNot = 0xF2, kRepeat = 0xF3;
     while (*code == kOperandSize || *code == kRepeatNot || *code == kRepeat || (*code & 0xF0) == 0x40) code++;
     const uint8_t first = code[0];
     if (first == 0x0F) {
         const uint8_t second = code[1];
-        // lgdt and lidt, which have a memory operand.
+        // lgdt and lidt, which have a memory operand
         const bool isTableLoad = second == 0x01 && (code[2] >> 4 == 1 || code[2] >> 4 == 5 || code[2] >> 4 == 9);
         return second == 0x30 || second == 0x32 || (second >= 0x20 && second <= 0x23) || second == 0x06 ||
                second == 0x08 || second == 0x09 || isTableLoad;
@@ -54,10 +54,10 @@ void DescribeSegmentation(Fault_t* fault, const siginfo_t& info, const greg_t* r
     const auto address = reinterpret_cast<uint64_t>(info.si_addr);
     const greg_t trap = registers[REG_TRAPNO], error = registers[REG_ERR];
     fault->Code = kFaultAccessViolation;
-    if (info.si_code <= 0) {  // somebody sent it
+    if (info.si_code <= 0) {  // sent by a process
         fault->Information[0] = kUnknown;
     } else if (trap == kPageFault) {
-        // A missing page next to the stack pointer: the stack could not grow any more.
+        // A missing page near the stack pointer means that the stack couldn't grow.
         const auto stack = static_cast<uint64_t>(registers[REG_RSP]);
         if ((error & (kIsPresent | kIsFetch)) == 0 && address + 65536 >= stack && address < stack + 4096)
             fault->Code = kFaultStackOverflow;
@@ -65,7 +65,7 @@ void DescribeSegmentation(Fault_t* fault, const siginfo_t& info, const greg_t* r
         fault->Information[1] = address;
     } else if (trap == kGeneralProtection && IsPrivileged(reinterpret_cast<const uint8_t*>(registers[REG_RIP]))) {
         fault->Code = kFaultPrivilegedInstruction;
-    } else {  // an address that no page can have, which the processor doesn't tell
+    } else {  // a non-canonical address, which the processor doesn't report
         fault->Information[1] = ~uint64_t{0};
     }
 }
@@ -75,7 +75,7 @@ void DescribeBus(Fault_t* fault, const siginfo_t& info, const greg_t* registers)
         fault->Code = kFaultMisalignment;
     } else if (info.si_code <= 0 || registers[REG_TRAPNO] == kStackFault) {
         DescribeSegmentation(fault, info, registers);
-    } else {  // a mapped file has become too short, or its medium has failed
+    } else {  // a mapped file became too short, or its medium failed
         fault->Code = kFaultPageError;
         fault->Information[0] = AccessOf(registers[REG_ERR]);
         fault->Information[1] = reinterpret_cast<uint64_t>(info.si_addr);
@@ -99,7 +99,7 @@ uint32_t ArithmeticCode(int code) {
 void DescribeTrap(Fault_t* fault, int code) {
     const bool isStep = code == TRAP_TRACE || code == TRAP_HWBKPT;
     fault->Code = isStep ? kFaultSingleStep : kFaultBreakpoint;
-    // A breakpoint instruction is one byte, and has been executed already.
+    // The instruction pointer is already after the breakpoint instruction, which is one byte.
     if (!isStep && code > 0) --fault->Address;
 }
 
@@ -115,17 +115,17 @@ void OnSignal(int signal, siginfo_t* info, void* context) {
     }
     const CrashFilter_t filter = theFilter;
     if (filter != nullptr && filter(fault) != 0) return;
-    // The same signal with the same facts once more, now without a handler. It is blocked until this function returns,
-    // so that it strikes where the first one did.
+    // Sends the same signal again, now without a handler. It is blocked until this function returns, so that the
+    // process dies where the fault happened.
     struct sigaction byDefault = {};
     byDefault.sa_handler = SIG_DFL;
     sigaction(signal, &byDefault, nullptr);
     if (syscall(SYS_rt_tgsigqueueinfo, getpid(), gettid(), signal, info) != 0) raise(signal);
 }
 
-// A stack for the handler, as the thread's own may be what is exhausted. There is one, for the thread that installs the
-// filter first, or for another one when that has ended. It belongs to no thread-local object, as such an object would
-// keep the library from being unloaded until the thread ends.
+// A stack for the handler, because the thread's own may be exhausted. There is one, for the first thread that sets a
+// filter, or for another one after that thread has ended. It is no thread-local object: that would keep the library
+// from being unloaded until the thread ends.
 constexpr size_t kGuard = 4096, kStackSize = kGuard + size_t{64} * 1024;
 void* stackMemory = MAP_FAILED;
 pid_t stackOwner = 0;
@@ -149,7 +149,7 @@ void GiveSignalStack() {
     if (sigaltstack(&own, nullptr) == 0) stackOwner = gettid();
 }
 
-// A living thread that isn't the calling one keeps its stack.
+// Leaves the stack to its thread if that is alive and isn't the calling one.
 void TakeSignalStackBack() {
     if (stackMemory == MAP_FAILED) return;
     stack_t present, none = {};
@@ -185,7 +185,7 @@ void os_SetCrashFilter(CrashFilter_t filter) {
     if (filter == nullptr) TakeSignalStackBack();
 }
 
-// A reader that is gone must not end the process by another signal than the fault's.
+// Blocks SIGPIPE meanwhile, so that the process doesn't die by it instead of by the fault's signal.
 void os_WriteCrashText(const char* text, size_t size) {
     constexpr int kMoment = 100;  // milliseconds
     sigset_t brokenPipe, pending, before;

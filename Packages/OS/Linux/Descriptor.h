@@ -1,5 +1,5 @@
-// Open files. None of them is descriptor 0, 1 or 2: in a process that was started without standard streams a file of
-// ours would take the place of one.
+// Open files with descriptors above 2. In a process that was started without standard streams, a file would otherwise
+// become one.
 #pragma once
 
 #include <sys/types.h>
@@ -8,10 +8,10 @@
 #include <cstdio>
 #include <utility>
 
-// As open, closed on exec. -1 with errno set.
+// As open, with O_CLOEXEC. Returns -1, with errno set, on failure.
 int OpenAbove(const char* path, int flags, mode_t mode = 0);
-// Moves a descriptor up if it has taken a standard stream's place, and closes the lower one. -1 with errno set, also
-// for -1.
+// If the descriptor is that of a standard stream, duplicates it above 2 and closes the old one. Returns the descriptor
+// to use; -1, with errno set, on failure. -1 returns -1.
 int MoveAbove(int file);
 // As fopen.
 std::FILE* OpenStreamAbove(const char* path, const char* mode);
@@ -28,9 +28,9 @@ class ClDescriptor {
     }
     bool IsOpen() const { return m_file >= 0; }
     int Get() const { return m_file; }
-    // The file, which stays open from here on.
+    // Returns the descriptor, which the caller now has to close.
     int Release() { return std::exchange(m_file, -1); }
-    // The file as a stream, which closes it. Null with errno set, also for no file.
+    // Returns a stream that takes over the descriptor; null, with errno set, on failure or if no file is open.
     std::FILE* OpenStream(const char* mode) {
         std::FILE* stream = fdopen(m_file, mode);
         if (stream != nullptr) Release();

@@ -1,4 +1,4 @@
-// Files, and which of them may be obeyed and written to.
+// Files, and checks of who could have written them.
 #include <fcntl.h>
 #include <sys/auxv.h>
 #include <sys/stat.h>
@@ -36,18 +36,18 @@ FILE* os_fopen(const char* path, const char* mode) {
     return path == nullptr || mode == nullptr ? nullptr : OpenStreamAbove(path, mode);
 }
 
-// getauxval also tells of capabilities that the program's file gave.
+// AT_SECURE also covers capabilities of the program's file.
 bool HasForeignRights() { return getuid() != geteuid() || getgid() != getegid() || getauxval(AT_SECURE) != 0; }
 
 namespace {
 
-// Whether root or the effective user owns it. In a user namespace each user without a number there has this one.
+// Whether root or the effective user owns the file. kAnyUser is every user that a user namespace doesn't map.
 bool IsOwnerTrusted(const struct stat& file) {
     constexpr uid_t kRoot = 0, kAnyUser = 65534;
     return file.st_uid == kRoot || (file.st_uid == geteuid() && file.st_uid != kAnyUser);
 }
 
-// An access control list that lets another user write shows as a right of the group.
+// An access control list that lets other users write shows in the group's rights.
 bool CanOthersWrite(const struct stat& file) { return (file.st_mode & (S_IWGRP | S_IWOTH)) != 0; }
 
 const char* WhyNotObeyed(const struct stat& file) {
@@ -58,8 +58,8 @@ const char* WhyNotObeyed(const struct stat& file) {
     return nullptr;
 }
 
-// Looks at the file's folder and at all above it. The root folder alone ends the way: elsewhere a file system of
-// somebody's own could pretend that a folder is above itself.
+// Checks the file's folder and all folders above it, up to the root folder. A folder that is its own parent doesn't end
+// the search: another user's file system could fake that.
 const char* WhyNotReached(const char* path) {
     constexpr const char* kUnknown = "its folder can't be examined";
     constexpr char kAbove[] = "/..";
@@ -72,7 +72,7 @@ const char* WhyNotReached(const char* path) {
     if (stat("/", &root) != 0) return kUnknown;
     for (bool isAbove = false; stat(place, &here) == 0; isAbove = true) {
         if (!IsOwnerTrusted(here)) return "another user owns its folder, or one above";
-        // In a sticky folder others can't rename what is ours or root's.
+        // In a sticky folder others can't rename files of this user or root.
         if (CanOthersWrite(here) && !(isAbove && (here.st_mode & S_ISVTX) != 0))
             return "others can write its folder, or one above";
         if (here.st_dev == root.st_dev && here.st_ino == root.st_ino) return nullptr;
@@ -83,7 +83,7 @@ const char* WhyNotReached(const char* path) {
     return kUnknown;
 }
 
-// The descriptor that the name means, or -1. The names are links, which the kernel alone can follow.
+// Returns the descriptor that the name means, or -1. The names are links, which OpenLogFile doesn't follow.
 int StreamOfName(std::string_view path) {
     constexpr std::string_view kDescriptors = "/dev/fd/";
     if (path == "/dev/stdout") return STDOUT_FILENO;
@@ -97,8 +97,8 @@ int StreamOfName(std::string_view path) {
 }  // namespace
 
 FILE* OpenConfigFile(const char* path, const char** refusal) {
-    // Without O_NONBLOCK a pipe of that name would be waited for. The opened file is asked, not its name, which may
-    // have changed hands since.
+    // O_NONBLOCK keeps open from waiting for a pipe. The checks use the open file, because its name may be replaced
+    // meanwhile.
     ClDescriptor file(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     *refusal = nullptr;
     if (!file.IsOpen()) {
@@ -114,7 +114,7 @@ FILE* OpenConfigFile(const char* path, const char** refusal) {
 FILE* OpenLogFile(const char* path, bool deviceToo) {
     if (const int stream = StreamOfName(path); deviceToo && stream >= 0)
         return ClDescriptor(fcntl(stream, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)).OpenStream("w");
-    // It is emptied when it has turned out to be plain.
+    // No O_TRUNC: only a plain file is emptied.
     ClDescriptor file(path, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, S_IRUSR | S_IWUSR);
     struct stat facts;
     if (!file.IsOpen() || fstat(file.Get(), &facts) != 0) return nullptr;

@@ -17,12 +17,12 @@
 
 namespace {
 
-constexpr size_t kMostBytes = 64u << 20;  // far above any table
+constexpr size_t kMostBytes = 64u << 20;  // far larger than any table
 
 #define TABLES_FOLDER "/sys/firmware/dmi/tables/"
 #define ACPI_FOLDER "/sys/firmware/acpi/tables/"
 
-// Appends the whole file. 0, or the errno of what failed.
+// Appends the whole file. Returns 0 or an errno.
 int AppendFile(const char* path, std::vector<uint8_t>* bytes) {
     const ClDescriptor file(path, O_RDONLY);
     if (!file.IsOpen()) return errno;
@@ -51,7 +51,7 @@ int SMBIOSAnswer(std::vector<uint8_t>* answer) {
     return tableProblem;
 }
 
-// Of several tables with one name the first answers, which the kernel numbers 1.
+// If several tables have the name, reads the first, which has a 1 after its name.
 int ACPIAnswer(uint32_t table, std::vector<uint8_t>* answer) {
     char name[5] = "";
     std::memcpy(name, &table, sizeof table);
@@ -78,7 +78,7 @@ uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, ui
     return 0;
 }
 
-// Several tables of one name have numbers after it.
+// Several tables with one name have numbers after it.
 std::vector<uint32_t> os_ListACPITables() {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(ACPI_FOLDER), closedir);

@@ -24,7 +24,7 @@ constexpr std::string_view kMemory[] = {
     kSystemROM, "System RAM", "Reserved", "reserved", "ACPI Tables", "ACPI Non-volatile Storage",
 };
 
-// Takes an address and what follows it off the front of the line.
+// Removes an address and the text `after` from the start of the line. Returns false if they aren't there.
 bool TakeAddress(std::string_view* line, std::string_view after, uint64_t* address) {
     const auto [end, error] = std::from_chars(line->data(), line->data() + line->size(), *address, 16);
     line->remove_prefix(static_cast<size_t>(end - line->data()));
@@ -33,7 +33,8 @@ bool TakeAddress(std::string_view* line, std::string_view after, uint64_t* addre
     return true;
 }
 
-// A line of the map is "  FIRST-LAST : NAME", ranges within another after it. Without rights all addresses read as 0.
+// Parses a line of the map: "  FIRST-LAST : NAME". A range that contains others comes before them. For users without
+// rights all addresses read 0.
 bool ParseLine(std::string_view line, const std::vector<Range_t>& before, Range_t* range) {
     if (!line.ends_with('\n')) return false;
     line.remove_suffix(1);
@@ -42,7 +43,7 @@ bool ParseLine(std::string_view line, const std::vector<Range_t>& before, Range_
         range->last < range->first || range->last == 0)
         return false;
     range->isMemory = std::ranges::find(kMemory, line) != std::end(kMemory);
-    // What a device's range holds is the device's, but for the ROM, which lies in the bus's range.
+    // Ranges within a device's range belong to the device, except the ROM, which is within the bus's range.
     if (line != kSystemROM)
         range->isMemory &= std::ranges::all_of(before, [range](const Range_t& other) {
             return other.isMemory || !other.Holds(range->first) || !other.Holds(range->last);
@@ -50,7 +51,7 @@ bool ParseLine(std::string_view line, const std::vector<Range_t>& before, Range_
     return true;
 }
 
-// False when the map can't be read in full.
+// Returns false if the map can't be read completely.
 bool ReadMap(std::vector<Range_t>* map) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(OpenStreamAbove("/proc/iomem", "r"), std::fclose);
     if (file == nullptr) return false;
@@ -69,7 +70,7 @@ bool os_IsMemory(uint64_t address, uint64_t size) try {
     if (size > UINT64_MAX - address) return false;
     std::vector<Range_t> map;
     if (!ReadMap(&map)) return false;
-    // From border to border: in between the innermost range counts, which is the last one of the map.
+    // Steps from border to border. The innermost range at an address is the last one in the map.
     for (uint64_t at = address; at != address + size;) {
         const Range_t* innermost = nullptr;
         uint64_t border = address + size;

@@ -1,4 +1,4 @@
-// Processes. A record's handles hold the child's number.
+// Processes. The handles of a record are the child's process number.
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
@@ -13,18 +13,18 @@
 
 namespace {
 
-constexpr size_t kMostBytes = 1024;  // of arguments or environment
+constexpr size_t kMostBytes = 1024;  // in arguments or environment
 
-// An error that would read as success is a failure.
+// Returns the error as a status; kFailure for an error that has the number of success.
 status_t StatusOf(int error) { return error == 0 || error == int{kSuccess} ? kFailure : static_cast<status_t>(error); }
 
-// Whether the texts, each with `extra` bytes, stay below the limit.
+// Whether the total size of the texts, with `extra` bytes for each, is below the limit.
 bool Fit(const char* const* texts, size_t extra, size_t used = 0) {
     for (; texts != nullptr && *texts != nullptr; ++texts) used += std::strlen(*texts) + extra;
     return used < kMostBytes;
 }
 
-// Starts the program with the standard streams and no other open file, no signal blocked. 0 or the error.
+// Starts the program with the standard streams, no other open files, and no blocked signals. Returns 0 or the error.
 int Spawn(const char* program, const char* const* arguments, const char* const* environment, pid_t* process) {
     std::vector<char*> words = {const_cast<char*>(program)};
     for (; arguments != nullptr && *arguments != nullptr; ++arguments) words.push_back(const_cast<char*>(*arguments));
@@ -45,7 +45,7 @@ int Spawn(const char* program, const char* const* arguments, const char* const* 
     return error;
 }
 
-// Waits for the child. False with errno set.
+// Waits for the child. Returns false, with errno set, on failure.
 bool Reap(pid_t process, int* status) {
     while (waitpid(process, status, 0) < 0)
         if (errno != EINTR) return false;
@@ -56,7 +56,7 @@ pid_t NumberOf(const ProcessRecord_t& process) {
     return static_cast<pid_t>(reinterpret_cast<intptr_t>(process.Process));
 }
 
-// The record's child, once `action` has done its part; both handles are closed then.
+// Calls `action` on the record's child, waits for the child, and clears both handles.
 template <typename Action>
 status_t Finish(ProcessRecord_t* process, Action action) {
     if (process == nullptr) return kNullPointer;
@@ -84,7 +84,7 @@ status_t os_StartProcess(const char* application, const char* const* arguments, 
     return kNoMemory;
 }
 
-// A child in between starts the program and ends, so that the system itself reaps the program.
+// An intermediate child starts the program and ends, so that the system reaps the program.
 status_t os_StartProcessDetached(const char* program, const char* const* arguments) {
     if (program == nullptr || !Fit(arguments, 5, std::strlen(program))) return kFailure;
     const pid_t between = fork();

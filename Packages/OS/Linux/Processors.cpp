@@ -16,7 +16,7 @@ namespace {
 constexpr uint32_t kGroupSize = 64;
 constexpr uint32_t kMostGroups = 4;
 
-// Calls visit(processor) for each active processor in rising order, until it gives false.
+// Calls visit(processor) for each active processor in ascending order, until it returns false.
 template <typename Visit>
 void ForEachActive(Visit visit) {
     char list[4096] = "";
@@ -26,7 +26,7 @@ void ForEachActive(Visit visit) {
     }
     if (std::isdigit(static_cast<unsigned char>(list[0])) == 0)
         std::snprintf(list, sizeof list, "0-%ld", sysconf(_SC_NPROCESSORS_ONLN) - 1);
-    // Ranges and single numbers: 0-3,6,8-11
+    // The list has ranges and single numbers, such as 0-3,6,8-11.
     for (char* at = list; std::isdigit(static_cast<unsigned char>(*at)) != 0;) {
         const long first = std::strtol(at, &at, 10);
         const long last = *at == '-' ? std::strtol(at + 1, &at, 10) : first;
@@ -59,7 +59,7 @@ bool os_ReadCPUID(uint32_t registers[4]) {
     return true;
 }
 
-// Linux knows no groups: each 64 processors count as one.
+// Linux has no groups: 64 processors count as one.
 status_t os_GetProcessorAffinity(uint32_t processor, GroupAffinity_t* affinity) {
     if (affinity == nullptr) return kNullPointer;
     if (processor >= kGroupSize * kMostGroups || SystemProcessor(processor) < 0) return kFailure;

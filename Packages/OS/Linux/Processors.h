@@ -1,14 +1,14 @@
-// The kernel's own numbers of processors, which have gaps where processors are offline.
+// Processors by the kernel's numbers, which have gaps where processors are offline.
 #pragma once
 
 #include <sched.h>
 
 #include <cstdint>
 
-// The kernel's number of the active processor with that logical number; -1 for none.
+// Returns the kernel's number of a processor from its logical number; -1 if there is none.
 int SystemProcessor(uint32_t logical);
 
-// Processors by the kernel's numbers, as many as it can be built for.
+// A set of as many processors as a kernel can support.
 class ClProcessorSet {
   public:
     bool Add(int processor) {
@@ -16,7 +16,7 @@ class ClProcessorSet {
         CPU_SET_S(static_cast<size_t>(processor), sizeof m_bits, m_bits);
         return true;
     }
-    // The calling thread's processors. False with errno set.
+    // These two return false, with errno set, on failure.
     bool ReadFromThread() { return sched_getaffinity(0, sizeof m_bits, m_bits) == 0; }
     bool ApplyToThread() const { return sched_setaffinity(0, sizeof m_bits, m_bits) == 0; }
 

@@ -25,11 +25,11 @@ static bool WriteAll(int file, const void* bytes, size_t size) {
         next += written;
         size -= static_cast<size_t>(written);
     }
-    // Some file systems learn only now that there is no room; others have nothing to synchronise.
+    // Some file systems notice only now that they are full; others don't support fsync.
     return fsync(file) == 0 || errno == EINVAL;
 }
 
-// "./" for a name alone.
+// Returns the folder of a path with its last slash; "./" if it has none.
 static std::string FolderOf(const std::string& path) {
     const size_t slash = path.rfind('/');
     return slash == path.npos ? "./" : path.substr(0, slash + 1);
@@ -41,7 +41,7 @@ static Made_t LinkResult(bool isLinked) {
     return isLinked ? Made_t::kYes : errno == EEXIST ? Made_t::kNo : Made_t::kNotThisWay;
 }
 
-// In a file without a name, which goes with the process.
+// Uses a file without a name, which vanishes if the process dies.
 static Made_t CreateNameless(const std::string& path, const void* bytes, size_t size) {
     const ClDescriptor file(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY, S_IRUSR | S_IWUSR);
     if (!file.IsOpen()) return Made_t::kNotThisWay;
@@ -50,7 +50,7 @@ static Made_t CreateNameless(const std::string& path, const void* bytes, size_t 
     return LinkResult(linkat(AT_FDCWD, itself.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0);
 }
 
-// In a file with a name of its own, which is gone before any signal but SIGKILL is taken.
+// Uses a temporary name, which is removed before any signal but SIGKILL is delivered.
 static Made_t CreateNamed(const std::string& path, const void* bytes, size_t size) {
     sigset_t all, before;
     sigfillset(&all);
@@ -59,7 +59,7 @@ static Made_t CreateNamed(const std::string& path, const void* bytes, size_t siz
     Made_t made = Made_t::kNo;
     const ClDescriptor file(MoveAbove(mkostemp(temporary.data(), O_CLOEXEC)));
     if (file.IsOpen()) {
-        // File systems without links refuse to replace on demand, and some others have links alone.
+        // link and renameat2 don't replace files. Some file systems support only one of them.
         if (WriteAll(file.Get(), bytes, size)) made = LinkResult(link(temporary.c_str(), path.c_str()) == 0);
         if (made == Made_t::kNotThisWay)
             made = LinkResult(renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0);
@@ -72,7 +72,7 @@ static Made_t CreateNamed(const std::string& path, const void* bytes, size_t siz
 }
 
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
-    // A write beyond the limit of file sizes then fails, and ends nothing.
+    // Makes a write beyond the limit of file sizes fail instead of killing the process.
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     Made_t made = CreateNameless(path, bytes, size);
     if (made == Made_t::kNotThisWay) made = CreateNamed(path, bytes, size);
@@ -87,7 +87,7 @@ bool IsFolder(const std::string& path) {
 
 bool IsThere(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
-// O_PATH gives a descriptor that can neither be read nor written, in any root and without rights.
+// O_PATH opens a descriptor that can't be read or written. It needs no rights and works in any root folder.
 void PrepareStandardStreams() {
     int file;
     do file = open("/", O_PATH);
@@ -112,7 +112,7 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
         const ssize_t written = write(STDOUT_FILENO, bytes, size);
         if (written < 0 && errno == EINTR) continue;
         if (written < 0 && errno == EAGAIN) {
-            // Whoever shares the stream has made it one that doesn't wait.
+            // Another process that shares the stream made it non-blocking.
             pollfd output = {STDOUT_FILENO, POLLOUT, 0};
             if (poll(&output, 1, -1) < 0 && errno != EINTR) return false;
             continue;

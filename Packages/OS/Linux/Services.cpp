@@ -24,7 +24,7 @@ status_t GiveCopy(const char* text, char** out) {
     return kSuccess;
 }
 
-// A folder's entries; closes itself.
+// An open folder.
 class ClFolder {
   public:
     explicit ClFolder(const char* path) {
@@ -38,7 +38,7 @@ class ClFolder {
         if (m_folder != nullptr) closedir(m_folder);
     }
     bool IsOpen() const { return m_folder != nullptr; }
-    // The next name; null at the end, or with errno set.
+    // Returns the next name; null at the end with errno 0, or on failure with errno set.
     const char* Next() {
         errno = 0;
         const dirent* entry = m_folder == nullptr ? nullptr : readdir(m_folder);
@@ -53,7 +53,7 @@ class ClFolder {
     DIR* m_folder = nullptr;
 };
 
-// The memory that the firmware gave to the kernel, in its hot-plug blocks; 0 where it doesn't tell.
+// Returns the size of the memory that the kernel got from the firmware, counted in hot-plug blocks; 0 if unknown.
 uint64_t MemoryInBlocks() {
     char digits[32] = "";
     uint64_t blocks = 0;

@@ -11,7 +11,7 @@
 #include <aclapi.h>
 #include <sddl.h>
 
-// Programs run with the rights of who starts them.
+// Windows has no set-user-ID programs.
 bool HasForeignRights() { return false; }
 
 namespace {
@@ -26,11 +26,11 @@ class ClHandle {
     }
     bool IsOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return m_handle; }
-    // The file as a stream, which closes it; null on failure.
+    // Returns a stream that takes over the handle; null on failure.
     std::FILE* OpenStream(const char* mode) {
         const int file = _open_osfhandle(reinterpret_cast<intptr_t>(m_handle), _O_TEXT);
         if (file < 0) return nullptr;
-        m_handle = INVALID_HANDLE_VALUE;  // it is the file's now
+        m_handle = INVALID_HANDLE_VALUE;  // owned by `file` now
         std::FILE* stream = _fdopen(file, mode);
         if (stream == nullptr) _close(file);
         return stream;
@@ -40,7 +40,7 @@ class ClHandle {
     HANDLE m_handle;
 };
 
-// An account by its text form.
+// An account from the text form of its SID.
 class ClAccount {
   public:
     explicit ClAccount(const char* text) { ConvertStringSidToSidA(text, &m_account); }
@@ -65,17 +65,17 @@ bool IsUser(PSID account) {
 
 bool IsTrusted(PSID account) {
     static const ClAccount system("S-1-5-18"), administrators("S-1-5-32-544"),
-        installer("S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464");  // owns the system's own folders
+        installer("S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464");  // owns system folders
     return system.Is(account) || administrators.Is(account) || installer.Is(account) || IsUser(account);
 }
 
-// The first account that isn't trusted and has one of these rights, if there is one.
+// Whether an account that isn't trusted has one of these rights.
 bool CanOthers(const ACL* list, DWORD rights) {
     if (list == nullptr) return true;
     for (DWORD place = 0; place < list->AceCount; place++) {
         void* entry;
         if (!GetAce(const_cast<ACL*>(list), place, &entry)) return true;
-        auto* allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);  // as the conditional kind begins
+        auto* allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);  // the conditional kind has the same head
         const BYTE kind = allowed->Header.AceType;
         if (kind != ACCESS_ALLOWED_ACE_TYPE && kind != ACCESS_ALLOWED_CALLBACK_ACE_TYPE) continue;
         if ((allowed->Header.AceFlags & INHERIT_ONLY_ACE) != 0) continue;
@@ -92,9 +92,9 @@ constexpr Refusals_t kFolder = {"another user owns its folder, or one above",
                                 "others can write its folder, or one above", "its folder can't be examined"};
 
 constexpr DWORD kChangeAccess = WRITE_DAC | WRITE_OWNER | DELETE | GENERIC_ALL;
-constexpr DWORD kChangeContent = FILE_WRITE_DATA | FILE_APPEND_DATA | GENERIC_WRITE;  // of a folder: add to it
+constexpr DWORD kChangeContent = FILE_WRITE_DATA | FILE_APPEND_DATA | GENERIC_WRITE;  // for a folder: add files to it
 
-// Null, or why somebody else has one of these rights.
+// Returns why another account has one of these rights; null if none has.
 const char* WhyRefused(HANDLE file, DWORD rights, const Refusals_t& refusals) {
     PSID owner;
     ACL* list;
@@ -107,13 +107,13 @@ const char* WhyRefused(HANDLE file, DWORD rights, const Refusals_t& refusals) {
     return refusal;
 }
 
-// Looks at the folder of an open file and at all above it, by their names without links.
+// Checks the folder of an open file and all folders above it, by their names without links.
 const char* WhyNotReached(HANDLE file) {
     wchar_t name[1024];
     const DWORD length = GetFinalPathNameByHandleW(file, name, std::size(name), 0);
     if (length == 0 || length >= std::size(name)) return kFolder.unknown;
     const std::wstring_view path(name, length);
-    // Such a name begins with four characters and a drive, or with this, a server and a share.
+    // The name begins with \\?\ and a drive, or with kShare, a server and a share.
     constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
     const size_t begin = path.starts_with(kShare) ? path.find(L'\\', kShare.size()) + 1 : 4;
     DWORD rights = kChangeAccess | FILE_DELETE_CHILD | kChangeContent;
@@ -123,7 +123,7 @@ const char* WhyNotReached(HANDLE file) {
                                           nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         const char* refusal = folder.IsOpen() ? WhyRefused(folder.Get(), rights, kFolder) : kFolder.unknown;
         if (refusal != nullptr) return refusal;
-        // Above it others may add what they like, as they may to a drive's root, but not rename what is there.
+        // Others may add files to the folders above, as they may to a drive's root, but not rename folders there.
         rights = kChangeAccess | FILE_DELETE_CHILD;
     }
     return nullptr;
@@ -153,7 +153,7 @@ std::FILE* OpenConfigFile(const char* path, const char** refusal) {
 }
 
 std::FILE* OpenLogFile(const char* path, bool deviceToo) {
-    // It is emptied when it has turned out to be plain.
+    // No CREATE_ALWAYS: only a plain file is emptied.
     ClHandle file(CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
                               FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     if (!file.IsOpen()) return nullptr;

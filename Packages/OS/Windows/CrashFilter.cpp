@@ -22,7 +22,7 @@ void os_SetCrashFilter(CrashFilter_t filter) {
     if (filter == nullptr && before != OnException) SetUnhandledExceptionFilter(before);
 }
 
-// The system doesn't flush for a process that ends by a fault.
+// Flushes, because the system doesn't when a process ends by a fault.
 void os_WriteCrashText(const char* text, size_t size) {
     std::fwrite(text, 1, size, stdout);
     std::fflush(stdout);

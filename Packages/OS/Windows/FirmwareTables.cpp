@@ -11,7 +11,7 @@ uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, ui
 std::vector<uint32_t> os_ListACPITables() {
     const UINT size = EnumSystemFirmwareTables(kACPIProvider, nullptr, 0);
     std::vector<uint32_t> tables(size / sizeof(uint32_t));
-    // The list may have changed meanwhile.
+    // The list may have grown meanwhile.
     const UINT got = EnumSystemFirmwareTables(kACPIProvider, tables.data(), size);
     tables.resize(got > size ? 0 : got / sizeof(uint32_t));
     return tables;

@@ -2,7 +2,7 @@
 
 #include "Packages/OS/Windows/Windows.h"
 
-// A lock is the handle of a mutex.
+// A NamedLock_t* is the handle of a mutex.
 static HANDLE MutexOf(NamedLock_t* lock) { return static_cast<HANDLE>(static_cast<void*>(lock)); }
 
 NamedLock_t* os_OpenNamedLock(const char* name) {

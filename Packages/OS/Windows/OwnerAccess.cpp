@@ -13,7 +13,7 @@ bool ClOwnerAccess::Make() {
     return isKnown && InitializeAcl(&m_list, sizeof m_listRoom, ACL_REVISION) &&
            AddAccessAllowedAce(&m_list, ACL_REVISION, FILE_ALL_ACCESS, user) &&
            InitializeSecurityDescriptor(&m_descriptor, SECURITY_DESCRIPTOR_REVISION) &&
-           // An administrator's files would belong to all administrators.
+           // By default an administrator's files belong to all administrators.
            SetSecurityDescriptorOwner(&m_descriptor, user, FALSE) &&
            SetSecurityDescriptorDacl(&m_descriptor, TRUE, &m_list, FALSE) &&
            SetSecurityDescriptorControl(&m_descriptor, SE_DACL_PROTECTED, SE_DACL_PROTECTED);

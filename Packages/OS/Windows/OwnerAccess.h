@@ -1,4 +1,4 @@
-// An access list for new files: all rights for the user of this process, none for anybody else, nothing inherited.
+// Security attributes for new files: all rights for the user of this process, none for anyone else, nothing inherited.
 #pragma once
 
 #include "Packages/OS/Windows/Windows.h"
@@ -8,13 +8,14 @@ class ClOwnerAccess {
     ClOwnerAccess();
     ClOwnerAccess(const ClOwnerAccess&) = delete;
     ClOwnerAccess& operator=(const ClOwnerAccess&) = delete;
-    // For CreateFileW; this object's. Null, with the system's last error, when the list can't be made.
+    // For CreateFileW; valid while this object lives. Null, with the system's last error set, if they couldn't be
+    // built.
     SECURITY_ATTRIBUTES* Attributes() { return m_isMade ? &m_attributes : nullptr; }
 
   private:
     bool Make();
 
-    // A user with room for the longest identifier, and a list with room for one entry of it.
+    // A user with room for the longest SID, and a list with room for one entry for it.
     union {
         TOKEN_USER m_user;
         BYTE m_userRoom[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];

@@ -7,9 +7,9 @@
 
 namespace {
 
-// The processor groups, in their order; a group's first processor has the logical number after the former's last.
+// The processor groups in order. Logical numbers run on from each group to the next.
 struct ProcessorGroup_t {
-    uint8_t number;  // kFree marks a slot without a group
+    uint8_t number;  // kFree for a slot without a group
     uint32_t first, count;
 };
 constexpr size_t kMostGroups = 4;
@@ -45,7 +45,7 @@ status_t os_SetThreadAffinity(uint32_t processor) {
     wanted.Mask = affinity.Mask;
     wanted.Group = affinity.Group;
     if (!SetThreadGroupAffinity(GetCurrentThread(), &wanted, nullptr)) return kFailure;
-    Sleep(1);  // the thread has moved when this returns
+    Sleep(1);  // lets the scheduler move the thread
     return kSuccess;
 }
 

@@ -10,8 +10,8 @@
 #include "Packages/OS/Windows/OwnerAccess.h"
 #include "Packages/OS/Windows/Windows.h"
 
-// The C runtime's own division of the command line, in UTF-16. The shell's needs a DLL that takes longer to load than
-// the program.
+// The C runtime's parser of the command line, in UTF-16. The shell's needs a DLL that takes longer to load than this
+// program.
 extern "C" __declspec(dllimport) int __wgetmainargs(int* count, wchar_t*** arguments, wchar_t*** environment,
                                                     int expandsWildcards, int* startInfo);
 
@@ -43,11 +43,11 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) {
 }
 
 std::FILE* OpenFile(const std::string& path, const char* mode) {
-    // The file's bytes are wanted as they are, whatever the mode says of text.
+    // Always binary, whatever the mode says.
     return _wfopen(ToWide(path).c_str(), (ToWide(mode) + L"b").c_str());
 }
 
-// The last error as errno has it.
+// Returns the system's last error as an errno.
 static int LastErrno() {
     switch (GetLastError()) {
         case ERROR_FILE_EXISTS:
@@ -77,13 +77,13 @@ static bool WriteAll(HANDLE file, const void* bytes, size_t size) {
     return FlushFileBuffers(file) != 0;
 }
 
-// Whether the file goes with its handle, however the process ends.
+// Sets whether the file is deleted when its handle is closed, however the process ends.
 static bool SetTemporary(HANDLE file, bool isTemporary) {
     FILE_DISPOSITION_INFO disposition = {isTemporary};
     return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition) != 0;
 }
 
-// In the same folder, so that the rename, which replaces nothing, is no copy.
+// Writes a temporary file in the same folder, where a rename makes no copy, and renames it without replacing a file.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     const std::wstring name = ToWide(path);
     const std::wstring temporary = name.substr(0, name.find_last_of(L"/\\:") + 1) + L".quorlin-" +

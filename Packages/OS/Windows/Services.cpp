@@ -1,4 +1,4 @@
-// Processes and facts about the machine, as Windows tells them.
+// Processes and facts about the machine.
 #include <cstring>
 
 #include "Packages/OS/Memory.h"
@@ -10,16 +10,16 @@ namespace {
 
 constexpr size_t kCommandLineSize = 1024;
 
-// The system's last error as a status; an error that would read as success is a failure.
+// Returns the system's last error as a status; kFailure for an error that has the number of success.
 status_t LastErrorStatus() {
     const DWORD error = GetLastError();
     return error == 0 || error == kSuccess ? kFailure : static_cast<status_t>(error);
 }
 
-// A text that grows in a buffer of fixed size, always NUL-terminated.
+// A NUL-terminated text in a buffer of fixed size.
 class ClFixedText {
   public:
-    // False, with nothing added, for what would not leave room for a NUL.
+    // Returns false, and adds nothing, if no room for a NUL would be left.
     bool Add(const char* text, size_t length) {
         if (length >= kCommandLineSize - m_length) return false;
         std::memcpy(m_bytes + m_length, text, length);
@@ -32,7 +32,7 @@ class ClFixedText {
             if (!Add("     ", 5) || !Add(*arguments, std::strlen(*arguments))) return false;
         return true;
     }
-    // Each text with its NUL, so that with the last NUL the block ends as the system wants it.
+    // Adds each text with its NUL. The NUL at the end makes the double NUL that the system expects.
     bool AddEnvironment(const char* const* texts) {
         if (*texts == nullptr) return Add("", 1);
         for (; *texts != nullptr; ++texts)
@@ -66,7 +66,7 @@ status_t os_GetTimestampMs(uint64_t* milliseconds) {
     LARGE_INTEGER ticks, perSecond;
     if (!QueryPerformanceCounter(&ticks) || !QueryPerformanceFrequency(&perSecond)) {
         const status_t error = GetLastError();
-        return error != kSuccess ? error : kFailure;  // the system has an error of the number of our success
+        return error != kSuccess ? error : kFailure;  // error 1 would read as success
     }
     const double seconds = static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
     *milliseconds = static_cast<uint64_t>(seconds * 1000);

@@ -6,7 +6,7 @@
 
 bool os_RevalidateUtf8(std::string_view text, std::string* valid) {
     if (text.empty() || text.size() > std::numeric_limits<int>::max() / 3) return false;
-    // A byte makes at most one wide character, and a wide character at most three bytes.
+    // A byte becomes at most one wide character, and a wide character at most three bytes.
     std::wstring wide(text.size(), L'\0');
     const int wideCount = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
                                               static_cast<int>(wide.size()));

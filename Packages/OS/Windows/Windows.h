@@ -1,4 +1,4 @@
-// The system's headers, for this folder and for the Windows half of the hardware library.
+// Windows' headers, for this folder and the Windows half of the hardware library.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN
