@@ -1,4 +1,4 @@
-// Files compressed with gzip, where the build found zlib.
+// Files compressed with gzip. Needs zlib, if the build found it.
 #include "Packages/Format/TableFile.h"
 
 #ifdef QUORLIN_HAS_ZLIB
@@ -10,7 +10,7 @@ bool IsCompressed(std::span<const uint8_t> bytes) { return bytes.size() > 2 && b
 #ifdef QUORLIN_HAS_ZLIB
 namespace {
 
-// Ended also when memory is short on the way. One that was never begun is left alone.
+// Calls inflateEnd even if an allocation throws. Harmless if the stream was never begun.
 struct Inflation_t {
     z_stream stream = {};
 
@@ -23,7 +23,7 @@ struct Inflation_t {
 }  // namespace
 
 const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflated) {
-    constexpr int kGzip = 15 + 16;  // the largest window, and gzip's own head and tail
+    constexpr int kGzip = 15 + 16;  // the largest window, with gzip's header and trailer
     constexpr const char* kTooLarge = "larger than 4 MiB, so not a table; try the file that holds the dump";
     if (bytes.size() > kMostFileBytes) return kTooLarge;
     Inflation_t inflation;

@@ -23,12 +23,12 @@ constexpr FormName_t kFormNames[] = {
 
 TableFound_t NoTable(std::string problem) { return {.problem = std::move(problem)}; }
 
-// Whether the file begins with an entry point, be it cut off within the last letter of its anchor.
+// Whether the file begins with an entry point, even if the last letter of its anchor is wrong or missing.
 bool SeemsDump(std::span<const uint8_t> bytes) {
     return BeginsWith(bytes, kAnchor32) || BeginsWith(bytes, kAnchor64.substr(0, kAnchor64.size() - 1));
 }
 
-// The part of `promised` bytes that is there. A bound promises nothing.
+// The first `promised` bytes of `atHand`, as far as it has them. If isBound, none count as missing.
 TableFound_t Found(TableForm_t form, std::span<const uint8_t> atHand, uint32_t promised, bool isBound) {
     const size_t length = std::min<size_t>(atHand.size(), promised);
     return {.isFound = true,
@@ -39,10 +39,10 @@ TableFound_t Found(TableForm_t form, std::span<const uint8_t> atHand, uint32_t p
 
 constexpr char kAccepted[] =
     "; accepted are a dump that begins with an entry point, a bare table, Windows' answer to a firmware-table call, "
-    "any "
-    "of them compressed with gzip, and a folder of smbios_entry_point and DMI; --as table takes it as one all the same";
+    "any of them compressed with gzip, and a folder of smbios_entry_point and DMI; --as table takes it as one all the "
+    "same";
 
-// What the begin of a file that is no table tells.
+// Returns what the file seems to be, by its first bytes.
 std::string_view WhatItSeems(std::span<const uint8_t> bytes) {
     using namespace std::string_view_literals;
     struct Begin_t {
@@ -81,29 +81,28 @@ TableFound_t WithVersion(TableFound_t found, const EntryPoint_t& point) {
     return found;
 }
 
-TableFound_t FindBehindEntryPoint(std::span<const uint8_t> bytes) {
+TableFound_t FindAfterEntryPoint(std::span<const uint8_t> bytes) {
     EntryPoint_t point;
     if (!ParseEntryPoint(bytes.data(), bytes.size(), &point))
         return NoTable(SeemsDump(bytes) ? "truncated: the file ends within its entry point; dump it anew"
                                         : "not a dump: it doesn't begin with an entry point; try it without --as");
-    // An address that lies in the file, behind the entry point, is an offset.
+    // An address within the file, after the entry point, is an offset.
     const bool isOffset = point.tableAddress >= point.size && point.tableAddress < bytes.size();
     const size_t offset = isOffset ? static_cast<size_t>(point.tableAddress) : kTableOffset;
     if (offset >= bytes.size())
         return NoTable("truncated: the file ends before its table; dump it anew, or try the folder it comes from");
-    // The length of an _SM3_ entry point is an upper bound, that of an older one is exact.
     return WithVersion(Found(TableForm_t::kDump, bytes.subspan(offset), point.tableLength, point.lengthIsBound), point);
 }
 
 constexpr size_t kAnswerHead = sizeof(FirmwareAnswer_t);
 
-// No structure begins like that: one of type 0 or 1 has a length above any of these versions.
+// No structure begins like this: one of type 0 or 1 has a Length above these major versions.
 bool BeginsWithAnswer(std::span<const uint8_t> bytes) {
     return bytes.size() > kAnswerHead && bytes[0] <= 1 && bytes[1] >= 2 && bytes[1] < 8 &&
            LooksLikeTable(bytes.subspan(kAnswerHead));
 }
 
-TableFound_t FindBehindAnswer(std::span<const uint8_t> bytes) {
+TableFound_t FindAfterAnswer(std::span<const uint8_t> bytes) {
     if (bytes.size() <= kAnswerHead)
         return NoTable("truncated: the file ends before its table; save the system's answer anew");
     FirmwareAnswer_t answer;
@@ -118,7 +117,7 @@ TableFound_t WholeTable(std::span<const uint8_t> bytes) {
     return {.isFound = true, .form = TableForm_t::kBareTable, .table = bytes};
 }
 
-// Adds what makes the bytes from `begin` on add up to 0.
+// Sets the byte at `place` so that `size` bytes from `begin` on add up to 0.
 void SetChecksum(std::vector<uint8_t>& bytes, size_t begin, size_t size, size_t place) {
     uint8_t sum = 0;
     for (size_t at = begin; at < begin + size; at++) sum = static_cast<uint8_t>(sum + bytes[at]);
@@ -134,7 +133,7 @@ void PutText(std::vector<uint8_t>& bytes, size_t place, std::string_view text) {
     std::memcpy(&bytes[place], text.data(), text.size());
 }
 
-// What an _SM_ entry point counts of its table: the structures, and the size of the largest.
+// Numbers that an _SM_ entry point has: of the structures, and of bytes in the largest one.
 struct Counts_t {
     uint16_t structures = 0, largest = 0;
 };
@@ -164,18 +163,18 @@ static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm
     if (bytes.size() > kMostFileBytes)
         return NoTable("larger than 4 MiB, so not a table; try the file that holds the dump");
     switch (as) {
-        case TableForm_t::kDump: return FindBehindEntryPoint(bytes);
+        case TableForm_t::kDump: return FindAfterEntryPoint(bytes);
         case TableForm_t::kBareTable: return WholeTable(bytes);
-        case TableForm_t::kWindowsAnswer: return FindBehindAnswer(bytes);
+        case TableForm_t::kWindowsAnswer: return FindAfterAnswer(bytes);
         case TableForm_t::kFolder: return NoTable("a file; --as sysfs takes the folder of an entry point and a table");
         case TableForm_t::kAny: break;
     }
     if (SeemsDump(bytes)) {
-        const TableFound_t found = FindBehindEntryPoint(bytes);
+        const TableFound_t found = FindAfterEntryPoint(bytes);
         if (!found.isFound || !found.table.empty()) return found;
         return NoTable(std::string("not a table: its entry point states a table of no bytes") + kAccepted);
     }
-    if (BeginsWithAnswer(bytes)) return FindBehindAnswer(bytes);
+    if (BeginsWithAnswer(bytes)) return FindAfterAnswer(bytes);
     if (LooksLikeTable(bytes)) return WholeTable(bytes);
     return NoTable("not a table: it seems to be " + std::string(WhatItSeems(bytes)) + kAccepted);
 }

@@ -1,4 +1,4 @@
-// The forms in which tables are kept, recognised by their content. Nothing here touches a file.
+// The forms in which tables are stored in files. Works on bytes; opens no files.
 #pragma once
 
 #include <cstdint>
@@ -7,49 +7,49 @@
 #include <string_view>
 #include <vector>
 
-// Far above any table: 65,536 structures, as many as there are handles, of 64 bytes each. What is larger is no table,
-// and its pieces would fill the memory.
+// The largest size of a table. Room for 65,536 structures, as many as there are handles, of 64 bytes each: far more
+// than any real table. The limit bounds memory use.
 inline constexpr size_t kMostTableBytes = 4u << 20;
-inline constexpr size_t kTableOffset = 32;  // in dumps whose entry point keeps the table's physical address
-// What is larger holds no table, and is read no further.
+// Offset of the table in dumps whose entry point has a physical address.
+inline constexpr size_t kTableOffset = 32;
+// The largest size of a file.
 inline constexpr size_t kMostFileBytes = kMostTableBytes + kTableOffset;
 
 enum class TableForm_t : uint8_t {
-    kAny,            // as the content tells
-    kDump,           // an entry point, and the table where its address says, taken as an offset, or at kTableOffset
-    kBareTable,      // structures from the first byte on
-    kWindowsAnswer,  // what the system's firmware-table call gives: an 8-byte head (calling method, major, minor,
-                     // revision, length of 32 bits), and the table
-    kFolder,         // the two files that Linux shows: the entry point and the table
+    kAny,            // the content decides
+    kDump,           // an entry point, and the table at its address, taken as an offset, or at kTableOffset
+    kBareTable,      // structures only
+    kWindowsAnswer,  // a FirmwareAnswer_t and the table
+    kFolder,         // a folder of two files, as Linux shows them: the entry point and the table
 };
 
-// The names that users give: "any", "dump", "table", "windows", "sysfs".
+// Names of forms for users: "any", "dump", "table", "windows", "sysfs".
 std::string_view NameOfForm(TableForm_t form);
-// False for a name that is none; `form` stays then.
+// Returns false, and leaves `form` alone, for an unknown name.
 bool FormByName(std::string_view name, TableForm_t* form);
 
-// Where in some bytes a table lies. The span points into those bytes.
+// A table found in some bytes.
 struct TableFound_t {
     bool isFound = false;
     std::string problem{};  // if not found: what is wrong and what to try, without a file's name
     TableForm_t form = TableForm_t::kAny;
-    std::span<const uint8_t> table{};
-    uint8_t major = 0, minor = 0;  // the SMBIOS version, 0.0 where the form states none
-    uint32_t missing = 0;          // table bytes that the form promises and that aren't there
-    bool checksumsFit = true;      // of the entry point, where there is one
+    std::span<const uint8_t> table{};  // points into the bytes
+    uint8_t major = 0, minor = 0;      // SMBIOS version; 0.0 if the form has none
+    uint32_t missing = 0;              // bytes by which the table is shorter than its form says
+    bool checksumsFit = true;          // of the entry point, if there is one
 };
 
-// Finds the table in a file's bytes, which must not be compressed. `as` other than kAny takes the form as said, and
-// looks at the content only as far as that form needs it; kFolder is no form of one file, and gives 5.
+// Finds the table in the bytes of a file, which must not be compressed. `as` sets the form; with kAny the content
+// decides. With kFolder nothing is found, because that isn't one file.
 TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as);
 // The same from the two files of a folder.
 TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<const uint8_t> table);
 
-// Files compressed with gzip. Inflate gives null and the bytes, or why it can't; at most kMostFileBytes come out.
+// Whether the bytes are compressed with gzip.
 bool IsCompressed(std::span<const uint8_t> bytes);
+// Decompresses to at most kMostFileBytes. Returns null, or what is wrong.
 const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflated);
 
-// The bytes of a dump: an entry point with its checksums (_SM3_ from version 3 on, _SM_ below), and the table at
-// kTableOffset. An _SM_ entry point counts to 65,535 bytes; a longer table gets an _SM3_ one. `table` is at most
-// kMostTableBytes long.
+// Makes a dump: an entry point with checksums, and the table at kTableOffset. The entry point is _SM_ for versions
+// below 3 and tables of at most 65,535 bytes, otherwise _SM3_. `table` must not be longer than kMostTableBytes.
 std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uint8_t minor);

@@ -14,7 +14,7 @@ status_t Fail(std::string_view problem, std::string* error) {
     return kFailure;
 }
 
-// Gives 0, or the errno of what failed. Of more than kMostFileBytes one byte more is read, which tells.
+// Reads at most kMostFileBytes and one more, which shows that the file is too large. Returns 0 or an errno.
 int ReadStream(std::FILE* file, std::vector<uint8_t>* bytes) {
     uint8_t block[32u << 10];
     size_t wanted, got;
@@ -36,7 +36,7 @@ int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
     return problem;
 }
 
-// What to try with a file that may not be read.
+// Returns advice for a file that the user may not read.
 std::string AdviceForAccess() {
     const char* rights = AdviceForRights();
     return (rights != nullptr ? std::string(rights) + ", or with" : "try") + " a copy that you may read";
@@ -100,10 +100,10 @@ status_t ReadImage(std::FILE* stream, TableForm_t as, Image_t* image, std::strin
 
 status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std::string* error) {
     if (as == TableForm_t::kFolder) return ReadFolder(path, image, error);
-    std::vector<uint8_t> bytes = std::move(image->bytes);  // a block that fits, when images are read one by one
+    std::vector<uint8_t> bytes = std::move(image->bytes);  // reuses its block when images are read one by one
     const int problem = ReadFile(path, &bytes);
     if (problem == 0) return ImageFromBytes(std::move(bytes), as, image, error);
-    // A folder can't be read as a file, and each system has its own way to say so.
+    // Reading a folder as a file fails, with an errno that depends on the system.
     if (problem == EISDIR || IsFolder(path)) {
         if (as == TableForm_t::kAny) return ReadFolder(path, image, error);
         return Fail("a folder; try it with --as sysfs", error);

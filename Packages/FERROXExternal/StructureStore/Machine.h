@@ -1,7 +1,7 @@
-// The machine that package and store work on: five operations, and nothing else of it is visible above.
+// The machine that package and store work on. They know it by five operations only.
 //
-// A machine is chosen before the first LibSMBIOSInit. This machine is the default. Tests put operations of their own
-// into the table, to make any of them fail.
+// The machine is chosen before the first LibSMBIOSInit; the default is this machine. Tests fill the table with
+// operations of their own, to make any of them fail.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +11,11 @@
 #include "Packages/OS/Export.h"
 #include "Packages/OS/Status.h"
 
-// One access method for the table. Status 1: bytes 6 and 7 of `entry` (16 bytes) hold SMBIOS major and minor, byte 14
-// of `dmiEntry` (15 bytes) the revision, and `image` a block of os_NewBlock, which is the caller's. Any other status:
-// this method has no table.
+// An access method: reads the table.
+// entry     16 bytes; bytes 6 and 7 are set to SMBIOS major and minor
+// dmiEntry  15 bytes; byte 14 is set to the BCD revision
+// image     is set to a new block, which the caller releases with os_FreeBlock
+// Status    1; any other if this method has no table
 using TableRoad_t = status_t (*)(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 
 struct MachineServices_t {
@@ -26,33 +28,34 @@ struct MachineServices_t {
 
 extern "C" {
 // The two methods of this machine: the operating system's firmware-table service, and the scan of physical memory. The
-// scan reads the table that it finds only where the system says that there is memory (os_IsMemory).
+// scan reads the table only if the system says that it is in memory (os_IsMemory).
 status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 
-// The machine in use.
+// Returns the machine in use.
 QUORLIN_API const MachineServices_t* CurrentMachine();
-// Takes a copy of `services`. 4 for null, 5 while the store is up.
+// Sets the machine in use to a copy of `services`.
+// Status  1; 4 null; 5 the store is up
 QUORLIN_API status_t SetMachine(const MachineServices_t* services);
 
-// This machine with its driver.
+// This machine, through its driver.
 QUORLIN_API const MachineServices_t* ThisMachine();
-// The same with the scan of physical memory as its only road.
+// The same with the scan of physical memory as the only access method.
 QUORLIN_API const MachineServices_t* ThisMachineByScan();
-// This machine without driver: the firmware-table service and the CPUID instruction alone.
+// This machine without the driver: only the firmware-table service and the CPUID instruction.
 QUORLIN_API const MachineServices_t* ThisMachineWithoutDriver();
 }
 
-// What an image machine shows. The bytes must outlive its use and are never written.
+// The data of an image machine. The bytes must outlive its use; they aren't written to.
 struct ImageSource_t {
-    const uint8_t* table;  // bare structures, from the first one on
+    const uint8_t* table;  // begins with the first structure
     uint32_t length;
     uint8_t major, minor;  // of the SMBIOS version
-    uint32_t signature;    // what CPUID leaf 1 gives in EAX
+    uint32_t signature;    // EAX of CPUID leaf 1
 };
 
 extern "C" {
-// The machine of an image: needs no driver, no rights and no particular platform. There is one image at a time.
-// 4 for a null source, or for a null table of a length above 0; 5 while the store is up.
+// Sets the machine in use to one that has this image. It needs no driver, no rights and no particular system. There is
+// one image at a time. Status  1; 4 null source, or null table with a length above 0; 5 the store is up
 QUORLIN_API status_t SetImageMachine(const ImageSource_t* source);
 }

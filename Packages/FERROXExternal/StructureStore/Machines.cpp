@@ -1,4 +1,4 @@
-// The machines that package and store can work on.
+// The machines that package and store can use.
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/Memory.h"

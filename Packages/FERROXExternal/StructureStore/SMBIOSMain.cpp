@@ -1,4 +1,4 @@
-// The store: set-up and tear-down, the walk from table to records, and lookups.
+// The store: opening and closing, making records from the table, and lookups.
 #include <cstdio>
 #include <utility>
 
@@ -18,15 +18,15 @@ DebugHandle_t storeTraceHandle = nullptr;
 namespace {
 
 constexpr uint32_t kTypes = 256;
-constexpr uint32_t kMostRecords = 255;  // that a lookup with an 8-bit count hands out
+constexpr uint32_t kMostRecords = 255;  // limit of a lookup with an 8-bit count
 
 uint32_t instanceCount = 0;
 ContainerHandle_t mySMBIOSLinkedListHdl = nullptr;
 LibVersion_t libraryVersion = {};
-TableFacts_t tableFacts = {};  // while the store is up
+TableFacts_t tableFacts = {};  // valid while the store is up
 
-// The records of one type, in table order. The list holds all records, as the container that they are kept in; the
-// index beside it names them by type, as a sweep asks for some 50 types and can't go through the whole list for each.
+// An index by type, beside the list of all records: a sweep looks up some 50 types, and going through the whole list
+// for each would be slow. Records of a type are in table order.
 struct TypeRecords_t {
     uint8_t** records;
     uint32_t count;
@@ -44,7 +44,7 @@ int32_t CompareRecords(const void* first, const void* second) {
     return RecordType(first) == RecordType(second) ? 0 : -1;
 }
 
-// Empties the list, and releases every record. The list has a node for each; one whose lock was refused is asked again.
+// Empties the list and releases all records. Retries once if `Pop` can't take the lock.
 void ReleaseRecords() {
     void* last;
     for (TypeRecords_t& type : recordsOfType) {
@@ -57,7 +57,7 @@ void ReleaseRecords() {
     }
 }
 
-// Takes a record in, behind all others. One that can't be taken stays the caller's.
+// Appends a record. On failure the caller still owns it.
 status_t StoreRecord(uint8_t* record) {
     TypeRecords_t& type = recordsOfType[RecordType(record)];
     if (type.count == type.room) {
@@ -72,7 +72,7 @@ status_t StoreRecord(uint8_t* record) {
     return kSuccess;
 }
 
-// A new block for a record: the type word, the `atHand` bytes of a structure, and zeros up to `bodySize`; null without
+// Returns a new record: the type word, `atHand` bytes of a structure, and zeros up to `bodySize`; null if out of
 // memory.
 uint8_t* NewRecord(uint32_t type, const uint8_t* bytes, size_t atHand, size_t bodySize) {
     auto* record = static_cast<uint8_t*>(os_malloc(sizeof type + bodySize));
@@ -83,8 +83,7 @@ uint8_t* NewRecord(uint32_t type, const uint8_t* bytes, size_t atHand, size_t bo
     return record;
 }
 
-// The structure's string area, with the double NUL that closes it. A table that ends inside a structure may leave the
-// area, or its closing, out.
+// A structure's string area with its double NUL, or the part before the end of the table.
 struct StringArea_t {
     const uint8_t* data;
     uint32_t size;
@@ -95,8 +94,8 @@ StringArea_t StringAreaOf(const TableStructure_t& structure) {
     return {structure.data + structure.Length(), structure.size - structure.Length()};
 }
 
-// A record of types 0 to 2. A structure shorter than the fixed count of bytes is filled up from its own string area,
-// and then with zeros.
+// Stores a parsed record. If the structure is shorter than `bytes`, the missing bytes come from its string area, and
+// then are zeros.
 status_t ParseFixedStruct(const TableStructure_t& structure, uint8_t bytes, std::span<const uint8_t> indexOffsets,
                           const char* function, const char* insertTrace) {
     const StringArea_t area = StringAreaOf(structure);
@@ -137,8 +136,8 @@ status_t ParseBaseBoardInfoStruct(const TableStructure_t& structure) {
                             "Error Inserting mySMBIOSStructPtr");
 }
 
-// Any other record. Where the table ended early, the zeros of the block stand for the rest of the formatted area and
-// for the closing double NUL.
+// Stores a record of any other type. The zeros at its end replace the part of the formatted area, and the double NUL,
+// that the end of the table may have cut off.
 status_t ParseDefaultStruct(const TableStructure_t& structure) {
     const uint32_t size = structure.size > structure.Length() ? structure.size : structure.Length();
     uint8_t* record = NewRecord(structure.Type(), structure.data, structure.size, size + 2 + kSpareBytes);
@@ -154,7 +153,7 @@ status_t ParseDefaultStruct(const TableStructure_t& structure) {
     return kSuccess;
 }
 
-// Keeps where the first broken structure is.
+// Notes the first broken structure.
 void NoteBroken(const TableStructure_t& structure, uint32_t offset) {
     if (tableFacts.brokenAt != TableFacts_t::kNowhere) return;
     if (structure.size != 0 && structure.Length() >= kHeaderSize && structure.IsWhole()) return;
@@ -162,8 +161,8 @@ void NoteBroken(const TableStructure_t& structure, uint32_t offset) {
     tableFacts.isCut = structure.size == 0 || structure.Length() >= kHeaderSize;
 }
 
-// One that repeats the last of its type, byte for byte, shares its record: filler costs a broken table no more than a
-// place in the list.
+// Stores a structure. One that is equal to the last of its type shares its record, so that repeated filler in a broken
+// table costs little memory.
 status_t ParseStructure(const TableStructure_t& structure, TableStructure_t& lastOfType) {
     const TableStructure_t last = std::exchange(lastOfType, structure);
     if (last.size == structure.size && std::memcmp(last.data, structure.data, last.size) == 0) {
@@ -203,7 +202,7 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
     return kSuccess;
 }
 
-// The table by the first road that has it.
+// Reads the table by the first access method that has it.
 status_t GetTable(const char* function, uint8_t* entry, SMBIOSTableImage_t** image) {
     uint8_t dmiEntry[kDMIEntryBufferSize] = {};
     TRACE(function, kInfo, "Trying to Read SMBIOS OS Specific Way ");
@@ -255,7 +254,7 @@ status_t LibSMBIOSInit(uint8_t* entry) {
     }
     if (DebugLibInit("SMBIOSDbgHdl", &storeTraceHandle) != kSuccess) {
         std::fputs("\nError in Debug Library Intialization \n", stdout);
-        std::fflush(stdout);  // in order with what a host writes past the stream
+        std::fflush(stdout);  // keeps the order if the host writes by other means
         storeTraceHandle = nullptr;
     }
     if (CurrentMachine()->FERROXInitialize() != kSuccess) {
@@ -340,7 +339,7 @@ namespace {
 
 uint32_t CountOfType(uint32_t type) { return type < kTypes ? recordsOfType[type].count : 0; }
 
-// Copies the addresses of `number` records, from instance `first` on. 1 or 5.
+// Copies the addresses of `number` records, from instance `first` on. Returns 1 or 5.
 status_t CopyRecords(uint32_t type, uint32_t first, uint32_t number, uint8_t*** records) {
     if (number == 0) {
         TRACE("GetSMBIOSStruture", kInfo, "No Structures found ");

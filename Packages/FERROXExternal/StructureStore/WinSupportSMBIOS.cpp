@@ -1,4 +1,4 @@
-// The two methods by which this machine's table gets into memory.
+// The two access methods of this machine.
 #include <cstring>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
@@ -16,11 +16,11 @@
 
 namespace {
 
-// Where the entry points stand: in the BIOS area, each on a 16-byte boundary. Source: the SMBIOS standard, "accessing
-// SMBIOS information".
+// Entry points are in the BIOS area, on 16-byte boundaries. Source: the SMBIOS standard, "accessing SMBIOS
+// information".
 constexpr uint32_t kScanBase = 0xF0000;
 constexpr uint32_t kScanSize = 0x10000;
-constexpr uint32_t kBlockSize = 0x1000;  // that one read takes
+constexpr uint32_t kBlockSize = 0x1000;  // size of one read
 constexpr uint32_t kBoundary = 16;
 
 uint32_t Number(const uint8_t* bytes, uint32_t width) {
@@ -29,7 +29,7 @@ uint32_t Number(const uint8_t* bytes, uint32_t width) {
     return number;
 }
 
-// Looks for the entry points in the block that stands at `address`, until both `entryFound` and `dmiFound`.
+// Looks for entry points in a block read from `address`, until both are found.
 void ScanBlock(const uint8_t* block, uint32_t address, uint8_t* entry, bool* entryFound, uint8_t* dmiEntry,
                bool* dmiFound) {
     for (uint32_t place = 0; place < kBlockSize && !(*entryFound && *dmiFound); place += kBoundary) {
@@ -48,7 +48,7 @@ void ScanBlock(const uint8_t* block, uint32_t address, uint8_t* entry, bool* ent
     }
 }
 
-// Reads the BIOS area block by block until both entry points are found.
+// Reads the BIOS area in blocks, until both entry points are found.
 ScanEnd_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
     auto* block = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + kBlockSize));
     if (block == nullptr) {
@@ -76,7 +76,7 @@ ScanEnd_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
     return ScanEnd_t::kFound;
 }
 
-// What firmware wrote as an address may be that of a device, and reading registers has effects.
+// The address that firmware wrote may belong to a device, and reading device registers has effects.
 bool IsMemory(uint32_t address, uint32_t size) {
     const auto isMemory = CurrentHardware().IsMemory;
     return isMemory != nullptr && isMemory(address, size);
@@ -123,7 +123,7 @@ status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableIm
     return kSuccess;
 }
 
-// The second method: neither checksum nor entry point length is tested, and the walk needs no number of structures.
+// Checks neither checksums nor the length of the entry point, and ignores the number of structures.
 ScanEnd_t ScanMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
     const ScanEnd_t end = FindEntryPoints(entry, dmiEntry);
     if (end != ScanEnd_t::kFound) return end;
@@ -146,7 +146,7 @@ ScanEnd_t ScanMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** ima
         return ScanEnd_t::kNoRoom;
     }
     table->Length = length;
-    // An image has the shape of a data buffer, so the table is read into its place.
+    // An image has the layout of a data buffer, so the table is read directly into it.
     static_assert(sizeof(SMBIOSTableImage_t) == sizeof(DataBuffer_t));
     const status_t status = GetSystemTables(address, 0, reinterpret_cast<DataBuffer_t*>(table));
     if (status != kSuccess) {
