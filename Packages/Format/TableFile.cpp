@@ -170,7 +170,7 @@ static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm
         case TableForm_t::kAny: break;
     }
     if (SeemsDump(bytes)) {
-        const TableFound_t found = FindAfterEntryPoint(bytes);
+        TableFound_t found = FindAfterEntryPoint(bytes);
         if (!found.isFound || !found.table.empty()) return found;
         return NoTable(std::string("not a table: its entry point states a table of no bytes") + kAccepted);
     }

@@ -7,26 +7,26 @@
 #include "Packages/Debug/Debug.h"
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 
-// Null while the library is closed, and when the trace library gave none. A file traces by
+// Null while the library is closed, and if DebugLibInit failed. Each file defines
 //     #define TRACE(function, level, ...) FERROX_TRACE("PCIRW", function, level, __VA_ARGS__)
 extern DebugHandle_t ferroxTraceHandle;
 #define FERROX_TRACE(file, function, level, ...) \
     QUORLIN_TRACE(ferroxTraceHandle, "FERROXLib\\Sources\\" file, function, level, __VA_ARGS__)
 
-// ---- Misc.cpp: ACPI tables and PCI segments, from the firmware tables of the machine in use
+// ---- Misc.cpp: ACPI tables and PCI segments, read from the firmware tables of the machine in use
 
 status_t OSGetACPITable(const char* name, DataBuffer_t** table);
 status_t OSGetACPITableEx(const char* name, DataBuffer_t* buffer, uint32_t* size);
 status_t OSGetSegBusInfo(SegBusInfo_t* segments);
-// As OSGetSegBusInfo, and `count` gets the number of entries, also when that is 0.
+// As OSGetSegBusInfo. `count` is set to the number of entries, even if there is none.
 status_t OSGetSegBusInfoWithCount(SegBusInfo_t* segments, uint32_t* count);
 status_t OSGetPCIExCfgBaseAddr(uint64_t* base, uint32_t location);
-// OSPCIExRead of both halves. Under a hypervisor it is OSPCIRead of the machine in use; else `read`, which gets the
-// base of the location's segment.
+// OSPCIExRead for both halves: calls OSPCIRead of the machine in use under a hypervisor, otherwise `read` with the base
+// address of the location's segment.
 using ExtendedRead_t = status_t (*)(uint64_t base, uint32_t location, uint32_t offset, DataBuffer_t* buffer);
 status_t ReadExtendedSpace(bool hasHypervisor, ExtendedRead_t read, uint32_t location, uint32_t offset,
                            DataBuffer_t* buffer);
-// The entries of an MCFG table of `size` bytes into an array of kMaxSegments; gives their number.
+// Parses an MCFG table of `size` bytes into an array of kMaxSegments entries. Returns their number.
 uint32_t FillSegments(const uint8_t* mcfg, uint32_t size, SegBusInfo_t* segments);
 
 // ---- The operations of the system's half, for calls between its files. A half defines those that its table names

@@ -1,4 +1,4 @@
-// The front of the hardware library: counts its users, tests the arguments and hands on to the machine in use.
+// The front of the hardware library: counts its users, checks arguments and calls the machine in use.
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
 #include "Packages/OS/NamedLock.h"
@@ -14,13 +14,13 @@ constexpr LibVersion_t kVersion = {"03", "00", "0", "1000"};
 constexpr uint32_t kNoOffset = 65535;
 
 uint32_t instanceCount = 0;
-// The open library's reference to the lock, so that the name lasts as long as any process has the library open.
+// Held while the library is open, so that the lock exists while any process has it open.
 NamedLock_t* lockReference = nullptr;
 const HardwareServices_t* hardware = &kThisHardware;
 thread_local Refusal_t lastRefusal = Refusal_t::kOther;
 
-// Holds the library's lock while it lives. Every call opens the lock for itself, so that none waits for one that
-// another thread may close.
+// Holds the library's lock during its lifetime. Each call opens the lock itself, so that no other thread can close the
+// lock that it waits for.
 class ClLibraryLock {
   public:
     ClLibraryLock() : m_lock(os_OpenNamedLock(kLockName)), m_held(m_lock != nullptr && os_TakeNamedLock(m_lock)) {}
@@ -45,7 +45,7 @@ status_t Ask(status_t (*HardwareServices_t::*slot)(Arguments_t...), Values_t... 
     return operation == nullptr ? kNotSupported : operation(values...);
 }
 
-// The lines on entering and leaving an operation.
+// Traces the entry and exit of an operation.
 class ClOperation {
   public:
     explicit ClOperation(const char* name) : m_name(name) { TRACE(m_name, kEntry, "%s", m_name); }
@@ -68,7 +68,7 @@ status_t OpenLibrary() {
     return lockReference == nullptr ? kFailure : Ask(&HardwareServices_t::OSFERROXInitialize);
 }
 
-// Undoes OpenLibrary but for the machine.
+// Undoes OpenLibrary, except for the machine.
 void CloseLibrary() {
     if (lockReference != nullptr) os_CloseNamedLock(lockReference);
     lockReference = nullptr;
@@ -168,7 +168,7 @@ status_t PCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
 
 // ---- Memory by address and offset
 
-enum BadPlaceLine_t { kSilent, kTold };
+enum BadPlaceLine_t { kSilent, kTraced };
 
 static status_t MoveAtPlace(const char* name, BadPlaceLine_t line,
                             status_t (*HardwareServices_t::*slot)(uint64_t, uint32_t, DataBuffer_t*), uint64_t address,
@@ -178,7 +178,7 @@ static status_t MoveAtPlace(const char* name, BadPlaceLine_t line,
     TRACE(name, kParams, "%s:BAR = 0x%llx RegisterOffset = %u size  = %u", name,
           static_cast<unsigned long long>(address), offset, buffer->Size);
     if (offset == kNoOffset || address == 0 || address == 65535) {
-        if (line == kTold) TRACE(name, kError, "%s: Invalid register offset status = %u\n", name, kBadValue);
+        if (line == kTraced) TRACE(name, kError, "%s: Invalid register offset status = %u\n", name, kBadValue);
         return kBadValue;
     }
     if (buffer->Size == 0) return kBadValue;
@@ -186,15 +186,15 @@ static status_t MoveAtPlace(const char* name, BadPlaceLine_t line,
 }
 
 status_t PCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("PCIMMIORead", kTold, &HardwareServices_t::OSPCIMMIORead, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIORead", kTraced, &HardwareServices_t::OSPCIMMIORead, bar, offset, buffer);
 }
 
 status_t PCIMMIOReadStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("PCIMMIOReadStored", kTold, &HardwareServices_t::OSPCIMMIOReadStored, bar, offset, buffer);
+    return MoveAtPlace("PCIMMIOReadStored", kTraced, &HardwareServices_t::OSPCIMMIOReadStored, bar, offset, buffer);
 }
 
 status_t MMIOReadGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("MMIOReadGPIO", kTold, &HardwareServices_t::OSMMIOReadGPIO, bar, offset, buffer);
+    return MoveAtPlace("MMIOReadGPIO", kTraced, &HardwareServices_t::OSMMIOReadGPIO, bar, offset, buffer);
 }
 
 status_t PCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
@@ -206,7 +206,7 @@ status_t MMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
 }
 
 status_t GetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
-    return MoveAtPlace("GetSystemTables", kTold, &HardwareServices_t::OSGetSystemTables, address, offset, buffer);
+    return MoveAtPlace("GetSystemTables", kTraced, &HardwareServices_t::OSGetSystemTables, address, offset, buffer);
 }
 
 static status_t MoveDynamic(const char* name,

@@ -1,4 +1,4 @@
-// Requests for ports and for memory by its physical address.
+// Requests for ports and physical memory.
 #include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
@@ -9,7 +9,7 @@ status_t OSGetIOLibVersion(uint32_t* version) { return AskVersion(kRequestIOLibV
 
 // ---- Ports
 
-// Fills the request's head; false when the buffer is larger than a port access.
+// Fills the request, except for its data. Returns false if the buffer is larger than a port access.
 static bool FillPortRequest(uint16_t port, const DataBuffer_t* buffer, PortRequest_t* request) {
     if (buffer->Size > sizeof(request->Data)) return false;
     *request = {};
@@ -47,7 +47,7 @@ status_t OSWritePort(uint16_t port, DataBuffer_t* buffer) {
 
 static uint8_t* DataOf(MemoryRequest_t* request) { return reinterpret_cast<uint8_t*>(request + 1); }
 
-// A zeroed request with its head filled, and the size of head and data. Null, with a line, when it can't be had.
+// Returns a new request with zeroed data, and its size; null if out of memory or too large.
 static MemoryRequest_t* NewMemoryRequest(const char* function, const MemoryPlace_t& place, uint32_t dataSize,
                                          uint32_t* size) {
     const size_t wanted = sizeof(MemoryRequest_t) + size_t{dataSize};
@@ -101,7 +101,7 @@ status_t OSMMIOWriteGPIO(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
     return WriteMemory(kRequestMMIOWriteGPIO, "OSMMIOWriteGPIO", {bar, offset}, buffer);
 }
 
-// Address has the offset in it already; the driver doesn't add Offset here.
+// For this request the driver doesn't add Offset to Address.
 status_t OSGetSystemTables(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
     return ReadMemory(kRequestSystemTables, "OSGetSystemTables", {address + offset, offset}, buffer);
 }

@@ -1,4 +1,4 @@
-// ACPI tables, from the firmware tables of the machine in use, and the PCI segments of the MCFG table.
+// ACPI tables, read from the firmware tables of the machine in use, and the PCI segments of the MCFG table.
 #include <algorithm>
 #include <cstdio>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-// The service's number of the table: the name's first letter in the low byte.
+// Returns the table's number, which has the name's first letter in the low byte.
 uint32_t TableIdentifier(const char* name) {
     uint32_t identifier = 0;
     for (int letter = 3; letter >= 0; --letter) identifier = identifier << 8 | static_cast<uint8_t>(name[letter]);
@@ -21,8 +21,8 @@ uint32_t TableIdentifier(const char* name) {
 
 bool IsTableName(const char* name) { return os_strlen(name) == 4; }
 
-// The table's size, and the table in `buffer` if it has room. A table that is asked for twice may have grown meanwhile,
-// or have gone: then the size is 0.
+// Reads the table into `buffer` if it fits. Returns its size, which may differ from that of an earlier call; 0 if there
+// is no such table.
 uint32_t Fetch(const char* name, uint8_t* buffer, uint32_t room) {
     const auto get = CurrentHardware().GetFirmwareTable;
     bool refused = false;
@@ -36,7 +36,7 @@ status_t TooSmall() {
     return kBadValue;
 }
 
-// Where MCFG's entries begin, and the size of one. Source: PCI Firmware Specification, MCFG table.
+// Offset and size of MCFG's entries. Source: PCI Firmware Specification, MCFG table.
 constexpr uint32_t kMCFGHead = 44;
 constexpr uint32_t kMCFGEntry = 16;
 
@@ -44,7 +44,7 @@ uint32_t Number32(const uint8_t* bytes) {
     return uint32_t{bytes[0]} | uint32_t{bytes[1]} << 8 | uint32_t{bytes[2]} << 16 | uint32_t{bytes[3]} << 24;
 }
 
-// The number of entries by the table's own length, as far as the table has them and there is a segment number for each.
+// Returns the number of entries by the table's own length, but at most as many as it has, and at most kMaxSegments.
 uint32_t CountSegments(const uint8_t* mcfg, uint32_t size) {
     if (size < kMCFGHead) return 0;
     const uint32_t length = std::min(Number32(mcfg + 4), size);
@@ -121,7 +121,7 @@ status_t OSGetSegBusInfoWithCount(SegBusInfo_t* segments, uint32_t* count) {
     status_t status = OSGetACPITableEx("MCFG", nullptr, &size);
     if (status != kSuccess) {
         std::fputs("Error getting ACPI table size\n", stdout);
-        std::fflush(stdout);  // before what others write past the stream
+        std::fflush(stdout);  // keeps the order if the host writes by other means
         return status;
     }
     auto* mcfg = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + size_t{size}));
@@ -157,7 +157,7 @@ status_t OSGetPCIExCfgBaseAddr(uint64_t* base, uint32_t location) {
         TRACE("OSGetPCIExCfgBaseAddr", kError, "ERROR in OSGetPCIExCgfBaseAddr status =  %d", static_cast<int>(status));
         return status;
     }
-    // Only the first entry of a segment counts.
+    // Uses the first entry of the segment only.
     const SegBusInfo_t* const end = segments + count;
     const SegBusInfo_t* const found = std::find_if(
         segments, segments + count, [&](const SegBusInfo_t& each) { return each.Segment == location >> 16; });

@@ -1,4 +1,4 @@
-// Requests for PCI configuration space and for the memory-mapped registers of devices.
+// Requests for PCI configuration space and memory-mapped registers.
 #include <algorithm>
 #include <bit>
 
@@ -53,7 +53,7 @@ status_t OSPCIExRead(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
 
 // ---- Memory-mapped registers
 
-// Address has the offset in it already; the driver doesn't add Offset here.
+// For this request the driver doesn't add Offset to Address.
 status_t OSPCIMMIORead(uint64_t bar, uint32_t offset, DataBuffer_t* buffer) {
     return ReadMemory(kRequestMMIORead, "OSPCIMMIORead", {bar + offset, offset}, buffer);
 }
@@ -66,7 +66,7 @@ status_t OSPCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffe
     return WriteMemory(kRequestMMIOWriteStored, "OSPCIMMIOWriteStored", {bar, offset}, buffer);
 }
 
-// The driver offers no request for it.
+// The driver has no such request.
 status_t OSPCIMMIOReadDynamic(const DynamicMMIORecord_t*, DataBuffer_t*) { return kSuccess; }
 
 status_t OSPCIMMIOWriteDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {

@@ -1,5 +1,5 @@
-// The driver's 19 requests and their records. Input and output share one record; all numbers are little-endian. For C
-// too, as drivers are written in it.
+// The driver's 19 requests and their records. Input and output use the same record. Numbers are little-endian. Compiles
+// as C too, for drivers.
 #ifndef QUORLIN_PROTOCOL_H
 #define QUORLIN_PROTOCOL_H
 
@@ -12,12 +12,12 @@ enum RequestCode_t {
     kRequestReadPort = 0x80240034,       // PortRequest_t
     kRequestReadMSR = 0x80240040,        // MSRRecord_t
     kRequestPCIRead = 0x80240048,        // PCIRequest_t
-    kRequestCPULibVersion = 0x80240090,  // nothing in, 4 bytes out, as the next two
+    kRequestCPULibVersion = 0x80240090,  // nothing in, 4 bytes out; so are the next two
     kRequestIOLibVersion = 0x80240094,
     kRequestPCILibVersion = 0x80240098,
     kRequestNonTurbo = 0x8024009C,        // NonTurboRecord_t
     kRequestPCIReadHyperV = 0x802400F4,   // PCIRequest_t, under a hypervisor
-    kRequestMMIOReadStored = 0x802400FC,  // MemoryRequest_t and its data, as all of the rest but the last two
+    kRequestMMIOReadStored = 0x802400FC,  // MemoryRequest_t and data; so are all below but the last two
     kRequestMMIOReadGPIO = 0x80240104,
     kRequestMMIOWriteStored = 0x80240108,
     kRequestMMIOWriteDynamic = 0x8024010C,  // with a DynamicMMIORecord_t for address and offset
@@ -37,7 +37,7 @@ typedef struct MSRRecord_t {
     uint32_t LoContent;  // bits 31 to 0
 } MSRRecord_t;
 
-// Eax and Ecx carry leaf and sub-leaf in, and all four registers come back.
+// In: the leaf in Eax and the sub-leaf in Ecx. Out: all four registers.
 typedef struct CPUIDRecord_t {
     uint32_t Reserved;
     uint32_t Eax;
@@ -54,12 +54,12 @@ typedef struct CPUIDRequest_t {
     uint8_t Reserved2[20];
 } CPUIDRequest_t;
 
-// What a processor's non-turbo frequency is measured with.
+// A measurement of a processor's non-turbo frequency.
 typedef struct NonTurboRecord_t {
     uint32_t Core;
     uint32_t Msr;
     uint32_t PMTimerAddress;
-    uint8_t Result[8];  // the driver's own form; on Linux a count per second, 64 bits
+    uint8_t Result[8];  // in the driver's own form; on Linux the count per second, 64 bits
 } NonTurboRecord_t;
 
 typedef struct PortRequest_t {
@@ -78,9 +78,9 @@ typedef struct PCIRequest_t {
     uint8_t Data[4];
 } PCIRequest_t;
 
-// A register of a device whose base address the driver finds itself.
+// A register of a device whose base address the driver looks up.
 typedef struct DynamicMMIORecord_t {
-    uint32_t Device;  // read by the driver alone; on Linux a PCI location
+    uint32_t Device;  // in the driver's own form; on Linux a PCI location
     uint32_t PCIRegisterOffset;
     uint32_t MMIOOffset;
 } DynamicMMIORecord_t;
@@ -92,7 +92,7 @@ typedef struct MemoryPlace_t {
 } MemoryPlace_t;
 #pragma pack(pop)
 
-// The head of a memory request; Size bytes of data follow.
+// The start of a memory request. Size bytes of data follow.
 typedef struct MemoryRequest_t {
     uint32_t Reserved;
     uint32_t Cpu;         // always 256

@@ -1,8 +1,8 @@
-// Life cycle of the driver Ravelink, shared by all processes of the machine, and the one way to its device.
+// Life cycle of the driver Ravelink, which all processes of the machine share, and requests to its device.
 //
-// A 4-byte section that all processes map counts the opens of the driver. The process that finds the count at 0
-// registers and starts the service; the one that brings it back to 0 stops and removes it. All of this runs under the
-// front's named lock, so the count is changed with plain operations.
+// A 4-byte section mapped by all processes counts the opens of the driver. The process that raises the count from 0
+// registers and starts the service; the one that lowers it to 0 stops and removes it. All of this runs under the
+// front's named lock, so the count needs no atomic operations.
 #include <algorithm>
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
@@ -23,7 +23,7 @@ constexpr char kSectionName[] = "Global\\OSMIRALSharedMemoryExt";
 constexpr char kRegistryKey[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";
 constexpr char kRegistryValue[] = "FERROXDrvPath";
 
-constexpr DWORD kLongestStop = 30000;  // milliseconds, as the next two
+constexpr DWORD kLongestStop = 30000;  // these three in milliseconds
 constexpr DWORD kShortestWait = 1000;
 constexpr DWORD kLongestWait = 10000;
 
@@ -40,11 +40,11 @@ SC_HANDLE ServiceManagerHandle = nullptr;
 char ServiceName[64] = "";
 char DriverPath[kDriverPathSize] = "";
 uint32_t DriverAutoLoaded = 0;
-// What this process did to the service, so that a failing open undoes that much and no more.
+// What this process did to the service, so that a failed open undoes exactly that.
 bool serviceCreated = false;
 bool serviceStarted = false;
 
-// A handle of service control that closes itself.
+// A service handle that closes itself.
 class ClServiceHandle {
   public:
     explicit ClServiceHandle(SC_HANDLE handle) : m_handle(handle) {}
@@ -67,7 +67,7 @@ void CloseServiceManager() {
     ServiceManagerHandle = nullptr;
 }
 
-// Opens the service manager anew.
+// Reopens the service manager.
 bool OpenServiceManager() {
     CloseServiceManager();
     ServiceManagerHandle = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
@@ -80,7 +80,7 @@ SC_HANDLE OpenDriverService() { return OpenServiceA(ServiceManagerHandle, Servic
 
 // ---- The shared count
 
-// Attributes that let every process of every user open the section. False when they can't be built.
+// Builds attributes that let all processes of all users open the section. Returns false on failure.
 static bool OpenForAll(SECURITY_DESCRIPTOR* descriptor, SECURITY_ATTRIBUTES* attributes) {
     if (!InitializeSecurityDescriptor(descriptor, SECURITY_DESCRIPTOR_REVISION)) return false;
     if (!SetSecurityDescriptorDacl(descriptor, TRUE, nullptr, FALSE)) return false;
@@ -96,7 +96,7 @@ static void CloseSharedCount() {
 }
 
 static status_t OpenSharedCount() {
-    // A driver that couldn't be stopped or removed has left it open.
+    // Still open if the driver couldn't be stopped or removed.
     if (SharedMemory != nullptr) return kSuccess;
     SECURITY_DESCRIPTOR descriptor;
     SECURITY_ATTRIBUTES attributes;
@@ -121,7 +121,7 @@ static status_t OpenSharedCount() {
 
 // ---- Open and close
 
-// Notes why the driver can't be reached: gives 5. `error` is the system's, of the step that failed.
+// Notes why the driver isn't available, and returns 5. `error` is the system's error of the failed step.
 static status_t NoDriver(DWORD error) {
     HKEY key = nullptr;
     const bool hasKey = RegOpenKeyExA(HKEY_LOCAL_MACHINE, kRegistryKey, 0, KEY_READ, &key) == ERROR_SUCCESS;
@@ -132,7 +132,7 @@ static status_t NoDriver(DWORD error) {
     return kFailure;
 }
 
-// Registers and starts the driver. False when it doesn't run then; `error` gets the system's.
+// Registers and starts the driver. On failure returns false and sets `error` to the system's error.
 static bool BringDriverUp(DWORD* error) {
     serviceCreated = false;
     serviceStarted = false;
@@ -144,7 +144,7 @@ static bool BringDriverUp(DWORD* error) {
     return false;
 }
 
-// Lets go of the service manager. The lock on the driver's file stays until StopDriver, as others may use the driver.
+// Closes the service manager. The driver's file stays locked until StopDriver, because others may use the driver.
 static void ReleaseDriver() {
     CloseServiceManager();
     serviceCreated = false;
@@ -153,13 +153,13 @@ static void ReleaseDriver() {
 
 static void UndoBringDriverUp() {
     if (serviceStarted) StopDriver();
-    if (serviceStarted) unlockInstallFile();  // also when the driver can't be stopped
+    if (serviceStarted) unlockInstallFile();  // even if the driver couldn't be stopped
     if (serviceCreated) RemoveDriver();
     ReleaseDriver();
 }
 
-// Opens section, driver and device for this process. 1; 5 with all steps undone; or getHyperVStatus's status, with the
-// device left open and the machine's count raised. On an open device it just raises the count.
+// Opens section, driver and device for this process. If the device is open already, only raises the count. Returns 1; 5
+// with all steps undone; or the status of getHyperVStatus, with the device open and counted.
 status_t OSFERROXInitialize() {
     if (DeviceHandle != INVALID_HANDLE_VALUE) {
         ++SharedMemory->ReferenceCountExt;
@@ -171,7 +171,7 @@ status_t OSFERROXInitialize() {
 
     DWORD error = ERROR_SUCCESS;
     DriverAutoLoaded = checkDriverAutoLoaded();
-    // A count above 0 tells that another process has the driver running.
+    // If the count is above 0, another process has started the driver.
     if (DriverAutoLoaded == 0 && SharedMemory->ReferenceCountExt == 0 && !BringDriverUp(&error)) {
         UndoBringDriverUp();
         CloseSharedCount();
@@ -190,8 +190,9 @@ status_t OSFERROXInitialize() {
     return getHyperVStatus(&HyperVEnabled);
 }
 
-// Closes the device; at the machine's last user also stops and removes the driver, unless it loads by itself.
-// 1; 2 not open; 5 when the driver can't be stopped or removed: section and view stay then, for the next try.
+// Closes the device. For the machine's last user also stops and removes the driver, unless it starts automatically.
+// Returns 1; 2 not open; 5 the driver couldn't be stopped or removed, in which case section and view stay for the next
+// open.
 status_t OSFERROXTerminate() {
     if (DeviceHandle == INVALID_HANDLE_VALUE) {
         TRACE("OSFERROXTerminate", kError, "OSFERROXTerminate: FERROX not initialized");
@@ -199,7 +200,7 @@ status_t OSFERROXTerminate() {
     }
     CloseHandle(DeviceHandle);
     DeviceHandle = INVALID_HANDLE_VALUE;
-    // Not below 0, whatever another process has written there.
+    // Another process may have written 0 there.
     if (SharedMemory->ReferenceCountExt != 0) --SharedMemory->ReferenceCountExt;
     TRACE("OSFERROXTerminate", kInfo, "\n SharedMemory->ReferenceCountExt = %d",
           static_cast<int>(SharedMemory->ReferenceCountExt));
@@ -245,7 +246,7 @@ status_t checkDriverAutoLoaded() {
     auto* config =
         static_cast<QUERY_SERVICE_CONFIGA*>(os_malloc(std::max(size_t{size}, sizeof(QUERY_SERVICE_CONFIGA))));
     if (config == nullptr) return 0;
-    // Boot, system and automatic start stand below demand start.
+    // The numbers of boot, system and automatic start are below that of demand start.
     const bool autoLoaded =
         QueryServiceConfigA(service.Get(), config, size, &size) && config->dwStartType <= SERVICE_AUTO_START;
     os_free(config);
@@ -276,7 +277,7 @@ status_t RegisterDriver() {
     return 0;
 }
 
-// Starts `service` and locks its file: 1 or 0. `error` gets the reason when the service wasn't started.
+// Starts `service` and locks its file. Returns 1 or 0. Sets `error` if the service wasn't started.
 static status_t StartAndLock(SC_HANDLE service, DWORD* error) {
     if (!StartServiceA(service, 0, nullptr)) {
         *error = GetLastError();
@@ -301,7 +302,7 @@ status_t StartDriver() {
         TRACE("StartDriver", kWarning, "StartDriver: StartService failed  trying stop + remove + register%u\n",
               static_cast<unsigned>(error));
     }
-    // A service left over from another installation points at a file that is gone: register it anew.
+    // The service is left over from another installation, and its file is gone. Register it again.
     StopDriver();
     RemoveDriver();
     RegisterDriver();
@@ -315,7 +316,7 @@ static bool QueryState(SC_HANDLE service, SERVICE_STATUS_PROCESS* state) {
                                 &needed) != FALSE;
 }
 
-// The service, stopped: 1, or 0. `began` is the tick count from which the longest stop counts.
+// Stops the service. Returns 1 or 0. `began` is the tick count at which kLongestStop starts.
 static status_t StopOpenService(SC_HANDLE service, DWORD began) {
     SERVICE_STATUS_PROCESS state = {};
     if (!QueryState(service, &state)) return 0;
@@ -341,7 +342,7 @@ static status_t StopOpenService(SC_HANDLE service, DWORD began) {
               static_cast<unsigned>(GetLastError()));
         return 0;
     }
-    // A driver has stopped when the control returns: no wait.
+    // Drivers have stopped when ControlService returns.
     if (!QueryState(service, &state)) return 0;
     if (state.dwCurrentState != SERVICE_STOPPED) {
         TRACE("StopDriver", kError, "StopDriver: Service has not stopped \n");
@@ -401,7 +402,7 @@ status_t unlockInstallFile() {
     return kSuccess;
 }
 
-// The two lines of a failed registry call.
+// Traces a failed registry call, and returns 5.
 static status_t RegistryFailed(const char* call, LSTATUS result) {
     const DWORD error = GetLastError();
     TRACE("getFERROXinstallPath", kError, "getFERROXinstallPath: %s failed, last error %u\n", call,

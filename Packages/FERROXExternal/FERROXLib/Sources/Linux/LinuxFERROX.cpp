@@ -1,4 +1,4 @@
-// Life cycle, versions, and the table of this machine.
+// Life cycle, versions, and the operations of this machine.
 #include "Packages/FERROXExternal/FERROXLib/Sources/Linux/LinuxFERROX.h"
 
 #include <cerrno>
@@ -10,7 +10,7 @@
 
 #define TRACE(function, level, ...) FERROX_TRACE("Linux\\LinuxFERROX", function, level, __VA_ARGS__)
 
-static constexpr uint32_t kVersion = 0x00030000;  // that all version requests answer: major in the high half
+static constexpr uint32_t kVersion = 0x00030000;  // result of all version requests; major in the high half
 
 static bool isOpen = false;
 static bool hasHypervisor = false;
@@ -32,7 +32,7 @@ status_t Refused(const char* function) {
     return Refused(function, std::strerror(errno), lacksRights ? Refusal_t::kRights : Refusal_t::kOther);
 }
 
-// Any processor will do for the hypervisor test: a cpuset may hold no processor 0.
+// The hypervisor test uses any processor, because a cpuset may not include processor 0.
 static status_t Open() {
     uint32_t registers[4] = {1, 0, 0, 0};
     os_ReadCPUID(registers);

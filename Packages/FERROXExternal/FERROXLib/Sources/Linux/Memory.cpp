@@ -1,4 +1,4 @@
-// Memory by its physical address, by mapping /dev/mem.
+// Physical memory, by mapping /dev/mem.
 #include <fcntl.h>
 #include <sys/mman.h>
 
@@ -11,11 +11,11 @@
 
 namespace {
 
-constexpr uint64_t kMostMemory = 1ull << 52;  // no processor has physical addresses above
+constexpr uint64_t kMostMemory = 1ull << 52;  // limit of physical addresses of all processors
 constexpr uint64_t kPage = 4096;
 
-// Copies in the widest steps up to 4 bytes that the device's side is aligned for: device registers are sensitive to
-// the width of an access, and must not be touched beyond the range or twice.
+// Copies in the widest steps, up to 4 bytes, for which the device's address is aligned. The width of an access matters
+// to device registers, and none may be accessed twice or outside the range.
 template <typename Step>
 void InSteps(uintptr_t device, uint8_t* data, uint32_t size, Step step) {
     while (size != 0) {
@@ -51,11 +51,11 @@ void MoveSteps(Direction_t direction, uintptr_t device, uint8_t* data, uint32_t 
         });
 }
 
-// Tables lie in ordinary memory, which the kernel itself has mapped with its caches; a second mapping without them is
-// refused. Registers are wanted without caches, unless the kernel has it otherwise.
+// Tables are in ordinary memory, which the kernel has mapped with caches; it refuses a second mapping without caches.
+// Registers are mapped without caches, unless the kernel refuses that.
 enum class Memory_t { kTables, kRegisters };
 
-// Maps, because read() of /dev/mem doesn't reach all that mapping does. False with errno set.
+// Maps the memory, because read() of /dev/mem doesn't reach all of it. Returns false, with errno set, on failure.
 bool MoveMapped(Direction_t direction, Memory_t kind, uint64_t address, uint8_t* data, uint32_t size) {
     const bool isRead = direction == Direction_t::kRead;
     const int sync = kind == Memory_t::kRegisters ? O_SYNC : 0;
@@ -72,8 +72,8 @@ bool MoveMapped(Direction_t direction, Memory_t kind, uint64_t address, uint8_t*
     return true;
 }
 
-// Where the kernel refuses memory-mapped configuration space: the same registers by sysfs. False, with errno as it
-// was, where [address, address + size) isn't within a segment's space.
+// For memory-mapped configuration space that the kernel refuses to map: accesses the same registers through sysfs.
+// Returns false, without changing errno, if [address, address + size) isn't in the space of one segment.
 bool MoveMappedConfiguration(Direction_t direction, uint64_t address, uint8_t* data, uint32_t size) {
     const int refusal = errno;
     DataBuffer_t* mcfg = nullptr;
@@ -134,10 +134,10 @@ status_t OSPCIMMIOWriteStored(uint64_t bar, uint32_t offset, DataBuffer_t* buffe
     return Move("OSPCIMMIOWriteStored", Direction_t::kWrite, Memory_t::kRegisters, bar, offset, buffer);
 }
 
-// Asks the machine nothing.
+// Does nothing, as on Windows.
 status_t OSPCIMMIOReadDynamic(const DynamicMMIORecord_t*, DataBuffer_t*) { return kSuccess; }
 
-// The base comes from a base address register of the PCI function at Device: a memory one, of 32 or 64 bits.
+// Takes the base from a 32-bit or 64-bit memory base address register of the PCI function at Device.
 status_t OSPCIMMIOWriteDynamic(const DynamicMMIORecord_t* record, DataBuffer_t* buffer) {
     constexpr char kName[] = "OSPCIMMIOWriteDynamic";
     if (NeedsOpen() != kSuccess) return 0;

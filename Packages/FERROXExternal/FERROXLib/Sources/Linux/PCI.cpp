@@ -1,4 +1,4 @@
-// PCI configuration space, by sysfs.
+// PCI configuration space, through sysfs.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,7 +23,7 @@ bool MoveConfiguration(Direction_t direction, uint32_t location, uint32_t offset
         ssize_t moved = size;
         if (static_cast<off_t>(offset) < facts.st_size) {
             moved = isRead ? pread(file.Get(), data, size, offset) : pwrite(file.Get(), data, size, offset);
-            if (moved == 0) errno = EACCES;  // the rest is for the privileged
+            if (moved == 0) errno = EACCES;  // the rest needs privileges
             if (moved <= 0) return false;
         } else if (isRead) {
             std::memset(data, 0xFF, size);

@@ -1,4 +1,4 @@
-// I/O ports, by ioperm.
+// I/O ports, through ioperm.
 #include "Packages/FERROXExternal/FERROXLib/Sources/Linux/Ports.h"
 
 #include <sys/io.h>

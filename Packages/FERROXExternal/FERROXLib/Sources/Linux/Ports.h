@@ -1,16 +1,16 @@
-// I/O ports of the calling thread.
+// Access to I/O ports.
 #pragma once
 
 #include <cstdint>
 
-// Opens a range of ports to the calling thread, and shuts it again.
+// Gives the calling thread access to a range of ports during its lifetime.
 class ClPorts {
   public:
     ClPorts() = default;
     ClPorts(const ClPorts&) = delete;
     ClPorts& operator=(const ClPorts&) = delete;
     ~ClPorts();
-    // False with errno set.
+    // Returns false, with errno set, on failure.
     bool Open(uint32_t port, uint32_t size);
 
   private:

@@ -1,4 +1,4 @@
-// Registers of a processor: CPUID by the instruction, and model-specific registers by /dev/cpu/N/msr.
+// Processor registers: CPUID through the instruction, and model-specific registers through /dev/cpu/N/msr.
 #include <fcntl.h>
 #include <sys/io.h>
 #include <unistd.h>
@@ -19,7 +19,7 @@
 
 namespace {
 
-// Keeps the calling thread on one processor, and gives it back those that it had.
+// Keeps the calling thread on one processor during its lifetime.
 class ClPin {
   public:
     ClPin() = default;
@@ -28,7 +28,7 @@ class ClPin {
     ~ClPin() {
         if (m_isPinned) m_before.ApplyToThread();
     }
-    // False with errno set.
+    // Returns false, with errno set, on failure.
     bool To(int processor) {
         ClProcessorSet one;
         errno = EINVAL;
@@ -41,7 +41,7 @@ class ClPin {
     bool m_isPinned = false;
 };
 
-// Reads or writes bytes of a processor's file. False with errno set.
+// Reads or writes bytes of a processor's file. Returns false, with errno set, on failure.
 bool MoveInFile(Direction_t direction, int processor, const char* name, uint64_t place, void* data, size_t size) {
     const bool isRead = direction == Direction_t::kRead;
     char path[40];
@@ -67,7 +67,7 @@ status_t MoveMSR(const char* function, Direction_t direction, MSRRecord_t* recor
     return kSuccess;
 }
 
-// CPUID of a processor that this process may not run on.
+// Reads CPUID of a processor on which this process may not run.
 status_t ReadCPUIDFile(int processor, CPUIDRecord_t* record) {
     uint32_t registers[4];
     const uint64_t place = uint64_t{record->Ecx} << 32 | record->Eax;
@@ -103,9 +103,9 @@ status_t OSReadCPUID(uint32_t processor, CPUIDRecord_t* record) {
 
 bool MeasurePerSecond(const Measurement_t& measurement, uint64_t* perSecond) {
     constexpr uint64_t kPartOfASecond = 100;
-    constexpr int kMostReadings = 10'000'000;  // of a timer that doesn't move; some seconds
+    constexpr int kMostReadings = 10'000'000;  // gives up on a timer that doesn't move, after some seconds
     uint64_t countBefore, countAfter, timeBefore, time, ticks = 0;
-    // Timer and counter in the same order before and after, so that the time between the two readings cancels out.
+    // Reads timer and counter in the same order both times, so that the delay between the two readings cancels out.
     if (!measurement.ReadTimer(measurement.context, &timeBefore) ||
         !measurement.ReadCounter(measurement.context, &countBefore))
         return false;
@@ -123,7 +123,7 @@ bool MeasurePerSecond(const Measurement_t& measurement, uint64_t* perSecond) {
 
 namespace {
 
-// The register of a processor, and the port of the ACPI power-management timer.
+// A register of a processor, and the port of the ACPI power-management timer.
 struct Counter_t {
     int processor;
     uint32_t msr;
@@ -149,7 +149,7 @@ bool ReadClock(void*, uint64_t* nanoseconds) {
 
 }  // namespace
 
-// How often the register counts in a second. For IA32_MPERF this is the frequency without turbo.
+// Measures the rate of a register. That of IA32_MPERF is the non-turbo frequency.
 status_t OSCalcNonTurbo(NonTurboRecord_t* record) {
     constexpr char kName[] = "OSCalcNonTurbo";
     const auto failed = [](status_t) { return kFailure; };

@@ -1,4 +1,4 @@
-// A system without access to hardware: all operations give 6.
+// A system without access to hardware: all operations return 6.
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 
 const HardwareServices_t kThisHardware = {};
