@@ -1,12 +1,12 @@
 // Types 39 to 42 and 126 of the sample: power supplies, additional information, on-board devices, host interfaces, and
-// structures that firmware has switched off.
+// inactive structures.
 #pragma once
 
 #include "Packages/Sample/SampleBuilder.h"
 
 // clang-format off
 consteval void AddExtended(ClSampleBuilder& table) {
-    // System Power Supply: the last one has no probes and no fan, and names a string that isn't there.
+    // System Power Supply: the last one has no probes and no fan, and refers to a missing string.
     table.Add(39, "b sssssss ww | www", {
         //handle group location    name            maker      serial       asset tag  part          revision
         //       capacity, traits  voltage probe, fan, current probe
@@ -22,7 +22,7 @@ consteval void AddExtended(ClSampleBuilder& table) {
 
     // Additional Information
     table.Add(40, "b: b w b s b", {
-        //handle entries; length, handle and offset of what it is about, text and value of each
+        //handle entries; length, handle and offset of the field, text and value of each
         {0x2800, 2,       6, 0x0400, 0x06, "Ostrel 8340", 0x0B, 6, 0x0900, 0x05, "PCI Express x16, riser", 0xAA},
         {0x2801, 1,       6, 0x1109, 0x12, "Persistent module", 0x1A},
     });
@@ -38,8 +38,8 @@ consteval void AddExtended(ClSampleBuilder& table) {
         {0x2905, 0,                    0x8B, 0xFF,    0xFFFF, 0xFF, 0xFF},
     });
 
-    // Management Controller Host Interface: of the keyboard controller style, with no data and no protocol; and of the
-    // maker's own kind, with the maker's number as data and as that of its one protocol.
+    // Management Controller Host Interface: a keyboard controller style one, without data and protocols; an OEM one,
+    // with the vendor's number as its data and in its one protocol.
     table.Add(42, "bb: b", {
         //handle type length, protocols
         {0x2A00, 2,   0,      0},
@@ -49,7 +49,7 @@ consteval void AddExtended(ClSampleBuilder& table) {
         {0x2A01, 0xF0, 4, 0x00004856,   1,         0xF0, 4, 0x00004856},
     });
 
-    // Inactive: once a slot and a port
+    // Inactive: a former slot and port
     table.Add(126, "s bbbb w bb", {{0x7E00, "Riser 3 slot 1", 0xAA, 13, 3, 4, 9, 0x04, 0x01}});
     table.Add(126, "s b s b b", {{0x7E01, "J_LPT1", 0, "Parallel", 5, 3}});
 }

@@ -68,7 +68,7 @@ consteval void AddManagement(ClSampleBuilder& table) {
         {0x2502, 0,   0,   0},
     });
 
-    // IPMI Device Information: the last one is of the first IPMI version, without modifier and interrupt.
+    // IPMI Device Information: the last one is of the first IPMI version, which has no modifier and interrupt.
     table.Add(38, "bbbb q | bb", {
         //handle interface revision slave storage base address        modifier interrupt
         {0x2600, 1,        0x20,    0x20, 0xFF,   0x0000000000000CA3, 0x4B,    11},

@@ -38,7 +38,7 @@ consteval void AddPower(ClSampleBuilder& table) {
         {0x1801, 0xA7},
     });
 
-    // System Power Controls: in BCD; an hour that isn't scheduled has no digits.
+    // System Power Controls: in BCD; an unscheduled hour has no digits.
     table.Add(25, "bbbbb", {
         //handle month day   hour  minute second
         {0x1900, 0x12, 0x24, 0x06, 0x30, 0x00},

@@ -5,7 +5,7 @@
 
 // clang-format off
 consteval void AddProbes(ClSampleBuilder& table) {
-    // Three kinds of probe have one layout; 8000h stands for an unknown number.
+    // Three kinds of probe have the same layout. 8000h means unknown.
     constexpr const char* kProbe = "s b wwwww d | w";
 
     // Voltage Probe: millivolts
@@ -16,7 +16,7 @@ consteval void AddProbes(ClSampleBuilder& table) {
         {0x1A02, "Standby rail",      0x67, 0x8000, 0x8000, 0x8000,    0x8000,   0x8000, 0x00000000},
     });
 
-    // Cooling Device: of version 2.7, of 2.2, and the last two end earlier, as they have no speed or no name.
+    // Cooling Device: of version 2.7, and of 2.2. The last two end earlier, without a speed or without a name.
     table.Add(27, "w bb d | w | s", {
         //handle probe   type, group OEM value  speed   description
         {0x1B00, 0x1C00, 0x63, 1,    0x48560200, 12000,  "Fan 1"},

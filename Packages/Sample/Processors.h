@@ -5,8 +5,8 @@
 
 // clang-format off
 consteval void AddProcessors(ClSampleBuilder& table) {
-    // Processor Information. Two sockets alike, a service processor whose family needs two bytes, a coprocessor in the
-    // form of version 2.1, and an empty socket in the form of version 2.0.
+    // Processor Information: two equal processors, a service processor whose family needs two bytes, a coprocessor in
+    // the form of version 2.1, and an empty socket in the form of version 2.0.
     table.Add(4, "s bb s q s b www bb | www | sss | bbb w | w | www | w", {
         //handle socket     type, family  manufacturer     ID                  version
         //       voltage, clock, maximum and current speed, status, upgrade
@@ -35,7 +35,7 @@ consteval void AddProcessors(ClSampleBuilder& table) {
 consteval void AddMemoryControllers(ClSampleBuilder& table) {
     // Memory Controller Information
     table.Add(5, "bb bb b ww b b ww b", {
-        //handle detecting, correcting; interleave size speeds  types   voltage modules and their handles correcting enabled
+        //handle detecting, correcting; interleave size speeds types voltage modules, handles    correcting enabled
         {0x0500, 6,         0x18,       3, 3,      9,   0x0010, 0x0400, 4,      2, 0x0600, 0x0601,        0x08},
         {0x0501, 3,         0x04,       2, 2,      8,   0x0001, 0x0002, 1,      2, 0x0602, 0x0603,        0x04},
     });
@@ -51,9 +51,9 @@ consteval void AddMemoryControllers(ClSampleBuilder& table) {
 }
 
 consteval void AddCaches(ClSampleBuilder& table) {
-    // Cache Information. Sizes in kilobytes; with the upper bit set, in units of 64 of them.
+    // Cache Information. Sizes in kilobytes; in units of 64 KB if the upper bit is set.
     table.Add(7, "s www ww | bbbb | dd", {
-        //handle  socket      config  maximum installed supported current speed, correction, type, associativity, sizes 2
+        //handle  socket     config  maximum installed supported current speed, correction, type, associativity, sizes 2
         {0x0700, "CPU0 L1",   0x0180, 0x8028, 0x8028,   0x0020, 0x0020,   1,  4, 4, 7,  0x80000028, 0x80000028},
         {0x0701, "CPU0 L2",   0x0181, 0x8200, 0x8200,   0x0020, 0x0020,   4,  5, 5, 8,  0x80000200, 0x80000200},
         {0x0702, "CPU0 L3",   0x0182, 0x8300, 0x8300,   0x0002, 0x0002,   15, 6, 5, 9,  0x80000300, 0x80000300},

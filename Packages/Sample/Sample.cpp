@@ -15,7 +15,7 @@
 #include "Packages/Sample/System.h"
 #include "Packages/Sample/Vendor.h"
 
-// Handles hold the type in their upper byte: 1103h is the fourth structure of Type 17.
+// The upper byte of a handle is the type: 1103h is the fourth structure of type 17.
 static consteval ClSampleBuilder BuildSample() {
     ClSampleBuilder table;
     AddSystem(table);             // 0 to 3
@@ -36,7 +36,7 @@ static consteval ClSampleBuilder BuildSample() {
 
 static constexpr ClSampleBuilder kBuilt = BuildSample();
 
-// The builder's bytes without its spare room.
+// The builder's bytes, without unused room.
 static constexpr auto kImage = [] {
     std::array<uint8_t, kBuilt.Size()> image{};
     std::copy_n(kBuilt.Bytes(), image.size(), image.begin());

@@ -1,6 +1,5 @@
-// The language in which the sample is written down: structures of a type are a table, a row for each structure, and a
-// layout tells how the cells of a row become bytes. All of it runs while compiling, and a row that doesn't fit its
-// layout doesn't compile.
+// Builds the sample at compile time. Structures of a type are a table with a row for each, and a layout says how the
+// cells of a row become bytes. A row that doesn't fit its layout doesn't compile.
 #pragma once
 
 #include <array>
@@ -23,15 +22,15 @@ using SampleRow_t = std::initializer_list<SampleValue_t>;
 
 class ClSampleBuilder {
   public:
-    // Appends a structure for each row. The first cell of a row is the handle; the others go by the letters of
-    // `layout`:
+    // Appends a structure for each row. The first cell of a row is the handle. The letters of `layout` describe the
+    // others:
     //   b w d q  a number of 1, 2, 4 or 8 bytes, little-endian
-    //   s        a string number: the cell is the text, or a number as it is to stand there (0: no string)
-    //   S        a text of the string area that no field names; no bytes
+    //   s        a string number: the cell is the text, or the number itself (0: no string)
+    //   S        a text in the string area, without a field
     //   0        a zero byte, without a cell
-    //   |        a place where a row may end: the structure ends here in an older version of the standard
-    //   :        likewise, and what follows is repeated for as long as the row has cells
-    //   blank    nothing, to set off groups
+    //   |        a row may end here, as the structure does in an older version of the standard
+    //   :        a row may end here; the rest of the layout repeats until the row ends
+    //   blank    separates groups
     constexpr void Add(uint8_t type, const char* layout, std::initializer_list<SampleRow_t> rows) {
         for (const SampleRow_t& row : rows) AddStructure(type, layout, row);
     }
@@ -52,14 +51,14 @@ class ClSampleBuilder {
     };
 
     static constexpr void Require(bool holds, const char* why) {
-        if (!holds) throw why;  // no constant expression: the compiler stops here
+        if (!holds) throw why;  // not a constant expression, so the compiler reports it
     }
 
     constexpr void AddStructure(uint8_t type, const char* layout, const SampleRow_t& row) {
         const size_t start = m_size;
         const SampleValue_t* cell = row.begin();
         AppendNumber(type, 1);
-        AppendNumber(0, 1);  // Length, known below
+        AppendNumber(0, 1);  // Length, set below
         AppendNumber((cell++)->number, 2);
 
         Strings_t strings;
@@ -88,27 +87,16 @@ class ClSampleBuilder {
 
     constexpr void AppendField(char letter, const SampleValue_t& cell, Strings_t& strings) {
         const bool isString = letter == 's' || letter == 'S';
-        Require(isString || cell.text == nullptr, "a text stands where the layout has a number");
+        Require(isString || cell.text == nullptr, "the row has a text where the layout has a number");
         const uint64_t number = cell.text == nullptr ? cell.number : strings.Append(cell.text);
         switch (letter) {
-            case 'S':
-                Require(cell.text != nullptr, "S takes a text");
-                break;
+            case 'S': Require(cell.text != nullptr, "S takes a text"); break;
             case 's':
-            case 'b':
-                AppendNumber(number, 1);
-                break;
-            case 'w':
-                AppendNumber(number, 2);
-                break;
-            case 'd':
-                AppendNumber(number, 4);
-                break;
-            case 'q':
-                AppendNumber(number, 8);
-                break;
-            default:
-                Require(false, "the layout holds a letter that isn't one");
+            case 'b': AppendNumber(number, 1); break;
+            case 'w': AppendNumber(number, 2); break;
+            case 'd': AppendNumber(number, 4); break;
+            case 'q': AppendNumber(number, 8); break;
+            default: Require(false, "the layout has an unknown letter");
         }
     }
 

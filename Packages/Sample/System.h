@@ -5,17 +5,17 @@
 
 // clang-format off
 consteval void AddSystem(ClSampleBuilder& table) {
-    // BIOS Information: of version 3.1, and of 2.0 without extension bytes. The second one doesn't know its version, and
-    // a decoder gives little of it.
+    // BIOS Information: of version 3.1, and of 2.0 without extension bytes. The second one has no version string, so a
+    // decoder shows little of it.
     table.Add(0, "ss w s b q | bb | bbbb | w", {
-        //handle vendor               version               segment date          size  characteristics and their extension
+        //handle vendor               version               segment date          size  characteristics, extension
         //       release, controller, extended size
         {0x0000, "Halvorsen Systems", "HVB2.14.0308",       0xF000, "03/08/2024", 0xFF, 0x000000007C099A80, 0x33, 0x07,
                  2, 14,   0x1A, 9, 32},
         {0x0001, "Halvorsen Systems", 0,                    0xE000, "11/30/2019", 0x0F, 0x0000000000004998},
     });
 
-    // System Information. The second one has the UUID of a partition, no serial number and a wake-up type of no table.
+    // System Information. The second one has the UUID of a partition, no serial number and an unlisted wake-up type.
     table.Add(1, "ssss | bbbbbbbbbbbbbbbb b | ss", {
         //handle manufacturer         product                  version  serial
         //       UUID
@@ -42,7 +42,7 @@ consteval void AddSystem(ClSampleBuilder& table) {
                  0,                   0x0300, 14, 0},
     });
 
-    // System Enclosure or Chassis: the server, and a slot for a blade that says little of itself.
+    // System Enclosure or Chassis: the server, and a blade slot with few facts.
     table.Add(3, "s b sss | bbbb | d bbbb | s", {
         //handle manufacturer         type  version  serial          asset tag    states, security
         //       OEM value   height, cords, elements and their length, SKU

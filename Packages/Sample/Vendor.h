@@ -19,8 +19,8 @@ consteval void AddVendor(ClSampleBuilder& table) {
         {0x8301, 0x04, 0, 0,  0, 0, 0x12AB05FA, 0x00000000,  0, 0, 0,  0,    0x00000000, 0x00000000, 0x00},
     });
 
-    // Firmware versions of the platform, nearly all of it strings, in three layouts. The first: a server board, told by
-    // the number 2, with the version of each component.
+    // Firmware versions of the platform, mostly strings, in three layouts. The first: a server board, marked by the
+    // number 2, with the version of each component.
     table.Add(148, "b sssssss ssssssss ssssssss ssssssss", {
         {0x9400, 2,
          "OMFI 2.14", "1.93.1147", "9.2.40.3017", "1.17", "0.98", "1.04", "1a000042",
@@ -39,7 +39,7 @@ consteval void AddVendor(ClSampleBuilder& table) {
          "1",          "20",      "0",    "2",             0,       "1",            0,    "1"},
     });
 
-    // The third: 25 pairs of a key and a value. From the eleventh on, the place of a pair gives its value a meaning.
+    // The third: 25 pairs of a key and a value. From the eleventh on, the place of a pair says what its value means.
     table.Add(148, "s 0: ss", {
         {0x9402, "Tarvelle",
          "BIOS",         "HVT1.07",   "uCode",         "0000002e", "MTC",        "1.12",  "GOP",      "3.4.5",
@@ -51,8 +51,8 @@ consteval void AddVendor(ClSampleBuilder& table) {
          "RC6",          "x"},
     });
 
-    // Firmware components. A group of Type 14 takes the strings for names in their order, so a text stands behind all
-    // names, and the disabled component is the last one.
+    // Firmware components. A group of type 14 takes the strings as names, in order. So a text comes after all names,
+    // and the disabled component is the last one.
     table.Add(221, "b: ss bbb w", {
         //handle count name           text  version
         {0xDD00, 4, "Start-up code",    0, 2,   14, 0, 0x0017,
