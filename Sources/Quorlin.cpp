@@ -10,8 +10,8 @@
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Sources/CrashReport.h"
-#include "Sources/Decoders.h"
 #include "Sources/PackageTrace.h"
+#include "Sources/SMBIOSType.h"
 
 #define TRACE(function, level, ...) PACKAGE_TRACE("Sources\\Quorlin", "Quorlin::" function, level, __VA_ARGS__)
 
@@ -22,17 +22,6 @@ namespace {
 constexpr uint32_t kSignatureMask = 0x0F0FF0;  // extended model, family and model, without stepping and type
 constexpr uint32_t kRecordHead = sizeof(uint32_t);
 constexpr uint32_t kBatch = 255;  // structures that one PrintStructure call takes
-
-// The types that a sweep takes, in this order.
-struct TypeRange_t {
-    uint8_t first, last;
-};
-constexpr TypeRange_t kSweptTypes[] = {
-    {0,   42 },
-    {126, 127},
-    {130, 131},
-    {221, 222}
-};
 
 }  // namespace
 
@@ -158,12 +147,15 @@ status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
     if (SMBIOSStructNumber != kSweep) {
         status = DecodeType(SMBIOSStructNumber, *m_items, nullptr);
     } else {
-        for (const TypeRange_t& range : kSweptTypes)
-            for (unsigned type = range.first; type <= range.last && status != kNoMemory; type++)
-                status = DecodeType(static_cast<uint8_t>(type), *m_items, nullptr);
+        for (const TypeRow_t& row : TypeRows())
+            if (row.sweep == Sweep_t::kSwept && status != kNoMemory) status = DecodeType(row.type, *m_items, nullptr);
     }
     if (status == kNoMemory) m_items->ReturnTo(before);
     return status;
+}
+
+ClSMBIOSType* Quorlin::DecoderFactory(uint8_t type) const {
+    return NewDecoder(type, {m_processorSignature, m_smbiosMajor, m_smbiosMinor});
 }
 
 status_t Quorlin::VisitTypes(std::span<const uint8_t> types, const Visit_t& visit) {
@@ -175,11 +167,6 @@ status_t Quorlin::VisitTypes(std::span<const uint8_t> types, const Visit_t& visi
         if (status == kNoMemory) break;
     }
     return status;
-}
-
-bool Quorlin::IsSwept(uint8_t type) {
-    return std::ranges::any_of(kSweptTypes,
-                               [type](const TypeRange_t& range) { return type >= range.first && type <= range.last; });
 }
 
 const Item_t& Quorlin::Item(uint32_t index) const { return (*m_items)[index]; }

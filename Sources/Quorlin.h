@@ -71,8 +71,6 @@ class Quorlin : public BaseAbstraction {
 
     // Initialize without the crash report, for this tree's own hosts.
     status_t BringUp();
-    // Whether a sweep takes this type.
-    static bool IsSwept(uint8_t type);
     // Appends an item to `text` as GetNextItem gives it.
     static void AppendLine(const Item_t& item, std::string& text);
     // An item without a copy, for this tree's own hosts; it is valid until the next GetTypes or UnInitialize. Expects

@@ -46,7 +46,7 @@ ClText ShowStringOrNone(const Field_t& field) {
     return number == 0 ? "None" : RecordString(number, field.structure.Data());
 }
 
-ClText ShowFoundText(const Field_t& field) { return field.row.rendering.text; }
+ClText ShowFixedText(const Field_t& field) { return field.row.rendering.text; }
 
 ClText ShowParsedString(const Field_t& field) {
     if (field.Byte() == 0) return "None";
@@ -58,6 +58,23 @@ ClText ShowEnum8(const Field_t& field) {
     const Rendering_t& rendering = field.row.rendering;
     return TextOf(rendering.table, field.Byte(), rendering.text);
 }
+
+static ClText EnumOfBits(const Rendering_t& rendering, uint32_t value) {
+    const uint32_t first = rendering.number & 0xFF, count = rendering.number >> 8;
+    return TextOf(rendering.table, value >> first & ((1u << count) - 1), rendering.text);
+}
+
+ClText ShowEnumOfBits8(const Field_t& field) { return EnumOfBits(field.row.rendering, field.Byte()); }
+ClText ShowEnumOfBits16(const Field_t& field) { return EnumOfBits(field.row.rendering, field.Word()); }
+
+std::string BitsOrNone(std::span<const CodeText_t> table, uint32_t value, uint32_t count) {
+    return (value & ((1u << count) - 1)) == 0 ? "None" : BitsText(table, value, count);
+}
+
+static ClText BitWords(const Rendering_t& bits, uint32_t value) { return BitsOrNone(bits.table, value, bits.number); }
+
+ClText ShowBitWords8(const Field_t& field) { return BitWords(field.row.rendering, field.Byte()); }
+ClText ShowBitWords16(const Field_t& field) { return BitWords(field.row.rendering, field.Word()); }
 
 static ClText YesNo(const Field_t& field, uint32_t value) {
     return (value >> field.row.rendering.number & 1) != 0 ? "Yes" : "No";

@@ -76,6 +76,8 @@ std::string HexText(uint64_t value, uint32_t width);
 // The texts of the set bits below bit `count`, in rising order, joined by ", ". A set bit without a row adds only the
 // separator.
 std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t count);
+// The same, but "None" if none of these bits is set.
+std::string BitsOrNone(std::span<const CodeText_t> table, uint32_t value, uint32_t count);
 
 // The renderings that decoders share. The number in a name is the field's width in bits.
 ClText ShowDec8(const Field_t& field);
@@ -87,9 +89,13 @@ ClText ShowHex32(const Field_t& field);
 ClText ShowHex64(const Field_t& field);
 ClText ShowString(const Field_t& field);
 ClText ShowStringOrNone(const Field_t& field);
-ClText ShowFoundText(const Field_t& field);
+ClText ShowFixedText(const Field_t& field);
 ClText ShowParsedString(const Field_t& field);
 ClText ShowEnum8(const Field_t& field);
+ClText ShowEnumOfBits8(const Field_t& field);
+ClText ShowEnumOfBits16(const Field_t& field);
+ClText ShowBitWords8(const Field_t& field);
+ClText ShowBitWords16(const Field_t& field);
 ClText ShowYesNo8(const Field_t& field);
 ClText ShowYesNo16(const Field_t& field);
 ClText ShowYesNo32(const Field_t& field);
@@ -109,12 +115,31 @@ constexpr Rendering_t Hex8Digits(uint32_t digits) { return {ShowHex8, {}, {}, di
 constexpr Rendering_t Hex16Digits(uint32_t digits) { return {ShowHex16, {}, {}, digits}; }
 inline constexpr Rendering_t String{ShowString};              // number 0 shows the first string, as 1 does
 inline constexpr Rendering_t StringOrNone{ShowStringOrNone};  // "None" for number 0
-// A text that the decoder has found itself, such as a string that no field numbers.
-constexpr Rendering_t FoundText(std::string_view text) { return {ShowFoundText, {}, text}; }
+// One text whatever the field contains: a constant, or a string that the decoder has found itself.
+constexpr Rendering_t FixedText(std::string_view text) { return {ShowFixedText, {}, text}; }
 // A string of a parsed record; "None" for number 0 and for a number without a string.
 inline constexpr Rendering_t ParsedText{ShowParsedString};
 constexpr Rendering_t Enum8(std::span<const CodeText_t> table, std::string_view otherwise) {
     return {ShowEnum8, table, otherwise};
+}
+// The word of `count` bits, the lowest of which is `first`.
+constexpr uint32_t BitRange(uint32_t first, uint32_t count) { return first | count << 8; }
+constexpr Rendering_t EnumOfBits8(uint32_t first, uint32_t count, std::span<const CodeText_t> table,
+                                  std::string_view otherwise) {
+    return {ShowEnumOfBits8, table, otherwise, BitRange(first, count)};
+}
+constexpr Rendering_t EnumOfBits16(uint32_t first, uint32_t count, std::span<const CodeText_t> table,
+                                   std::string_view otherwise) {
+    return {ShowEnumOfBits16, table, otherwise, BitRange(first, count)};
+}
+// The words of the set bits below bit `count`, joined by ", "; "None" if none of these bits is set.
+constexpr Rendering_t BitWords8(std::span<const CodeText_t> table) { return {ShowBitWords8, table, {}, 8}; }
+constexpr Rendering_t BitWords16(std::span<const CodeText_t> table, uint32_t count) {
+    return {ShowBitWords16, table, {}, count};
+}
+// The text of a code in a rendering's table, for decoders that offer it as a function too.
+constexpr Word_t WordOf(const Rendering_t& enumeration, uint32_t code) {
+    return TextOf(enumeration.table, code, enumeration.text);
 }
 // "Yes" or "No" from a bit of the field.
 constexpr Rendering_t YesNo8(uint32_t bit) { return {ShowYesNo8, {}, {}, bit}; }
@@ -129,8 +154,12 @@ inline constexpr Rendering_t DeviceNumber{ShowDeviceNumber}, FunctionNumber{Show
 // One of two texts from a bit of the field: code 0 of the table when it is clear, code 1 when it is set.
 constexpr Rendering_t Bit8(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit8, table, {}, bit}; }
 constexpr Rendering_t Bit32(std::span<const CodeText_t> table, uint32_t bit) { return {ShowBit32, table, {}, bit}; }
-// A field that a static member of its decoder renders, such as ClSMBIOSType7::GetAssociativityString.
+// A field that a static member of its decoder renders, such as ClSMBIOSType7::GetCacheSizeString.
 template <auto GetText>
-inline constexpr Rendering_t Text8{[](const Field_t& field) -> ClText { return GetText(field.Byte()); }};
+constexpr Rendering_t Text8(std::span<const CodeText_t> table = {}) {
+    return {[](const Field_t& field) -> ClText { return GetText(field.Byte()); }, table};
+}
 template <auto GetText>
-inline constexpr Rendering_t Text16{[](const Field_t& field) -> ClText { return GetText(field.Word()); }};
+constexpr Rendering_t Text16(std::span<const CodeText_t> table = {}) {
+    return {[](const Field_t& field) -> ClText { return GetText(field.Word()); }, table};
+}

@@ -1,70 +1,19 @@
 #include "Sources/SMBIOSType.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <new>
 #include <utility>
 
 #include "Sources/PackageTrace.h"
+#include "Sources/SharedWords.h"
 
 #define TRACE(function, level, ...) PACKAGE_TRACE("Sources\\SMBIOSType", "ClSMBIOSType::" function, level, __VA_ARGS__)
 
 namespace {
 
-constexpr CodeText_t kErrorGranularities[] = {
-    {1, "Other"                 },
-    {2, "Unknown"               },
-    {3, "Device level"          },
-    {4, "Memory partition level"},
-};
-static_assert(IsRising(kErrorGranularities));
-
-constexpr CodeText_t kErrorOperations[] = {
-    {1, "Other"        },
-    {2, "Unknown"      },
-    {3, "Read"         },
-    {4, "Write"        },
-    {5, "Partial write"},
-};
-static_assert(IsRising(kErrorOperations));
-
-constexpr CodeText_t kErrorTypes[] = {
-    {1,  "Other"                     },
-    {2,  "Unknown"                   },
-    {3,  "OK"                        },
-    {4,  "Bad read"                  },
-    {5,  "Parity error"              },
-    {6,  "Single-bit error"          },
-    {7,  "Double-bit error"          },
-    {8,  "Multi-bit error"           },
-    {9,  "Nibble error"              },
-    {10, "Checksum error"            },
-    {11, "CRC error"                 },
-    {12, "Corrected single-bit error"},
-    {13, "Corrected error"           },
-    {14, "Uncorrectable error"       },
-};
-static_assert(IsRising(kErrorTypes));
-
-constexpr CodeText_t kOnboardDeviceTypes[] = {
-    {1,  "Other"          },
-    {2,  "Unknown"        },
-    {3,  "Video"          },
-    {4,  "SCSI Controller"},
-    {5,  "Ethernet"       },
-    {6,  "Token Ring"     },
-    {7,  "Sound"          },
-    {8,  "PATA Controller"},
-    {9,  "SATA Controller"},
-    {10, "SAS Controller" },
-};
-static_assert(IsRising(kOnboardDeviceTypes));
-
-// Traces in the name of the decoder, whose number is in the title's type mark.
-void TraceNullData(std::string_view title, const char* message) {
+// Traces in the name of the type's decoder.
+void TraceNullData(int type, const char* message) {
     if (!DebugIsOn(packageTraceHandle, kError)) return;
-    const size_t mark = title.rfind(' ');
-    const int type = mark == title.npos ? 0 : static_cast<int>(std::strtol(title.data() + mark + 1, nullptr, 10));
     char source[32], function[48];
     std::snprintf(source, sizeof source, "Sources\\SMBIOSType%03d", type);
     std::snprintf(function, sizeof function, "ClSMBIOSType%d::PrintStructure", type);
@@ -125,19 +74,10 @@ std::string ClSMBIOSType::GetHexString(uint64_t value, uint32_t width) { return 
 
 const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) { return RecordString(strNum, pData); }
 
-Word_t ClSMBIOSType::GetErrorGranularityString(uint8_t code) {
-    return TextOf(kErrorGranularities, code, "Error: Invalid Granularity");
-}
-
-Word_t ClSMBIOSType::GetErrorOperationString(uint8_t code) {
-    return TextOf(kErrorOperations, code, "Error: Invalid Operation");
-}
-
-Word_t ClSMBIOSType::GetErrorTypeString(uint8_t code) { return TextOf(kErrorTypes, code, "Error: Invalid Type"); }
-
-Word_t ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
-    return TextOf(kOnboardDeviceTypes, code & 0x7F, "Error: Invalid Type");
-}
+Word_t ClSMBIOSType::GetErrorGranularityString(uint8_t code) { return WordOf(ErrorGranularity, code); }
+Word_t ClSMBIOSType::GetErrorOperationString(uint8_t code) { return WordOf(ErrorOperation, code); }
+Word_t ClSMBIOSType::GetErrorTypeString(uint8_t code) { return WordOf(ErrorType, code); }
+Word_t ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) { return WordOf(OnboardDeviceType, code & 0x7F); }
 
 void ClSMBIOSType::BeginStructure(const uint8_t* pData) {
     m_instanceCounter++;
@@ -147,22 +87,29 @@ void ClSMBIOSType::BeginStructure(const uint8_t* pData) {
     m_structure.type = pData[0];
 }
 
-bool ClSMBIOSType::PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace) {
-    BeginStructure(pData);
-    OrDrop([&] { m_items->Add(title, {}, m_structure.As(ItemKind_t::kTitle)); });
-    if (pData == nullptr) TraceNullData(title, nullTrace);
-    return pData != nullptr;
-}
-
-bool ClSMBIOSType::PrintHead(std::string_view title, const uint8_t* pData) {
-    static constexpr ItemRow_t kHead[] = {
+bool ClSMBIOSType::PrintHead(const uint8_t* pData, const char* nullTrace) {
+    static constexpr ItemRow_t kHeader[] = {
         {"Type",   0x00, Dec8 },
         {"Length", 0x01, Dec8 },
         {"Handle", 0x02, Dec16},
     };
-    if (!PrintTitle(title, pData)) return false;
-    PrintItems(kHead, ClStructure::FixedBytes(pData, 4));
+    BeginStructure(pData);
+    if (m_row.head != Head_t::kFirstTitle || m_instanceCounter == 1)
+        OrDrop([&] { m_items->Add(m_row.Title(), {}, m_structure.As(ItemKind_t::kTitle)); });
+    if (pData == nullptr) {
+        TraceNullData(m_row.type, nullTrace);
+        return false;
+    }
+    if (m_row.head == Head_t::kTitleAndHeader) PrintItems(kHeader, ClStructure::FixedBytes(pData, 4));
     return true;
+}
+
+ClStructure ClSMBIOSType::View(const uint8_t* pData) const {
+    return m_row.view == View_t::kWholeRecord ? ClStructure::WholeRecord(pData) : ClStructure::FormattedArea(pData);
+}
+
+void ClSMBIOSType::PrintRows(std::span<const ItemRow_t> rows, const uint8_t* pData) {
+    if (PrintHead(pData)) PrintItems(rows, View(pData));
 }
 
 void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure) {
@@ -180,7 +127,7 @@ void ClSMBIOSType::PrintStrings(std::string_view key, uint8_t count, const ClStr
     ClStringWalk strings(structure.Data());
     for (uint8_t left = count; left > 0; left--) {
         const ItemRow_t string[] = {
-            {key, 0, FoundText(strings.NextText())},
+            {key, 0, FixedText(strings.NextText())},
         };
         PrintItems(string, structure);
     }

@@ -10,12 +10,14 @@
 #include "Packages/OS/Status.h"
 #include "Sources/Items.h"
 #include "Sources/Rows.h"
+#include "Sources/Types.h"
 
 // Base of the decoders. A decoder serves all structures of one type during one GetTypes of a package.
 class ClSMBIOSType {
   public:
     virtual ~ClSMBIOSType() = default;
-    ClSMBIOSType() = default;
+    // Expects a type that has a row in the table of types.
+    explicit ClSMBIOSType(uint8_t type) : m_row(*FindType(type)) {}
     ClSMBIOSType(const ClSMBIOSType&) = delete;
     ClSMBIOSType& operator=(const ClSMBIOSType&) = delete;
 
@@ -34,6 +36,7 @@ class ClSMBIOSType {
     static std::string GetHexString(uint64_t value, uint32_t width);
     // RecordString of Structure.h.
     static const char* GetString(uint32_t strNum, const uint8_t* pData);
+    // TextOf for the words of the rows that have the rendering of this name.
     static Word_t GetErrorGranularityString(uint8_t code);
     static Word_t GetErrorOperationString(uint8_t code);
     static Word_t GetErrorTypeString(uint8_t code);
@@ -44,10 +47,13 @@ class ClSMBIOSType {
     void Fill_String_Data(ClText key, ClText value, uint8_t group);
     // Counts the structure whose items follow. `pData` may be null.
     void BeginStructure(const uint8_t* pData);
-    // The same, and adds the title as a group item. Traces and returns false for a null `pData`.
-    bool PrintTitle(std::string_view title, const uint8_t* pData, const char* nullTrace = "\npData is NULL");
-    // The title, then the items "Type", "Length" and "Handle".
-    bool PrintHead(std::string_view title, const uint8_t* pData);
+    // The same, and adds what the type's structures begin with: the title, and "Type", "Length" and "Handle". Traces
+    // and returns false for a null `pData`.
+    bool PrintHead(const uint8_t* pData, const char* nullTrace = "\npData is NULL");
+    // The structure in the view of its type.
+    ClStructure View(const uint8_t* pData) const;
+    // PrintHead, then the items of `rows`.
+    void PrintRows(std::span<const ItemRow_t> rows, const uint8_t* pData);
     void PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure);
     // Items of one key for strings 1 to `count` of the area.
     void PrintStrings(std::string_view key, uint8_t count, const ClStructure& structure);
@@ -56,13 +62,9 @@ class ClSMBIOSType {
     int32_t m_instanceCounter = 0;
 
   private:
+    const TypeRow_t& m_row;
     ClItemList m_ownItems;
     ClItemList* m_items = &m_ownItems;
     size_t m_readCursor = 0;
     ItemFacts_t m_structure;  // at hand
 };
-
-// The three codes of the memory error structures.
-inline constexpr Rendering_t ErrorType = Text8<ClSMBIOSType::GetErrorTypeString>,
-                             ErrorGranularity = Text8<ClSMBIOSType::GetErrorGranularityString>,
-                             ErrorOperation = Text8<ClSMBIOSType::GetErrorOperationString>;

@@ -1,14 +1,11 @@
 // BIOS Information (the SMBIOS standard, type 0), from the parsed record.
-#include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
 #include "Sources/Decoders.h"
 #include "Sources/PackageTrace.h"
 
 namespace {
 
-// Decimal, (the byte + 1) * 64, then " KB".
 ClText ShowRomSize(const Field_t& field) { return std::to_string((field.Byte() + 1) * 64) + " KB"; }
 
-// Lower-case hexadecimal, "h", then decimal in parentheses, as in "1ah (26)"; 255 says that there is none.
 ClText ShowRelease(const Field_t& field) {
     const uint8_t release = field.Byte();
     if (release == 255) return "255 (Not Supported)";
@@ -22,7 +19,7 @@ constexpr ItemRow_t kVersion[] = {
     {"BIOS Version", 0x05, ParsedText},
 };
 
-// Shown where the number of the version string isn't 0: a BIOS without a version ends its structure there.
+// A BIOS without a version ends its structure there.
 constexpr ItemRow_t kItems[] = {
     {"Starting Address Segment",                                                                      0x06, Hex16      },
     {"BIOS Release Date",                                                                             0x08, ParsedText },
@@ -77,15 +74,30 @@ constexpr ItemRow_t kItems[] = {
     {"Embedded Controller Firmware Minor Release",                                                    0x17, Release    },
 };
 
+class ClSMBIOSType0 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType0() : ClSMBIOSType(0) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (!PrintHead(pData)) return;
+        const ClStructure structure = View(pData);
+        PrintItems(kVersion, structure);
+        if (structure.Byte(0x05) == 0) {
+            PACKAGE_TRACE("Sources\\SMBIOSType000", "ClSMBIOSType0::PrintStructure", kError, "\nBIOS Version is empty");
+            return;
+        }
+        PrintItems(kItems, structure);
+    }
+};
+
 }  // namespace
 
-void ClSMBIOSType0::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("BIOS Information {Type 0}", pData)) return;
-    const ClStructure structure = ClStructure::FixedBytes(pData, kBiosBytes);
-    PrintItems(kVersion, structure);
-    if (structure.Byte(0x05) == 0) {
-        PACKAGE_TRACE("Sources\\SMBIOSType000", "ClSMBIOSType0::PrintStructure", kError, "\nBIOS Version is empty");
-        return;
-    }
-    PrintItems(kItems, structure);
+ClSMBIOSType* NewType0(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType0; }
+
+void DescribeType0(ClDescription& description) {
+    description.Explain(ShowRomSize, "decimal, (the byte + 1) * 64, then ` KB`");
+    description.Explain(ShowRelease,
+                        "lower-case hexadecimal and `h`, then decimal in parentheses, as in "
+                        "`1ah (26)`; `255 (Not Supported)` for 255");
+    description.Rows(kVersion);
+    description.Rows(kItems, "Structures in which the number of the version string isn't 0");
 }

@@ -1,5 +1,4 @@
 // System Information (the SMBIOS standard, type 1), from the parsed record.
-#include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
 #include "Sources/Decoders.h"
 
 namespace {
@@ -17,8 +16,6 @@ constexpr CodeText_t kWakeUpTypes[] = {
 };
 static_assert(IsRising(kWakeUpTypes));
 
-// The 16 bytes in the structure's order, none swapped, each in lower-case hexadecimal without a zero in front, joined
-// by blanks.
 ClText ShowUuid(const Field_t& field) {
     std::string text;
     for (size_t place = 0; place < 16; place++) {
@@ -43,7 +40,11 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType1::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Information {Type 1}", pData)) return;
-    PrintItems(kItems, ClStructure::FixedBytes(pData, kSystemBytes));
+DECODER_OF_ROWS(1, kItems)
+
+void DescribeType1(ClDescription& description) {
+    description.Explain(ShowUuid,
+                        "the 16 bytes in the order of the structure, each in lower-case hexadecimal without a "
+                        "leading zero, joined by blanks");
+    description.Rows(kItems);
 }

@@ -1,5 +1,4 @@
 // Baseboard Information (the SMBIOS standard, type 2), from the parsed record.
-#include "Packages/FERROXExternal/StructureStore/ParsedRecords.h"
 #include "Sources/Decoders.h"
 
 namespace {
@@ -30,10 +29,7 @@ constexpr CodeText_t kBoardTypes[] = {
 };
 static_assert(IsRising(kBoardTypes));
 
-// The features of the set bits, joined by ", "; "None" for 0.
-ClText ShowFeatures(const Field_t& field) { return field.Byte() == 0 ? "None" : BitsText(kFeatures, field.Byte(), 8); }
-
-constexpr Rendering_t Features{ShowFeatures}, BoardType = Enum8(kBoardTypes, "Error: Invalid Type");
+constexpr Rendering_t Features = BitWords8(kFeatures), BoardType = Enum8(kBoardTypes, "Error: Invalid Type");
 
 constexpr ItemRow_t kItems[] = {
     {"Manufacturer",         0x04, ParsedText    },
@@ -49,7 +45,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType2::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Base board Information {Type 2}", pData)) return;
-    PrintItems(kItems, ClStructure::FixedBytes(pData, kBaseboardBytes));
-}
+ROWS_DECODER(2, kItems)

@@ -65,30 +65,27 @@ constexpr CodeText_t kSecurityStatuses[] = {
 };
 static_assert(IsRising(kSecurityStatuses));
 
-// A chassis type without its lock bit; "None" for 0.
 ClText ShowChassisType(const Field_t& field) {
     const uint8_t type = field.Byte();
     if (type == 0) return "None";
     return TextOf(kChassisTypes, type & kTypeMask, "Error: Invalid Type");
 }
 
-// Whether the lock bit is set; "None" for 0.
 ClText ShowLock(const Field_t& field) {
     const uint8_t type = field.Byte();
     if (type == 0) return "None";
     return (type & kLockPresent) != 0 ? "Present" : "Not Present or Unknown";
 }
 
-// Rack units of 1.75 inches, in whole centimetres, decimal; "Unspecified" for 0.
+// The field is in rack units of 1.75 inches.
 ClText ShowHeight(const Field_t& field) {
     const uint8_t units = field.Byte();
     return units == 0 ? "Unspecified" : std::to_string(static_cast<int>(units * 4.445)) + " cm";
 }
 
-// Decimal; "Unspecified" for 0.
 ClText ShowCount(const Field_t& field) { return field.Byte() == 0 ? "Unspecified" : std::to_string(field.Byte()); }
 
-constexpr Rendering_t ChassisType{ShowChassisType}, Lock{ShowLock}, Height{ShowHeight}, Count{ShowCount},
+constexpr Rendering_t ChassisType{ShowChassisType, kChassisTypes}, Lock{ShowLock}, Height{ShowHeight}, Count{ShowCount},
     State = Enum8(kStates, "Error: Invalid State"), Security = Enum8(kSecurityStatuses, "Error: Invalid Status");
 
 constexpr ItemRow_t kItems[] = {
@@ -109,7 +106,14 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType3::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Enclosure or Chassis Types {Type 3}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
+DECODER_OF_ROWS(3, kItems)
+
+void DescribeType3(ClDescription& description) {
+    description.Explain(ShowChassisType,
+                        "bits 0 to 6: a word of the list, else `Error: Invalid Type`; `None` if the whole byte is 0");
+    description.Explain(ShowLock,
+                        "bit 7: set `Present`, clear `Not Present or Unknown`; `None` if the whole byte is 0");
+    description.Explain(ShowHeight, "whole centimetres in decimal, then ` cm`; `Unspecified` for 0");
+    description.Explain(ShowCount, "decimal; `Unspecified` for 0");
+    description.Rows(kItems);
 }

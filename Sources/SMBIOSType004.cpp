@@ -1,8 +1,8 @@
 // Processor Information (the SMBIOS standard, type 4).
 #include <bit>
 
-#include "Sources/Decoders.h"
 #include "Sources/ProcessorFamilies.h"
+#include "Sources/SMBIOSType004.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr CodeText_t kProcessorTypes[] = {
 };
 static_assert(IsRising(kProcessorTypes));
 
-// On a processor of this signature two families go by another name.
+// On a processor of this signature two families have other names.
 constexpr uint32_t kRenamingSignature = 0x000406E0;
 constexpr CodeText_t kRenamedFamilies[] = {
     {0x0B, "Lumetra(R) Ostrel(R) CPU"},
@@ -105,7 +105,7 @@ constexpr CodeText_t kProcessorUpgrades[] = {
 };
 static_assert(IsRising(kProcessorUpgrades));
 
-// Each text closes itself, so that nothing stands between two of them.
+// Each text ends with its own separator.
 constexpr CodeText_t kCharacteristics[] = {
     {2, "64 -bit capable |"          },
     {3, "Multi-Core |"               },
@@ -116,25 +116,20 @@ constexpr CodeText_t kCharacteristics[] = {
 };
 static_assert(IsRising(kCharacteristics));
 
-// A processor family; two of them have other words where the processor signature is 000406E0h.
 ClText ShowFamily8(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Byte());
 }
 
-// A processor family; two of them have other words where the processor signature is 000406E0h.
 ClText ShowFamily16(const Field_t& field) {
     return static_cast<const ClSMBIOSType4&>(field.decoder).GetProcessorFamilyString(field.Word());
 }
 
-// Hexadecimal: the upper half first, with 8 digits; the lower half follows with those that it needs.
 ClText ShowProcessorId(const Field_t& field) {
     const size_t offset = field.row.offset;
     return ClSMBIOSType::GetHexString(field.structure.Dword(offset + 4), 8) + ' ' +
            ClSMBIOSType::GetHexString(field.structure.Dword(offset), 1);
 }
 
-// Volts with one decimal, then "V". Bit 7 set: bits 0 to 6 are tenths. Clear: the lowest set one of bits 0, 1 and 2
-// counts, and says 5.0, 3.3 and 2.9. "None" for 0 and where no such bit is set.
 ClText ShowVoltage(const Field_t& field) {
     constexpr uint8_t kTenths = 0x80;
     constexpr uint32_t kVoltages[] = {50, 33, 29};  // tenths, by bit
@@ -148,7 +143,6 @@ ClText ShowVoltage(const Field_t& field) {
     return std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10) + 'V';
 }
 
-// Decimal, 2 digits or more, then a blank, or for 65535, which names no cache, the row's text.
 ClText ShowCacheHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
     std::string text = std::to_string(handle);
@@ -156,16 +150,15 @@ ClText ShowCacheHandle(const Field_t& field) {
     return text.append(handle == 0xFFFF ? field.row.rendering.text : " ");
 }
 
-// The characteristics of the set bits, each with a closing bar; "None" for 0.
 ClText ShowCharacteristics(const Field_t& field) {
     const uint16_t characteristics = field.Word();
     return characteristics == 0 ? "None" : ClSMBIOSType4::GetProcessorCharacteristicsString(characteristics);
 }
 
-constexpr Rendering_t Family8{ShowFamily8}, Family16{ShowFamily16}, ProcessorId{ShowProcessorId}, Voltage{ShowVoltage},
-    Characteristics{ShowCharacteristics},
+constexpr Rendering_t Family8{ShowFamily8, kProcessorFamilies}, Family16{ShowFamily16, kProcessorFamilies},
+    ProcessorId{ShowProcessorId}, Voltage{ShowVoltage}, Characteristics{ShowCharacteristics},
     MHz = Dec16WithUnit(" MHz"), ProcessorType = Enum8(kProcessorTypes, "Unknown"),
-    Status = Text8<ClSMBIOSType4::GetProcessorStatusString>, Upgrade = Text8<ClSMBIOSType4::GetProcessorUpgradeString>,
+    Status = Enum8(kStatuses, "Unknown"), Upgrade = Enum8(kProcessorUpgrades, "Unknown"),
     L1Handle{ShowCacheHandle, {}, " (No L1 handle or No cache information structure)"},
     L2Handle{ShowCacheHandle, {}, " (No L2 handle or No cache information structure)"},
     L3Handle{ShowCacheHandle, {}, " (No L3 handle or No cache information structure)"};
@@ -207,11 +200,9 @@ Word_t ClSMBIOSType4::GetProcessorFamilyString(uint16_t family) const {
     return TextOf(kRenamedFamilies, family, text);
 }
 
-Word_t ClSMBIOSType4::GetProcessorStatusString(uint16_t status) { return TextOf(kStatuses, status, "Unknown"); }
+Word_t ClSMBIOSType4::GetProcessorStatusString(uint16_t status) { return WordOf(Status, status); }
 
-Word_t ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) {
-    return TextOf(kProcessorUpgrades, upgrade, "Unknown");
-}
+Word_t ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) { return WordOf(Upgrade, upgrade); }
 
 std::string ClSMBIOSType4::GetProcessorCharacteristicsString(uint16_t characteristics) {
     std::string text;
@@ -220,7 +211,29 @@ std::string ClSMBIOSType4::GetProcessorCharacteristicsString(uint16_t characteri
     return text;
 }
 
-void ClSMBIOSType4::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Processor Information {Type 4}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
+void ClSMBIOSType4::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+
+ClSMBIOSType* NewType4(const DecoderInput_t& input) {
+    return new (std::nothrow) ClSMBIOSType4(input.processorSignature);
+}
+
+void DescribeType4(ClDescription& description) {
+    constexpr std::string_view kHandleWords = "decimal, 2 digits or more, then a blank, or for 65535 the text";
+    constexpr std::string_view kFamilyWords =
+        "a word of the list, else `Unknown`; with the processor signature 000406E0h 0Bh reads `Lumetra(R) Ostrel(R) "
+        "CPU` "
+        "and 0Fh `Lumetra(R) Vantor(R) CPU`";
+    description.Explain(ShowFamily8, kFamilyWords);
+    description.Explain(ShowFamily16, kFamilyWords);
+    description.Explain(
+        ShowProcessorId,
+        "hexadecimal: the upper half with 8 digits, a blank, then the lower half with as many as it needs");
+    description.Explain(
+        ShowVoltage,
+        "volts with one decimal, then `V`: with bit 7 set, bits 0 to 6 are tenths; else the lowest set bit "
+        "of 0, 1 and 2 counts: 5.0, 3.3, 2.9; else `None`");
+    description.Explain(ShowCharacteristics, "the words of the set bits without a separator; `None` for 0");
+    description.Explain(ShowCacheHandle, kHandleWords);
+    description.Rows(kItems);
+    description.Words("Processor Characteristics", kCharacteristics, true);
 }

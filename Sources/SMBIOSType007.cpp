@@ -1,5 +1,5 @@
 // Cache Information (the SMBIOS standard, type 7).
-#include "Sources/Decoders.h"
+#include "Sources/SMBIOSType007.h"
 
 namespace {
 
@@ -71,7 +71,6 @@ constexpr CodeText_t kAssociativities[] = {
 };
 static_assert(IsRising(kAssociativities));
 
-// Level, socket, location and operational mode, joined by "; ".
 ClText ShowConfiguration(const Field_t& field) {
     const uint16_t configuration = field.Word();
     std::string text{'L', static_cast<char>('1' + (configuration & kLevelMask))};
@@ -80,18 +79,16 @@ ClText ShowConfiguration(const Field_t& field) {
     return text.append("; ").append(TextOf(kModes, configuration >> kModeShift & 3, {}));
 }
 
-// Decimal, then " Ns"; 0 is unknown.
 ClText ShowSpeed(const Field_t& field) {
     const uint8_t speed = field.Byte();
     return std::to_string(speed) + (speed == 0 ? " Ns (unknown)" : " Ns ");
 }
 
 constexpr Rendering_t Configuration{ShowConfiguration}, Speed{ShowSpeed},
-    CacheSize = Text16<ClSMBIOSType7::GetCacheSizeString>,
-    MemoryTypes = Text16<ClSMBIOSType7::GetCacheMemoryTypeString>,
+    CacheSize = Text16<ClSMBIOSType7::GetCacheSizeString>(), MemoryTypes = BitWords16(kMemoryTypes, 7),
     ErrorCorrection = Enum8(kErrorCorrectionTypes, "Error: Invalid Type"),
     SystemCacheType = Enum8(kSystemCacheTypes, "Error: Invalid Type"),
-    Associativity = Text8<ClSMBIOSType7::GetAssociativityString>;
+    Associativity = Enum8(kAssociativities, "Error: Invalid Type");
 
 constexpr ItemRow_t kItems[] = {
     {"Socket Designation",    0x04, StringOrNone   },
@@ -115,16 +112,23 @@ std::string ClSMBIOSType7::GetCacheSizeString(uint16_t size) {
     return kilobytes > 1024 ? std::to_string(kilobytes >> 10) + " M" : std::to_string(kilobytes) + " K";
 }
 
-std::string ClSMBIOSType7::GetCacheMemoryTypeString(uint16_t types) {
-    const std::string text = BitsText(kMemoryTypes, types, 7);
-    return text.empty() ? "None" : text;
-}
+std::string ClSMBIOSType7::GetCacheMemoryTypeString(uint16_t types) { return BitsOrNone(kMemoryTypes, types, 7); }
 
-Word_t ClSMBIOSType7::GetAssociativityString(uint8_t associativity) {
-    return TextOf(kAssociativities, associativity, "Error: Invalid Type");
-}
+Word_t ClSMBIOSType7::GetAssociativityString(uint8_t associativity) { return WordOf(Associativity, associativity); }
 
-void ClSMBIOSType7::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Cache Information {Type 7}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
+void ClSMBIOSType7::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+
+ClSMBIOSType* NewType7(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType7; }
+
+void DescribeType7(ClDescription& description) {
+    description.Explain(ShowConfiguration,
+                        "`L` and the level (bits 0 to 2, plus 1), `Socketed` or `Not Socketed` (bit 3), location "
+                        "(bits 5 and 6) and operational mode (bits 8 and 9), joined by `; `");
+    description.Explain(ShowSpeed, "decimal, then ` Ns `; `0 Ns (unknown)` for 0");
+    description.Explain(CacheSize.render,
+                        "bits 0 to 14 are the size in KB, or in 64 KB with bit 15 set: decimal and ` K` up to 1024 "
+                        "KB, else in MB with ` M`");
+    description.Rows(kItems);
+    description.Words("Cache Configuration: location", kLocations);
+    description.Words("Cache Configuration: operational mode", kModes);
 }

@@ -1,5 +1,5 @@
 // Port Connector Information (the SMBIOS standard, type 8).
-#include "Sources/Decoders.h"
+#include "Sources/SMBIOSType008.h"
 
 namespace {
 
@@ -92,8 +92,8 @@ constexpr CodeText_t kPortTypes[] = {
 };
 static_assert(IsRising(kPortTypes));
 
-constexpr Rendering_t ConnectorType = Text8<ClSMBIOSType8::GetConnectorTypeString>,
-                      PortType = Text8<ClSMBIOSType8::GetPortTypeString>;
+constexpr Rendering_t ConnectorType = Enum8(kConnectorTypes, "Error: Invalid Type"),
+                      PortType = Enum8(kPortTypes, "Error: Invalid Type");
 
 constexpr ItemRow_t kItems[] = {
     {"Internal Reference Designator", 0x04, StringOrNone },
@@ -105,13 +105,12 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-Word_t ClSMBIOSType8::GetConnectorTypeString(uint8_t type) {
-    return TextOf(kConnectorTypes, type, "Error: Invalid Type");
-}
+Word_t ClSMBIOSType8::GetConnectorTypeString(uint8_t type) { return WordOf(ConnectorType, type); }
 
-Word_t ClSMBIOSType8::GetPortTypeString(uint8_t type) { return TextOf(kPortTypes, type, "Error: Invalid Type"); }
+Word_t ClSMBIOSType8::GetPortTypeString(uint8_t type) { return WordOf(PortType, type); }
 
-void ClSMBIOSType8::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Port Connector Information {Type 8}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
-}
+void ClSMBIOSType8::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+
+ClSMBIOSType* NewType8(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType8; }
+
+void DescribeType8(ClDescription& description) { description.Rows(kItems); }

@@ -1,5 +1,5 @@
 // System Slots (the SMBIOS standard, type 9).
-#include "Sources/Decoders.h"
+#include "Sources/SMBIOSType009.h"
 
 namespace {
 
@@ -131,18 +131,14 @@ bool HasAddress(uint8_t slotType) {
     return slotType == 0x06 || slotType == 0x0F || slotType == 0x12 || (slotType >= 0xA5 && slotType <= 0xAA);
 }
 
-// Hexadecimal, 2 digits or more; "None" for 0.
 ClText ShowSlotId(const Field_t& field) {
     return field.Word() == 0 ? "None" : ClSMBIOSType::GetHexString(field.Word(), 2);
 }
-// The same text, whatever the structure holds.
-ClText ShowNoAddress(const Field_t&) { return "0FFh"; }
-
-constexpr Rendering_t SlotType = Text8<ClSMBIOSType9::GetSlotTypeString>,
-                      DataBusWidth = Text8<ClSMBIOSType9::GetSlotDataBusWidthString>,
+constexpr Rendering_t SlotType = Enum8(kSlotTypes, "Error: Invalid Type"),
+                      DataBusWidth = Enum8(kDataBusWidths, "Error: Invalid Width"),
                       Usage = Enum8(kUsages, "Error: Invalid Usage"), Length = Enum8(kLengths, "Error: Invalid Length"),
-                      SlotId{ShowSlotId}, Characteristics = Text8<ClSMBIOSType9::GetSlotCharacteristicsString>,
-                      Characteristics2 = Text8<ClSMBIOSType9::GetSlotCharacteristics2String>, NoAddress{ShowNoAddress};
+                      SlotId{ShowSlotId}, Characteristics = BitWords8(kCharacteristics),
+                      Characteristics2 = BitWords8(kCharacteristics2), NoAddress = FixedText("0FFh");
 
 constexpr ItemRow_t kItems[] = {
     {"Slot Designation",       0x04, StringOrNone    },
@@ -155,7 +151,6 @@ constexpr ItemRow_t kItems[] = {
     {"Slot Characteristics 2", 0x0C, Characteristics2},
 };
 
-// Of slot types 06h, 0Fh, 12h and A5h to AAh.
 constexpr ItemRow_t kAddress[] = {
     {"Segment Group Number",   0x0D, Dec16         },
     {"Bus Number",             0x0F, Dec8          },
@@ -164,39 +159,41 @@ constexpr ItemRow_t kAddress[] = {
     {"Device/Function Number", 0x10, Dec8          },
 };
 
-// Of all other slot types.
 constexpr ItemRow_t kNoAddress[] = {
     {"Segment Group Number",   0x0D, NoAddress},
     {"Bus Number",             0x0F, NoAddress},
     {"Device/Function Number", 0x10, NoAddress},
 };
 
-std::string CharacteristicsText(std::span<const CodeText_t> table, uint8_t characteristics) {
-    return characteristics == 0 ? "None" : BitsText(table, characteristics, 8);
-}
-
 }  // namespace
 
-Word_t ClSMBIOSType9::GetSlotTypeString(uint8_t type) { return TextOf(kSlotTypes, type, "Error: Invalid Type"); }
+Word_t ClSMBIOSType9::GetSlotTypeString(uint8_t type) { return WordOf(SlotType, type); }
 
-Word_t ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) {
-    return TextOf(kDataBusWidths, width, "Error: Invalid Width");
-}
+Word_t ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) { return WordOf(DataBusWidth, width); }
 
 std::string ClSMBIOSType9::GetSlotCharacteristicsString(uint8_t characteristics) {
-    return CharacteristicsText(kCharacteristics, characteristics);
+    return BitsOrNone(kCharacteristics, characteristics, 8);
 }
 
 std::string ClSMBIOSType9::GetSlotCharacteristics2String(uint8_t characteristics) {
-    return CharacteristicsText(kCharacteristics2, characteristics);
+    return BitsOrNone(kCharacteristics2, characteristics, 8);
 }
 
 void ClSMBIOSType9::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Slots {Type 9}", pData)) return;
-    const ClStructure structure = ClStructure::FormattedArea(pData);
+    if (!PrintHead(pData)) return;
+    const ClStructure structure = View(pData);
     PrintItems(kItems, structure);
     if (HasAddress(structure.Byte(0x05)))
         PrintItems(kAddress, structure);
     else
         PrintItems(kNoAddress, structure);
+}
+
+ClSMBIOSType* NewType9(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType9; }
+
+void DescribeType9(ClDescription& description) {
+    description.Explain(ShowSlotId, "hexadecimal, 2 digits or more; `None` for 0");
+    description.Rows(kItems);
+    description.Rows(kAddress, "Slot types 06h, 0Fh, 12h and A5h to AAh");
+    description.Rows(kNoAddress, "All other slot types");
 }

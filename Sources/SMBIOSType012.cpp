@@ -1,13 +1,30 @@
 // System Configuration Options (the SMBIOS standard, type 12).
 #include "Sources/Decoders.h"
 
-static constexpr ItemRow_t kItems[] = {
+namespace {
+
+constexpr std::string_view kStringKey = "System Configuration Options String";
+
+constexpr ItemRow_t kItems[] = {
     {"Number of System Configuration Options Strings", 0x04, Dec8},
 };
 
-void ClSMBIOSType12::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Configuration Options {Type 12}", pData)) return;
-    const ClStructure structure = ClStructure::WholeRecord(pData);
-    PrintItems(kItems, structure);
-    PrintStrings("System Configuration Options String", structure.Byte(0x04), structure);
+class ClSMBIOSType12 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType12() : ClSMBIOSType(12) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (!PrintHead(pData)) return;
+        const ClStructure structure = View(pData);
+        PrintItems(kItems, structure);
+        PrintStrings(kStringKey, structure.Byte(0x04), structure);
+    }
+};
+
+}  // namespace
+
+ClSMBIOSType* NewType12(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType12; }
+
+void DescribeType12(ClDescription& description) {
+    description.Rows(kItems);
+    description.Item(kStringKey, {}, "string; one item for each");
 }

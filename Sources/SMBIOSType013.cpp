@@ -1,5 +1,5 @@
 // BIOS Language Information (the SMBIOS standard, type 13).
-#include "Sources/Decoders.h"
+#include "Sources/SMBIOSType013.h"
 
 namespace {
 
@@ -7,7 +7,7 @@ struct LanguageName_t {
     std::string_view code, name;
 };
 
-// In the order of the search: French of a country stands before the country's other language.
+// In the order of the search: French of a country comes before the other language of that country.
 constexpr LanguageName_t kLanguages[] = {
     {"us",    "English, United States" },
     {"gb",    "English, United Kingdom"},
@@ -48,7 +48,7 @@ bool Matches(std::string_view language, std::string_view code) {
 }
 
 // The lower-case string and its language's name; `otherwise` for a string that begins with a parenthesis, as the texts
-// do that GetString gives for a missing one.
+// do that GetString returns for a missing string.
 std::string LanguageText(const char* language, std::string_view otherwise) {
     if (language[0] == '(') return std::string(otherwise);
     std::string text = language;
@@ -58,26 +58,25 @@ std::string LanguageText(const char* language, std::string_view otherwise) {
     return text.append(" (").append(name).append(")");
 }
 
-// The lower-case language string and its name; a number of none is invalid.
 ClText ShowCurrentLanguage(const Field_t& field) {
     const uint8_t current = field.Byte(), installable = field.structure.Byte(0x04);
     if (current == 0 || current > installable) return "(Invalid Current Language)";
     return LanguageText(ClSMBIOSType::GetString(current, field.structure.Data()), "(Language(s) not set)");
 }
 
-// The lower-case language string and its name.
 ClText ShowLanguage(const Field_t& field) {
     return LanguageText(field.row.rendering.text.data(), " (Language(s) not set)");
 }
 
-// Hexadecimal, 2 digits; "None" before version 2.1 of the standard, which brought the flags.
 ClText ShowFlags(const Field_t& field) {
     const bool hasFlags = static_cast<const ClSMBIOSType13&>(field.decoder).IsVersion21OrLater();
     return hasFlags ? ClSMBIOSType::GetHexString(field.Byte(), 2) : "None";
 }
 
-constexpr Rendering_t CurrentLanguage{ShowCurrentLanguage}, Flags{ShowFlags};
 constexpr Rendering_t Language(std::string_view text) { return {ShowLanguage, {}, text}; }
+constexpr Rendering_t CurrentLanguage{ShowCurrentLanguage}, Flags{ShowFlags};
+
+constexpr std::string_view kLanguageKey = "Language";
 
 constexpr ItemRow_t kItems[] = {
     {"Current Language",                0x15, CurrentLanguage},
@@ -99,14 +98,35 @@ std::string ClSMBIOSType13::GetLanguageName(const char* ccStr) {
 }
 
 void ClSMBIOSType13::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("BIOS Language Information {Type 13}", pData)) return;
-    const ClStructure structure = ClStructure::WholeRecord(pData);
+    if (!PrintHead(pData)) return;
+    const ClStructure structure = View(pData);
     PrintItems(kItems, structure);
     ClStringWalk languages(pData);
     for (uint8_t left = structure.Byte(0x04); left > 0; left--) {
         const ItemRow_t language[] = {
-            {"Language", 0, Language(languages.NextText())},
+            {kLanguageKey, 0, Language(languages.NextText())},
         };
         PrintItems(language, structure);
     }
+}
+
+ClSMBIOSType* NewType13(const DecoderInput_t& input) {
+    return new (std::nothrow) ClSMBIOSType13(input.smbiosMajor, input.smbiosMinor);
+}
+
+void DescribeType13(ClDescription& description) {
+    description.Explain(
+        ShowCurrentLanguage,
+        "string in lower case, then its language in parentheses; `(Invalid Current Language)` for a number that isn't "
+        "one of the installable languages; `(Language(s) not set)` for a string that begins with a parenthesis");
+    description.Explain(ShowFlags, "hexadecimal, 2 digits; `None` in tables of versions before 2.1");
+    description.Rows(kItems);
+    description.Item(
+        kLanguageKey, {},
+        "string in lower case, then its language in parentheses; ` (Language(s) not set)` for one that begins "
+        "with a parenthesis; one item for each language");
+    std::string languages = "**Languages**, by the code of the country, in the order of the search:";
+    for (const LanguageName_t& language : kLanguages)
+        languages.append(" `").append(language.code).append("` ").append(language.name).append(";");
+    description.Note(languages.append(" else Unknown Language."));
 }

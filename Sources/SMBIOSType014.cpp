@@ -1,14 +1,16 @@
-// Group Associations (the SMBIOS standard, type 14). A group serves as a pointer to firmware version structures: what
-// shows are the versions that its members hold, not the group itself.
+// Group Associations (the SMBIOS standard, type 14). A group only points to firmware version structures: its items are
+// the versions that its members have.
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <vector>
 
 #include "Packages/FERROXExternal/StructureStore/StructureStore.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Sources/Decoders.h"
 #include "Sources/PackageTrace.h"
+#include "Sources/VersionRecords.h"
 
 #define TRACE(function, level, ...) \
     PACKAGE_TRACE("Sources\\SMBIOSType014", "ClSMBIOSType14::" function, level, __VA_ARGS__)
@@ -17,10 +19,9 @@ namespace {
 
 constexpr size_t kGroupItems = 0x05, kGroupItemSize = 3;
 
-// In front of a record's body stands its type.
+// The type word before a record's body.
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
-// A blank, then three bytes and a word in lower-case hexadecimal of 2 and 4 digits, joined by points.
 ClText VersionText(const VersionRecord_t& record) {
     char text[48];
     std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", record.parts[0], record.parts[1], record.parts[2],
@@ -28,7 +29,32 @@ ClText VersionText(const VersionRecord_t& record) {
     return std::string(text);
 }
 
-}  // namespace
+class ClSMBIOSType14 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType14() : ClSMBIOSType(14) {}
+    void PrintStructure(const uint8_t* pData) override;
+
+  private:
+    // Adds the items of the group's members: every structure of the first of its types that the table has.
+    void GetComponentInfo(const uint8_t* pData);
+
+    // The versions of all structures of one type. They are kept, because thousands of groups may name the same type.
+    struct Members_t {
+        bool isKnown, arePresent;
+        size_t first, count;  // among m_versions
+    };
+    struct NamedVersion_t {
+        const char* name;
+        VersionRecord_t record;
+    };
+
+    const Members_t& MembersOf(uint8_t type);
+    // Keeps the versions of one member: its record, of any type, is read as a firmware version structure.
+    void GetBiosVersionInfo(const uint8_t* pData);
+
+    Members_t m_members[256] = {};
+    std::vector<NamedVersion_t> m_versions;
+};
 
 void ClSMBIOSType14::GetBiosVersionInfo(const uint8_t* pData) try {
     const ClStructure member = ClStructure::WholeRecord(pData);
@@ -37,7 +63,7 @@ void ClSMBIOSType14::GetBiosVersionInfo(const uint8_t* pData) try {
     for (uint8_t index = 0; index < count;) {
         const char* name = names.Next();
         if (name == nullptr) break;
-        // This name is used up, and its record stays for the next one.
+        // The name is skipped, and the next name gets its record.
         if (std::strcmp(name, "Disabled") == 0) continue;
         m_versions.push_back({name, VersionRecordAt(member, index)});
         index++;
@@ -75,15 +101,16 @@ void ClSMBIOSType14::GetComponentInfo(const uint8_t* pData) {
 }
 
 void ClSMBIOSType14::PrintStructure(const uint8_t* pData) {
-    // The first structure alone has a title: the members of all stand under it.
-    if (m_instanceCounter == 0) {
-        if (!PrintTitle("Group Associations {Type 14}", pData)) return;
-    } else {
-        BeginStructure(pData);
-        if (pData == nullptr) {
-            TRACE("PrintStructure", kError, "\npData is NULL");
-            return;
-        }
-    }
-    GetComponentInfo(pData);
+    if (PrintHead(pData)) GetComponentInfo(pData);
+}
+
+}  // namespace
+
+ClSMBIOSType* NewType14(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType14; }
+
+void DescribeType14(ClDescription& description) {
+    description.Item(
+        "(strings of a member)", "07h, and on in steps of 7",
+        "a blank, then three bytes and a word in lower-case hexadecimal of 2 and 4 digits, joined by points; a "
+        "string `Disabled` is skipped");
 }

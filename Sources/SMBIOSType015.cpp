@@ -3,15 +3,14 @@
 
 namespace {
 
-// The shortest structure of the later form, which has descriptors of log types behind this length. The form of version
-// 2.0 ends before the header format.
+// The shortest structure of the later form, whose descriptors of log types follow at this offset. The form of
+// version 2.0 ends before the header format.
 constexpr uint8_t kLengthWithDescriptors = 0x17;
 constexpr size_t kDescriptorCount = 0x15, kDescriptors = 0x17, kDescriptorSize = 2;
 
 // Bits of the log status.
 constexpr uint8_t kAreaValid = 0x01, kAreaFull = 0x02;
 
-// Hexadecimal, 2 digits, then what bits 1 and 0 say.
 ClText ShowLogStatus(const Field_t& field) {
     const uint8_t status = field.Byte();
     return ClSMBIOSType::GetHexString(status, 2)
@@ -29,12 +28,10 @@ std::string_view HeaderFormat(uint8_t format) {
     return "BIOS or OEM specific header type";
 }
 
-// Hexadecimal, 2 digits, then the format in parentheses: 00h, 01h, up to 7Fh, and from 80h on.
 ClText ShowHeaderFormat(const Field_t& field) {
     return ClSMBIOSType::GetHexString(field.Byte(), 2).append(" (").append(HeaderFormat(field.Byte())).append(")");
 }
 
-// Two tabs, then the log type and the format of its variable data, each in hexadecimal of 2 digits.
 ClText ShowDescriptor(const Field_t& field) {
     const uint16_t descriptor = field.Word();
     return std::string("\t\t")
@@ -55,28 +52,50 @@ constexpr ItemRow_t kItems[] = {
     {"Access Method Address",   0x10, Hex32         },
 };
 
-// Of structures of 17h bytes or more.
 constexpr ItemRow_t kLaterItems[] = {
     {"Log Header Format",                        0x14, LogHeaderFormat},
     {"Number of Supported Log Type Descriptors", 0x15, Hex8           },
     {"Length of each Log Type Descriptor",       0x16, Hex8           },
 };
 
+constexpr ItemRow_t DescriptorRow(size_t offset) {
+    return {"List of Supported Event Log Type Descriptors", offset, Descriptor};
+}
+
+class ClSMBIOSType15 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType15() : ClSMBIOSType(15) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (!PrintHead(pData)) return;
+        const ClStructure structure = View(pData);
+        PrintItems(kItems, structure);
+        if (structure.Length() < kLengthWithDescriptors) return;
+        PrintItems(kLaterItems, structure);
+        // The structure states the length of a descriptor, but every descriptor is read as two bytes.
+        size_t offset = kDescriptors;
+        for (uint8_t left = structure.Byte(kDescriptorCount); left > 0; left--, offset += kDescriptorSize) {
+            const ItemRow_t row = DescriptorRow(offset);
+            PrintItems({&row, 1}, structure);
+        }
+    }
+};
+
 }  // namespace
 
-void ClSMBIOSType15::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Event Log {Type 15}", pData)) return;
-    const ClStructure structure = ClStructure::WholeRecord(pData);
-    PrintItems(kItems, structure);
-    if (structure.Length() < kLengthWithDescriptors) return;
-    PrintItems(kLaterItems, structure);
+ClSMBIOSType* NewType15(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType15; }
 
-    // The structure's own length of a descriptor is shown, but a descriptor is two bytes all the same.
-    size_t offset = kDescriptors;
-    for (uint8_t left = structure.Byte(kDescriptorCount); left > 0; left--, offset += kDescriptorSize) {
-        const ItemRow_t descriptor[] = {
-            {"List of Supported Event Log Type Descriptors", offset, Descriptor},
-        };
-        PrintItems(descriptor, structure);
-    }
+void DescribeType15(ClDescription& description) {
+    description.Explain(ShowLogStatus,
+                        "hexadecimal, 2 digits, then ` (Log Area: `, bit 1: set `Full`, clear `Not "
+                        "Full`, `, `, bit 0: set `Valid`, clear `Not Valid`, `)`");
+    description.Explain(ShowHeaderFormat,
+                        "hexadecimal, 2 digits, then in parentheses 00h `No header`, 01h `Type 1 header`, 02h to "
+                        "7Fh `Error: reserved header type`, 80h to FFh `BIOS or OEM specific header type`");
+    description.Explain(ShowDescriptor,
+                        "two tabs, then the log type and the format of its variable data, each in "
+                        "hexadecimal of 2 digits, separated by a blank");
+    description.Rows(kItems);
+    description.Rows(kLaterItems, "Structures of 17h bytes or more");
+    const ItemRow_t row = DescriptorRow(kDescriptors);
+    description.Rows({&row, 1}, "Each descriptor of two bytes of these structures");
 }

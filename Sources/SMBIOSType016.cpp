@@ -1,5 +1,5 @@
 // Physical Memory Array (the SMBIOS standard, type 16).
-#include "Sources/Decoders.h"
+#include "Sources/SMBIOSType016.h"
 
 namespace {
 
@@ -43,7 +43,6 @@ constexpr CodeText_t kErrorCorrections[] = {
 };
 static_assert(IsRising(kErrorCorrections));
 
-// The high and the low half, each in hexadecimal of 4 digits or more with its "h".
 ClText ShowHalves(const Field_t& field) {
     const uint64_t value = field.Qword();
     return ClSMBIOSType::GetHexString(value >> 32, 4)
@@ -51,7 +50,8 @@ ClText ShowHalves(const Field_t& field) {
         .append(ClSMBIOSType::GetHexString(value & 0xFFFFFFFF, 4));
 }
 
-constexpr Rendering_t Location = Text8<ClSMBIOSType16::GetLocationString>, Halves{ShowHalves};
+constexpr Rendering_t Location = Enum8(kLocations, "Error: Invalid Type");
+constexpr Rendering_t Halves{ShowHalves};
 constexpr Rendering_t Use = Enum8(kUses, "Error: Invalid Type");
 constexpr Rendering_t ErrorCorrection = Enum8(kErrorCorrections, "Error: Invalid Type");
 
@@ -67,11 +67,14 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-Word_t ClSMBIOSType16::GetLocationString(uint8_t location) {
-    return TextOf(kLocations, location, "Error: Invalid Type");
-}
+Word_t ClSMBIOSType16::GetLocationString(uint8_t location) { return WordOf(Location, location); }
 
-void ClSMBIOSType16::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Physical Memory Array {Type 16}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
+void ClSMBIOSType16::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+
+ClSMBIOSType* NewType16(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType16; }
+
+void DescribeType16(ClDescription& description) {
+    description.Explain(ShowHalves,
+                        "the high half, a blank, then the low half, each in hexadecimal of 4 digits or more");
+    description.Rows(kItems);
 }

@@ -1,10 +1,10 @@
-// Memory Device (the SMBIOS standard, type 17). Sizes are shown as the structure holds them.
+// Memory Device (the SMBIOS standard, type 17). Sizes are shown as they are in the structure.
+#include "Sources/SMBIOSType017.h"
 #include "Packages/OS/TextConversion.h"
-#include "Sources/Decoders.h"
 
 namespace {
 
-// A size that refers to the extended size, which stands in a field of its own.
+// The size that refers to the field of the extended size.
 constexpr uint16_t kSizeIsExtended = 0x7FFF;
 constexpr size_t kSize = 0x0C;
 constexpr size_t kExtendedSizeWidth = 8;
@@ -85,13 +85,11 @@ static_assert(IsRising(kTypeDetails));
 constexpr bool IsPrintableAscii(char byte) { return byte >= 0x20 && byte <= 0x7E; }
 constexpr bool IsControl(char byte) { return byte >= 0x01 && byte <= 0x1F; }
 
-// A string in valid UTF-8, control characters as points; "None" for number 0.
 ClText ShowPartNumber(const Field_t& field) {
     if (field.Byte() == 0) return "None";
     return ClSMBIOSType17::GetCleanPartNumber(ClSMBIOSType::GetString(field.Byte(), field.structure.Data()));
 }
 
-// Right-aligned in 8 characters, then " MB", where the size is 7FFFh; "0" elsewhere.
 ClText ShowExtendedSize(const Field_t& field) {
     if (field.structure.Word(kSize) != kSizeIsExtended) return "0";
     std::string size = std::to_string(field.Dword());
@@ -99,12 +97,13 @@ ClText ShowExtendedSize(const Field_t& field) {
     return size.append(" MB");
 }
 
-// Decimal and its unit, if it has one; "Unknown" for 0.
 ClText ShowKnown(const Field_t& field) { return field.Word() == 0 ? "Unknown" : ShowDec16WithUnit(field); }
 
-constexpr Rendering_t FormFactor = Text8<ClSMBIOSType17::GetFormFactorString>,
-                      MemoryType = Text8<ClSMBIOSType17::GetMemoryTypeString>,
-                      TypeDetail = Text16<ClSMBIOSType17::GetTypeDetailString>, PartNumber{ShowPartNumber},
+constexpr std::string_view kEnumWords = "a word of the list, else `Unknown, Value read = 0x` and 2 hexadecimal digits",
+                           kKnownWords = "decimal, then the text; `Unknown` for 0";
+constexpr Rendering_t FormFactor = Text8<ClSMBIOSType17::GetFormFactorString>(kFormFactors),
+                      MemoryType = Text8<ClSMBIOSType17::GetMemoryTypeString>(kMemoryTypes),
+                      TypeDetail = BitWords16(kTypeDetails, 16), PartNumber{ShowPartNumber},
                       ExtendedSize{ShowExtendedSize}, KnownSpeed{ShowKnown, {}, " MHz"}, KnownVoltage{ShowKnown};
 
 constexpr ItemRow_t kItems[] = {
@@ -135,29 +134,24 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-// A form factor; other values show themselves in hexadecimal of 2 digits without an "h".
 ClText ClSMBIOSType17::GetFormFactorString(uint8_t formFactor) {
     const std::string_view text = TextOf(kFormFactors, formFactor, {});
     return text.empty() ? ClText(GetUnknownValueString(formFactor)) : ClText(text);
 }
 
-// A memory type; other values show themselves in hexadecimal of 2 digits without an "h".
 ClText ClSMBIOSType17::GetMemoryTypeString(uint8_t memoryType) {
     const std::string_view text = TextOf(kMemoryTypes, memoryType, {});
     return text.empty() ? ClText(GetUnknownValueString(memoryType)) : ClText(text);
 }
 
-// The details of the set bits, joined by ", "; "None" for 0.
-ClText ClSMBIOSType17::GetTypeDetailString(uint16_t typeDetail) {
-    return typeDetail == 0 ? ClText("None") : ClText(BitsText(kTypeDetails, typeDetail, 16));
-}
+ClText ClSMBIOSType17::GetTypeDetailString(uint16_t typeDetail) { return BitsOrNone(kTypeDetails, typeDetail, 16); }
 
 std::string ClSMBIOSType17::GetUnknownValueString(uint8_t value) {
     return std::string("Unknown, Value read = 0x") + (value < 0x10 ? "0" : "") + PlainUpperHex(value);
 }
 
 ClText ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {
-    // Plain text, which is nearly all there is, comes back from the conversions as it was.
+    // The conversion is slow and wouldn't change plain text.
     if (std::ranges::all_of(partNumber, IsPrintableAscii)) return partNumber;
     std::string text(partNumber);
     os_RevalidateUtf8(partNumber, &text);
@@ -165,7 +159,17 @@ ClText ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {
     return text;
 }
 
-void ClSMBIOSType17::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Memory Device {Type 17}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
+void ClSMBIOSType17::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+
+ClSMBIOSType* NewType17(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType17; }
+
+void DescribeType17(ClDescription& description) {
+    description.Explain(FormFactor.render, kEnumWords);
+    description.Explain(MemoryType.render, kEnumWords);
+    description.Explain(ShowPartNumber,
+                        "string in valid UTF-8, with `.` for each control character; `None` for number 0");
+    description.Explain(ShowExtendedSize,
+                        "decimal, right-aligned in 8 characters, then ` MB`, if the size is 7FFFh; else `0`");
+    description.Explain(ShowKnown, kKnownWords);
+    description.Rows(kItems);
 }

@@ -1,5 +1,6 @@
 // 32-bit Memory Error Information (the SMBIOS standard, type 18).
 #include "Sources/Decoders.h"
+#include "Sources/SharedWords.h"
 
 namespace {
 
@@ -15,7 +16,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType18::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("32-bit Memory Error Information {Type 18}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
-}
+ROWS_DECODER(18, kItems)

@@ -1,9 +1,8 @@
-// Memory Array Mapped Address (the SMBIOS standard, type 19). Addresses are in kilobytes, as the structure holds them.
+// Memory Array Mapped Address (the SMBIOS standard, type 19). Addresses are in kilobytes, as they are in the structure.
 #include "Sources/Decoders.h"
 
 namespace {
 
-// The high half without an "h" of its own, then the low half, each in hexadecimal of 4 digits or more.
 ClText ShowExtendedAddress(const Field_t& field) {
     const uint64_t address = field.Qword();
     std::string text = ClSMBIOSType::GetHexString(address >> 32, 4);
@@ -24,7 +23,11 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType19::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Memory Array Mapped Address {Type 19}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
+DECODER_OF_ROWS(19, kItems)
+
+void DescribeType19(ClDescription& description) {
+    description.Explain(
+        ShowExtendedAddress,
+        "the high half without an `h`, a blank, then the low half, each in hexadecimal of 4 digits or more");
+    description.Rows(kItems);
 }

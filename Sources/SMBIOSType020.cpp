@@ -1,5 +1,5 @@
-// Memory Device Mapped Address (the SMBIOS standard, type 20). Addresses are in kilobytes, as the structure holds
-// them; its extended addresses aren't shown.
+// Memory Device Mapped Address (the SMBIOS standard, type 20). Addresses are in kilobytes, as they are in the
+// structure. The extended addresses aren't shown.
 #include "Sources/Decoders.h"
 
 namespace {
@@ -16,7 +16,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType20::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Memory Device Mapped Address {Type 20}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
-}
+ROWS_DECODER(20, kItems)

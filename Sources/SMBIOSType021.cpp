@@ -42,7 +42,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType21::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Built-in Pointing Device {Type 21}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(21, kItems)

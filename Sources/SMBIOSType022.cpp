@@ -3,7 +3,6 @@
 
 namespace {
 
-// Day, month and year of a packed date, each in decimal, from bits 0 to 4, 5 to 8 and 9 to 15. Years count from 1980.
 ClText ShowDate(const Field_t& field) {
     const uint16_t date = field.Word();
     const int day = date & 0x1F, month = date >> 5 & 0x0F, year = 1980 + (date >> 9);
@@ -24,14 +23,18 @@ constexpr ItemRow_t kItems[] = {
     {"Maximum Error in Battery Data", 0x0F, Hex8  },
     {"SBDS Serial Number",            0x10, Hex16 },
     {"SBDS Manufacture Date",         0x12, Date  },
-    {"SBDS Device Chemistry",         0x14, Hex8  }, // the string's number
+    {"SBDS Device Chemistry",         0x14, Hex8  }, // the number, not the string
     {"Design Capacity Multiplier",    0x15, Hex8  },
     {"OEM Specific",                  0x16, Hex32 },
 };
 
 }  // namespace
 
-void ClSMBIOSType22::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Portable Battery {Type 22}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
+DECODER_OF_ROWS(22, kItems)
+
+void DescribeType22(ClDescription& description) {
+    description.Explain(
+        ShowDate,
+        "day (bits 0 to 4), month (bits 5 to 8) and year (bits 9 to 15, from 1980) in decimal, joined by `/`");
+    description.Rows(kItems);
 }

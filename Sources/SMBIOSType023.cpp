@@ -13,7 +13,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType23::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Reset {Type 23}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(23, kItems)

@@ -9,7 +9,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType24::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Hardware Security {Type 24}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(24, kItems)

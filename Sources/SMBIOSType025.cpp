@@ -14,7 +14,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType25::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Power Controls {Type 25}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(25, kItems)

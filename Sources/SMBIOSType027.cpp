@@ -10,22 +10,32 @@ constexpr ItemRow_t kItems[] = {
     {"OEM Defined",              0x08, Hex32},
 };
 
-// Shown by structures that are longer than 12 bytes.
 constexpr ItemRow_t kNominalSpeed[] = {
     {"NominalSpeed", 0x0C, Hex16Digits(2)},
 };
 
-// Shown by structures of 15 bytes or more.
 constexpr ItemRow_t kDescription[] = {
     {"Description", 0x0E, String},
 };
 
+class ClSMBIOSType27 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType27() : ClSMBIOSType(27) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (!PrintHead(pData)) return;
+        const ClStructure structure = View(pData);
+        PrintItems(kItems, structure);
+        if (structure.Length() > 12) PrintItems(kNominalSpeed, structure);
+        if (structure.Length() >= 15) PrintItems(kDescription, structure);
+    }
+};
+
 }  // namespace
 
-void ClSMBIOSType27::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Cooling Device {Type 27}", pData)) return;
-    const ClStructure structure = ClStructure::WholeRecord(pData);
-    PrintItems(kItems, structure);
-    if (structure.Length() > 12) PrintItems(kNominalSpeed, structure);
-    if (structure.Length() >= 15) PrintItems(kDescription, structure);
+ClSMBIOSType* NewType27(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType27; }
+
+void DescribeType27(ClDescription& description) {
+    description.Rows(kItems);
+    description.Rows(kNominalSpeed, "Structures of more than 12 bytes");
+    description.Rows(kDescription, "Structures of 15 bytes or more");
 }

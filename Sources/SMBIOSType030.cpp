@@ -10,7 +10,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType30::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Out-of-Band Remote Access {Type 30}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
-}
+ROWS_DECODER(30, kItems)

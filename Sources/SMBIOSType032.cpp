@@ -29,7 +29,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType32::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Boot Information {Type 32}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(32, kItems)

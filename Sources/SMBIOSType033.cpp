@@ -1,5 +1,6 @@
 // 64-Bit Memory Error Information (the SMBIOS standard, type 33).
 #include "Sources/Decoders.h"
+#include "Sources/SharedWords.h"
 
 namespace {
 
@@ -15,7 +16,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType33::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("64-Bit Memory Error Information {Type 33}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(33, kItems)

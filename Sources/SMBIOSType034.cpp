@@ -42,7 +42,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType34::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Management Device {Type 34}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(34, kItems)

@@ -1,5 +1,5 @@
-// Management Device Component (the SMBIOS standard, type 35). Of its three handles the threshold handle alone shows,
-// and only when it says that there are no thresholds.
+// Management Device Component (the SMBIOS standard, type 35). Of its three handles only the threshold handle is
+// shown, and only when it says that there are no thresholds.
 #include "Sources/Decoders.h"
 
 namespace {
@@ -7,10 +7,7 @@ namespace {
 constexpr size_t kThresholdHandle = 0x09;
 constexpr uint16_t kNoThreshold = 0xFFFF;
 
-// The one text for the handle FFFFh; other handles give no item.
-ClText ShowNoThreshold(const Field_t&) { return "No Threshold Data structure is associated with this component"; }
-
-constexpr Rendering_t NoThreshold{ShowNoThreshold};
+constexpr Rendering_t NoThreshold = FixedText("No Threshold Data structure is associated with this component");
 
 constexpr ItemRow_t kDescription[] = {
     {"Description", 0x04, String},
@@ -20,11 +17,22 @@ constexpr ItemRow_t kThreshold[] = {
     {"Threshold Handle", kThresholdHandle, NoThreshold},
 };
 
+class ClSMBIOSType35 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType35() : ClSMBIOSType(35) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (!PrintHead(pData)) return;
+        const ClStructure structure = View(pData);
+        PrintItems(kDescription, structure);
+        if (structure.Word(kThresholdHandle) == kNoThreshold) PrintItems(kThreshold, structure);
+    }
+};
+
 }  // namespace
 
-void ClSMBIOSType35::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Management Device Component {Type 35}", pData)) return;
-    const ClStructure structure = ClStructure::WholeRecord(pData);
-    PrintItems(kDescription, structure);
-    if (structure.Word(kThresholdHandle) == kNoThreshold) PrintItems(kThreshold, structure);
+ClSMBIOSType* NewType35(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType35; }
+
+void DescribeType35(ClDescription& description) {
+    description.Rows(kDescription);
+    description.Rows(kThreshold, "Structures with the handle FFFFh");
 }

@@ -1,5 +1,5 @@
-// Management Device Threshold Data (the SMBIOS standard, type 36). 8000h, the standard's mark for a threshold that
-// isn't there, shows like any other number.
+// Management Device Threshold Data (the SMBIOS standard, type 36). 8000h, which the standard uses for a threshold
+// that isn't available, is shown like any other number.
 #include "Sources/Decoders.h"
 
 namespace {
@@ -17,7 +17,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType36::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Management Device Threshold Data {Type 36}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(36, kItems)

@@ -21,7 +21,4 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType37::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Memory Channel {Type 37}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(37, kItems)

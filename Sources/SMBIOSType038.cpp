@@ -51,26 +51,16 @@ constexpr CodeText_t kPolarities[] = {
 };
 static_assert(IsRising(kPolarities));
 
-// Two hexadecimal digits, one for each half of the byte.
 ClText ShowRevision(const Field_t& field) {
     const uint8_t revision = field.Byte();
     const std::string digits = ClSMBIOSType::GetHexString(revision, 2);
     return std::string("Revision ") + digits[0] + "." + digits[1];
 }
 
-// What bits 6 and 7 say.
-ClText ShowRegisterSpacing(const Field_t& field) { return TextOf(kRegisterSpacings, field.Byte() >> 6, {}); }
-
-// The same text for every value.
-ClText ShowReserved(const Field_t&) { return "Reserved"; }
-// The one text of this key.
-ClText ShowLevel(const Field_t&) { return "level"; }
-// The one text of this key.
-ClText ShowEdge(const Field_t&) { return "edge"; }
-
 constexpr Rendering_t InterfaceType = Enum8(kInterfaceTypes, "Error: Invalid Interface Type");
-constexpr Rendering_t Revision{ShowRevision}, RegisterSpacing{ShowRegisterSpacing}, Reserved{ShowReserved},
-    Level{ShowLevel}, Edge{ShowEdge};
+constexpr Rendering_t Revision{ShowRevision}, RegisterSpacing = EnumOfBits8(6, 2, kRegisterSpacings, {}),
+                                              Reserved = FixedText("Reserved"), Level = FixedText("level"),
+                                              Edge = FixedText("edge");
 constexpr Rendering_t AddressBit0 = Bit8(kAddressBit0, 4), InterruptInfo = Bit8(kInterruptInfo, 3),
                       Polarity = Bit8(kPolarities, 1);
 
@@ -83,7 +73,6 @@ constexpr ItemRow_t kInterface[] = {
     {"Base Address Modifier / Interrupt Info", kModifier, Hex8         },
 };
 
-// Shown where the byte isn't 0.
 constexpr ItemRow_t kModifierBits[] = {
     {"Base Address Modifier bit 7:6 Register spacing",   kModifier, RegisterSpacing},
     {"Base Address Modifier bit 5",                      kModifier, Reserved       },
@@ -93,31 +82,44 @@ constexpr ItemRow_t kModifierBits[] = {
     {"Interrupt Info bit 1 Interrupt Polarity",          kModifier, Polarity       },
 };
 
-// The two trigger modes have a key each, which differ by a blank. This is the one of a byte with bit 0 set.
+// The keys of the two trigger modes differ by a blank.
 constexpr ItemRow_t kLevelTriggered[] = {
     {"Interrupt Info bit 0 Interrupt Trigger Mode", kModifier, Level},
 };
 
-// Of a byte that isn't 0, with bit 0 clear.
 constexpr ItemRow_t kEdgeTriggered[] = {
     {"Interrupt Info bit 0  Interrupt Trigger Mode", kModifier, Edge},
 };
 
-// Of every structure again.
 constexpr ItemRow_t kInterrupt[] = {
     {"Interrupt Number", 0x11, Dec8},
 };
 
+class ClSMBIOSType38 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType38() : ClSMBIOSType(38) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (!PrintHead(pData)) return;
+        const ClStructure structure = View(pData);
+        PrintItems(kInterface, structure);
+        const uint8_t modifier = structure.Byte(kModifier);
+        if (modifier != 0) {
+            PrintItems(kModifierBits, structure);
+            PrintItems((modifier & 1) != 0 ? kLevelTriggered : kEdgeTriggered, structure);
+        }
+        PrintItems(kInterrupt, structure);
+    }
+};
+
 }  // namespace
 
-void ClSMBIOSType38::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("IPMI Device Information {Type 38}", pData)) return;
-    const ClStructure structure = ClStructure::WholeRecord(pData);
-    PrintItems(kInterface, structure);
-    const uint8_t modifier = structure.Byte(kModifier);
-    if (modifier != 0) {
-        PrintItems(kModifierBits, structure);
-        PrintItems((modifier & 1) != 0 ? kLevelTriggered : kEdgeTriggered, structure);
-    }
-    PrintItems(kInterrupt, structure);
+ClSMBIOSType* NewType38(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType38; }
+
+void DescribeType38(ClDescription& description) {
+    description.Explain(ShowRevision, "`Revision `, then the two hexadecimal digits of the byte, joined by a point");
+    description.Rows(kInterface);
+    description.Rows(kModifierBits, "Structures in which the byte at 10h isn't 0");
+    description.Rows(kLevelTriggered, "Those of them with bit 0 set");
+    description.Rows(kEdgeTriggered, "Those of them with bit 0 clear");
+    description.Rows(kInterrupt, "All structures");
 }

@@ -38,7 +38,6 @@ constexpr CodeText_t kRangeSwitchings[] = {
 };
 static_assert(IsRising(kRangeSwitchings));
 
-// Hexadecimal, 2 digits, then whether the supply is one of a redundant group, which 0 says it isn't.
 ClText ShowUnitGroup(const Field_t& field) {
     const uint8_t group = field.Byte();
     return ClSMBIOSType::GetHexString(group, 2) +
@@ -46,23 +45,15 @@ ClText ShowUnitGroup(const Field_t& field) {
                        : " Redundancy. At least one other power supply will be enumerated with the same value");
 }
 
-// What bits 10 to 15 say.
-ClText ShowSupplyType(const Field_t& field) { return TextOf(kSupplyTypes, field.Word() >> 10, "Reserved"); }
-
-// What bits 7 to 9 say.
-ClText ShowStatus(const Field_t& field) { return TextOf(kStatuses, field.Word() >> 7 & 7, "Error: Invalid Status"); }
-
-// What bits 3 to 6 say.
-ClText ShowRangeSwitching(const Field_t& field) { return TextOf(kRangeSwitchings, field.Word() >> 3 & 15, "Reserved"); }
-
-// Hexadecimal, 4 digits; for FFFFh, which says that the supply has no such thing, the row's text.
 ClText ShowHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
     return handle == 0xFFFF ? ClText(field.row.rendering.text) : ClSMBIOSType::GetHexString(handle, 4);
 }
 
 constexpr Rendering_t UnitGroup{ShowUnitGroup}, MilliWatts = Dec16WithUnit(" milliWatts");
-constexpr Rendering_t SupplyType{ShowSupplyType}, Status{ShowStatus}, RangeSwitching{ShowRangeSwitching};
+constexpr Rendering_t SupplyType = EnumOfBits16(10, 6, kSupplyTypes, "Reserved"),
+                      Status = EnumOfBits16(7, 3, kStatuses, "Error: Invalid Status"),
+                      RangeSwitching = EnumOfBits16(3, 4, kRangeSwitchings, "Reserved");
 constexpr Rendering_t VoltageProbe{ShowHandle, {}, "No probe(Type 26) is provided"};
 constexpr Rendering_t CoolingDevice{ShowHandle, {}, "No cooling device(Type 27) is provided"};
 constexpr Rendering_t CurrentProbe{ShowHandle, {}, "No current probe(Type 29) is provided"};
@@ -90,7 +81,14 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType39::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("System Power Supply {Type 39}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
+DECODER_OF_ROWS(39, kItems)
+
+void DescribeType39(ClDescription& description) {
+    constexpr std::string_view kHandleWords = "hexadecimal, 4 digits; for FFFFh the text";
+    description.Explain(
+        ShowUnitGroup,
+        "hexadecimal, 2 digits, then ` Power supply is not a member of a redundant power unit` for 0, else "
+        "` Redundancy. At least one other power supply will be enumerated with the same value`");
+    description.Explain(ShowHandle, kHandleWords);
+    description.Rows(kItems);
 }

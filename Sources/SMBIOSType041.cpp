@@ -1,5 +1,6 @@
 // Onboard Devices Extended Information (the SMBIOS standard, type 41).
 #include "Sources/Decoders.h"
+#include "Sources/SharedWords.h"
 
 namespace {
 
@@ -9,23 +10,19 @@ constexpr CodeText_t kDeviceStatuses[] = {
 };
 static_assert(IsRising(kDeviceStatuses));
 
-constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7),
-                      DeviceType = Text8<ClSMBIOSType::GetOnboardDeviceTypeString>;
+constexpr Rendering_t DeviceStatus = Bit8(kDeviceStatuses, 7);
 
 constexpr ItemRow_t kItems[] = {
-    {"Reference Designation", 0x04, String        },
-    {"Device Status",         0x05, DeviceStatus  },
-    {"Device Type",           0x05, DeviceType    },
-    {"Device Type Instance",  0x06, Hex8          },
-    {"Segment Group Number",  0x07, Dec16         },
-    {"Bus Number",            0x09, Dec8          },
-    {"Device Number",         0x0A, DeviceNumber  },
-    {"Function Number",       0x0A, FunctionNumber},
+    {"Reference Designation", 0x04, String           },
+    {"Device Status",         0x05, DeviceStatus     },
+    {"Device Type",           0x05, OnboardDeviceType},
+    {"Device Type Instance",  0x06, Hex8             },
+    {"Segment Group Number",  0x07, Dec16            },
+    {"Bus Number",            0x09, Dec8             },
+    {"Device Number",         0x0A, DeviceNumber     },
+    {"Function Number",       0x0A, FunctionNumber   },
 };
 
 }  // namespace
 
-void ClSMBIOSType41::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Onboard Devices Extended Information {Type 41}", pData)) return;
-    PrintItems(kItems, ClStructure::WholeRecord(pData));
-}
+ROWS_DECODER(41, kItems)

@@ -1,12 +1,12 @@
 // Lumetra QXM Components Information: a vendor-defined structure (type 130) on the platform's remote management
-// feature. Its fields need 19 bytes; those that a shorter structure lacks read 0.
+// feature. A full structure has 19 bytes.
 #include "Sources/Decoders.h"
 
 namespace {
 
 constexpr size_t kCapability = 0x08;
 
-// A field that enables its feature with the value 1 alone.
+// Only the value 1 enables the feature.
 constexpr CodeText_t kEnabled[] = {
     {1, "Enabled"},
 };
@@ -63,15 +63,10 @@ constexpr CodeText_t kTerminals[] = {
 };
 static_assert(IsRising(kTerminals));
 
-// The one text of this key.
-ClText ShowCapable(const Field_t&) { return "This platform is QXM capable"; }
-// The one text of this key.
-ClText ShowNotCapable(const Field_t&) { return "This platform is not QXM capable"; }
-
-// The string that all 32 bits number; 0 gives the first one.
 ClText ShowSignature(const Field_t& field) { return ClSMBIOSType::GetString(field.Dword(), field.structure.Data()); }
 
-constexpr Rendering_t Signature{ShowSignature}, Capable{ShowCapable}, NotCapable{ShowNotCapable};
+constexpr Rendering_t Signature{ShowSignature}, Capable = FixedText("This platform is QXM capable"),
+                                                NotCapable = FixedText("This platform is not QXM capable");
 constexpr Rendering_t Enabled = Enum8(kEnabled, "Disabled");
 constexpr Rendering_t Reflash = Bit8(kReflash, 5), Setup = Bit8(kSetup, 4), Pause = Bit8(kPause, 3);
 constexpr Rendering_t FloppyBoot = Bit8(kFloppyBoot, 2), DiscBoot = Bit8(kDiscBoot, 1);
@@ -82,17 +77,15 @@ constexpr ItemRow_t kSignature[] = {
     {"QXM Signature", 0x04, Signature},
 };
 
-// The key changes with the value. This is that of 1.
+// The key depends on the value.
 constexpr ItemRow_t kCapable[] = {
     {"Lumetra(R) QXM Capability Status", kCapability, Capable},
 };
 
-// Of any other value.
 constexpr ItemRow_t kNotCapable[] = {
     {"Lumetra(R) QXM Capability", kCapability, NotCapable},
 };
 
-// Of every structure again.
 constexpr ItemRow_t kFeatures[] = {
     {"Lumetra QXM Feature Status",                                0x09, Enabled    },
     {"Lumetra SRoU(Storage Redirection over USB) Feature Status", 0x0A, Enabled    },
@@ -109,12 +102,26 @@ constexpr ItemRow_t kFeatures[] = {
     {"KVM Redirection Status",                                    0x12, Enabled    },
 };
 
+class ClSMBIOSType130 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType130() : ClSMBIOSType(130) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (!PrintHead(pData)) return;
+        const ClStructure structure = View(pData);
+        PrintItems(kSignature, structure);
+        PrintItems(structure.Byte(kCapability) == 1 ? kCapable : kNotCapable, structure);
+        PrintItems(kFeatures, structure);
+    }
+};
+
 }  // namespace
 
-void ClSMBIOSType130::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Lumetra QXM Components Information {Type 130}", pData)) return;
-    const ClStructure structure = ClStructure::FormattedArea(pData);
-    PrintItems(kSignature, structure);
-    PrintItems(structure.Byte(kCapability) == 1 ? kCapable : kNotCapable, structure);
-    PrintItems(kFeatures, structure);
+ClSMBIOSType* NewType130(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType130; }
+
+void DescribeType130(ClDescription& description) {
+    description.Explain(ShowSignature, "string, numbered by all 32 bits; number 0 gives the first one");
+    description.Rows(kSignature);
+    description.Rows(kCapable, "Structures with 1 at 08h");
+    description.Rows(kNotCapable, "Structures with another value there");
+    description.Rows(kFeatures, "All structures");
 }

@@ -1,5 +1,5 @@
-// Lumetra Corvex Information: a vendor-defined structure (type 131) on the firmware engine behind the remote
-// management feature. Its fields need 53 bytes; those that a shorter structure lacks read 0.
+// Lumetra Corvex Information: a vendor-defined structure (type 131) on the firmware engine of the remote
+// management feature. A full structure has 53 bytes.
 #include "Sources/Decoders.h"
 
 namespace {
@@ -16,7 +16,6 @@ constexpr CodeText_t kSupported[] = {
 };
 static_assert(IsRising(kSupported));
 
-// Four words in decimal, joined by points.
 ClText ShowVersion(const Field_t& field) {
     std::string text;
     for (size_t part = 0; part < 4; part++) {
@@ -26,10 +25,8 @@ ClText ShowVersion(const Field_t& field) {
     return text;
 }
 
-// The bits of the mask, where they stand, as 0x and hexadecimal digits without an "h".
 ClText ShowMasked(const Field_t& field) { return "0x" + PlainUpperHex(field.Dword() & field.row.rendering.number); }
 
-// Bits 3 to 7, shifted down, as 0x and hexadecimal digits without an "h".
 ClText ShowDevice(const Field_t& field) { return "0x" + PlainUpperHex(field.Dword() >> 3 & 0x1F); }
 
 constexpr Rendering_t Masked(uint32_t mask) { return {ShowMasked, {}, {}, mask}; }
@@ -75,7 +72,11 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-void ClSMBIOSType131::PrintStructure(const uint8_t* pData) {
-    if (!PrintHead("Lumetra Corvex Information {Type 131}", pData)) return;
-    PrintItems(kItems, ClStructure::FormattedArea(pData));
+DECODER_OF_ROWS(131, kItems)
+
+void DescribeType131(ClDescription& description) {
+    description.Explain(ShowVersion, "four words in decimal, joined by points");
+    description.Explain(ShowDevice, "bits 3 to 7, shifted down, as `0x` and hexadecimal digits");
+    description.Explain(ShowMasked, "the bits of the mask, not shifted, as `0x` and hexadecimal digits");
+    description.Rows(kItems);
 }

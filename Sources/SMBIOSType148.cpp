@@ -1,19 +1,18 @@
 // Firmware Version Information: a vendor-defined structure (type 148) on a platform's firmware and settings. Nearly
-// every byte is a string number, and settings travel as decimal text. The structure has three layouts; the processor
-// and the structure's first byte tell which one applies. A field that the structure's length doesn't hold reads 0.
+// every byte is a string number, and settings are decimal text. The structure has three layouts; the processor and the
+// structure's first byte decide between them.
 #include <charconv>
 #include <new>
 #include <type_traits>
 #include <utility>
 
-#include "Sources/Decoders.h"
 #include "Sources/PackageTrace.h"
+#include "Sources/SMBIOSType148.h"
 
 #define TRACE(function, message) PACKAGE_TRACE("Sources\\SMBIOSType148", function, kError, "%s", message)
 
 namespace {
 
-constexpr std::string_view kTitle = "Firmware Version Information {Type 148}";
 constexpr std::string_view kNoWord = "ERR";
 
 // Boards and their revisions, by processor family.
@@ -72,7 +71,7 @@ constexpr CodeText_t kTvlFabs[] = {
 };
 static_assert(IsRising(kTvlFabs));
 
-// The one board whose revisions have names of their own.
+// The only board whose revisions have their own names.
 constexpr uint32_t kMrnProductBoard = 241;
 
 constexpr CodeText_t kMrnProductRevisions[] = {
@@ -85,8 +84,8 @@ static_assert(IsRising(kMrnProductRevisions));
 
 struct Family_t {
     std::span<const CodeText_t> boards;
-    std::string_view otherBoard;            // a board that isn't listed
-    std::span<const CodeText_t> revisions;  // of the boards listed
+    std::string_view otherBoard;            // the word for a board that isn't listed
+    std::span<const CodeText_t> revisions;  // of the listed boards
     std::string_view otherRevision;
     std::string_view revisionOfOtherBoard;  // empty: no text at all
 };
@@ -175,7 +174,7 @@ constexpr CodeText_t kTvlPmics[] = {
 };
 static_assert(IsRising(kTvlPmics));
 
-// What a translator traces for a text that it can't read; null: nothing.
+// What a translator traces for a text that it can't read; null for no trace.
 struct TextTraces_t {
     const char* function;
     const char* nullText;
@@ -209,7 +208,7 @@ constexpr TextTraces_t kRC6Traces = {"ClSMBIOSType148::GetRC6", "\npRC6 is NULL"
 
 enum class Parsed { kNumber, kNoDigits, kOutOfRange };
 
-// The 32-bit signed number at the start of `text`, behind white space and a sign; what stands behind it is ignored.
+// Parses the 32-bit signed number at the start of `text`, after white space and a sign, and ignores what follows it.
 // from_chars depends neither on the locale nor on the width of a platform's `long`.
 Parsed ParseNumber(std::string_view text, int base, int32_t* number) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
@@ -229,7 +228,7 @@ bool ReadNumber(const char* text, const TextTraces_t& traces, int32_t* number) {
     return false;
 }
 
-// Whether a number other than 0 stands at the start of `text`, one of too many digits included.
+// Whether `text` begins with a number other than 0, however large.
 bool StartsWithNumber(const char* text) {
     int32_t number = 0;
     const Parsed parsed = ParseNumber(text, 10, &number);
@@ -242,7 +241,7 @@ std::string SettingText(const char* text, const TextTraces_t& traces, std::span<
     return std::string(TextOf(words, static_cast<uint32_t>(number), kNoWord));
 }
 
-// How a string becomes a value: a translator, called in one form. 1; 2 when the text has no number to translate.
+// Calls a translator, whatever its form. Status: 1; 2 for a text without a number to translate.
 using Translate_t = status_t (*)(ClSMBIOSType148& decoder, const char* text, std::string* out);
 
 template <auto Translator>
@@ -257,7 +256,7 @@ status_t Call(ClSMBIOSType148& decoder, const char* text, std::string* out) {
     return kSuccess;
 }
 
-// Translates a text that begins with a number other than 0, and shows any other as it is.
+// Translates a text that begins with a number other than 0, and copies any other.
 template <auto Translator>
 status_t CallIfNumber(ClSMBIOSType148& decoder, const char* text, std::string* out) {
     if (StartsWithNumber(text)) return Call<Translator>(decoder, text, out);
@@ -267,29 +266,54 @@ status_t CallIfNumber(ClSMBIOSType148& decoder, const char* text, std::string* o
 
 struct Translation_t {
     Translate_t translate;
+    std::string_view words;  // how the value reads
+    std::span<const CodeText_t> table = {};
     const char* failureTrace = nullptr;  // null: the translation never fails
 };
 
 using Decoder_t = ClSMBIOSType148;
-constexpr Translation_t Text{Call<Decoder_t::GetPrintableString>};
-constexpr Translation_t BoardType{Call<&Decoder_t::GetBoardTypeString>};
-constexpr Translation_t BoardRevision{Call<&Decoder_t::GetBoardRevString>};
-constexpr Translation_t PMIC{Call<&Decoder_t::GetPMICString>};
-constexpr Translation_t SecureBoot{Call<Decoder_t::GetSecureBootStatus>};
-constexpr Translation_t BootMode{Call<Decoder_t::GetBootMode>};
-constexpr Translation_t Cadrel{Call<Decoder_t::GetCadrelStatus>};
-constexpr Translation_t CPUTurbo{Call<Decoder_t::GetCPUTurboStatus>};
-constexpr Translation_t GfxTurbo{Call<Decoder_t::GetGfxTurboStatus>};
-constexpr Translation_t MaxCState{Call<Decoder_t::GetMaxCState>};
-constexpr Translation_t MaxPkgCState{Call<Decoder_t::GetMaxPkgCState>};
-constexpr Translation_t S0ix{Call<Decoder_t::GetS0ix>};
-constexpr Translation_t RC6{Call<Decoder_t::GetRC6>};
-constexpr Translation_t MaxCoreCState{Call<Decoder_t::GetMaxCoreCState>, "\nGetMaxCoreCState Failed"};
-constexpr Translation_t BoardTypeIfNumber{CallIfNumber<&Decoder_t::GetBoardTypeString>};
-constexpr Translation_t BoardRevisionIfNumber{CallIfNumber<&Decoder_t::GetBoardRevString>};
-constexpr Translation_t CPUFlavorIfNumber{CallIfNumber<Decoder_t::GetCPUFlavorString>, "\nGetCPUFlavorString Failed"};
+constexpr std::string_view kSettingWords = "string with a decimal number: a word of the list, else `ERR`";
+constexpr std::string_view kBoardWords =
+    "string with a decimal number: a board of the processor's family, then the number in lower-case hexadecimal in "
+    "parentheses; `Unknown MRN BOARD`, `Unknown DNM BOARD`, `Unknown TVL BOARD` or, without a family, `Unknown BOARD` "
+    "for other boards; `BoardType is not valid` without a number";
+constexpr std::string_view kRevisionWords =
+    "string with a decimal number: a revision of that board, then the number in lower-case hexadecimal in parentheses; "
+    "`Unknown FAB`, `Unknown MRN FAB` or `Unknown DNM FAB` for others; nothing for an unknown board of the third "
+    "family; `Board Revision is not valid` without a number";
+constexpr Translation_t Text{Call<Decoder_t::GetPrintableString>, "string"};
+constexpr Translation_t BoardType{Call<&Decoder_t::GetBoardTypeString>, kBoardWords};
+constexpr Translation_t BoardRevision{Call<&Decoder_t::GetBoardRevString>, kRevisionWords};
+constexpr Translation_t PMIC{
+    Call<&Decoder_t::GetPMICString>,
+    "string of two characters, a point and two characters. One half is the number of the chip in hexadecimal: its "
+    "word, the number in parentheses and the other half; `PR1.4 (3)` for `1F.B3` on revision 3 of board 241; `ERR` for "
+    "other chips; `PMIC String is not valid` for a shorter string"};
+constexpr Translation_t SecureBoot{Call<Decoder_t::GetSecureBootStatus>, kSettingWords, kOffOn};
+constexpr Translation_t BootMode{Call<Decoder_t::GetBootMode>, kSettingWords, kBootModes};
+constexpr Translation_t Cadrel{Call<Decoder_t::GetCadrelStatus>, kSettingWords, kOffOn};
+constexpr Translation_t CPUTurbo{Call<Decoder_t::GetCPUTurboStatus>, kSettingWords, kOffOnAuto};
+constexpr Translation_t GfxTurbo{Call<Decoder_t::GetGfxTurboStatus>, kSettingWords, kOffOnAuto};
+constexpr Translation_t MaxCState{Call<Decoder_t::GetMaxCState>, kSettingWords, kMaxCStates};
+constexpr Translation_t MaxPkgCState{Call<Decoder_t::GetMaxPkgCState>, kSettingWords, kMaxPkgCStates};
+constexpr Translation_t S0ix{Call<Decoder_t::GetS0ix>, kSettingWords, kOffOn};
+constexpr Translation_t RC6{Call<Decoder_t::GetRC6>, kSettingWords, kOffOn};
+constexpr Translation_t MaxCoreCState{Call<Decoder_t::GetMaxCoreCState>, kSettingWords, kMaxCoreCStates,
+                                      "\nGetMaxCoreCState Failed"};
+// A string without a number other than 0 is shown as it is.
+constexpr Translation_t BoardTypeIfNumber{
+    CallIfNumber<&Decoder_t::GetBoardTypeString>,
+    "as BoardType if the string begins with a number other than 0, else the string"};
+constexpr Translation_t BoardRevisionIfNumber{
+    CallIfNumber<&Decoder_t::GetBoardRevString>,
+    "as BoardRev if the string begins with a number other than 0, else the string"};
+constexpr Translation_t CPUFlavorIfNumber{
+    CallIfNumber<Decoder_t::GetCPUFlavorString>,
+    "if the string begins with a decimal number other than 0: a word of the list, else `Unknown CPU Flavor`, then the "
+    "number in lower-case hexadecimal in parentheses; else the string",
+    kCpuFlavors, "\nGetCPUFlavorString Failed"};
 
-// Layouts with fixed keys. A field without a string may go out as a group item.
+// Layouts with fixed keys. Some keys without a string become group items.
 constexpr uint8_t kPlainItem = 0, kGroupItem = 1;
 
 struct FieldRow_t {
@@ -299,11 +323,11 @@ struct FieldRow_t {
     uint8_t groupWithoutString;
 };
 
-// The byte at kLayout chooses the layout of a board's firmware; in the layout of a platform it is the first field.
+// The byte at kLayout selects the layout of a board; in the layout of a platform it is the first field.
 constexpr size_t kLayout = 4;
 constexpr uint8_t kBoardLayout = 2;
 
-// The layout of a board: of all processors but those of the pairs, with 02h at offset 04h.
+// The layout of a board.
 constexpr FieldRow_t kBoardFields[] = {
     {"OMFI",         5,  Text, kPlainItem},
     {"BMCFW",        6,  Text, kPlainItem},
@@ -338,7 +362,7 @@ constexpr FieldRow_t kBoardFields[] = {
     {"iBMCGOP",      35, Text, kPlainItem},
 };
 
-// The layout of a platform: of the same processors, with any other byte at offset 04h.
+// The layout of a platform.
 constexpr FieldRow_t kPlatformFields[] = {
     {"GOP",        4,  Text,          kPlainItem},
     {"KRN",        7,  Text,          kPlainItem},
@@ -364,7 +388,7 @@ constexpr FieldRow_t kPlatformFields[] = {
     {"RC6",        25, RC6,           kGroupItem},
 };
 
-// The layout whose keys come from the structure: the number of a value's key stands in the byte in front of it.
+// The layout whose keys come from the structure: the byte before a value's string number is that of its key.
 constexpr size_t kPlatform = 4;
 
 struct PairRow_t {
@@ -372,8 +396,7 @@ struct PairRow_t {
     const Translation_t& translation;
 };
 
-// The layout of pairs: of the processors 000506C0h and 000706A0h. A pair whose key has no string gives no item. The
-// structure ends at a text without a number at 1Fh or 31h.
+// A pair whose key has no string gives no item. A text without a number where one is needed ends the structure.
 constexpr PairRow_t kPairs[] = {
     {7,  Text                 },
     {9,  Text                 },
@@ -404,14 +427,12 @@ constexpr PairRow_t kPairs[] = {
 
 }  // namespace
 
-ClSMBIOSType148::ClSMBIOSType148(uint32_t processorSignature) { m_processorSignature = processorSignature; }
-
 void ClSMBIOSType148::PrintStructure(const uint8_t* pData) {
     if (pData == nullptr) {
         TRACE("ClSMBIOSType148::PrintStructure", "\nData is NULL");
         return;
     }
-    PrintTitle(kTitle, pData);
+    PrintHead(pData);
     try {
         if (&FamilyOf(m_processorSignature) != &kTvl)
             PrintStructureExt(pData);
@@ -423,7 +444,7 @@ void ClSMBIOSType148::PrintStructure(const uint8_t* pData) {
 }
 
 void ClSMBIOSType148::PrintStructureExt(const uint8_t* pData) {
-    const ClStructure structure = ClStructure::FormattedArea(pData);
+    const ClStructure structure = View(pData);
     const std::span<const FieldRow_t> board = kBoardFields, platform = kPlatformFields;
     for (const FieldRow_t& row : structure.Byte(kLayout) == kBoardLayout ? board : platform) {
         const uint8_t number = structure.Byte(row.offset);
@@ -438,7 +459,7 @@ void ClSMBIOSType148::PrintStructureExt(const uint8_t* pData) {
 }
 
 status_t ClSMBIOSType148::PrintStructureExtEx(const uint8_t* pData) {
-    const ClStructure structure = ClStructure::FormattedArea(pData);
+    const ClStructure structure = View(pData);
     const uint8_t platform = structure.Byte(kPlatform);
     Fill_String_Data("Platform", platform == 0 ? "Not Available" : GetPrintableString(GetString(platform, pData)), 0);
     for (const PairRow_t& pair : kPairs) {
@@ -468,9 +489,6 @@ std::string ClSMBIOSType148::GetHexSuffix(uint32_t value, uint32_t width) {
     return " (" + std::string(zeros, '0') + digits + ")";
 }
 
-// A board of the processor's family (MrnBoards, DnmBoards, TvlBoards), then its number in lower-case hexadecimal in
-// parentheses; "Unknown MRN BOARD", "Unknown DNM BOARD", "Unknown TVL BOARD" and, of no family, "Unknown BOARD" for
-// others.
 std::string ClSMBIOSType148::GetBoardTypeString(const char* text) {
     int32_t number = 0;
     if (!ReadNumber(text, kBoardTypeTraces, &number)) return "BoardType is not valid";
@@ -479,9 +497,6 @@ std::string ClSMBIOSType148::GetBoardTypeString(const char* text) {
     return std::string(TextOf(family.boards, BoardId, family.otherBoard)) + GetHexSuffix(BoardId, 2);
 }
 
-// A revision of the board that stands above (MrnProductRevisions of board 241 of the first family, TvlFabs of the
-// third, else Fabs), then its number in lower-case hexadecimal in parentheses; "Unknown FAB", "Unknown MRN FAB" and
-// "Unknown DNM FAB" for others, and nothing for a board that the third doesn't know.
 std::string ClSMBIOSType148::GetBoardRevString(const char* text) {
     int32_t number = 0;
     if (!ReadNumber(text, kBoardRevTraces, &number)) return "Board Revision is not valid";
@@ -496,9 +511,7 @@ std::string ClSMBIOSType148::GetBoardRevString(const char* text) {
     return std::string(label) + GetHexSuffix(BoardRev, 2);
 }
 
-// Two characters, a point, two characters: one half is the chip's number in base 16, the other shows as it is. "PR1.4"
-// for a later revision of board 241, "ERR" for other chips. (Two characters have no room for a number behind 0x: that
-// reads as the digit 0.)
+// Two characters have no room for a number after 0x: that reads as the digit 0.
 std::string ClSMBIOSType148::GetPMICString(const char* text) {
     if (text == nullptr) return "Null Pointer";
     const std::string_view pmic = text;
@@ -506,7 +519,7 @@ std::string ClSMBIOSType148::GetPMICString(const char* text) {
     if (pmic.size() < 5) return "PMIC String is not valid";
     const bool isTvl = &FamilyOf(m_processorSignature) == &kTvl;
     std::string_view chip = pmic.substr(0, 2), other = pmic.substr(3, 2);
-    // Revision 3 of the product board has a later revision, which its chip alone tells.
+    // Revision 3 of the product board has a later revision, which only its chip identifies.
     if (!isTvl && BoardId == kMrnProductBoard && BoardRev == 3 && chip == "1F" && other == "B3")
         return "PR1.4" + GetHexSuffix(BoardRev, 2);
     if (isTvl) std::swap(chip, other);
@@ -556,4 +569,45 @@ status_t ClSMBIOSType148::GetMaxCoreCState(const char* text, std::string* out) {
     if (!ReadNumber(text, kMaxCoreCStateTraces, &number)) return kBadValue;
     *out = TextOf(kMaxCoreCStates, static_cast<uint32_t>(number), kNoWord);
     return kSuccess;
+}
+
+ClSMBIOSType* NewType148(const DecoderInput_t& input) {
+    return new (std::nothrow) ClSMBIOSType148(input.processorSignature);
+}
+
+static void DescribeFields(ClDescription& description, std::span<const FieldRow_t> rows) {
+    for (const FieldRow_t& row : rows) {
+        const std::string_view none = row.groupWithoutString == kGroupItem
+                                          ? "; `None`, as a group item, without a string"
+                                          : "; `None` without a string";
+        description.Item(row.key, ClSMBIOSType::GetHexString(row.offset, 2),
+                         std::string(row.translation.words).append(none));
+        if (!row.translation.table.empty()) description.Words(row.key, row.translation.table);
+    }
+}
+
+void DescribeType148(ClDescription& description) {
+    description.Rows({}, "The layout of a board: 02h at 04h, all processors but 506C0h and 706A0h");
+    DescribeFields(description, kBoardFields);
+    description.Rows({}, "The layout of a platform: any other byte at 04h, the same processors");
+    DescribeFields(description, kPlatformFields);
+    description.Rows({},
+                     "The layout of pairs: the processors 506C0h and 706A0h. The structure ends at a string without a "
+                     "number at 1Fh or 31h.");
+    description.Item("Platform", "04h", "string; `Not Available` without one");
+    for (const PairRow_t& row : kPairs) {
+        const std::string at = ClSMBIOSType::GetHexString(row.valueOffset, 2),
+                          keyAt = ClSMBIOSType::GetHexString(row.valueOffset - 1u, 2);
+        description.Item("(the string numbered at " + keyAt + ")", at,
+                         std::string(row.translation.words).append("; `None` without a string"));
+        if (!row.translation.table.empty()) description.Words("Value at " + at, row.translation.table);
+    }
+    description.Words("Boards of the processor 30670h", kMrnBoards);
+    description.Words("Boards of the processor 406C0h", kDnmBoards);
+    description.Words("Boards of the processors 506C0h and 706A0h", kTvlBoards);
+    description.Words("Revisions of board 241 of the processor 30670h", kMrnProductRevisions);
+    description.Words("Revisions of other boards of the processors 30670h and 406C0h", kFabs);
+    description.Words("Revisions of boards of the processors 506C0h and 706A0h", kTvlFabs);
+    description.Words("PMIC chips of the processors 506C0h and 706A0h, whose number is the second half", kTvlPmics);
+    description.Words("PMIC chips of other processors, whose number is the first half", kPmics);
 }

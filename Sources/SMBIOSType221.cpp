@@ -16,8 +16,6 @@ void AppendPadded(std::string& text, uint16_t part, size_t width) {
     text += digits;
 }
 
-// A blank, then three bytes and a word in lower-case hexadecimal, filled up with blanks to 2 and 4 characters, joined
-// by points.
 std::string VersionText(const VersionRecord_t& record) {
     std::string text = " ";
     for (const uint8_t part : record.parts) {
@@ -28,12 +26,16 @@ std::string VersionText(const VersionRecord_t& record) {
     return text;
 }
 
-}  // namespace
+class ClSMBIOSType221 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType221() : ClSMBIOSType(221) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (PrintHead(pData, "\nData is NULL")) GetBiosVersionInfo(pData);
+    }
 
-void ClSMBIOSType221::PrintStructure(const uint8_t* pData) {
-    if (!PrintTitle("Firmware Version Information {Type 221}", pData, "\nData is NULL")) return;
-    GetBiosVersionInfo(pData);
-}
+  private:
+    void GetBiosVersionInfo(const uint8_t* pData);
+};
 
 void ClSMBIOSType221::GetBiosVersionInfo(const uint8_t* pData) try {
     const ClStructure structure = ClStructure::WholeRecord(pData);
@@ -46,4 +48,14 @@ void ClSMBIOSType221::GetBiosVersionInfo(const uint8_t* pData) try {
     }
 } catch (const std::bad_alloc&) {
     TRACE("GetBiosVersionInfo", kError, "Memory allocation with new failed\n");
+}
+
+}  // namespace
+
+ClSMBIOSType* NewType221(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType221; }
+
+void DescribeType221(ClDescription& description) {
+    description.Item("(strings of the structure)", "07h, and on in steps of 7",
+                     "a blank, then three bytes and a word in lower-case hexadecimal, filled up with blanks to 2 and 4 "
+                     "characters, joined by points; no item for an empty string and for `Disabled`");
 }

@@ -3,10 +3,10 @@
 
 namespace {
 
-// 0X and upper-case hexadecimal digits without an "h".
 ClText ShowPort(const Field_t& field) { return "0X" + PlainUpperHex(field.Word()); }
 
 constexpr Rendering_t Port{ShowPort};
+constexpr std::string_view kStringKey = "Checkpoint Description";
 
 constexpr ItemRow_t kItems[] = {
     {"Revision",   0x04, Dec8},
@@ -15,15 +15,27 @@ constexpr ItemRow_t kItems[] = {
     {"Checkpoint", 0x08, Dec8},
 };
 
+class ClSMBIOSType222 final : public ClSMBIOSType {
+  public:
+    ClSMBIOSType222() : ClSMBIOSType(222) {}
+    void PrintStructure(const uint8_t* pData) override {
+        if (PrintHead(pData, "\nData is NULL")) GetCheckPointInfo(pData);
+    }
+
+  private:
+    void GetCheckPointInfo(const uint8_t* pData) {
+        const ClStructure structure = View(pData);
+        PrintItems(kItems, structure);
+        PrintStrings(kStringKey, 1, structure);
+    }
+};
+
 }  // namespace
 
-void ClSMBIOSType222::PrintStructure(const uint8_t* pData) {
-    if (!PrintTitle("Sarvine Technology {Type 222}", pData, "\nData is NULL")) return;
-    GetCheckPointInfo(pData);
-}
+ClSMBIOSType* NewType222(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType222; }
 
-void ClSMBIOSType222::GetCheckPointInfo(const uint8_t* pData) {
-    const ClStructure structure = ClStructure::FormattedArea(pData);
-    PrintItems(kItems, structure);
-    PrintStrings("Checkpoint Description", 1, structure);
+void DescribeType222(ClDescription& description) {
+    description.Explain(ShowPort, "`0X` and hexadecimal digits");
+    description.Rows(kItems);
+    description.Item(kStringKey, {}, "the first string");
 }

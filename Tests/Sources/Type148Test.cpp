@@ -2,7 +2,7 @@
 // Structures.txt.
 #include <gtest/gtest.h>
 
-#include "Sources/Decoders.h"
+#include "Sources/SMBIOSType148.h"
 #include "Tests/Support/Structures.h"
 
 namespace {

@@ -2,7 +2,8 @@
 // table's version or the processor. How fields read stands in the listings (ListingsTest.cpp).
 #include <gtest/gtest.h>
 
-#include "Sources/Decoders.h"
+#include "Sources/SMBIOSType013.h"
+#include "Sources/SMBIOSType017.h"
 #include "Tests/Support/Structures.h"
 
 namespace {

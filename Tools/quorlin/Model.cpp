@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <cctype>
 
-#include "Tools/quorlin/Standard.h"
+#include "Sources/Types.h"
 #include "Tools/quorlin/Text.h"
 
 namespace {
-
-constexpr uint8_t kOnDemandType = 148;
 
 // Titles are "TEXT {Type N}".
 std::string_view TitleText(std::string_view title) { return title.substr(0, title.rfind(" {Type ")); }
@@ -144,14 +142,14 @@ bool ChooseTypes(const Usage_t& usage, std::span<const std::string> names, std::
 
 std::vector<uint8_t> SweptTypes() {
     std::vector<uint8_t> types;
-    for (unsigned type = 0; type < Quorlin::kSweep; type++)
-        if (Quorlin::IsSwept(static_cast<uint8_t>(type))) types.push_back(static_cast<uint8_t>(type));
+    for (const TypeRow_t& row : TypeRows())
+        if (row.sweep == Sweep_t::kSwept) types.push_back(row.type);
     return types;
 }
 
 std::vector<uint8_t> AllTypes(bool onDemand) {
     std::vector<uint8_t> types;
     for (unsigned type = 0; type < 256; type++)
-        if (onDemand || type != kOnDemandType) types.push_back(static_cast<uint8_t>(type));
+        if (onDemand || !IsOnDemand(static_cast<uint8_t>(type))) types.push_back(static_cast<uint8_t>(type));
     return types;
 }

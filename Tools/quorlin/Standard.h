@@ -1,9 +1,11 @@
-// What the SMBIOS standard says of a structure type, as far as lints and lists need it.
+// What the SMBIOS standard says of the types' structures, as far as checks need it. Types.h has their names.
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <string_view>
+
+#include "Sources/Types.h"
 
 // A list of entries of one size inside the formatted area, its count in a byte in front of it.
 struct EntryList_t {
@@ -18,7 +20,6 @@ inline constexpr uint8_t kNoHandle = 255;
 struct TypeFacts_t {
     uint8_t type;
     uint8_t minimumLength;  // of the oldest version that has the type
-    std::string_view name;
     std::string_view strings;  // offsets of string numbers, a character each
     std::string_view handles;  // offsets of handles of other structures, a character each
     EntryList_t list;          // all 0 where there is none
@@ -26,7 +27,5 @@ struct TypeFacts_t {
 
 // Null for a type that the standard doesn't define.
 const TypeFacts_t* FactsOf(uint8_t type);
-// The standard's name of a type; of one that it leaves to others, that.
-std::string_view NameOfType(uint8_t type);
 // The least Length of a structure of this type, a header's for an unknown one.
 uint8_t MinimumLength(uint8_t type);
