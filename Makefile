@@ -58,17 +58,17 @@ tsan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset tsan >/dev/null
 	@cmake --build --preset tsan --target ContainerTest DebugTest FERROXLibTest LinuxHardwareTest MachineTest OSTest \
-		SourcesTest
+		CInterfaceTest SourcesTest
 	@Tests/run_tests.py tsan
 
-# The lines of Sources and Packages that the tests run; those that they don't are named in build/coverage/coverage.txt.
+# The lines of the library that the tests run; those that they don't are named in build/coverage/coverage.txt.
 coverage:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) gcovr
 	@cmake --preset coverage >/dev/null
 	@cmake --build --preset coverage
 	@find build/coverage -name '*.gcda' -delete
 	@Tests/run_tests.py coverage
-	@gcovr --filter Sources/ --filter Packages/ --txt build/coverage/coverage.txt build/coverage
+	@gcovr --filter Sources/ --filter CInterface/ --filter Packages/ --txt build/coverage/coverage.txt build/coverage
 	@tail -3 build/coverage/coverage.txt
 
 windows:
@@ -126,7 +126,7 @@ format:
 lint:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(STYLE_PACKAGES)
 	@cmake --preset debug -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
-	@git ls-files 'Sources/*.cpp' 'Packages/*.cpp' 'Tools/*.cpp' | grep -v -e OS/Windows -e OS/Stub -e FERROXLib/Sources/WinFERROX -e 'RW.cpp' -e Sources/Stub | xargs -P 2 -n 4 clang-tidy -p build/debug --quiet
+	@git ls-files 'Sources/*.cpp' 'CInterface/*.cpp' 'Packages/*.cpp' 'Tools/*.cpp' | grep -v -e OS/Windows -e OS/Stub -e FERROXLib/Sources/WinFERROX -e 'RW.cpp' -e Sources/Stub | xargs -P 2 -n 4 clang-tidy -p build/debug --quiet
 
 clean:
 	rm -rf build

@@ -1,8 +1,8 @@
 // An image of any bytes through the C interface. In front of it: the options, and by how much their size is wrong.
 #include <cstring>
 
+#include "CInterface/quorlin_c.h"
 #include "Fuzz/Fuzz.h"
-#include "Sources/quorlin_c.h"
 
 static void ReadAll(quorlin_table* table) {
     uint8_t major, minor;

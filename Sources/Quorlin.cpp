@@ -5,11 +5,11 @@
 #include <memory>
 #include <new>
 
+#include "Packages/CrashReport/CrashReport.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
-#include "Sources/CrashReport.h"
 #include "Sources/PackageTrace.h"
 #include "Sources/SMBIOSType.h"
 

@@ -18,7 +18,7 @@ set(quorlin_package_headers
   Packages/OS/OSServices.h
   Packages/OS/Status.h)
 set(headers_to ${CMAKE_INSTALL_INCLUDEDIR}/quorlin)
-install(FILES Sources/Quorlin.h Sources/quorlin_c.h DESTINATION ${headers_to} COMPONENT development)
+install(FILES Sources/Quorlin.h CInterface/quorlin_c.h DESTINATION ${headers_to} COMPONENT development)
 foreach(header IN LISTS quorlin_package_headers)
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${header} DESTINATION ${headers_to}/${folder} COMPONENT development)

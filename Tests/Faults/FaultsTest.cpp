@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/Debug/DebugInternal.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/Format/TableFile.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Faults/Allocations.h"
 
 namespace {

@@ -19,10 +19,10 @@
 #include <thread>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/OS/OS.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Support/Buffer.h"
 #include "Tests/Support/Linux/Processes.h"
 

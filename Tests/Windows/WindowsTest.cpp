@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Windows/Windows.h"
 #include "Sources/Quorlin.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 

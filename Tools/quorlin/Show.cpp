@@ -71,14 +71,17 @@ void ShowText(const Structure_t& structure, ClColumns& columns) {
 
 // Tells of structures that a sweep leaves out and that have items all the same.
 void TellOfLeftOut(ClOutput& output, ClColumns& columns) {
-    constexpr uint8_t kOnDemand = 148;
-    uint8_t** records = nullptr;
-    uint32_t count = 0;
-    if (GetSMBIOSStrutureFrom(kOnDemand, 0, &records, &count) != kSuccess || count == 0) return;
-    os_free(records);
-    output << "\n";
-    columns.Line(0, "Not shown: " + std::to_string(count) + (count == 1 ? " structure" : " structures") +
-                        " of type 148, firmware versions; see them with --type 148");
+    for (const TypeRow_t& row : TypeRows()) {
+        uint8_t** records = nullptr;
+        uint32_t count = 0;
+        if (row.sweep != Sweep_t::kOnDemand) continue;
+        if (GetSMBIOSStrutureFrom(row.type, 0, &records, &count) != kSuccess || count == 0) continue;
+        os_free(records);
+        const std::string type = std::to_string(row.type);
+        output << "\n";
+        columns.Line(0, "Not shown: " + std::to_string(count) + (count == 1 ? " structure" : " structures") +
+                            " of type " + type + ", firmware versions; see them with --type " + type);
+    }
 }
 
 void WriteItems(const Structure_t& structure, ClJson& json) {

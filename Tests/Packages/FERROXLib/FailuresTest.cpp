@@ -1,9 +1,9 @@
 // The lower storey as a whole: every call to the platform made to fail in turn, under a package that reads this
 // machine's table, and how far that came.
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Packages/FERROXLib/Library.h"
 
 namespace {

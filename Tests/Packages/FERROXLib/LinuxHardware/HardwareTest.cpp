@@ -19,13 +19,13 @@
 #include <utility>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/Linux/LinuxFERROX.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/MemoryMap.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Processors.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Support/Buffer.h"
 #include "Tests/Support/Linux/Processes.h"
 #include "Tests/Support/Program.h"

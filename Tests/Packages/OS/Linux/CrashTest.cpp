@@ -14,9 +14,9 @@
 #include <string>
 #include <thread>
 
+#include "CInterface/quorlin_c.h"
+#include "Packages/CrashReport/CrashReport.h"
 #include "Packages/OS/CrashFilter.h"
-#include "Sources/CrashReport.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {

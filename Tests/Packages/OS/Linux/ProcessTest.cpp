@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/Container/Container.h"
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/OS/OSServices.h"
 #include "Sources/Quorlin.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {

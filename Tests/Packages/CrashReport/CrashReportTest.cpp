@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "Sources/CrashReport.h"
+#include "Packages/CrashReport/CrashReport.h"
 
 namespace {
 

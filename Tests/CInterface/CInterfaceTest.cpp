@@ -8,10 +8,10 @@
 #include <thread>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
-#include "Sources/quorlin_c.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 

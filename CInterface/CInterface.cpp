@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/OS.h"
 #include "Sources/Quorlin.h"
 #include "Sources/SMBIOSType.h"
-#include "Sources/quorlin_c.h"
 
 #define QUORLIN_TEXT(number) #number
 #define QUORLIN_VERSION_TEXT(major, minor, patch) QUORLIN_TEXT(major) "." QUORLIN_TEXT(minor) "." QUORLIN_TEXT(patch)
@@ -43,7 +43,6 @@ static_assert(QUORLIN_OK == kSuccess && QUORLIN_BAD_VALUE == kBadValue && QUORLI
 std::mutex opening;
 
 constexpr uint8_t kUsualMajor = 3;
-constexpr uint8_t kOnDemandType = 148;  // has a decoder, and no sweep takes it
 
 // What quorlin_last_error tells: the problem, or the status where no more is known. Without a destructor, which would
 // keep the library from being unloaded until the thread ends.
@@ -86,8 +85,8 @@ void CopyItems(ClPackageInUse& package, quorlin_table* table) {
         const Item_t& item = package->Item(index);
         const uint32_t kind = KindOf(item);
         if (kind == QUORLIN_STRUCTURE) structure = index;
-        table->items.push_back(
-            {kind == QUORLIN_STRUCTURE ? item.Title() : std::string(item.key), std::string(item.value), structure, kind});
+        table->items.push_back({kind == QUORLIN_STRUCTURE ? item.Title() : std::string(item.key),
+                                std::string(item.value), structure, kind});
     }
 }
 
@@ -116,7 +115,7 @@ quorlin_status Open(quorlin_table** out, const quorlin_options& wanted, const Im
     ClPackageInUse package;
     choose();
     status_t status = package->BringUp();
-    if (status == kSuccess && wanted.type_148 != 0) status = package->GetTypes(kOnDemandType);
+    if (status == kSuccess && wanted.type_148 != 0) status = package->GetTypes(148);
     if (package->HadTooManyItems()) return QUORLIN_TOO_MANY_ITEMS;
     if (status != kSuccess) return QUORLIN_NO_TABLE;
     auto table = std::make_unique<quorlin_table>();

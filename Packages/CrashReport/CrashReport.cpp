@@ -1,4 +1,4 @@
-#include "Sources/CrashReport.h"
+#include "Packages/CrashReport/CrashReport.h"
 
 #include <algorithm>
 #include <cstdarg>
