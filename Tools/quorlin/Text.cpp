@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "Packages/Format/Utf8.h"
+
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
@@ -44,23 +46,11 @@ Character_t TakeCharacter(std::string_view* text) {
 }  // namespace
 
 size_t SequenceLength(std::string_view text) {
-    const auto byte = [text](size_t place) { return static_cast<unsigned char>(text[place]); };
     if (text.empty()) return 0;
-    const unsigned lead = byte(0);
-    if (lead < 0x80) return 1;
-    const size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
-                          : (lead & 0xF0) == 0xE0        ? 3
-                          : lead >= 0xF0 && lead <= 0xF4 ? 4
-                                                         : 0;
-    if (length == 0 || text.size() < length) return 0;
-    for (size_t place = 1; place < length; place++)
-        if ((byte(place) & 0xC0) != 0x80) return 0;
-    // No longer than needed, no surrogates, nothing above U+10FFFF.
-    const unsigned second = byte(1);
-    if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) || (lead == 0xF0 && second < 0x90) ||
-        (lead == 0xF4 && second > 0x8F))
-        return 0;
-    return length;
+    if (static_cast<unsigned char>(text[0]) < 0x80) return 1;  // nearly all characters
+    bool isValid;
+    const size_t size = Utf8Sequence(text, &isValid);
+    return isValid ? size : 0;
 }
 
 std::string_view Trimmed(std::string_view text) {
