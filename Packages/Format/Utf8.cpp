@@ -19,22 +19,21 @@ constexpr bool IsSurrogate(uint32_t code) { return code >= 0xD800 && code <= 0xD
 
 }  // namespace
 
-size_t Utf8Sequence(std::string_view text, bool* isValid) {
+Utf8Sequence_t NextUtf8Sequence(std::string_view text) {
     const auto lead = static_cast<uint8_t>(text[0]);
     const size_t following = FollowingBytes(lead);
-    *isValid = lead < 0x80;
-    if (following == 0) return 1;
-    if (text.size() <= following) return text.size();
+    if (following == 0) return {1, lead < 0x80};
+    if (text.size() <= following) return {text.size(), false};
     uint32_t code = lead & (0x3Fu >> following);
     for (size_t place = 1; place <= following; ++place) {
         const auto byte = static_cast<uint8_t>(text[place]);
-        if ((byte & 0xC0) != 0x80) return place;
+        if ((byte & 0xC0) != 0x80) return {place, false};
         code = code << 6 | (byte & 0x3Fu);
         // With each further byte the range that `code` must end in is known as far as its high bits go.
         const size_t shift = 6 * (following - place);
         const uint32_t low = code << shift, high = low | ((1u << shift) - 1);
-        if (high < kSmallest[following] || low > 0x10FFFF || (IsSurrogate(low) && IsSurrogate(high))) return place + 1;
+        if (high < kSmallest[following] || low > 0x10FFFF || (IsSurrogate(low) && IsSurrogate(high)))
+            return {place + 1, false};
     }
-    *isValid = true;
-    return following + 1;
+    return {following + 1, true};
 }

@@ -48,9 +48,8 @@ Character_t TakeCharacter(std::string_view* text) {
 size_t SequenceLength(std::string_view text) {
     if (text.empty()) return 0;
     if (static_cast<unsigned char>(text[0]) < 0x80) return 1;  // nearly all characters
-    bool isValid;
-    const size_t size = Utf8Sequence(text, &isValid);
-    return isValid ? size : 0;
+    const Utf8Sequence_t next = NextUtf8Sequence(text);
+    return next.isValid ? next.size : 0;
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -80,17 +79,21 @@ bool IsPlain(std::string_view text, char first, char second) {
     return (bad | test(bytes)) == 0;
 }
 
-void AppendPrintable(std::string& out, std::string_view text) {
-    if (IsPlain(text)) {
-        out += Trimmed(text);
-        return;
-    }
+// The rare text that isn't plain. Apart from the plain case, which it would slow down.
+[[gnu::noinline]] static void AppendCleaned(std::string& out, std::string_view text) {
     const size_t begin = out.size();
     while (!text.empty()) {
         const Character_t next = TakeCharacter(&text);
         out += SteersTerminal(next.code) ? " " : next.bytes;
     }
     while (out.size() > begin && out.back() == ' ') out.pop_back();
+}
+
+void AppendPrintable(std::string& out, std::string_view text) {
+    if (IsPlain(text))
+        out += Trimmed(text);
+    else
+        AppendCleaned(out, text);
 }
 
 std::string Printable(std::string_view text) {

@@ -8,10 +8,9 @@ static constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 bool os_RevalidateUtf8(std::string_view text, std::string* valid) {
     std::string result;
     while (!text.empty()) {
-        bool isValid;
-        const size_t size = Utf8Sequence(text, &isValid);
-        result += isValid ? text.substr(0, size) : kReplacement;
-        text.remove_prefix(size);
+        const Utf8Sequence_t next = NextUtf8Sequence(text);
+        result += next.isValid ? text.substr(0, next.size) : kReplacement;
+        text.remove_prefix(next.size);
     }
     *valid = std::move(result);
     return true;
