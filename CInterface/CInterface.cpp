@@ -39,18 +39,17 @@ namespace {
 static_assert(QUORLIN_OK == kSuccess && QUORLIN_BAD_VALUE == kBadValue && QUORLIN_NO_MEMORY == kNoMemory &&
               QUORLIN_NULL_POINTER == kNullPointer && QUORLIN_NO_TABLE == kFailure);
 
-// The machine and the store are the process's, so one table is opened at a time.
+// Machine and store belong to the process, so only one table is opened at a time.
 std::mutex opening;
 
 constexpr uint8_t kUsualMajor = 3;
 
-// What quorlin_last_error tells: the problem, or the status where no more is known. Without a destructor, which would
-// keep the library from being unloaded until the thread ends.
+// For quorlin_last_error: the problem, or only the status if nothing more is known. They have no destructor, because
+// that would keep the library loaded until the thread ends.
 thread_local quorlin_status lastStatus = QUORLIN_OK;
 thread_local char lastProblem[512] = "";
 
-// A package for as long as it takes to copy its items. The chosen machine is as before afterwards, and the host's crash
-// filter isn't touched.
+// A package while its items are copied. Restores the chosen machine, and leaves the host's crash filter alone.
 class ClPackageInUse {
   public:
     ClPackageInUse() : m_chosen(ChosenMachine()) {}
@@ -65,7 +64,7 @@ class ClPackageInUse {
     Quorlin* operator->() { return &m_package; }
 
   private:
-    Quorlin m_package{Quorlin::kSweep};  // first: without memory for it, nothing has been changed yet
+    Quorlin m_package{Quorlin::kSweep};  // first, so that nothing has been changed yet if memory runs out
     MachineChoice_t m_chosen;
 };
 
@@ -107,7 +106,7 @@ void DescribeTable(const Image_t* image, quorlin_table* table) {
     if (!facts.hasEnd) AddRemark(&table->remark, "no End-of-Table structure ends it");
 }
 
-// Makes a handle of the items of the machine that `choose` chooses; `image` is null for this machine.
+// Makes a handle of the items of the machine that `choose` selects; `image` is null for this machine.
 template <class Choose>
 quorlin_status Open(quorlin_table** out, const quorlin_options& wanted, const Image_t* image, const Choose& choose) {
     const std::lock_guard lock(opening);
@@ -125,7 +124,7 @@ quorlin_status Open(quorlin_table** out, const quorlin_options& wanted, const Im
     return QUORLIN_OK;
 }
 
-// Opens an image that was read with this status, or keeps the problem.
+// Opens an image if `status` says that it was read, else keeps the problem for quorlin_last_error.
 quorlin_status OpenImage(quorlin_table** out, const quorlin_options& wanted, status_t status, const Image_t& image,
                          const std::string& problem) {
     if (status == kSuccess) return Open(out, wanted, &image, [&image] { SetImageMachine(&image.source); });
@@ -133,7 +132,7 @@ quorlin_status OpenImage(quorlin_table** out, const quorlin_options& wanted, sta
     return QUORLIN_NO_IMAGE;
 }
 
-// What the options say of an image. 0.0 is the version of a caller who doesn't know.
+// An image as the options describe it. 0.0 is an unknown version.
 Image_t ImageWith(const quorlin_options& options) {
     Image_t image;
     image.source.signature = options.signature;
@@ -143,7 +142,7 @@ Image_t ImageWith(const quorlin_options& options) {
     return image;
 }
 
-// Calls `function`, which gives a status. No exception leaves the interface.
+// Calls `function`, which returns a status. No exception leaves the interface.
 template <class Function>
 quorlin_status Guarded(const Function& function) {
     try {
@@ -155,7 +154,7 @@ quorlin_status Guarded(const Function& function) {
     }
 }
 
-// The common way of the functions that open: checks the arguments, then opens with the options given or none.
+// Checks the arguments of a function that opens a table, then opens it with the given options or none.
 template <class Function>
 quorlin_status Opening(bool hasArguments, const quorlin_options* given, const Function& open) {
     lastProblem[0] = '\0';
@@ -261,10 +260,10 @@ const char* quorlin_status_text(quorlin_status status) {
         case QUORLIN_NO_MEMORY: return "out of memory";
         case QUORLIN_NULL_POINTER: return "an argument is null";
         case QUORLIN_NO_TABLE: return "this machine has no SMBIOS table, or doesn't let this user read it";
-        case QUORLIN_NO_MORE: return "there is no such item, or none behind the last one";
+        case QUORLIN_NO_MORE: return "there is no such item, or none after the last one";
         case QUORLIN_BUSY: return "the process has a package open, and one table is read at a time";
         case QUORLIN_TOO_MANY_ITEMS: return "the table gives more items than a table of its size may";
-        case QUORLIN_NO_IMAGE: return "the file can't be read, or holds no table";
+        case QUORLIN_NO_IMAGE: return "the file can't be read, or has no table";
         default: return "unknown status";
     }
 }

@@ -34,8 +34,8 @@ struct ItemFacts_t {
     ItemFacts_t As(ItemKind_t other) const { return {instance, handle, type, other}; }
 };
 
-// An item as a package keeps it. Its facts are separate, so that nobody has to parse them out of its texts. The key has
-// no marks; AppendKey adds them.
+// An item as a package keeps it. Its facts are separate, so that callers needn't parse them out of its texts. The key
+// has no marks; AppendKey adds them.
 struct Item_t {
     std::string_view key;
     std::string_view value;

@@ -1,5 +1,5 @@
 // The items that the three probe structures share: voltage, temperature and electrical current (the SMBIOS standard,
-// types 26, 28 and 29). The nominal value behind them isn't shown.
+// types 26, 28 and 29). The nominal value after them isn't shown.
 #pragma once
 
 #include "Sources/SMBIOSType.h"

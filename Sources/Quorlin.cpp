@@ -21,7 +21,7 @@ namespace {
 
 constexpr uint32_t kSignatureMask = 0x0F0FF0;  // extended model, family and model, without stepping and type
 constexpr uint32_t kRecordHead = sizeof(uint32_t);
-constexpr uint32_t kBatch = 255;  // structures that one PrintStructure call takes
+constexpr uint32_t kBatch = 255;  // structures of one PrintStructure call
 
 }  // namespace
 
@@ -65,7 +65,7 @@ status_t Quorlin::UnInitialize() {
     m_items->Clear();
     const status_t status = HoldsStore() ? LibSMBIOSExit() : kSuccess;
     m_smbiosMajor = m_smbiosMinor = 0;
-    // With the last reference the handle is gone, and nobody may trace on it any more.
+    // The last reference frees the handle, so it must not be used any more.
     const bool isLast = packageTraceHandle != nullptr && packageTraceHandle->RefCount == 1;
     DebugLibExit(packageTraceHandle);
     if (isLast) packageTraceHandle = nullptr;
@@ -99,7 +99,7 @@ void AppendQuoted(std::string_view key, std::string_view value, std::string& tex
     }
 }
 
-// An item whose key as text isn't its key: a few of many, whose text would make the way of all others longer.
+// An item whose key as text isn't its key. Such items are rare, and their code would slow down all others.
 [[gnu::noinline]] void AppendMarked(const Item_t& item, std::string& text) {
     std::string key;
     item.AppendKey(key);
@@ -141,7 +141,7 @@ void Quorlin::BeginCount(size_t given) {
 status_t Quorlin::GetTypes(uint8_t SMBIOSStructNumber) {
     const ClItemList::Mark_t before = m_items->Mark();
     BeginCount(before.size);
-    // The records outlive the items only where this package keeps the store up.
+    // The records outlive the items only if this package has a reference to the store.
     m_items->KeepTexts(!HoldsStore());
     status_t status = kFailure;
     if (SMBIOSStructNumber != kSweep) {
@@ -179,7 +179,7 @@ std::string Quorlin::GetItemValue(uint32_t index) try {
     return {};
 }
 
-// One step: all structures of a type through one decoder, which lives for this step only.
+// Decodes all structures of a type with one decoder.
 status_t Quorlin::DecodeType(uint8_t type, ClItemList& items, const Visit_t* visit) {
     uint8_t** records = nullptr;
     uint8_t count = 0;
@@ -204,7 +204,7 @@ status_t Quorlin::DecodeType(uint8_t type, ClItemList& items, const Visit_t* vis
     };
     if (print(records, count) == kNoMemory) return kNoMemory;
     if (!goesOn || count < kBatch || (decoder == nullptr && visit == nullptr)) return status;
-    // More than an 8-bit count can tell: the rest goes to the same decoder, so that the numbering goes on.
+    // More than an 8-bit count: the rest goes to the same decoder, so that the numbering goes on.
     uint32_t rest = 0;
     if (GetSMBIOSStrutureFrom(type, kBatch, &records, &rest) != kSuccess) return status;
     owner.reset(records);

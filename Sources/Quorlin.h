@@ -27,15 +27,15 @@ class ClSMBIOSType;
 class BaseAbstraction {
   public:
     // Brings up trace, table and processor signature, and decodes all swept types unless the package has a preset
-    // type. 5 when the machine can't be reached, has no table or doesn't tell its processor.
+    // type. 5 if the machine can't be read, has no table or has no processor signature.
     virtual status_t Initialize() = 0;
-    // Destroys all items and gives the table back. Harmless after an Initialize that failed.
+    // Destroys all items and releases the table. Harmless after an Initialize that failed.
     virtual status_t UnInitialize() = 0;
     // No lookup is implemented: 2 for an empty name, 5 for any other.
     virtual status_t GetItemByName(std::string name) = 0;
     // The item under the cursor as one line, "KEY", "VALUE", and the cursor moves on. A group item's key ends in
-    // "#GROUPNAME". The value comes without double quotes, and a value of one blank as nothing. 5 at the end, which
-    // leaves `text` as it was; 3 without memory, which leaves it empty and the cursor where it is.
+    // "#GROUPNAME". The value comes without double quotes, and a value of one blank as nothing. 5 at the end, with
+    // `text` unchanged; 3 if memory runs out, with an empty `text` and the cursor unchanged.
     virtual status_t GetNextItem(std::string& text) = 0;
     virtual ~BaseAbstraction() = default;
     virtual status_t ReservedOperation1() { return kFailure; }
@@ -61,28 +61,28 @@ class Quorlin : public BaseAbstraction {
     status_t GetNextItem(std::string& text) override;
 
     // Appends the items of one type, or of all swept types for 255. The cursor stays. A type that the table doesn't
-    // hold, or that has no decoder, adds nothing and gives 1. 3, and nothing is appended, where the package would get
-    // more items than a table may give: kMostItemsPerByte for each of its bytes, and kAlwaysAllowedItems in any case.
+    // have, or that has no decoder, adds nothing and returns 1. Returns 3 and appends nothing if the package would get
+    // more items than a table may have: kMostItemsPerByte for each of its bytes, but at least kAlwaysAllowedItems.
     virtual status_t GetTypes(uint8_t SMBIOSStructNumber);
     // The number of items, group items included, whatever the cursor.
     virtual uint32_t GetItemCount();
-    // The value of an item as decoded, or empty text behind the last one and without memory.
+    // The value of an item as decoded, or empty text after the last item and if memory runs out.
     virtual std::string GetItemValue(uint32_t index);
 
     // Initialize without the crash report, for this tree's own hosts.
     status_t BringUp();
-    // Appends an item to `text` as GetNextItem gives it.
+    // Appends an item to `text` as GetNextItem returns it.
     static void AppendLine(const Item_t& item, std::string& text);
     // An item without a copy, for this tree's own hosts; it is valid until the next GetTypes or UnInitialize. Expects
     // an index below GetItemCount.
     const Item_t& Item(uint32_t index) const;
     // Decodes these types as GetTypes does, for this tree's own hosts, but keeps no items: `visit` gets each structure
-    // with its own, or with none, for the length of the call. So no more than one structure's items are held. 3 where
-    // the items would be more than a table may give, after a visit of those that aren't. `visit` tells whether to go on
-    // with the structures of this type.
+    // with its own items, or with none, for the length of the call. So only one structure's items exist at a time.
+    // Returns 3 when the items are more than a table may have, after visits of the structures before. `visit` returns
+    // whether to go on with the structures of this type.
     using Visit_t = std::function<bool(const uint8_t* structure, const ClItemList& items)>;
     status_t VisitTypes(std::span<const uint8_t> types, const Visit_t& visit);
-    // Whether GetTypes or VisitTypes gave 3 since BringUp.
+    // Whether GetTypes or VisitTypes has returned 3 since BringUp.
     bool HadTooManyItems() const { return m_hadTooManyItems; }
 
   private:
@@ -94,10 +94,10 @@ class Quorlin : public BaseAbstraction {
 
     uint32_t m_cursor = 0;
     uint32_t m_processorSignature = 0;
-    uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package holds a reference on the store
+    uint8_t m_smbiosMajor = 0;  // with the minor: not 0 while this package has a reference to the store
     uint8_t m_smbiosMinor = 0;
     std::unique_ptr<ClItemList> m_items;
-    size_t m_itemsLeft = 0;  // that the call at hand may still add
+    size_t m_itemsLeft = 0;  // that the current call may still add
     bool m_hadTooManyItems = false;
     uint8_t m_presetType;
 };
@@ -105,9 +105,9 @@ class Quorlin : public BaseAbstraction {
 extern "C" {
 // A new package; null without memory. It belongs to the caller.
 QUORLIN_API BaseAbstraction* CreateSmbiosPackage();
-// A package that doesn't sweep at Initialize: its host asks for types with GetTypes. A preset of 255 sweeps.
+// A package that doesn't sweep at Initialize; its host asks for types with GetTypes. A preset of 255 sweeps.
 QUORLIN_API BaseAbstraction* CreateSmbiosPackageForKovr(uint8_t presetType);
-// Either serves a package from either Create; null does nothing.
+// Both destroy packages of either Create; null does nothing.
 QUORLIN_API void DestroySmbiosPackage(BaseAbstraction* package);
 QUORLIN_API void DestroySmbiosPackageForKovr(BaseAbstraction* package);
 }

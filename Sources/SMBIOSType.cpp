@@ -88,7 +88,7 @@ void ClSMBIOSType::BeginStructure(const uint8_t* pData) {
 }
 
 bool ClSMBIOSType::PrintHead(const uint8_t* pData, const char* nullTrace) {
-    static constexpr ItemRow_t kHeader[] = {
+    static constexpr ItemRow_t kHeaderRows[] = {
         {"Type",   0x00, Dec8 },
         {"Length", 0x01, Dec8 },
         {"Handle", 0x02, Dec16},
@@ -100,7 +100,7 @@ bool ClSMBIOSType::PrintHead(const uint8_t* pData, const char* nullTrace) {
         TraceNullData(m_row.type, nullTrace);
         return false;
     }
-    if (m_row.head == Head_t::kTitleAndHeader) PrintItems(kHeader, ClStructure::FixedBytes(pData, 4));
+    if (m_row.head == Head_t::kHeader) PrintItems(kHeaderRows, ClStructure::FixedBytes(pData, 4));
     return true;
 }
 

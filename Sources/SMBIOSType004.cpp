@@ -24,7 +24,7 @@ constexpr CodeText_t kRenamedFamilies[] = {
 };
 static_assert(IsRising(kRenamedFamilies));
 
-// Of the whole byte: bit 6 tells whether the socket is populated, bits 0 to 2 the processor's state.
+// Codes are the whole byte: bit 6 is set if the socket is populated, bits 0 to 2 are the state of the processor.
 constexpr CodeText_t kStatuses[] = {
     {0x00, "CPU Socket Unpopulated, Status Unknown"      },
     {0x01, "CPU Socket Unpopulated, CPU Enabled"         },

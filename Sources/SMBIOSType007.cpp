@@ -3,7 +3,7 @@
 
 namespace {
 
-// The parts of the configuration word. Bits 0 to 2 hold the level, from 0 for L1.
+// The parts of the configuration word. Bits 0 to 2 are the level, 0 for L1.
 constexpr uint16_t kLevelMask = 7, kSocketed = 8;
 constexpr uint32_t kLocationShift = 5, kModeShift = 8;
 

@@ -5,7 +5,7 @@
 
 class ClSMBIOSType13 final : public ClSMBIOSType {
   public:
-    // The version of the table, which decides whether it holds the flags.
+    // The version of the table decides whether it has the flags.
     ClSMBIOSType13(uint8_t smbiosMajor, uint8_t smbiosMinor)
         : ClSMBIOSType(13), m_smbiosMajor(smbiosMajor), m_smbiosMinor(smbiosMinor) {}
     void PrintStructure(const uint8_t* pData) override;

@@ -1,4 +1,4 @@
-// System Event Log (the SMBIOS standard, type 15). The structure tells where the log is; the log itself isn't read.
+// System Event Log (the SMBIOS standard, type 15). The structure locates the log; the log itself isn't read.
 #include "Sources/Decoders.h"
 
 namespace {

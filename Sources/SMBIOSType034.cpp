@@ -32,7 +32,7 @@ static_assert(IsRising(kAddressTypes));
 constexpr Rendering_t DeviceType = Enum8(kDeviceTypes, "Error: Invalid Type");
 constexpr Rendering_t AddressType = Enum8(kAddressTypes, "Error: Invalid Address Type");
 
-// The device type stands under the key "Error Type".
+// "Error Type" is the key of the device type.
 constexpr ItemRow_t kItems[] = {
     {"Description",  0x04, String     },
     {"Error Type",   0x05, DeviceType },

@@ -36,7 +36,7 @@ constexpr Rendering_t Supported8(uint32_t bit) { return Bit8(kSupported, bit); }
 constexpr Rendering_t Supported32(uint32_t bit) { return Bit32(kSupported, bit); }
 
 // A PCI device: bits 0 to 2 its function, 3 to 7 its number, 8 to 15 its bus, and from 16 on its identification.
-// The number alone is shifted, and that of the wireless device isn't.
+// Only the number is shifted, and not for the wireless device.
 constexpr Rendering_t Version{ShowVersion}, Device{ShowDevice};
 constexpr Rendering_t Function = Masked(0x7), DeviceInPlace = Masked(0xF8), Bus = Masked(0xFF00),
                       Identification = Masked(0xFFFF0000);

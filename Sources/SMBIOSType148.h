@@ -15,7 +15,7 @@ class ClSMBIOSType148 final : public ClSMBIOSType {
     // " (f1)": lowercase hexadecimal, zero-filled to `width` digits.
     static std::string GetHexSuffix(uint32_t value, uint32_t width);
 
-    // Translators of a string into words. Most read a decimal number from its start and give "ERR" for a number
+    // Translators of a string into words. Most read a decimal number from its start and return "ERR" for a number
     // without a word and for a text without a number.
     std::string GetBoardTypeString(const char* text);  // sets BoardId
     std::string GetBoardRevString(const char* text);   // sets BoardRev; depends on BoardId

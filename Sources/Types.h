@@ -13,7 +13,7 @@ enum class Sweep_t : uint8_t {
     kNotDecoded,  // has no decoder
 };
 enum class View_t : uint8_t { kWholeRecord, kFormattedArea };
-enum class Head_t : uint8_t { kNone, kFirstTitle, kTitle, kTitleAndHeader };
+enum class Head_t : uint8_t { kNone, kFirstTitle, kTitle, kHeader };
 
 struct TypeRow_t {
     uint8_t type;

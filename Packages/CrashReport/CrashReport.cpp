@@ -38,7 +38,7 @@ constexpr Cause_t kCauses[] = {
     {0x40010005, "DBG_CONTROL_C (WTF!)"              },
 };
 
-// The report in words: as much as one can hold, on the stack.
+// The text of the report, on the stack, because nothing may be allocated after a crash.
 class ClReport {
   public:
     [[gnu::format(printf, 2, 3)]] void Print(const char* format, ...) {
@@ -79,7 +79,7 @@ void PrintAccess(ClReport* report, const Fault_t& fault) {
 int32_t ReportUnhandledException(const Fault_t& fault) {
     ClReport report;
     report.Print("\n***EXCEPTION HANDLING START***\n");
-    // As Windows' own form of a pointer, which other systems' %p doesn't give.
+    // The form of Windows' %p, which other systems' %p doesn't have.
     report.Print(" Exception at address: 0x%016llX", static_cast<unsigned long long>(fault.Address));
     PrintCause(&report, fault.Code);
     if (fault.Code == kFaultAccessViolation || fault.Code == kFaultPageError) PrintAccess(&report, fault);

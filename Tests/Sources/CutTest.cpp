@@ -1,6 +1,6 @@
-// Every cut of a table decodes without leaving it: the sample, generated images and, where they are at hand, images of
-// real machines, cut at every length, and the sample's structures with every length byte. What this proves it proves
-// under AddressSanitizer; elsewhere it shows that nothing crashes or hangs. Windows' tests leave it out.
+// Tables that are cut anywhere decode without a read past their end: the sample, generated images and, if available,
+// images of real machines, cut at every length, and the sample's structures with every length byte. AddressSanitizer
+// sees such a read; other builds only see crashes and hangs. The tests for Windows leave it out.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -18,8 +18,8 @@ namespace {
 
 using Bytes_t = std::vector<uint8_t>;
 
-// Sweeps the first `size` bytes of a table, and the type that a sweep leaves out. The count leaves out the groups: they
-// show an item for each entry of a member without strings, and fewer once its first string appears.
+// Sweeps the first `size` bytes of a table and decodes type 148. The count leaves out the groups: they have an item for
+// each entry of a member without strings, and fewer once its first string appears.
 uint32_t ItemsOf(const uint8_t* table, size_t size, uint32_t signature) {
     // A block of its own size, so that a read past its end is seen.
     const std::vector<uint8_t> cut(table, table + size);
@@ -40,7 +40,8 @@ void CutEverywhere(const uint8_t* table, size_t size, const std::string& what) {
     uint32_t items = 0;
     for (size_t length = 0; length <= size; length++) {
         const uint32_t now = ItemsOf(table, length, 0x506C0);
-        // More bytes show no less, but for the last letter of a firmware component's name, "Disabled", which hides it.
+        // More bytes give no fewer items, except the last letter of "Disabled", the name of a hidden firmware
+        // component.
         EXPECT_GE(now + 1, items) << what << " cut at " << length;
         items = now;
     }
@@ -54,8 +55,7 @@ void CutImage(const TableImage_t& image) {
 
 TEST(Cut, SampleDecodesAtEveryLength) { CutEverywhere(SampleTable().data(), SampleTable().size(), "sample"); }
 
-// Each structure stands behind a group that names its type, so that the group's decoder reads it too, and ends the
-// table.
+// Each structure is the last of its table, after a group that names its type, so that the group's decoder reads it too.
 TEST(Cut, StructuresOfTheSampleDecodeWithEveryLengthByte) {
     const auto length = static_cast<uint32_t>(SampleTable().size());
     for (uint32_t begin = 0; begin < length;) {

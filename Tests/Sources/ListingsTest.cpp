@@ -1,4 +1,4 @@
-// How fields and whole structures read, as two listings beside this file have it.
+// Compares fields and whole structures with two listings beside this file.
 #include <gtest/gtest.h>
 
 #include <iomanip>
@@ -10,16 +10,16 @@
 
 namespace {
 
-constexpr uint8_t kEnough = 0x40;  // holds every field of a row
+constexpr uint8_t kEnough = 0x40;  // long enough for every field
 
 std::string Listing(const std::string& name) { return ReadWholeFile(QUORLIN_SOURCE_DIR "/Tests/Sources/" + name); }
 
-// What Fields.txt says of one key.
+// One key of Fields.txt.
 struct Field_t {
     int type = 0;
     size_t offset = 0;
     std::string key;
-    std::map<uint64_t, std::vector<std::string>> texts;  // of each value; none where it has no item
+    std::map<uint64_t, std::vector<std::string>> texts;  // of each value; none if it has no item
 };
 
 std::vector<Field_t> ListedFields() {
@@ -50,10 +50,10 @@ TEST(Fields, ReadAsListed) {
         std::vector<ClStructureBuilder> structures;
         std::vector<std::string> expected;
         for (const auto& [value, texts] : field.texts) {
-            // One device, where they fill the structure.
+            // One device instead of as many as fit.
             ClStructureBuilder structure(static_cast<uint8_t>(field.type), field.type == 10 ? 6 : kEnough);
             structure.Strings({"first", "second"});
-            // A BIOS without a version says no more.
+            // A BIOS without a version has no further items.
             if (field.type == 0) structure.Byte(5, 1);
             for (size_t place = 0; place < 8; place++)
                 if (const auto byte = static_cast<uint8_t>(value >> 8 * place); byte != 0)

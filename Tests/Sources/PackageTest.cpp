@@ -16,7 +16,7 @@ void UseTable(const std::vector<uint8_t>& table) {
     ASSERT_EQ(SetImageMachine(&source), kSuccess);
 }
 
-// A package that is initialised for as long as this object lives.
+// A package that is initialised while this object lives.
 class ClPackage {
   public:
     explicit ClPackage(const std::vector<uint8_t>& table, uint8_t presetType = Quorlin::kSweep) : m_table(table) {
@@ -31,7 +31,7 @@ class ClPackage {
     }
     Quorlin* operator->() { return m_package; }
 
-    // The next line; at the end, what it left of another one.
+    // The next line, or "(unchanged)" at the end.
     std::string Next() {
         std::string line = "(unchanged)";
         const status_t status = m_package->GetNextItem(line);
@@ -109,7 +109,7 @@ TEST(Package, VisitsEachStructureWithItsOwnItems) {
     EXPECT_EQ(package->GetItemCount(), 600u * 17);
 }
 
-// The table comes and the trace handle goes once for all packages. One may begin anew, and still be asked afterwards.
+// Packages share one table and one trace handle. A package may be initialised again.
 TEST(Package, SharesTableAndTraceHandle) {
     auto* second = static_cast<Quorlin*>(CreateSmbiosPackage());
     {
@@ -129,7 +129,7 @@ TEST(Package, SharesTableAndTraceHandle) {
     DestroySmbiosPackage(second);
 }
 
-// One that isn't initialised decodes what another one brought up, and what it got stays.
+// A package that isn't initialised decodes the table of another one, and its items outlive that table.
 TEST(Package, ItemsOutliveTheTableOfOthers) {
     auto* second = static_cast<Quorlin*>(CreateSmbiosPackage());
     {

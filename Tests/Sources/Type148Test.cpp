@@ -1,5 +1,4 @@
-// The decoder of type 148: its translators, and what one item leaves for those behind it. Its layouts stand in
-// Structures.txt.
+// The decoder of type 148: its translators, and items that later items depend on. Structures.txt tests its layouts.
 #include <gtest/gtest.h>
 
 #include "Sources/SMBIOSType148.h"
@@ -95,7 +94,7 @@ TEST(Type148Translators, NameBoardsAndTheirRevisions) {
 TEST(Type148Translators, NamePowerChips) {
     const struct {
         uint32_t signature;
-        const char *board, *revision;  // left behind before; null: none
+        const char *board, *revision;  // decoded before; null: none
         const char *text, *expected;
     } kCases[] = {
         {kDnm,      nullptr, nullptr, "2B.02",      "DIALOG (2B) 02"          },
@@ -112,7 +111,6 @@ TEST(Type148Translators, NamePowerChips) {
         {kMrn,      nullptr, nullptr, "1FA.0",      "ERR"                     },
         {kMrn,      nullptr, nullptr, "1F.B",       "PMIC String is not valid"},
         {kMrn,      nullptr, nullptr, nullptr,      "Null Pointer"            },
- // One board tells a later revision by its chip.
         {kMrn,      "241",   "3",     "1F.B3",      "PR1.4 (03)"              },
         {kNoFamily, "241",   "3",     "1F.B3x",     "PR1.4 (03)"              },
         {kTvl,      "241",   "3",     "1F.B3",      "ERR (B3) 1F"             },
@@ -184,8 +182,8 @@ TEST(Type148, KeyValueLayoutEndsAtAFailedPair) {
                                  flavor + "K22=C1\nK25=ON\n");
 }
 
-// A structure that doesn't set the board or its revision uses what the structure before it left.
-TEST(Type148, LaterStructuresSeeTheBoardLeftBehind) {
+// A structure that doesn't set the board or its revision uses those of the structure before it.
+TEST(Type148, LaterStructuresUseTheBoardOfEarlierOnes) {
     ClStructureBuilder first(148, 26), second(148, 26), third(148, 26);
     first.String(12, "241").String(13, "3");
     second.String(13, "abc").String(16, "1F.B3");

@@ -1,5 +1,5 @@
-// Items that depend on more than a field: on how much a structure holds, on its texts, on other structures, on the
-// table's version or the processor. How fields read stands in the listings (ListingsTest.cpp).
+// Items that depend on more than a field: on the structure's length, its texts, other structures, the version of the
+// table or the processor. The listings test single fields (ListingsTest.cpp).
 #include <gtest/gtest.h>
 
 #include "Sources/SMBIOSType013.h"

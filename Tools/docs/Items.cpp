@@ -236,7 +236,7 @@ std::string WholePage() {
         text += row.view == View_t::kFormattedArea
                     ? "Fields past the end of a short structure read 0.\n"
                     : "Fields past the end of a short structure read the bytes that follow in its record.\n";
-        if (row.head == Head_t::kTitleAndHeader)
+        if (row.head == Head_t::kHeader)
             text += "The items begin with `Type`, `Length` and `Handle`, in decimal.\n";
         else if (row.head == Head_t::kFirstTitle)
             text += "Only the first structure has a title.\n";

@@ -71,7 +71,7 @@ TEST(CrashReport, IsPrintedBeforeTheProcessDies) {
         {
             InstallCrashReport();
             InstallCrashReport();
-            dup2(2, 1);  // a death test sees the error stream alone
+            dup2(2, 1);  // a death test only sees the error stream
             __builtin_trap();
         },
         "START.*\n.*Cause: EXCEPTION_ILLEGAL_INSTRUCTION\n.*END");
