@@ -19,7 +19,7 @@ inline constexpr uint8_t kNoHandle = 255;
 
 struct TypeFacts_t {
     uint8_t type;
-    uint8_t minimumLength;  // of the oldest version that has the type
+    uint8_t minimumLength;     // of the oldest version that has the type
     std::string_view strings;  // offsets of string numbers, a character each
     std::string_view handles;  // offsets of handles of other structures, a character each
     EntryList_t list;          // all 0 where there is none
