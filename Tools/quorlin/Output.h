@@ -1,24 +1,18 @@
 // Standard output in large blocks, errors in one line.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include "Tools/quorlin/CommandLine.h"
-
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitNoTable = 1;
 inline constexpr int kExitUsage = 2;
-// Commands that answer a question tell the answer by 0 and 1, and trouble apart from it.
+// For commands that answer a question by 0 and 1.
 inline constexpr int kExitNo = 1;
 inline constexpr int kExitTrouble = 2;
 
-enum class Format_t { kText, kJson, kNdjson, kCsv, kLines };
-
-// The format of this name, if it is one of `allowed`. As ParseCommandLine when it isn't.
-bool ChooseFormat(const Usage_t& usage, const std::string& name, std::span<const Format_t> allowed, Format_t* format,
-                  int* exitCode);
 // Collects text and writes it in blocks. Once a write failed the rest is dropped, and Finish tells.
 class ClOutput {
   public:

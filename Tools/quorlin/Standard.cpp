@@ -4,8 +4,6 @@
 
 namespace {
 
-using namespace std::string_view_literals;
-
 constexpr uint8_t kHeader = 4;
 constexpr EntryList_t kNoList = {}, kBoards{0x0E, 0, 0x0F, 2, 0}, kElements{0x13, 0x14, 0x15, 0, kNoHandle},
                       kModules{0x0E, 0, 0x0F, 2, 0}, kMembers{0, 0, 0x05, 3, 1},
@@ -75,7 +73,7 @@ const TypeFacts_t* FactsOf(uint8_t type) {
 
 std::string_view NameOfType(uint8_t type) {
     if (const TypeFacts_t* facts = FactsOf(type)) return facts->name;
-    return type >= 128 ? "OEM-specific"sv : "Unknown"sv;
+    return type >= 128 ? "OEM-specific" : "Unknown";
 }
 
 uint8_t MinimumLength(uint8_t type) {

@@ -1,11 +1,11 @@
-// What the SMBIOS standard says of a structure type, as far as lints and lists need it.
+// What the SMBIOS standard says of a structure type, as far as checks and lists need it.
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <string_view>
 
-// A list of entries of one size inside the formatted area, its count in a byte in front of it.
+// A list of entries of one size in the formatted area, with its count in a byte before it.
 struct EntryList_t {
     uint8_t countOffset;  // 0: the list fills the formatted area
     uint8_t sizeOffset;   // of the byte that states an entry's size; 0: entrySize
@@ -18,15 +18,15 @@ inline constexpr uint8_t kNoHandle = 255;
 struct TypeFacts_t {
     uint8_t type;
     uint8_t minimumLength;  // of the oldest version that has the type
-    std::string_view name;
-    std::string_view strings;  // offsets of string numbers, a character each
-    std::string_view handles;  // offsets of handles of other structures, a character each
+    const char* name;
+    const char* strings;  // offsets of string numbers, a character each
+    const char* handles;  // offsets of handles of other structures, a character each
     EntryList_t list;          // all 0 where there is none
 };
 
 // Null for a type that the standard doesn't define.
 const TypeFacts_t* FactsOf(uint8_t type);
-// The standard's name of a type; of one that it leaves to others, that.
+// The standard's name of a type, or "OEM-specific" or "Unknown".
 std::string_view NameOfType(uint8_t type);
 // The least Length of a structure of this type, a header's for an unknown one.
 uint8_t MinimumLength(uint8_t type);

@@ -435,11 +435,13 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         {"--image " + empty + "/none",                             1, "; try another"               },
         {"--image " + empty,                                       1, "empty"                       },
         {"--image " + text,                                        1, "not a table"                 },
-        {"--sample --road \"\"",                                   2, "--road may not be empty"     },
+        {"--sample --method \"\"",                                 2, "--method may not be empty"   },
+        {"--sample --road scan",                                   2, "are for this machine"        },
+        {"--method bios",                                          2, "use firmware or scan"        },
         {"diff " + text + " \"\"",                                 2, "b may not be empty"          },
         {"--sample types",                                         2, "exclude"                     },
-        {"raw --image-list x",                                     2, "'--image-list' is no option" },
-        {"get 300 x --sample",                                     2, "'300' is no structure type"  },
+        {"raw --image-list x",                                     2, "unknown option '--image-list'" },
+        {"get 300 x --sample",                                     2, "unknown structure type '300'"  },
         {"types --as folder --sample",                             2, "--as"                        },
         {"--sample --image " + missing,                            2, "exclude"                     },
         {"--sample --type 256",                                    2, "256"                         },
@@ -448,7 +450,7 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         {"--sample --color red",                                   2, "always"                      },
         {"raw --sample --handle 0010",                             2, "10 for decimal, 0x10 or 10h" },
         {"raw --sample --handle 1a",                               2, "write 0x1a or 1ah"           },
-        {"raw --sample --handle 65536",                            2, "16 bits"                     },
+        {"raw --sample --handle 65536",                            2, "16-bit handle"               },
         {"--sample --format xml",                                  2, "xml"                         },
         {"--sample --smbios-version 3",                            2, "3.0"                         },
         {"--sample --signature 12G",                               2, "hexadecimal"                 },
@@ -456,23 +458,23 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         {"shwo",                                                   2, "neither a command nor a file"},
  // What would write, or is not understood, ends before the hardware library is opened.
         {"hw msr write 16",                                        2, "needs --write VALUE"         },
-        {"hw msr write 16 --write 1",                              2, "takes both"                  },
-        {"hw msr write 16 --yes-write-hardware",                   2, "takes both"                  },
-        {"hw mem 0xFED00000 4 --write 1",                          2, "takes both"                  },
-        {"hw cpuid 0 --write 1 --yes-write-hardware",              2, "writes nothing"              },
-        {"hw pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", 2, "writes nothing"              },
+        {"hw msr write 16 --write 1",                              2, "needs both"                  },
+        {"hw msr write 16 --yes-write-hardware",                   2, "needs both"                  },
+        {"hw mem 0xFED00000 4 --write 1",                          2, "needs both"                  },
+        {"hw cpuid 0 --write 1 --yes-write-hardware",              2, "can't write"              },
+        {"hw pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", 2, "can't write"              },
         {"hw cpuid",                                               2, "takes other arguments"       },
-        {"hw cpuids 0",                                            2, "is no operation"             },
-        {"hw pci 0000:00:20.0 2 5",                                2, "is no PCI function"          },
-        {"hw pci 00:03.0 2 5",                                     2, "is no PCI function"          },
-        {"hw cpuid 0 --cpu 256",                                   2, "no processor number"         },
+        {"hw cpuids 0",                                            2, "unknown value 'cpuids'"             },
+        {"hw pci 0000:00:20.0 2 5",                                2, "is not a PCI function"          },
+        {"hw pci 00:03.0 2 5",                                     2, "is not a PCI function"          },
+        {"hw cpuid 0 --cpu 256",                                   2, "not a processor number"         },
         {"hw mem 0xFED00000 2 --write 65536 --yes-write-hardware", 2, "larger than 2 bytes"         },
-        {"hw port read 0x80 3",                                    2, "1, 2 or 4"                   },
-        {"hw pci 0000:00:03.0 2 0",                                2, "within 1 to 4094"            },
-        {"hw versions --cpu 0",                                    2, "no use for --cpu"            },
-        {"hw cpuid 0 --out x",                                     2, "no use for --out"            },
+        {"hw port read 0x80 3",                                    2, "must be 1, 2 or 4"                   },
+        {"hw pci 0000:00:03.0 2 0",                                2, "from 1 to 4094"            },
+        {"hw versions --cpu 0",                                    2, "doesn't take --cpu"            },
+        {"hw cpuid 0 --out x",                                     2, "doesn't take --out"            },
         {"hw acpi --out x",                                        2, "--out needs the name"        },
-        {"hw cpuid 0 --trace Global",                              2, "no setting like"             },
+        {"hw cpuid 0 --trace Global",                              2, "not a setting like"             },
     };
     for (const auto& c : kCases) {
         const ProgramRun_t run = RunQuorlin(c.arguments);
@@ -538,7 +540,7 @@ TEST_F(OnLinux, AStrangersConfigurationWritesNothing) {
     const std::string plain = Shell(QUORLIN_PROGRAM " --sample --type 24");
     EXPECT_EQ(Shell(program + " --sample --type 24"), plain);
     EXPECT_EQ(Shell(program + " --sample --type 24 --verbose 2>&1 >/dev/null | grep debug.conf"),
-              "quorlin: debug.conf: not obeyed: others can write its folder, or one above\n0\n");
+              "quorlin: debug.conf: ignored: others can write its folder, or one above\n0\n");
     EXPECT_EQ(ReadWholeFile(precious), "p");
 
     // What the user himself asks for.
@@ -546,7 +548,7 @@ TEST_F(OnLinux, AStrangersConfigurationWritesNothing) {
         " --sample --type 24 --trace 'Global:TraceType<In>;Global:OutputType<Fi>;Global:FileName<";
     EXPECT_TRUE(Has(Shell(program + trace + "/dev/stderr>' 2>&1 >/dev/null"), " Fn:ParseAllStructures "));
     const std::string lost = Shell(program + trace + "no-folder/log>' 2>&1 >/dev/null");
-    EXPECT_TRUE(Has(lost, "quorlin: --trace: its log can't be opened; try ")) << lost;
+    EXPECT_TRUE(Has(lost, "quorlin: --trace: can't open its log; try ")) << lost;
 }
 
 TEST_F(OnLinux, ATerminalGetsColourAndLinesThatFit) {
@@ -575,7 +577,7 @@ TEST(Program, ColourIsTheUsersChoice) {
     EXPECT_FALSE(Has(RunQuorlin("--sample --type 4").output, "\x1b"));
 }
 
-TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
+TEST_F(OnLinux, VerboseNamesTheAccessMethod) {
     const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 0xF0100, 0x100);
     Bytes_t memory(1u << 20);
     std::ranges::copy(found, memory.begin() + 0xF0000);
@@ -583,7 +585,7 @@ TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
         return Shell("unshare -m sh -c 'mount -t tmpfs none /dev && mknod /dev/null c 1 3 && cp " +
                      WriteFile("mem", memory) + " /dev/mem && mount --bind " +
                      WriteFile("map", Bytes_t(map.begin(), map.end())) +
-                     " /proc/iomem && " QUORLIN_PROGRAM " types --road scan --verbose'");
+                     " /proc/iomem && " QUORLIN_PROGRAM " types --method scan --verbose'");
     };
     const std::string output = scan("000f0000-000fffff : System ROM\n");
     if (Has(output, "unshare: ")) GTEST_SKIP() << "only root can have a /dev of its own";
@@ -591,7 +593,7 @@ TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
     EXPECT_EQ(
         scan("000f0000-000fffff : 0000:00:01.0\n"),
         "quorlin: this machine: the table that the scan finds isn't in known memory, and is not read; try without "
-        "--road\n1\n");
+        "--method\n1\n");
 }
 
 // The cause is told, and root is advised only where it would help.
@@ -614,12 +616,12 @@ TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
          "its SMBIOS table; showing the embedded sample\n6144\n6145\n0\n"                                                                                                                                },
         {QUORLIN_PROGRAM,                                                                                                        "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"},
         {memory + nobody + QUORLIN_PROGRAM,                                                                                      "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"},
-        {QUORLIN_PROGRAM " --road scan",                                                                                         "its memory can't be read; try without --road\n1\n"                     },
-        {memory + QUORLIN_PROGRAM " --road scan",                                                                                "the scan of its memory finds no table; try without --road\n1\n"        },
-        {memory + nobody + QUORLIN_PROGRAM " --road scan",                                                                       "the system refuses to give its memory; try as root\n1\n"               },
+        {QUORLIN_PROGRAM " --method scan",                                                                                         "its memory can't be read; try without --method\n1\n"                     },
+        {memory + QUORLIN_PROGRAM " --method scan",                                                                                "the scan of its memory finds no table; try without --method\n1\n"        },
+        {memory + nobody + QUORLIN_PROGRAM " --method scan",                                                                       "the system refuses to give its memory; try as root\n1\n"               },
         {QUORLIN_PROGRAM " hw mem 0xF0000 4",                                                                                    "the request was refused (status 0); try quorlin hw --help\n1\n"        },
         {memory + nobody + QUORLIN_PROGRAM " hw mem 0xF0000 4",                                                                  "the system refuses it (status 0); try as root\n1\n"                    },
-        {QUORLIN_PROGRAM " hw acpi",                                                                                             "shows no ACPI tables; try quorlin hw --help\n1\n"                      },
+        {QUORLIN_PROGRAM " hw acpi",                                                                                             "has no ACPI tables; try quorlin hw --help\n1\n"                      },
         {firmware + "printf 12345 >acpi/tables/FACP && printf 123 >acpi/tables/SSDT1 && cp acpi/tables/FACP "
                     "acpi/tables/SSDT2 && touch \"acpi/tables/$(printf \"A\\033[C\")\" && " QUORLIN_PROGRAM " hw acpi",
          "Table  Bytes\nA?[C       -\nFACP       5\nSSDT       3  the first of 2\n0\n"                                                                                                                   },
