@@ -21,7 +21,7 @@ struct TypeFacts_t {
     const char* name;
     const char* strings;  // offsets of string numbers, a character each
     const char* handles;  // offsets of handles of other structures, a character each
-    EntryList_t list;          // all 0 where there is none
+    EntryList_t list;     // all 0 where there is none
 };
 
 // Null for a type that the standard doesn't define.

@@ -52,7 +52,7 @@ status_t ReadWatchedCPUID(uint32_t processor, CPUIDRecord_t* record) {
 // Why this machine gives no table, and what to try.
 Cause_t WhyNotThisMachine(const Source_t& source) {
     return WhyNoTable(steps, source.IsScan() ? "try without --method"
-                             : source.driver   ? "try --no-driver"
+                             : source.driver ? "try --no-driver"
                                              : "try --sample, or --image FILE");
 }
 

@@ -15,8 +15,7 @@ void BeginTrace(const std::string& spec) {
     const status_t status = spec.empty() ? kSuccess : DebugUseConfigText(spec.c_str());
     if (status == kNotSupported)
         throw BadUsage_t{"--trace: this program has rights that its user doesn't have, so it writes no log"};
-    if (status != kSuccess)
-        throw BadUsage_t{"--trace: '" + spec + "' is not a setting like Global:TraceType<ErWa>"};
+    if (status != kSuccess) throw BadUsage_t{"--trace: '" + spec + "' is not a setting like Global:TraceType<ErWa>"};
     // Without a log the run goes on.
     if (DebugLibInit("quorlin", &traceHandle) != kSuccess && !spec.empty())
         SayError("--trace", "can't open its log; try a new file, or a plain file that you may write");

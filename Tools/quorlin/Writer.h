@@ -69,4 +69,5 @@ class ClWriter {
     ClOutput& m_output;
 };
 
-inline constexpr Column_t kItemColumns[] = {{"type"}, {"handle"}, {"instance"}, {"title"}, {"group"}, {"key"}, {"value"}};
+inline constexpr Column_t kItemColumns[] = {{"type"},  {"handle"}, {"instance"}, {"title"},
+                                            {"group"}, {"key"},    {"value"}};

@@ -184,7 +184,8 @@ std::vector<Difference_t> CompareTables(OwnTable_t& a, OwnTable_t& b) {
 
 void ShowToPeople(const Difference_t& difference, ClColumns& people) {
     const OwnStructure_t& structure = *difference.structure;
-    const char* mark = difference.change == Change_t::kChanged ? "  " : difference.change == Change_t::kAdded ? "+ " : "- ";
+    const Change_t change = difference.change;
+    const char* mark = change == Change_t::kChanged ? "  " : change == Change_t::kAdded ? "+ " : "- ";
     people.Line(0, "");
     people.Line(0, mark + structure.title + ", type " + std::to_string(structure.type) + ", handle " +
                        HandleText(structure.handle));
@@ -201,7 +202,12 @@ void WriteRow(const Difference_t& difference, ClWriter& writer) {
     std::vector<Row_t> items;
     for (const auto& item : difference.items) {
         const OwnItem_t& either = item.Either();
-        items.push_back({NameOf(item.change), {}, {}, {}, cell(either.group, !either.group.empty()), either.key,
+        items.push_back({NameOf(item.change),
+                         {},
+                         {},
+                         {},
+                         cell(either.group, !either.group.empty()),
+                         either.key,
                          item.a != nullptr ? Cell_t(item.a->value) : Cell_t(),
                          item.b != nullptr ? Cell_t(item.b->value) : Cell_t()});
     }
@@ -276,10 +282,12 @@ class ClDiff : public ClCommand {
 constexpr Command_t kDiffCommand = {
     .name = "diff",
     .summary = "what differs between two tables",
-    .description = "Shows what differs between two tables. Structures are matched by type and handle, the others by "
-                   "their order. Without B the other table is this machine's, or the one that --sample or --image names.",
-    .footer = "Example: quorlin diff before.bin after.bin --ignore \"Serial Number\"\n"
-              "Exit codes: 0 the same, 1 different, 2 bad usage, no table or an unreadable one.",
+    .description =
+        "Shows what differs between two tables. Structures are matched by type and handle, the others by their "
+        "order. Without B the other table is this machine's, or the one that --sample or --image names.",
+    .footer =
+        "Example: quorlin diff before.bin after.bin --ignore \"Serial Number\"\n"
+        "Exit codes: 0 the same, 1 different, 2 bad usage, no table or an unreadable one.",
     .trouble = kExitTrouble,
     .make = MakeCommand<ClDiff>,
 };

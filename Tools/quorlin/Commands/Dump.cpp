@@ -38,8 +38,9 @@ constexpr Command_t kDumpCommand = {
     .description =
         "Writes a table into a new file, after an entry point, as this program and the system's other tools read it. "
         "Only its owner can read the file, as tables contain serial numbers. An existing file is never overwritten.",
-    .footer = "Example: quorlin dump machine.bin\n"
-              "Exit codes: 0 done, 1 no table, or the file can't be written, 2 bad usage.",
+    .footer =
+        "Example: quorlin dump machine.bin\n"
+        "Exit codes: 0 done, 1 no table, or the file can't be written, 2 bad usage.",
     .trouble = kExitNoTable,
     .make = MakeCommand<ClDump>,
 };

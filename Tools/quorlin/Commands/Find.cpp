@@ -67,8 +67,9 @@ constexpr Command_t kFindCommand = {
     .name = "find",
     .summary = "the items that contain a text",
     .description = "Finds the items whose key or value contains a text, in any case, and shows their structures.",
-    .footer = "Example: quorlin find serial\n"
-              "Exit codes: 0 found, 1 not found, 2 bad usage, no table or an unreadable one.",
+    .footer =
+        "Example: quorlin find serial\n"
+        "Exit codes: 0 found, 1 not found, 2 bad usage, no table or an unreadable one.",
     .trouble = kExitTrouble,
     .make = MakeCommand<ClFind>,
 };

@@ -311,26 +311,26 @@ constexpr Choice_t kDirections[] = {{"read"}, {"write"}};
 class ClHw : public ClCommand {
   public:
     std::vector<Option_t> Options() override {
-        return {
-            {.name = "operation",
-             .typeName = "OPERATION",
-             .help = "The operation",
-             .target = &m_name,
-             .required = true,
-             .choices = kNames},
-            {.name = "argument",
-             .typeName = "ARGUMENT",
-             .help = "What the operation needs",
-             .target = &m_words,
-             .choices = kDirections,
-             .takesOthers = true,
-             .after = "msr port"},
-            {"--cpu",  "N",         "Processor number, from 0 (by default any for cpuid, 0 for msr)",                                                                     &m_cpuText                                                                                                                                                    },
-            {"--out",             "FILE",                  "Write an ACPI table into this new file", &m_out},
-            {"--write",             "VALUE",    "Write VALUE instead of reading",  &m_valueText                                                                         },
-            {"--yes-write-hardware",           nullptr, "Confirm that the hardware is to be written",                     &m_yes                                                                                     },
-            TraceOption(&m_trace),
-        };
+        std::vector<Option_t> options;
+        options.push_back({.name = "operation",
+                           .typeName = "OPERATION",
+                           .help = "The operation",
+                           .target = &m_name,
+                           .required = true,
+                           .choices = kNames});
+        options.push_back({.name = "argument",
+                           .typeName = "ARGUMENT",
+                           .help = "What the operation needs",
+                           .target = &m_words,
+                           .choices = kDirections,
+                           .takesOthers = true,
+                           .after = "msr port"});
+        options.push_back({"--cpu", "N", "Processor number, from 0 (by default any for cpuid, 0 for msr)", &m_cpuText});
+        options.push_back({"--out", "FILE", "Write an ACPI table into this new file", &m_out});
+        options.push_back({"--write", "VALUE", "Write VALUE instead of reading", &m_valueText});
+        options.push_back({"--yes-write-hardware", nullptr, "Confirm that the hardware is to be written", &m_yes});
+        options.push_back(TraceOption(&m_trace));
+        return options;
     }
 
     int Run() override {

@@ -72,8 +72,9 @@ constexpr Command_t kRawCommand = {
     .name = "raw",
     .summary = "the bytes and strings of structures",
     .description = "Shows the bytes and strings of a table's structures.",
-    .footer = "Example: quorlin raw --type 17\n"
-              "Exit codes: 0 done, 1 no such structure, 2 bad usage, no table or an unreadable one.",
+    .footer =
+        "Example: quorlin raw --type 17\n"
+        "Exit codes: 0 done, 1 no such structure, 2 bad usage, no table or an unreadable one.",
     .trouble = kExitTrouble,
     .make = MakeCommand<ClRaw>,
 };

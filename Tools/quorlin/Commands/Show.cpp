@@ -70,8 +70,9 @@ constexpr Command_t kShowCommand = {
     .name = "show",
     .summary = "the items of a table; the default command",
     .description = "Shows the SMBIOS table of this machine, or of a table image, structure by structure.",
-    .footer = "Example: quorlin table.bin --type processor,memory\n"
-              "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
+    .footer =
+        "Example: quorlin table.bin --type processor,memory\n"
+        "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
     .trouble = kExitNoTable,
     .make = MakeCommand<ClShow>,
 };

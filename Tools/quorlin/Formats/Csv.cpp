@@ -79,6 +79,10 @@ class ClCsvWriter : public ClWriter {
     size_t m_columns = 0;
 };
 
+std::unique_ptr<ClWriter> Make(ClOutput& output, bool hasMany) {
+    return std::make_unique<ClCsvWriter>(output, hasMany);
+}
+
 }  // namespace
 
 constexpr Format_t kCsvFormat = {
@@ -87,7 +91,5 @@ constexpr Format_t kCsvFormat = {
     .takesMany = true,
     .reportsErrors = false,
     .isSweep = false,
-    .make = [](ClOutput& output, bool hasMany) -> std::unique_ptr<ClWriter> {
-        return std::make_unique<ClCsvWriter>(output, hasMany);
-    },
+    .make = Make,
 };

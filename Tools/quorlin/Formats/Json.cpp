@@ -228,6 +228,10 @@ class ClJsonWriter : public ClWriter {
     const List_t* m_list = nullptr;
 };
 
+std::unique_ptr<ClWriter> MakeJson(ClOutput& output, bool) { return std::make_unique<ClJsonWriter>(output, false); }
+
+std::unique_ptr<ClWriter> MakeNdjson(ClOutput& output, bool) { return std::make_unique<ClJsonWriter>(output, true); }
+
 }  // namespace
 
 constexpr Format_t kJsonFormat = {
@@ -236,9 +240,7 @@ constexpr Format_t kJsonFormat = {
     .takesMany = false,
     .reportsErrors = false,
     .isSweep = false,
-    .make = [](ClOutput& output, bool) -> std::unique_ptr<ClWriter> {
-        return std::make_unique<ClJsonWriter>(output, false);
-    },
+    .make = MakeJson,
 };
 
 constexpr Format_t kNdjsonFormat = {
@@ -247,7 +249,5 @@ constexpr Format_t kNdjsonFormat = {
     .takesMany = true,
     .reportsErrors = true,
     .isSweep = false,
-    .make = [](ClOutput& output, bool) -> std::unique_ptr<ClWriter> {
-        return std::make_unique<ClJsonWriter>(output, true);
-    },
+    .make = MakeNdjson,
 };

@@ -30,13 +30,15 @@ class ClLinesWriter : public ClWriter {
     bool m_isTerminal;
 };
 
+std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique<ClLinesWriter>(output); }
+
 }  // namespace
 
 constexpr Format_t kLinesFormat = {
-    .name = {"lines",                                                                                                               "one item a line"},
+    .name = {"lines", "one item a line"},
     .contents = kStructures,
     .takesMany = false,
     .reportsErrors = false,
     .isSweep = true,
-    .make = [](ClOutput& output, bool) -> std::unique_ptr<ClWriter> { return std::make_unique<ClLinesWriter>(output);                                                                                                                     },
+    .make = Make,
 };

@@ -66,13 +66,15 @@ class ClTextWriter : public ClWriter {
     const List_t* m_list = nullptr;
 };
 
+std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique<ClTextWriter>(output); }
+
 }  // namespace
 
 constexpr Format_t kTextFormat = {
-    .name = {"text",                                                                                                               "for people"},
+    .name = {"text", "for people"},
     .contents = kAnyContent,
     .takesMany = false,
     .reportsErrors = false,
     .isSweep = false,
-    .make = [](ClOutput& output, bool) -> std::unique_ptr<ClWriter> { return std::make_unique<ClTextWriter>(output);                                                                                                                    },
+    .make = Make,
 };
