@@ -25,7 +25,7 @@ bool ClOutput::Finish() {
 
 void SayError(std::string_view subject, std::string_view message) {
     std::string line("quorlin: ");
-    // Names of files, too, may hold what steers a terminal.
+    // File names, too, may contain control characters.
     AppendPrintable(line, subject);
     line += ": ";
     AppendPrintable(line, message);

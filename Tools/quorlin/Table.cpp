@@ -203,8 +203,7 @@ std::string ClTable::Form() const {
 
 int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work,
                  const std::function<void(const ClTable&)>& failed) {
-    // What the last image took goes with the process: giving it back piece by piece would be a good part of a short
-    // run.
+    // Never destroyed: freeing the last image piece by piece would be a good part of a short run.
     static ClTable& table = *new ClTable;
     int exitCode = kExitDone;
     const auto one = [&](const std::string* path) {

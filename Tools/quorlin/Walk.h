@@ -1,5 +1,4 @@
-// The structures of a table's bytes, for a range-based for: up to and including End-of-Table, or to the last whole
-// header.
+// Iterates over the structures of a table's bytes, up to and including End-of-Table, or to the last whole header.
 #pragma once
 
 #include <cstddef>

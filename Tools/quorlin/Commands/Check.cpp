@@ -19,15 +19,15 @@ constexpr List_t kList = {.name = "findings", .columns = kColumns};
 
 struct Finding_t {
     const char* rule;
-    const TableStructure_t* structure;  // null for one of the table as a whole; lives for the length of the call
+    const TableStructure_t* structure;  // null for a finding on the table as a whole; lives for the call
     uint32_t offset;                    // of the structure, or of where the table ends
     std::string text;
 };
-// Takes the findings one by one: a table of nothing but flaws has millions.
+// Receives the findings one by one, as a table may have millions.
 using Report_t = std::function<void(const Finding_t&)>;
 
-// Codes that the oldest version of their type doesn't have. In a structure too short for one its decoder reads on into
-// the string area, and what it reads there is no code.
+// Codes that the oldest version of their type doesn't have. If a structure is too short for one, its decoder reads on
+// into the string area, and what it reads there is not a code.
 struct LateCode_t {
     std::string_view key;
     uint8_t type, offset;
@@ -95,7 +95,7 @@ class ClLint {
         if (m_facts->list.listOffset != 0) CheckList(m_facts->list);
     }
 
-    // Whether the structure's formatted area can be looked at.
+    // False if the structure is too short for any other check.
     bool CheckLength() {
         const uint8_t length = m_structure->Length();
         const uint8_t least = MinimumLength(m_structure->Type());
@@ -138,7 +138,7 @@ class ClLint {
             Add("count", "it counts " + std::to_string(Byte(4)) + " strings, and holds " + std::to_string(count));
     }
 
-    // A handle of FFFEh or FFFFh says that there is none, or that it isn't known.
+    // FFFEh and FFFFh mean no structure, or an unknown one.
     void CheckReference(uint32_t offset) {
         if (offset + 2 > m_length) return;
         const auto handle = static_cast<uint16_t>(Byte(offset) | Byte(offset + 1) << 8);
@@ -167,8 +167,8 @@ class ClLint {
         });
     }
 
-    // The decoders know every enumeration: where a code is outside its table they say so. They go by type, so what
-    // they say is kept until the table's order comes to it.
+    // The decoders mark codes outside their enumerations. Decoding goes by type, so the codes are kept until the walk,
+    // which goes by position, comes to their structure.
     void FindCodes(ClTable& table) {
         std::vector<uint32_t> ofType[256];  // offsets
         for (const TableStructure_t& structure : ClWalk(m_bytes))
@@ -202,7 +202,7 @@ class ClLint {
     std::vector<Code_t> m_codes;
     size_t m_nextCode = 0;
 
-    // The structure at hand.
+    // The structure that is checked.
     const TableStructure_t* m_structure = nullptr;
     const TypeFacts_t* m_facts = nullptr;
     uint32_t m_length = 0;  // of its formatted area, as far as it is there

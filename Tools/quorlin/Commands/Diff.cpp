@@ -17,7 +17,7 @@ namespace {
 constexpr Column_t kColumns[] = {{"change"}, {"type"}, {"handle"}, {"title"}, {"group"}, {"key"}, {"a"}, {"b"}};
 constexpr List_t kList = {.name = "differences", .columns = kColumns, .innerName = "items"};
 
-// An item with what tells it apart in its structure: a key may come more than once.
+// An item and what identifies it in its structure, as a key may occur more than once.
 struct OwnItem_t {
     std::string group, key;
     uint32_t occurrence;
@@ -28,7 +28,7 @@ struct OwnItem_t {
     }
 };
 
-// A structure of its own, as two tables aren't up at the same time.
+// A copy of a structure, as two tables can't be up at the same time.
 struct OwnStructure_t {
     uint8_t type;
     uint16_t handle;
@@ -42,7 +42,7 @@ struct OwnTable_t {
     std::vector<OwnStructure_t> structures;
 };
 
-// What a table may take while it is compared: far more than any real one does.
+// Limits the memory that a table takes while it is compared, far above what real tables need.
 class ClBudget {
   public:
     bool Take(size_t bytes) { return m_left >= bytes && (m_left -= bytes, true); }
@@ -55,7 +55,7 @@ bool IsIgnored(std::string_view key, const std::vector<std::string>& ignored) {
     return std::ranges::any_of(ignored, [key](const std::string& other) { return EqualsIgnoringCase(key, other); });
 }
 
-// False when the budget is used up.
+// False if the budget is used up.
 bool TakeItems(const Structure_t& structure, const std::vector<std::string>& ignored, ClBudget& budget,
                std::vector<OwnItem_t>* items) {
     std::map<std::pair<std::string_view, std::string_view>, uint32_t> occurrences;
@@ -83,8 +83,8 @@ std::string HexOf(const TableStructure_t& structure) {
     return text;
 }
 
-// All structures, in the table's order. One that no decoder shows is compared by its bytes. False for a table that is
-// too much to compare.
+// Copies all structures, in the table's order. A structure without a decoder is compared by its bytes. False if the
+// table is too large to compare.
 bool TakeTable(ClTable& table, const std::vector<std::string>& ignored, OwnTable_t* taken) {
     ClBudget budget;
     bool fits = true;

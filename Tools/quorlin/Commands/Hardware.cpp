@@ -22,7 +22,7 @@ constexpr uint64_t kMostBytes = 1u << 20;  // that one call reads
 // error.
 constexpr status_t kBadUsage = 0xFFFFFFFF, kReported = 0xFFFFFFFE;
 
-// A block of a head that tells the size, and that many bytes.
+// A header with the size, and that many bytes.
 class ClBuffer {
   public:
     explicit ClBuffer(uint32_t size) : m_block(sizeof(DataBuffer_t) + size) { Get()->Size = size; }
@@ -36,7 +36,7 @@ class ClBuffer {
     std::vector<uint8_t> m_block;
 };
 
-// Keeps the hardware library open from Open on.
+// Keeps the hardware library open after Open.
 class ClHardware {
   public:
     ClHardware() = default;
@@ -60,7 +60,7 @@ class ClHardware {
     bool m_isOpen = false;
 };
 
-// What the command line holds, and where results go.
+// What the command line asks for, and where results go.
 struct Request_t {
     Request_t(std::span<const std::string> theWords, ClOutput& theOutput) : words(theWords), output(theOutput) {}
 
