@@ -13,8 +13,7 @@ Option_t TraceOption(std::string* spec) {
 
 void BeginTrace(const std::string& spec) {
     const status_t status = spec.empty() ? kSuccess : DebugUseConfigText(spec.c_str());
-    if (status == kNotSupported)
-        throw BadUsage_t{"--trace: this program has rights that its user doesn't have, so it writes no log"};
+    if (status == kNotSupported) throw BadUsage_t{"--trace: no file is written with rights that the user doesn't have"};
     if (status != kSuccess) throw BadUsage_t{"--trace: '" + spec + "' is not a setting like Global:TraceType<ErWa>"};
     // Without a log the run goes on.
     if (DebugLibInit("quorlin", &traceHandle) != kSuccess && !spec.empty())
