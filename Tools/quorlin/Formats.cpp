@@ -12,8 +12,6 @@ constexpr const Format_t* kFormats[] = {
 
 }  // namespace
 
-std::span<const Format_t* const> Formats() { return kFormats; }
-
 Option_t ClFormatOption::Option() {
     m_choices.reserve(std::size(kFormats));
     for (const Format_t* format : kFormats)

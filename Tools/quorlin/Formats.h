@@ -34,9 +34,6 @@ struct Format_t {
 #include "Tools/quorlin/Formats.inc"
 #undef FORMAT
 
-// All formats; the first one is the default.
-std::span<const Format_t* const> Formats();
-
 // A command's --format option.
 class ClFormatOption {
   public:

@@ -275,14 +275,14 @@ TEST(Program, StructuresWithoutItemsShowTheirBytesAndStrings) {
         Pair("--type 6 --format csv",
              "type,handle,instance,title,group,key,value\r\n"
              "6,17,1,Memory Module Information,,Bytes,06 05 11 00 02\r\n"),
-        Pair(
-            "--type 6,200 --format json",
-            "{\"source\":\"raw.bin\",\"smbios\":\"3.0\",\"structures\":[\n"
-            R"({"type":6,"handle":17,"instance":1,"title":"Memory Module Information","bytes":"0605110002","strings":[]})"
-            "\n"
-            R"(,{"type":200,"handle":16,"instance":1,"title":"OEM-specific","bytes":"C8061000AB01",)"
-            R"("strings":["BIOS {Type 0}_9#GROUPNAME","x"]}]})"
-            "\n"),
+        Pair("--type 6,200 --format json",
+             "{\"source\":\"raw.bin\",\"smbios\":\"3.0\",\"structures\":[\n"
+             R"({"type":6,"handle":17,"instance":1,"title":"Memory Module Information","bytes":"0605110002",)"
+             R"("strings":[]})"
+             "\n"
+             R"(,{"type":200,"handle":16,"instance":1,"title":"OEM-specific","bytes":"C8061000AB01",)"
+             R"("strings":["BIOS {Type 0}_9#GROUPNAME","x"]}]})"
+             "\n"),
         Pair("find group", "OEM-specific {Type 200}, handle 0010h\n  String 1  BIOS {Type 0}_9#GROUPNAME\n"),
         Pair("get 200 \"string 2\"", "x\n"),
         Pair("--type 200 --format lines", ""),
