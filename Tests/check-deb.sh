@@ -52,7 +52,7 @@ inside quorlin --image /dump.bin --format lines >"$work/program.txt"
 inside /items-c /dump.bin >"$work/items-c.txt"
 [ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] || fail 'items-c gives another number of items'
 for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completions/quorlin \
-    zsh/vendor-completions/_quorlin doc/libquorlin-dev/examples/items.c; do
+    zsh/vendor-completions/_quorlin fish/vendor_completions.d/quorlin.fish doc/libquorlin-dev/examples/items.c; do
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"
 done
 

@@ -49,9 +49,10 @@ if(NOT WIN32)
   install(FILES Docs/quorlin.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES Docs/quorlin.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
   set(QUORLIN_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING "Where zsh looks for completions")
-  set(completions Tools/quorlin/completions)
+  set(completions ${PROJECT_BINARY_DIR}/completions)
   install(FILES ${completions}/quorlin.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME quorlin COMPONENT tools)
-  install(FILES ${completions}/_quorlin DESTINATION ${QUORLIN_ZSH_COMPLETIONS}
+  install(FILES ${completions}/quorlin.zsh DESTINATION ${QUORLIN_ZSH_COMPLETIONS} RENAME _quorlin COMPONENT tools)
+  install(FILES ${completions}/quorlin.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
     COMPONENT tools)
 endif()

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Rights are advised only to a process that lacks some.
+// Advises more rights only to a process that lacks them.
 Cause_t LacksRights(const char* problem, const char* other) {
     const char* rights = AdviceForRights();
     return {problem, rights != nullptr ? rights : other};
@@ -27,9 +27,9 @@ const char* WordsOf(status_t status) {
         case 0: return "the request was refused";
         case kBadValue: return "an argument is out of range";
         case kNoMemory: return "out of memory";
-        case kNullPointer: return "there is nothing";
+        case kNullPointer: return "nothing found";
         case kNotSupported: return "not available on this system or under its hypervisor";
-        default: return "it failed, or there is no such thing here";
+        default: return "the operation failed, or this machine has no such thing";
     }
 }
 

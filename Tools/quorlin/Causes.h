@@ -1,4 +1,4 @@
-// Why a step on this machine failed, and what would help on this system: the one place that puts it into words.
+// Messages for steps that failed on this machine: what the problem is, and what to try on this system.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ struct Cause_t {
     std::string Text() const { return problem + "; " + advice; }
 };
 
-// What the steps of bringing up this machine gave. A step that wasn't taken has no value.
+// The results of bringing up this machine. A step that wasn't taken has no value.
 struct Steps_t {
     std::optional<status_t> start;     // of the hardware library
     std::optional<status_t> firmware;  // the system's firmware-table call
@@ -22,13 +22,13 @@ struct Steps_t {
     std::optional<status_t> cpuid;
     Refusal_t refusal = Refusal_t::kOther;  // of the start or the scan
 
-    // Whether the driver is at fault, so that the machine may be read without it.
+    // Whether the driver failed. The table may still be readable without it.
     bool FailedAtDriver() const { return start.value_or(kSuccess) != kSuccess || cpuid.value_or(kSuccess) != kSuccess; }
 };
 
-// In each, `other` is what to try where more rights wouldn't help.
+// `other` is the advice if more rights wouldn't help.
 
-// Why these steps gave no table.
+// Why these steps found no table.
 Cause_t WhyNoTable(const Steps_t& steps, const char* other);
 // Why a start of the hardware library failed with `status`.
 Cause_t WhyNoStart(status_t status, Refusal_t refusal, const char* other);

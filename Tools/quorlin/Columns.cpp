@@ -11,7 +11,7 @@ namespace {
 constexpr size_t kWidestKey = 44;   // longer keys push their value to the right
 constexpr size_t kLeastValue = 24;  // columns that a value gets, however narrow the terminal
 
-// Where to break `text` so that at most `width` characters stand in front: behind a blank if there is one.
+// Where to break `text` so that at most `width` characters come before: after a blank if there is one.
 size_t BreakAt(std::string_view text, size_t width) {
     size_t end = 0, lastBlank = 0;
     for (size_t columns = 0; end < text.size(); columns++) {
@@ -36,16 +36,8 @@ bool CanShowColor() {
 
 }  // namespace
 
-bool SetColor(std::string_view when) {
-    if (when == "auto")
-        color = Color_t::kAuto;
-    else if (when == "always")
-        color = Color_t::kAlways;
-    else if (when == "never")
-        color = Color_t::kNever;
-    else
-        return false;
-    return true;
+void SetColor(std::string_view when) {
+    color = when == "always" ? Color_t::kAlways : when == "never" ? Color_t::kNever : Color_t::kAuto;
 }
 
 ClColumns::ClColumns(ClOutput& output) : m_output(output), m_width(TerminalWidth()) {

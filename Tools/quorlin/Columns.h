@@ -8,31 +8,31 @@
 
 #include "Tools/quorlin/Output.h"
 
-// Whether headings stand out: "auto" (on a terminal that can), "always" or "never". False for any other word.
-bool SetColor(std::string_view when);
+// Sets whether headings stand out: "auto" (on a terminal that can show it), "always" or "never".
+void SetColor(std::string_view when);
 
-// Puts headings, and pairs below each other, to an output. Text from firmware is made printable.
+// Writes headings, lines, and keys with values. Makes all text printable.
 class ClColumns {
   public:
     explicit ClColumns(ClOutput& output);
 
-    // A line that stands out on a terminal, with an empty line in front of all but the first.
+    // Writes a line that stands out on a terminal, after an empty line unless it is the first.
     void Heading(std::string_view text);
-    // A line without a value. Where it has to be broken it goes on two columns further in.
+    // Writes a line. If it has to be broken, it continues two columns further in.
     void Line(size_t indent, std::string_view text);
-    // A key and its value. The values of one block stand below each other. The texts must live until Finish.
+    // Adds a key and its value to a block, whose values are aligned. The texts must live until Finish.
     void Pair(std::string_view key, std::string_view value) { m_block.emplace_back(key, value); }
-    // Ends the block.
+    // Writes the block.
     void Finish(size_t indent);
 
   private:
-    // A text from `column` on, in which its further lines stand at `next`. Gives the column it ends in.
+    // Writes a text that begins at `column` and continues at `next`. Returns the column where it ends.
     size_t Put(size_t column, size_t next, std::string_view text);
 
     ClOutput& m_output;
     std::vector<std::pair<std::string_view, std::string_view>> m_block;
     std::string m_text;
-    size_t m_width;  // of the terminal; 0 for anything else, where no line is broken
+    size_t m_width;  // of the terminal; 0 for other outputs, where no line is broken
     bool m_begun = false;
     const char* m_headingBegin = "";
     const char* m_headingEnd = "";

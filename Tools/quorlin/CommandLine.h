@@ -10,38 +10,48 @@
 
 using Arguments_t = std::vector<std::string>;
 
-struct Usage_t {
-    const char* command;  // as typed, "quorlin find"
-    const char* description;
-    const char* footer;  // examples and exit codes
-    int trouble;         // exit code when it can't be done: no table, no memory, output that can't be written
+// A word that an option takes as its value.
+struct Choice_t {
+    const char* word;
+    const char* remark = nullptr;  // what it means, where the word alone doesn't say it
+};
+using Choices_t = std::span<const Choice_t>;
+
+// Thrown where the command line is wrong: what is wrong, and what to write instead if that isn't obvious.
+struct BadUsage_t {
+    std::string message;
 };
 
-// One option. A name without dashes is that of an argument, which stands in its place on the command line.
+// One option. A name without dashes is that of an argument, which is taken by its position.
 struct Option_t {
     const char* name;
-    const char* typeName;  // of its value; null for a flag
+    const char* typeName;  // of its value, "FILE" for a file's name; null for a flag
     const char* help;
     std::variant<bool*, std::string*, std::vector<std::string>*> target;  // a list takes the option once for each value
     bool required = false;
-    char letter = 0;  // its short name, as in -t
+    char letter = 0;              // its short name, as in -t
+    Choices_t choices = {};       // the words that it takes; the help lists them
+    bool takesOthers = false;     // other values too, so that the help has to list the choices itself
+    bool isHidden = false;        // an old name, which still works but isn't shown
+    const char* after = nullptr;  // an argument's choices are for these values of the argument before it: "msr port"
+
+    bool IsArgument() const { return name[0] != '-'; }
+    bool TakesValue() const { return !std::holds_alternative<bool*>(target); }
+    // The help with the choices: "Whether headings stand out: auto (on a terminal), always or never".
+    std::string Help() const;
+    bool IsList() const { return std::holds_alternative<std::vector<std::string>*>(target); }
 };
 
-// Fills the options' targets. False when the command is to end here with `exitCode`: help was asked for and printed,
-// or the usage was bad and a line said so.
-bool ParseCommandLine(const Usage_t& usage, std::span<const Option_t> options, const Arguments_t& arguments,
-                      int* exitCode);
+// Fills the options' targets. False if help is asked for. Throws BadUsage_t.
+bool ParseCommandLine(std::span<const Option_t> options, const Arguments_t& arguments);
 
 // As a file's name: standard input or standard output.
 inline constexpr std::string_view kStandardStream = "-";
 
-// "quorlin: bad usage: MESSAGE; try COMMAND --help" on standard error; gives false.
-bool SayBadUsage(const Usage_t& usage, const std::string& message, int* exitCode);
-
-// Numbers as users write them: decimal, or hexadecimal behind 0x. False for anything else, and above `most`.
+// Numbers as users write them: decimal, or hexadecimal after 0x. False for anything else, and above `most`.
 bool ParseNumber(std::string_view text, uint64_t most, uint64_t* value);
-// A handle as users write it: 17, 0x11 or 11h. A bare number that begins with 0 or holds a letter could be either, and
-// is refused with both. As ParseCommandLine when it is bad.
-bool ParseHandle(const Usage_t& usage, const std::string& text, uint64_t* handle, int* exitCode);
-// Hexadecimal digits, with or without 0x in front or h behind.
+// A handle as users write it: 17, 0x11 or 11h. A bare number that begins with 0 or has a letter could be either, so it
+// is refused with a message that shows both. Throws BadUsage_t.
+uint16_t ParseHandle(const std::string& text);
+// Hexadecimal digits, with or without 0x before them or h after them.
 bool ParseHex(std::string_view text, uint64_t most, uint64_t* value);

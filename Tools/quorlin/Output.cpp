@@ -8,36 +8,6 @@
 #include "Packages/OS/Program.h"
 #include "Tools/quorlin/Text.h"
 
-namespace {
-
-struct FormatName_t {
-    Format_t format;
-    std::string_view name;
-};
-constexpr FormatName_t kFormatNames[] = {
-    {Format_t::kText,   "text"  },
-    {Format_t::kJson,   "json"  },
-    {Format_t::kNdjson, "ndjson"},
-    {Format_t::kCsv,    "csv"   },
-    {Format_t::kLines,  "lines" },
-};
-
-}  // namespace
-
-bool ChooseFormat(const Usage_t& usage, const std::string& name, std::span<const Format_t> allowed, Format_t* format,
-                  int* exitCode) {
-    std::string names;
-    for (const Format_t each : allowed) {
-        const std::string_view known = std::ranges::find(kFormatNames, each, &FormatName_t::format)->name;
-        if (name == known) {
-            *format = each;
-            return true;
-        }
-        names.append(names.empty() ? "" : ", ").append(known);
-    }
-    return SayBadUsage(usage, "--format: '" + name + "' is none of " + names, exitCode);
-}
-
 void ClOutput::Flush() {
     if (!m_failed && !WriteStandardOutput(m_text.data(), m_text.size())) {
         m_failed = true;
@@ -55,7 +25,7 @@ bool ClOutput::Finish() {
 
 void SayError(std::string_view subject, std::string_view message) {
     std::string line("quorlin: ");
-    // Names of files, too, may hold what steers a terminal.
+    // File names, too, may contain control characters.
     AppendPrintable(line, subject);
     line += ": ";
     AppendPrintable(line, message);

@@ -1,30 +1,24 @@
 // Standard output in large blocks, errors in one line.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include "Tools/quorlin/CommandLine.h"
-
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitNoTable = 1;
 inline constexpr int kExitUsage = 2;
-// Commands that answer a question tell the answer by 0 and 1, and trouble apart from it.
+// For commands that answer a question by 0 and 1.
 inline constexpr int kExitNo = 1;
 inline constexpr int kExitTrouble = 2;
 
-enum class Format_t { kText, kJson, kNdjson, kCsv, kLines };
-
-// The format of this name, if it is one of `allowed`. As ParseCommandLine when it isn't.
-bool ChooseFormat(const Usage_t& usage, const std::string& name, std::span<const Format_t> allowed, Format_t* format,
-                  int* exitCode);
-// Collects text and writes it in blocks. Once a write failed the rest is dropped, and Finish tells.
+// Collects text and writes it in blocks. After a write failed, the rest is dropped and Finish returns false.
 class ClOutput {
   public:
     ClOutput() { m_text.reserve(kBlock + kMargin); }
 
-    // What is collected so far, to append to. Then FlushWhenFull.
+    // What is collected so far, to append to. Call FlushWhenFull afterwards.
     std::string& Text() { return m_text; }
     void FlushWhenFull() {
         if (m_text.size() >= kBlock) Flush();
@@ -38,9 +32,9 @@ class ClOutput {
         m_text.append(count, ' ');
         return *this;
     }
-    // Whether a write failed, so that there is no use in going on.
+    // Whether a write failed, so that more output would be in vain.
     bool Failed() const { return m_failed; }
-    // Writes what is left. False, with a line on standard error, when a write failed; a reader that went away is no
+    // Writes what is left. False, with a line on standard error, if a write failed. A reader that went away is not a
     // failure.
     bool Finish();
 
@@ -58,8 +52,8 @@ class ClOutput {
 void SayError(std::string_view subject, std::string_view message);
 inline constexpr char kOutOfMemory[] = "out of memory; try again with more, or a smaller table";
 
-// Sixteen bytes a line: the offset, hexadecimal, and what of it is ASCII.
+// Writes a hex dump, sixteen bytes a line.
 void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);
-// Writes a file that doesn't exist yet, its owner's alone to read: whole or not at all. False with a line on standard
-// error.
+// Writes a new file that only its owner can read, whole or not at all. False, with a line on standard error, if it
+// exists or can't be written.
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes);

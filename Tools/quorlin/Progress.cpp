@@ -8,7 +8,7 @@
 
 using std::chrono::steady_clock;
 
-// Where the results go to the terminal too, they are progress enough.
+// Results that go to the terminal are progress enough.
 ClProgress::ClProgress(bool isWanted)
     : m_isShown(isWanted && IsStandardErrorTerminal() && !IsStandardOutputTerminal()) {
     if (m_isShown) m_begin = m_next = steady_clock::now();

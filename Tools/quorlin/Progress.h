@@ -1,4 +1,4 @@
-// How far a long run is, on a terminal only.
+// Shows the progress of a long run, on a terminal only.
 #pragma once
 
 #include <chrono>
@@ -8,13 +8,13 @@ class ClProgress {
   public:
     explicit ClProgress(bool isWanted);
     bool IsShown() const { return m_isShown; }
-    // How many tables there will be, for a bar; without it the line counts alone.
+    // Sets how many tables there are, for a bar. Without it, the line only counts.
     void SetTotal(size_t total) { m_total = total; }
     ~ClProgress();
     ClProgress(const ClProgress&) = delete;
     ClProgress& operator=(const ClProgress&) = delete;
 
-    // One more table is done.
+    // Counts one table as done.
     void Step();
 
   private:

@@ -10,8 +10,8 @@ namespace {
 
 constexpr size_t kNowhere = static_cast<size_t>(-1);
 
-// Where strings end: the first double NUL from a place on. Asked with rising places, it looks at no byte twice, so that
-// a large file without any is searched in one go.
+// Finds the first double NUL from a place on. Calls with rising places look at no byte twice, so that a large file
+// without any is searched only once.
 class ClStringEnds {
   public:
     explicit ClStringEnds(std::span<const uint8_t> table) : m_table(table) {}
@@ -44,7 +44,7 @@ class ClRecovery {
 
     // The size of a plausible structure at `offset`, or 0.
     size_t SizeAt(size_t offset) { return SizeAt(offset, m_ends); }
-    // Whether structures go on at `offset`: one bad guess is easily made, two in a row are not.
+    // Whether structures go on at `offset`. One plausible structure may be chance, two in a row hardly are.
     bool GoesOn(size_t offset) {
         const size_t size = SizeAt(offset);
         if (size == 0) return false;

@@ -1,13 +1,12 @@
-// What the SMBIOS standard says of the types' structures, as far as checks need it. Types.h has their names.
+// What the SMBIOS standard says of a type's structures, as far as checks need it. Sources/Types.h has the names.
 #pragma once
 
 #include <cstdint>
 #include <span>
-#include <string_view>
 
 #include "Sources/Types.h"
 
-// A list of entries of one size inside the formatted area, its count in a byte in front of it.
+// A list of entries of one size in the formatted area, with its count in a byte before it.
 struct EntryList_t {
     uint8_t countOffset;  // 0: the list fills the formatted area
     uint8_t sizeOffset;   // of the byte that states an entry's size; 0: entrySize
@@ -19,10 +18,10 @@ inline constexpr uint8_t kNoHandle = 255;
 
 struct TypeFacts_t {
     uint8_t type;
-    uint8_t minimumLength;     // of the oldest version that has the type
-    std::string_view strings;  // offsets of string numbers, a character each
-    std::string_view handles;  // offsets of handles of other structures, a character each
-    EntryList_t list;          // all 0 where there is none
+    uint8_t minimumLength;  // of the oldest version that has the type
+    const char* strings;    // offsets of string numbers, a character each
+    const char* handles;    // offsets of handles of other structures, a character each
+    EntryList_t list;       // all 0 where there is none
 };
 
 // Null for a type that the standard doesn't define.

@@ -1,8 +1,6 @@
 #include "Tools/quorlin/Table.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
 #include <new>
 
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
@@ -11,17 +9,16 @@
 #include "Packages/OS/Program.h"
 #include "Packages/Sample/Sample.h"
 #include "Tools/quorlin/Causes.h"
-#include "Tools/quorlin/Columns.h"
+#include "Tools/quorlin/NameList.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Progress.h"
 #include "Tools/quorlin/Recover.h"
-#include "Tools/quorlin/Trace.h"
 
 namespace {
 
 constexpr uint8_t kNoSweep = 127;  // a preset type, so that a package decodes only what it is asked for
 
-// The machine that is brought up, and what its operations did, which the store doesn't tell.
+// The machine that is brought up, and what its operations did, which the store doesn't report.
 MachineServices_t watched = {};
 Steps_t steps;
 
@@ -52,139 +49,14 @@ status_t ReadWatchedCPUID(uint32_t processor, CPUIDRecord_t* record) {
     return *steps.cpuid;
 }
 
-// Why this machine gives no table, in words that say what to try.
+// Why this machine gives no table, and what to try.
 Cause_t WhyNotThisMachine(const Source_t& source) {
-    return WhyNoTable(steps, source.scan     ? "try without --road"
+    return WhyNoTable(steps, source.IsScan() ? "try without --method"
                              : source.driver ? "try --no-driver"
                                              : "try --sample, or --image FILE");
 }
 
-// "M.m", two numbers below 256.
-bool ParseVersion(std::string_view text, uint8_t* major, uint8_t* minor) {
-    const size_t dot = text.find('.');
-    uint64_t first, second;
-    if (dot == text.npos || !ParseNumber(text.substr(0, dot), 255, &first) ||
-        !ParseNumber(text.substr(dot + 1), 255, &second))
-        return false;
-    *major = static_cast<uint8_t>(first);
-    *minor = static_cast<uint8_t>(second);
-    return true;
-}
-
-// The lines of a file of names, one by one, so that a long list takes no memory.
-class ClNameList {
-  public:
-    // No file for an empty path.
-    explicit ClNameList(const std::string& path)
-        : m_file(path.empty()              ? nullptr
-                 : path == kStandardStream ? stdin
-                                           : OpenFile(path, "r")) {
-        if (m_file == nullptr) m_problem = std::strerror(errno);
-    }
-    ~ClNameList() {
-        if (m_file != nullptr && m_file != stdin) std::fclose(m_file);
-    }
-    ClNameList(const ClNameList&) = delete;
-    ClNameList& operator=(const ClNameList&) = delete;
-
-    // The next line that isn't empty. False at the end, and for a file that holds no names.
-    bool Next(std::string* name) {
-        if (m_file == nullptr) return false;
-        do {
-            name->clear();
-            int character;
-            while ((character = std::getc(m_file)) != EOF && character != '\n') {
-                if (character == '\0' || name->size() == kLongestName) {
-                    m_problem = "not a list of file names, one a line";
-                    return false;
-                }
-                name->push_back(static_cast<char>(character));
-            }
-            if (std::ferror(m_file) != 0) m_problem = std::strerror(errno);
-            if (character == EOF && name->empty()) return false;
-            if (name->ends_with('\r')) name->pop_back();
-        } while (name->empty());
-        return true;
-    }
-    // How many names there are, or 0 for a list that can be read only once.
-    size_t Count() {
-        if (m_file == nullptr || m_file == stdin || std::fseek(m_file, 0, SEEK_END) != 0) return 0;
-        size_t count = 0;
-        std::rewind(m_file);
-        for (std::string name; Next(&name);) count++;
-        std::rewind(m_file);
-        return count;
-    }
-    // Why the list ended before its end; empty if it didn't.
-    const std::string& Problem() const { return m_problem; }
-
-  private:
-    static constexpr size_t kLongestName = 64u << 10;
-
-    std::FILE* m_file;
-    std::string m_problem;
-};
-
 }  // namespace
-
-std::vector<Option_t> Source_t::Options() {
-    return {
-        {"--image",          "FILE",  "Read a dump, a bare table, or a folder of both; - for standard input",       &images        },
-        {"--sample",         nullptr, "Take the embedded sample table",                                             &sample        },
-        {"--sample-if-none", nullptr, "Take the sample where this machine has no table",                            &sampleIfNone  },
-        {"--driver",         nullptr, "Reach this machine through its driver, or not at all",                       &driver        },
-        {"--no-driver",      nullptr, "Reach this machine without its driver",                                      &noDriver      },
-        {"--road",           "ROAD",
-         "How to get this machine's table: firmware or scan (of its memory); if absent, in this order",             &roadGiven     },
-        {"--as",             "FORM",  "Take images as dump, table, windows or sysfs, whatever their content tells", &asGiven       },
-        {"--smbios-version", "M.m",   "SMBIOS version of a bare table (3.0 if absent)",                             &versionGiven  },
-        {"--signature",      "HEX",   "Processor signature of an image, in hexadecimal (0 if absent)",              &signatureGiven},
-        {"--recover",        nullptr, "Look for structures behind a damaged one",                                   &recover       },
-        {"--trace",          "SPEC",  kTraceHelp,                                                                   &trace         },
-        {"--color",          "WHEN",  "Whether headings stand out: auto (on a terminal), always or never",          &colorGiven    },
-        {"--verbose",        nullptr, "Say on standard error where a table comes from",                             &verbose       },
-    };
-}
-
-std::vector<Option_t> Source_t::FleetOptions() {
-    std::vector<Option_t> options = Options();
-    options.front().help =
-        "Read a dump, a bare table, or a folder of both; - for standard input; may be given more than once";
-    options.push_back(
-        {"--image-list", "FILE", "Read the images that FILE names, one a line (- for standard input)", &imageList});
-    return options;
-}
-
-bool Source_t::Check(const Usage_t& usage, int* exitCode) {
-    const bool fromFiles = !images.empty() || !imageList.empty();
-    if (int{fromFiles} + int{sample} + int{sampleIfNone} > 1)
-        return SayBadUsage(usage, "--image, --sample and --sample-if-none exclude each other", exitCode);
-    if (fromFiles + int{sample} > 0 && (driver || noDriver || !roadGiven.empty()))
-        return SayBadUsage(usage, "--driver, --no-driver and --road are for this machine, not for an image", exitCode);
-    if (!roadGiven.empty() && roadGiven != "firmware" && roadGiven != "scan")
-        return SayBadUsage(usage, "--road: '" + roadGiven + "' is neither firmware nor scan", exitCode);
-    scan = roadGiven == "scan";
-    if (noDriver && (driver || scan)) return SayBadUsage(usage, "--no-driver excludes --driver and the scan", exitCode);
-    if (!asGiven.empty() && !FormByName(asGiven, &as))
-        return SayBadUsage(usage, "--as: '" + asGiven + "' is none of any, dump, table, windows and sysfs", exitCode);
-    if (!versionGiven.empty() && !ParseVersion(versionGiven, &major, &minor))
-        return SayBadUsage(usage, "--smbios-version: '" + versionGiven + "' is no version like 3.0", exitCode);
-    uint64_t number = 0;
-    if (!signatureGiven.empty() && !ParseHex(signatureGiven, UINT32_MAX, &number))
-        return SayBadUsage(usage, "--signature: '" + signatureGiven + "' is no hexadecimal number of 32 bits",
-                           exitCode);
-    signature = static_cast<uint32_t>(number);
-    if (!colorGiven.empty() && !SetColor(colorGiven))
-        return SayBadUsage(usage, "--color: '" + colorGiven + "' is none of auto, always and never", exitCode);
-    if (!BeginTrace(usage, trace, exitCode)) return false;
-    if (verbose) SayRefusedConfig();
-    return true;
-}
-
-bool Source_t::CheckOne(const Usage_t& usage, int* exitCode) {
-    if (IsFleet()) return SayBadUsage(usage, "it takes one table; give one --image", exitCode);
-    return Check(usage, exitCode);
-}
 
 bool ClTable::BringUp() {
     BaseAbstraction* created = CreateSmbiosPackageForKovr(kNoSweep);
@@ -209,15 +81,14 @@ void ClTable::AddRemark(const std::string& text) {
     m_remark += text;
 }
 
-// From here on the table is what can be read of it. Expects m_image to point to the whole.
-bool ClTable::UseRecovered(const Source_t& source) {
-    if (!source.recover) return true;
+// With --recover, makes the table what can be read of it. m_image must point to the whole table.
+void ClTable::UseRecovered(const Source_t& source) {
+    if (!source.recover) return;
     Recovered_t recovered = RecoverTable({m_image.source.table, m_image.source.length});
     AddRemark(recovered.Remark());
     m_recovered = std::move(recovered.table);
     m_image.source.table = m_recovered.data();
     m_image.source.length = static_cast<uint32_t>(m_recovered.size());
-    return true;
 }
 
 bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
@@ -247,11 +118,11 @@ bool ClTable::BringUpWatched(const MachineServices_t& machine) {
 // With its driver first, and without it where the driver fails, unless the user chose.
 bool ClTable::BringUpThisMachine(const Source_t& source) {
     if (!source.noDriver) {
-        MachineServices_t machine = source.scan ? *ThisMachineByScan() : *ThisMachine();
-        if (source.roadGiven == "firmware")
+        MachineServices_t machine = source.IsScan() ? *ThisMachineByScan() : *ThisMachine();
+        if (source.method == "firmware")
             machine.osGetStructuresDataNonEFI = ThisMachineWithoutDriver()->osGetStructuresDataNonEFI;
         if (BringUpWatched(machine)) return true;
-        if (source.driver || source.scan || !steps.FailedAtDriver()) return false;
+        if (source.driver || source.IsScan() || !steps.FailedAtDriver()) return false;
         if (source.verbose) SayError(m_name, WhyNotThisMachine(source).problem + "; trying without it");
     }
     return BringUpWatched(*ThisMachineWithoutDriver());
@@ -303,8 +174,6 @@ bool ClTable::Open(const Source_t& source, const std::string* path) {
     return true;
 }
 
-bool ClTable::IsThisMachine() const { return !m_isImage && !m_isSample; }
-
 void ClTable::Close() {
     os_free(m_dump);
     m_dump = nullptr;
@@ -334,8 +203,7 @@ std::string ClTable::Form() const {
 
 int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work,
                  const std::function<void(const ClTable&)>& failed) {
-    // What the last image took goes with the process: giving it back piece by piece would be a good part of a short
-    // run.
+    // Never destroyed: freeing the last image piece by piece would be a good part of a short run.
     static ClTable& table = *new ClTable;
     int exitCode = kExitDone;
     const auto one = [&](const std::string* path) {
@@ -343,8 +211,8 @@ int ForEachTable(const Source_t& source, int trouble, const std::function<int(Cl
             exitCode = std::max(exitCode, work(table));
             if (table.Package().HadTooManyItems()) {
                 SayError(table.Name(),
-                         "its groups and lists give more items than a table of its size may; the rest of "
-                         "it is left out");
+                         "its groups and lists give more items than a table of its size may; the rest is left out; "
+                         "try check");
                 exitCode = std::max(exitCode, kExitNoTable);
             }
             if (table.IsThisMachine()) table.Close();

@@ -28,7 +28,7 @@ struct Character_t {
     bool isValid;  // false where an invalid byte became U+FFFD
 };
 
-// Takes one character, or one invalid byte, off the begin of a text that isn't empty.
+// Takes one character, or one invalid byte, from the start of a text, which mustn't be empty.
 Character_t TakeCharacter(std::string_view* text) {
     const size_t length = SequenceLength(*text);
     if (length == 0) {
@@ -57,8 +57,8 @@ std::string_view Trimmed(std::string_view text) {
     return text;
 }
 
-// Eight bytes are looked at in one step: of a byte that isn't plain, the high bit of its test comes out set. (A borrow
-// or a carry from a lower byte can only make a test too strict.)
+// Tests eight bytes at once: the high bit of a byte's test is set unless the byte is plain. A borrow or a carry from a
+// lower byte can only make the test too strict.
 bool IsPlain(std::string_view text, char first, char second) {
     constexpr uint64_t kOnes = 0x0101010101010101, kHighs = kOnes << 7;
     const uint64_t firsts = kOnes * static_cast<uint8_t>(first), seconds = kOnes * static_cast<uint8_t>(second);

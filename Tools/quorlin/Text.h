@@ -1,4 +1,4 @@
-// Firmware's text on its way to people and to other programs. It is untrusted: control characters would steer a
+// Makes text from firmware safe for people and other programs. It is untrusted: control characters would steer a
 // terminal, and other programs expect valid UTF-8.
 #pragma once
 
@@ -6,24 +6,24 @@
 #include <string>
 #include <string_view>
 
-// The length of the valid UTF-8 sequence at the begin of `text`, or 0.
+// The length of the valid UTF-8 sequence at the start of `text`, or 0.
 size_t SequenceLength(std::string_view text);
-// Whether there is nothing but printable ASCII, and neither of two characters that a format gives a meaning. True for
-// most texts, so that they are taken as they are. A text may be judged too strictly, never too leniently.
+// Whether `text` is printable ASCII without two characters that are special in a format. Most texts are, and need no
+// more work. May return false for a plain text, never true for another.
 bool IsPlain(std::string_view text, char first = '\x7F', char second = '\x7F');
-// Without the blanks at its end, which say nothing.
+// The text without blanks at its end.
 std::string_view Trimmed(std::string_view text);
-// Adds `text` with invalid bytes as U+FFFD, without the blanks at its end. What steers a terminal becomes a blank:
-// control characters, line separators, and the marks that change the direction of text.
+// Appends `text` without blanks at its end. Invalid bytes become U+FFFD. Control characters, line separators and marks
+// that change the direction of text become blanks.
 void AppendPrintable(std::string& out, std::string_view text);
 std::string Printable(std::string_view text);
-// Adds `text` as the inside of a JSON string: invalid bytes as U+FFFD, and what steers a terminal as \uXXXX. Whether
-// there were invalid bytes.
+// Appends `text` as the inside of a JSON string. Invalid bytes become U+FFFD, and what steers a terminal \uXXXX.
+// Returns whether there were invalid bytes.
 bool AppendJson(std::string& out, std::string_view text);
 
-// ASCII letters alike, whatever their case.
+// Compare without regard to the case of ASCII letters.
 bool EqualsIgnoringCase(std::string_view first, std::string_view second);
 bool ContainsIgnoringCase(std::string_view text, std::string_view part);
 
-// A handle as the standard's tables write it: 0011h.
+// A handle as the standard writes it: 0011h.
 std::string HandleText(uint16_t handle);

@@ -1,5 +1,5 @@
-// What the docs say of the host program: every command that they show runs and prints what stands below it, and every
-// JSON document is one of the schema's.
+// Checks the documents of the program: every command that they show runs and prints the lines below it, and every JSON
+// document matches the schema.
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 struct ShownCommand_t {
     std::string place, arguments;
-    std::vector<std::string> output;  // what stands below it; "..." stands for more
+    std::vector<std::string> output;  // the lines below it; "..." stands for more
 };
 
 // The lines of code blocks that begin with "$ quorlin", each with the lines up to the next one or the block's end.

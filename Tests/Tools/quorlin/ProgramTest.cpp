@@ -21,6 +21,20 @@ using testing::TempDir;
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
 
+// A command line, and what comes of it. Made by a function, as rows of calls stay short where rows of braces are
+// aligned.
+struct Case_t {
+    std::string arguments;
+    int exitCode;
+    std::string output;
+};
+Case_t Case(const std::string& arguments, int exitCode, const std::string& output) {
+    return {arguments, exitCode, output};
+}
+std::pair<std::string, std::string> Pair(const std::string& command, const std::string& says) {
+    return {command, says};
+}
+
 // A chassis with nothing to object to.
 ClStructureBuilder Chassis(uint16_t handle, const std::string& maker) {
     return ClStructureBuilder(3, 0x15, handle).Bytes(4, {1, 3}).Bytes(9, {3, 3, 3, 3}).Strings({maker});
@@ -38,7 +52,7 @@ Bytes_t Cut(Bytes_t bytes, size_t size, uint8_t filler = 0) {
     return bytes;
 }
 
-// Each file has the one table that its commands need.
+// Each file has the table that its commands need.
 TEST(Program, PrintWhatTheyAreAskedFor) {
     const ClStructureBuilder oem(200, 4), titled = ClStructureBuilder(3, 0x15).Byte(4, 1);
     const std::string folder = TempDir(), a = ImageBy("A", "a.bin"), b = ImageBy("B", "b.bin");
@@ -58,47 +72,47 @@ TEST(Program, PrintWhatTheyAreAskedFor) {
     const Bytes_t dump = DumpOf(TableBy("Maker"), 2, 7, 32);
     const std::string odd = " --image " + ImageBy("q\"\\\x01\xC3\xA9\xFF", "odd.bin");
     const std::string found = "System Enclosure or Chassis Types {Type 3}, handle 0007h\n  Manufacturer  Ma ker\n";
-    const struct {
-        std::string arguments;
-        int exitCode;
-        std::string output;
-    } kCases[] = {
-        {"types" + oems,                                   0,
-         "Type  Count  Title\n   3      1  System Enclosure or Chassis Types\n"
-         " 127      1  End-of-Table\n 200      2  OEM-specific\n"                                     },
-        {"types --format csv" + oems,                      0,
-         "type,count,title,decoded\r\n3,1,System Enclosure or Chassis Types,true\r\n"
-         "127,1,End-of-Table,false\r\n200,2,OEM-specific,false\r\n"                                   },
-        {"find KER" + image,                               0,                       found             },
-        {"find manuf" + image,                             0,                       found             },
-        {"find nowhere" + image,                           1,                       ""                },
-        {"get 3 manufacturer" + two,                       0,                       "one\ntw o\n"     },
-        {"get 3 Manufacturer --instance 2" + two,          0,                       "tw o\n"          },
-        {"get 14 Microcode --instance 2 --sample",         0,                       " 01.0a.00.1234\n"}, // the first group alone has a title
-        {"get 13 Flags" + bare,                            0,                       "00h\n"           }, // shown from version 2.1 on
-        {"get 13 Flags --smbios-version 2.0" + bare,       0,                       "None\n"          },
-        {"get 13 Flags" + old,                             0,                       "None\n"          },
-        {"diff " + a + " " + b + " --ignore manufacturer", 0,                       ""                },
-        {"diff " + a + " " + folder + "no-such-file",      2,                       ""                },
-        {"diff --format csv " + three + " " + others,      1,
-         "change,type,handle,title,group,key,a,b\r\n"
-         "changed,3,1,System Enclosure or Chassis Types,,Handle,1,9\r\n"
-         "removed,3,3,System Enclosure or Chassis Types,,,,\r\n"                                      },
-        {"raw --handle 7" + image,                         0,
-         "Handle 0007h, type 3 (System Enclosure or Chassis), 29 bytes at offset 0h\n"
-         "  0000 03 15 07 00 01 03 00 00 00 03 03 03 03 00 00 00  ................\n"
-         "  0010 00 00 00 00 00                                   .....\n"
-         "  String 1: Ma ker\n"                                                                       },
-        {by("offset.bin",                                  DumpOf(TableBy("at 64"), 3,                  2, 64, 64)), 0, "at 64\n"},
-        {by("physical.bin",                                              DumpOf(TableBy("at 32"),                                                                 2,                                                                                  7, 0xF1230)), 0, "at 32\n"},
-        {by("within.bin",                                                DumpOf(TableBy("behind"),                                                       2,     7, 5)), 0, "behind\n"}, // an address in the entry point is none
-        {by("longer.bin",                                               Cut(dump,                                                             dump.size() + 99,' ')), 0, "Maker\n"},
-        {by("cut.bin",                                                Cut(dump,                                                         32 + 0x15 + 7 + 9)),    0, "Maker\n"}, // behind the first structure
-        {"find q --format csv" + odd,                                               0,
-         "type,handle,instance,title,group,key,value\r\n"
-         "3,7,1,System Enclosure or Chassis Types,,Manufacturer,\"q\"\"\\ \xC3\xA9\xEF\xBF\xBD\"\r\n"                                                                               },
-        {"raw --type 200 --sample",                                                1,                                                         ""                    },
-        {"--format lines --type 200" + image,                                           0,                                                                 ""                                                                             },
+    const Case_t kCases[] = {
+        Case("types" + oems, 0,
+             "Type  Count  Title\n   3      1  System Enclosure or Chassis Types\n"
+             " 127      1  End-of-Table\n 200      2  OEM-specific\n"),
+        Case("types --format csv" + oems, 0,
+             "type,count,title,decoded\r\n3,1,System Enclosure or Chassis Types,true\r\n"
+             "127,1,End-of-Table,false\r\n200,2,OEM-specific,false\r\n"),
+        Case("find KER" + image, 0, found),
+        Case("find manuf" + image, 0, found),
+        Case("find nowhere" + image, 1, ""),
+        Case("get 3 manufacturer" + two, 0, "one\ntw o\n"),
+        Case("get 3 Manufacturer --instance 2" + two, 0, "tw o\n"),
+        // Only the first group has a title.
+        Case("get 14 Microcode --instance 2 --sample", 0, " 01.0a.00.1234\n"),
+        // Shown from version 2.1 on.
+        Case("get 13 Flags" + bare, 0, "00h\n"),
+        Case("get 13 Flags --smbios-version 2.0" + bare, 0, "None\n"),
+        Case("get 13 Flags" + old, 0, "None\n"),
+        Case("diff " + a + " " + b + " --ignore manufacturer", 0, ""),
+        Case("diff " + a + " " + folder + "no-such-file", 2, ""),
+        Case("diff --format csv " + three + " " + others, 1,
+             "change,type,handle,title,group,key,a,b\r\n"
+             "changed,3,1,System Enclosure or Chassis Types,,Handle,1,9\r\n"
+             "removed,3,3,System Enclosure or Chassis Types,,,,\r\n"),
+        Case("raw --handle 7" + image, 0,
+             "Handle 0007h, type 3 (System Enclosure or Chassis), 29 bytes at offset 0h\n"
+             "  0000 03 15 07 00 01 03 00 00 00 03 03 03 03 00 00 00  ................\n"
+             "  0010 00 00 00 00 00                                   .....\n"
+             "  String 1: Ma ker\n"),
+        Case(by("offset.bin", DumpOf(TableBy("at 64"), 3, 2, 64, 64)), 0, "at 64\n"),
+        Case(by("physical.bin", DumpOf(TableBy("at 32"), 2, 7, 0xF1230)), 0, "at 32\n"),
+        // An address within the entry point isn't used.
+        Case(by("within.bin", DumpOf(TableBy("behind"), 2, 7, 5)), 0, "behind\n"),
+        Case(by("longer.bin", Cut(dump, dump.size() + 99, ' ')), 0, "Maker\n"),
+        // After the first structure.
+        Case(by("cut.bin", Cut(dump, 32 + 0x15 + 7 + 9)), 0, "Maker\n"),
+        Case("find q --format csv" + odd, 0,
+             "type,handle,instance,title,group,key,value\r\n"
+             "3,7,1,System Enclosure or Chassis Types,,Manufacturer,\"q\"\"\\ \xC3\xA9\xEF\xBF\xBD\"\r\n"),
+        Case("raw --type 200 --sample", 1, ""),
+        Case("--format lines --type 200" + image, 0, ""),
     };
     for (const auto& c : kCases) {
         const ProgramRun_t run = RunQuorlin(c.arguments);
@@ -113,32 +127,29 @@ TEST(Program, PrintAmongOtherThings) {
                       d = WriteFile("d.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAC)}));
     const std::string odd = " --type 3 --image " + ImageBy("q\"\\\x01\xC3\xA9\xFF", "odd.bin");
     const std::string heading = "System Enclosure or Chassis Types, type 3, handle 0007h\n";
-    const struct {
-        std::string arguments;
-        int exitCode;
-        std::string piece;
-    } kCases[] = {
-        {"diff " + a + " " + b,                            1, heading + "-   Manufacturer  A\n+   Manufacturer  B\n"              },
-        {"diff " + c + " " + d,                            1, "-   Bytes  AB0000\n+   Bytes  AC0000\n"                            },
-        {"diff " + a + " --sample --format csv",           1, "\r\nadded,0,0,BIOS Information,,,,\r\n"                            },
-        {"--sample --type 14 --format csv",                0, "14,3585,2,Group Associations,,Microcode,"                          },
-        {"check --image " + a,                             1, "checksums"                                                         },
-        {"--format json" + odd,                            0,
-         R"({"key":"Manufacturer","value":"q\"\\\u0001)"
-         "\xC3\xA9\xEF\xBF\xBD"
-         R"(","replaced":true})"                                                                                                  },
-        {"--format lines --type 13 --type 3 --image " + a, 0, "\"\n\"System Enclosure or Chassis Types {Type 3}"                  },
-        {"--type 0 --sample",                              0,
-         "BIOS Information {Type 0}, handle 0000h\n  Type                      0\n  Length                    26\n"               },
-        {"--type 0 --sample",                              0, "\n  BIOS Characteristics\n    BIOS Characteristics Not Supported  "},
-        {"--type 0 --sample",                              0, "\n\nBIOS Information {Type 0}_2, handle 0001h\n"                   },
-        {"--help",                                         0, "--image FILE"                                                      },
-        {"--version",                                      0, "quorlin "                                                          },
+    const Case_t kCases[] = {
+        Case("diff " + a + " " + b, 1, heading + "-   Manufacturer  A\n+   Manufacturer  B\n"),
+        Case("diff " + c + " " + d, 1, "-   Bytes  AB0000\n+   Bytes  AC0000\n"),
+        Case("diff " + a + " --sample --format csv", 1, "\r\nadded,0,0,BIOS Information,,,,\r\n"),
+        Case("--sample --type 14 --format csv", 0, "14,3585,2,Group Associations,,Microcode,"),
+        Case("check --image " + a, 1, "checksums"),
+        Case("--format json" + odd, 0,
+             R"({"key":"Manufacturer","value":"q\"\\\u0001)"
+             "\xC3\xA9\xEF\xBF\xBD"
+             R"(","replaced":true})"),
+        Case("--format lines --type 13 --type 3 --image " + a, 0, "\"\n\"System Enclosure or Chassis Types {Type 3}"),
+        Case(
+            "--type 0 --sample", 0,
+            "BIOS Information {Type 0}, handle 0000h\n  Type                      0\n  Length                    26\n"),
+        Case("--type 0 --sample", 0, "\n  BIOS Characteristics\n    BIOS Characteristics Not Supported  "),
+        Case("--type 0 --sample", 0, "\n\nBIOS Information {Type 0}_2, handle 0001h\n"),
+        Case("--help", 0, "--image FILE"),
+        Case("--version", 0, "quorlin "),
     };
     for (const auto& row : kCases) {
         const ProgramRun_t run = RunQuorlin(row.arguments);
         EXPECT_EQ(run.exitCode, row.exitCode) << row.arguments;
-        EXPECT_TRUE(Has(run.output, row.piece)) << row.arguments << ": " << run.output;
+        EXPECT_TRUE(Has(run.output, row.output)) << row.arguments << ": " << run.output;
     }
     for (const std::string command : {"show", "types", "find", "get", "diff", "dump", "raw", "check", "hw"})
         EXPECT_TRUE(Has(RunQuorlin(command + " --help").output, "\nExample: quorlin ")) << command;
@@ -167,7 +178,7 @@ TEST(Program, NothingThatSteersATerminalGetsOutRaw) {
         {"\xE2\x81\xAA", nullptr  },
     };
     for (const auto& [raw, escaped] : kCharacters) {
-        // Eight characters and more are looked at at once.
+        // Eight characters and more are tested at once.
         const std::string image = ImageBy(std::string("maker") + raw + "and more", "steer.bin");
         for (const char* format : {"text", "csv", "json", "ndjson"}) {
             const bool isJson = std::string(format).ends_with("json");
@@ -257,29 +268,28 @@ TEST(Program, StructuresWithoutItemsShowTheirBytesAndStrings) {
     const auto module = ClStructureBuilder(6, 5, 0x11).Byte(4, 2);
     WriteFile("raw.bin", TableOf({module, oem, Chassis(7, "M")}));
     const std::string image = " --image raw.bin";
-    const struct {
-        std::string arguments, output;
-    } kCases[] = {
-        {"--type 200",
-         "OEM-specific {Type 200}, handle 0010h\n  Bytes     C8 06 10 00 AB 01\n"
-         "  String 1  BIOS {Type 0}_9#GROUPNAME\n  String 2  x\n"                                                      },
-        {"--type 6 --format csv",
-         "type,handle,instance,title,group,key,value\r\n"
-         "6,17,1,Memory Module Information,,Bytes,06 05 11 00 02\r\n"                                                  },
-        {"--type 6,200 --format json",
-         "{\"source\":\"raw.bin\",\"smbios\":\"3.0\",\"structures\":[\n"
-         R"({"type":6,"handle":17,"instance":1,"title":"Memory Module Information","bytes":"0605110002","strings":[]})"
-         "\n"
-         R"(,{"type":200,"handle":16,"instance":1,"title":"OEM-specific","bytes":"C8061000AB01",)"
-         R"("strings":["BIOS {Type 0}_9#GROUPNAME","x"]}]})"
-         "\n"                                                                                                          },
-        {"find group",                 "OEM-specific {Type 200}, handle 0010h\n  String 1  BIOS {Type 0}_9#GROUPNAME\n"},
-        {"get 200 \"string 2\"",       "x\n"                                                                           },
-        {"--type 200 --format lines",  ""                                                                              },
+    const std::pair<std::string, std::string> kCases[] = {
+        Pair("--type 200",
+             "OEM-specific {Type 200}, handle 0010h\n  Bytes     C8 06 10 00 AB 01\n"
+             "  String 1  BIOS {Type 0}_9#GROUPNAME\n  String 2  x\n"),
+        Pair("--type 6 --format csv",
+             "type,handle,instance,title,group,key,value\r\n"
+             "6,17,1,Memory Module Information,,Bytes,06 05 11 00 02\r\n"),
+        Pair("--type 6,200 --format json",
+             "{\"source\":\"raw.bin\",\"smbios\":\"3.0\",\"structures\":[\n"
+             R"({"type":6,"handle":17,"instance":1,"title":"Memory Module Information","bytes":"0605110002",)"
+             R"("strings":[]})"
+             "\n"
+             R"(,{"type":200,"handle":16,"instance":1,"title":"OEM-specific","bytes":"C8061000AB01",)"
+             R"("strings":["BIOS {Type 0}_9#GROUPNAME","x"]}]})"
+             "\n"),
+        Pair("find group", "OEM-specific {Type 200}, handle 0010h\n  String 1  BIOS {Type 0}_9#GROUPNAME\n"),
+        Pair("get 200 \"string 2\"", "x\n"),
+        Pair("--type 200 --format lines", ""),
     };
     const auto home = fs::current_path();
     fs::current_path(TempDir());
-    for (const auto& c : kCases) EXPECT_EQ(RunQuorlin(c.arguments + image).output, c.output) << c.arguments;
+    for (const auto& [arguments, output] : kCases) EXPECT_EQ(RunQuorlin(arguments + image).output, output) << arguments;
     const std::string all = RunQuorlin("show" + image).output;
     EXPECT_TRUE(Has(all, "Memory Module Information {Type 6}, ") && Has(all, "OEM-specific {Type 200}, ")) << all;
     fs::current_path(home);
@@ -322,7 +332,7 @@ TEST(Program, TakesFilesAndStreamsAndTypesAsUsersNameThem) {
     EXPECT_EQ(csv.find("image,", 1), csv.npos) << csv;
 }
 
-// What blanks at the end of a text say, nothing, they say in no format but lines.
+// Only lines keeps blanks at the end of a text.
 TEST(Program, BlanksAtTheEndAreDropped) {
     const std::string blanks = " --type 3 --image " + ImageBy("Maker  ", "blanks.bin");
     EXPECT_TRUE(Has(RunQuorlin("--format lines" + blanks).output, "\"Manufacturer\", \"Maker  \"\n"));
@@ -360,7 +370,7 @@ TEST(Program, ForeignFilesAreNoTables) {
     }
 }
 
-// Groups that name groups, and lists that count what isn't there: 8 items for each byte, and not one more.
+// Groups that name groups, and lists that count missing entries, give at most 8 items for each byte.
 TEST(Program, ATableGivesABoundedNumberOfItems) {
     std::vector<ClStructureBuilder> structures(255, ClStructureBuilder(221, 5).Byte(4, 255));
     structures.resize(257, ClStructureBuilder(14, 8).Byte(5, 221));
@@ -387,7 +397,7 @@ TEST(Program, AFleetIsALineForEachImage) {
     }
     EXPECT_EQ(RunQuorlin("--image " + a + " --image " + b).exitCode, 2);
     EXPECT_EQ(RunQuorlin("--format ndjson --image-list " + none).exitCode, 1);
-    // Neither a NUL nor a line without end is a name.
+    // A NUL or a line without end isn't a name.
     for (const Bytes_t& bytes : {
              Bytes_t{'a', '\0', '\n'},
              Bytes_t(1u << 20, 'a')
@@ -397,13 +407,13 @@ TEST(Program, AFleetIsALineForEachImage) {
         EXPECT_EQ(run.output, "");
         EXPECT_TRUE(Has(run.errors, "not a list of file names")) << run.errors;
     }
-    // A version that is none stops no run.
+    // An invalid version doesn't end the run.
     const std::string bare = " --image " + WriteFile("bare.bin", TableBy("C"));
     EXPECT_EQ(RunQuorlin("--format ndjson --smbios-version 0.0" + bare + bare).exitCode, 0);
 }
 
-// Sequences that are too long, stand for half of a pair or for too much, or lack their end; and the control characters
-// beyond ASCII, which some terminals obey.
+// Sequences that are too long, encode half of a pair or too large a number, or lack their end; and the control
+// characters beyond ASCII, which some terminals obey.
 TEST(Program, TextIsValidAndHarmlessWhateverTheBytes) {
     const std::string u = "\xEF\xBF\xBD";  // U+FFFD
     const struct {
@@ -430,49 +440,51 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         int exitCode;
         const char* says;  // in its one line on standard error
     } kCases[] = {
-        {"--image " + missing,                                     1, "No such file"                },
-        {"--image " + TempDir(),                                   1, ""                            },
-        {"--image " + empty + "/none",                             1, "; try another"               },
-        {"--image " + empty,                                       1, "empty"                       },
-        {"--image " + text,                                        1, "not a table"                 },
-        {"--sample --road \"\"",                                   2, "--road may not be empty"     },
-        {"diff " + text + " \"\"",                                 2, "b may not be empty"          },
-        {"--sample types",                                         2, "exclude"                     },
-        {"raw --image-list x",                                     2, "'--image-list' is no option" },
-        {"get 300 x --sample",                                     2, "'300' is no structure type"  },
-        {"types --as folder --sample",                             2, "--as"                        },
-        {"--sample --image " + missing,                            2, "exclude"                     },
-        {"--sample --type 256",                                    2, "256"                         },
-        {"--sample --type 9-7",                                    2, "9-7"                         },
-        {"--sample --type 1,,2",                                   2, "1,,2"                        },
-        {"--sample --color red",                                   2, "always"                      },
-        {"raw --sample --handle 0010",                             2, "10 for decimal, 0x10 or 10h" },
-        {"raw --sample --handle 1a",                               2, "write 0x1a or 1ah"           },
-        {"raw --sample --handle 65536",                            2, "16 bits"                     },
-        {"--sample --format xml",                                  2, "xml"                         },
-        {"--sample --smbios-version 3",                            2, "3.0"                         },
-        {"--sample --signature 12G",                               2, "hexadecimal"                 },
-        {"get 3 Makers --sample",                                  1, "--type 3"                    },
-        {"shwo",                                                   2, "neither a command nor a file"},
- // What would write, or is not understood, ends before the hardware library is opened.
-        {"hw msr write 16",                                        2, "needs --write VALUE"         },
-        {"hw msr write 16 --write 1",                              2, "takes both"                  },
-        {"hw msr write 16 --yes-write-hardware",                   2, "takes both"                  },
-        {"hw mem 0xFED00000 4 --write 1",                          2, "takes both"                  },
-        {"hw cpuid 0 --write 1 --yes-write-hardware",              2, "writes nothing"              },
-        {"hw pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", 2, "writes nothing"              },
-        {"hw cpuid",                                               2, "takes other arguments"       },
-        {"hw cpuids 0",                                            2, "is no operation"             },
-        {"hw pci 0000:00:20.0 2 5",                                2, "is no PCI function"          },
-        {"hw pci 00:03.0 2 5",                                     2, "is no PCI function"          },
-        {"hw cpuid 0 --cpu 256",                                   2, "no processor number"         },
-        {"hw mem 0xFED00000 2 --write 65536 --yes-write-hardware", 2, "larger than 2 bytes"         },
-        {"hw port read 0x80 3",                                    2, "1, 2 or 4"                   },
-        {"hw pci 0000:00:03.0 2 0",                                2, "within 1 to 4094"            },
-        {"hw versions --cpu 0",                                    2, "no use for --cpu"            },
-        {"hw cpuid 0 --out x",                                     2, "no use for --out"            },
-        {"hw acpi --out x",                                        2, "--out needs the name"        },
-        {"hw cpuid 0 --trace Global",                              2, "no setting like"             },
+        {"--image " + missing,                                     1, "No such file"                 },
+        {"--image " + TempDir(),                                   1, ""                             },
+        {"--image " + empty + "/none",                             1, "; try another"                },
+        {"--image " + empty,                                       1, "empty"                        },
+        {"--image " + text,                                        1, "not a table"                  },
+        {"--sample --method \"\"",                                 2, "--method may not be empty"    },
+        {"--sample --road scan",                                   2, "are for this machine"         },
+        {"--method bios",                                          2, "use firmware or scan"         },
+        {"diff " + text + " \"\"",                                 2, "b may not be empty"           },
+        {"--sample types",                                         2, "exclude"                      },
+        {"raw --image-list x",                                     2, "unknown option '--image-list'"},
+        {"get 300 x --sample",                                     2, "unknown structure type '300'" },
+        {"types --as folder --sample",                             2, "--as"                         },
+        {"--sample --image " + missing,                            2, "exclude"                      },
+        {"--sample --type 256",                                    2, "256"                          },
+        {"--sample --type 9-7",                                    2, "9-7"                          },
+        {"--sample --type 1,,2",                                   2, "1,,2"                         },
+        {"--sample --color red",                                   2, "always"                       },
+        {"raw --sample --handle 0010",                             2, "10 for decimal, 0x10 or 10h"  },
+        {"raw --sample --handle 1a",                               2, "write 0x1a or 1ah"            },
+        {"raw --sample --handle 65536",                            2, "16-bit handle"                },
+        {"--sample --format xml",                                  2, "xml"                          },
+        {"--sample --smbios-version 3",                            2, "3.0"                          },
+        {"--sample --signature 12G",                               2, "hexadecimal"                  },
+        {"get 3 Makers --sample",                                  1, "--type 3"                     },
+        {"shwo",                                                   2, "neither a command nor a file" },
+ // Bad arguments are refused before the hardware library is opened.
+        {"hw msr write 16",                                        2, "needs --write VALUE"          },
+        {"hw msr write 16 --write 1",                              2, "needs both"                   },
+        {"hw msr write 16 --yes-write-hardware",                   2, "needs both"                   },
+        {"hw mem 0xFED00000 4 --write 1",                          2, "needs both"                   },
+        {"hw cpuid 0 --write 1 --yes-write-hardware",              2, "can't write"                  },
+        {"hw pci 0000:00:03.0 2 5 --write 1 --yes-write-hardware", 2, "can't write"                  },
+        {"hw cpuid",                                               2, "takes other arguments"        },
+        {"hw cpuids 0",                                            2, "unknown value 'cpuids'"       },
+        {"hw pci 0000:00:20.0 2 5",                                2, "is not a PCI function"        },
+        {"hw pci 00:03.0 2 5",                                     2, "is not a PCI function"        },
+        {"hw cpuid 0 --cpu 256",                                   2, "not a processor number"       },
+        {"hw mem 0xFED00000 2 --write 65536 --yes-write-hardware", 2, "larger than 2 bytes"          },
+        {"hw port read 0x80 3",                                    2, "must be 1, 2 or 4"            },
+        {"hw pci 0000:00:03.0 2 0",                                2, "from 1 to 4094"               },
+        {"hw versions --cpu 0",                                    2, "doesn't take --cpu"           },
+        {"hw cpuid 0 --out x",                                     2, "doesn't take --out"           },
+        {"hw acpi --out x",                                        2, "--out needs the name"         },
+        {"hw cpuid 0 --trace Global",                              2, "not a setting like"           },
     };
     for (const auto& c : kCases) {
         const ProgramRun_t run = RunQuorlin(c.arguments);
@@ -484,13 +496,13 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
     }
 }
 
-// On Linux alone: Windows has no device that is always full, no SIGPIPE and no script(1), which lends a terminal.
+// Only on Linux: Windows has no device that is always full, no SIGPIPE and no script(1), which lends a terminal.
 class OnLinux : public testing::Test {
   protected:
     void SetUp() override {
         if (!fs::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full, so not Linux";
     }
-    // What a shell's command writes to either stream, and its exit code as the last line.
+    // The output of a shell command, both streams, with its exit code as the last line.
     static std::string Shell(const std::string& command) {
         const std::string written = TempDir() + "shell.txt";
         EXPECT_EQ(std::system(("{ " + command + "; echo $?; } </dev/null >" + written + " 2>&1").c_str()), 0);
@@ -507,7 +519,7 @@ TEST_F(OnLinux, OutputThatCannotBeWrittenIsTrouble) {
         EXPECT_EQ(run(arguments), full + "1\n") << arguments;
     for (const char* arguments : {"find a --sample", "check --sample", "raw --help", "diff --help"})
         EXPECT_EQ(run(arguments), full + "2\n") << arguments;
-    // A reader that has gone is no trouble.
+    // A reader that has gone is not an error.
     EXPECT_EQ(Shell("{ sleep 0.1; " QUORLIN_PROGRAM " --sample; echo $? >&2; } | true"), "0\n0\n");
 }
 
@@ -526,7 +538,7 @@ TEST_F(OnLinux, ForeignFilesAndFlawsTakeLittleMemory) {
     EXPECT_TRUE(Has(findings, "no End-of-Table structure ends the table")) << findings;
 }
 
-// In a folder where anybody may have put it.
+// The configuration is in a folder that anybody may write to.
 TEST_F(OnLinux, AStrangersConfigurationWritesNothing) {
     const auto folder = fs::path(TempDir()) / "quorlin-stranger";
     fs::remove_all(folder);
@@ -538,15 +550,15 @@ TEST_F(OnLinux, AStrangersConfigurationWritesNothing) {
     const std::string plain = Shell(QUORLIN_PROGRAM " --sample --type 24");
     EXPECT_EQ(Shell(program + " --sample --type 24"), plain);
     EXPECT_EQ(Shell(program + " --sample --type 24 --verbose 2>&1 >/dev/null | grep debug.conf"),
-              "quorlin: debug.conf: not obeyed: others can write its folder, or one above\n0\n");
+              "quorlin: debug.conf: ignored: others can write its folder, or one above\n0\n");
     EXPECT_EQ(ReadWholeFile(precious), "p");
 
-    // What the user himself asks for.
+    // What the user asks for.
     const std::string trace =
         " --sample --type 24 --trace 'Global:TraceType<In>;Global:OutputType<Fi>;Global:FileName<";
     EXPECT_TRUE(Has(Shell(program + trace + "/dev/stderr>' 2>&1 >/dev/null"), " Fn:ParseAllStructures "));
     const std::string lost = Shell(program + trace + "no-folder/log>' 2>&1 >/dev/null");
-    EXPECT_TRUE(Has(lost, "quorlin: --trace: its log can't be opened; try ")) << lost;
+    EXPECT_TRUE(Has(lost, "quorlin: --trace: can't open its log; try ")) << lost;
 }
 
 TEST_F(OnLinux, ATerminalGetsColourAndLinesThatFit) {
@@ -569,13 +581,12 @@ TEST_F(OnLinux, ATerminalGetsColourAndLinesThatFit) {
     }
 }
 
-// With a file in the place of the machine's memory.
 TEST(Program, ColourIsTheUsersChoice) {
     EXPECT_TRUE(Has(RunQuorlin("--sample --type 4 --color always").output, "\x1b[1mProcessor Information"));
     EXPECT_FALSE(Has(RunQuorlin("--sample --type 4").output, "\x1b"));
 }
 
-TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
+TEST_F(OnLinux, VerboseNamesTheAccessMethod) {
     const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 0xF0100, 0x100);
     Bytes_t memory(1u << 20);
     std::ranges::copy(found, memory.begin() + 0xF0000);
@@ -583,7 +594,7 @@ TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
         return Shell("unshare -m sh -c 'mount -t tmpfs none /dev && mknod /dev/null c 1 3 && cp " +
                      WriteFile("mem", memory) + " /dev/mem && mount --bind " +
                      WriteFile("map", Bytes_t(map.begin(), map.end())) +
-                     " /proc/iomem && " QUORLIN_PROGRAM " types --road scan --verbose'");
+                     " /proc/iomem && " QUORLIN_PROGRAM " types --method scan --verbose'");
     };
     const std::string output = scan("000f0000-000fffff : System ROM\n");
     if (Has(output, "unshare: ")) GTEST_SKIP() << "only root can have a /dev of its own";
@@ -591,10 +602,10 @@ TEST_F(OnLinux, VerboseNamesTheRoadThatGaveTheTable) {
     EXPECT_EQ(
         scan("000f0000-000fffff : 0000:00:01.0\n"),
         "quorlin: this machine: the table that the scan finds isn't in known memory, and is not read; try without "
-        "--road\n1\n");
+        "--method\n1\n");
 }
 
-// The cause is told, and root is advised only where it would help.
+// The message says why, and advises root only where that helps.
 TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
     const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 32);
     const std::string point = WriteFile("point", Bytes_t(found.begin(), found.begin() + 31)),
@@ -604,38 +615,41 @@ TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
                                  " dmi/tables/DMI && chmod 400 dmi/tables/* && ",
                       nobody = "chmod 600 /dev/mem && setpriv --reuid 65534 --regid 65534 --clear-groups ",
                       memory = "truncate -s 1M /dev/mem && ";
-    const struct {
-        std::string command, says;
-    } kCases[] = {
-        {firmware + QUORLIN_PROGRAM " get 3 Manufacturer",                                                                       "A\n0\n"                                                                },
-        {memory + firmware + nobody + QUORLIN_PROGRAM,
-         "this machine: the system refuses to give its SMBIOS table; try as root\n1\n"                                                                                                                   },
-        {memory + firmware + nobody + QUORLIN_PROGRAM " get 24 Handle --sample-if-none",
-         "its SMBIOS table; showing the embedded sample\n6144\n6145\n0\n"                                                                                                                                },
-        {QUORLIN_PROGRAM,                                                                                                        "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"},
-        {memory + nobody + QUORLIN_PROGRAM,                                                                                      "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"},
-        {QUORLIN_PROGRAM " --road scan",                                                                                         "its memory can't be read; try without --road\n1\n"                     },
-        {memory + QUORLIN_PROGRAM " --road scan",                                                                                "the scan of its memory finds no table; try without --road\n1\n"        },
-        {memory + nobody + QUORLIN_PROGRAM " --road scan",                                                                       "the system refuses to give its memory; try as root\n1\n"               },
-        {QUORLIN_PROGRAM " hw mem 0xF0000 4",                                                                                    "the request was refused (status 0); try quorlin hw --help\n1\n"        },
-        {memory + nobody + QUORLIN_PROGRAM " hw mem 0xF0000 4",                                                                  "the system refuses it (status 0); try as root\n1\n"                    },
-        {QUORLIN_PROGRAM " hw acpi",                                                                                             "shows no ACPI tables; try quorlin hw --help\n1\n"                      },
-        {firmware + "printf 12345 >acpi/tables/FACP && printf 123 >acpi/tables/SSDT1 && cp acpi/tables/FACP "
-                    "acpi/tables/SSDT2 && touch \"acpi/tables/$(printf \"A\\033[C\")\" && " QUORLIN_PROGRAM " hw acpi",
-         "Table  Bytes\nA?[C       -\nFACP       5\nSSDT       3  the first of 2\n0\n"                                                                                                                   },
-        {firmware + QUORLIN_PROGRAM " hw acpi NONE",                                                                             "try quorlin hw acpi, which lists the tables\n1\n"                      },
+    const std::pair<std::string, std::string> kCases[] = {
+        Pair(firmware + QUORLIN_PROGRAM " get 3 Manufacturer", "A\n0\n"),
+        Pair(memory + firmware + nobody + QUORLIN_PROGRAM,
+             "this machine: the system refuses to give its SMBIOS table; try as root\n1\n"),
+        Pair(memory + firmware + nobody + QUORLIN_PROGRAM " get 24 Handle --sample-if-none",
+             "its SMBIOS table; showing the embedded sample\n6144\n6145\n0\n"),
+        Pair(QUORLIN_PROGRAM, "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"),
+        Pair(memory + nobody + QUORLIN_PROGRAM,
+             "this machine: no SMBIOS table here; try --sample, or --image FILE\n1\n"),
+        Pair(QUORLIN_PROGRAM " --method scan", "its memory can't be read; try without --method\n1\n"),
+        Pair(memory + QUORLIN_PROGRAM " --method scan",
+             "the scan of its memory finds no table; try without --method\n1\n"),
+        Pair(memory + nobody + QUORLIN_PROGRAM " --method scan",
+             "the system refuses to give its memory; try as root\n1\n"),
+        Pair(QUORLIN_PROGRAM " hw mem 0xF0000 4", "the request was refused (status 0); try quorlin hw --help\n1\n"),
+        Pair(memory + nobody + QUORLIN_PROGRAM " hw mem 0xF0000 4",
+             "the system refuses it (status 0); try as root\n1\n"),
+        Pair(QUORLIN_PROGRAM " hw acpi", "has no ACPI tables; try quorlin hw --help\n1\n"),
+        Pair(firmware + "printf 12345 >acpi/tables/FACP && printf 123 >acpi/tables/SSDT1 && cp acpi/tables/FACP "
+                        "acpi/tables/SSDT2 && touch \"acpi/tables/$(printf \"A\\033[C\")\" && " QUORLIN_PROGRAM
+                        " hw acpi",
+             "Table  Bytes\nA?[C       -\nFACP       5\nSSDT       3  the first of 2\n0\n"),
+        Pair(firmware + QUORLIN_PROGRAM " hw acpi NONE", "try quorlin hw acpi, which lists the tables\n1\n"),
     };
-    for (const auto& c : kCases) {
+    for (const auto& [command, says] : kCases) {
         const std::string output = Shell(
             "unshare -m sh -c 'mount -t tmpfs none /dev && mknod -m 666 /dev/null c 1 3 && "
             "mount -t tmpfs none /sys/firmware && " +
-            c.command + "'");
+            command + "'");
         if (Has(output, "unshare: ")) GTEST_SKIP() << "only root can have folders over those of the system";
-        EXPECT_TRUE(output.ends_with(c.says)) << c.command << ": " << output;
+        EXPECT_TRUE(output.ends_with(says)) << command << ": " << output;
     }
 }
 
-// A debug.conf in the working folder, as a user meets it: it holds for every table that a run brings up.
+// A debug.conf in the working folder applies to every table of a run.
 TEST(Program, MakesALogOfEveryWalk) {
     const auto table =
         TableOf({ClStructureBuilder(3, 0x15), ClStructureBuilder(13, 0x16), ClStructureBuilder(17, 0x28)});

@@ -5,38 +5,28 @@
 #include <unordered_set>
 
 #include "Packages/Format/Structures.h"
-#include "Tools/quorlin/Columns.h"
 #include "Tools/quorlin/Commands.h"
-#include "Tools/quorlin/Csv.h"
-#include "Tools/quorlin/Json.h"
-#include "Tools/quorlin/Model.h"
+#include "Tools/quorlin/Formats.h"
 #include "Tools/quorlin/Standard.h"
 #include "Tools/quorlin/Text.h"
-
-constexpr Usage_t kCheckUsage = {
-    "quorlin check",
-    "Says what is wrong with a table: lengths, string numbers, handles, references, counts, codes, checksums, and a "
-    "missing end.",
-    "Example: quorlin check --image table.bin\n"
-    "Exit codes: 0 nothing found, 1 something found, 2 bad usage, no table or an unreadable one.",
-    kExitTrouble,
-};
+#include "Tools/quorlin/Types.h"
 
 namespace {
 
-constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kNdjson, Format_t::kCsv};
+constexpr Column_t kColumns[] = {{"rule"}, {"type"}, {"handle"}, {"offset"}, {"text"}};
+constexpr List_t kList = {.name = "findings", .columns = kColumns};
 
 struct Finding_t {
     const char* rule;
-    const TableStructure_t* structure;  // null for one of the table as a whole; lives for the length of the call
+    const TableStructure_t* structure;  // null for a finding on the table as a whole; lives for the call
     uint32_t offset;                    // of the structure, or of where the table ends
     std::string text;
 };
-// Takes the findings one by one: a table of nothing but flaws has millions.
+// Receives the findings one by one, as a table may have millions.
 using Report_t = std::function<void(const Finding_t&)>;
 
-// Codes that the oldest version of their type doesn't have. In a structure too short for one its decoder reads on into
-// the string area, and what it reads there is no code.
+// Codes that the oldest version of their type doesn't have. If a structure is too short for one, its decoder reads on
+// into the string area, and what it reads there is not a code.
 struct LateCode_t {
     std::string_view key;
     uint8_t type, offset;
@@ -100,11 +90,11 @@ class ClLint {
 
     void CheckFields() {
         CheckStrings();
-        for (const char offset : m_facts->handles) CheckReference(static_cast<uint8_t>(offset));
+        for (const char offset : std::string_view(m_facts->handles)) CheckReference(static_cast<uint8_t>(offset));
         if (m_facts->list.listOffset != 0) CheckList(m_facts->list);
     }
 
-    // Whether the structure's formatted area can be looked at.
+    // False if the structure is too short for any other check.
     bool CheckLength() {
         const uint8_t length = m_structure->Length();
         const uint8_t least = MinimumLength(m_structure->Type());
@@ -139,7 +129,7 @@ class ClLint {
                 Add("string", "string number " + std::to_string(Byte(offset)) + " at offset " + Hex(offset) + ", of " +
                                   std::to_string(count));
         };
-        for (const char offset : m_facts->strings) check(static_cast<uint8_t>(offset));
+        for (const char offset : std::string_view(m_facts->strings)) check(static_cast<uint8_t>(offset));
         const uint8_t type = m_structure->Type();
         if (type == 10)  // pairs of a device's type and its string, up to the end
             for (uint32_t offset = 5; offset < m_length; offset += 2) check(offset);
@@ -147,7 +137,7 @@ class ClLint {
             Add("count", "it counts " + std::to_string(Byte(4)) + " strings, and holds " + std::to_string(count));
     }
 
-    // A handle of FFFEh or FFFFh says that there is none, or that it isn't known.
+    // FFFEh and FFFFh mean no structure, or an unknown one.
     void CheckReference(uint32_t offset) {
         if (offset + 2 > m_length) return;
         const auto handle = static_cast<uint16_t>(Byte(offset) | Byte(offset + 1) << 8);
@@ -176,14 +166,14 @@ class ClLint {
         });
     }
 
-    // The decoders know every enumeration: where a code is outside its table they say so. They go by type, so what
-    // they say is kept until the table's order comes to it.
+    // The decoders mark codes outside their enumerations. Decoding goes by type, so the codes are kept until the walk,
+    // which goes by position, comes to their structure.
     void FindCodes(ClTable& table) {
         std::vector<uint32_t> ofType[256];  // offsets
         for (const TableStructure_t& structure : ClWalk(m_bytes))
             ofType[structure.Type()].push_back(static_cast<uint32_t>(structure.data - m_bytes.data()));
         VisitStructures(table.Package(), AllTypes(true), [&](const Structure_t& decoded) {
-            if (decoded.instance > ofType[decoded.type].size()) return;
+            if (decoded.instance > ofType[decoded.type].size()) return true;
             const uint32_t offset = ofType[decoded.type][decoded.instance - 1];
             const TableStructure_t structure = {m_bytes.data() + offset, 0};
             for (size_t index = decoded.firstItem; index < decoded.EndItem(); index++) {
@@ -191,6 +181,7 @@ class ClLint {
                 if (item.isInvalid && IsThere(structure, item.key))
                     m_codes.emplace_back(offset, &*m_keys.emplace(item.key).first);
             }
+            return true;
         });
         std::ranges::stable_sort(m_codes, {}, &Code_t::first);
     }
@@ -210,83 +201,69 @@ class ClLint {
     std::vector<Code_t> m_codes;
     size_t m_nextCode = 0;
 
-    // The structure at hand.
+    // The structure that is checked.
     const TableStructure_t* m_structure = nullptr;
     const TypeFacts_t* m_facts = nullptr;
     uint32_t m_length = 0;  // of its formatted area, as far as it is there
 };
 
-size_t ListText(ClTable& table, ClOutput& output) {
-    ClColumns columns(output);
+void ShowToPeople(const Finding_t& finding, ClColumns& people) {
+    std::string place = "Table";
+    if (finding.structure != nullptr)
+        place = "Handle " + HandleText(finding.structure->Handle()) + ", type " +
+                std::to_string(finding.structure->Type()) + " (" + std::string(NameOfType(finding.structure->Type())) +
+                ")";
+    people.Line(0, place + ", offset " + Hex(finding.offset) + ": " + finding.text);
+}
+
+int ListFindings(ClTable& table, ClWriter& writer) {
+    ClColumns* people = writer.People();
     const ClLint lint(table, [&](const Finding_t& finding) {
-        std::string place = "Table";
-        if (finding.structure != nullptr)
-            place = "Handle " + HandleText(finding.structure->Handle()) + ", type " +
-                    std::to_string(finding.structure->Type()) + " (" +
-                    std::string(NameOfType(finding.structure->Type())) + ")";
-        columns.Line(0, place + ", offset " + Hex(finding.offset) + ": " + finding.text);
+        if (people != nullptr)
+            ShowToPeople(finding, *people);
+        else if (finding.structure == nullptr)
+            writer.Row({finding.rule, {}, {}, finding.offset, finding.text});
+        else
+            writer.Row(
+                {finding.rule, finding.structure->Type(), finding.structure->Handle(), finding.offset, finding.text});
     });
     const size_t count = lint.Findings();
-    output << (count == 0 ? "No findings\n" : std::to_string(count) + (count == 1 ? " finding\n" : " findings\n"));
-    return count;
+    if (people != nullptr)
+        people->Line(0, count == 0 ? "No findings" : std::to_string(count) + (count == 1 ? " finding" : " findings"));
+    return count == 0 ? kExitDone : kExitNo;
 }
 
-size_t ListCsv(ClTable& table, ClCsv& csv) {
-    csv.SetImage(table.Name());
-    csv.Head({"rule", "type", "handle", "offset", "text"});
-    const ClLint lint(table, [&](const Finding_t& finding) {
-        const bool isOfStructure = finding.structure != nullptr;
-        csv.Row({finding.rule, isOfStructure ? std::to_string(finding.structure->Type()) : "",
-                 isOfStructure ? std::to_string(finding.structure->Handle()) : "", std::to_string(finding.offset),
-                 finding.text});
-    });
-    return lint.Findings();
-}
+class ClCheck : public ClCommand {
+  public:
+    std::vector<Option_t> Options() override {
+        std::vector<Option_t> options = m_source.OptionsForMany();
+        options.push_back(m_format.Option());
+        return options;
+    }
 
-size_t ListJson(ClTable& table, ClJson& json) {
-    json.BeginObject();
-    WriteTableMembers(json, table);
-    json.Name("findings");
-    json.BeginList();
-    const ClLint lint(table, [&](const Finding_t& finding) {
-        json.BeginObject();
-        json.Member("rule", std::string_view(finding.rule));
-        if (finding.structure != nullptr) {
-            json.Member("type", finding.structure->Type());
-            json.Member("handle", finding.structure->Handle());
-        }
-        json.Member("offset", finding.offset);
-        json.Member("text", finding.text);
-        json.FinishObject();
-        json.FlushIfLarge();
-    });
-    json.FinishList();
-    json.FinishObject();
-    json.Finish();
-    return lint.Findings();
-}
+    int Run() override {
+        m_source.Check();
+        m_format.Check(m_source);
+        return WriteTables(m_source, m_format.Chosen(), kList, kCheckCommand.trouble,
+                           [](ClTable& table, ClWriter& writer) { return ListFindings(table, writer); });
+    }
+
+  private:
+    Source_t m_source;
+    ClFormatOption m_format{kTableRows};
+};
 
 }  // namespace
 
-int RunCheck(const Arguments_t& arguments) {
-    Source_t source;
-    std::string formatName = "text";
-    std::vector<Option_t> options = source.FleetOptions();
-    options.push_back({"--format", "FORMAT", "text (for people), json, ndjson or csv", &formatName});
-    int exitCode = kExitDone;
-    Format_t format;
-    if (!ParseCommandLine(kCheckUsage, options, arguments, &exitCode) || !source.Check(kCheckUsage, &exitCode) ||
-        !ChooseFormat(kCheckUsage, formatName, kFormats, &format, &exitCode) ||
-        !CheckFleet(kCheckUsage, source, format, &exitCode))
-        return exitCode;
-    ClOutput output;
-    ClJson json(output);
-    ClCsv csv(output, source.IsFleet());
-    exitCode = RunOnTables(source, format, kCheckUsage.trouble, json, [&](ClTable& table) {
-        const size_t count = format == Format_t::kText  ? ListText(table, output)
-                             : format == Format_t::kCsv ? ListCsv(table, csv)
-                                                        : ListJson(table, json);
-        return count == 0 ? kExitDone : kExitNo;
-    });
-    return output.Finish() ? exitCode : kCheckUsage.trouble;
-}
+constexpr Command_t kCheckCommand = {
+    .name = "check",
+    .summary = "what is wrong with a table",
+    .description =
+        "Says what is wrong with a table: lengths, string numbers, handles, references, counts, codes, "
+        "checksums, a missing end.",
+    .footer =
+        "Example: quorlin check --image table.bin\n"
+        "Exit codes: 0 nothing found, 1 something found, 2 bad usage, no table or an unreadable one.",
+    .trouble = kExitTrouble,
+    .make = MakeCommand<ClCheck>,
+};

@@ -1,5 +1,6 @@
-// quorlin hw: what the hardware library offers, one operation a call.
+// quorlin hw: the operations of the hardware library.
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 
@@ -13,35 +14,15 @@
 #include "Tools/quorlin/Text.h"
 #include "Tools/quorlin/Trace.h"
 
-constexpr Usage_t kHardwareUsage = {
-    "quorlin hw",
-    "Reads hardware: the CPUID instruction, PCI configuration space, physical memory, model-specific registers, ports, "
-    "ACPI tables. Most of it needs more rights than a user's.",
-    "Operations (numbers are decimal, or hexadecimal behind 0x):\n"
-    "  cpuid LEAF [SUBLEAF]             the four registers; with --cpu N on processor N\n"
-    "  pci SEG:BUS:DEV.FN OFFSET SIZE   bytes of configuration space\n"
-    "  mem ADDRESS SIZE                 bytes of physical memory\n"
-    "  msr read N                       a model-specific register; with --cpu N of processor N\n"
-    "  port read PORT SIZE              an I/O port, in one access of SIZE bytes\n"
-    "  acpi [NAME]                      the ACPI tables, or one of them; with --out FILE into a new file\n"
-    "  segments                         the PCI segments and their configuration spaces\n"
-    "  versions                         of this library and of the driver\n"
-    "Writing can hang or damage a machine. mem, msr write N and port write PORT SIZE write --write VALUE, and only "
-    "with --yes-write-hardware.\n"
-    "\n"
-    "Example: quorlin hw pci 0000:00:03.0 2 5\n"
-    "Exit codes: 0 done, 1 the operation failed, 2 bad usage.",
-    kExitNo,
-};
-
 namespace {
 
 constexpr uint64_t kMostBytes = 1u << 20;  // that one call reads
 
-// What an operation gives instead of the library's status: its words are bad, or it has said itself what went wrong.
-constexpr status_t kBadUsage = 0xFFFFFFFF, kTold = 0xFFFFFFFE;
+// What an operation returns instead of the library's status: its arguments are bad, or it has already reported an
+// error.
+constexpr status_t kBadUsage = 0xFFFFFFFF, kReported = 0xFFFFFFFE;
 
-// A block of a head that tells the size, and that many bytes.
+// A header with the size, and that many bytes.
 class ClBuffer {
   public:
     explicit ClBuffer(uint32_t size) : m_block(sizeof(DataBuffer_t) + size) { Get()->Size = size; }
@@ -55,7 +36,7 @@ class ClBuffer {
     std::vector<uint8_t> m_block;
 };
 
-// Keeps the hardware library open from Open on.
+// Keeps the hardware library open after Open.
 class ClHardware {
   public:
     ClHardware() = default;
@@ -64,7 +45,7 @@ class ClHardware {
     }
     ClHardware(const ClHardware&) = delete;
     ClHardware& operator=(const ClHardware&) = delete;
-    // False with the cause told.
+    // False with a line on standard error.
     bool Open() {
         const status_t status = FERROXInitialize();
         m_isOpen = status == kSuccess;
@@ -79,11 +60,11 @@ class ClHardware {
     bool m_isOpen = false;
 };
 
-// What the command line holds, and where results go.
+// What the command line asks for, and where results go.
 struct Request_t {
     Request_t(std::span<const std::string> theWords, ClOutput& theOutput) : words(theWords), output(theOutput) {}
 
-    std::span<const std::string> words;  // behind the operation's name
+    std::span<const std::string> words;  // the operation's arguments
     uint32_t cpu = kAnyProcessor;
     bool writes = false;
     uint64_t value = 0;  // to be written
@@ -95,7 +76,7 @@ struct Request_t {
 
     bool Number(size_t word, uint64_t least, uint64_t most, uint64_t* number) {
         if (ParseNumber(words[word], most, number) && *number >= least) return true;
-        problem = "'" + words[word] + "' is no number within " + std::to_string(least) + " to " + std::to_string(most);
+        problem = "'" + words[word] + "' is not a number from " + std::to_string(least) + " to " + std::to_string(most);
         return false;
     }
     // The size of what is read or written.
@@ -105,7 +86,7 @@ struct Request_t {
         problem = "--write: the value is larger than " + words[word] + " bytes";
         return false;
     }
-    // To be called when all words are understood.
+    // Call once all words are understood.
     bool Open() { return hardware.Open(); }
 };
 
@@ -122,7 +103,7 @@ status_t DoCPUID(Request_t& request) {
     uint64_t leaf, subleaf = 0;
     if (!request.Number(0, 0, UINT32_MAX, &leaf)) return kBadUsage;
     if (request.words.size() > 1 && !request.Number(1, 0, UINT32_MAX, &subleaf)) return kBadUsage;
-    if (!request.Open()) return kTold;
+    if (!request.Open()) return kReported;
     CPUIDRecord_t record = {};
     record.Eax = static_cast<uint32_t>(leaf);
     record.Ecx = static_cast<uint32_t>(subleaf);
@@ -149,13 +130,13 @@ status_t DoPCI(Request_t& request) {
     constexpr uint64_t kLegacySpace = 256, kWholeSpace = 4096;
     uint64_t segment, bus, device, function;
     if (!ParsePlace(request.words[0], &segment, &bus, &device, &function)) {
-        request.problem = "'" + request.words[0] + "' is no PCI function like 0000:00:03.0";
+        request.problem = "'" + request.words[0] + "' is not a PCI function like 0000:00:03.0";
         return kBadUsage;
     }
     uint64_t offset, size;
     if (!request.Number(1, 0, kWholeSpace - 1, &offset) || !request.Size(2, kWholeSpace - offset, &size))
         return kBadUsage;
-    if (!request.Open()) return kTold;
+    if (!request.Open()) return kReported;
     const auto location = static_cast<uint32_t>(segment << 16 | function << 13 | device << 8 | bus);
     ClBuffer buffer(static_cast<uint32_t>(size));
     const auto read = offset + size <= kLegacySpace ? PCIRead : PCIExRead;
@@ -168,7 +149,7 @@ status_t DoMemory(Request_t& request) {
     uint64_t address, size;
     if (!request.Number(0, 0, UINT64_MAX, &address) || !request.Size(1, request.writes ? 8 : kMostBytes, &size))
         return kBadUsage;
-    if (!request.Open()) return kTold;
+    if (!request.Open()) return kReported;
     ClBuffer buffer(static_cast<uint32_t>(size), request.value);
     if (request.writes) return PCIMMIOWriteStored(address, 0, buffer.Get());
     const status_t status = GetSystemTables(address, 0, buffer.Get());
@@ -176,8 +157,8 @@ status_t DoMemory(Request_t& request) {
     return status;
 }
 
-// The word in front of a register's number says what is to be done, and must agree with --write.
-bool SaysDirection(Request_t& request) {
+// Whether the word before a register's number, read or write, agrees with --write.
+bool HasDirection(Request_t& request) {
     const std::string& word = request.words[0];
     if (word == (request.writes ? "write" : "read")) return true;
     request.problem = word == "write"  ? std::string("write needs --write VALUE and --yes-write-hardware")
@@ -188,8 +169,8 @@ bool SaysDirection(Request_t& request) {
 
 status_t DoMSR(Request_t& request) {
     uint64_t number;
-    if (!SaysDirection(request) || !request.Number(1, 0, UINT32_MAX, &number)) return kBadUsage;
-    if (!request.Open()) return kTold;
+    if (!HasDirection(request) || !request.Number(1, 0, UINT32_MAX, &number)) return kBadUsage;
+    if (!request.Open()) return kReported;
     MSRRecord_t record = {};
     record.Cpu = request.cpu == kAnyProcessor ? 0 : request.cpu;
     record.Msr = static_cast<uint32_t>(number);
@@ -206,13 +187,13 @@ status_t DoMSR(Request_t& request) {
 
 status_t DoPort(Request_t& request) {
     uint64_t port, size;
-    if (!SaysDirection(request) || !request.Number(1, 0, UINT16_MAX, &port) || !request.Size(2, 4, &size))
+    if (!HasDirection(request) || !request.Number(1, 0, UINT16_MAX, &port) || !request.Size(2, 4, &size))
         return kBadUsage;
     if (size == 3) {
-        request.problem = "a port is accessed by 1, 2 or 4 bytes";
+        request.problem = "SIZE of a port must be 1, 2 or 4";
         return kBadUsage;
     }
-    if (!request.Open()) return kTold;
+    if (!request.Open()) return kReported;
     ClBuffer buffer(static_cast<uint32_t>(size), request.value);
     if (request.writes) return ConfigureWakeUpTimer(static_cast<uint16_t>(port), buffer.Get());
     const status_t status = ReadWakeupTimer(static_cast<uint16_t>(port), buffer.Get());
@@ -220,12 +201,12 @@ status_t DoPort(Request_t& request) {
     return status;
 }
 
-// The tables' names and sizes. Of several with one name the operations reach the first.
+// Lists the tables' names and sizes. Of tables with the same name the operations read the first.
 status_t ListACPITables(Request_t& request) {
     std::vector<uint32_t> tables = os_ListACPITables();
     if (tables.empty()) {
-        SayError("hw acpi", "this system shows no ACPI tables; try quorlin hw --help");
-        return kTold;
+        SayError("hw acpi", "this system has no ACPI tables; try quorlin hw --help");
+        return kReported;
     }
     request.output << "Table  Bytes\n";
     while (!tables.empty()) {
@@ -234,7 +215,7 @@ status_t ListACPITables(Request_t& request) {
         const size_t count = std::erase(tables, uint32_t{tables.front()});
         uint32_t size = 0;
         const bool isShown = GetACPITableEx(name, nullptr, &size) == kSuccess;
-        // The firmware chose the name, which a terminal may obey.
+        // The firmware chose the name, which may contain control characters.
         std::replace_if(
             name, name + 4, [](char letter) { return letter < ' ' || letter > '~'; }, '?');
         std::snprintf(text, sizeof text, "%-5s %6s", name, isShown ? std::to_string(size).c_str() : "-");
@@ -256,7 +237,7 @@ status_t DoACPI(Request_t& request) {
     if (request.out.empty())
         ShowBytes(bytes, request.output);
     else if (!WriteNewFile(request.out, bytes))
-        status = kTold;
+        status = kReported;
     os_free(table);
     return status;
 }
@@ -278,7 +259,7 @@ status_t DoSegments(Request_t& request) {
 }
 
 status_t DoVersions(Request_t& request) {
-    if (!request.Open()) return kTold;
+    if (!request.Open()) return kReported;
     LibVersion_t library = {};
     status_t status = GetFERROXLibVersion(&library);
     if (status != kSuccess) return status;
@@ -304,8 +285,8 @@ status_t DoVersions(Request_t& request) {
 }
 
 struct Operation_t {
-    std::string_view name;
-    size_t leastWords, mostWords;  // behind the name
+    const char* name;
+    size_t leastWords, mostWords;  // after the name
     bool canWrite, takesCpu, takesOut;
     status_t (*run)(Request_t& request);
 };
@@ -320,50 +301,99 @@ constexpr Operation_t kOperations[] = {
     {"versions", 0, 0, false, false, false, DoVersions},
 };
 
+constexpr auto kNames = [] {
+    std::array<Choice_t, std::size(kOperations)> names = {};
+    for (size_t place = 0; place < names.size(); place++) names[place].word = kOperations[place].name;
+    return names;
+}();
+constexpr Choice_t kDirections[] = {{"read"}, {"write"}};
+
+class ClHw : public ClCommand {
+  public:
+    std::vector<Option_t> Options() override {
+        std::vector<Option_t> options;
+        options.push_back({.name = "operation",
+                           .typeName = "OPERATION",
+                           .help = "The operation",
+                           .target = &m_name,
+                           .required = true,
+                           .choices = kNames});
+        options.push_back({.name = "argument",
+                           .typeName = "ARGUMENT",
+                           .help = "What the operation needs",
+                           .target = &m_words,
+                           .choices = kDirections,
+                           .takesOthers = true,
+                           .after = "msr port"});
+        options.push_back({"--cpu", "N", "Processor number, from 0 (by default any for cpuid, 0 for msr)", &m_cpuText});
+        options.push_back({"--out", "FILE", "Write an ACPI table into this new file", &m_out});
+        options.push_back({"--write", "VALUE", "Write VALUE instead of reading", &m_valueText});
+        options.push_back({"--yes-write-hardware", nullptr, "Confirm that the hardware is to be written", &m_yes});
+        options.push_back(TraceOption(&m_trace));
+        return options;
+    }
+
+    int Run() override {
+        const Operation_t& operation =
+            *std::ranges::find_if(kOperations, [&](const Operation_t& each) { return m_name == each.name; });
+        ClOutput output;
+        Request_t request(m_words, output);
+        CheckOptions(operation, request);
+        BeginTrace(m_trace);
+        const status_t status = operation.run(request);
+        if (status == kBadUsage) throw BadUsage_t{request.problem};
+        const bool isWritten = output.Finish();
+        if (status != kSuccess && status != kReported)
+            SayError("hw " + m_name, WhyNoAnswer(status, LastRefusal(), request.advice).Text());
+        return status == kSuccess && isWritten ? kExitDone : kExitNo;
+    }
+
+  private:
+    void CheckOptions(const Operation_t& operation, Request_t& request) const {
+        if (m_words.size() < operation.leastWords || m_words.size() > operation.mostWords)
+            throw BadUsage_t{m_name + " takes other arguments"};
+        if (!m_cpuText.empty() && !operation.takesCpu) throw BadUsage_t{m_name + " doesn't take --cpu"};
+        if (!m_out.empty() && !operation.takesOut) throw BadUsage_t{m_name + " doesn't take --out"};
+        uint64_t cpu = kAnyProcessor;
+        if (!m_cpuText.empty() && !ParseNumber(m_cpuText, kAnyProcessor - 1, &cpu))
+            throw BadUsage_t{"--cpu: '" + m_cpuText + "' is not a processor number"};
+        request.cpu = static_cast<uint32_t>(cpu);
+        request.out = m_out;
+        request.writes = !m_valueText.empty();
+        if (request.writes && !operation.canWrite) throw BadUsage_t{m_name + " can't write"};
+        if (request.writes && !ParseNumber(m_valueText, UINT64_MAX, &request.value))
+            throw BadUsage_t{"--write: '" + m_valueText + "' is not a number"};
+        if (request.writes != m_yes) throw BadUsage_t{"writing needs both --write VALUE and --yes-write-hardware"};
+    }
+
+    std::string m_name, m_cpuText, m_valueText, m_out, m_trace;
+    std::vector<std::string> m_words;
+    bool m_yes = false;
+};
+
 }  // namespace
 
-int RunHardware(const Arguments_t& arguments) {
-    std::vector<std::string> words;
-    std::string cpuName, valueName, out, trace;
-    bool yes = false;
-    const Option_t options[] = {
-        {"operation",            "OPERATION", "The operation, and what it needs",                                &words,     true },
-        {"--cpu",                "N",         "Processor number, from 0 (if absent cpuid takes any, and msr 0)", &cpuName,   false},
-        {"--out",                "FILE",      "Write an ACPI table into this new file",                          &out,       false},
-        {"--write",              "VALUE",     "Write VALUE instead of reading",                                  &valueName, false},
-        {"--yes-write-hardware", nullptr,     "Yes, write to the hardware",                                      &yes,       false},
-        {"--trace",              "SPEC",      kTraceHelp,                                                        &trace,     false},
-    };
-    int exitCode = kExitDone;
-    if (!ParseCommandLine(kHardwareUsage, options, arguments, &exitCode)) return exitCode;
-    const auto badUsage = [&](const std::string& problem) {
-        SayBadUsage(kHardwareUsage, problem, &exitCode);
-        return exitCode;
-    };
-    const Operation_t* operation = std::ranges::find(kOperations, words.front(), &Operation_t::name);
-    if (operation == std::end(kOperations)) return badUsage("'" + words.front() + "' is no operation");
-    ClOutput output;
-    Request_t request(std::span<const std::string>(words).subspan(1), output);
-    request.out = out;
-    if (request.words.size() < operation->leastWords || request.words.size() > operation->mostWords)
-        return badUsage(words.front() + " takes other arguments");
-    if ((!cpuName.empty() && !operation->takesCpu) || (!out.empty() && !operation->takesOut))
-        return badUsage(words.front() + " has no use for " +
-                        (operation->takesCpu || cpuName.empty() ? "--out" : "--cpu"));
-    uint64_t cpu = kAnyProcessor;
-    if (!cpuName.empty() && !ParseNumber(cpuName, kAnyProcessor - 1, &cpu))
-        return badUsage("--cpu: '" + cpuName + "' is no processor number");
-    request.cpu = static_cast<uint32_t>(cpu);
-    request.writes = !valueName.empty();
-    if (request.writes && !operation->canWrite) return badUsage(words.front() + " writes nothing");
-    if (request.writes && !ParseNumber(valueName, UINT64_MAX, &request.value))
-        return badUsage("--write: '" + valueName + "' is no number");
-    if (request.writes != yes) return badUsage("writing takes both --write VALUE and --yes-write-hardware");
-    if (!BeginTrace(kHardwareUsage, trace, &exitCode)) return exitCode;
-    const status_t status = operation->run(request);
-    if (status == kBadUsage) return badUsage(request.problem);
-    const bool isWritten = output.Finish();
-    if (status != kSuccess && status != kTold)
-        SayError("hw " + words.front(), WhyNoAnswer(status, LastRefusal(), request.advice).Text());
-    return status == kSuccess && isWritten ? kExitDone : kExitNo;
-}
+constexpr Command_t kHardwareCommand = {
+    .name = "hw",
+    .summary = "reads hardware: CPUID, PCI, memory, registers, ACPI",
+    .description =
+        "Reads hardware: the CPUID instruction, PCI configuration space, physical memory, model-specific "
+        "registers, ports, ACPI tables. Most operations need root or an administrator.",
+    .footer =
+        "Operations (numbers are decimal, or hexadecimal after 0x):\n"
+        "  cpuid LEAF [SUBLEAF]             the four registers; with --cpu N on processor N\n"
+        "  pci SEG:BUS:DEV.FN OFFSET SIZE   bytes of configuration space\n"
+        "  mem ADDRESS SIZE                 bytes of physical memory\n"
+        "  msr read N                       a model-specific register; with --cpu N of processor N\n"
+        "  port read PORT SIZE              an I/O port, in one access of SIZE bytes\n"
+        "  acpi [NAME]                      the ACPI tables, or one of them; with --out FILE into a new file\n"
+        "  segments                         the PCI segments and their configuration spaces\n"
+        "  versions                         of this library and of the driver\n"
+        "Writing can hang or damage a machine. mem, msr write N and port write PORT SIZE write --write VALUE, and only "
+        "with --yes-write-hardware.\n"
+        "\n"
+        "Example: quorlin hw pci 0000:00:03.0 2 5\n"
+        "Exit codes: 0 done, 1 the operation failed, 2 bad usage.",
+    .trouble = kExitNo,
+    .make = MakeCommand<ClHw>,
+};

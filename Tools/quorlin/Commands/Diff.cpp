@@ -6,28 +6,18 @@
 #include <utility>
 
 #include "Packages/Format/Structures.h"
-#include "Tools/quorlin/Columns.h"
+#include "Sources/Types.h"
 #include "Tools/quorlin/Commands.h"
-#include "Tools/quorlin/Csv.h"
-#include "Tools/quorlin/Json.h"
-#include "Tools/quorlin/Model.h"
-#include "Tools/quorlin/Standard.h"
+#include "Tools/quorlin/Formats.h"
 #include "Tools/quorlin/Text.h"
-
-constexpr Usage_t kDiffUsage = {
-    "quorlin diff",
-    "Shows what differs between two tables. Structures are matched by type and handle, what is left by its order. "
-    "Without B the other table is this machine's, or what --sample says.",
-    "Example: quorlin diff before.bin after.bin --ignore \"Serial Number\"\n"
-    "Exit codes: 0 the same, 1 different, 2 bad usage, no table or an unreadable one.",
-    kExitTrouble,
-};
+#include "Tools/quorlin/Types.h"
 
 namespace {
 
-constexpr Format_t kFormats[] = {Format_t::kText, Format_t::kJson, Format_t::kCsv};
+constexpr Column_t kColumns[] = {{"change"}, {"type"}, {"handle"}, {"title"}, {"group"}, {"key"}, {"a"}, {"b"}};
+constexpr List_t kList = {.name = "differences", .columns = kColumns, .innerName = "items"};
 
-// An item with what tells it apart in its structure: a key may come more than once.
+// An item and what identifies it in its structure, as a key may occur more than once.
 struct OwnItem_t {
     std::string group, key;
     uint32_t occurrence;
@@ -38,7 +28,7 @@ struct OwnItem_t {
     }
 };
 
-// A structure of its own, as two tables aren't up at the same time.
+// A copy of a structure, as two tables can't be up at the same time.
 struct OwnStructure_t {
     uint8_t type;
     uint16_t handle;
@@ -52,7 +42,7 @@ struct OwnTable_t {
     std::vector<OwnStructure_t> structures;
 };
 
-// What a table may take while it is compared: far more than any real one does.
+// Limits the memory that a table takes while it is compared, far above what real tables need.
 class ClBudget {
   public:
     bool Take(size_t bytes) { return m_left >= bytes && (m_left -= bytes, true); }
@@ -65,7 +55,7 @@ bool IsIgnored(std::string_view key, const std::vector<std::string>& ignored) {
     return std::ranges::any_of(ignored, [key](const std::string& other) { return EqualsIgnoringCase(key, other); });
 }
 
-// False when the budget is used up.
+// False if the budget is used up.
 bool TakeItems(const Structure_t& structure, const std::vector<std::string>& ignored, ClBudget& budget,
                std::vector<OwnItem_t>* items) {
     std::map<std::pair<std::string_view, std::string_view>, uint32_t> occurrences;
@@ -93,8 +83,8 @@ std::string HexOf(const TableStructure_t& structure) {
     return text;
 }
 
-// All structures, in the table's order. One that no decoder shows is compared by its bytes. False for a table that is
-// too much to compare.
+// Copies all structures, in the table's order. A structure without a decoder is compared by its bytes. False if the
+// table is too large to compare.
 bool TakeTable(ClTable& table, const std::vector<std::string>& ignored, OwnTable_t* taken) {
     ClBudget budget;
     bool fits = true;
@@ -103,10 +93,11 @@ bool TakeTable(ClTable& table, const std::vector<std::string>& ignored, OwnTable
     std::map<std::pair<uint8_t, uint32_t>, OwnStructure_t> decoded;
     VisitStructures(table.Package(), AllTypes(true), [&](const Structure_t& structure) {
         fits = fits && budget.Take(2 * sizeof(OwnStructure_t));
-        if (structure.isUndecoded || !fits) return;
+        if (structure.isUndecoded || !fits) return true;
         OwnStructure_t& made = decoded[{structure.type, structure.instance}];
         made = {structure.type, structure.handle, std::string(structure.title), {}};
         fits = TakeItems(structure, ignored, budget, &made.items);
+        return true;
     });
     if (!fits) return false;
     uint32_t instances[256] = {};
@@ -191,118 +182,112 @@ std::vector<Difference_t> CompareTables(OwnTable_t& a, OwnTable_t& b) {
     return differences;
 }
 
-void ListText(const std::vector<Difference_t>& differences, const OwnTable_t& a, const OwnTable_t& b,
-              ClOutput& output) {
-    if (differences.empty()) return;
-    output << "- " << Printable(a.name) << "\n+ " << Printable(b.name) << "\n";
-    for (const Difference_t& difference : differences) {
-        const OwnStructure_t& structure = *difference.structure;
-        const std::string name = Printable(structure.title) + ", type " + std::to_string(structure.type) + ", handle " +
-                                 HandleText(structure.handle);
-        if (difference.change != Change_t::kChanged) {
-            output << (difference.change == Change_t::kAdded ? "\n+ " : "\n- ") << name << "\n";
-            continue;
-        }
-        output << "\n  " << name << "\n";
-        for (const auto& item : difference.items) {
-            const std::string group = item.Either().group.empty() ? "" : Printable(item.Either().group) + ": ";
-            if (item.a != nullptr)
-                output << "-   " << group << Printable(item.a->key) << "  " << Printable(item.a->value) << "\n";
-            if (item.b != nullptr)
-                output << "+   " << group << Printable(item.b->key) << "  " << Printable(item.b->value) << "\n";
-        }
+void ShowToPeople(const Difference_t& difference, ClColumns& people) {
+    const OwnStructure_t& structure = *difference.structure;
+    const Change_t change = difference.change;
+    const char* mark = change == Change_t::kChanged ? "  " : change == Change_t::kAdded ? "+ " : "- ";
+    people.Line(0, "");
+    people.Line(0, mark + structure.title + ", type " + std::to_string(structure.type) + ", handle " +
+                       HandleText(structure.handle));
+    for (const auto& item : difference.items) {
+        const OwnItem_t& either = item.Either();
+        const std::string name = (either.group.empty() ? "" : either.group + ": ") + either.key + "  ";
+        if (item.a != nullptr) people.Line(0, "-   " + name + item.a->value);
+        if (item.b != nullptr) people.Line(0, "+   " + name + item.b->value);
     }
 }
 
-void ListCsv(const std::vector<Difference_t>& differences, ClOutput& output) {
-    ClCsv csv(output, false);
-    csv.Head({"change", "type", "handle", "title", "group", "key", "a", "b"});
-    for (const Difference_t& difference : differences) {
-        const OwnStructure_t& structure = *difference.structure;
-        const std::string type = std::to_string(structure.type), handle = std::to_string(structure.handle);
-        if (difference.items.empty())
-            csv.Row({NameOf(difference.change), type, handle, structure.title, "", "", "", ""});
-        for (const auto& item : difference.items)
-            csv.Row({NameOf(item.change), type, handle, structure.title, item.Either().group, item.Either().key,
-                     item.a != nullptr ? item.a->value : "", item.b != nullptr ? item.b->value : ""});
+void WriteRow(const Difference_t& difference, ClWriter& writer) {
+    const auto cell = [](std::string_view text, bool isThere) { return isThere ? Cell_t(text) : Cell_t(); };
+    std::vector<Row_t> items;
+    for (const auto& item : difference.items) {
+        const OwnItem_t& either = item.Either();
+        items.push_back({NameOf(item.change),
+                         {},
+                         {},
+                         {},
+                         cell(either.group, !either.group.empty()),
+                         either.key,
+                         item.a != nullptr ? Cell_t(item.a->value) : Cell_t(),
+                         item.b != nullptr ? Cell_t(item.b->value) : Cell_t()});
     }
+    const OwnStructure_t& structure = *difference.structure;
+    writer.Row({NameOf(difference.change), structure.type, structure.handle, structure.title}, items);
 }
 
-void ListJson(const std::vector<Difference_t>& differences, const OwnTable_t& a, const OwnTable_t& b, ClJson& json) {
-    json.BeginObject();
-    json.Member("a", a.name);
-    json.Member("b", b.name);
-    json.Name("differences");
-    json.BeginList();
-    for (const Difference_t& difference : differences) {
-        const OwnStructure_t& structure = *difference.structure;
-        json.BeginObject();
-        json.Member("change", std::string_view(NameOf(difference.change)));
-        json.Member("type", structure.type);
-        json.Member("handle", structure.handle);
-        json.Member("title", structure.title);
-        json.Name("items");
-        json.BeginList();
-        for (const auto& item : difference.items) {
-            json.BeginObject();
-            json.Member("change", std::string_view(NameOf(item.change)));
-            if (!item.Either().group.empty()) json.Member("group", item.Either().group);
-            json.Member("key", item.Either().key);
-            if (item.a != nullptr) json.Member("a", item.a->value);
-            if (item.b != nullptr) json.Member("b", item.b->value);
-            json.FinishObject();
-        }
-        json.FinishList();
-        json.FinishObject();
+class ClDiff : public ClCommand {
+  public:
+    std::vector<Option_t> Options() override {
+        std::vector<Option_t> options = m_source.OptionsForOne();
+        options.push_back({"a", "FILE", "One table: a dump, a bare table, or a folder of both", &m_pathA, true});
+        options.push_back({"b", "FILE", "The other table", &m_pathB});
+        options.push_back({"--ignore", "KEY", "Leave out items of this key; may be given more than once", &m_ignored});
+        options.push_back(m_format.Option());
+        return options;
     }
-    json.FinishList();
-    json.FinishObject();
-    json.Finish();
-}
+
+    int Run() override {
+        m_source.CheckOne();
+        if (!m_pathB.empty() && (m_source.sample || m_source.sampleIfNone || !m_source.images.empty()))
+            throw BadUsage_t{"diff compares two tables; leave out B or the other one"};
+        Source_t first = m_source, second = m_source;
+        first.sample = first.sampleIfNone = false;
+        first.images = {m_pathA};
+        if (!m_pathB.empty()) second.images = {m_pathB};
+        OwnTable_t a, b;
+        if (Take(first, &a) != kExitDone || Take(second, &b) != kExitDone) return kDiffCommand.trouble;
+        const std::vector<Difference_t> differences = CompareTables(a, b);
+        ClOutput output;
+        Write(a, b, differences, *m_format.Chosen().make(output, false));
+        if (!output.Finish()) return kDiffCommand.trouble;
+        return differences.empty() ? kExitDone : kExitNo;
+    }
+
+  private:
+    int Take(const Source_t& from, OwnTable_t* own) const {
+        return ForEachTable(from, kDiffCommand.trouble, [&](ClTable& table) {
+            if (TakeTable(table, m_ignored, own)) return kExitDone;
+            SayError(table.Name(), "too many structures and items to compare; try quorlin check");
+            return kDiffCommand.trouble;
+        });
+    }
+
+    static void Write(const OwnTable_t& a, const OwnTable_t& b, const std::vector<Difference_t>& differences,
+                      ClWriter& writer) {
+        writer.Begin(kList, {
+                                {"a", a.name},
+                                {"b", b.name}
+        });
+        ClColumns* people = writer.People();
+        if (people != nullptr && !differences.empty()) {
+            people->Line(0, "- " + a.name);
+            people->Line(0, "+ " + b.name);
+        }
+        for (const Difference_t& difference : differences)
+            if (people != nullptr)
+                ShowToPeople(difference, *people);
+            else
+                WriteRow(difference, writer);
+        writer.End();
+    }
+
+    Source_t m_source;
+    std::string m_pathA, m_pathB;
+    std::vector<std::string> m_ignored;
+    ClFormatOption m_format{kComparison};
+};
 
 }  // namespace
 
-int RunDiff(const Arguments_t& arguments) {
-    Source_t source;
-    std::string pathA, pathB, formatName = "text";
-    std::vector<std::string> ignored;
-    std::vector<Option_t> options = source.Options();
-    options.push_back({"a", "A", "One table: a dump, a bare table, or a folder of both", &pathA, true});
-    options.push_back({"b", "B", "The other table", &pathB});
-    options.push_back({"--ignore", "KEY", "Leave items of this key out; may be given more than once", &ignored});
-    options.push_back({"--format", "FORMAT", "text (for people), json or csv", &formatName});
-    int exitCode = kExitDone;
-    Format_t format;
-    if (!ParseCommandLine(kDiffUsage, options, arguments, &exitCode) || !source.CheckOne(kDiffUsage, &exitCode) ||
-        !ChooseFormat(kDiffUsage, formatName, kFormats, &format, &exitCode))
-        return exitCode;
-    if (!pathB.empty() && (source.sample || source.sampleIfNone || !source.images.empty())) {
-        SayBadUsage(kDiffUsage, "two tables are enough; leave B or the other out", &exitCode);
-        return exitCode;
-    }
-    OwnTable_t tables[2];
-    const auto take = [&](const Source_t& from, OwnTable_t* own) {
-        return ForEachTable(from, kDiffUsage.trouble, [&](ClTable& table) {
-            if (TakeTable(table, ignored, own)) return kExitDone;
-            SayError(table.Name(),
-                     "more structures and items than can be compared; try check, which says what is wrong");
-            return kDiffUsage.trouble;
-        });
-    };
-    Source_t other = source;
-    source.sample = source.sampleIfNone = false;
-    source.images = {pathA};
-    if (!pathB.empty()) other.images = {pathB};
-    if (take(source, &tables[0]) != kExitDone || take(other, &tables[1]) != kExitDone) return kDiffUsage.trouble;
-    const std::vector<Difference_t> differences = CompareTables(tables[0], tables[1]);
-    ClOutput output;
-    ClJson json(output);
-    if (format == Format_t::kText)
-        ListText(differences, tables[0], tables[1], output);
-    else if (format == Format_t::kCsv)
-        ListCsv(differences, output);
-    else
-        ListJson(differences, tables[0], tables[1], json);
-    if (!output.Finish()) return kDiffUsage.trouble;
-    return differences.empty() ? kExitDone : kExitNo;
-}
+constexpr Command_t kDiffCommand = {
+    .name = "diff",
+    .summary = "what differs between two tables",
+    .description =
+        "Shows what differs between two tables. Structures are matched by type and handle, the others by their "
+        "order. Without B the other table is this machine's, or the one that --sample or --image names.",
+    .footer =
+        "Example: quorlin diff before.bin after.bin --ignore \"Serial Number\"\n"
+        "Exit codes: 0 the same, 1 different, 2 bad usage, no table or an unreadable one.",
+    .trouble = kExitTrouble,
+    .make = MakeCommand<ClDiff>,
+};

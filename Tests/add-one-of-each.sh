@@ -1,0 +1,120 @@
+#!/bin/bash
+# Adds a structure type, an output format and a command to a copy of the tree, each by the files that CONTRIBUTING.md
+# lists, builds the program and looks for them in its output, its help and its completions.
+#
+#     add-one-of-each.sh SOURCE BUILD
+set -eu
+source=$1 work=$2/add-one-of-each
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+rm -rf "$work/tree"
+mkdir -p "$work/tree"
+if git -C "$source" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+    git -C "$source" ls-files -z
+else
+    (cd "$source" && find . -path ./build -prune -o -type f -print0)
+fi | (cd "$source" && xargs -0 sh -c 'for file; do [ ! -e "$file" ] || printf "%s\0" "$file"; done' sh |
+    tar -c --null -T - -f -) | tar -x -C "$work/tree"
+cd "$work/tree"
+
+# A format: one file and one row.
+cat >Tools/quorlin/Formats/Dummy.cpp <<'CPP'
+#include "Tools/quorlin/Formats.h"
+
+namespace {
+
+class ClDummyWriter : public ClWriter {
+  public:
+    using ClWriter::ClWriter;
+    void Begin(const List_t& list, const Members_t&) override { m_output << list.name << "\n"; }
+    void Row(std::initializer_list<Cell_t> cells, std::span<const Row_t>) override {
+        for (const Cell_t& cell : cells)
+            if (const auto* text = std::get_if<std::string_view>(&cell)) m_output << "<" << *text << ">";
+        m_output << "\n";
+    }
+};
+
+std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique<ClDummyWriter>(output); }
+
+}  // namespace
+
+constexpr Format_t kDummyFormat = {
+    .name = {"dummyformat", "for a test"},
+    .contents = kAnyContent,
+    .takesMany = false,
+    .reportsErrors = false,
+    .isSweep = false,
+    .make = Make,
+};
+CPP
+echo 'FORMAT(Dummy)' >>Tools/quorlin/Formats.inc
+
+# A command: one file and one row.
+cat >Tools/quorlin/Commands/Dummy.cpp <<'CPP'
+#include "Tools/quorlin/Commands.h"
+#include "Tools/quorlin/Formats.h"
+
+namespace {
+
+constexpr Column_t kColumns[] = {{"name", "Name"}};
+constexpr List_t kList = {.name = "names", .columns = kColumns};
+
+class ClDummy : public ClCommand {
+  public:
+    std::vector<Option_t> Options() override {
+        std::vector<Option_t> options = m_source.OptionsForMany();
+        options.push_back(m_format.Option());
+        return options;
+    }
+    int Run() override {
+        m_source.Check();
+        m_format.Check(m_source);
+        return WriteTables(m_source, m_format.Chosen(), kList, kExitNoTable, [](ClTable& table, ClWriter& writer) {
+            writer.Row({table.Name()});
+            return kExitDone;
+        });
+    }
+
+  private:
+    Source_t m_source;
+    ClFormatOption m_format{kTableRows};
+};
+
+}  // namespace
+
+constexpr Command_t kDummyCommand = {
+    .name = "dummycommand",
+    .summary = "a command of a test",
+    .description = "Names a table.",
+    .footer = "",
+    .trouble = kExitNoTable,
+    .make = MakeCommand<ClDummy>,
+};
+CPP
+echo 'COMMAND(Dummy)' >>Tools/quorlin/Commands.inc
+
+# A structure type: its file and its row belong here.
+
+command -v ccache >/dev/null && launcher=-DCMAKE_CXX_COMPILER_LAUNCHER=ccache
+CCACHE_BASEDIR=$PWD nice cmake -S . -B "$work/build" -G Ninja ${launcher-} -DCMAKE_BUILD_TYPE=Debug \
+    -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DQUORLIN_TESTS=OFF >/dev/null
+CCACHE_BASEDIR=$PWD nice cmake --build "$work/build" --target quorlin_program quorlin_completions >"$work/log" ||
+    { cat "$work/log"; fail "it doesn't build"; }
+
+program=$work/build/bin/quorlin
+expect() { # what is expected, in which text
+    grep -q -- "$1" <<<"$2" || fail "no '$1' in: $2"
+}
+expect "^sample$" "$("$program" dummycommand --sample)"
+expect '"names":\[{"name":"sample"}\]' "$("$program" dummycommand --sample --format json)"
+expect "^<sample>" "$("$program" dummycommand --sample --format dummyformat)"
+expect "<Manufacturer><Halvorsen Systems>" "$("$program" --sample --type 1 --format dummyformat)"
+expect "dummycommand  *a command of a test" "$("$program" --help)"
+expect "dummyformat (for a test)" "$("$program" find --help)"
+for shell in bash zsh fish; do
+    for word in dummycommand dummyformat; do
+        grep -q "$word" "$work/build/completions/quorlin.$shell" || fail "$shell doesn't complete $word"
+    done
+done

@@ -1,0 +1,57 @@
+// The output formats. Each is one file in Formats and one row in Formats.inc.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "Tools/quorlin/CommandLine.h"
+#include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Table.h"
+#include "Tools/quorlin/Writer.h"
+
+// What a command writes. A format says which of them it can write.
+enum Content_t : uint8_t {
+    kStructures = 1,
+    kTableRows = 2,   // rows or items, in a document for each table
+    kComparison = 4,  // rows in one document on several tables
+    kAnyContent = 7,
+};
+
+struct Format_t {
+    Choice_t name;       // with its remark in help texts
+    uint8_t contents;    // bits of Content_t
+    bool takesMany;      // documents of several tables may follow each other
+    bool reportsErrors;  // remarks and tables that can't be read are in the output, so standard error doesn't have them
+    bool isSweep;        // shows only what the library's own sweep gives
+    // hasMany tells whether there are several tables, so that documents have to name theirs.
+    std::unique_ptr<ClWriter> (*make)(ClOutput& output, bool hasMany);
+};
+
+#define FORMAT(name) extern const Format_t k##name##Format;
+#include "Tools/quorlin/Formats.inc"
+#undef FORMAT
+
+// A command's --format option.
+class ClFormatOption {
+  public:
+    explicit ClFormatOption(Content_t content) : m_content(content) {}
+
+    // It points to this object.
+    Option_t Option();
+    const Format_t& Chosen() const;
+    // Throws BadUsage_t if there are several tables and the format takes only one.
+    void Check(const Source_t& source) const;
+
+  private:
+    Content_t m_content;
+    std::string m_name;
+    std::vector<Choice_t> m_choices;
+};
+
+// Writes a document for each table of `source`, whose list `work` fills in; returns the exit code. `trouble` is that of
+// a table that can't be read and of output that can't be written.
+int WriteTables(const Source_t& source, const Format_t& format, const List_t& list, int trouble,
+                const std::function<int(ClTable& table, ClWriter& writer)>& work);

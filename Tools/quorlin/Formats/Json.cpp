@@ -1,0 +1,253 @@
+// JSON, valid whatever bytes a table holds: one document, or a line for each table (NDJSON).
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <cstring>
+
+#include "Tools/quorlin/Formats.h"
+#include "Tools/quorlin/Text.h"
+
+namespace {
+
+// JSON pieces. Invalid UTF-8 is replaced by U+FFFD; the functions that write text return whether they replaced any.
+class ClJson {
+  public:
+    explicit ClJson(ClOutput& output) : m_output(output), m_writer(m_buffer) {}
+
+    void BeginObject() { m_writer.StartObject(); }
+    void EndObject() {
+        m_writer.EndObject();
+        FlushIfLarge();
+    }
+    void BeginList(const char* name) {
+        Name(name);
+        m_writer.StartArray();
+    }
+    void EndList() { m_writer.EndArray(); }
+
+    // A name of our own: printable ASCII without quotes.
+    void Name(std::string_view name) { Quoted(name); }
+    bool Text(std::string_view text) {
+        if (IsPlainJson(text)) {
+            Quoted(text);
+            return false;
+        }
+        std::string escaped;
+        const bool isReplaced = AppendJson(escaped, text);
+        Quoted(escaped);
+        return isReplaced;
+    }
+    void Number(uint64_t number) { m_writer.Uint64(number); }
+    void Truth(bool truth) { m_writer.Bool(truth); }
+
+    void Member(std::string_view name, uint64_t number) { Name(name), Number(number); }
+    bool Member(std::string_view name, std::string_view text) { return Name(name), Text(text); }
+    // "replaced": true, if so.
+    void MarkReplaced(bool isReplaced) {
+        if (isReplaced) Name("replaced"), Truth(true);
+    }
+
+    // {"key": KEY, "value": VALUE}, with "replaced" for either.
+    void Pair(std::string_view key, std::string_view value) {
+        if (IsPlainJson(key) && IsPlainJson(value)) {
+            // Most pairs, in one step.
+            constexpr std::string_view kBegin = R"({"key":")", kMiddle = R"(","value":")", kEnd = R"("})";
+            Separate(rapidjson::kObjectType);
+            char* at = m_buffer.Push(kBegin.size() + key.size() + kMiddle.size() + value.size() + kEnd.size());
+            Copy(kEnd, Copy(value, Copy(kMiddle, Copy(key, Copy(kBegin, at)))));
+            FlushIfLarge();
+            return;
+        }
+        BeginObject();
+        const bool keyReplaced = Member("key", key), valueReplaced = Member("value", value);
+        MarkReplaced(keyReplaced || valueReplaced);
+        EndObject();
+    }
+
+    // Starts a new line inside a document, for human readers.
+    void Break() { m_buffer.Put('\n'); }
+    // Ends a document and its line.
+    void End() {
+        m_buffer.Put('\n');
+        Flush();
+        m_writer.Reset(m_buffer);
+    }
+
+  private:
+    static bool IsPlainJson(std::string_view text) { return IsPlain(text, '"', '\\'); }
+
+    // Writes the comma or colon that a value of this type needs before it, and counts the value.
+    void Separate(rapidjson::Type type) { m_writer.RawValue("", 0, type); }
+
+    void Quoted(std::string_view escaped) {
+        Separate(rapidjson::kStringType);
+        char* at = m_buffer.Push(escaped.size() + 2);
+        Copy("\"", Copy(escaped, Copy("\"", at)));
+    }
+
+    // Returns the place after the copy.
+    static char* Copy(std::string_view text, char* at) {
+        if (!text.empty()) std::memcpy(at, text.data(), text.size());
+        return at + text.size();
+    }
+
+    void FlushIfLarge() {
+        if (m_buffer.GetSize() >= kLarge) Flush();
+    }
+    void Flush() {
+        m_output << std::string_view(m_buffer.GetString(), m_buffer.GetSize());
+        m_buffer.Clear();
+    }
+
+    static constexpr size_t kLarge = 64u << 10;
+
+    ClOutput& m_output;
+    rapidjson::StringBuffer m_buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> m_writer;
+};
+
+class ClJsonWriter : public ClWriter {
+  public:
+    ClJsonWriter(ClOutput& output, bool isLine) : ClWriter(output), m_json(output), m_isLine(isLine) {}
+
+    void Begin(const List_t& list, const Members_t& members) override {
+        m_list = &list;
+        m_json.BeginObject();
+        for (const auto& [name, text] : members) m_json.Member(name, text);
+        m_json.BeginList(list.name);
+    }
+
+    void End() override {
+        m_json.EndList();
+        m_json.EndObject();
+        m_json.End();
+    }
+
+    void Row(std::initializer_list<Cell_t> cells, std::span<const Row_t> inner) override {
+        m_json.BeginObject();
+        PutCells(cells);
+        if (m_list->innerName != nullptr) {
+            m_json.BeginList(m_list->innerName);
+            for (const Row_t& row : inner) {
+                m_json.BeginObject();
+                PutCells(row);
+                m_json.EndObject();
+            }
+            m_json.EndList();
+        }
+        m_json.EndObject();
+    }
+
+    void Structure(const Structure_t& structure) override {
+        if (!m_isLine) m_json.Break();
+        m_json.BeginObject();
+        PutStructureMembers(structure);
+        if (structure.isUndecoded)
+            PutBytesAndStrings(structure);
+        else
+            PutItems(structure);
+        m_json.EndObject();
+    }
+
+    void Hits(const Structure_t& structure, std::span<const Hit_t> hits) override {
+        for (const Hit_t& hit : hits) {
+            m_json.BeginObject();
+            PutStructureMembers(structure);
+            if (!hit.group.empty()) m_json.Member("group", hit.group);
+            m_json.Name("item");
+            m_json.Pair(hit.item.key, hit.item.value);
+            m_json.EndObject();
+        }
+    }
+
+    void Failed(std::string_view source, std::string_view error) override {
+        m_json.BeginObject();
+        m_json.Member("source", source);
+        m_json.Member("error", error);
+        m_json.EndObject();
+        m_json.End();
+    }
+
+  private:
+    void PutCells(std::span<const Cell_t> cells) {
+        const Column_t* column = m_list->columns.data();
+        for (const Cell_t& cell : cells) {
+            const char* name = column++->name;
+            if (cell.index() == 0) continue;
+            m_json.Name(name);
+            if (const auto* text = std::get_if<std::string_view>(&cell)) m_json.Text(*text);
+            if (const auto* number = std::get_if<uint64_t>(&cell)) m_json.Number(*number);
+            if (const auto* truth = std::get_if<bool>(&cell)) m_json.Truth(*truth);
+        }
+    }
+
+    void PutStructureMembers(const Structure_t& structure) {
+        m_json.Member("type", structure.type);
+        m_json.Member("handle", structure.handle);
+        m_json.Member("instance", structure.instance);
+        m_json.MarkReplaced(m_json.Member("title", structure.title));
+    }
+
+    void PutItems(const Structure_t& structure) {
+        bool isInGroup = false;
+        const auto endGroup = [&] {
+            if (!isInGroup) return;
+            m_json.EndList();
+            m_json.EndObject();
+        };
+        m_json.BeginList("items");
+        for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+            const ShownItem_t item = structure.Item(index);
+            if (!item.opensGroup) {
+                m_json.Pair(item.key, item.value);
+                continue;
+            }
+            endGroup();
+            isInGroup = true;
+            m_json.BeginObject();
+            m_json.MarkReplaced(m_json.Member("group", item.key));
+            m_json.BeginList("items");
+        }
+        endGroup();
+        m_json.EndList();
+    }
+
+    // For a structure without items of its own: they are its bytes and then its strings.
+    void PutBytesAndStrings(const Structure_t& structure) {
+        m_json.Member("bytes", HexDigits(structure.Bytes()));
+        m_json.BeginList("strings");
+        bool isReplaced = false;
+        for (size_t index = structure.firstItem + 1; index < structure.EndItem(); index++)
+            isReplaced |= m_json.Text(structure.Item(index).value);
+        m_json.EndList();
+        m_json.MarkReplaced(isReplaced);
+    }
+
+    ClJson m_json;
+    bool m_isLine;
+    const List_t* m_list = nullptr;
+};
+
+std::unique_ptr<ClWriter> MakeJson(ClOutput& output, bool) { return std::make_unique<ClJsonWriter>(output, false); }
+
+std::unique_ptr<ClWriter> MakeNdjson(ClOutput& output, bool) { return std::make_unique<ClJsonWriter>(output, true); }
+
+}  // namespace
+
+constexpr Format_t kJsonFormat = {
+    .name = {"json"},
+    .contents = kAnyContent,
+    .takesMany = false,
+    .reportsErrors = false,
+    .isSweep = false,
+    .make = MakeJson,
+};
+
+constexpr Format_t kNdjsonFormat = {
+    .name = {"ndjson"},
+    .contents = kStructures | kTableRows,
+    .takesMany = true,
+    .reportsErrors = true,
+    .isSweep = false,
+    .make = MakeNdjson,
+};

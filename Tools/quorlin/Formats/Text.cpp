@@ -1,0 +1,80 @@
+// Text for people: headings, and keys and values in columns.
+#include "Tools/quorlin/Text.h"
+#include "Tools/quorlin/Formats.h"
+
+namespace {
+
+class ClTextWriter : public ClWriter {
+  public:
+    explicit ClTextWriter(ClOutput& output) : ClWriter(output), m_columns(output) {}
+
+    void Begin(const List_t& list, const Members_t&) override {
+        m_list = &list;
+        std::string line;
+        for (const Column_t& column : list.columns)
+            if (column.heading != nullptr) line.append(line.empty() ? "" : "  ").append(column.heading);
+        if (!line.empty()) m_columns.Line(0, line);
+    }
+
+    // Numbers end where their heading ends.
+    void Row(std::initializer_list<Cell_t> cells, std::span<const Row_t>) override {
+        std::string line;
+        const Column_t* column = m_list->columns.data();
+        for (const Cell_t& cell : cells) {
+            const char* heading = column++->heading;
+            if (heading == nullptr) continue;
+            if (!line.empty()) line += "  ";
+            if (const auto* text = std::get_if<std::string_view>(&cell)) line += *text;
+            if (const auto* truth = std::get_if<bool>(&cell)) line += *truth ? "yes" : "no";
+            if (const auto* number = std::get_if<uint64_t>(&cell)) {
+                const std::string digits = std::to_string(*number);
+                const size_t width = std::string_view(heading).size();
+                line.append(width - std::min(width, digits.size()), ' ').append(digits);
+            }
+        }
+        if (!line.empty()) m_columns.Line(0, line);
+    }
+
+    void Structure(const Structure_t& structure) override {
+        if (const std::string heading = structure.Heading(); !heading.empty()) m_columns.Heading(heading);
+        size_t indent = 2;
+        for (size_t index = structure.firstItem; index < structure.EndItem(); index++) {
+            const ShownItem_t item = structure.Item(index);
+            if (!item.opensGroup) {
+                m_columns.Pair(item.key, item.value);
+                continue;
+            }
+            m_columns.Finish(indent);
+            m_columns.Line(2, item.key);
+            indent = 4;
+        }
+        m_columns.Finish(indent);
+    }
+
+    void Hits(const Structure_t& structure, std::span<const Hit_t> hits) override {
+        const std::string heading = structure.Heading();
+        m_columns.Heading(heading.empty() ? std::string(structure.title) + ", handle " + HandleText(structure.handle)
+                                          : heading);
+        for (const Hit_t& hit : hits) m_columns.Pair(hit.item.key, hit.item.value);
+        m_columns.Finish(2);
+    }
+
+    ClColumns* People() override { return &m_columns; }
+
+  private:
+    ClColumns m_columns;
+    const List_t* m_list = nullptr;
+};
+
+std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique<ClTextWriter>(output); }
+
+}  // namespace
+
+constexpr Format_t kTextFormat = {
+    .name = {"text", "for people"},
+    .contents = kAnyContent,
+    .takesMany = false,
+    .reportsErrors = false,
+    .isSweep = false,
+    .make = Make,
+};
