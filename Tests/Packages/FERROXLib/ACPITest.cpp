@@ -7,29 +7,6 @@ namespace {
 
 using ACPI = ClLibraryTest;
 
-struct Entry_t {
-    uint64_t base;
-    uint16_t segment;
-    uint8_t startBus, endBus;
-};
-
-// An MCFG table with these entries; `length` is what it says of itself, 0 for the truth.
-std::vector<uint8_t> MCFG(const std::vector<Entry_t>& entries, uint32_t length = 0) {
-    std::vector<uint8_t> table(44);
-    table[0] = 'M';
-    const auto put = [&table](size_t place, uint64_t number, size_t size) {
-        for (size_t byte = 0; byte < size; ++byte) table[place + byte] = static_cast<uint8_t>(number >> 8 * byte);
-    };
-    for (const auto& entry : entries) {
-        const size_t place = table.size();
-        table.resize(place + 16, 0xAA);
-        put(place, entry.base, 8);
-        put(place + 8, entry.segment | uint64_t{entry.startBus} << 16 | uint64_t{entry.endBus} << 24, 4);
-    }
-    put(4, length == 0 ? table.size() : length, 4);
-    return table;
-}
-
 }  // namespace
 
 TEST_F(ACPI, TableIntoANewBlock) {
@@ -37,7 +14,7 @@ TEST_F(ACPI, TableIntoANewBlock) {
     DataBuffer_t* table = nullptr;
     ASSERT_EQ(GetACPITable("FACP", &table), kSuccess);
     EXPECT_EQ(table->Size, 5u);
-    EXPECT_EQ(Hex(table->Data(), 5), "01 02 03 04 05");
+    EXPECT_EQ(Hex({table->Data(), 5}), "01 02 03 04 05");
     os_FreeBlock(table);
 
     table = nullptr;
@@ -120,7 +97,7 @@ TEST_F(ACPI, TableIntoTheCallersBuffer) {
 }
 
 TEST_F(ACPI, SegmentsOfMCFG) {
-    const Entry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
+    const SegmentEntry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
     const struct {
         const char* what;
         size_t entries;   // that the table has room for

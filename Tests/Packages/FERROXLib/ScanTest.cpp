@@ -52,10 +52,10 @@ TEST_F(Scan, FindsBothAnchorsWhereverTheyStand) {
         EXPECT_EQ(Machine().requests.size(), c.reads) << c.what;
         EXPECT_EQ(found.image != nullptr, c.status == kSuccess) << c.what;
         if (c.status != kSuccess) continue;
-        EXPECT_EQ(Hex(found.entry, kEntryBufferSize), "5f 53 4d 5f 00 1f 02 08 09 0a 0b 0c 0d 0e 0f 10") << c.what;
-        EXPECT_EQ(Hex(found.dmiEntry, kDMIEntryBufferSize), "5f 44 4d 49 5f 00 05 00 00 f0 09 00 01 00 28") << c.what;
+        EXPECT_EQ(Hex(found.entry), "5f 53 4d 5f 00 1f 02 08 09 0a 0b 0c 0d 0e 0f 10") << c.what;
+        EXPECT_EQ(Hex(found.dmiEntry), "5f 44 4d 49 5f 00 05 00 00 f0 09 00 01 00 28") << c.what;
         EXPECT_EQ(found.image->Length, 5u) << c.what;
-        EXPECT_EQ(Hex(found.image->Data(), 5), "00 01 02 03 04") << c.what;  // memory reads as its address
+        EXPECT_EQ(Hex({found.image->Data(), 5}), "00 01 02 03 04") << c.what;  // memory reads as its address
         EXPECT_EQ(Machine().requests.back().Number(8, 8), kTable) << c.what;
     }
 }
