@@ -31,6 +31,15 @@ std::string ClScriptedWindows::Open() const {
     return text;
 }
 
+std::string ClScriptedWindows::State() const {
+    std::string text = !service.exists                         ? "no service"
+                       : service.state == SERVICE_RUNNING      ? "running"
+                       : service.state == SERVICE_STOP_PENDING ? "stopping"
+                                                               : "stopped";
+    if (SharedCount()) text += ", count " + std::to_string(*SharedCount());
+    return m_handles.empty() ? text : text + ", " + Open();
+}
+
 bool ClScriptedWindows::Called(const std::string& function) const {
     return std::ranges::find(calls, function + "#1") != calls.end();
 }

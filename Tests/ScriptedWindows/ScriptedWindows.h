@@ -74,8 +74,10 @@ class ClScriptedWindows {
     int badCloses = 0;     // closes and unmaps of what isn't open
     LPVOID sectionSecurity = nullptr;
 
-    // Handles, views and keys that are open, by kind; for a message when there should be none.
+    // Handles, views and keys that are open, by kind.
     std::string Open() const;
+    // The service, the machine-wide count and what is open: "running, count 1, section view device ".
+    std::string State() const;
     bool Called(const std::string& function) const;
     bool Traced(uint32_t level, const std::string& text) const;
 
