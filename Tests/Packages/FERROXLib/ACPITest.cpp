@@ -1,4 +1,4 @@
-// ACPI tables, PCI segments, and extended configuration space behind them.
+// ACPI tables, PCI segments, and the extended configuration space that they locate.
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/OS.h"
 #include "Tests/Packages/FERROXLib/Library.h"
@@ -40,8 +40,8 @@ TEST_F(ACPI, ListOfTables) {
     EXPECT_EQ(os_ListACPITables(), (std::vector<uint32_t>{0x43495041, 0x50434146}));
 }
 
-// The size is what the second look gave, and never more than there is room for.
-TEST_F(ACPI, TableThatChangesBetweenTheLooks) {
+// The second query gives the size, which is never more than the buffer has room for.
+TEST_F(ACPI, TableThatChangesBetweenTheQueries) {
     Machine().tables["FACP"] = {1, 2, 3, 4, 5};
     const struct {
         const char* what;
@@ -100,8 +100,8 @@ TEST_F(ACPI, SegmentsOfMCFG) {
     const SegmentEntry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
     const struct {
         const char* what;
-        size_t entries;   // that the table has room for
-        uint32_t length;  // that it says it has; 0 for the truth
+        size_t entries;   // in the table
+        uint32_t length;  // that its header states; 0 for the true one
         status_t status;
         uint32_t count;
     } kCases[] = {
@@ -116,7 +116,7 @@ TEST_F(ACPI, SegmentsOfMCFG) {
     };
     for (const auto& c : kCases) {
         Machine().tables["MCFG"] = MCFG(std::vector(c.entries, kSegment), c.length);
-        // As large as the table's count of entries, so that the sanitizers see one too many.
+        // Without spare entries, so that the sanitizers detect one too many.
         std::vector<SegBusInfo_t> segments(std::max(c.count, 1u));
         uint32_t count = 99;
         EXPECT_EQ(OSGetSegBusInfoWithCount(segments.data(), &count), c.status) << c.what;
@@ -129,7 +129,7 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         EXPECT_EQ(uint32_t{last.SegmentCount}, c.count) << c.what;
     }
     SegBusInfo_t segment = {};
-    Machine().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // no whole header
+    Machine().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // the header is cut
     EXPECT_EQ(GetSegBusInfo(&segment), kFailure);
     EXPECT_TRUE(Machine().Traced(2, "Total Number of segments = 256"));
     EXPECT_TRUE(
@@ -146,7 +146,7 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
     Machine().tables["MCFG"] = MCFG({
         {0xE0000000, 0, 0, 255}
     });
-    Machine().tableAnswers = {44, 44, 60};  // grown at the third look
+    Machine().tableAnswers = {44, 44, 60};  // larger at the third query
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kBadValue);
     EXPECT_TRUE(Machine().Traced(16, "ERROR in OSGetSegBusInfo status =  2"));
     ClScriptedWindows::failAllocationOf = 64;

@@ -141,6 +141,14 @@ TEST_F(LifeCycle, FailedOpenKeepsAServiceOfOthersAndStopsWhatItStarted) {
 
 TEST_F(LifeCycle, StopWaitsATenthOfTheHintAndAFailedOneLeavesSectionAndView) {
     constexpr DWORD kPending = SERVICE_STOP_PENDING, kRunning = SERVICE_RUNNING, kStopped = SERVICE_STOPPED;
+    constexpr const char *kStopFailed = "OSFERROXTerminate: StopDriver failed",
+                         *kRemoveFailed = "OSFERROXTerminate: RemoveDriver failed",
+                         *kWasStopped = "StopDriver: Service is already stopped.\n",
+                         *kIsPending = "StopDriver: Service stop pending...\n",
+                         *kWaited = "StopDriver: Service stopped.\n",
+                         *kRunsOn = "StopDriver: Service has not stopped \n",
+                         *kRefused = "StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n",
+                         *kLocked = "StopDriver: Could not unlock file : Ravelink.sys \n";
     const struct {
         const char *line, *failing;
         DWORD hint;
@@ -149,22 +157,22 @@ TEST_F(LifeCycle, StopWaitsATenthOfTheHintAndAFailedOneLeavesSectionAndView) {
         size_t controls;
         status_t status;
     } kCases[] = {
-        {"StopDriver: Service is already stopped.\n",                  "",                       0,      {kStopped},           {},                       0, 1},
-        {"StopDriver: Service stopped.\n",                             "",                       0,      {kPending, kStopped}, {1000},                   0, 1},
-        {"StopDriver: Service stopped.\n",                             "",                       200,    {kPending, kStopped}, {1000},                   0, 1},
-        {"StopDriver: Service stopped.\n",                             "",                       25000,  {kPending, kStopped}, {2500},                   0, 1},
-        {"StopDriver: Service stopped.\n",                             "",                       200000, {kPending, kStopped}, {10000},                  0, 1},
-        {"StopDriver: Service stop pending...\n",                      "",                       0,      {kPending, kRunning}, {1000},                   1, 1},
-        {"OSFERROXTerminate: StopDriver failed",                       "",                       90000,  {kPending},           {9000, 9000, 9000, 9000}, 0, 5},
-        {"StopDriver: Service has not stopped \n",                     "",                       0,      {kRunning, kRunning}, {},                       1, 5},
-        {"OSFERROXTerminate: StopDriver failed",                       "OpenSCManagerA#3",       0,      {},                   {},                       0, 5},
-        {"OSFERROXTerminate: StopDriver failed",                       "OpenServiceA#3",         0,      {},                   {},                       0, 5},
-        {"OSFERROXTerminate: StopDriver failed",                       "QueryServiceStatusEx#1", 0,      {},                   {},                       0, 5},
-        {"StopDriver: ControlService SERVICE_CONTROL_STOP failed 5\n", "ControlService#1",       0,      {},                   {},                       0, 5},
-        {"OSFERROXTerminate: StopDriver failed",                       "QueryServiceStatusEx#2", 0,      {},                   {},                       1, 5},
-        {"StopDriver: Could not unlock file : Ravelink.sys \n",        "CloseHandle file#1",     0,      {},                   {},                       1, 5},
-        {"OSFERROXTerminate: RemoveDriver failed",                     "OpenServiceA#4",         0,      {},                   {},                       1, 5},
-        {"OSFERROXTerminate: RemoveDriver failed",                     "DeleteService#1",        0,      {},                   {},                       1, 5},
+        {kWasStopped,   "",                       0,      {kStopped},           {},                       0, 1},
+        {kWaited,       "",                       0,      {kPending, kStopped}, {1000},                   0, 1},
+        {kWaited,       "",                       200,    {kPending, kStopped}, {1000},                   0, 1},
+        {kWaited,       "",                       25000,  {kPending, kStopped}, {2500},                   0, 1},
+        {kWaited,       "",                       200000, {kPending, kStopped}, {10000},                  0, 1},
+        {kIsPending,    "",                       0,      {kPending, kRunning}, {1000},                   1, 1},
+        {kStopFailed,   "",                       90000,  {kPending},           {9000, 9000, 9000, 9000}, 0, 5},
+        {kRunsOn,       "",                       0,      {kRunning, kRunning}, {},                       1, 5},
+        {kStopFailed,   "OpenSCManagerA#3",       0,      {},                   {},                       0, 5},
+        {kStopFailed,   "OpenServiceA#3",         0,      {},                   {},                       0, 5},
+        {kStopFailed,   "QueryServiceStatusEx#1", 0,      {},                   {},                       0, 5},
+        {kRefused,      "ControlService#1",       0,      {},                   {},                       0, 5},
+        {kStopFailed,   "QueryServiceStatusEx#2", 0,      {},                   {},                       1, 5},
+        {kLocked,       "CloseHandle file#1",     0,      {},                   {},                       1, 5},
+        {kRemoveFailed, "OpenServiceA#4",         0,      {},                   {},                       1, 5},
+        {kRemoveFailed, "DeleteService#1",        0,      {},                   {},                       1, 5},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(std::string(c.line) + " " + c.failing + " " + std::to_string(c.hint));
@@ -180,7 +188,7 @@ TEST_F(LifeCycle, StopWaitsATenthOfTheHintAndAFailedOneLeavesSectionAndView) {
         if (c.status != kSuccess) {
             EXPECT_TRUE(Machine().service.exists);
             // The driver's file is unlocked once the driver has stopped.
-            const bool isStopped = Traced("OSFERROXTerminate: RemoveDriver failed");
+            const bool isStopped = Traced(kRemoveFailed);
             EXPECT_EQ(Machine().Open(), isStopped ? "section view " : "section view file ");
             EXPECT_EQ(Machine().SharedCount(), 0u);
             EXPECT_EQ(FERROXTerminate(), kFailure) << "the library is closed nevertheless";

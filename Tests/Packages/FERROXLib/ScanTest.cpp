@@ -1,4 +1,4 @@
-// The second access method for the table: the scan of the BIOS area.
+// The scan of the BIOS area, the second access method for the table.
 #include <cstring>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -24,7 +24,7 @@ struct Found_t {
 
 }  // namespace
 
-TEST_F(Scan, FindsBothAnchorsWhereverTheyStand) {
+TEST_F(Scan, FindsBothAnchorsAnywhereInTheArea) {
     const struct {
         const char* what;
         std::vector<uint64_t> entries, dmis;
@@ -70,7 +70,7 @@ TEST_F(Scan, LaterFindOverwritesWhileTheOtherIsMissing) {
     EXPECT_EQ(found.entry[7], 6);
 }
 
-// The system tells no map of its memory here, but nothing that an entry point names lies at or above 4 GiB.
+// Windows gives no map of its memory, but no table is at or above 4 GiB.
 TEST_F(Scan, ReadsNoTableThatIsNotInMemory) {
     const struct {
         const char* what;
@@ -94,7 +94,7 @@ TEST_F(Scan, ReadsNoTableThatIsNotInMemory) {
         const Found_t found;
         UseHardware(kThisHardware);
         EXPECT_EQ(found.status, c.status) << c.what;
-        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 2u : 1u) << c.what << ": the table is not touched";
+        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 2u : 1u) << c.what << ": the table is not read";
     }
 }
 
