@@ -72,6 +72,10 @@ bool ClScriptedWindows::Call(const char* function, DWORD error) {
     return Fail(error) != FALSE;
 }
 
+bool ClScriptedWindows::Call(const char* function, HANDLE handle, const char* kind) {
+    return Call(function) && (IsOpen(handle, kind) || Fail(ERROR_INVALID_HANDLE) != FALSE);
+}
+
 HANDLE ClScriptedWindows::Add(const char* kind) {
     m_nextHandle += 16;
     const HANDLE handle = reinterpret_cast<HANDLE>(m_nextHandle);

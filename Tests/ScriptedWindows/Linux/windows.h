@@ -5,26 +5,20 @@
 #include <cstddef>
 #include <cstdint>
 
-using BOOL = int;
-using BYTE = uint8_t;
-using WORD = uint16_t;
-using DWORD = uint32_t;
-using UINT = uint32_t;
-using LSTATUS = int32_t;
-using SIZE_T = size_t;
-using PVOID = void*;
-using LPVOID = void*;
-using LPCVOID = const void*;
-using LPBYTE = BYTE*;
-using LPDWORD = DWORD*;
-using HANDLE = void*;
-using LPSTR = char*;
-using LPCSTR = const char*;
-using HKEY = struct HKEY__*;
-using SC_HANDLE = struct SC_HANDLE__*;
-using PHKEY = HKEY*;
-using REGSAM = DWORD;
-using LPOVERLAPPED = struct OVERLAPPED*;
+typedef int BOOL;
+typedef uint8_t BYTE, *LPBYTE;
+typedef uint16_t WORD;
+typedef uint32_t DWORD, UINT, REGSAM, *LPDWORD;
+typedef int32_t LSTATUS;
+typedef size_t SIZE_T;
+typedef void *HANDLE, *PVOID, *LPVOID, *PSECURITY_DESCRIPTOR;
+typedef const void* LPCVOID;
+typedef char* LPSTR;
+typedef const char* LPCSTR;
+typedef struct HKEY__ *HKEY, **PHKEY;
+typedef struct SC_HANDLE__* SC_HANDLE;
+typedef struct OVERLAPPED* LPOVERLAPPED;
+typedef struct ACL* PACL;
 
 #define TRUE 1
 #define FALSE 0
@@ -46,41 +40,33 @@ constexpr DWORD KEY_ALL_ACCESS = 0x000F003F, KEY_READ = 0x00020019;
 constexpr WORD ALL_PROCESSOR_GROUPS = 0xFFFF;
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<intptr_t>(static_cast<int32_t>(0x80000002u))))
 
-using PSECURITY_DESCRIPTOR = PVOID;
-using PACL = struct ACL*;
-
 struct SECURITY_DESCRIPTOR {
     PVOID Words[5];
 };
 
-struct SECURITY_ATTRIBUTES {
+typedef struct SECURITY_ATTRIBUTES {
     DWORD nLength;
     PVOID lpSecurityDescriptor;
     BOOL bInheritHandle;
-};
-
-using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
+} * LPSECURITY_ATTRIBUTES;
 
 enum SC_STATUS_TYPE { SC_STATUS_PROCESS_INFO = 0 };
 
-struct SERVICE_STATUS {
+typedef struct SERVICE_STATUS {
     DWORD Words[7];
-};
+} * LPSERVICE_STATUS;
 
 struct SERVICE_STATUS_PROCESS {
     DWORD dwServiceType, dwCurrentState, dwControlsAccepted, dwWin32ExitCode, dwServiceSpecificExitCode, dwCheckPoint;
     DWORD dwWaitHint, dwProcessId, dwServiceFlags;
 };
 
-struct QUERY_SERVICE_CONFIGA {
+typedef struct QUERY_SERVICE_CONFIGA {
     DWORD dwServiceType, dwStartType, dwErrorControl;
     LPSTR lpBinaryPathName, lpLoadOrderGroup;
     DWORD dwTagId;
     LPSTR lpDependencies, lpServiceStartName, lpDisplayName;
-};
-
-using LPSERVICE_STATUS = SERVICE_STATUS*;
-using LPQUERY_SERVICE_CONFIGA = QUERY_SERVICE_CONFIGA*;
+} * LPQUERY_SERVICE_CONFIGA;
 
 struct GROUP_AFFINITY {
     uintptr_t Mask;
