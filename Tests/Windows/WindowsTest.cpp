@@ -163,7 +163,7 @@ class Driver : public testing::Test {
     void TearDown() override {
         SetMachine(ThisMachine());
         RemoveService();
-        RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings);
+        RemoveSettings();
     }
     static void SetValue(const char* name, DWORD type, const void* bytes, size_t size) {
         HKEY key;
@@ -175,6 +175,7 @@ class Driver : public testing::Test {
     static void SetDriverPath(const std::string& path) {
         SetValue("FERROXDrvPath", REG_SZ, path.c_str(), path.size() + 1);
     }
+    static void RemoveSettings() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); }
     static void SetHypervisor(DWORD present) { SetValue("TestHypervisor", REG_DWORD, &present, sizeof present); }
     static void SetCPUIDAnswers(DWORD count) { SetValue("TestCPUIDAnswers", REG_DWORD, &count, sizeof count); }
     static void ExpectNothingLeft() {
@@ -298,15 +299,15 @@ TEST_F(Driver, AnAutoLoadedServiceIsLeftAlone) {
 
 // The program reads the table without the driver, silently; it fails and names the cause if the driver was asked for.
 TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
+    constexpr char kNoCPUID[] = "its driver fails at the CPUID instruction";
     const struct {
-        const char* what;
+        const char *what, *cause;
         std::function<void()> prepare;
-        const char* cause;
     } kCases[] = {
-        {"no file",                [] { SetDriverPath(FullPath("no-such-driver.sys")); }, "its driver can't be started"              },
-        {"not installed",          [] { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); },  "the driver Ravelink isn't installed"      },
-        {"refuses CPUID",          [] { SetCPUIDAnswers(0); },                            "its driver fails at the CPUID instruction"},
-        {"refuses CPUID later on", [] { SetCPUIDAnswers(1); },                            "its driver fails at the CPUID instruction"},
+        {"no file",                "its driver can't be started",         [] { SetDriverPath(FullPath("missing.sys")); }},
+        {"not installed",          "the driver Ravelink isn't installed", RemoveSettings                                },
+        {"refuses CPUID",          kNoCPUID,                              [] { SetCPUIDAnswers(0); }                    },
+        {"refuses CPUID later on", kNoCPUID,                              [] { SetCPUIDAnswers(1); }                    },
     };
     const std::string expected = RunQuorlin("--no-driver --format lines").output;
     for (const auto& c : kCases) {

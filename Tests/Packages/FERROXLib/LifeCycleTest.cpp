@@ -132,11 +132,14 @@ TEST_F(LifeCycle, StaleServiceIsRepairedOnce) {
 }
 
 TEST_F(LifeCycle, FailedOpenKeepsAServiceOfOthersAndStopsWhatItStarted) {
-    Machine().service = {.exists = true, .path = kDriverFile};
-    Machine().failCalls = {"CreateFileA#2"};  // the device; the driver's file is the first
-    EXPECT_EQ(FERROXInitialize(), kFailure);
-    EXPECT_TRUE(Machine().Traced(16, "OSFERROXInitialize: Error opening FERROX"));
-    EXPECT_EQ(Machine().State(), "stopped");
+    for (const bool canStop : {true, false}) {
+        NewMachine().service = {.exists = true, .path = kDriverFile};
+        Machine().failCalls = {"CreateFileA#2"};  // the device; the driver's file is the first
+        if (!canStop) Machine().failCalls.insert("QueryServiceStatusEx#1");
+        EXPECT_EQ(FERROXInitialize(), kFailure);
+        EXPECT_TRUE(Machine().Traced(16, "OSFERROXInitialize: Error opening FERROX"));
+        EXPECT_EQ(Machine().State(), canStop ? "stopped" : "running");
+    }
 }
 
 TEST_F(LifeCycle, StopWaitsATenthOfTheHintAndAFailedOneLeavesSectionAndView) {

@@ -4,16 +4,13 @@
 #include <cpuid.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstddef>
 #include <filesystem>
 
 #include "Packages/OS/ConfigFile.h"
@@ -33,28 +30,10 @@ std::string Folder() {
     return folder + "/";
 }
 
-// The system calls of a kind of file system that has them not; `bits` of the call's argument tell those meant.
-struct Missing_t {
-    uint32_t call, argument, bits;
-};
-constexpr Missing_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY}, kNoLinks = {SYS_link, 0, 0},
-                    kNoNamelessLinks = {SYS_linkat, 0, 0};
-
-// From here on the process doesn't have these calls: they fail, or with SECCOMP_RET_KILL_PROCESS end it.
-void Forgo(const Missing_t& missing, uint32_t action = SECCOMP_RET_ERRNO | EOPNOTSUPP) {
-    sock_filter code[] = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, missing.call, 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS,
-                 static_cast<uint32_t>(offsetof(seccomp_data, args) + missing.argument * sizeof(uint64_t))),
-        BPF_JUMP(static_cast<uint16_t>(BPF_JMP | BPF_K | (missing.bits != 0 ? BPF_JSET : BPF_JGE)), missing.bits, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, action),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    };
-    const sock_fprog filter = {std::size(code), code};
-    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0)
-        _exit(99);
-}
+// Calls that some kinds of file systems don't have.
+constexpr SystemCall_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY}, kNoLinks = {SYS_link},
+                       kNoNamelessLinks = {SYS_linkat};
+constexpr uint32_t kNotSupportedHere = SECCOMP_RET_ERRNO | EOPNOTSUPP;
 
 // What CreateWholeFile does in a process that `prepare` has been called in: 0, or errno.
 int CreateIn(const std::string& path, const std::string& bytes, const std::function<void()>& prepare) {
@@ -69,15 +48,15 @@ bool IsEmpty(const std::string& folder) { return fs::directory_iterator(folder) 
 // On each kind of file system.
 TEST(WholeFiles, AreTheirOwnersAndReplaceNothing) {
     const std::string bytes(size_t{100} << 10, 'x');
-    const std::vector<std::vector<Missing_t>> kKinds = {
+    const std::vector<SystemCall_t> kKinds[] = {
         {},
         {                 kNoNamelessFiles},
         { kNoNamelessFiles, kNoLinks},
-        { kNoNamelessLinks, kNoLinks},
+        { kNoNamelessLinks, kNoLinks}
     };
     for (const auto& kind : kKinds) {
         const auto prepare = [&] {
-            for (const Missing_t& missing : kind) Forgo(missing);
+            for (const SystemCall_t& missing : kind) ForbidCall(missing, kNotSupportedHere);
         };
         const std::string folder = Folder(), file = folder + "file", link = folder + "link";
         EXPECT_EQ(CreateIn(file, bytes, prepare), 0);
@@ -100,18 +79,19 @@ TEST(WholeFiles, AreAbsentIfNotWhole) {
         const auto limited = [&] {
             const rlimit limit = {4096, 4096};
             setrlimit(RLIMIT_FSIZE, &limit);
-            if (!isNameless) Forgo(kNoNamelessFiles);
+            if (!isNameless) ForbidCall(kNoNamelessFiles, kNotSupportedHere);
         };
         EXPECT_EQ(CreateIn(file, bytes, limited), EFBIG);
         EXPECT_TRUE(IsEmpty(folder));
         if (!ClFolderOver::IsPossible()) continue;  // only root can have a full disk
         const ClFolderOver full(folder.substr(0, folder.size() - 1).c_str(), "size=8k");
-        EXPECT_EQ(CreateIn(file, bytes, [&] { isNameless ? void() : Forgo(kNoNamelessFiles); }), ENOSPC);
+        EXPECT_EQ(CreateIn(file, bytes, [&] { isNameless ? void() : ForbidCall(kNoNamelessFiles, kNotSupportedHere); }),
+                  ENOSPC);
         EXPECT_TRUE(IsEmpty(folder));
     }
     // Ended when all is written and nothing linked.
     const std::string folder = Folder();
-    EXPECT_EQ(CreateIn(folder + "file", bytes, [] { Forgo(kNoNamelessLinks, SECCOMP_RET_KILL_PROCESS); }), -1);
+    EXPECT_EQ(CreateIn(folder + "file", bytes, [] { ForbidCall(kNoNamelessLinks, SECCOMP_RET_KILL_PROCESS); }), -1);
     EXPECT_TRUE(IsEmpty(folder));
 }
 
