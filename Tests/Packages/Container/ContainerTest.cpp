@@ -32,6 +32,7 @@ TEST(Trees, EqualKeysAreNotRotated) {
         int32_t height, balance;
     } kCases[] = {
         {"5 5 5 5",   4, -3},
+        {"7 5 5",     3, 2 },
         {"5 5 5 5 3", 3, 0 }, // the left child has no node to raise
     };
     for (const auto& c : kCases) {
