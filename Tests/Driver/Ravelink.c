@@ -20,7 +20,8 @@ static const Byte_t kTable[] = {3, 9, 3, 0, 1, 0x17, 0, 0, 0, 'S', 'i', 'm', 'u'
                                 127, 4, 4, 0, 0, 0};
 static const Byte_t kEntryPoint[] = {
     '_', 'S', 'M', '_', 0, 0x1F, 2, 7, 20, 0, 0, 0, 0, 0, 0, 0,
-    '_', 'D', 'M', 'I', '_', 0, sizeof kTable, 0, kTableOffset & 0xFF, kTableOffset >> 8, kBiosBase >> 16, 0, 2, 0, 0x27};
+    '_', 'D', 'M', 'I', '_', 0, sizeof kTable, 0,
+    kTableOffset & 0xFF, kTableOffset >> 8, kBiosBase >> 16, 0, 2, 0, 0x27};
 
 static void FillBios(void) {
     Byte_t entry = 0, dmi = 0;

@@ -300,14 +300,15 @@ TEST_F(Driver, AnAutoLoadedServiceIsLeftAlone) {
 // The program reads the table without the driver, silently; it fails and names the cause if the driver was asked for.
 TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
     constexpr char kNoCPUID[] = "its driver fails at the CPUID instruction";
+    const auto missingFile = [] { SetDriverPath(FullPath("no-such-driver.sys")); };
     const struct {
         const char *what, *cause;
         std::function<void()> prepare;
     } kCases[] = {
-        {"no file",                "its driver can't be started",         [] { SetDriverPath(FullPath("missing.sys")); }},
-        {"not installed",          "the driver Ravelink isn't installed", RemoveSettings                                },
-        {"refuses CPUID",          kNoCPUID,                              [] { SetCPUIDAnswers(0); }                    },
-        {"refuses CPUID later on", kNoCPUID,                              [] { SetCPUIDAnswers(1); }                    },
+        {"no file",                "its driver can't be started",         missingFile               },
+        {"not installed",          "the driver Ravelink isn't installed", RemoveSettings            },
+        {"refuses CPUID",          kNoCPUID,                              [] { SetCPUIDAnswers(0); }},
+        {"refuses CPUID later on", kNoCPUID,                              [] { SetCPUIDAnswers(1); }},
     };
     const std::string expected = RunQuorlin("--no-driver --format lines").output;
     for (const auto& c : kCases) {
