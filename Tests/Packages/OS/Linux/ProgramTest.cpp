@@ -1,4 +1,4 @@
-// What the layer gives a program: new files, and descriptors that leave the standard streams' places alone.
+// What the layer gives a program: new files, descriptors above those of the standard streams, and standard output.
 #include "Packages/OS/Program.h"
 
 #include <cpuid.h>
@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder of the test's own that anybody may write.
+// A new folder that every user may write.
 std::string Folder() {
     const std::string folder = testing::TempDir() + "program";
     fs::remove_all(folder);
@@ -35,7 +35,7 @@ constexpr SystemCall_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTO
                        kNoNamelessLinks = {SYS_linkat};
 constexpr uint32_t kNotSupportedHere = SECCOMP_RET_ERRNO | EOPNOTSUPP;
 
-// What CreateWholeFile does in a process that `prepare` has been called in: 0, or errno.
+// The result of CreateWholeFile in a child after `prepare`: 0, or errno.
 int CreateIn(const std::string& path, const std::string& bytes, const std::function<void()>& prepare) {
     return InChild([&] {
         prepare();
@@ -46,7 +46,7 @@ int CreateIn(const std::string& path, const std::string& bytes, const std::funct
 bool IsEmpty(const std::string& folder) { return fs::directory_iterator(folder) == fs::directory_iterator(); }
 
 // On each kind of file system.
-TEST(WholeFiles, AreTheirOwnersAndReplaceNothing) {
+TEST(WholeFiles, BelongToTheirOwnerAndReplaceNothing) {
     const std::string bytes(size_t{100} << 10, 'x');
     const std::vector<SystemCall_t> kKinds[] = {
         {},
@@ -89,27 +89,27 @@ TEST(WholeFiles, AreAbsentIfNotWhole) {
                   ENOSPC);
         EXPECT_TRUE(IsEmpty(folder));
     }
-    // Ended when all is written and nothing linked.
+    // Ended after all is written and before it is linked.
     const std::string folder = Folder();
     EXPECT_EQ(CreateIn(folder + "file", bytes, [] { ForbidCall(kNoNamelessLinks, SECCOMP_RET_KILL_PROCESS); }), -1);
     EXPECT_TRUE(IsEmpty(folder));
 }
 
-// The whole way from the shell to the hardware, by the two operations that need no rights.
+// From the shell to the hardware, with the two operations that need no rights.
 TEST(Program, ReadsHardwareFromTheShell) {
     unsigned eax, ebx, ecx, edx;
     __cpuid(0, eax, ebx, ecx, edx);
     char text[64];
     std::snprintf(text, sizeof text, "eax %08x ebx %08x ecx %08x edx %08x\n", eax, ebx, ecx, edx);
     EXPECT_EQ(RunQuorlin("hw cpuid 0").output, text);
-    // As on the bus, what isn't there reads as ones.
+    // As on the bus, a missing function reads as ones.
     if (!IsFolder("/sys/bus/pci/devices") || IsFolder("/sys/bus/pci/devices/0000:ff:1f.7"))
         GTEST_SKIP() << "no PCI bus with a free place";
     EXPECT_EQ(RunQuorlin("hw pci 0000:ff:1f.7 2 5").output, "ff ff ff ff ff\n");
 }
 
-// A copy that belongs to root and runs with his rights, whoever starts it.
-TEST(Program, TakesNoFileNamesForRightsThatItsUserLacks) {
+// A set-user-ID copy of root's.
+TEST(Program, WritesNoFileWithRightsThatItsUserLacks) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can give the program his rights";
     const std::string folder = Folder(), copy = folder + "copy";
     fs::copy_file(QUORLIN_PROGRAM, copy);
@@ -145,8 +145,8 @@ TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
     EXPECT_EQ(ReadWholeFile(folder + "other"), "text");
 }
 
-// The reader is slow and the pipe, which takes 64 KiB, doesn't let its writer wait: all bytes arrive nevertheless.
-TEST(StandardStreams, OutputThatDoesNotBlockIsWaitedFor) {
+// All bytes reach a slow reader through a non-blocking pipe of 64 KiB.
+TEST(StandardStreams, NonBlockingOutputIsWaitedFor) {
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     const std::string bytes(size_t{300} << 10, 'x');
@@ -173,8 +173,7 @@ constexpr char kTraceToFile[] =
     "FERROX:OutputType<Fi>;FERROX:FileName<trace>;FERROX:TraceType<Ex>;FERROX:TraceFormatType<No>";
 constexpr char kTrace[] = "\n FERROXInitialize Success\n ReadCPUID";
 
-// Every choice of closed streams: a run ends, a closed stream that it needs makes it fail, and nothing but its own
-// bytes gets into a file.
+// Each combination of closed streams: a run fails if it needs one of them, and its files contain only their own bytes.
 TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
     const std::string folder = Folder();
     const auto run = [&](std::vector<std::string> words, unsigned closed) {
