@@ -232,6 +232,11 @@ TEST_F(StandIns, MemoryIsReadAndWrittenInItsRangeOnly) {
         EXPECT_EQ(Text(data), after.substr(place, c.size)) << c.address << " " << c.size;
         EXPECT_EQ(ReadWholeFile("/dev/mem"), after) << c.address << " " << c.size;
     }
+    ClBuffer data(16);
+    EXPECT_EQ(PCIMMIOReadStored((1ull << 52) - 4096, 4081, data.Get()), kRefused) << "past the last address";
+    ASSERT_EQ(FERROXTerminate(), kSuccess);
+    EXPECT_EQ(GetSystemTables(4, 0, data.Get()), kRefused) << "a closed library";
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
 }
 
 TEST_F(StandIns, CPUIDOfAnotherProcessorComesFromItsFile) {
