@@ -1,5 +1,5 @@
-// A stand-in for the kernel driver Ravelink; see README.md. It runs in Wine's user-mode driver host, where neither
-// ports nor physical memory are to be had, so that all but CPUID comes from tables.
+// A stand-in for the kernel driver Ravelink; see README.md. It runs in Wine's user-mode driver host, which has no
+// physical memory, so that all answers but CPUID's come from tables.
 #include <ntddk.h>
 
 #include <cpuid.h>  // after the kernel's header, which has a function of the name
@@ -9,26 +9,19 @@
 typedef uint8_t Byte_t;
 typedef uint32_t Word_t;
 
-enum { kBiosBase = 0xF0000, kBiosSize = 0x10000, kRegisterBase = 0xFED00000, kRegisterSize = 256 };
-enum { kTableOffset = 0x200, kHypervisorFromProcessor = 2 };
-
-static const Word_t kNonTurbo[2] = {2400, 1};
+enum { kBiosBase = 0xF0000, kBiosSize = 0x10000, kTableOffset = 0x200, kHypervisorFromProcessor = 2 };
 
 static Byte_t bios[kBiosSize];
-static Byte_t registers[kRegisterSize];
 static Word_t hypervisor = kHypervisorFromProcessor;
 static Word_t cpuidAnswers = 0xFFFFFFFF;  // that are still given
-
-// Ports 80h to 83h, and MSRs 10h to 13h.
-static Byte_t ports[4] = {0x11, 0x22, 0x33, 0x44};
-static struct { Word_t hi, lo; } msrs[4] = {{1, 0x10}, {2, 0x11}, {3, 0x12}, {4, 0x13}};
 
 // One enclosure of the maker "Simulated", and the end of the table.
 static const Byte_t kTable[] = {3, 9, 3, 0, 1, 0x17, 0, 0, 0, 'S', 'i', 'm', 'u', 'l', 'a', 't', 'e', 'd', 0, 0,
                                 127, 4, 4, 0, 0, 0};
 static const Byte_t kEntryPoint[] = {
     '_', 'S', 'M', '_', 0, 0x1F, 2, 7, 20, 0, 0, 0, 0, 0, 0, 0,
-    '_', 'D', 'M', 'I', '_', 0, sizeof kTable, 0, kTableOffset & 0xFF, kTableOffset >> 8, kBiosBase >> 16, 0, 2, 0, 0x27};
+    '_', 'D', 'M', 'I', '_', 0, sizeof kTable, 0,
+    kTableOffset & 0xFF, kTableOffset >> 8, kBiosBase >> 16, 0, 2, 0, 0x27};
 
 static void FillBios(void) {
     Byte_t entry = 0, dmi = 0;
@@ -56,27 +49,7 @@ static NTSTATUS Cpuid(CPUIDRequest_t* request) {
     return STATUS_SUCCESS;
 }
 
-static NTSTATUS Port(PortRequest_t* request, int write) {
-    if (request->Size == 0 || request->Size > 4 || request->Port < 0x80 || request->Port - 0x80 + request->Size > 4)
-        return STATUS_UNSUCCESSFUL;
-    Byte_t* port = ports + (request->Port - 0x80);
-    RtlCopyMemory(write ? port : request->Data, write ? request->Data : port, request->Size);
-    return STATUS_SUCCESS;
-}
-
-static NTSTATUS Msr(MSRRecord_t* request, int write) {
-    const Word_t place = request->Msr - 0x10;
-    if (place >= 4) return STATUS_UNSUCCESSFUL;
-    if (write) {
-        msrs[place].hi = request->HiContent;
-        msrs[place].lo = request->LoContent;
-    }
-    request->HiContent = msrs[place].hi;
-    request->LoContent = msrs[place].lo;
-    return STATUS_SUCCESS;
-}
-
-// One function, at location 0: byte n of its configuration space reads n. Bit 31 of its first word tells which request it was.
+// One function, at location 0: byte n of its configuration space reads n. Bit 31 of its first word tells the request.
 static NTSTATUS Pci(PCIRequest_t* request, int underHypervisor) {
     const Word_t offset = request->RegisterOffset;
     if (request->Size != 4 || offset % 4 != 0 || offset > 252) return STATUS_INVALID_PARAMETER;
@@ -86,27 +59,12 @@ static NTSTATUS Pci(PCIRequest_t* request, int underHypervisor) {
     return STATUS_SUCCESS;
 }
 
-// The simulated bytes of physical memory from `address` on; null where there are none.
-static Byte_t* MemoryAt(unsigned long long address, Word_t size) {
-    if (address >= kBiosBase && size <= kBiosSize && address - kBiosBase <= kBiosSize - size)
-        return bios + (address - kBiosBase);
-    if (address >= kRegisterBase && size <= kRegisterSize && address - kRegisterBase <= kRegisterSize - size)
-        return registers + (address - kRegisterBase);
-    return NULL;
-}
-
-static NTSTATUS Memory(MemoryRequest_t* request, Byte_t* place, int write) {
-    Byte_t* data = (Byte_t*)(request + 1);
-    if (place == NULL) return STATUS_UNSUCCESSFUL;
-    RtlCopyMemory(write ? place : data, write ? data : place, request->Size);
+static NTSTATUS ReadBios(MemoryRequest_t* request) {
+    const unsigned long long address = request->Place.Address;
+    if (address < kBiosBase || request->Size > kBiosSize || address - kBiosBase > kBiosSize - request->Size)
+        return STATUS_UNSUCCESSFUL;
+    RtlCopyMemory(request + 1, bios + (address - kBiosBase), request->Size);
     return STATUS_SUCCESS;
-}
-
-// Device 1 has its registers where all are.
-static Byte_t* DynamicPlace(const MemoryRequest_t* request) {
-    DynamicMMIORecord_t record;
-    RtlCopyMemory(&record, &request->Place, sizeof record);
-    return record.Device == 1 ? MemoryAt(kRegisterBase + (unsigned long long)record.MMIOOffset, request->Size) : NULL;
 }
 
 // The bytes that a request takes, in and out; 24 and more for memory.
@@ -117,8 +75,7 @@ static NTSTATUS CheckSizes(Word_t code, const void* buffer, ULONG in, ULONG out)
         case kRequestDriverVersion: case kRequestCPULibVersion: case kRequestIOLibVersion: case kRequestPCILibVersion:
             wantIn = 0, wantOut = 4;
             break;
-        case kRequestMMIOReadStored: case kRequestMMIOReadGPIO: case kRequestMMIOWriteStored:
-        case kRequestMMIOWriteDynamic: case kRequestMMIOWriteGPIO: case kRequestMMIORead: case kRequestSystemTables:
+        case kRequestSystemTables:
             if (in < sizeof(MemoryRequest_t)) return STATUS_BUFFER_TOO_SMALL;
             if (((const MemoryRequest_t*)buffer)->Size != in - sizeof(MemoryRequest_t)) return STATUS_INVALID_PARAMETER;
             wantIn = wantOut = in;
@@ -129,29 +86,15 @@ static NTSTATUS CheckSizes(Word_t code, const void* buffer, ULONG in, ULONG out)
 }
 
 static NTSTATUS Answer(Word_t code, void* buffer) {
-    MemoryRequest_t* memory = buffer;
-    NonTurboRecord_t* nonTurbo = buffer;
     switch (code) {
         case kRequestReadCPUID: return Cpuid(buffer);
         case kRequestDriverVersion: return Version(buffer, 0x01000001);
         case kRequestCPULibVersion: return Version(buffer, 0x01000002);
         case kRequestIOLibVersion: return Version(buffer, 0x01000003);
         case kRequestPCILibVersion: return Version(buffer, 0x01000004);
-        case kRequestReadPort: return Port(buffer, 0);
-        case kRequestWritePort: return Port(buffer, 1);
-        case kRequestReadMSR: return Msr(buffer, 0);
-        case kRequestWriteMSR: return Msr(buffer, 1);
         case kRequestPCIRead: return Pci(buffer, 0);
         case kRequestPCIReadHyperV: return Pci(buffer, 1);
-        case kRequestNonTurbo:
-            RtlCopyMemory(nonTurbo->Result, &kNonTurbo, sizeof kNonTurbo);
-            return STATUS_SUCCESS;
-        case kRequestMMIORead: case kRequestSystemTables: return Memory(memory, MemoryAt(memory->Place.Address, memory->Size), 0);
-        case kRequestMMIOReadStored: case kRequestMMIOReadGPIO:
-            return Memory(memory, MemoryAt(memory->Place.Address + memory->Place.Offset, memory->Size), 0);
-        case kRequestMMIOWriteStored: case kRequestMMIOWriteGPIO:
-            return Memory(memory, MemoryAt(memory->Place.Address + memory->Place.Offset, memory->Size), 1);
-        case kRequestMMIOWriteDynamic: return Memory(memory, DynamicPlace(memory), 1);
+        case kRequestSystemTables: return ReadBios(buffer);
         default: return STATUS_INVALID_DEVICE_REQUEST;
     }
 }

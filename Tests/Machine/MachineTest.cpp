@@ -1,6 +1,6 @@
-// The whole lower storey on the machine at hand: what the hardware library reads is held against what the kernel says.
-// A machine that lacks something skips the test of it. The guests that run.sh boots have it all; there the environment
-// variable QUORLIN_GUEST is set, and nothing is skipped that isn't meant to be.
+// The lower storey on this machine: what the hardware library reads is compared with what the kernel shows. Tests are
+// skipped where the machine lacks something. In the guests that run.sh boots, where the environment variable
+// QUORLIN_GUEST is set, nothing is missing.
 #include <cpuid.h>
 #include <dirent.h>
 #include <fcntl.h>
@@ -222,7 +222,7 @@ TEST_F(Machine, TheNonTurboFrequencyIsMeasuredAgainstTheACPITimer) {
     }
 }
 
-// The memory of the guest's display, which nobody uses: written by each road, read by each other.
+// The memory of the guest's display, which nobody uses: written by each operation, read by another.
 TEST_F(Machine, WritesReachTheRegistersAndNothingElse) {
     if (!IsGuest()) GTEST_SKIP() << "writes to a device, so in guests alone";
     for (const Function_t& function : Functions()) {
@@ -232,17 +232,17 @@ TEST_F(Machine, WritesReachTheRegistersAndNothingElse) {
         base &= ~15ull;
         ClBuffer before(16), pattern(7), after(16);
         const DynamicMMIORecord_t dynamic = {function.location, 0x10, 0x1001};
-        for (int road = 0; road < 3; ++road) {
-            for (uint8_t i = 0; i < 7; ++i) pattern.Get()->Data()[i] = static_cast<uint8_t>(0x40 * road + i + 1);
+        for (int way = 0; way < 3; ++way) {
+            for (uint8_t i = 0; i < 7; ++i) pattern.Get()->Data()[i] = static_cast<uint8_t>(0x40 * way + i + 1);
             ASSERT_EQ(MMIOReadGPIO(base, 0x1000, before.Get()), kSuccess);
-            ASSERT_EQ(road == 0   ? PCIMMIOWriteStored(base, 0x1001, pattern.Get())
-                      : road == 1 ? MMIOWriteGPIO(base, 0x1001, pattern.Get())
-                                  : PCIMMIOWriteDynamic(&dynamic, pattern.Get()),
+            ASSERT_EQ(way == 0   ? PCIMMIOWriteStored(base, 0x1001, pattern.Get())
+                      : way == 1 ? MMIOWriteGPIO(base, 0x1001, pattern.Get())
+                                 : PCIMMIOWriteDynamic(&dynamic, pattern.Get()),
                       kSuccess);
             ASSERT_EQ(PCIMMIOReadStored(base, 0x1000, after.Get()), kSuccess);
             Bytes_t expected = before.Bytes();
             std::memcpy(&expected[1], pattern.Get()->Data(), 7);
-            EXPECT_EQ(after.Bytes(), expected) << road;
+            EXPECT_EQ(after.Bytes(), expected) << way;
         }
         MSRRecord_t record = {0, 0, 0x1B, 0, 0};
         ASSERT_EQ(ReadMSR(&record), kSuccess);
@@ -287,7 +287,7 @@ TEST_F(Machine, TheBIOSAreaIsTheKernels) {
 
 // In a guest QUORLIN_SCAN says how the scan must end, "same" or "fails", and QUORLIN_TABLE names a file with what the
 // table must begin with.
-TEST_F(Machine, BothRoadsLeadToTheSameTable) {
+TEST_F(Machine, BothAccessMethodsReadTheSameTable) {
     uint8_t entry[2][kEntryBufferSize] = {}, dmiEntry[2][kDMIEntryBufferSize] = {};
     SMBIOSTableImage_t *first = nullptr, *second = nullptr;
     const char* expected = std::getenv("QUORLIN_SCAN");
@@ -295,7 +295,8 @@ TEST_F(Machine, BothRoadsLeadToTheSameTable) {
     const status_t scanned = osGetStructuresDataNonEFI(entry[1], dmiEntry[1], &second);
     const std::unique_ptr<SMBIOSTableImage_t, void (*)(void*)> freeFirst(first, os_FreeBlock),
         freeSecond(second, os_FreeBlock);
-    if (expected == nullptr && (served != kSuccess || scanned != kSuccess)) GTEST_SKIP() << "not two roads here";
+    if (expected == nullptr && (served != kSuccess || scanned != kSuccess))
+        GTEST_SKIP() << "not both access methods here";
     ASSERT_EQ(served, kSuccess);
     const Bytes_t table(first->Data(), first->Data() + first->Length);
     const char* file = std::getenv("QUORLIN_TABLE");
@@ -321,10 +322,11 @@ TEST(MachineRefusals, AreStatusesAndNothingMore) {
         CPUIDRecord_t record = {0, 1, 0, 0, 0};
         if (ReadCPUID(kAnyProcessor, &record) != kSuccess || record.Eax == 0) return 2;
         ClBuffer memory(16), port(1);
-        if (GetSystemTables(0xF0000, 0, memory.Get()) != 0) return 3;
+        if (GetSystemTables(0xF0000, 0, memory.Get()) != 0 || memory.Bytes() != Bytes_t(16, 0xEE)) return 3;
         if (ReadWakeupTimer(0x71, port.Get()) != 0) return 4;
         MSRRecord_t msr = {0, 0, 0x1B, 0, 0};
-        if (lockedDown == nullptr && ReadMSR(&msr) != 0) return 5;
+        NonTurboRecord_t timer = {0, 0xE7, 0, {}};
+        if (lockedDown == nullptr && (ReadMSR(&msr) != 0 || CalcFreqNonTurbo(&timer) != kFailure)) return 5;
         uint8_t entry[kEntryBufferSize], dmiEntry[kDMIEntryBufferSize];
         SMBIOSTableImage_t* image = nullptr;
         if (osGetStructuresDataNonEFI(entry, dmiEntry, &image) != kFailure) return 6;

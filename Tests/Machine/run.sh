@@ -1,9 +1,9 @@
 #!/bin/sh
-# Boots a small Linux in an emulator, whose firmware has an SMBIOS table, and runs the library there: both roads to the
-# table, the hardware library against what the guest's kernel says, refusals, sharing, a crash. Needs no rights beyond
-# those for installing packages, and no network once it has the kernel. Fails where it can't have what it needs.
+# Boots a small Linux in an emulator, whose firmware has an SMBIOS table, and runs the library there: both access
+# methods, the hardware library against the guest's kernel, refusals, sharing, a crash. Needs no rights except for
+# installing packages, and no network once it has the kernel. Fails if something that it needs is missing.
 #
-#     Tests/Machine/run.sh [JOB...]      the boots by name; all of them if none is named
+#     Tests/Machine/run.sh [JOB...]      boots these; all of them without arguments
 set -eu
 cd "$(dirname "$0")/../.."
 work=$PWD/build/machine
@@ -14,7 +14,7 @@ cmake/install-packages.sh g++ cmake ninja-build rapidjson-dev zlib1g-dev libgtes
 
 Tests/Machine/kernel.sh "$work/kernel"
 
-# Programs that need nothing of the guest.
+# Static programs, as the guest has no libraries.
 cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
     -DZLIB_USE_STATIC_LIBS=ON >/dev/null
 cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwareTest OSTest sample_files >"$work/build.log" || {
@@ -27,7 +27,7 @@ mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work
 for program in quorlin MachineTest LinuxHardwareTest OSTest; do cp "$work/programs/bin/$program" "$work/root/bin"; done
 cp /bin/busybox "$work/root/bin"
 cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
-ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests look for it
+ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests expect it
 chmod 755 "$work/root/init"
 printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >"$work/root/etc/passwd"
 (cd "$work/root" && find . | busybox cpio -o -H newc 2>/dev/null | gzip -1) >"$work/initramfs"

@@ -23,7 +23,7 @@ STAND_IN(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds)) {
         system != nullptr && !Machine().IsOpen(handle, "mutex")) {
         return system(handle, milliseconds);
     }
-    // A wait for a mutex that is held would last for ever here.
+    // A wait for a taken mutex would never end here.
     if (!Machine().Call("WaitForSingleObject") || !Machine().IsOpen(handle, "mutex") || Machine().mutexHeld) {
         return WAIT_FAILED;
     }

@@ -31,6 +31,15 @@ std::string ClScriptedWindows::Open() const {
     return text;
 }
 
+std::string ClScriptedWindows::State() const {
+    std::string text = !service.exists                         ? "no service"
+                       : service.state == SERVICE_RUNNING      ? "running"
+                       : service.state == SERVICE_STOP_PENDING ? "stopping"
+                                                               : "stopped";
+    if (SharedCount()) text += ", count " + std::to_string(*SharedCount());
+    return m_handles.empty() ? text : text + ", " + Open();
+}
+
 bool ClScriptedWindows::Called(const std::string& function) const {
     return std::ranges::find(calls, function + "#1") != calls.end();
 }
@@ -61,6 +70,10 @@ bool ClScriptedWindows::Call(const char* function, DWORD error) {
     calls.push_back(name);
     if (calls.size() != failCall && !failCalls.contains(name)) return true;
     return Fail(error) != FALSE;
+}
+
+bool ClScriptedWindows::Call(const char* function, HANDLE handle, const char* kind) {
+    return Call(function) && (IsOpen(handle, kind) || Fail(ERROR_INVALID_HANDLE) != FALSE);
 }
 
 HANDLE ClScriptedWindows::Add(const char* kind) {

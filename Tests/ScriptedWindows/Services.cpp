@@ -5,21 +5,16 @@
 #include "StandIn.h"  // the platform's own
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 
-namespace {
-
-SC_HANDLE AddService(const char* kind) { return static_cast<SC_HANDLE>(static_cast<void*>(Machine().Add(kind))); }
-
-bool IsService(SC_HANDLE handle) { return Machine().IsOpen(handle, "service"); }
-
-}  // namespace
+static SC_HANDLE AddService(const char* kind) {
+    return static_cast<SC_HANDLE>(static_cast<void*>(Machine().Add(kind)));
+}
 
 STAND_IN(SC_HANDLE, OpenSCManagerA, (LPCSTR, LPCSTR, DWORD)) {
     return Machine().Call("OpenSCManagerA") ? AddService("manager") : nullptr;
 }
 
 STAND_IN(SC_HANDLE, OpenServiceA, (SC_HANDLE manager, LPCSTR name, DWORD)) {
-    if (!Machine().Call("OpenServiceA")) return nullptr;
-    if (!Machine().IsOpen(manager, "manager")) return Fail(ERROR_INVALID_HANDLE), nullptr;
+    if (!Machine().Call("OpenServiceA", manager, "manager")) return nullptr;
     if (!Machine().service.exists || std::strcmp(name, "Ravelink") != 0) {
         return Fail(ERROR_SERVICE_DOES_NOT_EXIST), nullptr;
     }
@@ -29,8 +24,7 @@ STAND_IN(SC_HANDLE, OpenServiceA, (SC_HANDLE manager, LPCSTR name, DWORD)) {
 STAND_IN(SC_HANDLE, CreateServiceA,
          (SC_HANDLE manager, LPCSTR name, LPCSTR displayName, DWORD, DWORD type, DWORD startType, DWORD errorControl,
           LPCSTR path, LPCSTR group, LPDWORD, LPCSTR, LPCSTR, LPCSTR)) {
-    if (!Machine().Call("CreateServiceA")) return nullptr;
-    if (!Machine().IsOpen(manager, "manager")) return Fail(ERROR_INVALID_HANDLE), nullptr;
+    if (!Machine().Call("CreateServiceA", manager, "manager")) return nullptr;
     if (std::strcmp(name, "Ravelink") != 0 || std::strcmp(displayName, name) != 0 || type != SERVICE_KERNEL_DRIVER ||
         errorControl != SERVICE_ERROR_NORMAL || std::strcmp(group, "Extended Base") != 0) {
         return Fail(ERROR_INVALID_PARAMETER), nullptr;
@@ -45,8 +39,7 @@ STAND_IN(SC_HANDLE, CreateServiceA,
 }
 
 STAND_IN(BOOL, StartServiceA, (SC_HANDLE handle, DWORD, LPCSTR*)) {
-    if (!Machine().Call("StartServiceA")) return FALSE;
-    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    if (!Machine().Call("StartServiceA", handle, "service")) return FALSE;
     ScriptedService_t& service = Machine().service;
     if (!service.startErrors.empty()) {
         const DWORD error = service.startErrors.front();
@@ -60,16 +53,14 @@ STAND_IN(BOOL, StartServiceA, (SC_HANDLE handle, DWORD, LPCSTR*)) {
 }
 
 STAND_IN(BOOL, ControlService, (SC_HANDLE handle, DWORD control, LPSERVICE_STATUS)) {
-    if (!Machine().Call("ControlService")) return FALSE;
-    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    if (!Machine().Call("ControlService", handle, "service")) return FALSE;
     Machine().controls.push_back(control);
     Machine().service.state = SERVICE_STOPPED;
     return TRUE;
 }
 
 STAND_IN(BOOL, QueryServiceStatusEx, (SC_HANDLE handle, SC_STATUS_TYPE, LPBYTE buffer, DWORD size, LPDWORD needed)) {
-    if (!Machine().Call("QueryServiceStatusEx")) return FALSE;
-    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    if (!Machine().Call("QueryServiceStatusEx", handle, "service")) return FALSE;
     *needed = sizeof(SERVICE_STATUS_PROCESS);
     if (size < sizeof(SERVICE_STATUS_PROCESS)) return Fail(ERROR_INSUFFICIENT_BUFFER);
     ScriptedService_t& service = Machine().service;
@@ -86,9 +77,8 @@ STAND_IN(BOOL, QueryServiceStatusEx, (SC_HANDLE handle, SC_STATUS_TYPE, LPBYTE b
 }
 
 STAND_IN(BOOL, QueryServiceConfigA, (SC_HANDLE handle, LPQUERY_SERVICE_CONFIGA config, DWORD size, LPDWORD needed)) {
-    if (!Machine().Call("QueryServiceConfigA")) return FALSE;
-    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
-    // The texts follow the record, as a real answer has them.
+    if (!Machine().Call("QueryServiceConfigA", handle, "service")) return FALSE;
+    // In a real answer the texts follow the record.
     *needed = sizeof(QUERY_SERVICE_CONFIGA) + 120;
     if (config == nullptr || size < *needed) return Fail(ERROR_INSUFFICIENT_BUFFER);
     *config = {};
@@ -98,8 +88,7 @@ STAND_IN(BOOL, QueryServiceConfigA, (SC_HANDLE handle, LPQUERY_SERVICE_CONFIGA c
 }
 
 STAND_IN(BOOL, DeleteService, (SC_HANDLE handle)) {
-    if (!Machine().Call("DeleteService")) return FALSE;
-    if (!IsService(handle)) return Fail(ERROR_INVALID_HANDLE);
+    if (!Machine().Call("DeleteService", handle, "service")) return FALSE;
     Machine().service.exists = false;
     return TRUE;
 }
@@ -128,7 +117,7 @@ STAND_IN(LSTATUS, RegQueryValueExA, (HKEY key, LPCSTR name, LPDWORD, LPDWORD, LP
     const auto& path = Machine().registryPath;
     if (!Machine().IsOpen(key, "key")) return Code(ERROR_INVALID_HANDLE);
     if (!path || std::strcmp(name, "FERROXDrvPath") != 0) return Code(ERROR_FILE_NOT_FOUND);
-    // A value as long as the buffer is stored without its NUL, as the registry allows.
+    // The registry may store a value as long as the buffer without its NUL.
     const size_t stored = path->size() == *size ? path->size() : path->size() + 1;
     if (stored > *size) return Code(ERROR_MORE_DATA);
     std::memcpy(data, path->c_str(), stored);

@@ -1,6 +1,6 @@
-// The library with a real service manager, a driver, and further processes. On Windows only: these are its own.
-// A registered service whose file is missing is repaired on error 2 or 3, and Wine gives 1114 there: that repair is a
-// test of the hardware library with a scripted platform.
+// The library with a real service manager, a driver and several processes, which only Windows has.
+// The repair of a service whose file is missing needs error 2 or 3, and Wine gives 1114: the scripted tests of the
+// hardware library cover it.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -15,6 +15,8 @@
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Windows/Windows.h"
 #include "Sources/Quorlin.h"
+#include "CInterface/quorlin_c.h"
+#include "Tests/Support/Buffer.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 
@@ -67,7 +69,7 @@ bool SectionExists() {
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
 
-// This program once more, in the given role; see ROLES below. What it prints goes to the file `output`.
+// Another process of this program, in one of the roles below. Its output goes to the file `output`.
 class ClOtherProcess {
   public:
     explicit ClOtherProcess(const std::string& role, const std::string& output = testing::TempDir() + "other.out") {
@@ -110,7 +112,7 @@ class ClOtherProcess {
     PROCESS_INFORMATION m_process = {};
 };
 
-// Two events by which a role says that it is there, and is told to go on.
+// Two events: a role tells that it is ready, and waits until it may go on.
 struct Signals_t {
     HANDLE ready = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestReady");
     HANDLE go = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestGo");
@@ -125,7 +127,7 @@ struct Signals_t {
     }
 };
 
-// ROLES: what ClOtherProcess runs. Disabled, as they are no tests of their own.
+// The roles for ClOtherProcess. They are disabled because they aren't tests.
 TEST(Role, DISABLED_HoldsTheDriver) {
     Signals_t signals;
     ASSERT_EQ(FERROXInitialize(), kSuccess);
@@ -162,7 +164,7 @@ class Driver : public testing::Test {
     void TearDown() override {
         SetMachine(ThisMachine());
         RemoveService();
-        RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings);
+        RemoveSettings();
     }
     static void SetValue(const char* name, DWORD type, const void* bytes, size_t size) {
         HKEY key;
@@ -174,6 +176,7 @@ class Driver : public testing::Test {
     static void SetDriverPath(const std::string& path) {
         SetValue("FERROXDrvPath", REG_SZ, path.c_str(), path.size() + 1);
     }
+    static void RemoveSettings() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); }
     static void SetHypervisor(DWORD present) { SetValue("TestHypervisor", REG_DWORD, &present, sizeof present); }
     static void SetCPUIDAnswers(DWORD count) { SetValue("TestCPUIDAnswers", REG_DWORD, &count, sizeof count); }
     static void ExpectNothingLeft() {
@@ -182,18 +185,9 @@ class Driver : public testing::Test {
     }
 };
 
-struct Buffer_t {
-    uint32_t Size;
-    uint8_t bytes[64];
-    explicit Buffer_t(uint32_t size, std::vector<uint8_t> data = {}) : Size(size), bytes() {
-        std::copy(data.begin(), data.end(), bytes);
-    }
-    operator DataBuffer_t*() { return reinterpret_cast<DataBuffer_t*>(this); }
-    std::vector<uint8_t> Bytes() const { return {bytes, bytes + Size}; }
-};
 using Bytes_t = std::vector<uint8_t>;
 
-TEST_F(Driver, TheProgramReadsByBothRoadsAndLeavesNothing) {
+TEST_F(Driver, ProgramReadsByBothAccessMethodsAndLeavesNothing) {
     const ProgramRun_t first = RunQuorlin("--driver --format lines"), scan = RunQuorlin("--road scan --format lines");
     EXPECT_EQ(first.exitCode, 0) << first.errors;
     EXPECT_EQ(first.output, RunQuorlin("--no-driver --format lines").output);
@@ -202,7 +196,7 @@ TEST_F(Driver, TheProgramReadsByBothRoadsAndLeavesNothing) {
     ExpectNothingLeft();
 }
 
-TEST_F(Driver, AnswersEveryRequest) {
+TEST_F(Driver, AnswersRequestsAndRefusesThem) {
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
     uint32_t version = 0, expectedVersion = 0x01000000;
@@ -210,73 +204,36 @@ TEST_F(Driver, AnswersEveryRequest) {
         EXPECT_EQ(ask(&version), kSuccess);
         EXPECT_EQ(version, ++expectedVersion);
     }
-
     CPUIDRecord_t byDriver = {}, byInstruction = {};
     ASSERT_EQ(ReadCPUID(kAnyProcessor, &byDriver), kSuccess);
     ThisMachineWithoutDriver()->ReadCPUID(kAnyProcessor, &byInstruction);
     EXPECT_EQ(byDriver.Ebx, byInstruction.Ebx);
     EXPECT_EQ(byDriver.Edx, byInstruction.Edx);
 
-    MSRRecord_t msr = {0, 0, 0x12, 0, 0};
-    EXPECT_EQ(ReadMSR(&msr), kSuccess);
-    EXPECT_EQ(msr.HiContent, 3u);
-    EXPECT_EQ(msr.LoContent, 0x12u);
-    msr = {0, 0, 0x11, 7, 8};
-    EXPECT_EQ(WriteMSR(&msr), kSuccess);
-    msr = {0, 0, 0x11, 0, 0};
-    EXPECT_EQ(ReadMSR(&msr), kSuccess);
-    EXPECT_EQ(msr.HiContent, 7u);
-    msr.Msr = 0x1234;
-    EXPECT_EQ(ReadMSR(&msr), 0u);  // refused
-
-    Buffer_t port(2), written(1, {0x5A}), wide(4);
-    EXPECT_EQ(ReadWakeupTimer(0x81, port), kSuccess);
-    EXPECT_EQ(port.Bytes(), (Bytes_t{0x22, 0x33}));
-    EXPECT_EQ(ConfigureWakeUpTimer(0x82, written), kSuccess);
-    EXPECT_EQ(ReadWakeupTimer(0x80, wide), kSuccess);
-    EXPECT_EQ(wide.Bytes(), (Bytes_t{0x11, 0x22, 0x5A, 0x44}));
-    EXPECT_EQ(ReadWakeupTimer(0x70, port), 0u);
-
-    NonTurboRecord_t nonTurbo = {1, 0xCE, 0x408, {}};
-    EXPECT_EQ(CalcFreqNonTurbo(&nonTurbo), kSuccess);
-    EXPECT_EQ(nonTurbo.Result[0], 2400 & 0xFF);
-
-    Buffer_t pci(4);
-    EXPECT_EQ(PCIRead(0, 6, pci), kSuccess);
+    ClBuffer pci(4), missing(4), anchor(5);
+    EXPECT_EQ(PCIRead(0, 6, pci.Get()), kSuccess);
     EXPECT_EQ(pci.Bytes(), (Bytes_t{6, 7, 8, 9}));
-    EXPECT_EQ(PCIRead(8, 6, pci), kSuccess);
-    EXPECT_EQ(pci.Bytes(), (Bytes_t{0xFF, 0xFF, 0xFF, 0xFF}));
-
-    constexpr uint64_t kBar = 0xFED00000;
-    Buffer_t stored(3, {1, 2, 3}), gpio(2, {4, 5}), dynamic(1, {6});
-    const DynamicMMIORecord_t record = {1, 0, 0x15};
-    EXPECT_EQ(PCIMMIOWriteStored(kBar, 0x10, stored), kSuccess);
-    EXPECT_EQ(MMIOWriteGPIO(kBar, 0x13, gpio), kSuccess);
-    EXPECT_EQ(PCIMMIOWriteDynamic(&record, dynamic), kSuccess);
-    for (const auto& read : {PCIMMIORead, PCIMMIOReadStored, MMIOReadGPIO}) {
-        Buffer_t all(6);
-        EXPECT_EQ(read(kBar, 0x10, all), kSuccess);
-        EXPECT_EQ(all.Bytes(), (Bytes_t{1, 2, 3, 4, 5, 6}));
-        EXPECT_EQ(read(kBar, 0xFC, all), 0u);  // runs over the end
-    }
-
-    Buffer_t anchor(5);
-    EXPECT_EQ(GetSystemTables(0xF0000, 0x110, anchor), kSuccess);
+    EXPECT_EQ(PCIRead(8, 6, missing.Get()), kSuccess);
+    EXPECT_EQ(missing.Bytes(), Bytes_t(4, 0xFF));
+    EXPECT_EQ(GetSystemTables(0xF0000, 0x110, anchor.Get()), kSuccess);
     EXPECT_EQ(anchor.Bytes(), (Bytes_t{'_', 'D', 'M', 'I', '_'}));
+    EXPECT_EQ(GetSystemTables(0xFFFFC, 0, anchor.Get()), 0u) << "runs over the end";
+    EXPECT_EQ(ReadWakeupTimer(0x70, anchor.Get()), kBadValue);
+    EXPECT_EQ(ReadWakeupTimer(0x70, pci.Get()), 0u) << "the driver has no such request";
     EXPECT_EQ(FERROXTerminate(), kSuccess);
     ExpectNothingLeft();
 }
 
-TEST_F(Driver, TheHypervisorBitChoosesTheRoadToPCI) {
+TEST_F(Driver, HypervisorBitChoosesThePCIRequest) {
     for (const DWORD present : {0u, 1u}) {
         SetHypervisor(present);
         ASSERT_EQ(FERROXInitialize(), kSuccess);
-        Buffer_t first(4), extended(4);
-        EXPECT_EQ(PCIRead(0, 0, first), kSuccess);
+        ClBuffer first(4), extended(4);
+        EXPECT_EQ(PCIRead(0, 0, first.Get()), kSuccess);
         EXPECT_EQ(first.Bytes(), (Bytes_t{0, 1, 2, static_cast<uint8_t>(present != 0 ? 0x83 : 3)})) << present;
-        // Without a hypervisor it goes by the memory-mapped space, of which no table tells here.
-        EXPECT_EQ(PCIExRead(0, 252, extended), present != 0 ? kSuccess : kFailure);
-        EXPECT_EQ(PCIExRead(0, 256, extended), present != 0 ? kBadValue : kFailure);
+        // Without a hypervisor the memory-mapped space is used, and no table gives its place here.
+        EXPECT_EQ(PCIExRead(0, 252, extended.Get()), present != 0 ? kSuccess : kFailure);
+        EXPECT_EQ(PCIExRead(0, 256, extended.Get()), present != 0 ? kBadValue : kFailure);
         EXPECT_EQ(FERROXTerminate(), kSuccess);
     }
 }
@@ -316,8 +273,8 @@ TEST_F(Driver, AKilledProcessLeavesAServiceThatTheNextTakesOver) {
     ExpectNothingLeft();
 }
 
-// Its count stays raised as long as another process holds the section: nobody removes the service.
-TEST_F(Driver, AKilledProcessBesideAnotherKeepsTheServiceUp) {
+// Its count stays raised while another process has the section open, so that nobody removes the service.
+TEST_F(Driver, KilledProcessBesideAnotherKeepsTheServiceRunning) {
     Signals_t signals;
     ClOtherProcess other("HoldsTheDriver");
     signals.AwaitReady();
@@ -341,17 +298,18 @@ TEST_F(Driver, AnAutoLoadedServiceIsLeftAlone) {
     EXPECT_FALSE(SectionExists());
 }
 
-// What isn't asked for isn't spoken of, and what is asked for fails with its cause. Nothing is left either way.
-TEST_F(Driver, WithoutItTheProgramReadsAllTheSame) {
+// The program reads the table without the driver, silently; it fails and names the cause if the driver was asked for.
+TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
+    constexpr char kNoCPUID[] = "its driver fails at the CPUID instruction";
+    const auto missingFile = [] { SetDriverPath(FullPath("no-such-driver.sys")); };
     const struct {
-        const char* what;
+        const char *what, *cause;
         std::function<void()> prepare;
-        const char* cause;
     } kCases[] = {
-        {"no file",                [] { SetDriverPath(FullPath("no-such-driver.sys")); }, "its driver can't be started"              },
-        {"not installed",          [] { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); },  "the driver Ravelink isn't installed"      },
-        {"refuses CPUID",          [] { SetCPUIDAnswers(0); },                            "its driver fails at the CPUID instruction"},
-        {"refuses CPUID later on", [] { SetCPUIDAnswers(1); },                            "its driver fails at the CPUID instruction"},
+        {"no file",                "its driver can't be started",         missingFile               },
+        {"not installed",          "the driver Ravelink isn't installed", RemoveSettings            },
+        {"refuses CPUID",          kNoCPUID,                              [] { SetCPUIDAnswers(0); }},
+        {"refuses CPUID later on", kNoCPUID,                              [] { SetCPUIDAnswers(1); }},
     };
     const std::string expected = RunQuorlin("--no-driver --format lines").output;
     for (const auto& c : kCases) {
@@ -413,7 +371,7 @@ void Rounds(int count) {
     }
 }
 
-// A thousand with the driver kept up by one more use of it, as each start and stop takes its time; and some with all.
+// Most rounds run while the driver is open, because its start and stop take long.
 TEST_F(Driver, RoundsLeaveNoHandle) {
     Rounds(1);
     const DWORD before = Handles();
@@ -426,7 +384,7 @@ TEST_F(Driver, RoundsLeaveNoHandle) {
     ExpectNothingLeft();
 }
 
-TEST(Crash, AHostThatReadsThroughNullSaysSo) {
+TEST(Crash, ReadThroughNullIsReported) {
     const std::string output = testing::TempDir() + "crash.out";
     ClOtherProcess host("ReadsThroughNull", output);
     EXPECT_EQ(host.ExitCode(), DWORD{EXCEPTION_ACCESS_VIOLATION});
@@ -438,8 +396,8 @@ TEST(Crash, AHostThatReadsThroughNullSaysSo) {
 
 LONG WINAPI FilterOfHost(EXCEPTION_POINTERS*) { return EXCEPTION_CONTINUE_SEARCH; }
 
-// The C interface leaves the host's filter alone. A package takes its place, and the unloaded library leaves none.
-TEST(Crash, NoFilterLeadsIntoAnUnloadedLibrary) {
+// The C interface keeps the host's filter. A package replaces it, and the unloaded library leaves no filter.
+TEST(Crash, NoFilterPointsIntoAnUnloadedLibrary) {
     const LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(FilterOfHost);
     const HMODULE library = LoadLibraryA(FullPath(QUORLIN_LIBRARY).c_str());
     ASSERT_NE(library, nullptr);
@@ -466,7 +424,7 @@ TEST(Crash, NoFilterLeadsIntoAnUnloadedLibrary) {
 }
 
 // The C runtime would read the names in the system's code page.
-TEST(Names, BeyondASCIIAreTakenAsTheyAre) {
+TEST(Names, OfFilesMayHaveAnyLetters) {
     const std::string image = WriteFile(
         "Πίνακας-表格.bin", DumpOf(TableOf({ClStructureBuilder(3, 9).Byte(4, 1).Strings({"Ωメガ"})}), 2, 7, 32));
     const std::string output = testing::TempDir() + "names.out";

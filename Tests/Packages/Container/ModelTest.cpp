@@ -1,4 +1,4 @@
-// Random operations on each kind, beside a sorted or plain std::vector that says what each of them should do.
+// Random operations on each kind, compared with a std::vector that models what each of them does.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,9 +9,9 @@
 
 namespace {
 
-// The entry that a search of the tree for `key` meets first, or null.
+// The first entry of `key` on the path of a search, or null.
 template <class Node_t>
-void* FirstOnTheWay(const Node_t* node, const Node_t* absent, int32_t key) {
+void* FirstOnPath(const Node_t* node, const Node_t* absent, int32_t key) {
     while (node != absent && KeyOf(node->Data) != key) node = key < KeyOf(node->Data) ? node->Left : node->Right;
     return node == absent ? nullptr : node->Data;
 }
@@ -58,7 +58,7 @@ class ClModel {
         m_entries.erase(m_entries.begin() + index);
         return 1;
     }
-    // To be asked before the container is.
+    // Call it before the container deletes.
     status_t DeleteByData(const void* data) {
         if (data == nullptr) return 4;
         if (m_entries.empty()) return m_type == kRedBlackTree ? 5 : 4;
@@ -96,8 +96,8 @@ class ClModel {
     bool IsTree() const { return m_type >= kRedBlackTree; }
     const void* ToDelete(int32_t key) const {
         const ContainerRecord_t& record = *m_container.handle;
-        if (m_type == kRedBlackTree) return FirstOnTheWay<RBNode_t>(record.RBRoot, &record.Sentinel, key);
-        if (m_type == kAVLTree) return FirstOnTheWay<AVLNode_t>(record.AVLRoot, nullptr, key);
+        if (m_type == kRedBlackTree) return FirstOnPath<RBNode_t>(record.RBRoot, &record.Sentinel, key);
+        if (m_type == kAVLTree) return FirstOnPath<AVLNode_t>(record.AVLRoot, nullptr, key);
         const auto place = std::ranges::find_if(m_entries, [&](void* entry) { return KeyOf(entry) == key; });
         return place == m_entries.end() ? nullptr : *place;
     }
@@ -136,7 +136,7 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
     int32_t nextRead = 0, target = 0;
     size_t largest = 0;
     for (int step = 0; step < 100'000; ++step) {
-        // Towards another size every now and then, empty among them.
+        // The target size changes now and then, also to 0.
         if (step % 500 == 0) target = upTo(3) == 0 ? 0 : upTo(200);
         const bool growing = model.Size() < target;
         Entry_t wanted{upTo(run.keys)};
@@ -173,7 +173,7 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
             if (!growing) data = newEntry();
             right = model.UpdateNode(sought, data);
             status = UpdateNode(handle, sought, data);
-        } else {  // mostly rising, as the remembered place has it, with jumps between
+        } else {  // mostly by rising index, which uses the remembered place
             const int32_t place = upTo(3) == 0 ? index : nextRead;
             right = model.RetrieveFromIndex(&expected, place);
             status = RetrieveFromIndex(handle, &got, place);

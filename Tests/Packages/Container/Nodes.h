@@ -1,11 +1,9 @@
-// Looks behind a container's handle: reads the nodes as they stand, and checks what each kind promises about them.
+// Reads a container's nodes directly and checks the invariants of each kind.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "Packages/Container/Sources/ContainerRecord.h"
@@ -18,7 +16,7 @@ struct Entry_t {
 inline int32_t KeyOf(const void* data) { return static_cast<const Entry_t*>(data)->Key; }
 inline int32_t CompareKeys(const void* first, const void* second) { return KeyOf(first) - KeyOf(second); }
 
-// A container of the test's own, emptied and closed at the end: entries are to be declared before it.
+// A container that is emptied and closed at the end. Declare its entries before it.
 class ClContainer {
   public:
     explicit ClContainer(uint32_t type, ContainerCompare_t compare = CompareKeys, const char* name = "ContainerTest") {
@@ -38,8 +36,7 @@ class ClContainer {
     }
     bool IsTree() const { return handle->ContainerType >= kRedBlackTree; }
     std::vector<void*> Entries() const;  // in order
-    void Check() const;                  // the kind's promises
-    std::string Shape() const;           // of a tree: 2(1,3), for a red-black tree 2B(1R,3R)
+    void Check() const;                  // the kind's invariants
 
     ContainerHandle_t handle = nullptr;
 };
@@ -75,7 +72,7 @@ inline void CheckList(const ContainerRecord_t& list) {
     ASSERT_EQ(list.ListCount, count);
 }
 
-// Gives the number of black nodes on each path down from `node`.
+// Returns the number of black nodes on each path down from `node`.
 inline int CheckRB(const RBNode_t* node, const RBNode_t* absent) {
     if (node == absent) return 0;
     for (const RBNode_t* child : {node->Left, node->Right}) {
@@ -113,27 +110,4 @@ inline void ClContainer::Check() const {
     } else {
         CheckList(*handle);
     }
-}
-
-template <class Node_t>
-void WriteShape(std::ostream& shape, const Node_t* node, const Node_t* absent, const char* (*mark)(const Node_t*)) {
-    if (node == absent) return;
-    shape << KeyOf(node->Data) << mark(node);
-    if (node->Left == absent && node->Right == absent) return;
-    shape << '(';
-    WriteShape<Node_t>(shape, node->Left, absent, mark);
-    shape << ',';
-    WriteShape<Node_t>(shape, node->Right, absent, mark);
-    shape << ')';
-}
-
-inline std::string ClContainer::Shape() const {
-    std::ostringstream shape;
-    if (handle->ContainerType == kAVLTree) {
-        WriteShape<AVLNode_t>(shape, handle->AVLRoot, nullptr, [](const AVLNode_t*) { return ""; });
-    } else {
-        WriteShape<RBNode_t>(shape, handle->RBRoot, &handle->Sentinel,
-                             [](const RBNode_t* node) { return node->Color == kRed ? "R" : "B"; });
-    }
-    return shape.str();
 }

@@ -19,7 +19,7 @@ class ClDebugConfig : public ClTraceTest {
     }
 };
 
-// Each text of tokens with the bits that it gives one setting of handle A; the other settings keep their defaults.
+// Texts of tokens, each with the bits that it gives one setting of handle A. Other settings keep their defaults.
 TEST_F(ClDebugConfig, TokensAddUpFromLeftToRight) {
     const struct {
         const char *key, *texts;
@@ -42,7 +42,7 @@ TEST_F(ClDebugConfig, TokensAddUpFromLeftToRight) {
     }
 }
 
-// Each text follows a line that gives handle A the mask 1. A bad one takes that away as well.
+// Each text follows a line that gives handle A the mask 1. A bad text takes that mask away, too.
 TEST_F(ClDebugConfig, TakesAndRefusesLines) {
     using namespace std::string_literals;
     const std::string comment255 = "#" + std::string(254, 'x');
@@ -52,7 +52,7 @@ TEST_F(ClDebugConfig, TakesAndRefusesLines) {
         uint64_t traceMask;
     } kCases[] = {
         {"white space anywhere",          "A : Trace\tType < I n >\r\n",                    2},
-        {"text behind the value",         "A:TraceType<In>:<>#",                            2},
+        {"text after the value",          "A:TraceType<In>:<>#",                            2},
         {"the last of a key counts",      "A:TraceType<In>\nA:TraceType<Pa>",               4},
         {"an empty value",                "A:TraceType<>",                                  0},
         {"another package",               "B:TraceType<In>",                                1},
@@ -79,8 +79,8 @@ TEST_F(ClDebugConfig, TakesAndRefusesLines) {
         {"a single letter",               "A:TraceType<Inx>",                               0},
         {"unknown token",                 "A:TraceType<InXx>",                              0},
         {"a token of another key",        "A:TraceType<Co>",                                0},
-        {"a header with more behind it",  "[GLOBAL]x",                                      0},
-        {"good lines behind a bad one",   "x\nA:TraceType<Al>",                             0},
+        {"a header with more after it",   "[GLOBAL]x",                                      0},
+        {"good lines after a bad one",    "x\nA:TraceType<Al>",                             0},
     };
     for (const auto& c : kCases) {
         Restart("A:TraceType<En>\n" + c.text);
@@ -179,7 +179,7 @@ TEST_F(ClDebugConfig, TheFileIsReadOnceInAProcess) {
     EXPECT_EQ(Open("A")->TraceMask, 0u);
 }
 
-TEST_F(ClDebugConfig, AHostsTextStandsInForTheFile) {
+TEST_F(ClDebugConfig, HostsTextReplacesTheFile) {
     const std::string longLine = "#" + std::string(254, 'x') + "A:TraceType<In>;A:TraceFormatType<Fn>";
     const struct {
         std::string text;
@@ -192,7 +192,7 @@ TEST_F(ClDebugConfig, AHostsTextStandsInForTheFile) {
         {"A:TraceType<In>;#A:TraceType<Pa>;",        1, 2, 15},
         {"",                                         1, 0, 15},
         {longLine,                                   1, 2, 1 }, // in pieces, as from a file
-  // The file counts after a text that is refused.
+  // The file is read after a refused text.
         {"A:TraceType<Xx>",                          5, 1, 15},
         {"Global:TraceType<In>;bad",                 5, 1, 15},
     };

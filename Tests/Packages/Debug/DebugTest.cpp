@@ -50,7 +50,7 @@ TEST_F(ClDebug, AFreshHandleHasItsDefaultsAndIsSilent) {
     EXPECT_EQ(DebugLibExit(handle), kSuccess);
 }
 
-TEST_F(ClDebug, HeaderHoldsThePartsThatTheFormatNames) {
+TEST_F(ClDebug, HeaderHasThePartsThatTheFormatNames) {
     const struct {
         const char* what;
         uint32_t format, level, line;
@@ -147,7 +147,7 @@ TEST_F(ClDebug, EachOutputGetsTheLineThatItsBitAsksFor) {
         {1, 8,  "\n m", "",     "",     ""    },
         {2, 8,  "",     "",     "\n m", "\n m"},
         {2, 0,  "",     "",     "",     "\n m"}, // LogToPackageStream is off
-        {4, 8,  "",     "",     "",     ""    }, // the internal output needs another one beside it
+        {4, 8,  "",     "",     "",     ""    }, // the internal output needs another output, too
         {5, 8,  "\n m", "\n m", "",     ""    },
         {6, 8,  "",     "\n m", "\n m", "\n m"},
         {7, 24, "\n m", "\n m", "\n m", "\n m"},
@@ -178,7 +178,7 @@ TEST_F(ClDebug, FlushingShowsALineAtOnce) {
     DebugSetTraceFormat(handle, kAllFormats, false);
     DebugSetOutputType(handle, kFileOutput, true);
     DebugTrace(handle, "", "F", 1, kInfo, "1");
-    // How much of a line that isn't flushed has reached the file is the runtime's matter, but it isn't all of it.
+    // A line that isn't flushed may have reached the file in part, but not as a whole.
     EXPECT_NE(ReadFile("package.log"), "\n 1");
     DebugSetFlag(handle, kFlagFlush, true);
     DebugTrace(handle, "", "F", 1, kInfo, "2");
@@ -209,7 +209,7 @@ TEST_F(ClDebug, AHandleOpenedTwiceLivesUntilItsSecondExit) {
     EXPECT_EQ(first->TraceMask, 0u);
     EXPECT_EQ(DebugLibExit(first), kSuccess);
 
-    // One that counts as many references as it can takes no more.
+    // A handle with the largest count of references takes no more.
     other->RefCount = UINT16_MAX;
     EXPECT_EQ(DebugLibInit("B", &second), kFailure);
     EXPECT_EQ(second, nullptr);
@@ -235,35 +235,36 @@ TEST_F(ClDebug, NullAndUnknownHandlesAreRefused) {
 enum class Locked_t { Refused, PassedOver, Changed };
 
 TEST_F(ClDebug, EachSetterChangesItsHandlesOrRefuses) {
-#define CALL(expression) [](DebugHandle_t) -> status_t { return expression; }
-#define CALL_WITH(h, expression) [](DebugHandle_t h) -> status_t { return expression; }
+#define CALL(...) []([[maybe_unused]] DebugHandle_t h) -> status_t { return __VA_ARGS__; }
+#define SETTER(function, locked, good, bad, status) \
+    { #function, locked, #good[1] == 'h', CALL(function good), CALL(function bad), status }
+#define SETTER_OF_ANYTHING(function, locked, good) \
+    { #function, locked, #good[1] == 'h', CALL(function good), nullptr, kSuccess }
     using enum Locked_t;
     const struct {
         const char* what;
         Locked_t locked;
         bool ofOneHandle;
-        status_t (*good)(DebugHandle_t);  // changes a fresh handle
-        status_t (*bad)(DebugHandle_t);   // has an argument that is refused with `badStatus`; may be null
+        status_t (*good)(DebugHandle_t h);  // changes a fresh handle
+        status_t (*bad)(DebugHandle_t h);   // has an argument that is refused with `badStatus`; may be null
         status_t badStatus;
     } kCases[] = {
-  // clang-format off
-        {"TraceMask", Refused, true, CALL_WITH(h, DebugSetTraceMask(h, 63, true)), CALL_WITH(h, DebugSetTraceMask(h, 64, true)), kBadValue},
-        {"OutputType", Refused, true, CALL_WITH(h, DebugSetOutputType(h, 6, true)), CALL_WITH(h, DebugSetOutputType(h, 8, true)), kBadValue},
-        {"TraceFormat", Refused, true, CALL_WITH(h, DebugSetTraceFormat(h, 4, false)), CALL_WITH(h, DebugSetTraceFormat(h, 16, true)), kBadValue},
-        {"Flag", Changed, true, CALL_WITH(h, DebugSetFlag(h, 1, true)), CALL_WITH(h, DebugSetFlag(h, 64, true)), kBadValue},
-        {"Callback", Refused, true, CALL_WITH(h, DebugSetCallback(h, Callback)), nullptr, kSuccess},
-        {"CallbackMask", Refused, true, CALL_WITH(h, DebugSetCallbackMask(h, 0)), nullptr, kSuccess},
-        {"ConsoleFunction", Refused, true, CALL_WITH(h, DebugSetConsoleFunction(h, PrintInternal)), CALL_WITH(h, DebugSetConsoleFunction(h, nullptr)), kNullPointer},
-        {"FileFunction", Refused, true, CALL_WITH(h, DebugSetFileFunction(h, std::fprintf)), CALL_WITH(h, DebugSetFileFunction(h, nullptr)), kNullPointer},
-        {"InternalFunction", Refused, true, CALL_WITH(h, DebugSetInternalFunction(h, PrintInternal)), CALL_WITH(h, DebugSetInternalFunction(h, nullptr)), kNullPointer},
-        {"PackageStream", Refused, true, CALL_WITH(h, DebugSetPackageStream(h, stderr)), CALL_WITH(h, DebugSetPackageStream(h, nullptr)), kNullPointer},
-        {"all TraceMask", PassedOver, false, CALL(DebugSetAllTraceMask(63, true)), CALL(DebugSetAllTraceMask(64, true)), kBadValue},
-        {"all OutputType", PassedOver, false, CALL(DebugSetAllOutputType(6, true)), CALL(DebugSetAllOutputType(8, true)), kBadValue},
-        {"all TraceFormat", PassedOver, false, CALL(DebugSetAllTraceFormat(4, false)), CALL(DebugSetAllTraceFormat(16, true)), kBadValue},
-        {"GlobalStream", PassedOver, false, CALL(DebugSetGlobalStreamAll(stderr)), CALL(DebugSetGlobalStreamAll(nullptr)), kNullPointer},
-        {"all Flags", Changed, false, CALL(DebugSetAllFlags(1, true)), CALL(DebugSetAllFlags(16, true)), kBadValue},
-        {"GlobalFlush", Changed, false, CALL(DebugSetGlobalFlush(true)), nullptr, kSuccess},
-  // clang-format on
+        SETTER(DebugSetTraceMask, Refused, (h, 63, true), (h, 64, true), kBadValue),
+        SETTER(DebugSetOutputType, Refused, (h, 6, true), (h, 8, true), kBadValue),
+        SETTER(DebugSetTraceFormat, Refused, (h, 4, false), (h, 16, true), kBadValue),
+        SETTER(DebugSetFlag, Changed, (h, 1, true), (h, 64, true), kBadValue),
+        SETTER_OF_ANYTHING(DebugSetCallback, Refused, (h, Callback)),
+        SETTER_OF_ANYTHING(DebugSetCallbackMask, Refused, (h, 0)),
+        SETTER(DebugSetConsoleFunction, Refused, (h, PrintInternal), (h, nullptr), kNullPointer),
+        SETTER(DebugSetFileFunction, Refused, (h, std::fprintf), (h, nullptr), kNullPointer),
+        SETTER(DebugSetInternalFunction, Refused, (h, PrintInternal), (h, nullptr), kNullPointer),
+        SETTER(DebugSetPackageStream, Refused, (h, stderr), (h, nullptr), kNullPointer),
+        SETTER(DebugSetAllTraceMask, PassedOver, (63, true), (64, true), kBadValue),
+        SETTER(DebugSetAllOutputType, PassedOver, (6, true), (8, true), kBadValue),
+        SETTER(DebugSetAllTraceFormat, PassedOver, (4, false), (16, true), kBadValue),
+        SETTER(DebugSetGlobalStreamAll, PassedOver, (stderr), (nullptr), kNullPointer),
+        SETTER(DebugSetAllFlags, Changed, (1, true), (16, true), kBadValue),
+        SETTER_OF_ANYTHING(DebugSetGlobalFlush, Changed, (true)),
     };
     for (const auto& c : kCases) {
         DebugHandle_t handle = Open("A");

@@ -1,4 +1,4 @@
-// A process that has not traced yet, in an empty working folder of its own, and what a handle prints.
+// A fixture with an empty working folder, no trace handle and no configuration, and what a handle prints.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// ACPI tables, PCI segments, and extended configuration space behind them.
+// ACPI tables, PCI segments, and the extended configuration space that they locate.
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/OS.h"
 #include "Tests/Packages/FERROXLib/Library.h"
@@ -7,29 +7,6 @@ namespace {
 
 using ACPI = ClLibraryTest;
 
-struct Entry_t {
-    uint64_t base;
-    uint16_t segment;
-    uint8_t startBus, endBus;
-};
-
-// An MCFG table with these entries; `length` is what it says of itself, 0 for the truth.
-std::vector<uint8_t> MCFG(const std::vector<Entry_t>& entries, uint32_t length = 0) {
-    std::vector<uint8_t> table(44);
-    table[0] = 'M';
-    const auto put = [&table](size_t place, uint64_t number, size_t size) {
-        for (size_t byte = 0; byte < size; ++byte) table[place + byte] = static_cast<uint8_t>(number >> 8 * byte);
-    };
-    for (const auto& entry : entries) {
-        const size_t place = table.size();
-        table.resize(place + 16, 0xAA);
-        put(place, entry.base, 8);
-        put(place + 8, entry.segment | uint64_t{entry.startBus} << 16 | uint64_t{entry.endBus} << 24, 4);
-    }
-    put(4, length == 0 ? table.size() : length, 4);
-    return table;
-}
-
 }  // namespace
 
 TEST_F(ACPI, TableIntoANewBlock) {
@@ -37,7 +14,7 @@ TEST_F(ACPI, TableIntoANewBlock) {
     DataBuffer_t* table = nullptr;
     ASSERT_EQ(GetACPITable("FACP", &table), kSuccess);
     EXPECT_EQ(table->Size, 5u);
-    EXPECT_EQ(Hex(table->Data(), 5), "01 02 03 04 05");
+    EXPECT_EQ(Hex({table->Data(), 5}), "01 02 03 04 05");
     os_FreeBlock(table);
 
     table = nullptr;
@@ -63,8 +40,8 @@ TEST_F(ACPI, ListOfTables) {
     EXPECT_EQ(os_ListACPITables(), (std::vector<uint32_t>{0x43495041, 0x50434146}));
 }
 
-// The size is what the second look gave, and never more than there is room for.
-TEST_F(ACPI, TableThatChangesBetweenTheLooks) {
+// The second query gives the size, which is never more than the buffer has room for.
+TEST_F(ACPI, TableThatChangesBetweenTheQueries) {
     Machine().tables["FACP"] = {1, 2, 3, 4, 5};
     const struct {
         const char* what;
@@ -120,11 +97,11 @@ TEST_F(ACPI, TableIntoTheCallersBuffer) {
 }
 
 TEST_F(ACPI, SegmentsOfMCFG) {
-    const Entry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
+    const SegmentEntry_t kSegment = {0x12345678ABCDE000, 0x0102, 3, 0x7F};
     const struct {
         const char* what;
-        size_t entries;   // that the table has room for
-        uint32_t length;  // that it says it has; 0 for the truth
+        size_t entries;   // in the table
+        uint32_t length;  // that its header states; 0 for the true one
         status_t status;
         uint32_t count;
     } kCases[] = {
@@ -139,7 +116,7 @@ TEST_F(ACPI, SegmentsOfMCFG) {
     };
     for (const auto& c : kCases) {
         Machine().tables["MCFG"] = MCFG(std::vector(c.entries, kSegment), c.length);
-        // As large as the table's count of entries, so that the sanitizers see one too many.
+        // Without spare entries, so that the sanitizers detect one too many.
         std::vector<SegBusInfo_t> segments(std::max(c.count, 1u));
         uint32_t count = 99;
         EXPECT_EQ(OSGetSegBusInfoWithCount(segments.data(), &count), c.status) << c.what;
@@ -152,7 +129,7 @@ TEST_F(ACPI, SegmentsOfMCFG) {
         EXPECT_EQ(uint32_t{last.SegmentCount}, c.count) << c.what;
     }
     SegBusInfo_t segment = {};
-    Machine().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // no whole header
+    Machine().tables["MCFG"] = {'M', 'C', 'F', 'G', 0xFF, 0xFF};  // the header is cut
     EXPECT_EQ(GetSegBusInfo(&segment), kFailure);
     EXPECT_TRUE(Machine().Traced(2, "Total Number of segments = 256"));
     EXPECT_TRUE(
@@ -169,7 +146,7 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
     Machine().tables["MCFG"] = MCFG({
         {0xE0000000, 0, 0, 255}
     });
-    Machine().tableAnswers = {44, 44, 60};  // grown at the third look
+    Machine().tableAnswers = {44, 44, 60};  // larger at the third query
     EXPECT_EQ(OSGetSegBusInfoWithCount(&segment, &count), kBadValue);
     EXPECT_TRUE(Machine().Traced(16, "ERROR in OSGetSegBusInfo status =  2"));
     ClScriptedWindows::failAllocationOf = 64;

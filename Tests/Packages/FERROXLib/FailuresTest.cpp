@@ -1,6 +1,4 @@
-// The lower storey as a whole: every call to the platform made to fail in turn, under a package that reads this
-// machine's table, and how far that came.
-#include "CInterface/quorlin_c.h"
+// The lower storey as a whole: a package reads this machine's table, while each call to the platform fails in turn.
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
@@ -10,10 +8,9 @@ namespace {
 
 using Failures = ClMachineTest;
 
-// The first structures of the sample.
 std::span<const uint8_t> Table() { return SampleTable().first(900); }
 
-// They as this machine's table, for the first road.
+// Puts the table where the first access method finds it.
 void PutTableInFirmware() {
     const auto table = Table();
     std::vector<uint8_t> answer = {0, 3, 0, 0, 0, 0, 0, 0};
@@ -21,7 +18,7 @@ void PutTableInFirmware() {
     Machine().tables["RSMB"] = answer;
 }
 
-// The same for the second road: in memory, with both entry points, the later one in the second block of the scan.
+// Puts the table where the second access method finds it. One entry point is in the second block of the scan.
 void PutTableInMemory() {
     PutEntry(0xF0000);
     PutDMI(0xF1000, Table().size());
@@ -29,7 +26,7 @@ void PutTableInMemory() {
     for (const uint8_t byte : Table()) Machine().memory[address++] = byte;
 }
 
-// The items that a host gets out of the package.
+// The number of items that a host gets from the package.
 uint32_t ReadPackage() {
     auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
     const uint32_t items = package->Initialize() == kSuccess ? package->GetItemCount() : 0;
@@ -38,7 +35,7 @@ uint32_t ReadPackage() {
     return items;
 }
 
-// Calls without which the library goes on, or takes the other road.
+// True for calls that the library can do without.
 bool GoesOnWithout(const std::string& call) {
     static const std::set<std::string> kCalls = {"InitializeSecurityDescriptor#1", "SetSecurityDescriptorDacl#1",
                                                  "OpenSCManagerA#1", "OpenServiceA#1"};
@@ -52,9 +49,9 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
         const char* what;
         bool inFirmware, inMemory;
     } kMachines[] = {
-        {"first road",  true,  false},
-        {"second road", false, true },
-        {"both",        true,  true },
+        {"first method",  true,  false},
+        {"second method", false, true },
+        {"both",          true,  true },
     };
     for (const auto& machine : kMachines) {
         const auto start = [&machine] {
@@ -76,20 +73,20 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
             ASSERT_GE(Machine().calls.size(), number);
             const std::string failed = Machine().calls[number - 1];
             const std::string at = std::string(machine.what) + ", " + failed;
-            // All of the table or nothing; and all if the library can do without the call, or made it on closing.
+            // The whole table or nothing; the whole table if the library can do without the call.
             EXPECT_TRUE(items == whole || (items == 0 && !GoesOnWithout(failed))) << at << ": " << items;
             const bool wasLeftOpen = FERROXTerminate() == kSuccess;
             const int traceHandlesLeft = Machine().traceHandles;
             if (wasLeftOpen) {
-                // Closing failed for want of the lock, which changes nothing: a second attempt succeeds.
+                // Closing couldn't take the lock, which changes nothing: a second attempt succeeds.
                 EXPECT_EQ(items, whole) << at;
                 EXPECT_TRUE(failed.starts_with("CreateMutexA") || failed.starts_with("WaitForSingleObject")) << at;
             } else if (Machine().Open().find("device") != std::string::npos) {
                 EXPECT_TRUE(failed == "GetActiveProcessorCount#1" || failed == "DeviceIoControl#1") << at;
                 EXPECT_EQ(items, 0u) << at;
-                Machine().section = 0;  // takes back the count that a failed hypervisor test leaves raised
+                Machine().section = 0;  // a failed hypervisor test has counted already
             } else if (items == whole && Machine().Open() != "") {
-                // A stop or a removal that failed; a driver that runs on has its file locked.
+                // The stop or the removal failed; the file of a driver that still runs is locked.
                 EXPECT_EQ(Machine().Open(), Machine().service.state == SERVICE_RUNNING ||
                                                     failed == "CloseHandle file#1" ||
                                                     failed.starts_with("QueryServiceStatusEx")
@@ -102,7 +99,7 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
                 EXPECT_EQ(traceHandlesLeft, 0) << at;
             }
             EXPECT_FALSE(Machine().mutexHeld) << at;
-            // The next host finds everything working, and leaves the machine as it was.
+            // The next host reads everything and leaves the machine as it was.
             EXPECT_EQ(ReadPackage(), whole) << at;
             EXPECT_EQ(Machine().Open(), "") << at;
             EXPECT_FALSE(Machine().service.exists) << at;
@@ -113,7 +110,7 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
     NewMachine();
 }
 
-// A driver that starts, opens and then refuses CPUID, which the library by itself leaves running.
+// FERROXInitialize alone leaves a driver running that starts, opens and then refuses CPUID.
 TEST_F(Failures, OfCPUIDLeaveTheCInterfaceNoDriver) {
     for (const char* failing : {"DeviceIoControl#1", "GetActiveProcessorCount#1", "DeviceIoControl#4", "none"}) {
         NewMachine();

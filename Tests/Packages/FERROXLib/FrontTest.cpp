@@ -1,4 +1,4 @@
-// The front's checks, lines and counts.
+// The front's argument checks and its counting of users.
 #include <functional>
 #include <span>
 #include <utility>
@@ -15,8 +15,6 @@ using FrontLife = ClMachineTest;
 ClBuffer one(1), four(4), five(5), none(0, 0);
 ClBuffer hugest(0xFFFFFFFF, 0);
 MSRRecord_t msr = {};
-CPUIDRecord_t cpuid = {};
-NonTurboRecord_t nonTurbo = {};
 uint32_t word;
 uint64_t base;
 DataBuffer_t* table;
@@ -33,17 +31,6 @@ status_t MoveDynamic(uint64_t, uint32_t registerOffset, DataBuffer_t* buffer) {
     return kMove(&record, buffer);
 }
 
-template <status_t kStatus, class... Arguments_t>
-status_t Gives(Arguments_t...) {
-    return kStatus;
-}
-
-// A machine of which each operation fails with a status of its own: 100 and its place in the table.
-template <status_t... kSlots>
-constexpr HardwareServices_t Failing(std::integer_sequence<status_t, kSlots...>) {
-    return {Gives<100 + kSlots>..., Gives<0>, nullptr};
-}
-
 }  // namespace
 
 TEST_F(Front, ChecksArgumentsBeforeTheDriverIsAsked) {
@@ -53,26 +40,19 @@ TEST_F(Front, ChecksArgumentsBeforeTheDriverIsAsked) {
         status_t status;
     } kCases[] = {
         {"library version",     [] { return GetFERROXLibVersion(nullptr); },                4},
-        {"driver version",      [] { return GetFERROXDriverVersion(nullptr); },             4},
-        {"PCI null",            [] { return PCIRead(0, 65535, nullptr); },                  4},
         {"PCI above 256",       [] { return PCIRead(0, 252, five.Get()); },                 2},
         {"PCI offset",          [] { return PCIRead(0, 65535, none.Get()); },               2},
         {"PCI sum wraps",       [] { return PCIRead(0, 1, hugest.Get()); },                 2},
-        {"PCIEx null",          [] { return PCIExRead(0, 0, nullptr); },                    4},
         {"PCIEx above 4096",    [] { return PCIExRead(0, 4092, five.Get()); },              2},
         {"PCIEx offset",        [] { return PCIExRead(0, 65535, none.Get()); },             2},
         {"dynamic record null", [] { return PCIMMIOReadDynamic(nullptr, four.Get()); },     4},
-        {"port null",           [] { return ReadWakeupTimer(255, nullptr); },               4},
         {"port 255",            [] { return ReadWakeupTimer(255, one.Get()); },             2},
         {"port size above 4",   [] { return ReadWakeupTimer(254, five.Get()); },            2},
         {"port write 255",      [] { return ConfigureWakeUpTimer(255, one.Get()); },        2},
         {"port write above 4",  [] { return ConfigureWakeUpTimer(254, five.Get()); },       2},
-        {"MSR null",            [] { return ReadMSR(nullptr); },                            4},
         {"MSR 0",               [] { return ReadMSR(Register(0)); },                        2},
         {"MSR 65535",           [] { return ReadMSR(Register(65535)); },                    2},
         {"MSR write 0",         [] { return WriteMSR(Register(0)); },                       2},
-        {"CPUID null",          [] { return ReadCPUID(0, nullptr); },                       4},
-        {"non-turbo null",      [] { return CalcFreqNonTurbo(nullptr); },                   4},
         {"ACPI name null",      [] { return GetACPITable(nullptr, &table); },               4},
         {"ACPI table null",     [] { return GetACPITable("FACP", nullptr); },               4},
         {"ACPI Ex name null",   [] { return GetACPITableEx(nullptr, four.Get(), &word); },  4},
@@ -82,21 +62,9 @@ TEST_F(Front, ChecksArgumentsBeforeTheDriverIsAsked) {
         {"segments null",       [] { return GetSegBusInfo(nullptr); },                      4},
     };
     for (const auto& c : kCases) EXPECT_EQ(c.call(), c.status) << c.what;
+    EXPECT_TRUE(Machine().Traced(4, "PCIExRead:RegisterOffset = 4092 size  = 5"));
     EXPECT_EQ(Machine().requests.size(), 0u);
     EXPECT_FALSE(Machine().Called("GetSystemFirmwareTable"));
-}
-
-TEST_F(Front, TracesEntryArgumentsAndExit) {
-    ClBuffer buffer(8);
-    PCIExRead(0, 16, buffer.Get());
-    const auto& lines = Machine().lines;
-    ASSERT_GE(lines.size(), 3u);
-    EXPECT_EQ(lines.front().level, 1u);
-    EXPECT_EQ(lines.front().text, "PCIExRead");
-    EXPECT_EQ(lines[1].level, 4u);
-    EXPECT_EQ(lines[1].text, "PCIExRead:RegisterOffset = 16 size  = 8");
-    EXPECT_EQ(lines.back().level, 32u);
-    EXPECT_EQ(lines.back().text, "PCIExRead");
 }
 
 TEST_F(Front, BytesAreMovedAtGoodPlacesOnly) {
@@ -121,7 +89,6 @@ TEST_F(Front, BytesAreMovedAtGoodPlacesOnly) {
     };
     for (const auto& c : kMoves) {
         const std::string line = std::string(c.name) + ": Invalid register offset status = 2\n";
-        EXPECT_EQ(c.move(0x1000, 65535, nullptr), kNullPointer) << c.name;
         EXPECT_EQ(c.move(0x1000, 0, none.Get()), kBadValue) << c.name;
         EXPECT_FALSE(Machine().Traced(16, line)) << c.name;
         for (const auto& [address, offset] : std::span(kBadPlaces).first(c.hasAddress ? 3 : 1)) {
@@ -130,18 +97,6 @@ TEST_F(Front, BytesAreMovedAtGoodPlacesOnly) {
             EXPECT_EQ(Machine().Traced(16, line), c.told) << c.name;
         }
     }
-    EXPECT_EQ(Machine().requests.size(), 0u);
-}
-
-TEST_F(Front, ClosedLibraryReachesNoDriver) {
-    ASSERT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_EQ(PCIRead(0, 0, four.Get()), 0u);
-    EXPECT_EQ(GetSystemTables(0xF0000, 0, four.Get()), 0u);
-    EXPECT_EQ(ReadMSR(Register(0x10)), 0u);
-    EXPECT_EQ(ReadCPUID(0, &cpuid), 0u);
-    EXPECT_EQ(ReadWakeupTimer(0x70, one.Get()), 0u);
-    EXPECT_EQ(GetFERROXDriverVersion(&word), kFailure);
-    EXPECT_EQ(CalcFreqNonTurbo(&nonTurbo), kFailure);
     EXPECT_EQ(Machine().requests.size(), 0u);
 }
 
@@ -176,44 +131,4 @@ TEST_F(FrontLife, TakesTheLockOfADeadHolder) {
     EXPECT_EQ(FERROXTerminate(), kFailure);
     Machine().waitAnswer = WAIT_OBJECT_0;
     EXPECT_EQ(FERROXTerminate(), kSuccess);
-}
-
-// The front hands on what the machine's operation gives, and an operation that the machine doesn't have gives 6.
-TEST(Hardware, EachOperationIsTheMachines) {
-    static const DynamicMMIORecord_t dynamic = {1, 2, 3};
-    msr.Msr = 1;
-    const HardwareServices_t failing = Failing(std::make_integer_sequence<status_t, 22>()), empty = {};
-    const std::function<status_t()> kOperations[] = {
-        FERROXInitialize,
-        [] { return GetFERROXDriverVersion(&word); },
-        [] { return GetPCILibVersion(&word); },
-        [] { return GetIOLibVersion(&word); },
-        [] { return GetCPULibVersion(&word); },
-        [] { return PCIRead(0, 0, four.Get()); },
-        [] { return PCIExRead(0, 0, four.Get()); },
-        [] { return PCIMMIORead(1, 0, four.Get()); },
-        [] { return PCIMMIOReadStored(1, 0, four.Get()); },
-        [] { return MMIOReadGPIO(1, 0, four.Get()); },
-        [] { return PCIMMIOWriteStored(1, 0, four.Get()); },
-        [] { return MMIOWriteGPIO(1, 0, four.Get()); },
-        [] { return GetSystemTables(1, 0, four.Get()); },
-        [] { return PCIMMIOReadDynamic(&dynamic, four.Get()); },
-        [] { return PCIMMIOWriteDynamic(&dynamic, four.Get()); },
-        [] { return ReadWakeupTimer(1, one.Get()); },
-        [] { return ConfigureWakeUpTimer(1, one.Get()); },
-        [] { return ReadMSR(&msr); },
-        [] { return WriteMSR(&msr); },
-        [] { return ReadCPUID(0, &cpuid); },
-        [] { return CalcFreqNonTurbo(&nonTurbo); },
-    };
-    for (const HardwareServices_t* machine : {&failing, &empty}) {
-        UseHardware(*machine);
-        status_t status = 100;
-        for (const auto& operation : kOperations) {
-            EXPECT_EQ(operation(), machine == &empty ? kNotSupported : status) << status;
-            status += status == 100 ? 2 : 1;  // FERROXTerminate has nothing to end here
-        }
-        EXPECT_EQ(GetACPITable("MCFG", &table), kFailure);
-    }
-    UseHardware(kThisHardware);
 }

@@ -1,8 +1,9 @@
-// What the hardware library's tests share: a library on a scripted machine, and a caller's buffer.
+// What the hardware library's tests share: a library on a scripted machine, and tables in that machine's memory.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -11,17 +12,18 @@
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 #include "Tests/Support/Buffer.h"
 
-// "0f a0": two digits a byte.
-inline std::string Hex(const uint8_t* bytes, size_t size) {
+// "0f a0": two digits for each byte.
+inline std::string Hex(std::span<const uint8_t> bytes) {
     std::string text;
-    for (size_t index = 0; index < size; ++index) {
-        char digits[4];
-        std::snprintf(digits, sizeof(digits), "%02x ", bytes[index]);
+    char digits[4];
+    for (const uint8_t byte : bytes) {
+        std::snprintf(digits, sizeof(digits), "%02x ", byte);
         text += digits;
     }
-    if (!text.empty()) text.pop_back();
-    return text;
+    return text.substr(0, text.size() - !text.empty());
 }
+
+inline std::string Text(const ClBuffer& buffer) { return Hex(buffer.Bytes()); }
 
 // An entry point and a DMI entry in physical memory, for the scan of the BIOS area.
 inline constexpr uint32_t kTable = 0x9F000;
@@ -39,18 +41,35 @@ inline void PutDMI(uint64_t address, size_t length = 5, uint32_t table = kTable)
         {'_', 'D', 'M', 'I', '_', 0, length, length >> 8, table, table >> 8, table >> 16, table >> 24, 1, 0, 0x28});
 }
 
-inline std::string Text(const ClBuffer& buffer) {
-    const std::vector<uint8_t> bytes = buffer.Bytes();
-    return Hex(bytes.data(), bytes.size());
+struct SegmentEntry_t {
+    uint64_t base;
+    uint16_t segment;
+    uint8_t startBus, endBus;
+};
+
+// An MCFG table with these entries. `length` is the length that its header states; 0 means the true one.
+inline std::vector<uint8_t> MCFG(const std::vector<SegmentEntry_t>& entries, uint32_t length = 0) {
+    std::vector<uint8_t> table(44 + 16 * entries.size(), 0xAA);
+    table[0] = 'M';
+    const auto put = [&table](size_t place, uint64_t number, size_t size) {
+        for (size_t byte = 0; byte < size; ++byte) table[place + byte] = static_cast<uint8_t>(number >> 8 * byte);
+    };
+    put(4, length == 0 ? table.size() : length, 4);
+    for (size_t place = 44; const SegmentEntry_t& entry : entries) {
+        put(place, entry.base, 8);
+        put(place + 8, entry.segment | uint64_t{entry.startBus} << 16 | uint64_t{entry.endBus} << 24, 4);
+        place += 16;
+    }
+    return table;
 }
 
-// A machine with its driver's file, and nothing open before and after.
+// Starts with a machine that has the driver's file and nothing open, and expects nothing open at the end.
 class ClMachineTest : public testing::Test {
   protected:
     void SetUp() override { NewMachine(); }
     void TearDown() override {
         while (FERROXTerminate() != kFailure) continue;
-        unlockInstallFile();  // as the end of the process does
+        unlockInstallFile();  // the end of a process closes it
         EXPECT_EQ(Machine().Open(), "");
         EXPECT_EQ(Machine().badCloses, 0);
         EXPECT_EQ(Machine().traceHandles, 0);
@@ -58,7 +77,7 @@ class ClMachineTest : public testing::Test {
     }
 };
 
-// The same with the library open, and its requests not yet noted.
+// The same with the library open and no request noted yet.
 class ClLibraryTest : public ClMachineTest {
   protected:
     void SetUp() override {

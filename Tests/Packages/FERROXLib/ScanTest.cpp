@@ -1,4 +1,4 @@
-// The second access method for the table: the scan of the BIOS area.
+// The scan of the BIOS area, the second access method for the table.
 #include <cstring>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -24,7 +24,7 @@ struct Found_t {
 
 }  // namespace
 
-TEST_F(Scan, FindsBothAnchorsWhereverTheyStand) {
+TEST_F(Scan, FindsBothAnchorsAnywhereInTheArea) {
     const struct {
         const char* what;
         std::vector<uint64_t> entries, dmis;
@@ -52,10 +52,10 @@ TEST_F(Scan, FindsBothAnchorsWhereverTheyStand) {
         EXPECT_EQ(Machine().requests.size(), c.reads) << c.what;
         EXPECT_EQ(found.image != nullptr, c.status == kSuccess) << c.what;
         if (c.status != kSuccess) continue;
-        EXPECT_EQ(Hex(found.entry, kEntryBufferSize), "5f 53 4d 5f 00 1f 02 08 09 0a 0b 0c 0d 0e 0f 10") << c.what;
-        EXPECT_EQ(Hex(found.dmiEntry, kDMIEntryBufferSize), "5f 44 4d 49 5f 00 05 00 00 f0 09 00 01 00 28") << c.what;
+        EXPECT_EQ(Hex(found.entry), "5f 53 4d 5f 00 1f 02 08 09 0a 0b 0c 0d 0e 0f 10") << c.what;
+        EXPECT_EQ(Hex(found.dmiEntry), "5f 44 4d 49 5f 00 05 00 00 f0 09 00 01 00 28") << c.what;
         EXPECT_EQ(found.image->Length, 5u) << c.what;
-        EXPECT_EQ(Hex(found.image->Data(), 5), "00 01 02 03 04") << c.what;  // memory reads as its address
+        EXPECT_EQ(Hex({found.image->Data(), 5}), "00 01 02 03 04") << c.what;  // memory reads as its address
         EXPECT_EQ(Machine().requests.back().Number(8, 8), kTable) << c.what;
     }
 }
@@ -70,7 +70,7 @@ TEST_F(Scan, LaterFindOverwritesWhileTheOtherIsMissing) {
     EXPECT_EQ(found.entry[7], 6);
 }
 
-// The system tells no map of its memory here, but nothing that an entry point names lies at or above 4 GiB.
+// Windows gives no map of its memory, but no table is at or above 4 GiB.
 TEST_F(Scan, ReadsNoTableThatIsNotInMemory) {
     const struct {
         const char* what;
@@ -94,7 +94,7 @@ TEST_F(Scan, ReadsNoTableThatIsNotInMemory) {
         const Found_t found;
         UseHardware(kThisHardware);
         EXPECT_EQ(found.status, c.status) << c.what;
-        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 2u : 1u) << c.what << ": the table is not touched";
+        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 2u : 1u) << c.what << ": the table is not read";
     }
 }
 

@@ -1,4 +1,4 @@
-// The forms in which tables are kept: what is recognised, what is forced, and what a dump that we make holds.
+// The forms of table files: recognised ones, forced ones, and the dumps that the library makes.
 #include "Packages/Format/TableFile.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ Bytes_t With(Bytes_t bytes, size_t more) {
     return bytes;
 }
 
-// The system's answer, whose head states `length` for the bytes behind it.
+// The system's answer, whose header states `length` for the bytes after it.
 Bytes_t Answer(uint8_t method, uint8_t major, uint32_t length, const Bytes_t& behind) {
     Bytes_t answer = {method, major, 4, 0, static_cast<uint8_t>(length), static_cast<uint8_t>(length >> 8), 0, 0};
     for (const uint8_t byte : behind) answer.push_back(byte);
@@ -63,7 +63,7 @@ TEST(TableFile, RecognisesAFormByItsContent) {
     }
 }
 
-TEST(TableFile, RefusesWhatIsNone) {
+TEST(TableFile, RefusesOtherFiles) {
     const struct {
         Bytes_t bytes;
         TableForm_t as;
@@ -87,7 +87,7 @@ TEST(TableFile, RefusesWhatIsNone) {
     }
 }
 
-TEST(TableFile, AFolderHoldsEntryPointAndTable) {
+TEST(TableFile, FolderHasEntryPointAndTable) {
     Bytes_t point = DumpOf(kTable, 2, 7, 0xF0000);
     point.resize(31);
     const TableFound_t found = FindTableInFolder(point, kTable);
@@ -101,7 +101,7 @@ TEST(TableFile, AFolderHoldsEntryPointAndTable) {
     EXPECT_FALSE(FindTableInFolder({promisesMuch.data(), 24}, kHugeTable).isFound);
 }
 
-TEST(TableFile, ADumpHasAnEntryPointThatHolds) {
+TEST(TableFile, DumpHasAValidEntryPoint) {
     const struct {
         Bytes_t table;
         uint8_t major, minor;
@@ -131,11 +131,11 @@ TEST(TableFile, ADumpHasAnEntryPointThatHolds) {
     EXPECT_EQ(dump[0x1E], 0x28);
 }
 
-// "quorlin" and a line's end, compressed; the tail holds checksum and length.
+// "quorlin\n", compressed; checksum and length are at the end.
 const Bytes_t kCompressed = {0x1F, 0x8B, 0x08, 0,    0,    0,    0,    0,    0,    0xFF, 0x2B, 0x2C, 0xCD, 0x2F,
                              0xCA, 0xC9, 0xCC, 0xE3, 0x02, 0x00, 0xE8, 0xA8, 0x65, 0xEC, 0x08, 0,    0,    0};
 
-TEST(TableFile, DecompressesWithAnEndToIt) {
+TEST(TableFile, DecompressesWholeFilesOnly) {
     Bytes_t inflated;
     EXPECT_FALSE(IsCompressed(kTable));
     ASSERT_TRUE(IsCompressed(kCompressed));

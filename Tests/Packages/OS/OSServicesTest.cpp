@@ -17,7 +17,7 @@
 
 namespace fs = std::filesystem;
 
-// This program, told to run one test that is not for other runs; detached without a process record.
+// Starts this program with one disabled test; detached if `process` is null.
 static status_t StartSelf(const char* test, const std::vector<const char*>& environment, ProcessRecord_t* process) {
     static const std::string self = fs::absolute(testing::internal::GetArgvs()[0]).string();
     const std::string filter = std::string("--gtest_filter=OSServicesChild.DISABLED_") + test;
@@ -45,7 +45,7 @@ class OSServices : public testing::Test {
     fs::path m_folder;
 };
 
-TEST_F(OSServices, AProcessGetsItsArgumentsAndItsEnvironmentAlone) {
+TEST_F(OSServices, ProcessGetsItsArgumentsAndOnlyItsEnvironment) {
     const std::string file = "QUORLIN_FILE=" + (m_folder / "written").string();
     ProcessRecord_t process = {};
     ASSERT_EQ(StartSelf("WritesItsEnvironment", {file.c_str(), "QUORLIN_TEXT=a b=c", nullptr}, &process), kSuccess);
@@ -56,11 +56,11 @@ TEST_F(OSServices, AProcessGetsItsArgumentsAndItsEnvironmentAlone) {
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}), "a b=c|1");
 }
 
-TEST_F(OSServices, ADetachedProcessRunsByItself) {
+TEST_F(OSServices, DetachedProcessRuns) {
     const fs::path made = fs::path(testing::TempDir()) / "quorlin-detached";
     fs::remove(made);
     ASSERT_EQ(StartSelf("MakesAFile", {}, nullptr), kSuccess);
-    std::error_code notYet;  // or, on Windows, still open
+    std::error_code notYet;  // on Windows it may still be open
     bool isMade = false;
     for (int tries = 0; !isMade && tries < 600; ++tries) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -69,7 +69,7 @@ TEST_F(OSServices, ADetachedProcessRunsByItself) {
     EXPECT_TRUE(isMade);
 }
 
-TEST_F(OSServices, AProcessIsKilledWithoutWaitingForIt) {
+TEST_F(OSServices, ProcessIsKilledAtOnce) {
     const auto before = std::chrono::steady_clock::now();
     ProcessRecord_t process = {};
     ASSERT_EQ(StartSelf("Waits", {}, &process), kSuccess);
@@ -156,7 +156,7 @@ TEST_F(OSServices, FindsFilesAndNoFolders) {
     EXPECT_EQ(os_FindFiles(nullptr, &names, &count), kFailure);
 }
 
-TEST_F(OSServices, TellsTheMachinesNamesMemoryAndFolder) {
+TEST_F(OSServices, GivesTheMachinesNamesMemoryAndFolder) {
     char* text = nullptr;
     ASSERT_EQ(os_GetOSName(&text), kSuccess);
     EXPECT_NE(text[0], '\0');
@@ -176,7 +176,7 @@ TEST_F(OSServices, TellsTheMachinesNamesMemoryAndFolder) {
     EXPECT_EQ(text, nullptr);
     uint64_t bytes = 0;
     ASSERT_EQ(os_GetMemorySize(&bytes), kSuccess);
-    EXPECT_GE(bytes, uint64_t{64} << 20);  // bytes, not kilobytes: no machine that runs this has less
+    EXPECT_GE(bytes, uint64_t{64} << 20);  // bytes, not kilobytes
     EXPECT_EQ(bytes % 1024, 0u);
     const fs::path before = fs::current_path();
     const fs::path deep = m_folder / std::string(90, 'a') / std::string(90, 'b');
@@ -206,10 +206,10 @@ TEST_F(OSServices, ThreadsMoveToEachProcessor) {
     EXPECT_EQ(os_GetProcessorAffinity(0, nullptr), kNullPointer);
 }
 
-TEST_F(OSServices, TimeIsLocalAndWrittenOut) {
+TEST_F(OSServices, TimeIsLocal) {
     char *text = nullptr, minute[32];
     LocalTime_t now = {};
-    do {  // until the minute stays the same
+    do {  // again if a minute ended in between
         os_FreeBlock(std::exchange(text, nullptr));
         ASSERT_EQ(os_GetDateTimeString(&text), kSuccess);
         ASSERT_EQ(os_GetLocalTime(&now), kSuccess);

@@ -12,7 +12,7 @@ TEST(OS, StrncpyLeavesRoomForTheNul) {
     EXPECT_EQ(std::string(destination), std::string(127, 'x'));
     EXPECT_EQ(destination[128], '#');
 
-    // Nothing behind the NUL is touched, unlike the standard function's filling up.
+    // Unlike the standard function it writes nothing after the NUL.
     std::memset(destination, '#', sizeof destination);
     os_strncpy(destination, "ab", 10);
     EXPECT_EQ(std::string(destination, 4), std::string("ab\0#", 4));

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-// What Windows answers, measured with its own functions over all sequences of 1 to 4 bytes from the classes below.
-TEST(Text, InvalidUtf8TurnsIntoReplacementsWhereWindowsPutsThem) {
+// The expected texts are what Windows' own functions give.
+TEST(Text, InvalidUtf8IsReplacedAsOnWindows) {
     const std::string kR = "\xEF\xBF\xBD";
     const struct {
         const char* what;

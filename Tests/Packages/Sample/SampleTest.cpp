@@ -1,4 +1,4 @@
-// The embedded sample: well-formed, of all types, and with handles that fit.
+// The embedded sample: well-formed, with all types and unique handles.
 #include "Packages/Sample/Sample.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// The structures up to the first one that isn't well-formed; `rest` is what comes after them.
+// The structures up to the first malformed one; `rest` is the number of bytes after them.
 std::vector<TableStructure_t> Walk(std::span<const uint8_t> table, size_t* rest) {
     std::vector<TableStructure_t> structures;
     while (!table.empty()) {
@@ -40,7 +40,7 @@ TEST_F(Sample, IsWellFormedAndSmall) {
     for (const TableStructure_t& s : m_structures) EXPECT_EQ(++handles[s.Handle()], 1) << "handle " << s.Handle();
 }
 
-TEST_F(Sample, HoldsSeveralStructuresOfEachType) {
+TEST_F(Sample, HasSeveralStructuresOfEachType) {
     std::map<int, int> count;
     for (const TableStructure_t& s : m_structures) ++count[s.Type()];
     for (int type = 0; type <= 42; ++type) EXPECT_GE(count[type], 2) << "type " << type;

@@ -1,4 +1,4 @@
-// The store: its walk over well-made and awkward tables, its records, and its set-up and tear-down.
+// The store: its walk over good and bad tables, its records, its set-up and tear-down.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace {
 
 using Bytes_t = std::vector<uint8_t>;
 
-// A store that is up on a table for as long as this object lives.
+// A store with this table, open while the object lives.
 class ClStore {
   public:
     explicit ClStore(const Bytes_t& table) : m_table(table) {
@@ -43,30 +43,29 @@ class ClStore {
     Bytes_t m_table;
 };
 
-Bytes_t Text(std::string_view text) { return {text.begin(), text.end()}; }
-
 TEST(Walk, StopsWhereTheTableEnds) {
-    using namespace std::string_literals;
+    const std::string k32 = "\x20\x04\0\0\0\0"s, k33 = "\x21\x04\0\0\0\0"s, k126 = "\x7E\x04\0\0\0\0"s,
+                      kEnd = "\x7F\x04\0\0\0\0"s;
     const struct {
         const char* what;
-        Bytes_t table;
-        std::vector<uint32_t> types;  // the types whose structures are found, with repetition
+        std::string table, types;  // of the structures that are found, in rising order
     } kCases[] = {
-        {"nothing", {}, {}},
-        {"an End-of-Table structure alone", Text("\x7F\x04\0\0\0\0"s), {}},
-        {"no End-of-Table structure", Text("\x20\x04\0\0\0\0\x21\x04\0\0\0\0"s), {32, 33}},
-        {"what follows End-of-Table isn't read", Text("\x20\x04\0\0\0\0\x7F\x04\0\0\0\0\x21\x04\0\0\0\0"s), {32}},
-        {"type 126 is a structure like others", Text("\x7E\x04\0\0\0\0\x7F\x04\0\0\0\0"s), {126}},
-        {"a header cut short is dropped", Text("\x20\x04\0\0\0\0\x21\x04\0"s), {32}},
-        {"a structure without its double NUL is kept", Text("\x20\x04\0\0\0\0\x21\x06\0\0zz"s), {32, 33}},
-        {"a Length past the table's end", Text("\x20\xFF\0\0zz"s), {32}},
-        {"a Length of 0: the search begins at the structure", Text("\x20\0\1\1a\0\0\x21\x04\0\0\0\0"s), {32, 33}},
-        {"zeros are structures of type 0", Bytes_t(8, 0), {0, 0, 0}},
+        {"nothing",                                           "",                       ""      },
+        {"an End-of-Table structure alone",                   kEnd,                     ""      },
+        {"no End-of-Table structure",                         k32 + k33,                "32 33 "},
+        {"what follows End-of-Table isn't read",              k32 + kEnd + k33,         "32 "   },
+        {"type 126 is a structure like others",               k126 + kEnd,              "126 "  },
+        {"a header cut short is dropped",                     k32 + "\x21\x04\0"s,      "32 "   },
+        {"a structure without its double NUL is kept",        k32 + "\x21\x06\0\0zz"s,  "32 33 "},
+        {"a Length past the table's end",                     "\x20\xFF\0\0zz"s,        "32 "   },
+        {"a Length of 0: the search begins at the structure", "\x20\0\1\1a\0\0"s + k33, "32 33 "},
+        {"zeros are structures of type 0",                    "\0\0\0\0\0\0\0\0"s,      "0 0 0 "},
     };
     for (const auto& c : kCases) {
-        const ClStore store(c.table);
-        std::vector<uint32_t> found;
-        for (uint32_t type = 0; type < 256; type++) found.insert(found.end(), store.Records(type).size(), type);
+        const ClStore store({c.table.begin(), c.table.end()});
+        std::string found;
+        for (uint32_t type = 0; type < 256; type++)
+            for (size_t count = store.Records(type).size(); count > 0; count--) found += std::to_string(type) + " ";
         EXPECT_EQ(found, c.types) << c.what;
         EXPECT_TRUE(store.Records(256).empty()) << c.what;
     }
@@ -94,7 +93,7 @@ TEST(Records, OfTypes0To2PointAtTheirStrings) {
         ClStructureBuilder structure;
         std::vector<std::string> texts;  // in the order of the pointers; "(null)" for a null one
     } kCases[] = {
-        // clang-format off
+  // clang-format off
         {"type 0", bios().Bytes(4, {2, 1, 0, 0, 9}).Strings({"one", "two"}),
          {"two", "one", "(null)"}},
         {"type 0 with an empty string, and number 0", bios().Bytes(4, {2, 1}).Strings({"", "x"}),
@@ -109,7 +108,7 @@ TEST(Records, OfTypes0To2PointAtTheirStrings) {
          {"\2\1x", "\2\1x", "\2\1x", "\2\1x", "y", "\2\1x"}},
         {"type 2", ClStructureBuilder(2, 0x11).Bytes(4, {1, 2, 3, 4, 5, 0, 1}).Strings({"a", "b", "c", "d", "e"}),
          {"a", "b", "c", "d", "e", "a"}},
-        // clang-format on
+  // clang-format on
     };
     for (const auto& c : kCases) {
         const ClStore store(TableOf({c.structure}));
@@ -118,23 +117,23 @@ TEST(Records, OfTypes0To2PointAtTheirStrings) {
         for (size_t place = 0; place < c.texts.size(); place++) {
             const char* text;
             std::memcpy(&text, body + ParsedBytes(type) + 8 * place, sizeof text);
-            EXPECT_EQ(text == nullptr ? "(null)" : std::string(text), c.texts[place]) << c.what << ", pointer " << place;
+            EXPECT_EQ(text == nullptr ? "(null)" : std::string(text), c.texts[place]) << c.what << place;
         }
     }
 }
 
-// Neither from the next structure nor from after the table.
-TEST(Records, OfAShortTypeHoldItsOwnStringBytesAndThenZeros) {
+// They take no bytes from the next structure or from after the table.
+TEST(Records, OfAShortTypeHaveItsOwnStringBytesAndThenZeros) {
     const Bytes_t next = ClStructureBuilder(200, 40).Image();
     const struct {
         uint8_t type, length;
         std::string strings, expected;
     } kCases[] = {
-        {0, 18, "abcdefgh\0\0"s, "abcdef"s            },
-        {0, 18, "ab\0\0"s,       "ab\0\0\0\0"s        },
-        {0, 18, "ab"s,                  "ab\0\0\0\0"s        },
-        {1, 24, "\0\0"s,         "\0\0\0"s           },
-        {2, 8,  "a\0\0"s,        "a\0\0\0\0\0\0"s    },
+        {0, 18, "abcdefgh\0\0"s, "abcdef"s       },
+        {0, 18, "ab\0\0"s,       "ab\0\0\0\0"s   },
+        {0, 18, "ab"s,           "ab\0\0\0\0"s   },
+        {1, 24, "\0\0"s,         "\0\0\0"s       },
+        {2, 8,  "a\0\0"s,        "a\0\0\0\0\0\0"s},
     };
     for (const auto& c : kCases) {
         Bytes_t table = ClStructureBuilder(c.type, c.length).Image();
@@ -151,7 +150,7 @@ TEST(Lookup, GivesAllStructuresOfATypeInTableOrder) {
     std::vector<ClStructureBuilder> structures;
     for (uint16_t handle = 0; handle < 600; handle++) structures.emplace_back(handle % 2 == 0 ? 11 : 12, 5, handle);
     const ClStore store(TableOf(structures));
-    EXPECT_EQ(store.Records(11).size(), 255u);  // all that the 8-bit count can tell
+    EXPECT_EQ(store.Records(11).size(), 255u);  // the largest 8-bit count
     for (const uint32_t first : {0u, 255u, 299u, 300u, 301u}) {
         uint8_t** records = nullptr;
         uint32_t count = 0;
@@ -165,8 +164,8 @@ TEST(Lookup, GivesAllStructuresOfATypeInTableOrder) {
 
 // A machine that counts its calls, and fails one of them.
 struct FakeMachine_t {
-    int initialised = 0, terminated = 0, firstRoad = 0, secondRoad = 0;
-    bool failInitialize = false, failFirstRoad = false, failSecondRoad = true, failTerminate = false;
+    int initialised = 0, terminated = 0, firstMethod = 0, secondMethod = 0;
+    bool failInitialize = false, failFirst = false, failSecond = true, failTerminate = false;
 } fake;
 
 status_t FakeImage(uint8_t* entry, SMBIOSTableImage_t** image) {
@@ -183,27 +182,29 @@ constexpr MachineServices_t kFakeMachine = {
     [] { return fake.initialised++, fake.failInitialize ? kFailure : kSuccess; },
     [] { return fake.terminated++, fake.failTerminate ? kFailure : kSuccess; },
     [](uint8_t* entry, uint8_t*, SMBIOSTableImage_t** image) {
-        return fake.firstRoad++, fake.failFirstRoad ? kNoMemory : FakeImage(entry, image);
+        return fake.firstMethod++, fake.failFirst ? kNoMemory : FakeImage(entry, image);
     },
     [](uint8_t* entry, uint8_t*, SMBIOSTableImage_t** image) {
-        return fake.secondRoad++, fake.failSecondRoad ? kBadValue : FakeImage(entry, image);
+        return fake.secondMethod++, fake.failSecond ? kBadValue : FakeImage(entry, image);
     },
     [](uint32_t, CPUIDRecord_t*) { return kSuccess; },
 };
 
-TEST(SetUp, TakesTheFirstRoadThatHasATable) {
+TEST(SetUp, TakesTheFirstAccessMethodThatHasATable) {
+    const FakeMachine_t kWorks, kSecondOnly{.failFirst = true, .failSecond = false}, kNoTable{.failFirst = true},
+        kNoHardware{.failInitialize = true}, kStaysOpen{.failTerminate = true};
     const struct {
         const char* what;
         FakeMachine_t machine;
         status_t status, closed;
-        int terminated, secondRoad;
+        int terminated, secondMethod;
     } kCases[] = {
-        {"first road", {}, kSuccess, kSuccess, 0, 0},
-        {"second road", {.failFirstRoad = true, .failSecondRoad = false}, kSuccess, kSuccess, 0, 1},
-        {"no road", {.failFirstRoad = true}, kFailure, kFailure, 1, 1},
-        {"no hardware", {.failInitialize = true}, kFailure, kFailure, 0, 0},
-        {"it doesn't close", {.failTerminate = true}, kSuccess, kFailure, 0, 0},
-        {"and reads again", {}, kSuccess, kSuccess, 0, 0},
+        {"first access method",  kWorks,      kSuccess, kSuccess, 0, 0},
+        {"second access method", kSecondOnly, kSuccess, kSuccess, 0, 1},
+        {"no table",             kNoTable,    kFailure, kFailure, 1, 1},
+        {"no hardware",          kNoHardware, kFailure, kFailure, 0, 0},
+        {"it doesn't close",     kStaysOpen,  kSuccess, kFailure, 0, 0},
+        {"and reads again",      kWorks,      kSuccess, kSuccess, 0, 0},
     };
     for (const auto& c : kCases) {
         fake = c.machine;
@@ -211,8 +212,8 @@ TEST(SetUp, TakesTheFirstRoadThatHasATable) {
         uint8_t entry[kEntryBufferSize] = {};
         EXPECT_EQ(LibSMBIOSInit(entry), c.status) << c.what;
         EXPECT_EQ(fake.terminated, c.terminated) << c.what;
-        EXPECT_EQ(fake.secondRoad, c.secondRoad) << c.what;
-        EXPECT_EQ(LibSMBIOSExit(), c.closed) << c.what;  // 5 on a store that stayed down, too
+        EXPECT_EQ(fake.secondMethod, c.secondMethod) << c.what;
+        EXPECT_EQ(LibSMBIOSExit(), c.closed) << c.what;  // 5 also for a store that failed to open
         EXPECT_EQ(fake.terminated, fake.initialised - (fake.failInitialize ? 1 : 0)) << c.what;
     }
 }
@@ -224,7 +225,7 @@ TEST(SetUp, ReadsTheTableOnceForAllUsers) {
     ASSERT_EQ(LibSMBIOSInit(entry), kSuccess);
     EXPECT_EQ(SetMachine(&kFakeMachine), kFailure);
     ASSERT_EQ(LibSMBIOSInit(later), kSuccess);
-    EXPECT_EQ(fake.firstRoad, 1);
+    EXPECT_EQ(fake.firstMethod, 1);
     EXPECT_EQ(later[6], 2);
     EXPECT_EQ(later[7], 8);
     EXPECT_EQ(LibSMBIOSExit(), kSuccess);

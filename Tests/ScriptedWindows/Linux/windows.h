@@ -5,108 +5,68 @@
 #include <cstddef>
 #include <cstdint>
 
-using BOOL = int;
-using BYTE = uint8_t;
-using WORD = uint16_t;
-using DWORD = uint32_t;
-using UINT = uint32_t;
-using LSTATUS = int32_t;
-using SIZE_T = size_t;
-using PVOID = void*;
-using LPVOID = void*;
-using LPCVOID = const void*;
-using LPBYTE = BYTE*;
-using LPDWORD = DWORD*;
-using HANDLE = void*;
-using LPSTR = char*;
-using LPCSTR = const char*;
-using HKEY = struct HKEY__*;
-using SC_HANDLE = struct SC_HANDLE__*;
-using PHKEY = HKEY*;
-using REGSAM = DWORD;
-using LPOVERLAPPED = struct OVERLAPPED*;
+typedef int BOOL;
+typedef uint8_t BYTE, *LPBYTE;
+typedef uint16_t WORD;
+typedef uint32_t DWORD, UINT, REGSAM, *LPDWORD;
+typedef int32_t LSTATUS;
+typedef size_t SIZE_T;
+typedef void *HANDLE, *PVOID, *LPVOID, *PSECURITY_DESCRIPTOR;
+typedef const void* LPCVOID;
+typedef char* LPSTR;
+typedef const char* LPCSTR;
+typedef struct HKEY__ *HKEY, **PHKEY;
+typedef struct SC_HANDLE__* SC_HANDLE;
+typedef struct OVERLAPPED* LPOVERLAPPED;
+typedef struct ACL* PACL;
 
 #define TRUE 1
 #define FALSE 0
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<intptr_t>(-1)))
 
-#define ERROR_SUCCESS 0u
-#define ERROR_FILE_NOT_FOUND 2u
-#define ERROR_PATH_NOT_FOUND 3u
-#define ERROR_ACCESS_DENIED 5u
-#define ERROR_INVALID_HANDLE 6u
-#define ERROR_INVALID_PARAMETER 87u
-#define ERROR_INSUFFICIENT_BUFFER 122u
-#define ERROR_ALREADY_EXISTS 183u
-#define ERROR_MORE_DATA 234u
-#define ERROR_NOT_OWNER 288u
-#define ERROR_SERVICE_ALREADY_RUNNING 1056u
-#define ERROR_SERVICE_DOES_NOT_EXIST 1060u
-#define ERROR_SERVICE_EXISTS 1073u
-#define INFINITE 0xFFFFFFFFu
-#define WAIT_OBJECT_0 0u
-#define WAIT_ABANDONED 0x80u
-#define WAIT_FAILED 0xFFFFFFFFu
-#define SECURITY_DESCRIPTOR_REVISION 1u
-#define GENERIC_READ 0x80000000u
-#define GENERIC_WRITE 0x40000000u
-#define FILE_SHARE_READ 1u
-#define OPEN_EXISTING 3u
-#define FILE_ATTRIBUTE_NORMAL 0x80u
-#define PAGE_READWRITE 0x04u
-#define FILE_MAP_ALL_ACCESS 0x000F001Fu
-#define SC_MANAGER_ALL_ACCESS 0x000F003Fu
-#define SERVICE_ALL_ACCESS 0x000F01FFu
-#define SERVICE_KERNEL_DRIVER 0x00000001u
-#define SERVICE_BOOT_START 0u
-#define SERVICE_SYSTEM_START 1u
-#define SERVICE_AUTO_START 2u
-#define SERVICE_DEMAND_START 3u
-#define SERVICE_ERROR_NORMAL 1u
-#define SERVICE_CONTROL_STOP 1u
-#define SERVICE_STOPPED 1u
-#define SERVICE_STOP_PENDING 3u
-#define SERVICE_RUNNING 4u
-#define KEY_ALL_ACCESS 0x000F003Fu
-#define KEY_READ 0x00020019u
-#define ALL_PROCESSOR_GROUPS 0xFFFFu
+constexpr DWORD ERROR_SUCCESS = 0, ERROR_FILE_NOT_FOUND = 2, ERROR_PATH_NOT_FOUND = 3, ERROR_ACCESS_DENIED = 5,
+                ERROR_INVALID_HANDLE = 6, ERROR_INVALID_PARAMETER = 87, ERROR_INSUFFICIENT_BUFFER = 122,
+                ERROR_ALREADY_EXISTS = 183, ERROR_MORE_DATA = 234, ERROR_NOT_OWNER = 288,
+                ERROR_SERVICE_ALREADY_RUNNING = 1056, ERROR_SERVICE_DOES_NOT_EXIST = 1060, ERROR_SERVICE_EXISTS = 1073;
+constexpr DWORD INFINITE = 0xFFFFFFFF, WAIT_OBJECT_0 = 0, WAIT_ABANDONED = 0x80, WAIT_FAILED = 0xFFFFFFFF;
+constexpr DWORD SECURITY_DESCRIPTOR_REVISION = 1, GENERIC_READ = 0x80000000, GENERIC_WRITE = 0x40000000,
+                FILE_SHARE_READ = 1, OPEN_EXISTING = 3, FILE_ATTRIBUTE_NORMAL = 0x80, PAGE_READWRITE = 0x04,
+                FILE_MAP_ALL_ACCESS = 0x000F001F;
+constexpr DWORD SC_MANAGER_ALL_ACCESS = 0x000F003F, SERVICE_ALL_ACCESS = 0x000F01FF, SERVICE_KERNEL_DRIVER = 0x00000001,
+                SERVICE_BOOT_START = 0, SERVICE_SYSTEM_START = 1, SERVICE_AUTO_START = 2, SERVICE_DEMAND_START = 3,
+                SERVICE_ERROR_NORMAL = 1, SERVICE_CONTROL_STOP = 1, SERVICE_STOPPED = 1, SERVICE_STOP_PENDING = 3,
+                SERVICE_RUNNING = 4;
+constexpr DWORD KEY_ALL_ACCESS = 0x000F003F, KEY_READ = 0x00020019;
+constexpr WORD ALL_PROCESSOR_GROUPS = 0xFFFF;
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<intptr_t>(static_cast<int32_t>(0x80000002u))))
-
-using PSECURITY_DESCRIPTOR = PVOID;
-using PACL = struct ACL*;
 
 struct SECURITY_DESCRIPTOR {
     PVOID Words[5];
 };
 
-struct SECURITY_ATTRIBUTES {
+typedef struct SECURITY_ATTRIBUTES {
     DWORD nLength;
     PVOID lpSecurityDescriptor;
     BOOL bInheritHandle;
-};
-
-using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
+} * LPSECURITY_ATTRIBUTES;
 
 enum SC_STATUS_TYPE { SC_STATUS_PROCESS_INFO = 0 };
 
-struct SERVICE_STATUS {
+typedef struct SERVICE_STATUS {
     DWORD Words[7];
-};
+} * LPSERVICE_STATUS;
 
 struct SERVICE_STATUS_PROCESS {
     DWORD dwServiceType, dwCurrentState, dwControlsAccepted, dwWin32ExitCode, dwServiceSpecificExitCode, dwCheckPoint;
     DWORD dwWaitHint, dwProcessId, dwServiceFlags;
 };
 
-struct QUERY_SERVICE_CONFIGA {
+typedef struct QUERY_SERVICE_CONFIGA {
     DWORD dwServiceType, dwStartType, dwErrorControl;
     LPSTR lpBinaryPathName, lpLoadOrderGroup;
     DWORD dwTagId;
     LPSTR lpDependencies, lpServiceStartName, lpDisplayName;
-};
-
-using LPSERVICE_STATUS = SERVICE_STATUS*;
-using LPQUERY_SERVICE_CONFIGA = QUERY_SERVICE_CONFIGA*;
+} * LPQUERY_SERVICE_CONFIGA;
 
 struct GROUP_AFFINITY {
     uintptr_t Mask;

@@ -3,14 +3,19 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 // The compiler's own, in a build that counts.
 extern "C" [[gnu::weak]] void __gcov_dump();
@@ -61,7 +66,22 @@ bool BecomeNobody() {
            setresuid(kNobody, kNobody, kNobody) == 0;
 }
 
-// As root the tests have mounts of their own.
+void ForbidCall(const SystemCall_t& call, uint32_t action) {
+    sock_filter code[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call.call, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS,
+                 static_cast<uint32_t>(offsetof(seccomp_data, args) + call.argument * sizeof(uint64_t))),
+        BPF_JUMP(static_cast<uint16_t>(BPF_JMP | BPF_K | (call.bits != 0 ? BPF_JSET : BPF_JGE)), call.bits, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, action),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter = {std::size(code), code};
+    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0)
+        _exit(99);
+}
+
+// As root the tests have their own mounts.
 static bool hasOwnMounts = false;
 class ClOwnMounts : public testing::Environment {
   public:

@@ -7,18 +7,26 @@
 
 #include "Tests/Support/Program.h"
 
-// Runs `body` in a child process and gives its result (0 to 255), or -1 when a signal ended it.
+// Runs `body` in a child process and returns its result (0 to 255), or -1 if a signal ended it.
 int InChild(const std::function<int()>& body);
 
-// Runs a program, words[0], in a child that `prepare` has been called in. Its output counts as far as it goes to the
-// streams that the child was given. A result of -1 also stands for a run of more than a minute.
+// Runs a program, words[0], in a child after `prepare`. The output is what reaches the child's original streams. The
+// result is -1 also for a run of more than a minute.
 ProgramRun_t RunPrepared(
     const std::vector<std::string>& words, const std::function<void()>& prepare = [] {});
 
-// Makes the calling process an ordinary user without rights. Only root can; false otherwise.
+// Makes the calling process an ordinary user without rights. Returns false unless it is root.
 bool BecomeNobody();
 
-// Whether a sanitizer is built in, which has a heap and handlers of its own.
+// From here on the calling process can't make this system call: `action` (SECCOMP_RET_...) happens instead. With `bits`
+// it concerns only calls that have one of these bits in the given argument. The process ends with 99 on kernels without
+// filters.
+struct SystemCall_t {
+    uint32_t call, argument = 0, bits = 0;
+};
+void ForbidCall(const SystemCall_t& call, uint32_t action);
+
+// Whether a sanitizer is built in, with its own heap and signal handlers.
 constexpr bool IsSanitized() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return true;
@@ -27,11 +35,11 @@ constexpr bool IsSanitized() {
 #endif
 }
 
-// Keeps the coverage counters of a process that isn't going to end by exit(). Does nothing in other builds.
+// Saves the coverage counters of a process that won't end by exit(). Does nothing in other builds.
 void SaveCoverage();
 
-// An empty folder in the place of one of the system's, which this process and its children alone see; the system's is
-// back when the object goes. Only where the tests have mounts of their own.
+// Mounts an empty folder over one of the system's, for this process and its children only, and unmounts it at the end.
+// Needs mounts of the tests' own; see IsPossible.
 class ClFolderOver {
   public:
     explicit ClFolderOver(const char* path, const char* options = "mode=755");
@@ -39,7 +47,7 @@ class ClFolderOver {
     ClFolderOver& operator=(const ClFolderOver&) = delete;
     ~ClFolderOver();
     static bool IsPossible();
-    // A file in it that nobody but its owner can write; folders on the way are made.
+    // Writes a file in it that only its owner can access, and creates the folders of its path.
     void Write(const std::string& name, const std::string& bytes) const;
 
   private:

@@ -1,5 +1,4 @@
-// Which configuration files a process obeys, and which logs it opens. The rules of owners and modes, and pipes in a
-// folder, are Linux's own: hence the POSIX calls.
+// Which configuration files a process obeys, and which logs it opens, by Linux' rules of owners and modes.
 #include "Packages/OS/ConfigFile.h"
 
 #include <fcntl.h>
@@ -21,7 +20,7 @@ class ClConfigFile : public testing::Test {
     }
     void TearDown() override { std::filesystem::remove_all(m_folder); }
 
-    // "" for a file that is obeyed, "none" for no file, and otherwise what is wrong.
+    // "" for a file that is obeyed, "none" for no file, otherwise the reason of the refusal.
     static std::string Refusal(const std::string& path) {
         const char* refusal = "unset";
         std::FILE* file = OpenConfigFile(path.c_str(), &refusal);
@@ -34,7 +33,7 @@ class ClConfigFile : public testing::Test {
         return log != nullptr && std::fputs("log", log) >= 0 && std::fclose(log) == 0;
     }
 
-    // In a folder that is sticky, as the one for temporary files is.
+    // In a sticky folder, as the one for temporary files is.
     const std::filesystem::path m_folder = std::filesystem::temp_directory_path() / "quorlin-config-file";
     const std::string m_path = m_folder / "debug.conf";
 };
@@ -43,7 +42,7 @@ TEST_F(ClConfigFile, OnlyPlainFilesCount) {
     EXPECT_EQ(Refusal(m_path), "none");
     EXPECT_EQ(Refusal(m_folder), "it is no plain file");
     ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
-    EXPECT_EQ(Refusal(m_path), "it is no plain file");  // and returns, though nobody writes
+    EXPECT_EQ(Refusal(m_path), "it is no plain file");  // and returns, although nobody writes
     EXPECT_EQ(Refusal("/dev/zero"), "it is no plain file");
     std::filesystem::remove(m_path);
     std::ofstream(m_folder / "other") << "#";
@@ -51,7 +50,7 @@ TEST_F(ClConfigFile, OnlyPlainFilesCount) {
     EXPECT_EQ(Refusal(m_path), "it is a link");
 }
 
-TEST_F(ClConfigFile, NoneIsObeyedThatOthersCouldHaveWritten) {
+TEST_F(ClConfigFile, FilesThatOthersCouldHaveWrittenAreRefused) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
     constexpr uid_t kRoot = 0, kUser = 1234, kOther = 1235, kNobody = 65534;
     constexpr const char *kOwner = "another user owns it", *kWritable = "others can write it",
@@ -63,7 +62,7 @@ TEST_F(ClConfigFile, NoneIsObeyedThatOthersCouldHaveWritten) {
         mode_t mode;
         uid_t folderOwner;
         mode_t folderMode;
-        const char *toRoot, *toUser;  // what they say
+        const char *toRoot, *toUser;  // the refusal to each
     } kCases[] = {
         {kRoot,  0644, kRoot,  0755,  "",              ""             },
         {kRoot,  0600, kRoot,  0755,  "",              kUnreadable    },
@@ -92,7 +91,7 @@ TEST_F(ClConfigFile, NoneIsObeyedThatOthersCouldHaveWritten) {
         }
     }
 
-    // A folder above counts too; a sticky one, where nobody renames what belongs to others, doesn't.
+    // Folders above count, too, except for sticky ones, where nobody can rename others' files.
     std::filesystem::create_directory(m_folder / "below");
     const std::string deep = m_folder / "below" / "debug.conf";
     std::ofstream(deep) << "#";
@@ -102,11 +101,11 @@ TEST_F(ClConfigFile, NoneIsObeyedThatOthersCouldHaveWritten) {
         EXPECT_EQ(Refusal(deep), expected);
     }
 
-    // Whoever has no number in a user namespace has that of this user.
+    // In a user namespace all users without a number have that of this user.
     ASSERT_EQ(chown(deep.c_str(), kNobody, 0), 0);
     EXPECT_EQ(InChild([&] { return BecomeNobody() && Refusal(deep) == kOwner ? 0 : 1; }), 0);
 
-    // A process with the rights of somebody else obeys none.
+    // A process with another user's rights obeys none.
     ASSERT_EQ(chown(deep.c_str(), kRoot, 0), 0);
     EXPECT_EQ(InChild([&] {
                   if (setresuid(kUser, kRoot, kRoot) != 0 || !HasForeignRights()) return 1;
@@ -125,7 +124,7 @@ TEST_F(ClConfigFile, LogsAreNewOrPlainAndNoLinks) {
         EXPECT_FALSE(IsWritten(m_folder, deviceToo));
         EXPECT_FALSE(IsWritten(m_folder / "none" / "log", deviceToo));
         EXPECT_TRUE(IsWritten(log, deviceToo));
-        std::ofstream(log) << "what was there before";  // for the second time
+        std::ofstream(log) << "what was there before";  // at the second run
         EXPECT_EQ(IsWritten("/dev/null", deviceToo), deviceToo);
     }
     EXPECT_EQ(ReadWholeFile(target), "precious");
@@ -135,7 +134,7 @@ TEST_F(ClConfigFile, LogsAreNewOrPlainAndNoLinks) {
     ASSERT_EQ(stat(log.c_str(), &facts), 0);
     EXPECT_EQ(facts.st_mode & 0777, 0600u);
 
-    // The streams of this process, whatever they are: what is in the file already stays.
+    // A stream of this process: the present content of its file stays.
     EXPECT_EQ(InChild([&] {
                   const int file = open(target.c_str(), O_WRONLY | O_APPEND);
                   dup2(file, STDERR_FILENO);

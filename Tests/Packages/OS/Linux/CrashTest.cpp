@@ -30,13 +30,13 @@ int32_t Report(const Fault_t& fault) {
     return 0;
 }
 
-// A test library may have handlers of its own; a program has none.
+// The test library may have installed handlers.
 void Install() {
     for (const int signal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP}) ::signal(signal, SIG_DFL);
     os_SetCrashFilter(Report);
 }
 
-// At the same address in each run: a page that may be read, and after it one that may not be touched.
+// A readable page, followed by a page without access, at the same address in each run.
 constexpr uintptr_t kPage = 0x123456000;
 uint8_t* Page() {
     mmap(reinterpret_cast<void*>(kPage), 8192, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
@@ -88,7 +88,7 @@ TEST(CrashDeathTest, EachSignalIsReportedAndThenEndsTheProcess) {
         {"privileged, two bytes", ReadMSR,      SIGSEGV, "code c0000096"                   },
         {"privileged, a port",    ReadPort,     SIGSEGV, "code c0000096"                   },
         {"exhausted stack",       Exhaust,      SIGSEGV, "code c00000fd 1"                 },
-        {"sent by somebody",      Sent,         SIGSEGV, "code c0000005 2 0"               },
+        {"sent by a process",     Sent,         SIGSEGV, "code c0000005 2 0"               },
         {"file too short",        FileTooShort, SIGBUS,  "code c0000006 0"                 },
         {"undefined instruction", Undefined,    SIGILL,  "code c000001d"                   },
         {"breakpoint",            Break,        SIGTRAP, "code 80000003"                   },
@@ -109,8 +109,8 @@ TEST(CrashDeathTest, TheHostsOwnHandlersStay) {
     EXPECT_EXIT((Install(), os_SetCrashFilter(nullptr), Read()), testing::KilledBySignal(SIGSEGV), "^$");
 }
 
-// The signal after the filter is the first one with its facts, now without a handler. A tracer sees both.
-TEST(Crash, TheSameSignalStrikesAfterTheFilter) {
+// The second signal has the facts of the first, and no handler. A tracer sees both.
+TEST(Crash, SameSignalIsRaisedAgainAfterTheFilter) {
     const pid_t child = fork();
     if (child == 0) {
         ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
@@ -133,13 +133,13 @@ TEST(Crash, TheSameSignalStrikesAfterTheFilter) {
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGFPE) << status;
 }
 
-// Signals that a processor of today doesn't raise by itself, told by their codes.
-TEST(Crash, ArithmeticAndTrapsAreToldByTheirCodes) {
+// Signals that today's processors don't raise; the process sends them to itself.
+TEST(Crash, SignalCodesTellTheException) {
     static uint32_t code;
     Install();
     os_SetCrashFilter([](const Fault_t& fault) -> int32_t {
         code = fault.Code;
-        return 1;  // goes on
+        return 1;  // continue
     });
     const struct {
         int signal, code;
@@ -164,7 +164,7 @@ TEST(Crash, ArithmeticAndTrapsAreToldByTheirCodes) {
         info.si_signo = c.signal;
         info.si_code = c.code;
         code = 0;
-        // To itself a process may send any code.
+        // A process may send any code to itself.
         EXPECT_EQ(syscall(SYS_rt_tgsigqueueinfo, getpid(), gettid(), c.signal, &info), 0);
         EXPECT_EQ(code, c.exception) << c.signal << " " << c.code;
     }
@@ -173,7 +173,7 @@ TEST(Crash, ArithmeticAndTrapsAreToldByTheirCodes) {
 
 // ---- The report itself
 
-// What a child with this standard output printed, and the signal that ended it. `fault` runs with the report installed.
+// What a child printed, and the signal that ended it. `fault` runs with the report installed.
 struct Death_t {
     int signal;
     std::string printed;
@@ -204,41 +204,41 @@ Death_t DieInChild(const std::function<void()>& fault, void (*prepare)(), bool h
     return death;
 }
 
-TEST(Report, ComesThroughWhateverTheProcessIsIn) {
-    constexpr auto nothing = [] {};
+TEST(Report, IsPrintedInAnyStateOfTheProcess) {
+    constexpr auto kNothing = [] {};
+    const auto textInStdio = [] {
+        std::fputs("of the parent's", stdout);
+        Undefined();
+    };
+    const auto lockedStdio = [] {
+        std::thread([] { flockfile(stdout); }).join();
+        Undefined();
+    };
+    const auto damagedHeap = [] {
+        char* volatile block = static_cast<char*>(std::malloc(24));
+        std::memset(block - 16, 0xFF, 56);
+        Undefined();
+    };
+    const auto fullPipe = [] {
+        fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK);
+        while (write(STDOUT_FILENO, "xxxxxxxxxxxxxxxx", 16) > 0) continue;
+        fcntl(STDOUT_FILENO, F_SETFL, 0);
+    };
     const struct {
         const char* what;
         std::function<void()> fault;
         void (*prepare)();
-        bool isWhole, hasReader = true;
+        bool isWhole, hasReader;
     } kCases[] = {
-        {"as usual",                          Undefined, nothing,                          true },
-        {"text of the host's in stdio",
-         [] {
-             std::fputs("of the parent's", stdout);
-             Undefined();
-         },                                              nothing,                          true },
-        {"stdio is locked by another thread",
-         [] {
-             std::thread([] { flockfile(stdout); }).join();
-             Undefined();
-         },                                              nothing,                          true },
-        {"a damaged heap",
-         [] {
-             auto* block = static_cast<char*>(std::malloc(24));
-             std::memset(block - 16, 0xFF, 56);
-             Undefined();
-         },                                              nothing,                          true },
-        {"nobody reads",                      Undefined, [] { signal(SIGPIPE, SIG_DFL); }, false, false},
-        {"a full pipe",                                   Undefined,
-         [] {
-             fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK);
-             while (write(STDOUT_FILENO, "xxxxxxxxxxxxxxxx", 16) > 0) continue;
-             fcntl(STDOUT_FILENO, F_SETFL, 0);
-         },                     false                                                                                      },
+        {"as usual",                          Undefined,   kNothing,                         true,  true },
+        {"text of the host in stdio",         textInStdio, kNothing,                         true,  true },
+        {"stdio is locked by another thread", lockedStdio, kNothing,                         true,  true },
+        {"a damaged heap",                    damagedHeap, kNothing,                         true,  true },
+        {"no reader",                         Undefined,   [] { signal(SIGPIPE, SIG_DFL); }, false, false},
+        {"a full pipe",                       Undefined,   fullPipe,                         false, true },
     };
     for (const auto& c : kCases) {
-        if (IsSanitized() && c.what == std::string("a damaged heap")) continue;  // the sanitizer's heap has none
+        if (IsSanitized() && c.what == std::string("a damaged heap")) continue;  // the sanitizer has its own heap
         const Death_t death = DieInChild(c.fault, c.prepare, c.hasReader);
         EXPECT_EQ(death.signal, SIGILL) << c.what;
         EXPECT_EQ(death.printed.starts_with("\n***EXCEPTION HANDLING START***\n Exception at address: 0x0000") &&
@@ -247,17 +247,4 @@ TEST(Report, ComesThroughWhateverTheProcessIsIn) {
             << c.what << ": " << death.printed.substr(0, 500);
         EXPECT_EQ(death.printed.find("parent"), std::string::npos) << c.what;
     }
-}
-
-TEST(Report, TheCInterfaceTouchesNoHandler) {
-    const auto handler = [](int) { _exit(9); };
-    ASSERT_NE(signal(SIGILL, handler), SIG_ERR);
-    quorlin_table* table = nullptr;
-    const uint8_t end[] = {127, 4, 0, 0, 0, 0};
-    ASSERT_EQ(quorlin_open_memory(end, sizeof end, nullptr, &table), QUORLIN_OK);
-    quorlin_close(table);
-    EXPECT_EQ(signal(SIGILL, SIG_DFL), static_cast<sighandler_t>(handler));
-    struct sigaction action;
-    sigaction(SIGTRAP, nullptr, &action);
-    EXPECT_EQ(action.sa_handler, SIG_DFL);
 }

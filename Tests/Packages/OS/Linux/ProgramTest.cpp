@@ -1,19 +1,16 @@
-// What the layer gives a program: new files, and descriptors that leave the standard streams' places alone.
+// What the layer gives a program: new files, descriptors above those of the standard streams, and standard output.
 #include "Packages/OS/Program.h"
 
 #include <cpuid.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstddef>
 #include <filesystem>
 
 #include "Packages/OS/ConfigFile.h"
@@ -24,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder of the test's own that anybody may write.
+// A new folder that every user may write.
 std::string Folder() {
     const std::string folder = testing::TempDir() + "program";
     fs::remove_all(folder);
@@ -33,30 +30,12 @@ std::string Folder() {
     return folder + "/";
 }
 
-// The system calls of a kind of file system that has them not; `bits` of the call's argument tell those meant.
-struct Missing_t {
-    uint32_t call, argument, bits;
-};
-constexpr Missing_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY}, kNoLinks = {SYS_link, 0, 0},
-                    kNoNamelessLinks = {SYS_linkat, 0, 0};
+// Calls that some kinds of file systems don't have.
+constexpr SystemCall_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY}, kNoLinks = {SYS_link},
+                       kNoNamelessLinks = {SYS_linkat};
+constexpr uint32_t kNotSupportedHere = SECCOMP_RET_ERRNO | EOPNOTSUPP;
 
-// From here on the process doesn't have these calls: they fail, or with SECCOMP_RET_KILL_PROCESS end it.
-void Forgo(const Missing_t& missing, uint32_t action = SECCOMP_RET_ERRNO | EOPNOTSUPP) {
-    sock_filter code[] = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, missing.call, 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS,
-                 static_cast<uint32_t>(offsetof(seccomp_data, args) + missing.argument * sizeof(uint64_t))),
-        BPF_JUMP(static_cast<uint16_t>(BPF_JMP | BPF_K | (missing.bits != 0 ? BPF_JSET : BPF_JGE)), missing.bits, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, action),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    };
-    const sock_fprog filter = {std::size(code), code};
-    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0)
-        _exit(99);
-}
-
-// What CreateWholeFile does in a process that `prepare` has been called in: 0, or errno.
+// The result of CreateWholeFile in a child after `prepare`: 0, or errno.
 int CreateIn(const std::string& path, const std::string& bytes, const std::function<void()>& prepare) {
     return InChild([&] {
         prepare();
@@ -67,17 +46,17 @@ int CreateIn(const std::string& path, const std::string& bytes, const std::funct
 bool IsEmpty(const std::string& folder) { return fs::directory_iterator(folder) == fs::directory_iterator(); }
 
 // On each kind of file system.
-TEST(WholeFiles, AreTheirOwnersAndReplaceNothing) {
+TEST(WholeFiles, BelongToTheirOwnerAndReplaceNothing) {
     const std::string bytes(size_t{100} << 10, 'x');
-    const std::vector<std::vector<Missing_t>> kKinds = {
+    const std::vector<SystemCall_t> kKinds[] = {
         {},
         {                 kNoNamelessFiles},
         { kNoNamelessFiles, kNoLinks},
-        { kNoNamelessLinks, kNoLinks},
+        { kNoNamelessLinks, kNoLinks}
     };
     for (const auto& kind : kKinds) {
         const auto prepare = [&] {
-            for (const Missing_t& missing : kind) Forgo(missing);
+            for (const SystemCall_t& missing : kind) ForbidCall(missing, kNotSupportedHere);
         };
         const std::string folder = Folder(), file = folder + "file", link = folder + "link";
         EXPECT_EQ(CreateIn(file, bytes, prepare), 0);
@@ -100,36 +79,37 @@ TEST(WholeFiles, AreAbsentIfNotWhole) {
         const auto limited = [&] {
             const rlimit limit = {4096, 4096};
             setrlimit(RLIMIT_FSIZE, &limit);
-            if (!isNameless) Forgo(kNoNamelessFiles);
+            if (!isNameless) ForbidCall(kNoNamelessFiles, kNotSupportedHere);
         };
         EXPECT_EQ(CreateIn(file, bytes, limited), EFBIG);
         EXPECT_TRUE(IsEmpty(folder));
         if (!ClFolderOver::IsPossible()) continue;  // only root can have a full disk
         const ClFolderOver full(folder.substr(0, folder.size() - 1).c_str(), "size=8k");
-        EXPECT_EQ(CreateIn(file, bytes, [&] { isNameless ? void() : Forgo(kNoNamelessFiles); }), ENOSPC);
+        EXPECT_EQ(CreateIn(file, bytes, [&] { isNameless ? void() : ForbidCall(kNoNamelessFiles, kNotSupportedHere); }),
+                  ENOSPC);
         EXPECT_TRUE(IsEmpty(folder));
     }
-    // Ended when all is written and nothing linked.
+    // Ended after all is written and before it is linked.
     const std::string folder = Folder();
-    EXPECT_EQ(CreateIn(folder + "file", bytes, [] { Forgo(kNoNamelessLinks, SECCOMP_RET_KILL_PROCESS); }), -1);
+    EXPECT_EQ(CreateIn(folder + "file", bytes, [] { ForbidCall(kNoNamelessLinks, SECCOMP_RET_KILL_PROCESS); }), -1);
     EXPECT_TRUE(IsEmpty(folder));
 }
 
-// The whole way from the shell to the hardware, by the two operations that need no rights.
+// From the shell to the hardware, with the two operations that need no rights.
 TEST(Program, ReadsHardwareFromTheShell) {
     unsigned eax, ebx, ecx, edx;
     __cpuid(0, eax, ebx, ecx, edx);
     char text[64];
     std::snprintf(text, sizeof text, "eax %08x ebx %08x ecx %08x edx %08x\n", eax, ebx, ecx, edx);
     EXPECT_EQ(RunQuorlin("hw cpuid 0").output, text);
-    // As on the bus, what isn't there reads as ones.
+    // As on the bus, a missing function reads as ones.
     if (!IsFolder("/sys/bus/pci/devices") || IsFolder("/sys/bus/pci/devices/0000:ff:1f.7"))
         GTEST_SKIP() << "no PCI bus with a free place";
     EXPECT_EQ(RunQuorlin("hw pci 0000:ff:1f.7 2 5").output, "ff ff ff ff ff\n");
 }
 
-// A copy that belongs to root and runs with his rights, whoever starts it.
-TEST(Program, TakesNoFileNamesForRightsThatItsUserLacks) {
+// A set-user-ID copy of root's.
+TEST(Program, WritesNoFileWithRightsThatItsUserLacks) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can give the program his rights";
     const std::string folder = Folder(), copy = folder + "copy";
     fs::copy_file(QUORLIN_PROGRAM, copy);
@@ -165,8 +145,8 @@ TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
     EXPECT_EQ(ReadWholeFile(folder + "other"), "text");
 }
 
-// The reader is slow and the pipe, which takes 64 KiB, doesn't let its writer wait: all bytes arrive nevertheless.
-TEST(StandardStreams, OutputThatDoesNotBlockIsWaitedFor) {
+// All bytes reach a slow reader through a non-blocking pipe of 64 KiB.
+TEST(StandardStreams, NonBlockingOutputIsWaitedFor) {
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     const std::string bytes(size_t{300} << 10, 'x');
@@ -193,8 +173,7 @@ constexpr char kTraceToFile[] =
     "FERROX:OutputType<Fi>;FERROX:FileName<trace>;FERROX:TraceType<Ex>;FERROX:TraceFormatType<No>";
 constexpr char kTrace[] = "\n FERROXInitialize Success\n ReadCPUID";
 
-// Every choice of closed streams: a run ends, a closed stream that it needs makes it fail, and nothing but its own
-// bytes gets into a file.
+// Each combination of closed streams: a run fails if it needs one of them, and its files contain only their own bytes.
 TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
     const std::string folder = Folder();
     const auto run = [&](std::vector<std::string> words, unsigned closed) {

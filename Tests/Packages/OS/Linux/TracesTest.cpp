@@ -1,5 +1,5 @@
-// A run of the program leaves nothing but what its user names, and it runs the same where nothing can be left. It has a
-// root folder of its own, which is compared before and after; a folder's time tells of files that came and went.
+// A run of the program leaves only the files that its user names, and it runs the same where it can't leave any. It has
+// its own root folder, which is compared before and after; a folder's time shows files that came and went.
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -65,7 +65,7 @@ class Traces : public testing::Test {
         EXPECT_EQ(mount(nullptr, place.c_str(), nullptr, MS_REMOUNT | MS_BIND | access, nullptr), 0) << as;
     }
 
-    // What there is beside the given folders, with the times of last changes.
+    // All files outside the given folders, with their times.
     std::map<std::string, fs::file_time_type> Look() const {
         std::map<std::string, fs::file_time_type> all = {
             {m_root, fs::last_write_time(m_root)}
@@ -79,7 +79,7 @@ class Traces : public testing::Test {
         return all;
     }
 
-    // What a run said, and what it left in its user's folder.
+    // The output of a run, and the files that it left in its user's folder.
     std::string Run(std::vector<std::string> words, bool isStranger) {
         words.insert(words.begin(), "/bin/" + fs::path(QUORLIN_PROGRAM).filename().string());
         const ProgramRun_t ran = RunPrepared(words, [&] {
@@ -97,7 +97,7 @@ class Traces : public testing::Test {
     const std::string m_root = testing::TempDir() + "traces-root", m_user = testing::TempDir() + "traces-user";
 };
 
-TEST_F(Traces, NoRunLeavesAnyAndNoneNeedsAPlaceForThem) {
+TEST_F(Traces, NoRunLeavesAnyOrNeedsToLeaveAny) {
     enum Folders_t { kNone, kWritable, kFull };
     const struct {
         const char* what;

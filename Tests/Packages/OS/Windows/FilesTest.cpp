@@ -1,5 +1,4 @@
-// Which configuration files a process obeys and which new files it makes, by Windows' own rules: access lists, and
-// renames that replace nothing.
+// Which configuration files a process obeys and which new files it creates, by Windows' access lists and renames.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -31,7 +30,7 @@ class Files : public testing::Test {
     }
     void TearDown() override { fs::remove_all(m_folder); }
 
-    // Gives the user all rights, and everybody these.
+    // Gives the user all rights, and everybody the given ones.
     void SetAccess(const std::string& path, const char* everybodys) {
         char* user = nullptr;
         ASSERT_TRUE(ConvertSidToStringSidA(reinterpret_cast<TOKEN_USER*>(m_user)->User.Sid, &user));
@@ -54,7 +53,7 @@ class Files : public testing::Test {
     alignas(TOKEN_USER) char m_user[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
 };
 
-TEST_F(Files, NoConfigurationIsObeyedThatOthersCouldHaveWritten) {
+TEST_F(Files, FilesThatOthersCouldHaveWrittenAreRefused) {
     const std::string path = (m_below / "debug.conf").string();
     EXPECT_EQ(Refusal(path), "none");
     fs::create_directory(m_below);
@@ -94,7 +93,7 @@ TEST_F(Files, LogsAreNewOrPlain) {
     std::fclose(device);
 }
 
-TEST_F(Files, NewOnesAreWholeAndReplaceNothing) {
+TEST_F(Files, NewFilesAreWholeAndReplaceNothing) {
     const std::string name = (m_folder / "new").string(), bytes(3u << 20, 'x');
     EXPECT_TRUE(CreateWholeFile(name, bytes.data(), bytes.size()));
     EXPECT_EQ(ReadWholeFile(name), bytes);

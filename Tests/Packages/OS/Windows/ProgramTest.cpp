@@ -1,4 +1,4 @@
-// What the layer gives a program on Windows: new files that are their owner's alone, and arguments as they were typed.
+// What the layer gives a program on Windows: new files for their owner only, and arguments as they were typed.
 #include "Packages/OS/Program.h"
 
 #include <gtest/gtest.h>
@@ -12,8 +12,8 @@
 
 namespace {
 
-// Whom a file's access list names besides its owner. The system itself doesn't count, as Wine adds it to every list.
-// -1 when the list can't be read, or lets everybody in.
+// The number of users besides the owner in a file's access list, without the system, which Wine adds to every list.
+// -1 if the list can't be read or lets everybody in.
 int OthersWithAccess(const std::string& path) {
     alignas(8) BYTE room[1024];
     alignas(8) BYTE systemRoom[SECURITY_MAX_SID_SIZE];
@@ -40,7 +40,7 @@ int OthersWithAccess(const std::string& path) {
     return others;
 }
 
-TEST(Program, ANewFileIsItsOwnersAlone) {
+TEST(Program, NewFileIsForItsOwnerOnly) {
     const std::string file = testing::TempDir() + "owned", other = testing::TempDir() + "other";
     DeleteFileA(file.c_str());
     ASSERT_TRUE(CreateWholeFile(file, "text", 4));
