@@ -58,7 +58,7 @@ EXPECTED = {
     "Machine/Machine.TheNonTurbo*": lambda preset: lacks("/dev/cpu/0/msr", 8, 0x10)
     or lacks("/sys/firmware/acpi/tables/FACP", 80),
     "Machine/Machine.TheBIOSArea*": lambda preset: lacks("/dev/mem", 0x10000, 0xF0000),
-    "Machine/Machine.BothRoads*": lambda preset: lacks_access_method(),
+    "Machine/Machine.BothAccessMethods*": lambda preset: lacks_access_method(),
     "Machine/MachineRefusals.*": lambda preset: is_user(),
     "LinuxHardware/Hardware.AUserWithoutRights*": lambda preset: is_user(),
     "LinuxHardware/StandIns.*": lambda preset: cannot_mount(),

@@ -1,8 +1,8 @@
-// A stand-in for the kernel driver Ravelink; see README.md. It runs in Wine's user-mode driver host, where neither
-// ports nor physical memory are to be had, so that all but CPUID comes from tables.
+// A stand-in for the kernel driver Ravelink; see README.md. It runs in Wine's user-mode driver host, where ports and
+// physical memory aren't available, so all answers but CPUID come from tables.
 #include <ntddk.h>
 
-#include <cpuid.h>  // after the kernel's header, which has a function of the name
+#include <cpuid.h>  // after the kernel's header, which declares a function of the same name
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/Protocol.h"
 
@@ -17,7 +17,7 @@ static const Word_t kNonTurbo[2] = {2400, 1};
 static Byte_t bios[kBiosSize];
 static Byte_t registers[kRegisterSize];
 static Word_t hypervisor = kHypervisorFromProcessor;
-static Word_t cpuidAnswers = 0xFFFFFFFF;  // that are still given
+static Word_t cpuidAnswers = 0xFFFFFFFF;  // that are left to answer
 
 // Ports 80h to 83h, and MSRs 10h to 13h.
 static Byte_t ports[4] = {0x11, 0x22, 0x33, 0x44};
@@ -76,7 +76,8 @@ static NTSTATUS Msr(MSRRecord_t* request, int write) {
     return STATUS_SUCCESS;
 }
 
-// One function, at location 0: byte n of its configuration space reads n. Bit 31 of its first word tells which request it was.
+// There is one function, at location 0: byte n of its configuration space reads n. Bit 31 of the first word shows which
+// request read it.
 static NTSTATUS Pci(PCIRequest_t* request, int underHypervisor) {
     const Word_t offset = request->RegisterOffset;
     if (request->Size != 4 || offset % 4 != 0 || offset > 252) return STATUS_INVALID_PARAMETER;
@@ -86,7 +87,7 @@ static NTSTATUS Pci(PCIRequest_t* request, int underHypervisor) {
     return STATUS_SUCCESS;
 }
 
-// The simulated bytes of physical memory from `address` on; null where there are none.
+// The simulated physical memory from `address` on, or null.
 static Byte_t* MemoryAt(unsigned long long address, Word_t size) {
     if (address >= kBiosBase && size <= kBiosSize && address - kBiosBase <= kBiosSize - size)
         return bios + (address - kBiosBase);
@@ -102,14 +103,14 @@ static NTSTATUS Memory(MemoryRequest_t* request, Byte_t* place, int write) {
     return STATUS_SUCCESS;
 }
 
-// Device 1 has its registers where all are.
+// Device 1 has its registers in the one block of registers.
 static Byte_t* DynamicPlace(const MemoryRequest_t* request) {
     DynamicMMIORecord_t record;
     RtlCopyMemory(&record, &request->Place, sizeof record);
     return record.Device == 1 ? MemoryAt(kRegisterBase + (unsigned long long)record.MMIOOffset, request->Size) : NULL;
 }
 
-// The bytes that a request takes, in and out; 24 and more for memory.
+// The size of a request's record; 24 and more for memory.
 static NTSTATUS CheckSizes(Word_t code, const void* buffer, ULONG in, ULONG out) {
     ULONG wantIn = 20, wantOut = 20;
     switch (code) {

@@ -1,9 +1,9 @@
 #!/bin/sh
-# Boots a small Linux in an emulator, whose firmware has an SMBIOS table, and runs the library there: both roads to the
-# table, the hardware library against what the guest's kernel says, refusals, sharing, a crash. Needs no rights beyond
-# those for installing packages, and no network once it has the kernel. Fails where it can't have what it needs.
+# Boots a small Linux in an emulator, whose firmware has an SMBIOS table, and tests the library there: both access
+# methods, the hardware library compared with the guest's kernel, refusals, sharing, a crash. Needs no rights but for
+# installing packages, and no network once it has the kernel. Fails if something that it needs is missing.
 #
-#     Tests/Machine/run.sh [JOB...]      the boots by name; all of them if none is named
+#     Tests/Machine/run.sh [JOB...]      all boots if none is named
 set -eu
 cd "$(dirname "$0")/../.."
 work=$PWD/build/machine
@@ -14,7 +14,7 @@ cmake/install-packages.sh g++ cmake ninja-build rapidjson-dev zlib1g-dev libgtes
 
 Tests/Machine/kernel.sh "$work/kernel"
 
-# Programs that need nothing of the guest.
+# The guest has no shared libraries.
 cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
     -DZLIB_USE_STATIC_LIBS=ON >/dev/null
 cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwareTest OSTest sample_files >"$work/build.log" || {
@@ -27,7 +27,7 @@ mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work
 for program in quorlin MachineTest LinuxHardwareTest OSTest; do cp "$work/programs/bin/$program" "$work/root/bin"; done
 cp /bin/busybox "$work/root/bin"
 cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
-ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests look for it
+ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # the path that is built into the tests
 chmod 755 "$work/root/init"
 printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >"$work/root/etc/passwd"
 (cd "$work/root" && find . | busybox cpio -o -H newc 2>/dev/null | gzip -1) >"$work/initramfs"
@@ -45,7 +45,7 @@ boot() {
     if grep -qx 'guest: done' "$work/$job.log"; then
         echo "$job: done in $(($(date +%s) - started)) s"
     else
-        echo "$job: FAILED; all it said:"
+        echo "$job: FAILED; its log:"
         cat "$work/$job.log"
         failed=1
     fi
@@ -62,23 +62,23 @@ for name in $jobs; do
             -smbios type=1,manufacturer=Quorlin,product=Guest
         ;;
     sample)
-        # shellcheck disable=SC2046  # one word an option
+        # shellcheck disable=SC2046  # words are options
         boot sample pc "$plain" "" -smp 2,sockets=2 $(cat "$work/sample/options")
         ;;
     sm3) boot sm3 q35,smbios-entry-point-type=64 "$plain" "" ;;
     lockdown) boot lockdown pc "$plain" lockdown=integrity ;;
-    uefi)  # this firmware takes compressed kernels alone
+    uefi)  # this firmware only boots compressed kernels
         kernel=vmlinuz
-        # shellcheck disable=SC2046  # one word an option
+        # shellcheck disable=SC2046  # words are options
         boot uefi q35 "$plain" "" -bios /usr/share/ovmf/OVMF.fd -smp 2,sockets=2 -device pcie-root-port,id=rp \
             -device virtio-rng-pci,bus=rp $(cat "$work/sample/options")
         kernel=vmlinux
         ;;
     *)
-        echo "no boot is named $name" >&2
+        echo "unknown job '$name'" >&2
         exit 2
         ;;
     esac
 done
 [ $failed = 0 ] || exit 1
-echo "Skipped tests: 0; a guest in which one is skipped fails"
+echo "Skipped tests: 0; a guest that skips one fails"

@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <fstream>
 
-// The compiler's own, in a build that counts.
+// Defined by the compiler in coverage builds.
 extern "C" [[gnu::weak]] void __gcov_dump();
 void SaveCoverage() {
     if (__gcov_dump != nullptr) __gcov_dump();
@@ -61,7 +61,7 @@ bool BecomeNobody() {
            setresuid(kNobody, kNobody, kNobody) == 0;
 }
 
-// As root the tests have mounts of their own.
+// Tests that run as root get a mount namespace.
 static bool hasOwnMounts = false;
 class ClOwnMounts : public testing::Environment {
   public:

@@ -1,4 +1,4 @@
-// Other processes for tests that run on Linux alone.
+// Child processes, for tests on Linux only.
 #pragma once
 
 #include <functional>
@@ -7,18 +7,18 @@
 
 #include "Tests/Support/Program.h"
 
-// Runs `body` in a child process and gives its result (0 to 255), or -1 when a signal ended it.
+// Runs `body` in a child process. Returns its result (0 to 255), or -1 if a signal ended it.
 int InChild(const std::function<int()>& body);
 
-// Runs a program, words[0], in a child that `prepare` has been called in. Its output counts as far as it goes to the
-// streams that the child was given. A result of -1 also stands for a run of more than a minute.
+// Calls `prepare` in a child, which then becomes the program words[0]. Returns what it writes to the child's standard
+// streams. The result is also -1 if it runs for more than a minute.
 ProgramRun_t RunPrepared(
     const std::vector<std::string>& words, const std::function<void()>& prepare = [] {});
 
-// Makes the calling process an ordinary user without rights. Only root can; false otherwise.
+// Changes the user of this process to one without rights. Fails unless root calls it.
 bool BecomeNobody();
 
-// Whether a sanitizer is built in, which has a heap and handlers of its own.
+// Whether this build has a sanitizer, which replaces the heap and signal handlers.
 constexpr bool IsSanitized() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return true;
@@ -27,11 +27,11 @@ constexpr bool IsSanitized() {
 #endif
 }
 
-// Keeps the coverage counters of a process that isn't going to end by exit(). Does nothing in other builds.
+// Saves the coverage counters of a process that won't end with exit(). Does nothing in other builds.
 void SaveCoverage();
 
-// An empty folder in the place of one of the system's, which this process and its children alone see; the system's is
-// back when the object goes. Only where the tests have mounts of their own.
+// Mounts an empty folder over one of the system's while it lives, visible to this process and its children only. Works
+// only if IsPossible.
 class ClFolderOver {
   public:
     explicit ClFolderOver(const char* path, const char* options = "mode=755");
@@ -39,7 +39,7 @@ class ClFolderOver {
     ClFolderOver& operator=(const ClFolderOver&) = delete;
     ~ClFolderOver();
     static bool IsPossible();
-    // A file in it that nobody but its owner can write; folders on the way are made.
+    // Writes a file that only its owner can write, and creates its parent folders.
     void Write(const std::string& name, const std::string& bytes) const;
 
   private:
