@@ -11,7 +11,7 @@ static void Count(size_t bytes) {
     soFar.bytes += static_cast<int64_t>(bytes);
 }
 
-// The C library lets a program take the place of its allocator, and offers its own under these names.
+// A program may replace the C library's allocator, which stays available under these names.
 extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);

@@ -1,4 +1,4 @@
-// Counts what the whole program allocates, operator new included, which asks malloc.
+// Counts all allocations of the program. Operator new is included, as it calls malloc.
 #pragma once
 
 #include <cstdint>
@@ -6,5 +6,5 @@
 struct Allocations_t {
     int64_t count = 0, bytes = 0;
 };
-// Since the program began; for one thread.
+// Since the program began. For programs with one thread.
 Allocations_t AllocationsSoFar();

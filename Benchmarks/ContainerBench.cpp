@@ -1,8 +1,9 @@
-// Containers beside the standard library's, with the same pointers, comparison and order of keys, behind a mutex as
-// ours are. Each pair runs in turn, so that a ratio is one of the same minute; the best time of each part counts.
+// Compares our containers with the standard library's: same pointers, comparison and order of keys, and each under a
+// mutex. The two of a pair take turns, so that other load on the machine affects both; the best time of each part
+// counts.
 //
-// Lists are searched at 1,000 entries alone. At 1,000,000 a search goes through half a million entries: those that a
-// run makes, a million of each part, would take hours, and show no more than the memory's speed.
+// Lists are searched with 1,000 entries only. With 1,000,000 a search visits half a million entries on average: a run
+// would take hours and measure the speed of memory.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -25,12 +26,12 @@ int32_t CompareInts(const void* first, const void* second) {
     return a > b ? 1 : a == b ? 0 : -1;
 }
 struct Below_t {
-    ContainerCompare_t compare = CompareInts;  // through a pointer, as a container's
+    ContainerCompare_t compare = CompareInts;  // through a pointer, as in our containers
     bool operator()(const void* first, const void* second) const { return compare(first, second) < 0; }
 };
 
-// Ours have no operation that finds an entry and leaves it, so Find exchanges an entry for itself: in a tree or a
-// sorted list that is a deletion and an insertion, and in std's containers one search.
+// Our containers can't find an entry without changing it, so Find replaces an entry by itself. In a tree or a sorted
+// list that is a deletion and an insertion; the standard containers need one search.
 class ClOurs {
   public:
     explicit ClOurs(uint32_t type) {
@@ -78,7 +79,7 @@ class ClStandardMap {
         const std::lock_guard guard(m_mutex);
         return m_entries.find(data) != m_entries.end();
     }
-    // As a reader would: with an iterator that goes along.
+    // Reads like most callers, with an iterator that advances.
     bool At(int32_t index, void** data) {
         const std::lock_guard guard(m_mutex);
         m_next = index == 0 ? m_entries.begin() : std::next(m_next);
@@ -105,7 +106,7 @@ using ClMultimap = ClStandardMap<std::multimap<void*, void*, Below_t>>;
 using ClMap = ClStandardMap<std::map<void*, void*, Below_t>>;
 using ClMultiset = ClStandardMap<std::multiset<void*, Below_t>>;
 
-// A sorted one keeps its order by a search from the first entry on, as ours does.
+// A sorted list searches from the first entry on, as ours does.
 template <bool kSorted>
 class ClStandardList {
   public:
@@ -158,7 +159,7 @@ class ClStandardList {
 using ClStandardPlainList = ClStandardList<false>;
 using ClStandardSortedList = ClStandardList<true>;
 
-// Keys in rising order, and in an order of their own for each part of the work.
+// Keys in rising order, and shuffled anew for each part of the work.
 struct Keys_t {
     std::vector<int32_t> values;
     std::vector<void*> rising, inserted, sought, deleted;
@@ -173,8 +174,7 @@ struct Keys_t {
     }
 };
 
-// The work's parts: each is one operation for each key. Times are the processor's, as other programs may run beside
-// this one.
+// Runs one operation for each key and returns the processor time, as other programs may run at the same time.
 template <class Operation_t>
 double SecondsForEach(const std::vector<void*>& keys, const Operation_t& operation, bool* right) {
     const std::clock_t start = std::clock();

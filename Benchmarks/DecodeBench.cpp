@@ -1,4 +1,4 @@
-// Decoding of whole images: the sample, and those of the folder that QUORLIN_BENCH_IMAGES names. And reading them.
+// Reading and decoding of whole images: the sample, and the images in the folder QUORLIN_BENCH_IMAGES.
 #include <benchmark/benchmark.h>
 
 #include <new>
@@ -24,7 +24,7 @@ int64_t CountStructures(const ImageSource_t& source) {
     return count;
 }
 
-// A package brought up, swept and taken down; nothing reads its items.
+// Opens a package, sweeps and closes it. Nothing reads its items.
 void Decode(benchmark::State& state, const ImageSource_t& source) {
     int64_t items = 0;
     const Allocations_t before = AllocationsSoFar();
@@ -55,8 +55,8 @@ void BM_DecodeSample(benchmark::State& state) {
 }
 BENCHMARK(BM_DecodeSample)->Unit(benchmark::kMicrosecond);
 
-// The values of a package that is up. needed_an_item counts the allocations that the interface itself asks for: a
-// std::string by value does without one up to a certain length.
+// Reads the values of an open package. needed_an_item counts the allocations that the interface makes necessary: it
+// returns a std::string, which allocates for longer texts.
 void BM_GetItemValue(benchmark::State& state) {
     const std::span<const uint8_t> table = SampleTable();
     const ImageSource_t source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0};

@@ -1,5 +1,5 @@
-// The host program's formats, in this process and into /dev/null: the sample, and the largest image of the folder that
-// QUORLIN_BENCH_IMAGES names.
+// The program's output formats, in this process and into /dev/null: for the sample, and for the largest image in the
+// folder QUORLIN_BENCH_IMAGES.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -15,7 +15,7 @@
 
 namespace {
 
-// Standard output and error are /dev/null as long as this lives.
+// Redirects standard output and error to /dev/null while it lives.
 class ClSilence {
   public:
     ClSilence() {
@@ -45,7 +45,7 @@ void Show(benchmark::State& state, const Arguments_t& arguments) {
     {
         const ClSilence silence;
         for (auto _ : state) exitCode |= RunProgram(arguments);
-        // A run leaves its table to the end of the process or to the next run, and so to one that finds none.
+        // A run leaves its table open until the next one, so a run without a table closes the last.
         RunProgram({"--image", "/dev/null/none"});
     }
     if (exitCode != 0) state.SkipWithError("the program failed");

@@ -1,5 +1,4 @@
-// What the machine itself takes for that which no such program can spare: the limits that its own times are held
-// against.
+// What the machine itself needs for the work that no such program can avoid: the lower bounds for our own times.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -13,7 +12,7 @@ namespace {
 
 constexpr int64_t kBlock = 64 << 10;
 
-// Bytes read once and written once.
+// Copies a block.
 void BM_LimitCopy(benchmark::State& state) {
     std::vector<char> from(kBlock, 'a'), to(kBlock);
     for (auto _ : state) {
@@ -26,7 +25,7 @@ void BM_LimitCopy(benchmark::State& state) {
 }
 BENCHMARK(BM_LimitCopy);
 
-// Bytes of a block that the system takes: into nothing, and into a file in memory.
+// Writes a block into /dev/null, and into a temporary file.
 void Write(benchmark::State& state, std::FILE* file) {
     const std::vector<char> block(kBlock, 'a');
     bool right = file != nullptr;
@@ -40,7 +39,7 @@ BENCHMARK(BM_LimitWriteNull);
 void BM_LimitWriteFile(benchmark::State& state) { Write(state, std::tmpfile()); }
 BENCHMARK(BM_LimitWriteFile);
 
-// A file of a usual table's size opened, read and closed.
+// Opens, reads and closes a file of the size of a table.
 void BM_LimitReadFile(benchmark::State& state) {
     const int64_t size = state.range(0);
     char name[] = "/tmp/quorlin_bench_XXXXXX";
@@ -57,7 +56,7 @@ void BM_LimitReadFile(benchmark::State& state) {
 }
 BENCHMARK(BM_LimitReadFile)->Arg(4 << 10)->Arg(23'076);
 
-// A block of an item's size taken and given back.
+// Allocates and frees a block of the size of an item.
 void BM_LimitAllocate(benchmark::State& state) {
     for (auto _ : state) {
         void* block = std::malloc(64);

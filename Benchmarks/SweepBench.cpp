@@ -1,4 +1,4 @@
-// What a sweep costs: for the sample, and against the number of structures in the table.
+// The time of a sweep: for the sample, and for tables with more and more structures.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// One round: a package brought up on the table, swept, read, and taken down.
+// Opens a package on the table, sweeps, reads all items, and closes it.
 void Sweep(benchmark::State& state, const uint8_t* table, size_t size, int64_t structures) {
     const ImageSource_t source = {table, static_cast<uint32_t>(size), 3, 0, 0};
     int64_t items = 0;
@@ -33,7 +33,7 @@ void BM_SweepStructures(benchmark::State& state) {
     const std::vector<uint8_t> table = SmallStructures(state.range(0));
     Sweep(state, table.data(), table.size(), state.range(0));
 }
-// The time a structure stays the same: items_per_second at 65,535 is at least half of that at 1,000.
+// A sweep is linear: items_per_second at 65,535 must be at least half of that at 1,000.
 BENCHMARK(BM_SweepStructures)->Arg(1000)->Arg(10000)->Arg(65535)->Unit(benchmark::kMillisecond);
 
 void BM_SweepSample(benchmark::State& state) {

@@ -1,11 +1,11 @@
-// What a trace call costs that is switched off. Every function of the lower libraries makes two of them.
+// The time of a trace call that is switched off. Every function of the lower libraries makes two.
 #include <benchmark/benchmark.h>
 
 #include "Packages/Debug/Debug.h"
 
 #define TRACE(...) QUORLIN_TRACE(handle, "Benchmarks\\Trace", "TraceBench", kEntry, __VA_ARGS__)
 
-// A handle without a configuration: open, and silent.
+// An open handle that writes nothing, as there is no configuration.
 static DebugHandle_t SilentHandle() {
     static DebugHandle_t handle = [] {
         DebugHandle_t opened = nullptr;
@@ -34,7 +34,7 @@ static void TraceSilentHandle(benchmark::State& state) {
 }
 BENCHMARK(TraceSilentHandle);
 
-// What a host pays that calls the function and not the macro.
+// For hosts that call the function instead of the macro.
 static void TraceSilentHandleByCall(benchmark::State& state) {
     DebugHandle_t handle = SilentHandle();
     if (handle == nullptr) state.SkipWithError("no handle");

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Compares two files of results: compare.py BEFORE AFTER [LIMIT]
 
-Says how each figure has changed, and fails when one has grown by LIMIT percent (10) or more, or is gone. A file is
-either one of quorlin_bench --benchmark_out=FILE --benchmark_out_format=json, or what instructions.sh, memory.sh or
-syscalls.sh have printed: lines of a name, a unit and a number. Of repetitions the best counts, as what else runs on a
-machine only adds.
+Prints how each figure has changed. Fails if one has grown by LIMIT percent (default 10) or more, or is missing. A file
+comes from quorlin_bench --benchmark_out=FILE --benchmark_out_format=json, or from instructions.sh, memory.sh or
+syscalls.sh: lines with a name, a unit and a number. The best of several repetitions counts, as other load on the
+machine can only add time.
 """
 
 import json
@@ -15,7 +15,7 @@ COUNTERS = ("allocations_an_item", "bytes_an_item")
 
 
 def figures(path):
-    """The figures of a file by their names, of all of which less is better."""
+    """The figures in a file by name. Less is better for all of them."""
     with open(path, encoding="utf-8") as file:
         text = file.read()
     if not text.startswith("{"):
@@ -26,7 +26,7 @@ def figures(path):
         if run.get("run_type") == "aggregate" or "error_message" in run:
             continue
         name = run["run_name"]
-        # The processor's time, but for a benchmark that times a part of its work itself.
+        # Processor time, unless the benchmark measures a part of its work itself.
         time = run["real_time" if name.endswith("/manual_time") else "cpu_time"]
         values = {f"{name} ns": time * NANOSECONDS[run["time_unit"]]}
         values |= {f"{name} {counter}": run[counter] for counter in COUNTERS if counter in run}

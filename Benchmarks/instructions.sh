@@ -1,8 +1,8 @@
 #!/bin/sh
-# The instructions of whole runs of the host program, the start of the process included, as callgrind counts them:
+# Counts the instructions of whole runs of the program, including the start of the process, with callgrind:
 #   Benchmarks/instructions.sh [QUORLIN [FOLDER]]
-# One line a run, "NAME instructions COUNT", for compare.py. FOLDER holds table images; without it QUORLIN_BENCH_IMAGES
-# names it.
+# Prints a line for each run, "NAME instructions COUNT", for compare.py. FOLDER contains table images; the default is
+# QUORLIN_BENCH_IMAGES.
 set -eu
 quorlin=${1:-build/bench/bin/quorlin}
 folder=${2:-${QUORLIN_BENCH_IMAGES:-}}
@@ -12,8 +12,9 @@ trap 'rm -f "$log"' EXIT
 count() {
     name=$1
     shift
-    # The start reads the environment, which is another one everywhere.
-    env -i PATH="$PATH" valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$log" "$quorlin" "$@" >/dev/null
+    # The start of a process reads its environment, which differs between machines.
+    env -i PATH="$PATH" valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$log" \
+        "$quorlin" "$@" >/dev/null
     echo "$name instructions $(sed -n 's/,//g; s/.*I *refs: *//p' "$log")"
 }
 

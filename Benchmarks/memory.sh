@@ -1,9 +1,9 @@
 #!/bin/sh
-# The peak memory of the host program on tables of 64 KB, by GNU time:
+# Measures the peak memory of the program on tables of 64 KB with GNU time:
 #   Benchmarks/memory.sh [QUORLIN]
-# One line a run, "NAME kilobytes PEAK", for compare.py. The usual table repeats the sample's structures; the small one
-# holds small structures, of all types in turn; the cut one holds processors without any field, each of which has all
-# its items nevertheless: as many as so many bytes can give.
+# Prints a line for each run, "NAME kilobytes PEAK", for compare.py. The usual table repeats the sample's structures.
+# The small one has small structures of all types. The cut one has processors without fields, which show all their
+# items nevertheless: no table of this size gives more.
 set -eu
 quorlin=${1:-build/bench/bin/quorlin}
 work=$(mktemp -d)

@@ -1,8 +1,8 @@
 #!/bin/sh
-# The system calls of whole runs of the host program, the start of the process included, as strace counts them:
+# Counts the system calls of whole runs of the program, including the start of the process, with strace:
 #   Benchmarks/syscalls.sh [QUORLIN]
-# One line a run, "NAME calls COUNT", for compare.py. A count above its bound is an error. The image is kvm-qemu-old.bin
-# of the folder that QUORLIN_BENCH_IMAGES names, or one of its size and kind.
+# Prints a line for each run, "NAME calls COUNT", for compare.py. A count above its bound is an error. The image is
+# kvm-qemu-old.bin in the folder QUORLIN_BENCH_IMAGES, or else a similar one.
 set -eu
 quorlin=${1:-build/bench/bin/quorlin}
 work=$(mktemp -d)
@@ -12,7 +12,7 @@ trouble=0
 count() {
     name=$1 most=$2
     shift 2
-    # A machine without a table ends with 1.
+    # The program exits with 1 on a machine without a table.
     strace -f -o "$work/log" "$quorlin" "$@" >"$work/output" 2>&1 || [ $? = 1 ]
     calls=$(grep -c '(' "$work/log")
     echo "$name calls $calls"

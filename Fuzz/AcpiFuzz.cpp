@@ -1,5 +1,5 @@
-// Any answers of the firmware-table service to the questions for ACPI tables, MCFG among them. In front of the table:
-// how the service errs (1 byte), and a location of configuration space (4 bytes).
+// Fuzzes the reading of ACPI tables and of the segments in MCFG with a firmware-table service that returns any bytes.
+// Input: how the service misbehaves (1 byte), a location in configuration space (4 bytes), the table.
 #include <cstring>
 
 #include "Fuzz/Fuzz.h"
@@ -10,15 +10,15 @@
 #include "Packages/OS/OS.h"
 
 static std::vector<uint8_t> answer;
-static uint8_t errs;
+static uint8_t faults;
 
-// The service, in place of this machine's: a table that goes away, grows or shrinks between two questions.
+// Replaces this machine's service. The table disappears, grows or shrinks between the two calls that read it.
 static uint32_t GetTable(uint32_t, uint32_t, void* buffer, uint32_t size, bool*) {
     size_t now = answer.size();
     if (buffer != nullptr) {
-        if ((errs & 1) != 0) now = 0;
-        if ((errs & 2) != 0) now += 16;
-        if ((errs & 4) != 0) now /= 2;
+        if ((faults & 1) != 0) now = 0;
+        if ((faults & 2) != 0) now += 16;
+        if ((faults & 4) != 0) now /= 2;
         if (now <= size) std::memcpy(buffer, answer.data(), std::min(now, answer.size()));
     }
     return static_cast<uint32_t>(now);
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }();
     UseHardware(machine);
     ClInput input(data, size);
-    errs = input.Take<uint8_t>();
+    faults = input.Take<uint8_t>();
     const auto location = input.Take<uint32_t>();
     answer = input.Rest();
     FetchTables();

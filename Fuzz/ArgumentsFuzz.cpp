@@ -1,4 +1,5 @@
-// Any arguments of quorlin, one a line, on the files "dump" and "table", and "names", a list of both.
+// Runs the program with any arguments, one on each line of the input. It finds the images "dump", "table" and "folder",
+// and "names", a list of images.
 #include "Fuzz/Platform.h"
 #include "Packages/Format/TableFile.h"
 #include "Packages/Sample/Sample.h"
@@ -7,17 +8,18 @@ static std::string Text(std::span<const uint8_t> bytes) { return {bytes.begin(),
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::span<const uint8_t> sample = SampleTable();
+    const std::string dump = Text(MakeDump(sample, 3, 0)), half = Text(sample.first(sample.size() / 2));
     platform.files = {
-        {"dump",                                 Text(MakeDump(sample,               3, 0))},
-        {"table",                                   Text(sample.first(sample.size() / 2))                                                                    },
-        {"names","dump\nnone\n\ntable"},
-        {"folder/DMI",                                                   Text(sample)                                                                                                                                                        },
+        {"dump",       dump                 },
+        {"table",      half                 },
+        {"names",      "dump\nnone\n\ntable"},
+        {"folder/DMI", Text(sample)         },
     };
     Arguments_t arguments(1);
     for (const char character : std::string(reinterpret_cast<const char*>(data), size)) {
         if (character == '\n')
             arguments.emplace_back();
-        else if (character != '\0')  // which ends an argument everywhere
+        else if (character != '\0')  // no argument can contain one
             arguments.back() += character;
     }
     for (const std::string& argument : arguments)

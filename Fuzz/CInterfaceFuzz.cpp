@@ -1,4 +1,5 @@
-// An image of any bytes through the C interface. In front of it: the options, and by how much their size is wrong.
+// Opens any bytes as an image through the C interface.
+// Input: the options, the error in their size (1 byte), the image.
 #include <cstring>
 
 #include "CInterface/quorlin_c.h"

@@ -1,5 +1,5 @@
-// Any operations on a container of each kind, against a model that is a plain vector. The first byte chooses the kind;
-// each operation is two bytes: which one, and its data and index.
+// Compares containers of each kind with a model, a plain vector, under any sequence of operations.
+// Input: the kind (1 byte), then two bytes for each operation: which one, and its data or index.
 #include <algorithm>
 
 #include "Fuzz/Fuzz.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr size_t kValues = 64;
 
-// Four entries of each value, so that there are equals.
+// Four entries have the same value, so that equal keys occur.
 int32_t* Value(uint8_t number) {
     static int32_t values[kValues];
     const size_t place = number % kValues;
@@ -50,7 +50,6 @@ class ClModel {
         }
     }
 
-    // Everything, by rising index.
     void ReadAll() {
         for (size_t index = 0; index < m_entries.size(); index++) Read(static_cast<int32_t>(index));
     }
@@ -58,14 +57,14 @@ class ClModel {
   private:
     bool IsList() const { return m_kind <= kSortedList; }
     size_t Size() const { return m_entries.size(); }
-    // Among equals a tree may choose.
+    // A tree may return any of several equal entries.
     bool IsEntry(size_t place, const void* data) const {
         return IsList() ? m_entries[place] == data : *m_entries[place] == *static_cast<const int32_t*>(data);
     }
     auto Find(const int32_t* data) {
         return std::ranges::find_if(m_entries, [data](const int32_t* each) { return *each == *data; });
     }
-    // Where the kind places an entry.
+    // Adds an entry where a container of this kind would.
     void Place(int32_t* data) {
         auto place = m_entries.end();
         if (m_kind == kSortedList) place = std::ranges::lower_bound(m_entries, data, IsBelow);
@@ -122,7 +121,7 @@ class ClModel {
     void Read(int32_t index) {
         void* data = nullptr;
         const status_t status = RetrieveFromIndex(m_handle, &data, index);
-        // Many equals put an AVL tree out of balance.
+        // Many equal keys make an AVL tree too deep for its walk.
         if (m_kind == kAVLTree && Size() > 99 && status == kFailure) return;
         const bool fits = index >= 0 && static_cast<size_t>(index) < Size();
         Require((status == kSuccess) == fits);

@@ -1,4 +1,4 @@
-// Any bytes as a debug.conf, from a stream and as a host's text. Both end in a status, and agree.
+// Reads any bytes as debug.conf, once from a stream and once as a host's text. Both must return the same status.
 #include <cstdio>
 
 #include "Fuzz/Fuzz.h"
@@ -13,7 +13,7 @@ static status_t ReadAsStream(const std::string& bytes) {
     return status;
 }
 
-// What handles take from the text stays within the known masks.
+// No handle takes a bit from the text that isn't in the known masks.
 static void OpenHandles() {
     DebugHandle_t handles[4] = {};
     const char* const names[4] = {"A", "FERROX", "Global", ""};
@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const status_t status = bytes.empty() ? kSuccess : ReadAsStream(bytes);
     Require(status == kSuccess || status == kFailure);
 
-    // A text ends at its first NUL and knows one more separator.
+    // Unlike a file, a text ends at its first NUL, and ';' ends a line.
     const bool isText = bytes.find('\0') == std::string::npos && bytes.find(';') == std::string::npos;
     const status_t textStatus = DebugUseConfigText(bytes.c_str());
     if (isText) Require(textStatus == status);

@@ -1,4 +1,4 @@
-// A table decoded as a whole: the sweep, every item, every explicit type, and the end.
+// Decodes a whole table as a host would: a sweep, then each type by its number.
 #pragma once
 
 #include "Fuzz/Fuzz.h"
@@ -6,7 +6,7 @@
 #include "Sources/Quorlin.h"
 #include "Sources/SMBIOSType.h"
 
-// Reads all items that the cursor hasn't passed; each is one line of the one form.
+// Reads the items that are left. Each must be a line "KEY", "VALUE".
 inline void ReadItems(BaseAbstraction& package, uint32_t expected) {
     uint32_t count = 0;
     for (std::string line; package.GetNextItem(line) == kSuccess; count++) {
@@ -16,7 +16,7 @@ inline void ReadItems(BaseAbstraction& package, uint32_t expected) {
     Require(count == expected);
 }
 
-// The source's table must live until this ends.
+// The source's table must outlive the call.
 inline void DecodeTable(const ImageSource_t& source) {
     Require(SetImageMachine(&source) == kSuccess);
     auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
@@ -35,7 +35,7 @@ inline void DecodeTable(const ImageSource_t& source) {
         Require(package->GetItemValue(index) == package->Item(index).value);
     Require(package->GetItemValue(all).empty());
     Require(package->UnInitialize() == kSuccess);
-    // A package takes a table of version 0.0 for none, and leaves the store up.
+    // With version 0.0 a package believes that there is no table, and leaves the store up.
     if (StoreIsUp()) Require(LibSMBIOSExit() == kSuccess);
     DestroySmbiosPackage(package);
 }

@@ -1,9 +1,9 @@
-// A file of any bytes as a table image, and what is found in it through the decoders. In front of it: the form to take
-// it as (1 byte), and whether the table is also written and read back.
+// Reads any bytes as an image file and decodes the table found in it.
+// Input: the form to read it as (1 byte), whether to write the table and read it back (1 byte), the file.
 #include "Fuzz/Decode.h"
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
 
-// A dump that we write says what was put in.
+// A dump must contain the table that it was made of.
 static void WriteAndRead(const Image_t& image) {
     const std::span<const uint8_t> table(image.source.table, image.source.length);
     if (table.empty()) return;

@@ -1,5 +1,5 @@
-// The forms in which several files make a table or a run: a folder of an entry point and a table, a list of images, and
-// compressed files. In front: the size of the first of two parts (2 bytes), and the form to take images as (1 byte).
+// Reads tables from several files: a folder with an entry point and a table, a list of images, compressed files.
+// Input: the size of the first part (2 bytes), the form to read images as (1 byte), the two parts.
 #include <zlib.h>
 
 #include "Fuzz/Output.h"
@@ -23,7 +23,7 @@ static std::string Packed(const std::string& text) {
     return packed;
 }
 
-// The names that a list gives: its lines, without the empty ones, up to one that can't be a name.
+// Counts the names in a list: its lines without the empty ones, up to one with a NUL.
 static size_t CountNames(std::string_view list) {
     size_t count = 0;
     while (!list.empty()) {
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         {"broken",                    broken        },
         {"names",                     names         },
     };
-    // Each name gives a line, also where its file can't be read.
+    // Each name gives a line, even if its file can't be read.
     RunOnPlatform({"--as", as, "--format", "ndjson", "--image-list", "names"});
     RequireNdjson(platform.output);
     RequireHarmless(platform.errors);
@@ -64,7 +64,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     RunOnPlatform({"types", "--as", as, "--format", "csv", "--image-list", "names"});
     RequireCsv(platform.output);
     RequireHarmless(platform.errors);
-    // What a file says is what it says compressed. One that is compressed already is unpacked once.
+    // Compressing a file must not change the output. A file that is compressed already is excluded: only one layer is
+    // unpacked.
     const int exitCode = RunOnPlatform({"--as", as, "--format", "lines", "plain"});
     const std::string plain = platform.output;
     const int packedExitCode = RunOnPlatform({"--as", as, "--format", "lines", "packed"});

@@ -1,4 +1,4 @@
-// What the fuzzers share.
+// Shared by the fuzzers: reading the input, and reporting a finding.
 #pragma once
 
 #include <algorithm>
@@ -11,12 +11,12 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
-// A finding, unless it holds.
+// Reports a finding if the condition is false.
 inline void Require(bool holds) {
     if (!holds) std::abort();
 }
 
-// The front of an input, taken number by number; behind its end all is 0. What is left is the subject.
+// Takes numbers from the front of an input; after its end they are 0. The rest is what the fuzzer works on.
 class ClInput {
   public:
     ClInput(const uint8_t* data, size_t size) : m_rest(data, size) {}
@@ -31,14 +31,14 @@ class ClInput {
         return number;
     }
     bool IsEmpty() const { return m_rest.empty(); }
-    // A block of its own size, so that a read past its end is seen.
+    // A block of exactly that size, so that a read past its end is noticed.
     std::vector<uint8_t> Rest() const { return {m_rest.begin(), m_rest.end()}; }
 
   private:
     std::span<const uint8_t> m_rest;
 };
 
-// Whether a trace setting names a file, which a fuzzer must not make. The key may be broken up by white space.
+// Whether a trace setting names a file, which a fuzzer must not create. White space may interrupt the key.
 inline bool NamesAFile(std::string_view text) {
     std::string plain;
     std::copy_if(text.begin(), text.end(), std::back_inserter(plain),

@@ -1,11 +1,11 @@
-// What every output of the program is, whatever a table holds.
+// Checks that every output of the program must pass, whatever a table contains.
 #pragma once
 
 #include <rapidjson/document.h>
 
 #include "Fuzz/Fuzz.h"
 
-// The code points of UTF-8 text; a finding for anything else.
+// The code points of a text. Invalid UTF-8 is a finding.
 inline std::vector<uint32_t> CodePoints(std::string_view text) {
     std::vector<uint32_t> points;
     for (size_t at = 0; at < text.size();) {
@@ -24,7 +24,7 @@ inline std::vector<uint32_t> CodePoints(std::string_view text) {
     return points;
 }
 
-// Lines of text that steer no terminal.
+// The text must contain no character that controls a terminal.
 inline void RequireHarmless(std::string_view text) {
     for (const uint32_t point : CodePoints(text)) {
         Require(point >= 0x20 || point == '\n');
@@ -42,7 +42,7 @@ inline void RequireJson(std::string_view text) {
     Require(!document.HasParseError() && document.IsObject());
 }
 
-// A document on each line.
+// Each line must be a JSON document.
 inline void RequireNdjson(std::string_view text) {
     while (!text.empty()) {
         const size_t end = text.find('\n');
@@ -52,7 +52,7 @@ inline void RequireNdjson(std::string_view text) {
     }
 }
 
-// Rows of one number of cells, by RFC 4180.
+// The text must be CSV by RFC 4180, with the same number of cells in each row.
 inline void RequireCsv(std::string_view text) {
     size_t cells = 1, cellsOfHead = 0;
     std::string plain;

@@ -1,10 +1,11 @@
-// A table of any bytes through every command and format. In front of it: the width of the terminal (0 for none).
+// Runs every command in every format on any bytes as a table.
+// Input: the width of the terminal, 0 for none (1 byte), the table.
 #include "Fuzz/Output.h"
 #include "Fuzz/Platform.h"
 #include "Packages/Format/TableFile.h"
 #include "Packages/Sample/Sample.h"
 
-// The program's own marks of a heading.
+// Removes the escape sequences that the program itself writes around headings.
 static std::string WithoutMarks(std::string text) {
     for (const std::string_view mark : {"\x1b[1m", "\x1b[0m"})
         for (size_t at; (at = text.find(mark)) != text.npos;) text.erase(at, mark.size());
@@ -50,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         RequireHarmless(platform.output);
         RequireHarmless(platform.errors);
     }
-    // What is dumped is the table that was read.
+    // The dump must contain the table that was read.
     Require(RunOnPlatform({"dump", "-", "--as", "table", "--image", "table"}) == 0);
     const std::vector<uint8_t> dump(platform.output.begin(), platform.output.end());
     const TableFound_t found = FindTable(dump, TableForm_t::kDump);

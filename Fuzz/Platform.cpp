@@ -37,7 +37,7 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
     return true;
 }
 
-// The program's links are told to take this one: no input reaches the hardware.
+// The linker replaces FERROXInitialize by this (--wrap), so that no input reaches the hardware.
 extern "C" status_t __wrap_FERROXInitialize();
 extern "C" status_t __wrap_FERROXInitialize() { return kFailure; }
 
@@ -54,7 +54,7 @@ int RunOnPlatform(const Arguments_t& arguments) {
     return exitCode;
 }
 
-// A run that finds no table closes the one that is open, and with it its trace.
+// A run that finds no table closes the table of the last run and its trace.
 void EndRuns() {
     RunProgram({"--image", "none"});
     DebugResetForTest();

@@ -1,5 +1,5 @@
-// What the fuzzers of the program give it in place of its system: files, and standard streams that are kept. Nothing is
-// written, and the driver can't be started.
+// A system for the fuzzers of the program: files in memory, and standard streams that are captured. No file is written,
+// and the driver can't be started.
 #pragma once
 
 #include <map>
@@ -9,13 +9,13 @@
 #include "Tools/quorlin/Commands.h"
 
 struct Platform_t {
-    std::map<std::string, std::string> files;  // by path; a folder is there when a file in it is
-    size_t terminalWidth = 0;                  // 0: standard output is no terminal
+    std::map<std::string, std::string> files;  // by path; a folder exists if a file in it does
+    size_t terminalWidth = 0;                  // 0: standard output isn't a terminal
     std::string output, errors;
 };
 extern Platform_t platform;
 
-// Runs the program, and gives its exit code. What it wrote to its standard streams is in `platform`.
+// Runs the program and returns its exit code. `platform` then contains what it wrote to its standard streams.
 int RunOnPlatform(const Arguments_t& arguments);
-// Closes what the last run left open.
+// Closes what the last run left open, as a run leaves its table to the next one.
 void EndRuns();

@@ -1,4 +1,5 @@
-// The plain main of a fuzzer: runs the files, and the files of the folders, that its arguments name.
+// A fuzzer's main without a search: runs it once on each file that the arguments name, and on each file in the folders
+// that they name.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -27,5 +28,5 @@ int main(int count, char** arguments) {
         for (const auto& entry : std::filesystem::directory_iterator(path)) inputs += RunFile(entry.path());
     }
     std::printf("%d inputs\n", inputs);
-    return inputs > 0 ? 0 : 1;  // a run over nothing shows nothing
+    return inputs > 0 ? 0 : 1;  // a run without inputs proves nothing
 }

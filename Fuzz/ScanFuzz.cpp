@@ -1,6 +1,6 @@
-// Memory of any bytes through the scan for a table. In front of it: with which byte the BIOS area begins (2 bytes),
-// and whether a read fails, or all but the BIOS area is a device (1 byte). The rest of memory holds the input again and
-// again.
+// Scans any bytes as memory for a table.
+// Input: the byte that the BIOS area begins with (2 bytes), flags (1 byte), memory, which repeats the rest of the
+// input. Flags: 1 reads of the upper half of the BIOS area fail; 2 all other memory belongs to devices.
 #include <cstring>
 
 #include "Fuzz/Decode.h"
@@ -23,7 +23,7 @@ bool IsMemory(uint64_t address, uint64_t size) { return (flags & 2) == 0 || IsBI
 
 status_t Read(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
     const uint64_t place = address + offset;
-    // Registers are never read.
+    // Device registers must never be read.
     Require(IsBIOSArea(place, buffer->Size) || IsMemory(place, buffer->Size));
     if ((flags & 1) != 0 && place >= kBIOSArea + 0x8000) return kFailure;
     for (uint32_t at = 0; at < buffer->Size; at++)

@@ -1,5 +1,5 @@
-// Writes the inputs that the fuzzers begin with, a folder for each fuzzer: seeds made of the sample and of small
-// structures, and the inputs that once were findings.
+// Writes the inputs that the fuzzers start from, into a folder for each fuzzer: fuzz_seeds FOLDER STRUCTURES, where
+// STRUCTURES is a folder of files with one structure each.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -7,7 +7,6 @@
 #include <string>
 
 #include "Fuzz/Fuzz.h"
-#include "Packages/Format/Structures.h"
 #include "Packages/Format/TableFile.h"
 #include "Packages/Sample/Sample.h"
 
@@ -16,41 +15,46 @@ namespace {
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
+const std::string kSignatureAndVersion = "\xC0\x06\x05\0\3\0"s;
+
 struct Input_t {
-    const char* subject;  // of the fuzzer
+    const char* subject;  // names the fuzzer: SUBJECTFuzz
     const char* name;
     std::string_view bytes;
 };
 
-// What a fuzzer begins with. An input that fuzzing finds gets a row here, named after what was wrong, so that the fault
-// doesn't come back.
+constexpr std::string_view kOneSegment =
+    "\0\0\0\0\0MCFG\x3C\0\0\0\1\0QUORLNSAMPLE  "
+    "\1\0\0\0QRLN\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\xE0\0\0\0\0\0\0\0\x7F\0\0\0\0"sv;
+constexpr std::string_view kOddNames =
+    "\x25\0\0secret\r\n\x1B[31m\xE2\x80\xAE\xFF\xC2\x9B\n\"a,b\"\n\xF0\x9F\x98\x80\nfolder\x7F\4\0\0\0\0"sv;
+
+// An input that revealed a fault gets a row here, named after the fault, so that it doesn't come back.
 constexpr Input_t kSeeds[] = {
-    {"Table",      "empty",             ""sv                                                                               },
-    {"Acpi",       "one-segment",
-     "\0\0\0\0\0MCFG\x3C\0\0\0\1\0QUORLNSAMPLE  \1\0\0\0QRLN\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\xE0\0\0\0\0\0\0\0\x7F\0\0\0\0"sv},
-    {"Acpi",       "length-above-size", "\0\0\0\0\0MCFG\xFF\xFF\xFF\xFF"sv                                                 },
-    {"Acpi",       "grows",             "\2\0\0\0\0MCFG\x2C\0\0\0"sv                                                       },
-    {"Acpi",       "goes-away",         "\1\0\0\0\0MCFG\x2C\0\0\0"sv                                                       },
-    {"Arguments",  "show",              "--image\ndump\n--type\n17\n--format\njson"sv                                      },
-    {"Arguments",  "lines",             "--sample\n--format\nlines\n--trace\nGlobal:TraceType<ErWaIn>"sv                   },
-    {"Arguments",  "list",              "show\n--image-list\nnames\n--format\ncsv\n--verbose\n--recover"sv                 },
-    {"Arguments",  "version",           "--image\ntable\n--smbios-version\n2.8\n--signature\n506C0h\n--as\nany"sv          },
-    {"Arguments",  "types",             "types\n--sample"sv                                                                },
-    {"Arguments",  "find",              "find\n--sample\nDIMM"sv                                                           },
-    {"Arguments",  "get",               "get\n--sample\nserial"sv                                                          },
-    {"Arguments",  "dump",              "dump\n--sample\nout.bin"sv                                                        },
-    {"Arguments",  "raw",               "raw\n--sample\n--handle\n1103"sv                                                  },
-    {"Arguments",  "check",             "check\n--image\ntable"sv                                                          },
-    {"Arguments",  "diff",              "diff\ndump\ntable"sv                                                              },
-    {"Arguments",  "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                                 },
-    {"CInterface", "wrong-size",        "\0\0\0\0\3\0\0\1\x7F\4\0\0\0\0"sv                                                 },
-    {"Files",      "names",
-     "\x25\0\0secret\r\n\x1B[31m\xE2\x80\xAE\xFF\xC2\x9B\n\"a,b\"\n\xF0\x9F\x98\x80\nfolder\x7F\4\0\0\0\0"sv               },
-    {"Files",      "windows",           "\0\0\3\0\3\2\0\6\0\0\0\x7F\4\0\0\0\0"sv                                           },
-    {"Container",  "list",              "\0\0\1\0\2\4\5\2\0\3\1\7\2\6\4\1\2\5\0"sv                                         },
-    {"Container",  "sorted-list",       "\1\0\5\0\1\4\x30\0\4\6\4\7\1\5\0"sv                                               },
-    {"Container",  "red-black-tree",    "\2\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                             },
-    {"Container",  "avl-tree",          "\3\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                             },
+    {"Table",      "empty",             ""sv                                                                     },
+    {"Acpi",       "one-segment",       kOneSegment                                                              },
+    {"Acpi",       "length-above-size", "\0\0\0\0\0MCFG\xFF\xFF\xFF\xFF"sv                                       },
+    {"Acpi",       "grows",             "\2\0\0\0\0MCFG\x2C\0\0\0"sv                                             },
+    {"Acpi",       "goes-away",         "\1\0\0\0\0MCFG\x2C\0\0\0"sv                                             },
+    {"Arguments",  "show",              "--image\ndump\n--type\n17\n--format\njson"sv                            },
+    {"Arguments",  "lines",             "--sample\n--format\nlines\n--trace\nGlobal:TraceType<ErWaIn>"sv         },
+    {"Arguments",  "list",              "show\n--image-list\nnames\n--format\ncsv\n--verbose\n--recover"sv       },
+    {"Arguments",  "version",           "--image\ntable\n--smbios-version\n2.8\n--signature\n506C0h\n--as\nany"sv},
+    {"Arguments",  "types",             "types\n--sample"sv                                                      },
+    {"Arguments",  "find",              "find\n--sample\nDIMM"sv                                                 },
+    {"Arguments",  "get",               "get\n--sample\nserial"sv                                                },
+    {"Arguments",  "dump",              "dump\n--sample\nout.bin"sv                                              },
+    {"Arguments",  "raw",               "raw\n--sample\n--handle\n1103"sv                                        },
+    {"Arguments",  "check",             "check\n--image\ntable"sv                                                },
+    {"Arguments",  "diff",              "diff\ndump\ntable"sv                                                    },
+    {"Arguments",  "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                       },
+    {"CInterface", "wrong-size",        "\0\0\0\0\3\0\0\1\x7F\4\0\0\0\0"sv                                       },
+    {"Files",      "names",             kOddNames                                                                },
+    {"Files",      "windows",           "\0\0\3\0\3\2\0\6\0\0\0\x7F\4\0\0\0\0"sv                                 },
+    {"Container",  "list",              "\0\0\1\0\2\4\5\2\0\3\1\7\2\6\4\1\2\5\0"sv                               },
+    {"Container",  "sorted-list",       "\1\0\5\0\1\4\x30\0\4\6\4\7\1\5\0"sv                                     },
+    {"Container",  "red-black-tree",    "\2\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                   },
+    {"Container",  "avl-tree",          "\3\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                   },
 };
 
 std::string Text(std::span<const uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
@@ -73,42 +77,25 @@ class ClFolders {
     bool m_isWhole = true;
 };
 
-// The sample, and each of its structures alone, whole and cut in its strings.
-void WriteTables(ClFolders& folders) {
-    const std::span<const uint8_t> sample = SampleTable();
-    const std::string head = "\xC0\x06\x05\0\3\0"s;  // signature and version
-    folders.Write("Table", "sample", head + Text(sample));
-    const auto length = static_cast<uint32_t>(sample.size());
-    for (uint32_t offset = 0; offset < length;) {
-        const TableStructure_t structure = StructureAt(sample.data(), length, offset);
-        const std::string bytes = head + Text({structure.data, structure.size});
-        const std::string name = "structure-" + std::to_string(structure.Type()) + "-" + std::to_string(offset);
-        folders.Write("Table", name, bytes);
-        if (structure.size > structure.Length() + 4u)
-            folders.Write("Table", name + "-cut", bytes.substr(0, bytes.size() - 3));
-        offset += structure.size;
-    }
-}
-
-// Each structure of the corpus as every fuzzer of tables takes it.
+// Writes each structure in the form that each fuzzer of tables expects.
 void WriteStructures(ClFolders& folders, const char* corpus) {
     for (const auto& entry : std::filesystem::directory_iterator(corpus)) {
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}}, name = entry.path().filename().string();
         const std::string table = bytes + "\x7F\4\0\0\0\0"s;
         const auto length = static_cast<char>(table.size());
-        folders.Write("Table", name, "\xC0\x06\x05\0\3\0"s + bytes);
+        folders.Write("Table", name, kSignatureAndVersion + bytes);
         folders.Write("Dump", name, "\0\1"s + table);
         folders.Write("Output", name, "\x3C"s + bytes);
-        folders.Write("CInterface", name, "\xC0\x06\x05\0\3\0\1\0"s + table);
+        folders.Write("CInterface", name, kSignatureAndVersion + "\1\0"s + table);
         folders.Write("Files", name, "\x18\0\0_SM3_\0\x18\3\0\0\1\0"s + length + "\0\0\0\0\0\0\0\0\0\0\0"s + table);
-        // An entry point that has the table after itself.
+        // An entry point with the table right after it.
         folders.Write("Scan", name,
                       "\0\0\0_SM_\0\x1F\3\0\0\0\0\0\0\0\0\0_DMI_\0"s + length + "\0\x20\0\x0F\0\1\0\x30\0"s + table);
     }
 }
 
-// The forms of a file, each around a few structures of the sample.
+// Writes the first structures of the sample in each form of an image file, whole and cut.
 void WriteDumps(ClFolders& folders) {
     const std::span<const uint8_t> table = SampleTable().first(512);
     const auto write = [&](const char* name, char as, std::string_view bytes) {
@@ -122,10 +109,10 @@ void WriteDumps(ClFolders& folders) {
     write("bare-table", 0, Text(table));
     write("answer", 3, "\0\3\2\0\0\2\0\0"sv.substr(0, 8));
     write("whole-answer", 0, std::string("\0\3\2\0\0\2\0\0"sv) + Text(table));
-    // a bare table of one OEM string, in one stored block
-    write(
-        "gzip", 0,
-        "\x1F\x8B\x08\x00\x00\x00\x00\x00\x00\x03\x01\x08\x00\xF7\xFF\x0B\x05\x01\x00\x01\x61\x00\x00\x4F\xF9\x85\x50\x08\x00\x00\x00"sv);
+    // A bare table of one OEM string, as one stored block.
+    write("gzip", 0,
+          "\x1F\x8B\x08\0\0\0\0\0\0\x03\x01\x08\0\xF7\xFF"
+          "\x0B\x05\x01\0\x01\x61\0\0\x4F\xF9\x85\x50\x08\0\0\0"sv);
 }
 
 }  // namespace
@@ -134,7 +121,7 @@ int main(int count, char** arguments) {
     if (count != 3) return 1;
     ClFolders folders(arguments[1]);
     for (const Input_t& input : kSeeds) folders.Write(input.subject, input.name, input.bytes);
-    WriteTables(folders);
+    folders.Write("Table", "sample", kSignatureAndVersion + Text(SampleTable()));
     WriteDumps(folders);
     WriteStructures(folders, arguments[2]);
     return folders.IsWhole() ? 0 : 1;

@@ -1,5 +1,5 @@
-// A table image of any bytes through the sweep and every explicit type. In front of it: the processor's signature (4
-// bytes), and the SMBIOS version's major and minor.
+// Decodes any bytes as a table, in a sweep and type by type.
+// Input: the processor signature (4 bytes), the SMBIOS version (major and minor, 1 byte each), the table.
 #include "Fuzz/Decode.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

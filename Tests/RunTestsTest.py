@@ -1,4 +1,4 @@
-"""Skipped tests are found in the result files, and those that nobody expects make the run fail."""
+"""Checks that run_tests.py finds skipped tests in the result files, and which of them it reports as unexpected."""
 
 import contextlib
 import io

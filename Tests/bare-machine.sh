@@ -1,10 +1,10 @@
 #!/bin/sh
-# The README's two commands on a machine that has nothing: a minimal Debian 12, made from this machine's own package
-# sources, with /proc, /sys and the few device files that every machine has. The tree is that of the last commit, as an
-# unpacked archive. Root runs ./run and ./test; then a user with sudo runs ./run, once more without make.
+# Runs the README's two commands on a minimal Debian 12, made from this machine's own package sources, with /proc, /sys
+# and the basic device files. The tree is an unpacked archive of the last commit. Root runs ./run and ./test; then a
+# user with sudo, and without make, runs ./run.
 #
-# Needs root or sudo, the right to mount and to make device files (a container mostly refuses both), the network, and
-# 2 GB in the temporary folder.
+# Needs root or sudo, the right to mount and to create device files (most containers refuse both), the network, and 2 GB
+# in the temporary folder.
 set -eu
 case ${1:-} in
 '')
@@ -18,7 +18,7 @@ case ${1:-} in
     trap 'exit 1' HUP INT TERM
     chmod 755 "$work"
     git archive -o "$work/tree.tar" HEAD
-    # Its mounts and processes are its own, so that both are gone when it ends, however it ends.
+    # With namespaces of its own, its mounts and processes disappear however it ends.
     $sudo unshare --mount --pid --fork --kill-child "$0" inside "$work"
     ;;
 inside)
@@ -34,7 +34,7 @@ inside)
         echo "bare-machine: Debian 12 could not be downloaded or unpacked" >&2
         exit 1
     }
-    # What apt needs to use the same sources.
+    # Lets apt use the same sources.
     rm "$root/etc/apt/sources.list"
     for item in sources.list sources.list.d auth.conf auth.conf.d trusted.gpg trusted.gpg.d keyrings; do
         [ ! -e "/etc/apt/$item" ] || cp -r "/etc/apt/$item" "$root/etc/apt"
@@ -52,7 +52,7 @@ inside)
     mkdir "$root/tree"
     tar -x -C "$root/tree" -f "$2/tree.tar"
     cp "$0" "$root/bare-machine"
-    # Not chroot, in which the kernel refuses new user namespaces and private mounts.
+    # In a chroot the kernel would refuse new user namespaces and private mounts.
     cd "$root"
     pivot_root . .
     umount -l .
@@ -62,8 +62,8 @@ inside)
         ${http_proxy:+"http_proxy=$http_proxy"} sh /bare-machine commands
     ;;
 commands)
-    ! command -v make git g++ || { echo "bare-machine: that's no bare machine" >&2; exit 1; }
-    # shows_items COMMAND...: its output has the system's name, of this machine or of the sample.
+    ! command -v make git g++ || { echo "bare-machine: this machine isn't bare" >&2; exit 1; }
+    # shows_items COMMAND...: fails unless the output has a system's items, of this machine or of the sample.
     shows_items() {
         "$@" >/output && grep -q '{Type 1}' /output && return
         echo "bare-machine: $* shows no items" >&2

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs the Debian packages in a root folder of their own, uses them there, and purges them: check-deb.sh FOLDER, where
-# FOLDER holds them. Needs root or sudo, and the network: the root is a minimal Debian from this machine's own sources.
+# Installs the Debian packages in FOLDER into a new root folder, uses them there, and purges them: check-deb.sh FOLDER.
+# Needs root or sudo, and the network: the root is a minimal Debian from this machine's own package sources.
 set -eu
 packages=$(realpath "$1")
 cd "$(dirname "$0")/.."
@@ -28,7 +28,7 @@ debootstrap --variant=minbase "$codename" "$root" "$mirror" >"$work/log" 2>&1 ||
 
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"; }
 
-# The root's files but dpkg's own records, logs and the loader's cache.
+# Lists the root's files, without dpkg's records, logs and the loader's cache.
 files() {
     (cd "$root" && find . -path ./var/lib/dpkg -prune -o -path ./var/log -prune -o -path ./var/cache -prune -o -print) |
         LC_ALL=C sort
@@ -43,14 +43,15 @@ inside sh -c 'dpkg -i /packages/*.deb' >"$work/log" 2>&1 || {
 }
 rm -r "$root/packages"
 
-# A program that was built against the packages' files, in a place where there is no compiler.
+# Runs a program that was built against the packages' files, where there is no compiler.
 libraries=$(dirname "$(find "$root/usr/lib" -name libquorlin.so)")
 cc -I"$root/usr/include" Docs/examples/items.c -L"$libraries" -lquorlin -o "$root/items-c"
 inside quorlin dump --sample /dump.bin
 inside quorlin --image /dump.bin --format lines >"$work/program.txt"
 [ -s "$work/program.txt" ] || fail 'quorlin shows nothing'
 inside /items-c /dump.bin >"$work/items-c.txt"
-[ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] || fail 'items-c gives another number of items'
+[ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] ||
+    fail 'items-c gives another number of items'
 for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completions/quorlin \
     zsh/vendor-completions/_quorlin fish/vendor_completions.d/quorlin.fish doc/libquorlin-dev/examples/items.c; do
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"
@@ -61,5 +62,5 @@ inside quorlin --image /dump.bin --format lines | cmp "$work/program.txt" - || f
 inside dpkg --purge quorlin >"$work/log" 2>&1 || fail "purging the program: $(cat "$work/log")"
 rm "$root/dump.bin" "$root/items-c"
 files >"$work/after"
-diff "$work/before" "$work/after" || fail 'purging leaves files behind, or takes others away'
-echo "The packages install, work and leave nothing behind: $(wc -l <"$work/program.txt") items of the sample"
+diff "$work/before" "$work/after" || fail 'purging leaves files, or removes others'
+echo "The packages install, work and can be purged: $(wc -l <"$work/program.txt") items of the sample"

@@ -1,8 +1,8 @@
 #!/bin/sh
-# Checks that built files have what protects a process: check-hardening.sh FILE...
-# ELF files: position-independent, relocations read-only and bound at once, no writable and executable memory; shared
-# libraries also show the stack protector, the checked functions and, on x86, marks for indirect jumps and stack probes.
-# Windows files: ASLR, high entropy, DEP.
+# Checks that built files are hardened: check-hardening.sh FILE...
+# ELF files: position-independent code, read-only relocations that are bound at once, no memory that is writable and
+# executable; shared libraries also: stack protector, checked functions and, on x86, marks for indirect jumps and stack
+# probes. Windows files: ASLR with high entropy, DEP.
 failures=0
 
 # has FILE TEXT PATTERN WHAT
@@ -41,7 +41,7 @@ check_x86_library() {
   code=$(objdump -d --no-show-raw-insn "$1")
   entry=$(printf '%s\n' "$code" | grep -A1 '<CreateSmbiosPackage@*[A-Z_0-9]*>:')
   has "$1" "$entry" 'endbr64' 'landing marks for indirect jumps'
-  # What a frame of several pages does to each of them.
+  # Large frames probe each of their pages.
   has "$1" "$code" ':[[:space:]]+or[a-z]* +\$0x0,\(%rsp\)' 'stack-clash protection'
 }
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Compares what quorlin.exe prints under Wine with what the native program prints, byte by byte: for the sample, and
-# for every table image given as an argument.
+# Compares the output of quorlin.exe under Wine with that of the native program, for the sample and for images:
+# compare-windows.sh [IMAGE...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 [ -n "${WINEPREFIX:-}" ] || exec cmake/with-wine.sh Tests/compare-windows.sh "$@"
@@ -15,7 +15,7 @@ compare() {
     local status=0 wine_status=0
     "$native" "$@" >"$scratch/native" || status=$?
     wine "$windows" "$@" >"$scratch/windows" 2>"$scratch/errors" || wine_status=$?
-    # Some commands answer with 1; more is trouble.
+    # Some commands exit with 1 to say no; more is an error.
     if [ "$status" -gt 1 ] || [ "$status" != "$wine_status" ] || ! cmp "$scratch/native" "$scratch/windows"; then
         echo "FAILED: quorlin $* (exit codes $status native, $wine_status under Wine)" >&2
         cat "$scratch/errors" >&2
@@ -24,7 +24,7 @@ compare() {
     compared=$((compared + 1))
 }
 
-# Each command on one table, in each of its formats.
+# Runs each command on one table, and show in each format.
 compare_table() {
     for format in lines text json ndjson csv; do compare "$@" --format $format; done
     for command in types "find serial" "get 1 Manufacturer" raw check; do
@@ -39,4 +39,4 @@ if [ $# -ge 2 ]; then compare diff "$1" "$2" --ignore Handle; fi
 compare --sample --format lines --type 148
 compare --sample --format lines --type 148 --signature 30670
 compare --sample --format lines --type 148 --signature 506C0
-echo "$compared outputs, the same bytes on both platforms"
+echo "$compared outputs are the same on both platforms"

@@ -1,10 +1,10 @@
 #!/bin/sh
-# A download that fails ends the script that wants it, and the script says so.
+# Checks that scripts end with a message when a download fails.
 set -eu
 cd "$(dirname "$0")/.."
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-# No network: the lists know the packages, and nothing comes.
+# Without a network the package lists know the packages, but every download fails.
 mkdir "$work/bin"
 printf '#!/bin/sh\necho "E: no network" >&2\nexit 100\n' >"$work/bin/apt-get"
 printf '#!/bin/sh\necho "  Depends: linux-image-6.1.0-1-amd64"\n' >"$work/bin/apt-cache"

@@ -1,6 +1,5 @@
 #!/bin/sh
-# Builds and packs the last commit for Windows in two folders, as users with different umasks, and compares what came out,
-# byte for byte.
+# Builds and packs the last commit for Windows in two folders and with two umasks. All results must be the same bytes.
 set -eu
 cd "$(dirname "$0")/.."
 work=$(mktemp -d)
@@ -13,7 +12,7 @@ build() (
     mkdir -p "$1"
     git archive HEAD | tar -x --no-same-permissions -C "$1"
     cd "$1" || exit 1
-    # A compiler cache would hand out the first build's objects.
+    # A compiler cache would return the first build's objects.
     export CCACHE_DISABLE=1
     cmake --preset windows && cmake --build --preset windows && cmake/make-zip.sh build/windows
 )

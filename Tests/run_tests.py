@@ -18,7 +18,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 
 def bytes_of(path, offset, size):
-    """Bytes of a file or a device; none where they can't be read."""
+    """Bytes of a file or a device; none if they can't be read."""
     try:
         with open(path, "rb", buffering=0) as file:
             file.seek(offset)
@@ -47,7 +47,7 @@ def lacks_access_method():
     return lacks("/sys/firmware/dmi/tables/DMI", 1) or b"_SM_" not in bytes_of("/dev/mem", 0xF0000, 0x10000)
 
 
-# All skips that are expected: the test program and the test, and when. A test that isn't here is never skipped.
+# The skips that are expected: test program, test, and the condition. No other test may be skipped.
 EXPECTED = {
     "Sources/Cut.ImagesOfRealMachines*": lambda preset: not (ROOT / "../shared/tables").exists(),
     "Machine/Machine.Writes*": lambda preset: True,  # guests run these two
@@ -72,15 +72,15 @@ EXPECTED = {
     "quorlin/OnLinux.*": lambda preset: preset == "windows-tests",
 }
 
-# What a preset leaves out otherwise.
+# Tests that a preset leaves out without a skip.
 LEFT_OUT = {
-    "tsan": "what has no threads: other test programs than those above, Cut.*, Traces.*",
-    "windows-tests": "Cut.*, which AddressSanitizer judges, and what Linux alone has",
+    "tsan": "tests without threads: all other test programs, Cut.*, Traces.*",
+    "windows-tests": "Cut.*, which needs AddressSanitizer, and tests for Linux only",
 }
 
 
 def skipped_tests(folder):
-    """(name, reason) of each skipped test, from the result files in a folder."""
+    """Yields name and reason of each skipped test in a folder of result files."""
     for file in sorted(folder.glob("*.xml")):
         for case in xml.etree.ElementTree.parse(file).iter("testcase"):
             mark = case.find("skipped")
@@ -94,7 +94,7 @@ def is_expected(name, preset):
 
 
 def report(folder, preset):
-    """Prints what was skipped; gives the names of the tests that shouldn't have been."""
+    """Prints the skipped tests. Returns the names of those that should have run."""
     skipped = list(skipped_tests(folder))
     unexpected = [name for name, _ in skipped if not is_expected(name, preset)]
     print(f"Skipped tests: {len(skipped)}, of them unexpected: {len(unexpected)}")

@@ -1,6 +1,6 @@
 #!/bin/sh
-# The program of the stub system: reads images like the native one, and refuses the machine by one line.
-#     Tests/stub.sh STUB-PROGRAM
+# Checks the program of the stub system: stub.sh PROGRAM. It must read images like the native program, and refuse this
+# machine with one line.
 set -eu
 stub=$1
 cd "$(dirname "$0")/.."
@@ -17,7 +17,7 @@ for format in lines text json csv; do
 done
 for command in "" "hw cpuid 0" "hw pci 0000:00:00.0 0 4" "hw acpi MCFG"; do
     code=0
-    # shellcheck disable=SC2086  # one word an argument
+    # shellcheck disable=SC2086  # words are arguments
     "$stub" $command >"$work/out" 2>"$work/errors" || code=$?
     [ $code = 1 ] && [ ! -s "$work/out" ] && [ "$(wc -l <"$work/errors")" = 1 ] && continue
     echo "stub: $command: exit code $code"

@@ -1,12 +1,13 @@
-# What every target is compiled and linked with. Targets take it by linking quorlin_flags.
+# The options of every target, which gets them by linking quorlin_flags.
 add_library(quorlin_flags INTERFACE)
-target_compile_options(quorlin_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Werror
+target_compile_options(quorlin_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Werror
   -fstack-protector-strong
-  # The same bytes from every build folder.
+  # Every build folder gives the same bytes.
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 
-# Stack pages are touched in order, and indirect jumps land only where the compiler meant them to. Not every processor has
-# both options; Windows has its own forms.
+# Touches stack pages in order, and marks the targets of indirect jumps. Not every processor has both options, and
+# Windows has its own forms.
 if(NOT WIN32)
   include(CheckCXXCompilerFlag)
   foreach(option stack-clash-protection cf-protection)
@@ -22,19 +23,20 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_compile_options(quorlin_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()
 if(QUORLIN_SANITIZE)
-  target_compile_options(quorlin_flags INTERFACE -fsanitize=${QUORLIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(quorlin_flags INTERFACE
+    -fsanitize=${QUORLIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quorlin_flags INTERFACE -fsanitize=${QUORLIN_SANITIZE})
 endif()
 if(QUORLIN_FUZZ)
-  # What guides the search; the search itself is linked into each fuzzer.
+  # Records the coverage that guides a fuzzer. The fuzzing engine is linked into each fuzzer.
   target_compile_options(quorlin_flags INTERFACE -fsanitize=fuzzer-no-link
     -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/Fuzz/Ignored.txt)
 endif()
 if(WIN32)
-  # No MinGW library is needed beside ours.
+  # The library must not depend on MinGW's own DLLs.
   target_link_options(quorlin_flags INTERFACE -static -fstack-protector-strong
     -Wl,--dynamicbase,--nxcompat,--high-entropy-va -Wl,--no-insert-timestamp)
-  # Stripped by the linker: the strip program would put the time of day into the file.
+  # The linker strips the file. The strip program would write the time into it.
   target_link_options(quorlin_flags INTERFACE $<$<CONFIG:Release>:-s>)
 else()
   target_link_options(quorlin_flags INTERFACE -Wl,-z,relro,-z,now)

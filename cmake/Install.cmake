@@ -1,8 +1,8 @@
-# What is installed where, in three components that are also the Debian packages: library (the shared library),
-# development (headers, link library, pkg-config and CMake files, quorlin(3)) and tools (the host program).
+# The installation, in three components that are also the Debian packages: library (the shared library), development
+# (headers, link library, pkg-config and CMake files, quorlin(3)) and tools (the program).
 #
-# Headers go to include/quorlin as a copy of the tree, so that they find each other as in the tree; the two that a
-# program begins with stand on top: <quorlin/quorlin_c.h> and <quorlin/Quorlin.h>.
+# include/quorlin has the headers in the folders of this tree, so that their includes work. The two that a program
+# includes are at the top: <quorlin/quorlin_c.h> and <quorlin/Quorlin.h>.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -39,7 +39,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuorlinConfigVersion.cmak
 install(FILES ${PROJECT_BINARY_DIR}/QuorlinConfig.cmake ${PROJECT_BINARY_DIR}/QuorlinConfigVersion.cmake
   DESTINATION ${cmake_to} COMPONENT development)
 
-# The prefix as seen from the file itself, so that an installed tree may be moved.
+# The prefix relative to the file, so that an installed tree can be moved.
 file(RELATIVE_PATH prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" prefix_from_pc ${prefix_from_pc})
 configure_file(cmake/quorlin.pc.in ${PROJECT_BINARY_DIR}/quorlin.pc @ONLY)
@@ -48,7 +48,8 @@ install(FILES ${PROJECT_BINARY_DIR}/quorlin.pc DESTINATION ${CMAKE_INSTALL_LIBDI
 if(NOT WIN32)
   install(FILES Docs/quorlin.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES Docs/quorlin.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
-  set(QUORLIN_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING "Where zsh looks for completions")
+  set(QUORLIN_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    CACHE STRING "Where zsh looks for completions")
   set(completions ${PROJECT_BINARY_DIR}/completions)
   install(FILES ${completions}/quorlin.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME quorlin COMPONENT tools)

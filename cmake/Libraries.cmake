@@ -1,5 +1,5 @@
-# Header-only libraries live in the host's include folder, which a cross build must not see as a whole: a link to the
-# one folder that is wanted goes into the build tree.
+# Header-only libraries are in the host's include folder, which a cross build must not use as a whole. So the build tree
+# gets a link to the one folder that is needed.
 function(quorlin_header_only name folder)
   find_path(${name}_HOME ${folder} PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
   file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Installs the Debian packages given that are missing; does nothing when all are there. Works as root and with sudo.
+# Installs those of the given Debian packages that are missing. Works as root and with sudo.
 set -eu
 missing=
 for package in "$@"; do
@@ -12,7 +12,7 @@ if [ "$(id -u)" != 0 ]; then
     sudo=sudo
 fi
 echo "Installing:$missing" >&2
-# A source that fails needn't be the one that matters.
+# Another package source may still have what is missing.
 $sudo apt-get update -qq -o APT::Update::Error-Mode=any || echo "Not all package lists could be downloaded" >&2
 # shellcheck disable=SC2086  # one word a package
 $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null || {

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds the Debian packages and has lintian look at them: make-deb.sh FOLDER. The tree is copied there first, as the
-# tools write beside and into it.
+# Builds the Debian packages and checks them with lintian: make-deb.sh FOLDER. Works on a copy of the tree in FOLDER, as
+# the tools write into the tree and into its parent folder.
 set -eu
 folder=$1
 version=$(dpkg-parsechangelog -S Version)

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Packs what a Windows user needs, from a Windows build: make-zip.sh BUILD. Writes quorlin-VERSION-windows-x86_64.zip
-# there, the same bytes for the same files.
+# Packs a Windows build for users: make-zip.sh BUILD. Writes BUILD/quorlin-VERSION-windows-x86_64.zip; the same files
+# give the same bytes.
 set -eu
 build=$1
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
@@ -14,7 +14,7 @@ for document in Program.md Formats.md json-schema.json Items.md Library.md Conta
     cp -r "Docs/$document" "$build/zip/$name/Docs"
 done
 cd "$build/zip"
-# Entries carry the time and the rights of the files: neither is to be that of the build or of the user's umask.
+# An archive contains times and modes, which must not depend on the build or on the user's umask.
 find "$name" -exec touch -d "@${SOURCE_DATE_EPOCH:-1767225600}" {} +
 chmod -R u=rwX,go=rX "$name"
 find "$name" | LC_ALL=C sort | TZ=UTC zip -q -X -@ "../$name.zip"

@@ -1,6 +1,5 @@
-// What no run of the host program can spare, and nothing else: reads a file of up to 64 KB, puts as many bytes as an
-// output has in their place, piece by piece, and writes them in blocks.
-//   quorlin_limit FILE BYTES
+// Does only what no run of the program can avoid: reads a file of up to 64 KB, then copies together and writes as many
+// bytes as an output has: quorlin_limit FILE BYTES.
 #include <fcntl.h>
 #include <unistd.h>
 

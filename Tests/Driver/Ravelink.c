@@ -2,7 +2,7 @@
 // physical memory, so that all answers but CPUID's come from tables.
 #include <ntddk.h>
 
-#include <cpuid.h>  // after the kernel's header, which has a function of the name
+#include <cpuid.h>  // after the kernel's header, which declares a function of the same name
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/Protocol.h"
 
@@ -13,7 +13,7 @@ enum { kBiosBase = 0xF0000, kBiosSize = 0x10000, kTableOffset = 0x200, kHypervis
 
 static Byte_t bios[kBiosSize];
 static Word_t hypervisor = kHypervisorFromProcessor;
-static Word_t cpuidAnswers = 0xFFFFFFFF;  // that are still given
+static Word_t cpuidAnswers = 0xFFFFFFFF;  // that are left to answer
 
 // One enclosure of the maker "Simulated", and the end of the table.
 static const Byte_t kTable[] = {3, 9, 3, 0, 1, 0x17, 0, 0, 0, 'S', 'i', 'm', 'u', 'l', 'a', 't', 'e', 'd', 0, 0,

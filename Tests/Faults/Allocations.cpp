@@ -1,4 +1,4 @@
-// The test program is linked with --wrap for malloc, calloc, realloc and free.
+// The test program is linked with --wrap for malloc, calloc, realloc and free, so all calls come here.
 #include "Tests/Faults/Allocations.h"
 
 #include <atomic>

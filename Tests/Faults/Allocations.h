@@ -1,17 +1,17 @@
-// The allocation under a test's control: told to fail, and counted. The test program's operator new and malloc are
-// these; what the C library allocates for itself is not.
+// Lets a test count allocations and make them fail. This covers operator new and malloc, but not the C library's own
+// allocations.
 #pragma once
 
 #include <cstddef>
 
 enum class Failing_t {
-    kOnce,     // one allocation fails, and memory is back for the next
-    kForGood,  // that one and all after it
+    kOnce,     // one allocation fails, the next ones succeed
+    kForGood,  // that allocation fails, and all after it
 };
 
-// From here on the allocation with this number fails, counted from 1.
+// Makes the allocation with this number fail, counted from now on and from 1.
 void FailAllocation(size_t number, Failing_t failing);
-// Whether one has failed since. From here on none does.
+// Lets all allocations succeed again. Returns whether one has failed since FailAllocation.
 bool EndOfFailing();
-// The blocks that are allocated now.
+// The number of blocks that are allocated now.
 size_t LiveBlocks();

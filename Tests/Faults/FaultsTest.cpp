@@ -1,5 +1,5 @@
-// Every allocation made to fail in turn: a status or fewer items come of it, no crash, no exception and no leak, and
-// afterwards everything works again.
+// Makes every allocation fail in turn. The result is a status or fewer items, but no crash, exception or leak, and
+// everything works again afterwards.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -18,11 +18,10 @@
 
 namespace {
 
-// What a scenario came to: items, bytes or whatever it counts. Without memory it is less, or nothing.
+// Returns a count of items or bytes, which is lower, or 0, if memory runs out.
 using Scenario_t = std::function<size_t()>;
 
-// Reads all items both ways. A line that can't be had for want of memory is asked for once more, and the reading ends
-// when there is none again.
+// Reads all items both ways. Retries once after an allocation failed, and stops at the second failure.
 size_t ReadItems(Quorlin& package) {
     size_t read = 0;
     std::string line;
@@ -39,7 +38,7 @@ size_t ReadItems(Quorlin& package) {
     return read;
 }
 
-// A package through all that a host may ask of it.
+// Calls every operation of a package.
 size_t UsePackage(uint32_t signature) {
     const std::span<const uint8_t> table = SampleTable();
     const ImageSource_t source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, signature};
@@ -59,7 +58,7 @@ size_t UsePackage(uint32_t signature) {
     return items;
 }
 
-// The store without a package: lookups, and the table's dump.
+// Uses the store without a package.
 size_t UseStore() {
     const std::span<const uint8_t> table = SampleTable();
     const ImageSource_t source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0};
@@ -82,7 +81,7 @@ size_t UseStore() {
     return bytes;
 }
 
-// The C interface on a file's bytes.
+// Opens a file's bytes through the C interface.
 size_t UseCInterface(const std::vector<uint8_t>& bytes) {
     quorlin_table* table = nullptr;
     const quorlin_status status = quorlin_open_memory(bytes.data(), bytes.size(), nullptr, &table);
@@ -98,7 +97,7 @@ size_t UseCInterface(const std::vector<uint8_t>& bytes) {
 
 const std::vector<uint8_t> kSampleDump = MakeDump(SampleTable(), 3, 0);
 
-// A bare table of one OEM string in gzip's form, as one stored block.
+// A bare table of one OEM string in a gzip file, as one stored block.
 const std::vector<uint8_t> kCompressed = {0x1F, 0x8B, 0x08, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x03, 0x01,
                                           0x08, 0x00, 0xF7, 0xFF, 0x0B, 0x05, 0x01, 0x00, 0x01, 0x61, 0x00,
                                           0x00, 0x4F, 0xF9, 0x85, 0x50, 0x08, 0x00, 0x00, 0x00};
@@ -106,7 +105,7 @@ const std::vector<uint8_t> kCompressed = {0x1F, 0x8B, 0x08, 0x00, 0x00, 0x00, 0x
 struct Case_t {
     const char* what;
     Scenario_t run;
-    const char* trace = nullptr;  // the settings that it runs under
+    const char* trace;  // trace settings, or null
 };
 
 class Faults : public testing::TestWithParam<Case_t> {
@@ -120,7 +119,7 @@ class Faults : public testing::TestWithParam<Case_t> {
     }
 
     void FailEach(Failing_t failing) {
-        Run();  // what is made once, and stays, is there now
+        Run();  // makes what is allocated once and kept
         const size_t whole = Run();
         ASSERT_GT(whole, 0u);
         const size_t before = LiveBlocks();
@@ -131,7 +130,7 @@ class Faults : public testing::TestWithParam<Case_t> {
             failed = EndOfFailing();
             ASSERT_LE(came, whole) << "allocation " << number;
             ASSERT_FALSE(StoreIsUp()) << "allocation " << number;
-            // What a library keeps for its next use is given back after that one.
+            // Memory that a library keeps for its next use is freed after that use.
             ASSERT_EQ(Run(), whole) << "after allocation " << number;
             ASSERT_EQ(LiveBlocks(), before) << "after allocation " << number;
         }
@@ -143,13 +142,18 @@ TEST_P(Faults, MemoryIsOutForGood) { FailEach(Failing_t::kForGood); }
 
 constexpr const char* kTrace = "Global:SyncFlag<Y>;Global:OutputType<Fi>;Quorlin:TraceType<ErWa>;FERROX:TraceType<Al>";
 
+const Scenario_t kPackage = [] { return UsePackage(0x506C0); };
+const Scenario_t kOtherFamily = [] { return UsePackage(0x706A0); };
+const Scenario_t kDump = [] { return UseCInterface(kSampleDump); };
+const Scenario_t kPacked = [] { return UseCInterface(kCompressed); };
+
 const Case_t kCases[] = {
-    {"Package",     [] { return UsePackage(0x506C0); }},
-    {"OtherFamily", [] { return UsePackage(0x706A0); }},
-    {"Traced",      [] { return UsePackage(0x506C0); }, kTrace},
-    {"Store",             UseStore                                        },
-    {"CInterface",             [] { return UseCInterface(kSampleDump); }},
-    {"Compressed",             [] { return UseCInterface(kCompressed); }                                        },
+    {"Package",     kPackage,     nullptr},
+    {"OtherFamily", kOtherFamily, nullptr},
+    {"Traced",      kPackage,     kTrace },
+    {"Store",       UseStore,     nullptr},
+    {"CInterface",  kDump,        nullptr},
+    {"Compressed",  kPacked,      nullptr},
 };
 
 INSTANTIATE_TEST_SUITE_P(Cases, Faults, testing::ValuesIn(kCases), [](const auto& each) { return each.param.what; });

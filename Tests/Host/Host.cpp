@@ -1,10 +1,9 @@
-// A host built apart from the library, with the public headers alone: loads it, takes its exports by name, and walks
-// all items of this machine through the ten virtual operations, one line an item. A bare table in a file takes the
-// machine's place.
+// A host that is built separately from the library, with the public headers only. It loads the library, finds the
+// exports by name, and prints all items of this machine, or of a bare table in a file, through the virtual operations.
 //
 //     host LIBRARY [TABLE | --without-driver]
 //
-// Exit  0; 1 the library can't be loaded or used; 2 an operation didn't answer as it should
+// Exit  0; 1 the library can't be loaded or used; 2 an operation returned something unexpected
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -21,7 +20,7 @@ bool allIsWell = true;
 
 void Expect(bool isSo, const char* what) {
     if (isSo) return;
-    std::fprintf(stderr, "not so: %s\n", what);
+    std::fprintf(stderr, "failed: %s\n", what);
     allIsWell = false;
 }
 #define EXPECT(condition) Expect((condition), #condition)
@@ -33,7 +32,7 @@ std::vector<std::string> Lines(BaseAbstraction& package) {
     return lines;
 }
 
-// What stands between the last two quotes of a line.
+// The value in a line, "KEY", "VALUE".
 std::string ValueOf(const std::string& line) {
     const size_t begin = line.find("\", \"") + 4;
     return line.substr(begin, line.size() - begin - 1);
@@ -89,7 +88,7 @@ int main(int argc, char** argv) {
 
     BaseAbstraction* package = create();
     const std::vector<std::string> lines = Sweep(package);
-    destroyFor(package);  // either serves either
+    destroyFor(package);  // both functions destroy any package
     if (lines.empty()) return 1;
     for (const std::string& line : lines) std::printf("%s\n", line.c_str());
 
@@ -98,7 +97,7 @@ int main(int argc, char** argv) {
     EXPECT(Lines(*preset).empty());
     EXPECT(preset->UnInitialize() == kSuccess);
     destroy(preset);
-    delete createFor(17);  // a virtual destructor, and the heap that both sides share
+    delete createFor(17);  // the destructor is virtual, and host and library share the heap
     destroy(nullptr);
     return allIsWell ? 0 : 2;
 }

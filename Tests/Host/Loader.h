@@ -1,5 +1,4 @@
-// Loads a shared library and finds a function in it, by the system's own means. Ends the program with a line when
-// either is not to be had.
+// Loads a shared library and finds functions in it. Ends the program with a message if either isn't available.
 #pragma once
 
 class ClLoader {

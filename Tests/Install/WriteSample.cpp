@@ -1,4 +1,4 @@
-// Writes the sample table into a file, as bare structures: WriteSample FILE.
+// Writes the sample into a file, as a bare table: WriteSample FILE.
 #include <fstream>
 
 #include "Packages/Sample/Sample.h"

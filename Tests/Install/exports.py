@@ -3,15 +3,15 @@
 
     exports.py LIBRARY HEADER-FOLDER [SYMBOLS]
 
-LIBRARY is a libquorlin.so or a quorlin.dll, and HEADER-FOLDER holds the installed headers. SYMBOLS is the Debian package's
-list of the same names, each with the version that brought it.
+LIBRARY is libquorlin.so or quorlin.dll, and HEADER-FOLDER the folder of the installed headers. SYMBOLS is the Debian
+package's list of the same names, each with the version that introduced it.
 """
 import pathlib
 import re
 import subprocess
 import sys
 
-# The package's four exports, which the headers could lose without anyone noticing.
+# The package's four exports, named here in case a header loses its mark.
 PACKAGE = {
     "CreateSmbiosPackage",
     "CreateSmbiosPackageForKovr",
@@ -35,14 +35,14 @@ def exported(library):
         return set(re.findall(r"^\s*\[\s*\d+\](?:\s+\+base\[\s*\d+\]\s+[0-9a-f]+)?\s+(\S+)$", table, flags=re.M))
     listing = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True).stdout
     rows = [line.split() for line in listing.splitlines()]
-    # The symbol of the version itself is no export.
+    # The symbol of the version node isn't an export.
     return {name.split("@")[0] for _, kind, name in rows if kind != "A"}
 
 
 def listed(symbols):
-    """The names of a Debian symbols file: head lines, then " NAME@VERSION-NODE SINCE"."""
+    """The names in a Debian symbols file, which has header lines and then " NAME@VERSION-NODE SINCE"."""
     lines = [line for line in pathlib.Path(symbols).read_text().splitlines() if line.startswith(" ")]
-    # The symbol of the version itself is listed too.
+    # The file also lists the symbol of the version node.
     return {name for name, node in (line.split()[0].split("@") for line in lines) if name != node}
 
 
@@ -53,7 +53,7 @@ def main(library, folder, symbols=None):
         for title, names in (
             ("marked and not exported", wanted - found),
             ("exported and not marked", found - wanted),
-            ("no export", PACKAGE - found),
+            ("not exported", PACKAGE - found),
         )
         for name in sorted(names)
     ]

@@ -1,8 +1,8 @@
 #!/bin/sh
-# The installed tree of a Windows build: what the DLL exports, the tree as its users have it, and the host of Tests/Host,
-# built against the installed headers and run under Wine.
+# Checks the installed tree of a Windows build: the exports of the DLL, the examples, and the host in Tests/Host, built
+# against the installed headers and run under Wine.
 #
-#     run-windows.sh SOURCE BUILD      with WINEPREFIX set to a prefix that is ready
+#     run-windows.sh SOURCE BUILD      expects WINEPREFIX
 set -eu
 source=$1 build=$2
 work=$build/install-test

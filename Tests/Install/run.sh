@@ -1,8 +1,8 @@
 #!/bin/sh
-# Installs the library into a folder of the build tree, then builds and runs what other people would build against it:
-# the examples of Docs/examples, by pkg-config and by find_package, and the host of Tests/Host.
+# Installs the library into a folder of the build tree, then builds and runs programs against it: the examples in
+# Docs/examples, with pkg-config and with find_package, and the host in Tests/Host.
 #
-#     run.sh SOURCE BUILD      with CC and CXX set
+#     run.sh SOURCE BUILD      expects CC and CXX
 set -eu
 source=$1 build=$2
 work=$build/install-test
@@ -29,13 +29,15 @@ export PKG_CONFIG_PATH LD_LIBRARY_PATH
 python3 "$source/Tests/Install/exports.py" "$libraries/libquorlin.so" "$stage/include/quorlin" \
     "$source/debian/libquorlin1.symbols"
 
-# Each header by itself, with nothing defined and no folder but its own.
+# Each header must compile by itself.
 find "$stage/include/quorlin" -name '*.h' | while read -r header; do
-    "$CXX" -std=c++20 -Wall -Wextra -Wpedantic -Werror -I"$stage/include/quorlin" -fsyntax-only -x c++ -include "$header" /dev/null
+    "$CXX" -std=c++20 -Wall -Wextra -Wpedantic -Werror -I"$stage/include/quorlin" -fsyntax-only \
+        -x c++ -include "$header" /dev/null
 done
 for language in 'c -std=c89' 'c -std=c99' 'c++ -std=c++98'; do
     # shellcheck disable=SC2086  # a language and its level
-    "$CC" -Wall -Wextra -pedantic -Werror -fsyntax-only -include "$stage/include/quorlin/quorlin_c.h" -x $language /dev/null
+    "$CC" -Wall -Wextra -pedantic -Werror -fsyntax-only -include "$stage/include/quorlin/quorlin_c.h" \
+        -x $language /dev/null
 done
 
 # shellcheck disable=SC2046  # flags are words
@@ -62,17 +64,17 @@ for program in ./cmake-build/items-c "python3 examples/items.py"; do
     $program "$sample" >items.txt || fail "$program fails"
     cmp items-c.txt items.txt || fail "$program gives other items than items-c"
 done
-[ "$(./cmake-build/containers-cpp | tail -n 1)" = '2 Willow' ] || fail 'containers-cpp does not sort'
-# Where this machine has no such table, or doesn't show it to this user, the example says so.
+[ "$(./cmake-build/containers-cpp | tail -n 1)" = '2 Willow' ] || fail "containers-cpp doesn't sort"
+# The example fails if this machine has no such table, or if this user may not read it.
 mcfg=/sys/firmware/acpi/tables/MCFG
 if [ -r $mcfg ]; then
     [ "$(./cmake-build/acpi-cpp MCFG)" = "MCFG: $(wc -c <$mcfg) bytes" ] || fail 'acpi-cpp gives another size'
 elif ./cmake-build/acpi-cpp MCFG 2>errors.txt; then
-    fail 'acpi-cpp shows a table that is not there'
+    fail "acpi-cpp shows a table that doesn't exist"
 fi
 if ./items-c "$work/examples/items.c" 2>errors.txt; then fail 'items-c takes its own source for a table'; fi
 grep -q 'not a table' errors.txt || fail "items-c says: $(cat errors.txt)"
 
 [ "$(pkg-config --modversion quorlin)" = "$("$stage/bin/quorlin" --version | grep -o '[0-9.]*$')" ] ||
     fail 'quorlin.pc and the program differ in their version'
-echo "$(wc -l <program.txt) items, the same from every program"
+echo "Every program gives the same $(wc -l <program.txt) items"

@@ -1,8 +1,8 @@
 #!/bin/sh
-# A Windows tree as its users have it: what its files need and offer, and the examples, built against it and run under Wine
-# where no file of the compiler is.
+# Checks a Windows tree: the imports and manifests of its files, and the examples, built against it and run under Wine
+# without the compiler's files.
 #
-#     windows-tree.sh TREE EXAMPLES WORK      with WINEPREFIX set to a prefix that is ready
+#     windows-tree.sh TREE EXAMPLES WORK      expects WINEPREFIX
 set -eu
 tree=$1 examples=$2 work=$3
 toolchain=$(cd "$(dirname "$0")/../.." && pwd)/cmake/mingw-w64.cmake
@@ -13,7 +13,7 @@ fail() {
     exit 1
 }
 
-# needs FILE DLLS: FILE imports from these and from nothing else.
+# needs FILE DLLS: fails if FILE imports from other DLLs.
 needs() {
     foreign=$(x86_64-w64-mingw32-objdump -p "$1" | sed -n 's/.*DLL Name: //p' | grep -ivxE "($2)\.dll" || true)
     [ -z "$foreign" ] || fail "$1 needs $foreign"
@@ -32,9 +32,9 @@ cmake --build "$work/build" >/dev/null
 mkdir -p "$work/bare"
 cp "$work"/build/*.exe "$work"/build/*.dll "$work/bare"
 for file in "$work"/bare/*.exe; do needs "$file" 'kernel32|advapi32|msvcrt|quorlin'; done
-cmp "$tree/bin/quorlin.dll" "$work/bare/quorlin.dll" || fail 'the examples have another DLL beside them'
+cmp "$tree/bin/quorlin.dll" "$work/bare/quorlin.dll" || fail 'the examples use another DLL'
 
-# What a program prints, without the carriage returns of its C runtime's text mode.
+# Prints a program's output without the carriage returns of text mode.
 items() {
     wine "$@" >"$work/printed.txt" || fail "$* fails"
     tr -d '\r' <"$work/printed.txt"
@@ -42,7 +42,7 @@ items() {
 cd "$work/bare"
 rm -f dump.bin
 wine "$program" dump --sample dump.bin || fail 'quorlin.exe writes no dump'
-# The bare table comes after the entry point.
+# Drops the entry point.
 tail -c +33 dump.bin >table.bin
 items "$program" --image dump.bin --format lines >program.txt
 [ -s program.txt ] || fail 'quorlin.exe shows nothing'
@@ -50,7 +50,7 @@ items items-cpp.exe table.bin >items-cpp.txt
 cmp program.txt items-cpp.txt || fail 'items-cpp.exe gives other items than quorlin.exe'
 items items-c.exe dump.bin >items-c.txt
 [ "$(wc -l <items-c.txt)" -eq $(($(wc -l <program.txt) + 1)) ] || fail 'items-c.exe gives another number of items'
-[ "$(items containers-cpp.exe | tail -n 1)" = '2 Willow' ] || fail 'containers-cpp.exe does not sort'
-if wine acpi-cpp.exe NONE 2>errors.txt; then fail 'acpi-cpp.exe shows a table that is not there'; fi
+[ "$(items containers-cpp.exe | tail -n 1)" = '2 Willow' ] || fail "containers-cpp.exe doesn't sort"
+if wine acpi-cpp.exe NONE 2>errors.txt; then fail "acpi-cpp.exe shows a table that doesn't exist"; fi
 grep -q 'NONE: not available' errors.txt || fail "acpi-cpp.exe says: $(cat errors.txt)"
-echo "$(wc -l <program.txt) items of the sample, the same from every program"
+echo "Every program gives the same $(wc -l <program.txt) items of the sample"

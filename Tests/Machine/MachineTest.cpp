@@ -35,7 +35,7 @@ Bytes_t FileBytes(const std::string& path) {
     return Bytes_t(std::istreambuf_iterator<char>(file), {});
 }
 
-// `size` bytes at `offset` of a device file; empty where they can't be read.
+// Reads `size` bytes at `offset` from a device file. Empty if they can't be read.
 Bytes_t BytesAt(const char* path, off_t offset, size_t size) {
     Bytes_t bytes(size);
     const int file = open(path, O_RDONLY | O_CLOEXEC);
@@ -52,7 +52,7 @@ Bytes_t Part(const Bytes_t& bytes, size_t offset, size_t size) {
 struct Function_t {
     uint32_t location;
     std::string name;
-    Bytes_t shown;  // its configuration space, as far as this user may see it
+    Bytes_t shown;  // its configuration space, as far as this user may read it
 };
 
 std::vector<Function_t> Functions() {
@@ -69,8 +69,8 @@ std::vector<Function_t> Functions() {
     return functions;
 }
 
-// What the library read of a function's space is what the kernel shows, but for registers that change by themselves:
-// those that differ between two looks before and behind the reading.
+// Expects what the kernel shows of a function's space. Registers that change by themselves don't count: those that
+// differ between the kernel's answers before and after.
 void ExpectAsShown(const Function_t& function, size_t offset, const Bytes_t& bytes) {
     const Bytes_t again = FileBytes("/sys/bus/pci/devices/" + function.name + "/config");
     for (size_t i = 0; i < bytes.size(); ++i) {
@@ -99,7 +99,7 @@ class Machine : public testing::Test {
     void TearDown() override { EXPECT_EQ(FERROXTerminate(), kSuccess); }
 };
 
-// Built with the thread sanitizer this also shows that no two threads race.
+// The thread sanitizer finds races here.
 TEST_F(Machine, ThreadsAskAtOnce) {
     const std::vector<Function_t> functions = Functions();
     std::atomic<int> answers = 0;
@@ -119,7 +119,7 @@ TEST_F(Machine, ThreadsAskAtOnce) {
                 }
                 DataBuffer_t* table = nullptr;
                 if (GetACPITable("MCFG", &table) == kSuccess) os_FreeBlock(table);
-                quorlin_table* items = nullptr;  // of another opening, at the same time
+                quorlin_table* items = nullptr;  // the C interface is used at the same time
                 isRight &= quorlin_open_memory("\x7F\4\0\0\0", 6, nullptr, &items) == QUORLIN_OK;
                 quorlin_close(items);
                 answers += isRight && FERROXTerminate() == kSuccess;
@@ -143,7 +143,7 @@ TEST_F(Machine, PCIRegistersAreTheKernels) {
                  {64u,  64u},
                  {253u, 3u }
         }) {
-            if (offset + size > function.shown.size()) continue;  // not for this user
+            if (offset + size > function.shown.size()) continue;  // this user may not read it
             ClBuffer buffer(size);
             ASSERT_EQ(PCIRead(function.location, offset, buffer.Get()), kSuccess) << function.name << " " << offset;
             ExpectAsShown(function, offset, buffer.Bytes());
@@ -209,8 +209,8 @@ TEST_F(Machine, TheNonTurboFrequencyIsMeasuredAgainstTheACPITimer) {
     os_FreeBlock(table);
     const Bytes_t before = BytesAt("/dev/cpu/0/msr", 0x10, 8);  // the time-stamp counter
     if (before.empty() || port == 0) GTEST_SKIP() << "no MSRs or timer here";
-    const bool counts = BytesAt("/dev/cpu/0/msr", 0x10, 8) != before;  // an emulator's may stand still
-    for (const uint32_t timer : {port, 0u}) {                          // and by the system's clock
+    const bool counts = BytesAt("/dev/cpu/0/msr", 0x10, 8) != before;  // in an emulator it may not count
+    for (const uint32_t timer : {port, 0u}) {                          // 0: the system's clock
         NonTurboRecord_t record = {0, 0x10, timer, {}};
         const auto begin = std::chrono::steady_clock::now();
         ASSERT_EQ(CalcFreqNonTurbo(&record), counts ? kSuccess : kFailure) << timer;
@@ -224,7 +224,7 @@ TEST_F(Machine, TheNonTurboFrequencyIsMeasuredAgainstTheACPITimer) {
 
 // The memory of the guest's display, which nobody uses: written by each operation, read by another.
 TEST_F(Machine, WritesReachTheRegistersAndNothingElse) {
-    if (!IsGuest()) GTEST_SKIP() << "writes to a device, so in guests alone";
+    if (!IsGuest()) GTEST_SKIP() << "writes to a device, so only in guests";
     for (const Function_t& function : Functions()) {
         if (function.shown[0x0B] != 0x03) continue;
         uint64_t base = 0;
@@ -252,9 +252,9 @@ TEST_F(Machine, WritesReachTheRegistersAndNothingElse) {
     FAIL() << "the guest has a display";
 }
 
-// The clock's battery-backed memory: an index port that is written, and a data port.
+// Reads the clock's battery-backed memory, through an index port and a data port.
 TEST_F(Machine, PortsAreTheKernels) {
-    if (!IsGuest()) GTEST_SKIP() << "writes a port, so in guests alone";
+    if (!IsGuest()) GTEST_SKIP() << "writes to a port, so only in guests";
     for (const uint8_t index : {uint8_t{0x0B}, uint8_t{0x14}, uint8_t{0x32}}) {
         ClBuffer select(1), value(1);
         select.Get()->Data()[0] = index;
@@ -262,14 +262,14 @@ TEST_F(Machine, PortsAreTheKernels) {
         ASSERT_EQ(ReadWakeupTimer(0x71, value.Get()), kSuccess);
         EXPECT_EQ(value.Bytes(), BytesAt("/dev/port", 0x71, 1)) << index;
     }
-    // The PCI address port holds what it was given, in one access of four bytes; the device behind it is 0:0.0.
+    // The PCI address port keeps a value that is written in one access of four bytes; this one selects 0:0.0.
     ClBuffer address(4), identity(4), maker(2);
     const uint32_t word = 0x80000000;
     std::memcpy(address.Get()->Data(), &word, sizeof word);
     ASSERT_EQ(ConfigureWakeUpTimer(0xCF8, address.Get()), kSuccess);
     ASSERT_EQ(ReadWakeupTimer(0xCFC, identity.Get()), kSuccess);
     ASSERT_EQ(ReadWakeupTimer(0xCFC, maker.Get()), kSuccess);
-    // The kernel writes to the same port for this.
+    // To read this file the kernel writes to the same port.
     const Bytes_t shown = FileBytes("/sys/bus/pci/devices/0000:00:00.0/config");
     EXPECT_EQ(identity.Bytes(), Part(shown, 0, 4));
     EXPECT_EQ(maker.Bytes(), Part(shown, 0, 2));
@@ -313,7 +313,7 @@ TEST_F(Machine, BothAccessMethodsReadTheSameTable) {
     EXPECT_EQ(std::memcmp(&entry[0][6], &entry[1][6], 2), 0);
 }
 
-// Locked down or without rights: the library opens, CPUID is there, and what isn't allowed is refused.
+// In a locked-down kernel or without rights the library opens, CPUID works, and all else is refused.
 TEST(MachineRefusals, AreStatusesAndNothingMore) {
     const char* lockedDown = std::getenv("QUORLIN_LOCKED_DOWN");
     const int result = InChild([lockedDown] {

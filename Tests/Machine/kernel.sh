@@ -1,6 +1,6 @@
 #!/bin/sh
-# Puts Debian's kernel into a folder, unpacked and never installed: vmlinuz, vmlinux, which starts twice as fast and
-# needs a firmware that takes it, and the module msr.ko. Does nothing when they are there.
+# Downloads Debian's kernel and unpacks it into a folder, without installing it: vmlinuz, vmlinux, which boots twice as
+# fast but not with every firmware, and the module msr.ko. Does nothing if they exist.
 #
 #     Tests/Machine/kernel.sh FOLDER
 set -eu
@@ -22,12 +22,12 @@ fi
 package=$(apt-cache depends linux-image-amd64 | sed -n 's/.*Depends: \(linux-image-[^ ]*\).*/\1/p' | head -n 1)
 [ -n "$package" ] || failed "no package source has linux-image-amd64"
 cd "$folder"
-# Lists that are too old name a kernel that is no longer served.
+# Old package lists name a kernel that no server has any more.
 apt-get download -qq "$package" || { $sudo apt-get update -qq && apt-get download -qq "$package"; } ||
     failed "$package could not be downloaded"
 dpkg -x "$package"_*.deb .
 mv boot/vmlinuz-* vmlinuz
-# The image's boot header tells the payload's place.
+# The image's boot header gives the payload's offset and size.
 number() { od -An -t"$2" -j "$1" -N "${2#u}" vmlinuz | tr -d ' '; }
 start=$(((1 + $(number 497 u1)) * 512 + $(number 584 u4)))
 tail -c +$((start + 1)) vmlinuz | head -c "$(number 588 u4)" | xz -dc --single-stream >vmlinux

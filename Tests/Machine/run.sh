@@ -45,7 +45,7 @@ boot() {
     if grep -qx 'guest: done' "$work/$job.log"; then
         echo "$job: done in $(($(date +%s) - started)) s"
     else
-        echo "$job: FAILED; all it said:"
+        echo "$job: FAILED; its log:"
         cat "$work/$job.log"
         failed=1
     fi
@@ -62,23 +62,23 @@ for name in $jobs; do
             -smbios type=1,manufacturer=Quorlin,product=Guest
         ;;
     sample)
-        # shellcheck disable=SC2046  # one word an option
+        # shellcheck disable=SC2046  # words are options
         boot sample pc "$plain" "" -smp 2,sockets=2 $(cat "$work/sample/options")
         ;;
     sm3) boot sm3 q35,smbios-entry-point-type=64 "$plain" "" ;;
     lockdown) boot lockdown pc "$plain" lockdown=integrity ;;
-    uefi)  # this firmware takes compressed kernels alone
+    uefi)  # this firmware only boots compressed kernels
         kernel=vmlinuz
-        # shellcheck disable=SC2046  # one word an option
+        # shellcheck disable=SC2046  # words are options
         boot uefi q35 "$plain" "" -bios /usr/share/ovmf/OVMF.fd -smp 2,sockets=2 -device pcie-root-port,id=rp \
             -device virtio-rng-pci,bus=rp $(cat "$work/sample/options")
         kernel=vmlinux
         ;;
     *)
-        echo "no boot is named $name" >&2
+        echo "unknown job '$name'" >&2
         exit 2
         ;;
     esac
 done
 [ $failed = 0 ] || exit 1
-echo "Skipped tests: 0; a guest in which one is skipped fails"
+echo "Skipped tests: 0; a guest that skips one fails"

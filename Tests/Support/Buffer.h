@@ -1,5 +1,4 @@
-// A block of a size and that many bytes, as the hardware library takes it, in one allocation without spare bytes, so
-// that the sanitizers see its end.
+// A data buffer of the hardware library in an allocation of exactly its size, so that sanitizers notice an overrun.
 #pragma once
 
 #include <algorithm>

@@ -16,8 +16,7 @@ namespace {
 
 using Bytes_t = std::vector<uint8_t>;
 
-// How long a type's formatted area is from a version of the SMBIOS standard on. Types that aren't here are as long as
-// in the sample.
+// The length of a type's formatted area from a version of the SMBIOS standard on. Other types have the sample's length.
 struct Layout_t {
     uint8_t type, major, minor, length;
 };
@@ -45,11 +44,11 @@ enum class Fault_t : uint8_t {
     kBytesAfterEnd,    // a structure and part of one after the End-of-Table structure
     kNoFinalNul,       // the last string area isn't closed
     kCutInside,        // the table ends in the middle of a formatted area
-    kLengthPastEnd,    // the last Length says more than there is
+    kLengthPastEnd,    // the last Length is beyond the table's end
     kLengthTooShort,   // a Length of 3 halfway
-    kZerosAfterPage,   // zeros from 800h on, as where a page of a capture is missing
+    kZerosAfterPage,   // zeros from 800h on, as if a page was missing
     kStrayString,      // a string after the double NUL of a structure halfway
-    kRepeatedHandles,  // all handles alike
+    kRepeatedHandles,  // all handles are the same
     kOddStrings,       // control characters and bytes beyond ASCII in every string
 };
 
@@ -57,7 +56,7 @@ struct Machine_t {
     const char* name;
     uint8_t major, minor;
     char entryPoint;  // '2': _SM_, '3': _SM3_
-    int structures;   // of each type that machines have many of
+    int structures;   // of each type that can occur many times
     Fault_t fault;
 };
 constexpr Machine_t kMachines[] = {
@@ -81,7 +80,7 @@ constexpr Machine_t kMachines[] = {
     {"newest",           3, 7,  '3', 2,  Fault_t::kNone           },
 };
 
-// What the sample lacks: newer types, and types without a decoder.
+// Types that the sample lacks: newer ones, and some without a decoder.
 // clang-format off
 void AddMore(ClSampleBuilder& table) {
     table.Add(43, "dbbbbdds qd", {{0x2B00, 0x00584648, 2, 0, 0x07, 0x37, 0x00020000, 0, "TPM 2.0", 0x38, 0}});
@@ -106,7 +105,7 @@ void Collect(std::span<const uint8_t> table, StructuresByType_t* all) {
     }
 }
 
-// The structure with the Length that it has in the machine's version. What is added is random.
+// Cuts or extends a structure to the Length of the machine's version. Added bytes are random.
 Bytes_t InVersion(const Machine_t& machine, Bytes_t structure, std::minstd_rand* random) {
     size_t length = structure[1];
     for (const Layout_t& layout : kLayouts) {
@@ -162,7 +161,7 @@ Bytes_t TableOfMachine(const Machine_t& machine, const StructuresByType_t& all) 
     return table;
 }
 
-// MakeDump chooses the entry point by the version; machines don't always.
+// Unlike MakeDump, machines don't always choose the entry point by the version.
 Bytes_t DumpOfMachine(const Machine_t& machine, const Bytes_t& table) {
     Bytes_t dump = MakeDump(table, machine.entryPoint == '3' ? 3 : 2, machine.minor);
     if (machine.entryPoint == '2') {

@@ -1,5 +1,5 @@
-// Table images of invented machines, for tests that want many tables: of SMBIOS versions 2.3 to 3.7, with either entry
-// point, small and large, sound and with the faults that firmware leaves. Always the same bytes.
+// Generated table images for tests that need many tables: SMBIOS versions 2.3 to 3.7, both entry points, small and
+// large, sound and with typical faults of firmware. They are the same in every run.
 #pragma once
 
 #include <cstddef>

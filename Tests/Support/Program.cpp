@@ -17,8 +17,8 @@ std::string ReadWholeFile(const std::string& path) {
 
 std::string WriteFile(const std::string& name, const std::vector<uint8_t>& bytes) {
     const std::string path = testing::TempDir() + name;
-    std::FILE* file = OpenFile(path, "w");  // as bytes; a name beyond ASCII works on every platform
-    // An empty file: std::fwrite may not be given the null pointer of an empty vector.
+    std::FILE* file = OpenFile(path, "w");  // unlike std::ofstream, takes UTF-8 names on Windows
+    // An empty vector may have a null pointer, which std::fwrite doesn't allow.
     if (file == nullptr || (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size()))
         ADD_FAILURE() << "cannot write " << path;
     if (file != nullptr) std::fclose(file);
@@ -28,7 +28,7 @@ std::string WriteFile(const std::string& name, const std::vector<uint8_t>& bytes
 ProgramRun_t RunQuorlin(const std::string& arguments) {
     const std::string out = testing::TempDir() + "quorlin.out", err = testing::TempDir() + "quorlin.err";
     const int status = std::system((QUORLIN_PROGRAM " " + arguments + " >" + out + " 2>" + err).c_str());
-    // POSIX shells keep the exit code in the second byte, others give it as it is.
+    // On POSIX systems the exit code is in the second byte.
     return {status > 255 ? status >> 8 : status, ReadWholeFile(out), ReadWholeFile(err)};
 }
 

@@ -88,7 +88,7 @@ ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestM
     ClItems items;
     std::string line;
     for (uint32_t index = 0; package->GetNextItem(line) == kSuccess; index++) {
-        // The key stands between the first two quotes; no decoder's literal key holds one, and a key from a string may.
+        // The key is between the first two quotes. Only a key that comes from a string may contain one.
         const std::string value = package->GetItemValue(index);
         const size_t middle = line.find("\", \"");
         items.Add(line.substr(1, middle - 1), value);

@@ -1,4 +1,4 @@
-// Structures built by a test, and the items that the whole library makes of them.
+// Builds structures for tests, and decodes them with the whole library.
 #pragma once
 
 #include <cstdint>
@@ -18,11 +18,11 @@ class ClStructureBuilder {
     ClStructureBuilder& Qword(size_t offset, uint64_t value);
     ClStructureBuilder& Bytes(size_t offset, std::initializer_list<uint8_t> values);
     ClStructureBuilder& Strings(std::initializer_list<std::string> texts);
-    // Adds a string behind the others and sets the byte at `offset` to its number.
+    // Adds a string after the others and sets the byte at `offset` to its number.
     ClStructureBuilder& String(size_t offset, std::string text);
 
     uint8_t Type() const { return m_bytes[0]; }
-    // The structure as a table holds it, closed by a double NUL.
+    // The structure's bytes in a table, with the double NUL.
     std::vector<uint8_t> Image() const;
 
   private:
@@ -32,7 +32,7 @@ class ClStructureBuilder {
     std::vector<std::string> m_strings;
 };
 
-// What the machine of a test shows besides its table.
+// A test's machine, apart from its table.
 struct TestMachine_t {
     uint32_t signature = 0;
     uint8_t major = 3, minor = 0;
@@ -49,9 +49,9 @@ class ClItems {
     void Add(std::string key, std::string value) { m_items.push_back({std::move(key), std::move(value)}); }
     size_t Count() const { return m_items.size(); }
     const Item_t& operator[](size_t index) const { return m_items.at(index); }
-    // The value of the first item of this key, from item `from` on; "(no such item)" when there is none.
+    // The value of the first item with this key, from item `from` on; "(no such item)" if there is none.
     std::string Text(const std::string& key, size_t from = 0) const;
-    // All values of this key, in order.
+    // All values of items with this key, in order.
     std::vector<std::string> Texts(const std::string& key) const;
     // "KEY=VALUE" lines, for comparing a whole structure.
     std::string Lines() const;
@@ -60,15 +60,15 @@ class ClItems {
     std::vector<Item_t> m_items;
 };
 
-// The table that these structures make, with an End-of-Table structure behind them.
+// A table of these structures and an End-of-Table structure.
 std::vector<uint8_t> TableOf(const std::vector<ClStructureBuilder>& structures);
 
-// The items that a package gives for `type` (255: the sweep) of this table. The machine is an image machine.
+// The items of structures of `type` in this table; of a sweep if `type` is 255.
 ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestMachine_t& machine = {});
 // The items of one structure, decoded by its own type.
 ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine = {});
-// The items of the structures of the first one's type, the others standing in the table beside them.
+// The items of all structures of the first one's type; the table contains all structures given.
 ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine = {});
 
-// Expects the structure's title, its head items "Type", "Length" and "Handle", and then these lines.
+// Expects the title, the items "Type", "Length" and "Handle", and then these lines.
 void ExpectItems(const ClStructureBuilder& structure, const std::string& title, const std::string& lines);

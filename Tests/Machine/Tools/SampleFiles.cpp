@@ -1,8 +1,8 @@
-// Writes the structures of the embedded sample as files for an emulator's firmware, one each, and all of them as one
-// file `table`: what the guest's table must begin with. The emulator closes the table itself, and wants as many
-// processors as it has sockets, so the End-of-Table structure and all processors but two are left out.
+// Writes each structure of the embedded sample into a file for an emulator's firmware, and all of them into the file
+// `table`, the expected beginning of the guest's table. Leaves out the End-of-Table structure, which the emulator adds,
+// and all processors but two, as the emulator requires one for each socket.
 //
-//     sample_files FOLDER     prints the emulator's options for the files, one a line
+//     sample_files FOLDER     prints the emulator's options for the files, one on each line
 #include <cstdio>
 #include <fstream>
 #include <string>

@@ -1,4 +1,5 @@
 // The lower storey as a whole: a package reads this machine's table, while each call to the platform fails in turn.
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"

@@ -2,7 +2,6 @@
 #include <functional>
 #include <utility>
 
-#include "Packages/FERROXExternal/FERROXLib/Sources/HardwareServices.h"
 #include "Tests/Packages/FERROXLib/Library.h"
 
 namespace {

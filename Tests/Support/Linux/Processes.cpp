@@ -17,7 +17,7 @@
 #include <fstream>
 #include <iterator>
 
-// The compiler's own, in a build that counts.
+// Defined by the compiler in coverage builds.
 extern "C" [[gnu::weak]] void __gcov_dump();
 void SaveCoverage() {
     if (__gcov_dump != nullptr) __gcov_dump();

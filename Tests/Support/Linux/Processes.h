@@ -1,4 +1,4 @@
-// Other processes for tests that run on Linux alone.
+// Child processes, for tests on Linux only.
 #pragma once
 
 #include <functional>

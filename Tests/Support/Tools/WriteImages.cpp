@@ -1,6 +1,4 @@
-// Writes the generated table images into a folder, which must be there: NAME.bin.
-//
-//     write_images FOLDER
+// Writes the generated table images into an existing folder, as NAME.bin: write_images FOLDER.
 #include <fstream>
 
 #include "Tests/Support/Images.h"
