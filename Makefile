@@ -1,6 +1,6 @@
 # The short front of the build; the configurations stand in CMakePresets.json. Targets install what they need.
 BUILD_PACKAGES = g++ make cmake ninja-build rapidjson-dev zlib1g-dev
-TEST_PACKAGES = libgtest-dev pkg-config python3
+TEST_PACKAGES = libgtest-dev pkg-config python3 zsh fish
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 WINE_PACKAGES = wine googletest python3
 BENCH_PACKAGES = libbenchmark-dev valgrind strace time python3

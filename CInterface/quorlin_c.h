@@ -29,7 +29,7 @@ extern "C" {
 
 /* The version that this header belongs to; quorlin_version returns that of the library. */
 #define QUORLIN_VERSION_MAJOR 1
-#define QUORLIN_VERSION_MINOR 0
+#define QUORLIN_VERSION_MINOR 1
 #define QUORLIN_VERSION_PATCH 0
 
 typedef uint32_t quorlin_status;

@@ -95,7 +95,23 @@ constexpr Command_t kDummyCommand = {
 CPP
 echo 'COMMAND(Dummy)' >>Tools/quorlin/Commands.inc
 
-# A structure type: its file and its row belong here.
+# A structure type: one file and one row.
+cat >Sources/SMBIOSType150.cpp <<'CPP'
+#include "Sources/Decoders.h"
+
+namespace {
+
+constexpr ItemRow_t kItems[] = {
+    {"Dummy Number", 0x04, Hex8  },
+    {"Dummy Name",   0x05, String},
+};
+
+}  // namespace
+
+ROWS_DECODER(150, kItems)
+CPP
+sed -i '/^DECODER( 221/i DECODER( 150, Swept, FormattedArea, Header, "Dummy Information", "")' Sources/Types.def
+printf '\226\006\064\022\052\001Fjord\0\0\177\004\065\022\0\0' >dummy.bin
 
 command -v ccache >/dev/null && launcher=-DCMAKE_CXX_COMPILER_LAUNCHER=ccache
 CCACHE_BASEDIR=$PWD nice cmake -S . -B "$work/build" -G Ninja ${launcher-} -DCMAKE_BUILD_TYPE=Debug \
@@ -111,6 +127,8 @@ expect "^sample$" "$("$program" dummycommand --sample)"
 expect '"names":\[{"name":"sample"}\]' "$("$program" dummycommand --sample --format json)"
 expect "^<sample>" "$("$program" dummycommand --sample --format dummyformat)"
 expect "<Manufacturer><Halvorsen Systems>" "$("$program" --sample --type 1 --format dummyformat)"
+expect '^"Dummy Information {Type 150}#GROUPNAME", ""$' "$("$program" --image dummy.bin --as table --format lines)"
+expect '^"Dummy Name", "Fjord"$' "$("$program" --image dummy.bin --as table --format lines)"
 expect "dummycommand  *a command of a test" "$("$program" --help)"
 expect "dummyformat (for a test)" "$("$program" find --help)"
 for shell in bash zsh fish; do

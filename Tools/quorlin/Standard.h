@@ -19,9 +19,10 @@ inline constexpr uint8_t kNoHandle = 255;
 struct TypeFacts_t {
     uint8_t type;
     uint8_t minimumLength;  // of the oldest version that has the type
-    const char* strings;    // offsets of string numbers, a character each
-    const char* handles;    // offsets of handles of other structures, a character each
-    EntryList_t list;       // all 0 where there is none
+    // Characters in place of pointers, each of which would cost a relocation at start-up.
+    char strings[9];   // offsets of string numbers
+    char handles[5];   // offsets of handles of other structures
+    EntryList_t list;  // all 0 where there is none
 };
 
 // Null for a type that the standard doesn't define.

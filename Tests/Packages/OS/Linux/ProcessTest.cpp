@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/OS/OSServices.h"
 #include "Sources/Quorlin.h"
