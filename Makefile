@@ -1,4 +1,4 @@
-# The short front of the build; the configurations stand in CMakePresets.json. Targets install what they need.
+# Short commands for the build, whose configurations are in CMakePresets.json. Each target installs what it needs.
 BUILD_PACKAGES = g++ make cmake ninja-build rapidjson-dev zlib1g-dev
 TEST_PACKAGES = libgtest-dev pkg-config python3 zsh fish
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
@@ -11,10 +11,11 @@ STYLE_PACKAGES = clang-format clang-tidy
 
 INSTALL = cmake/install-packages.sh
 DMI = /sys/firmware/dmi/tables/DMI
-# A table that only root may read is read as root.
+# Uses sudo if only root can read the table.
 AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || echo sudo)
 
-.PHONY: build run test test-long test-machine stub asan tsan coverage windows test-windows install deb zip bench fuzz format lint clean
+.PHONY: build run test test-long test-machine stub asan tsan coverage windows test-windows install deb zip bench fuzz \
+	format lint hooks clean
 .DEFAULT_GOAL := build
 
 build:
@@ -31,15 +32,15 @@ test:
 	@cmake --build --preset release
 	@Tests/run_tests.py release
 
-# What takes too long for every change.
+# Tests that take too long for every change.
 test-long: test
 	@QUORLIN_LONG=1 build/release/bin/quorlinTest --gtest_filter='WorstTables.*'
 
-# Boots a small Linux with an SMBIOS table in an emulator, and reads it there by both roads.
+# Boots Linux guests with an SMBIOS table in an emulator, and reads it there by both access methods.
 test-machine:
 	@Tests/Machine/run.sh
 
-# A system of which the standard library is all that is known: what a port has to bring. It reads images like any other.
+# A system that has only the standard library, as the start of a port. It reads images.
 stub:
 	@$(INSTALL) $(BUILD_PACKAGES)
 	@cmake --preset stub >/dev/null
@@ -52,8 +53,8 @@ asan:
 	@cmake --build --preset asan
 	@Tests/run_tests.py asan
 
-# What several threads may do at once, under ThreadSanitizer. Its own thread keeps a process out of a new user namespace,
-# which a test of runs without traces needs; that test has no threads.
+# The tests with threads, under ThreadSanitizer. It leaves out the test of traces on the machine: that needs a new user
+# namespace, which the sanitizer's own thread prevents.
 tsan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset tsan >/dev/null
@@ -61,7 +62,7 @@ tsan:
 		CInterfaceTest SourcesTest
 	@Tests/run_tests.py tsan
 
-# The lines of the library that the tests run; those that they don't are named in build/coverage/coverage.txt.
+# Line coverage of the library; build/coverage/coverage.txt names the lines that no test runs.
 coverage:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) gcovr
 	@cmake --preset coverage >/dev/null
@@ -76,14 +77,14 @@ windows:
 	@cmake --preset windows >/dev/null
 	@cmake --build --preset windows
 
-# The same tests as Windows programs under Wine, and those of the service and its driver.
+# The same tests as Windows programs under Wine, and the tests of the service and its driver.
 test-windows:
 	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES) $(WINE_PACKAGES)
 	@cmake --preset windows-tests >/dev/null
 	@cmake --build --preset windows-tests
 	@Tests/run_tests.py windows-tests
 
-# Into $(DESTDIR)$(PREFIX); without DESTDIR the loader learns of the library.
+# Into $(DESTDIR)$(PREFIX). Without DESTDIR it also updates the loader's cache.
 PREFIX = /usr/local
 install: build
 	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
@@ -97,9 +98,9 @@ zip: windows
 	@$(INSTALL) $(ZIP_PACKAGES)
 	@cmake/make-zip.sh build/windows
 
-# Times, then instructions, memory and system calls of whole runs. Many short repetitions in mixed order, of which the
-# best counts, give figures that can be compared on a machine that does other work too. Containers of a million entries take
-# minutes, and are left to build/bench/bin/quorlin_bench --benchmark_filter=1000000.
+# Times, then instructions, memory and system calls of whole runs. The best of many short repetitions in random order
+# gives figures that can be compared on a busy machine. Containers of a million entries take minutes; run them with
+# build/bench/bin/quorlin_bench --benchmark_filter=1000000.
 BENCH_OPTIONS = --benchmark_repetitions=20 --benchmark_min_time=0.02 --benchmark_enable_random_interleaving=true \
 	--benchmark_display_aggregates_only=true --benchmark_filter=-1000000
 bench:
@@ -112,7 +113,7 @@ bench:
 	@Benchmarks/syscalls.sh >build/bench/syscalls.txt
 	@cat build/bench/instructions.txt build/bench/memory.txt build/bench/syscalls.txt
 
-# Each fuzzer for a minute, or for FUZZ_SECONDS, two at a time. A finding fails the run.
+# Runs each fuzzer for FUZZ_SECONDS, two at a time. A finding fails the run.
 FUZZ_SECONDS = 60
 fuzz:
 	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)
@@ -121,12 +122,19 @@ fuzz:
 
 format:
 	@$(INSTALL) $(STYLE_PACKAGES)
-	@git ls-files '*.cpp' '*.h' | xargs -n 1 sh -c 'clang-format -i "$$0" || echo "left as it is: $$0"'
+	@git ls-files -z '*.cpp' '*.h' '*.c' | xargs -0 clang-format -i
 
+# Format, line length, and clang-tidy over all that is compiled here.
 lint:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(STYLE_PACKAGES)
+	@cmake/check-format.sh
 	@cmake --preset debug -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
-	@git ls-files 'Sources/*.cpp' 'CInterface/*.cpp' 'Packages/*.cpp' 'Tools/*.cpp' | grep -v -e OS/Windows -e OS/Stub -e FERROXLib/Sources/WinFERROX -e 'RW.cpp' -e Sources/Stub | xargs -P 2 -n 4 clang-tidy -p build/debug --quiet
+	@cmake/lint.sh build/debug
+
+# Checks the format before each commit.
+hooks:
+	@printf '#!/bin/sh\nexec cmake/check-format.sh\n' >"$$(git rev-parse --git-path hooks)/pre-commit"
+	@chmod +x "$$(git rev-parse --git-path hooks)/pre-commit"
 
 clean:
 	rm -rf build

@@ -31,8 +31,7 @@ inline void DecodeTable(const ImageSource_t& source) {
     const uint32_t all = package->GetItemCount();
     Require(all >= swept);
     ReadItems(*package, all - swept);
-    for (uint32_t index = 0; index < all; index++)
-        Require(package->GetItemValue(index) == package->Item(index).value);
+    for (uint32_t index = 0; index < all; index++) Require(package->GetItemValue(index) == package->Item(index).value);
     Require(package->GetItemValue(all).empty());
     Require(package->UnInitialize() == kSuccess);
     // With version 0.0 a package believes that there is no table, and leaves the store up.

@@ -3,7 +3,8 @@
 
     python3 items.py [IMAGE]
 
-Needs nothing but the shared library: on Windows beside this file, elsewhere where the loader finds it (LD_LIBRARY_PATH).
+Needs only the shared library: on Windows in the folder of this file, elsewhere where the loader finds it
+(LD_LIBRARY_PATH).
 """
 import ctypes
 import os

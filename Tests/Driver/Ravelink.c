@@ -15,6 +15,7 @@ static Byte_t bios[kBiosSize];
 static Word_t hypervisor = kHypervisorFromProcessor;
 static Word_t cpuidAnswers = 0xFFFFFFFF;  // that are left to answer
 
+// clang-format off
 // One enclosure of the maker "Simulated", and the end of the table.
 static const Byte_t kTable[] = {3, 9, 3, 0, 1, 0x17, 0, 0, 0, 'S', 'i', 'm', 'u', 'l', 'a', 't', 'e', 'd', 0, 0,
                                 127, 4, 4, 0, 0, 0};
@@ -22,6 +23,7 @@ static const Byte_t kEntryPoint[] = {
     '_', 'S', 'M', '_', 0, 0x1F, 2, 7, 20, 0, 0, 0, 0, 0, 0, 0,
     '_', 'D', 'M', 'I', '_', 0, sizeof kTable, 0,
     kTableOffset & 0xFF, kTableOffset >> 8, kBiosBase >> 16, 0, 2, 0, 0x27};
+// clang-format on
 
 static void FillBios(void) {
     Byte_t entry = 0, dmi = 0;
@@ -72,9 +74,10 @@ static NTSTATUS CheckSizes(Word_t code, const void* buffer, ULONG in, ULONG out)
     ULONG wantIn = 20, wantOut = 20;
     switch (code) {
         case kRequestReadCPUID: wantIn = wantOut = sizeof(CPUIDRequest_t); break;
-        case kRequestDriverVersion: case kRequestCPULibVersion: case kRequestIOLibVersion: case kRequestPCILibVersion:
-            wantIn = 0, wantOut = 4;
-            break;
+        case kRequestDriverVersion:
+        case kRequestCPULibVersion:
+        case kRequestIOLibVersion:
+        case kRequestPCILibVersion: wantIn = 0, wantOut = 4; break;
         case kRequestSystemTables:
             if (in < sizeof(MemoryRequest_t)) return STATUS_BUFFER_TOO_SMALL;
             if (((const MemoryRequest_t*)buffer)->Size != in - sizeof(MemoryRequest_t)) return STATUS_INVALID_PARAMETER;
@@ -125,7 +128,10 @@ static NTSTATUS NTAPI Control(DEVICE_OBJECT* device, IRP* irp) {
 
 static void ReadSetting(HANDLE key, const WCHAR* text, Word_t* setting) {
     UNICODE_STRING name;
-    union { KEY_VALUE_PARTIAL_INFORMATION information; Byte_t room[32]; } value;
+    union {
+        KEY_VALUE_PARTIAL_INFORMATION information;
+        Byte_t room[32];
+    } value;
     ULONG size;
     RtlInitUnicodeString(&name, text);
     if (ZwQueryValueKey(key, &name, KeyValuePartialInformation, &value, sizeof value, &size) == STATUS_SUCCESS &&

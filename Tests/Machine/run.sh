@@ -17,7 +17,8 @@ Tests/Machine/kernel.sh "$work/kernel"
 # Static programs, as the guest has no libraries.
 cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
     -DZLIB_USE_STATIC_LIBS=ON >/dev/null
-cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwareTest OSTest sample_files >"$work/build.log" || {
+cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwareTest OSTest sample_files \
+    >"$work/build.log" || {
     tail -40 "$work/build.log"
     exit 1
 }

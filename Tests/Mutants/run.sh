@@ -50,7 +50,8 @@ build_suites() {
 run_suites() {
     rm -rf "$build/scratch" && mkdir -p "$build/scratch"
     local names="$*"
-    nice ctest --test-dir "$build" -R "^(${names// /|})\$" --timeout "$most_seconds" --output-on-failure --no-tests=error
+    nice ctest --test-dir "$build" -R "^(${names// /|})\$" --timeout "$most_seconds" \
+        --output-on-failure --no-tests=error
 }
 
 # Copies the files that a patch names from the tree. The copies are newer than the objects with the fault.
@@ -67,7 +68,8 @@ fi
 
 rm -rf "$work"
 mkdir -p "$source"
-(cd "$tree" && git ls-files -z --cached --others --exclude-standard -- ':!Tests/Mutants' | xargs -0 cp --parents -t "$source" --) || exit 2
+(cd "$tree" && git ls-files -z --cached --others --exclude-standard -- ':!Tests/Mutants' |
+    xargs -0 cp --parents -t "$source" --) || exit 2
 
 if command -v ccache >/dev/null; then
     export CCACHE_BASEDIR=$source CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache

@@ -15,7 +15,6 @@
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Windows/Windows.h"
 #include "Sources/Quorlin.h"
-#include "CInterface/quorlin_c.h"
 #include "Tests/Support/Buffer.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"

@@ -21,7 +21,8 @@ offer_bash() {
     offered=" ${COMPREPLY[*]-} "
 }
 offer_fish() {
-    offered=" $(fish --no-config -c "source $completions/quorlin.fish; complete -C 'quorlin $1'" | cut -f1 | tr '\n' ' ')"
+    offered=" $(fish --no-config -c "source $completions/quorlin.fish; complete -C 'quorlin $1'" |
+        cut -f1 | tr '\n' ' ')"
     # Fish repeats the option of --option=value.
     offered=${offered// --*=/ }
 }

@@ -110,8 +110,8 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
             const std::optional<double> seconds = SecondsOf(words, output);
             const auto written = static_cast<double>(ReadWholeFile(output).size());
             ASSERT_TRUE(seconds.has_value()) << what;
-            // Some seconds to decode the items that a table may give, and 10 MB of output a second, on a machine that does
-            // other work too.
+            // Some seconds to decode the items that a table may give, and 10 MB of output a second, on a machine that
+            // does other work too.
             EXPECT_LT(*seconds, (isLong ? 15 : 5) + written / 10e6) << what;
         }
     }
