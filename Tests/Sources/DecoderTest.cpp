@@ -24,13 +24,15 @@ TEST(Decoder, GivesItsItemsOnceAndEachAsACopy) {
     ClSMBIOSType& decoder = *made;
     ItemPair item;
     EXPECT_EQ(decoder.GetNextItem(&item), kFailure);
-    decoder.PrintStructure(ClStructureBuilder(3, 13).Strings({"Maker"}).Byte(4, 1).Image().data());
+    const auto first = ClStructureBuilder(3, 13).Strings({"Maker"}).Byte(4, 1).Image();
+    const auto second = ClStructureBuilder(3, 13).Image();
+    decoder.PrintStructure(first.data());
     EXPECT_EQ(decoder.GetNextItem(nullptr), kBadValue);
     ASSERT_EQ(decoder.GetNextItem(&item), kSuccess);
     EXPECT_EQ(item.key, "System Enclosure or Chassis Types {Type 3}#GROUPNAME");
     EXPECT_EQ(Keys(decoder).front(), "Type");
     EXPECT_EQ(decoder.GetNextItem(&item), kFailure);
-    decoder.PrintStructure(ClStructureBuilder(3, 13).Image().data());
+    decoder.PrintStructure(second.data());
     EXPECT_EQ(Keys(decoder).front(), "System Enclosure or Chassis Types {Type 3}_2#GROUPNAME");
 }
 

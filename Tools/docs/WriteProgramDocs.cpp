@@ -201,11 +201,15 @@ void WriteZsh(const std::vector<Entry_t>& entries) {
             const std::string once = option.IsList() ? "*" : "", help = "[" + ZshText(option.help) + "]";
             const std::string value =
                 option.TakesValue() ? ":" + std::string(option.typeName) + ":" + ZshAction(option) : "";
-            if (option.letter != 0)
-                std::cout << "        "
-                          << Quoted(once + Letter(option) + (option.TakesValue() ? "+" : "") + help + value) << "\n";
-            std::cout << "        " << Quoted(once + option.name + (option.TakesValue() ? "=" : "") + help + value)
-                      << "\n";
+            const auto spec = [&](const std::string& name, const char* sign) {
+                return std::string(once)
+                    .append(name)
+                    .append(option.TakesValue() ? sign : "")
+                    .append(help)
+                    .append(value);
+            };
+            if (option.letter != 0) std::cout << "        " << Quoted(spec(Letter(option), "+")) << "\n";
+            std::cout << "        " << Quoted(spec(option.name, "=")) << "\n";
         }
         std::cout << "    ) ;;\n";
     }

@@ -20,8 +20,9 @@ void SayLeftOut(ClColumns& people) {
         os_free(records);
         const std::string type = std::to_string(row.type);
         people.Line(0, "");
-        people.Line(0, "Not shown: " + std::to_string(count) + (count == 1 ? " structure" : " structures") +
-                           " of type " + type + ", firmware versions; see them with --type " + type);
+        std::string line = "Not shown: " + std::to_string(count);
+        line.append(count == 1 ? " structure" : " structures").append(" of type ").append(type);
+        people.Line(0, line.append(", firmware versions; see them with --type ").append(type));
     }
 }
 
