@@ -61,26 +61,10 @@ namespace {
 constexpr Column_t kColumns[] = {{"name", "Name"}};
 constexpr List_t kList = {.name = "names", .columns = kColumns};
 
-class ClDummy : public ClCommand {
-  public:
-    std::vector<Option_t> Options() override {
-        std::vector<Option_t> options = m_source.OptionsForMany();
-        options.push_back(m_format.Option());
-        return options;
-    }
-    int Run() override {
-        m_source.Check();
-        m_format.Check(m_source);
-        return WriteTables(m_source, m_format.Chosen(), kList, kExitNoTable, [](ClTable& table, ClWriter& writer) {
-            writer.Row({table.Name()});
-            return kExitDone;
-        });
-    }
-
-  private:
-    Source_t m_source;
-    ClFormatOption m_format{kTableRows};
-};
+int List(ClTable& table, ClWriter& writer) {
+    writer.Row({table.Name()});
+    return kExitDone;
+}
 
 }  // namespace
 
@@ -90,7 +74,7 @@ constexpr Command_t kDummyCommand = {
     .description = "Names a table.",
     .footer = "",
     .trouble = kExitNoTable,
-    .make = MakeCommand<ClDummy>,
+    .make = MakeCommand<ClListCommand<List, kList, kDummyCommand>>,
 };
 CPP
 echo 'COMMAND(Dummy)' >>Tools/quorlin/Commands.inc

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Tools/quorlin/CommandLine.h"
+#include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Table.h"
 #include "Tools/quorlin/Writer.h"
@@ -55,3 +55,24 @@ class ClFormatOption {
 // a table that can't be read and of output that can't be written.
 int WriteTables(const Source_t& source, const Format_t& format, const List_t& list, int trouble,
                 const std::function<int(ClTable& table, ClWriter& writer)>& work);
+
+// A command whose only options are tables and a format, and which writes a list of rows for each table.
+template <int (*work)(ClTable& table, ClWriter& writer), const List_t& list, const Command_t& command>
+class ClListCommand : public ClCommand {
+  public:
+    std::vector<Option_t> Options() override {
+        std::vector<Option_t> options = m_source.OptionsForMany();
+        options.push_back(m_format.Option());
+        return options;
+    }
+    int Run() override {
+        m_source.Check();
+        m_format.Check(m_source);
+        return WriteTables(m_source, m_format.Chosen(), list, command.trouble,
+                           [](ClTable& table, ClWriter& writer) { return work(table, writer); });
+    }
+
+  private:
+    Source_t m_source;
+    ClFormatOption m_format{kTableRows};
+};

@@ -233,26 +233,6 @@ int ListFindings(ClTable& table, ClWriter& writer) {
     return count == 0 ? kExitDone : kExitNo;
 }
 
-class ClCheck : public ClCommand {
-  public:
-    std::vector<Option_t> Options() override {
-        std::vector<Option_t> options = m_source.OptionsForMany();
-        options.push_back(m_format.Option());
-        return options;
-    }
-
-    int Run() override {
-        m_source.Check();
-        m_format.Check(m_source);
-        return WriteTables(m_source, m_format.Chosen(), kList, kCheckCommand.trouble,
-                           [](ClTable& table, ClWriter& writer) { return ListFindings(table, writer); });
-    }
-
-  private:
-    Source_t m_source;
-    ClFormatOption m_format{kTableRows};
-};
-
 }  // namespace
 
 constexpr Command_t kCheckCommand = {
@@ -265,5 +245,5 @@ constexpr Command_t kCheckCommand = {
         "Example: quorlin check --image table.bin\n"
         "Exit codes: 0 nothing found, 1 something found, 2 bad usage, no table or an unreadable one.",
     .trouble = kExitTrouble,
-    .make = MakeCommand<ClCheck>,
+    .make = MakeCommand<ClListCommand<ListFindings, kList, kCheckCommand>>,
 };

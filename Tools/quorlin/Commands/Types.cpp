@@ -36,26 +36,6 @@ int ListTypes(ClTable& table, ClWriter& writer) {
     return kExitDone;
 }
 
-class ClTypes : public ClCommand {
-  public:
-    std::vector<Option_t> Options() override {
-        std::vector<Option_t> options = m_source.OptionsForMany();
-        options.push_back(m_format.Option());
-        return options;
-    }
-
-    int Run() override {
-        m_source.Check();
-        m_format.Check(m_source);
-        return WriteTables(m_source, m_format.Chosen(), kList, kTypesCommand.trouble,
-                           [](ClTable& table, ClWriter& writer) { return ListTypes(table, writer); });
-    }
-
-  private:
-    Source_t m_source;
-    ClFormatOption m_format{kTableRows};
-};
-
 }  // namespace
 
 constexpr Command_t kTypesCommand = {
@@ -66,5 +46,5 @@ constexpr Command_t kTypesCommand = {
         "Example: quorlin types --image table.bin\n"
         "Exit codes: 0 done, 1 no table or an unreadable one, 2 bad usage.",
     .trouble = kExitNoTable,
-    .make = MakeCommand<ClTypes>,
+    .make = MakeCommand<ClListCommand<ListTypes, kList, kTypesCommand>>,
 };
