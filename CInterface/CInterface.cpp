@@ -262,7 +262,7 @@ const char* quorlin_status_text(quorlin_status status) {
         case QUORLIN_NO_TABLE: return "this machine has no SMBIOS table, or doesn't let this user read it";
         case QUORLIN_NO_MORE: return "there is no such item, or none after the last one";
         case QUORLIN_BUSY: return "the process has a package open, and one table is read at a time";
-        case QUORLIN_TOO_MANY_ITEMS: return "the table gives more items than a table of its size may";
+        case QUORLIN_TOO_MANY_ITEMS: return "more items than a table of this size can have";
         case QUORLIN_NO_IMAGE: return "the file can't be read, or has no table";
         default: return "unknown status";
     }

@@ -119,7 +119,7 @@ class ClSMBIOSType130 final : public ClSMBIOSType {
 ClSMBIOSType* NewType130(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType130; }
 
 void DescribeType130(ClDescription& description) {
-    description.Explain(ShowSignature, "string, numbered by all 32 bits; number 0 gives the first one");
+    description.Explain(ShowSignature, "string, numbered by all 32 bits; number 0 is the first one");
     description.Rows(kSignature);
     description.Rows(kCapable, "Structures with 1 at 08h");
     description.Rows(kNotCapable, "Structures with another value there");

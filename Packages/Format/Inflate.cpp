@@ -24,7 +24,7 @@ struct Inflation_t {
 
 const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflated) {
     constexpr int kGzip = 15 + 16;  // the largest window, with gzip's header and trailer
-    constexpr const char* kTooLarge = "larger than 4 MiB, so not a table; try the file that holds the dump";
+    constexpr const char* kTooLarge = "larger than 4 MiB, so not a table; try the file with the dump";
     if (bytes.size() > kMostFileBytes) return kTooLarge;
     Inflation_t inflation;
     z_stream& stream = inflation.stream;

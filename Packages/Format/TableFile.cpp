@@ -159,9 +159,9 @@ bool FormByName(std::string_view name, TableForm_t* form) {
 }
 
 static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm_t as) {
-    if (bytes.empty()) return NoTable("empty; try a file that holds a dump");
+    if (bytes.empty()) return NoTable("empty; try a file with a dump");
     if (bytes.size() > kMostFileBytes)
-        return NoTable("larger than 4 MiB, so not a table; try the file that holds the dump");
+        return NoTable("larger than 4 MiB, so not a table; try the file with the dump");
     switch (as) {
         case TableForm_t::kDump: return FindAfterEntryPoint(bytes);
         case TableForm_t::kBareTable: return WholeTable(bytes);
@@ -181,7 +181,7 @@ static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm
 
 static TableFound_t Bounded(const TableFound_t& found) {
     if (found.table.size() <= kMostTableBytes) return found;
-    return NoTable("its table is larger than 4 MiB, so it isn't one; try the file that holds the dump");
+    return NoTable("its table is larger than 4 MiB, so it isn't one; try the file with the dump");
 }
 
 TableFound_t FindTable(std::span<const uint8_t> bytes, TableForm_t as) {
@@ -192,7 +192,7 @@ TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<co
     EntryPoint_t point;
     if (!ParseEntryPoint(entryPoint.data(), entryPoint.size(), &point))
         return NoTable("its smbios_entry_point is none; try its file DMI");
-    if (table.empty()) return NoTable("its file DMI is empty; try a file that holds a dump");
+    if (table.empty()) return NoTable("its file DMI is empty; try a file with a dump");
     return Bounded(WithVersion(Found(TableForm_t::kFolder, table, point.tableLength, point.lengthIsBound), point));
 }
 

@@ -75,7 +75,7 @@ std::optional<std::string> SharedWords(const Rendering_t& rendering) {
     if (is(ShowHex8)) return Digits(rendering.number > 2 ? " or more" : "", rendering.number);
     if (is(ShowHex16)) return Digits(rendering.number != 4 ? " or more" : "", rendering.number);
     if (is(ShowHex32, ShowHex64)) return Digits("", rendering.number);
-    if (is(ShowString)) return "string; number 0 gives the first one";
+    if (is(ShowString)) return "string; number 0 is the first one";
     if (is(ShowStringOrNone)) return "string; `None` for number 0";
     if (is(ShowParsedString)) return "string; `None` for number 0 and for a number without a string";
     if (is(ShowFixedText)) return Code(rendering.text);

@@ -36,7 +36,7 @@ const char* WordsOf(status_t status) {
 }  // namespace
 
 Cause_t WhyNoStart(status_t status, Refusal_t refusal, const char* other) {
-    if (status == kNotSupported) return {"this system gives no access to hardware", other};
+    if (status == kNotSupported) return {"no access to hardware on this system", other};
     if (status != kFailure) return CPUIDFails(other);  // the hypervisor test, which alone gives other statuses
     switch (refusal) {
         case Refusal_t::kNoDriver: return {"the driver Ravelink isn't installed", other};

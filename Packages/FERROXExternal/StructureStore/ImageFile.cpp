@@ -63,7 +63,7 @@ status_t ReadFolder(const std::string& path, Image_t* image, std::string* error)
     if (pointProblem == EACCES || tableProblem == EACCES)
         return Fail("its files may not be read; " + AdviceForAccess(), error);
     if (pointProblem != 0 || tableProblem != 0)
-        return Fail("a folder without smbios_entry_point and DMI; try a file that holds a dump", error);
+        return Fail("a folder without smbios_entry_point and DMI; try a file with a dump", error);
     image->bytes = std::move(table);
     image->isCompressed = false;
     return Take(FindTableInFolder(point, image->bytes), image, error);

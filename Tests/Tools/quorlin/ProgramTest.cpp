@@ -532,7 +532,7 @@ TEST_F(OnLinux, ForeignFilesAndFlawsTakeLittleMemory) {
     Shell("head -c 100M /dev/zero | gzip >" + bomb);
     for (const std::string& file : {std::string("/dev/zero"), sparse, bomb})
         EXPECT_EQ(Shell("ulimit -v 24000; " QUORLIN_PROGRAM " --image " + file),
-                  "quorlin: " + file + ": larger than 4 MiB, so not a table; try the file that holds the dump\n1\n");
+                  "quorlin: " + file + ": larger than 4 MiB, so not a table; try the file with the dump\n1\n");
     const std::string findings = Shell("ulimit -v 330000; " QUORLIN_PROGRAM " check --as table --format json --image " +
                                        zeros + " | tail -c 300");
     EXPECT_TRUE(Has(findings, "no End-of-Table structure ends the table")) << findings;

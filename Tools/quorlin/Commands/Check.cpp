@@ -61,7 +61,7 @@ class ClLint {
             m_length = std::min<uint32_t>(structure.Length(), structure.size);
             isEnded = structure.Type() == kEndOfTable;
             if (!seen.insert(structure.Handle()).second)
-                Add("handle", "another structure in front of it has this handle");
+                Add("handle", "an earlier structure has this handle");
             if (CheckLength() && m_facts != nullptr) CheckFields();
             AddCodes();
         }
@@ -134,7 +134,7 @@ class ClLint {
         if (type == 10)  // pairs of a device's type and its string, up to the end
             for (uint32_t offset = 5; offset < m_length; offset += 2) check(offset);
         if ((type >= 11 && type <= 13) && Byte(4) > count)
-            Add("count", "it counts " + std::to_string(Byte(4)) + " strings, and holds " + std::to_string(count));
+            Add("count", "it counts " + std::to_string(Byte(4)) + " strings, but has " + std::to_string(count));
     }
 
     // FFFEh and FFFFh mean no structure, or an unknown one.
@@ -153,7 +153,7 @@ class ClLint {
         if (list.countOffset != 0) {
             if (Byte(list.countOffset) * size > room)
                 Add("count", "it counts " + std::to_string(Byte(list.countOffset)) + " entries of " +
-                                 std::to_string(size) + " bytes, and holds " + std::to_string(count));
+                                 std::to_string(size) + " bytes, but has room for " + std::to_string(count));
             count = std::min<uint32_t>(count, Byte(list.countOffset));
         }
         if (list.handleAt == kNoHandle) return;
