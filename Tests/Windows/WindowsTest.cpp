@@ -3,7 +3,6 @@
 // hardware library cover it.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -15,7 +14,6 @@
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Windows/Windows.h"
 #include "Sources/Quorlin.h"
-#include "Tests/Support/Buffer.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 
@@ -134,16 +132,6 @@ TEST(Role, DISABLED_HoldsTheDriver) {
     EXPECT_EQ(FERROXTerminate(), kSuccess);
 }
 
-TEST(Role, DISABLED_HoldsTheMutex) {
-    Signals_t signals;
-    HANDLE mutex = CreateMutexA(nullptr, FALSE, "FERROXLIB");
-    ASSERT_EQ(WaitForSingleObject(mutex, kPatience), WAIT_OBJECT_0);
-    signals.ReadyAndAwaitGo();
-    Sleep(400);
-    ReleaseMutex(mutex);
-    CloseHandle(mutex);
-}
-
 TEST(Role, DISABLED_ReadsThroughNull) {
     SetMachine(ThisMachineWithoutDriver());
     BaseAbstraction* package = CreateSmbiosPackage();
@@ -176,15 +164,11 @@ class Driver : public testing::Test {
         SetValue("FERROXDrvPath", REG_SZ, path.c_str(), path.size() + 1);
     }
     static void RemoveSettings() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); }
-    static void SetHypervisor(DWORD present) { SetValue("TestHypervisor", REG_DWORD, &present, sizeof present); }
-    static void SetCPUIDAnswers(DWORD count) { SetValue("TestCPUIDAnswers", REG_DWORD, &count, sizeof count); }
     static void ExpectNothingLeft() {
         EXPECT_EQ(ServiceState(), kNoService);
         EXPECT_FALSE(SectionExists());
     }
 };
-
-using Bytes_t = std::vector<uint8_t>;
 
 TEST_F(Driver, ProgramReadsByBothAccessMethodsAndLeavesNothing) {
     const ProgramRun_t first = RunQuorlin("--driver --format lines"), scan = RunQuorlin("--road scan --format lines");
@@ -193,48 +177,6 @@ TEST_F(Driver, ProgramReadsByBothAccessMethodsAndLeavesNothing) {
     EXPECT_EQ(scan.exitCode, 0) << scan.errors;
     EXPECT_TRUE(Has(scan.output, "\"Manufacturer\", \"Simulated\"\n")) << scan.output;
     ExpectNothingLeft();
-}
-
-TEST_F(Driver, AnswersRequestsAndRefusesThem) {
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-    uint32_t version = 0, expectedVersion = 0x01000000;
-    for (const auto& ask : {GetFERROXDriverVersion, GetCPULibVersion, GetIOLibVersion, GetPCILibVersion}) {
-        EXPECT_EQ(ask(&version), kSuccess);
-        EXPECT_EQ(version, ++expectedVersion);
-    }
-    CPUIDRecord_t byDriver = {}, byInstruction = {};
-    ASSERT_EQ(ReadCPUID(kAnyProcessor, &byDriver), kSuccess);
-    ThisMachineWithoutDriver()->ReadCPUID(kAnyProcessor, &byInstruction);
-    EXPECT_EQ(byDriver.Ebx, byInstruction.Ebx);
-    EXPECT_EQ(byDriver.Edx, byInstruction.Edx);
-
-    ClBuffer pci(4), missing(4), anchor(5);
-    EXPECT_EQ(PCIRead(0, 6, pci.Get()), kSuccess);
-    EXPECT_EQ(pci.Bytes(), (Bytes_t{6, 7, 8, 9}));
-    EXPECT_EQ(PCIRead(8, 6, missing.Get()), kSuccess);
-    EXPECT_EQ(missing.Bytes(), Bytes_t(4, 0xFF));
-    EXPECT_EQ(GetSystemTables(0xF0000, 0x110, anchor.Get()), kSuccess);
-    EXPECT_EQ(anchor.Bytes(), (Bytes_t{'_', 'D', 'M', 'I', '_'}));
-    EXPECT_EQ(GetSystemTables(0xFFFFC, 0, anchor.Get()), 0u) << "runs over the end";
-    EXPECT_EQ(ReadWakeupTimer(0x70, anchor.Get()), kBadValue);
-    EXPECT_EQ(ReadWakeupTimer(0x70, pci.Get()), 0u) << "the driver has no such request";
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    ExpectNothingLeft();
-}
-
-TEST_F(Driver, HypervisorBitChoosesThePCIRequest) {
-    for (const DWORD present : {0u, 1u}) {
-        SetHypervisor(present);
-        ASSERT_EQ(FERROXInitialize(), kSuccess);
-        ClBuffer first(4), extended(4);
-        EXPECT_EQ(PCIRead(0, 0, first.Get()), kSuccess);
-        EXPECT_EQ(first.Bytes(), (Bytes_t{0, 1, 2, static_cast<uint8_t>(present != 0 ? 0x83 : 3)})) << present;
-        // Without a hypervisor the memory-mapped space is used, and no table gives its place here.
-        EXPECT_EQ(PCIExRead(0, 252, extended.Get()), present != 0 ? kSuccess : kFailure);
-        EXPECT_EQ(PCIExRead(0, 256, extended.Get()), present != 0 ? kBadValue : kFailure);
-        EXPECT_EQ(FERROXTerminate(), kSuccess);
-    }
 }
 
 TEST_F(Driver, TheLastOfTwoProcessesRemovesTheService) {
@@ -272,86 +214,33 @@ TEST_F(Driver, AKilledProcessLeavesAServiceThatTheNextTakesOver) {
     ExpectNothingLeft();
 }
 
-// Its count stays raised while another process has the section open, so that nobody removes the service.
-TEST_F(Driver, KilledProcessBesideAnotherKeepsTheServiceRunning) {
-    Signals_t signals;
-    ClOtherProcess other("HoldsTheDriver");
-    signals.AwaitReady();
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    other.Kill();
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-}
-
-TEST_F(Driver, AnAutoLoadedServiceIsLeftAlone) {
-    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
-    SC_HANDLE service = CreateServiceA(manager, "Ravelink", "Ravelink", SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
-                                       SERVICE_AUTO_START, SERVICE_ERROR_NORMAL, FullPath(QUORLIN_DRIVER).c_str(),
-                                       nullptr, nullptr, nullptr, nullptr, nullptr);
-    ASSERT_NE(service, nullptr);
-    EXPECT_NE(StartServiceA(service, 0, nullptr), 0);
-    CloseServiceHandle(service);
-    CloseServiceHandle(manager);
-    EXPECT_EQ(RunQuorlin("--driver").exitCode, 0);
-    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-    EXPECT_FALSE(SectionExists());
-}
-
 // The program reads the table without the driver, silently; it fails and names the cause if the driver was asked for.
 TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
-    constexpr char kNoCPUID[] = "its driver fails at the CPUID instruction";
-    const auto missingFile = [] { SetDriverPath(FullPath("no-such-driver.sys")); };
     const struct {
-        const char *what, *cause;
+        const char* cause;
         std::function<void()> prepare;
     } kCases[] = {
-        {"no file",                "its driver can't be started",         missingFile               },
-        {"not installed",          "the driver Ravelink isn't installed", RemoveSettings            },
-        {"refuses CPUID",          kNoCPUID,                              [] { SetCPUIDAnswers(0); }},
-        {"refuses CPUID later on", kNoCPUID,                              [] { SetCPUIDAnswers(1); }},
+        {"its driver can't be started",               [] { SetDriverPath(FullPath("no-such-driver.sys")); }},
+        {"the driver Ravelink isn't installed",       RemoveSettings                                       },
+        {"its driver fails at the CPUID instruction", [] { SetValue("TestNoCPUID", REG_SZ, "", 1); }       },
     };
     const std::string expected = RunQuorlin("--no-driver --format lines").output;
     for (const auto& c : kCases) {
         SetDriverPath(FullPath(QUORLIN_DRIVER));
         c.prepare();
-        const ProgramRun_t run = RunQuorlin("--format lines"), verbose = RunQuorlin("types --verbose"),
-                           must = RunQuorlin("--driver --format lines"), scan = RunQuorlin("--road scan");
-        EXPECT_EQ(run.exitCode, 0) << c.what;
-        EXPECT_EQ(run.output, expected) << c.what;
-        EXPECT_EQ(run.errors, "") << c.what;
-        EXPECT_TRUE(Has(verbose.errors, std::string(c.cause) + "; trying without it")) << c.what << verbose.errors;
-        for (const ProgramRun_t* refused : {&must, &scan}) {
-            EXPECT_EQ(refused->exitCode, 1) << c.what;
-            EXPECT_EQ(refused->output, "") << c.what;
-            EXPECT_TRUE(Has(refused->errors, std::string(c.cause) + "; try ")) << c.what << refused->errors;
-            EXPECT_FALSE(Has(refused->errors, "root")) << c.what;
+        const ProgramRun_t run = RunQuorlin("--format lines"), verbose = RunQuorlin("types --verbose");
+        EXPECT_EQ(run.exitCode, 0) << c.cause;
+        EXPECT_EQ(run.output, expected) << c.cause;
+        EXPECT_EQ(run.errors, "") << c.cause;
+        EXPECT_TRUE(Has(verbose.errors, std::string(c.cause) + "; trying without it")) << verbose.errors;
+        for (const char* arguments : {"--driver --format lines", "--road scan", "hw versions"}) {
+            const ProgramRun_t refused = RunQuorlin(arguments);
+            EXPECT_EQ(refused.exitCode, 1) << c.cause << arguments;
+            EXPECT_EQ(refused.output, "") << c.cause << arguments;
+            EXPECT_TRUE(Has(refused.errors, std::string(c.cause) + "; try ")) << arguments << refused.errors;
+            EXPECT_FALSE(Has(refused.errors, "root")) << c.cause << arguments;
         }
         ExpectNothingLeft();
-    }
-    SetCPUIDAnswers(0);
-    EXPECT_TRUE(Has(RunQuorlin("hw versions").errors, "fails at the CPUID instruction; try "));
-    ExpectNothingLeft();
-}
-
-TEST_F(Driver, OpeningWaitsForTheOtherProcessesMutex) {
-    for (const bool killed : {false, true}) {
-        Signals_t signals;
-        ClOtherProcess other("HoldsTheMutex");
-        signals.AwaitReady();
-        HANDLE mutex = CreateMutexA(nullptr, FALSE, "FERROXLIB");
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_ALREADY_EXISTS});
-        EXPECT_EQ(WaitForSingleObject(mutex, 50), DWORD{WAIT_TIMEOUT});
-        const auto start = std::chrono::steady_clock::now();
-        if (killed)
-            other.Kill();
-        else
-            SetEvent(signals.go);
-        EXPECT_EQ(FERROXInitialize(), kSuccess);
-        if (!killed) {
-            EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
-        }
-        EXPECT_EQ(FERROXTerminate(), kSuccess);
-        CloseHandle(mutex);
     }
 }
 
@@ -400,23 +289,21 @@ TEST(Crash, NoFilterPointsIntoAnUnloadedLibrary) {
     const LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(FilterOfHost);
     const HMODULE library = LoadLibraryA(FullPath(QUORLIN_LIBRARY).c_str());
     ASSERT_NE(library, nullptr);
-    const auto find = [library](const char* name) { return reinterpret_cast<void*>(GetProcAddress(library, name)); };
+    const auto find = [library]<class Function_t>(Function_t*, const char* name) {
+        return reinterpret_cast<Function_t*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+    };
     const std::vector<uint8_t> table = TableOf({ClStructureBuilder(3, 9)});
     const ImageSource_t image = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0};
     quorlin_table* opened = nullptr;
-    EXPECT_EQ(reinterpret_cast<decltype(&quorlin_open_memory)>(find("quorlin_open_memory"))(table.data(), table.size(),
-                                                                                            nullptr, &opened),
+    EXPECT_EQ(find(quorlin_open_memory, "quorlin_open_memory")(table.data(), table.size(), nullptr, &opened),
               QUORLIN_OK);
-    reinterpret_cast<decltype(&quorlin_close)>(find("quorlin_close"))(opened);
+    find(quorlin_close, "quorlin_close")(opened);
     EXPECT_EQ(SetUnhandledExceptionFilter(FilterOfHost), FilterOfHost);
-    EXPECT_EQ(reinterpret_cast<decltype(&SetImageMachine)>(find("SetImageMachine"))(&image), kSuccess);
-    BaseAbstraction* package = reinterpret_cast<decltype(&CreateSmbiosPackage)>(find("CreateSmbiosPackage"))();
+    EXPECT_EQ(find(SetImageMachine, "SetImageMachine")(&image), kSuccess);
+    BaseAbstraction* package = find(CreateSmbiosPackage, "CreateSmbiosPackage")();
     EXPECT_EQ(package->Initialize(), kSuccess);
     EXPECT_EQ(package->UnInitialize(), kSuccess);
-    reinterpret_cast<decltype(&DestroySmbiosPackage)>(find("DestroySmbiosPackage"))(package);
-    char* name = nullptr;
-    EXPECT_EQ(reinterpret_cast<decltype(&os_GetOSName)>(find("os_GetOSName"))(&name), kSuccess);
-    reinterpret_cast<decltype(&os_FreeBlock)>(find("os_FreeBlock"))(name);
+    find(DestroySmbiosPackage, "DestroySmbiosPackage")(package);
     EXPECT_NE(FreeLibrary(library), 0);
     EXPECT_EQ(GetModuleHandleA("quorlin.dll"), nullptr);
     EXPECT_EQ(SetUnhandledExceptionFilter(before), nullptr);
