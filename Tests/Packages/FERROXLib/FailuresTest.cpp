@@ -48,24 +48,27 @@ bool GoesOnWithout(const std::string& call) {
 TEST_F(Failures, OfAnyCallUnderAPackage) {
     const struct {
         const char* what;
-        bool inFirmware, inMemory;
+        bool inFirmware, inMemory, hasOther;  // another process has the driver running
     } kMachines[] = {
-        {"first method",  true,  false},
-        {"second method", false, true },
-        {"both",          true,  true },
+        {"first method",    true,  false, false},
+        {"second method",   false, true,  false},
+        {"both",            true,  true,  false},
+        {"another process", false, true,  true },
     };
     for (const auto& machine : kMachines) {
         const auto start = [&machine] {
             NewMachine();
             if (machine.inFirmware) PutTableInFirmware();
             if (machine.inMemory) PutTableInMemory();
+            if (machine.hasOther) Machine().OtherProcess(1);
         };
         start();
+        const std::string before = Machine().State();
         ASSERT_EQ(SetMachine(ThisMachine()), kSuccess);
         const uint32_t whole = ReadPackage();
         ASSERT_GT(whole, 100u) << machine.what;
         const size_t calls = Machine().calls.size();
-        ASSERT_GT(calls, 30u) << machine.what;
+        ASSERT_GT(calls, 20u) << machine.what;
         for (size_t number = 1; number <= calls; ++number) {
             start();
             Machine().failCall = number;
@@ -73,39 +76,22 @@ TEST_F(Failures, OfAnyCallUnderAPackage) {
             Machine().failCall = 0;
             ASSERT_GE(Machine().calls.size(), number);
             const std::string failed = Machine().calls[number - 1];
-            const std::string at = std::string(machine.what) + ", " + failed;
+            SCOPED_TRACE(std::string(machine.what) + ", " + failed);
             // The whole table or nothing; the whole table if the library can do without the call.
-            EXPECT_TRUE(items == whole || (items == 0 && !GoesOnWithout(failed))) << at << ": " << items;
-            const bool wasLeftOpen = FERROXTerminate() == kSuccess;
+            EXPECT_TRUE(items == whole || (items == 0 && !GoesOnWithout(failed))) << items;
+            // Closing that couldn't take the lock changes nothing: a second attempt succeeds.
+            EXPECT_TRUE(FERROXTerminate() == kFailure || items == whole);
             const int traceHandlesLeft = Machine().traceHandles;
-            if (wasLeftOpen) {
-                // Closing couldn't take the lock, which changes nothing: a second attempt succeeds.
-                EXPECT_EQ(items, whole) << at;
-                EXPECT_TRUE(failed.starts_with("CreateMutexA") || failed.starts_with("WaitForSingleObject")) << at;
-            } else if (Machine().Open().find("device") != std::string::npos) {
-                EXPECT_TRUE(failed == "GetActiveProcessorCount#1" || failed == "DeviceIoControl#1") << at;
-                EXPECT_EQ(items, 0u) << at;
-                Machine().section = 0;  // a failed hypervisor test has counted already
-            } else if (items == whole && Machine().Open() != "") {
-                // The stop or the removal failed; the file of a driver that still runs is locked.
-                EXPECT_EQ(Machine().Open(), Machine().service.state == SERVICE_RUNNING ||
-                                                    failed == "CloseHandle file#1" ||
-                                                    failed.starts_with("QueryServiceStatusEx")
-                                                ? "section view file "
-                                                : "section view ")
-                    << at;
-            } else {
-                EXPECT_EQ(Machine().Open(), "") << at;
-                EXPECT_FALSE(Machine().service.exists) << at;
-                EXPECT_EQ(traceHandlesLeft, 0) << at;
-            }
-            EXPECT_FALSE(Machine().mutexHeld) << at;
+            EndFailedStart();
+            // Only a driver that couldn't be stopped or removed stays.
+            const bool mayStay = items == whole && Machine().Open().starts_with("section view ");
+            EXPECT_TRUE(mayStay || Machine().State() == before) << Machine().State();
+            EXPECT_FALSE(Machine().mutexHeld);
             // The next host reads everything and leaves the machine as it was.
-            EXPECT_EQ(ReadPackage(), whole) << at;
-            EXPECT_EQ(Machine().Open(), "") << at;
-            EXPECT_FALSE(Machine().service.exists) << at;
-            EXPECT_EQ(Machine().traceHandles, traceHandlesLeft) << at;
-            EXPECT_EQ(Machine().badCloses, 0) << at;
+            EXPECT_EQ(ReadPackage(), whole);
+            EXPECT_EQ(Machine().State(), before);
+            EXPECT_EQ(Machine().traceHandles, traceHandlesLeft);
+            EXPECT_EQ(Machine().badCloses, 0);
         }
     }
     NewMachine();

@@ -70,34 +70,6 @@ TEST_F(Scan, LaterFindOverwritesWhileTheOtherIsMissing) {
     EXPECT_EQ(found.entry[7], 6);
 }
 
-// Windows gives no map of its memory, but no table is at or above 4 GiB.
-TEST_F(Scan, ReadsNoTableThatIsNotInMemory) {
-    const struct {
-        const char* what;
-        size_t length;
-        uint32_t table;
-        bool hasMap;
-        status_t status;
-    } kCases[] = {
-        {"up to 4 GiB",     16, 0xFFFFFFF0, true,  1},
-        {"across 4 GiB",    17, 0xFFFFFFF0, true,  5},
-        {"without any map", 5,  kTable,     false, 5},
-    };
-    for (const auto& c : kCases) {
-        Machine().memory.clear();
-        Machine().requests.clear();
-        PutEntry(0xF0000);
-        PutDMI(0xF0010, c.length, c.table);
-        HardwareServices_t hardware = kThisHardware;
-        if (!c.hasMap) hardware.IsMemory = nullptr;
-        UseHardware(hardware);
-        const Found_t found;
-        UseHardware(kThisHardware);
-        EXPECT_EQ(found.status, c.status) << c.what;
-        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 2u : 1u) << c.what << ": the table is not read";
-    }
-}
-
 TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
     const struct {
         const char* what;
@@ -106,20 +78,24 @@ TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
         int failingRead;  // counted with the hypervisor test
         size_t failingAllocation;
         status_t status;
+        size_t reads;
     } kCases[] = {
-        {"first block",    5, kTable, 2, 0,    5},
-        {"second block",   5, kTable, 3, 0,    5},
-        {"the table",      5, kTable, 4, 0,    5},
-        {"length 0",       0, kTable, 0, 0,    5},
-        {"address 0",      5, 0,      0, 0,    5},
-        {"no scan buffer", 5, kTable, 0, 4100, 3},
-        {"no request",     5, kTable, 0, 4120, 5},
-        {"no image",       5, kTable, 0, 9,    3},
-        {"nothing",        5, kTable, 0, 0,    1},
+        {"nothing",      5,  kTable,     0, 0,    1, 3},
+        {"first block",  5,  kTable,     2, 0,    5, 0},
+        {"second block", 5,  kTable,     3, 0,    5, 1},
+        {"the table",    5,  kTable,     4, 0,    5, 2},
+        {"length 0",     0,  kTable,     0, 0,    5, 2},
+        {"address 0",    5,  0,          0, 0,    5, 2},
+        {"up to 4 GiB",  16, 0xFFFFFFF0, 0, 0,    1, 3}, // no table is above it
+        {"across 4 GiB", 17, 0xFFFFFFF0, 0, 0,    5, 2},
+        {"no buffer",    5,  kTable,     0, 4100, 3, 0},
+        {"no request",   5,  kTable,     0, 4120, 5, 0},
+        {"no image",     5,  kTable,     0, 9,    3, 2},
     };
     for (const auto& c : kCases) {
         NewMachine();
         ASSERT_EQ(FERROXInitialize(), kSuccess);
+        Machine().requests.clear();
         PutEntry(0xF0000);
         PutDMI(0xF1000, c.length, c.table);
         if (c.failingRead != 0) Machine().failCalls = {"DeviceIoControl#" + std::to_string(c.failingRead)};
@@ -127,7 +103,19 @@ TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
         const Found_t found;
         EXPECT_EQ(found.status, c.status) << c.what;
         EXPECT_EQ(found.image != nullptr, c.status == kSuccess) << c.what;
+        EXPECT_EQ(Machine().requests.size(), c.reads) << c.what;
         ClScriptedWindows::failAllocationOf = 0;
         ASSERT_EQ(FERROXTerminate(), kSuccess);
     }
+}
+
+TEST_F(Scan, ReadsNoTableWithoutAMemoryMap) {
+    PutEntry(0xF0000);
+    PutDMI(0xF0010);
+    HardwareServices_t hardware = kThisHardware;
+    hardware.IsMemory = nullptr;
+    UseHardware(hardware);
+    EXPECT_EQ(Found_t().status, kFailure);
+    UseHardware(kThisHardware);
+    EXPECT_EQ(Machine().requests.size(), 1u);
 }
