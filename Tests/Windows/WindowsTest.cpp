@@ -3,8 +3,10 @@
 // hardware library cover it.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "CInterface/quorlin_c.h"
@@ -29,33 +31,21 @@ std::string FullPath(const std::string& path) {
     return full;
 }
 
-// Does something with the service, if there is one.
-template <class Action_t>
-void WithService(const Action_t& action) {
+enum class Service_t { kQuery, kRemove };
+
+// Returns the service's state, or kNoService.
+DWORD ServiceState(Service_t what = Service_t::kQuery) {
     SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
     SC_HANDLE service = OpenServiceA(manager, "Ravelink", SERVICE_ALL_ACCESS);
-    SERVICE_STATUS status = {};
-    if (service != nullptr) {
-        action(service, status);
-        CloseServiceHandle(service);
-    }
-    CloseServiceHandle(manager);
-}
-
-// The service's state, or kNoService.
-DWORD ServiceState() {
-    DWORD state = kNoService;
-    WithService([&](SC_HANDLE service, SERVICE_STATUS& status) {
-        if (QueryServiceStatus(service, &status) != 0) state = status.dwCurrentState;
-    });
-    return state;
-}
-
-void RemoveService() {
-    WithService([](SC_HANDLE service, SERVICE_STATUS& status) {
+    SERVICE_STATUS status = {};  // kNoService
+    QueryServiceStatus(service, &status);
+    if (what == Service_t::kRemove) {
         ControlService(service, SERVICE_CONTROL_STOP, &status);
         DeleteService(service);
-    });
+    }
+    CloseServiceHandle(service);
+    CloseServiceHandle(manager);
+    return status.dwCurrentState;
 }
 
 bool SectionExists() {
@@ -66,48 +56,15 @@ bool SectionExists() {
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
 
-// Another process of this program, in one of the roles below. Its output goes to the file `output`.
-class ClOtherProcess {
-  public:
-    explicit ClOtherProcess(const std::string& role, const std::string& output = testing::TempDir() + "other.out") {
-        char self[MAX_PATH] = {};
-        GetModuleFileNameA(nullptr, self, sizeof self);
-        std::string command =
-            std::string("\"") + self + "\" --gtest_also_run_disabled_tests --gtest_filter=Role.DISABLED_" + role;
-        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        HANDLE file = CreateFileA(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-        STARTUPINFOA startup = {};
-        startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = startup.hStdError = file;
-        EXPECT_NE(
-            CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &m_process),
-            0);
-        CloseHandle(file);
-    }
-    ~ClOtherProcess() {
-        Kill();
-        CloseHandle(m_process.hThread);
-        CloseHandle(m_process.hProcess);
-    }
-    ClOtherProcess(const ClOtherProcess&) = delete;
-    ClOtherProcess& operator=(const ClOtherProcess&) = delete;
+// Runs this program in one of the roles below and returns its exit code. Its output goes to RoleOutput().
+std::string RoleOutput() { return testing::TempDir() + "role.out"; }
 
-    void Kill() {
-        TerminateProcess(m_process.hProcess, 99);
-        WaitForSingleObject(m_process.hProcess, kPatience);
-    }
-    DWORD ExitCode() {
-        DWORD code = 0;
-        EXPECT_EQ(WaitForSingleObject(m_process.hProcess, kPatience), WAIT_OBJECT_0);
-        GetExitCodeProcess(m_process.hProcess, &code);
-        return code;
-    }
-
-  private:
-    PROCESS_INFORMATION m_process = {};
-};
+DWORD RunRole(const std::string& role) {
+    const std::string command = FullPath(testing::internal::GetArgvs()[0]) +
+                                " --gtest_also_run_disabled_tests --gtest_filter=Role.DISABLED_" + role + " >" +
+                                RoleOutput();
+    return static_cast<DWORD>(std::system(command.c_str()));
+}
 
 // Two events: a role tells that it is ready, and waits until it may go on.
 struct Signals_t {
@@ -117,19 +74,20 @@ struct Signals_t {
         CloseHandle(ready);
         CloseHandle(go);
     }
-    void AwaitReady() { EXPECT_EQ(WaitForSingleObject(ready, kPatience), WAIT_OBJECT_0); }
-    void ReadyAndAwaitGo() {
-        SetEvent(ready);
-        EXPECT_EQ(WaitForSingleObject(go, kPatience), WAIT_OBJECT_0);
-    }
 };
 
-// The roles for ClOtherProcess. They are disabled because they aren't tests.
+// The roles are disabled because they aren't tests.
 TEST(Role, DISABLED_HoldsTheDriver) {
-    Signals_t signals;
+    const Signals_t signals;
     ASSERT_EQ(FERROXInitialize(), kSuccess);
-    signals.ReadyAndAwaitGo();
+    SetEvent(signals.ready);
+    EXPECT_EQ(WaitForSingleObject(signals.go, kPatience), WAIT_OBJECT_0);
     EXPECT_EQ(FERROXTerminate(), kSuccess);
+}
+
+TEST(Role, DISABLED_DiesWithTheDriverOpen) {
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    TerminateProcess(GetCurrentProcess(), 99);
 }
 
 TEST(Role, DISABLED_ReadsThroughNull) {
@@ -143,14 +101,14 @@ TEST(Role, DISABLED_ReadsThroughNull) {
 class Driver : public testing::Test {
   protected:
     void SetUp() override {
-        RemoveService();
+        ServiceState(Service_t::kRemove);
         SetDriverPath(FullPath(QUORLIN_DRIVER));
         ASSERT_EQ(ServiceState(), kNoService);
         ASSERT_FALSE(SectionExists());
     }
     void TearDown() override {
         SetMachine(ThisMachine());
-        RemoveService();
+        ServiceState(Service_t::kRemove);
         RemoveSettings();
     }
     static void SetValue(const char* name, DWORD type, const void* bytes, size_t size) {
@@ -181,32 +139,22 @@ TEST_F(Driver, ProgramReadsByBothAccessMethodsAndLeavesNothing) {
 
 TEST_F(Driver, TheLastOfTwoProcessesRemovesTheService) {
     for (const bool otherGoesFirst : {true, false}) {
-        Signals_t signals;
-        ClOtherProcess other("HoldsTheDriver");
-        signals.AwaitReady();
-        EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+        const Signals_t signals;
+        std::thread other([] { EXPECT_EQ(RunRole("HoldsTheDriver"), 0u); });
+        EXPECT_EQ(WaitForSingleObject(signals.ready, kPatience), WAIT_OBJECT_0);
         ASSERT_EQ(FERROXInitialize(), kSuccess);
-        if (!otherGoesFirst) {
-            EXPECT_EQ(FERROXTerminate(), kSuccess);
-        }
+        EXPECT_TRUE(otherGoesFirst || FERROXTerminate() == kSuccess);
         EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
         SetEvent(signals.go);
-        EXPECT_EQ(other.ExitCode(), 0u);
-        if (otherGoesFirst) {
-            EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-            EXPECT_EQ(FERROXTerminate(), kSuccess);
-        }
+        other.join();
+        EXPECT_EQ(ServiceState(), otherGoesFirst ? DWORD{SERVICE_RUNNING} : kNoService);
+        EXPECT_TRUE(!otherGoesFirst || FERROXTerminate() == kSuccess);
         ExpectNothingLeft();
     }
 }
 
 TEST_F(Driver, AKilledProcessLeavesAServiceThatTheNextTakesOver) {
-    {
-        Signals_t signals;
-        ClOtherProcess other("HoldsTheDriver");
-        signals.AwaitReady();
-        other.Kill();
-    }
+    EXPECT_EQ(RunRole("DiesWithTheDriverOpen"), 99u);
     EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
     EXPECT_FALSE(SectionExists());
     ASSERT_EQ(FERROXInitialize(), kSuccess);
@@ -273,10 +221,8 @@ TEST_F(Driver, RoundsLeaveNoHandle) {
 }
 
 TEST(Crash, ReadThroughNullIsReported) {
-    const std::string output = testing::TempDir() + "crash.out";
-    ClOtherProcess host("ReadsThroughNull", output);
-    EXPECT_EQ(host.ExitCode(), DWORD{EXCEPTION_ACCESS_VIOLATION});
-    const std::string report = ReadWholeFile(output);
+    EXPECT_EQ(RunRole("ReadsThroughNull"), DWORD{EXCEPTION_ACCESS_VIOLATION});
+    const std::string report = ReadWholeFile(RoleOutput());
     EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING START***")) << report;
     EXPECT_TRUE(Has(report, "EXCEPTION_ACCESS_VIOLATION Attempted to read from: 0x00000000")) << report;
     EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING END***")) << report;
