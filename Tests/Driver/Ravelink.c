@@ -19,20 +19,10 @@ static BOOLEAN refusesCPUID = FALSE;
 static const Byte_t kTable[] = {3, 9, 3, 0, 1, 0x17, 0, 0, 0, 'S', 'i', 'm', 'u', 'l', 'a', 't', 'e', 'd', 0, 0,
                                 127, 4, 4, 0, 0, 0};
 static const Byte_t kEntryPoint[] = {
-    '_', 'S', 'M', '_', 0, 0x1F, 2, 7, 20, 0, 0, 0, 0, 0, 0, 0,
-    '_', 'D', 'M', 'I', '_', 0, sizeof kTable, 0,
+    '_', 'S', 'M', '_', 0x66, 0x1F, 2, 7, 20, 0, 0, 0, 0, 0, 0, 0,
+    '_', 'D', 'M', 'I', '_', 0x14, sizeof kTable, 0,
     kTableOffset & 0xFF, kTableOffset >> 8, kBiosBase >> 16, 0, 2, 0, 0x27};
 // clang-format on
-
-static void FillBios(void) {
-    Byte_t entry = 0, dmi = 0;
-    RtlCopyMemory(bios + 0x100, kEntryPoint, sizeof kEntryPoint);
-    RtlCopyMemory(bios + kTableOffset, kTable, sizeof kTable);
-    for (int i = 16; i < 31; i++) dmi = (Byte_t)(dmi + bios[0x100 + i]);
-    bios[0x115] = (Byte_t)-dmi;
-    for (int i = 0; i < 31; i++) entry = (Byte_t)(entry + bios[0x100 + i]);
-    bios[0x104] = (Byte_t)-entry;
-}
 
 static NTSTATUS Cpuid(CPUIDRequest_t* request) {
     CPUIDRecord_t* record = &request->Registers;
@@ -109,7 +99,8 @@ NTSTATUS NTAPI DriverEntry(DRIVER_OBJECT* driver, UNICODE_STRING* registryPath) 
     DEVICE_OBJECT* device;
     RtlInitUnicodeString(&name, L"\\Device\\Ravelink");
     RtlInitUnicodeString(&link, L"\\DosDevices\\Ravelink");
-    FillBios();
+    RtlCopyMemory(bios + 0x100, kEntryPoint, sizeof kEntryPoint);
+    RtlCopyMemory(bios + kTableOffset, kTable, sizeof kTable);
     ReadSetting();
     NTSTATUS status = IoCreateDevice(driver, 0, &name, 0x8024, 0, FALSE, &device);
     if (status != STATUS_SUCCESS) return status;

@@ -40,9 +40,7 @@ std::string ClScriptedWindows::State() const {
     return m_handles.empty() ? text : text + ", " + Open();
 }
 
-bool ClScriptedWindows::Called(const std::string& function) const {
-    return std::ranges::find(calls, function + "#1") != calls.end();
-}
+bool ClScriptedWindows::Called(const std::string& call) const { return std::ranges::find(calls, call) != calls.end(); }
 
 bool ClScriptedWindows::Traced(uint32_t level, const std::string& text) const {
     return std::ranges::any_of(lines,

@@ -78,7 +78,7 @@ class ClScriptedWindows {
     std::string Open() const;
     // The service, the machine-wide count and what is open: "running, count 1, section view device ".
     std::string State() const;
-    bool Called(const std::string& function) const;
+    bool Called(const std::string& call) const;
     bool Traced(uint32_t level, const std::string& text) const;
 
     // Another process of the machine opens the running driver (1) or closes it (-1).

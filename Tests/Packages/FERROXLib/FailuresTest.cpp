@@ -111,7 +111,7 @@ TEST_F(Failures, OfCPUIDLeaveTheCInterfaceNoDriver) {
                   failing == std::string("none") ? QUORLIN_OK : QUORLIN_NO_TABLE)
             << failing;
         quorlin_close(table);
-        EXPECT_TRUE(Machine().Called("StartServiceA")) << failing;
+        EXPECT_TRUE(Machine().Called("StartServiceA#1")) << failing;
         EXPECT_FALSE(Machine().service.exists) << failing;
         EXPECT_EQ(Machine().Open(), "") << failing;
     }

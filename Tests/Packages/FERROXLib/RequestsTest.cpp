@@ -192,31 +192,6 @@ TEST_F(Requests, ConfigurationSpaceIsReadInAlignedWords) {
     EXPECT_EQ(Text(buffer), "02 03 ee");
 }
 
-TEST_F(Requests, ExtendedSpaceUnderAHypervisorIsTheFirst256Bytes) {
-    ASSERT_EQ(FERROXTerminate(), kSuccess);
-    Machine().hypervisorECX = 0x80000000;
-    Open();
-    const struct {
-        uint32_t location, offset, size;
-        status_t status;
-    } kCases[] = {
-        {0x0008,  252, 4, 1},
-        {0x0008,  256, 1, 2},
-        {0x0008,  253, 4, 2},
-        {0x10000, 0,   4, 6},
-        {0xFFFF,  0,   4, 1},
-    };
-    for (const auto& c : kCases) {
-        ClBuffer data(c.size);
-        Machine().requests.clear();
-        EXPECT_EQ(PCIExRead(c.location, c.offset, data.Get()), c.status) << c.offset;
-        EXPECT_EQ(Machine().requests.size(), c.status == kSuccess ? 1u : 0u) << c.offset;
-        for (const auto& request : Machine().requests) EXPECT_EQ(request.code, 0x802400F4u);
-    }
-    EXPECT_TRUE(Machine().Traced(2, "HyperV enabled."));
-    EXPECT_FALSE(Machine().Called("GetSystemFirmwareTable"));
-}
-
 TEST_F(Requests, ProcessorNumbers) {
     CPUIDRecord_t record = {};
     for (const uint32_t number : {7u, 8u, 255u, 256u, 257u})
