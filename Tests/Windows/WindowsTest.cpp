@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -25,11 +26,7 @@ constexpr char kSettings[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";
 constexpr DWORD kNoService = 0;  // no state has this number
 constexpr DWORD kPatience = 20'000;
 
-std::string FullPath(const std::string& path) {
-    char full[MAX_PATH] = {};
-    GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
-    return full;
-}
+std::string FullPath(const std::string& path) { return std::filesystem::absolute(path).string(); }
 
 enum class Service_t { kQuery, kRemove };
 
@@ -192,31 +189,27 @@ TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
     }
 }
 
-DWORD Handles() {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
-
-void Rounds(int count) {
+// Reads a package several times and returns the number of this process's handles.
+DWORD HandlesAfterRounds(int count) {
     for (int round = 0; round < count; ++round) {
         BaseAbstraction* package = CreateSmbiosPackage();
-        ASSERT_EQ(package->Initialize(), kSuccess);
-        ASSERT_EQ(package->UnInitialize(), kSuccess);
+        EXPECT_EQ(package->Initialize(), kSuccess);
+        EXPECT_EQ(package->UnInitialize(), kSuccess);
         DestroySmbiosPackage(package);
     }
+    DWORD handles = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    return handles;
 }
 
 // Most rounds run while the driver is open, because its start and stop take long.
 TEST_F(Driver, RoundsLeaveNoHandle) {
-    Rounds(1);
-    const DWORD before = Handles();
-    Rounds(20);
-    EXPECT_EQ(Handles(), before);
+    const DWORD before = HandlesAfterRounds(1);
+    EXPECT_EQ(HandlesAfterRounds(20), before);
     ASSERT_EQ(FERROXInitialize(), kSuccess);
-    Rounds(1000);
+    HandlesAfterRounds(1000);
     EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_EQ(Handles(), before);
+    EXPECT_EQ(HandlesAfterRounds(0), before);
     ExpectNothingLeft();
 }
 
@@ -260,10 +253,8 @@ TEST(Names, OfFilesMayHaveAnyLetters) {
     const std::string image = WriteFile(
         "Πίνακας-表格.bin", DumpOf(TableOf({ClStructureBuilder(3, 9).Byte(4, 1).Strings({"Ωメガ"})}), 2, 7, 32));
     const std::string output = testing::TempDir() + "names.out";
-    std::string command = "\"\"" QUORLIN_PROGRAM "\" get 3 Manufacturer --image " + image + " >" + output + "\"";
-    std::wstring wide(command.size(), L'\0');
-    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, command.c_str(), static_cast<int>(command.size()),
-                                                        wide.data(), static_cast<int>(wide.size()))));
+    const std::string command = "\"\"" QUORLIN_PROGRAM "\" get 3 Manufacturer --image " + image + " >" + output + "\"";
+    const std::filesystem::path wide(std::u8string(command.begin(), command.end()));
     EXPECT_EQ(_wsystem(wide.c_str()), 0);
     EXPECT_EQ(ReadWholeFile(output), "Ωメガ\n");
 }
