@@ -39,7 +39,6 @@ struct DeviceRequest_t {
 // A line that the code under test traced.
 struct TraceLine_t {
     uint32_t level;
-    std::string function;
     std::string text;
 };
 

@@ -127,39 +127,11 @@ TEST_F(ACPI, SegmentsThatCannotBeRead) {
     EXPECT_EQ(count, 0u);
 }
 
-TEST_F(ACPI, BaseOfALocation) {
-    Machine().tables["MCFG"] = MCFG({
-        {0xE0000000,  1, 1, 0x3F},
-        {0xF0000000,  1, 0, 0xFF},
-        {0x2F0000000, 2, 0, 0xFF},
-    });
-    const struct {
-        const char* what;
-        uint32_t location;
-        status_t status;
-        uint64_t base;
-    } kCases[] = {
-        {"first bus",                         0x10001, 1, 0xE0000000 },
-        {"last bus",                          0x1FF3F, 1, 0xE0000000 },
-        {"below the first",                   0x10000, 2, 7          },
-        {"above the last, in a second entry", 0x10040, 2, 7          },
-        {"above 4 GiB",                       0x20000, 1, 0x2F0000000},
-        {"unknown segment",                   0x30000, 2, 7          },
-        {"segment 0, as unused places read",  0,       2, 7          },
-    };
-    for (const auto& c : kCases) {
-        uint64_t base = 7;
-        EXPECT_EQ(GetPCIExCfgBaseAddr(&base, c.location), c.status) << c.what;
-        EXPECT_EQ(base, c.base) << c.what;
-    }
-    EXPECT_TRUE(Machine().Traced(2, "Start Bus =  1"));
-    EXPECT_TRUE(Machine().Traced(2, "End Bus =  63"));
-}
-
 TEST_F(ACPI, ExtendedSpaceIsReadFromTheSegmentsBase) {
     Machine().tables["MCFG"] = MCFG({
-        {0x00000002E0000005, 0, 0, 0x7F},
-        {0,                  1, 0, 0   }
+        {0x2E0000005, 1, 1, 0x7F},
+        {0x3F0000000, 1, 0, 0xFF},
+        {0,           2, 0, 0   }
     });
     const struct {
         const char* what;
@@ -169,16 +141,19 @@ TEST_F(ACPI, ExtendedSpaceIsReadFromTheSegmentsBase) {
         uint32_t code;     // of the request
         uint64_t address;  // in the request; under a hypervisor location and offset
     } kCases[] = {
-        {"bus 0",                    false, 0,       0,    4, 1, 0x80240114, 0x2E0000000},
-        {"bus, device and function", false, 0xE345,  0x10, 4, 1, 0x80240114, 0x2E451F010},
-        {"the last word",            false, 0xE345,  4092, 4, 1, 0x80240114, 0x2E451FFFC},
-        {"a bus outside",            false, 0x80,    0,    4, 2, 0,          0          },
-        {"a base of 0",              false, 0x10000, 0,    4, 2, 0,          0          },
-        {"size 0",                   false, 0,       0,    0, 2, 0,          0          },
-        {"the last word of 256",     true,  0xFF08,  252,  4, 1, 0x802400F4, 0x4000000FC},
-        {"after it",                 true,  8,       256,  1, 2, 0,          0          },
-        {"across the end",           true,  8,       253,  4, 2, 0,          0          },
-        {"another segment",          true,  0x10000, 0,    4, 6, 0,          0          },
+        {"first bus",                         false, 0x10001, 0,    4, 1, 0x80240114, 0x2E0100000},
+        {"last bus",                          false, 0x1007F, 0,    4, 1, 0x80240114, 0x2E7F00000},
+        {"bus, device and function",          false, 0x1E345, 0x10, 4, 1, 0x80240114, 0x2E451F010},
+        {"the last word",                     false, 0x1E345, 4092, 4, 1, 0x80240114, 0x2E451FFFC},
+        {"below the first bus",               false, 0x10000, 0,    4, 2, 0,          0          },
+        {"above the last, in a second entry", false, 0x10080, 0,    4, 2, 0,          0          },
+        {"unknown segment",                   false, 0x30000, 0,    4, 2, 0,          0          },
+        {"a base of 0",                       false, 0x20000, 0,    4, 2, 0,          0          },
+        {"size 0",                            false, 0x10001, 0,    0, 2, 0,          0          },
+        {"the last word of 256",              true,  0xFF08,  252,  4, 1, 0x802400F4, 0x4000000FC},
+        {"after it",                          true,  8,       256,  1, 2, 0,          0          },
+        {"across the end",                    true,  8,       253,  4, 2, 0,          0          },
+        {"another segment",                   true,  0x10000, 0,    4, 6, 0,          0          },
     };
     for (const auto& c : kCases) {
         ASSERT_EQ(FERROXTerminate(), kSuccess);
@@ -192,4 +167,10 @@ TEST_F(ACPI, ExtendedSpaceIsReadFromTheSegmentsBase) {
         EXPECT_EQ(Machine().requests[0].Number(8, 8), c.address) << c.what;
     }
     EXPECT_TRUE(Machine().Traced(2, "HyperV enabled."));
+    uint64_t base = 7;
+    EXPECT_EQ(GetPCIExCfgBaseAddr(&base, 0), kBadValue) << "segment 0, as unused places read";
+    EXPECT_EQ(base, 7u);
+    EXPECT_EQ(GetPCIExCfgBaseAddr(&base, 0x10001), kSuccess);
+    EXPECT_EQ(base, 0x2E0000005u);
+    EXPECT_TRUE(Machine().Traced(2, "Start Bus =  1") && Machine().Traced(2, "End Bus =  127"));
 }
