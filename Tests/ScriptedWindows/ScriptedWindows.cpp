@@ -32,10 +32,7 @@ std::string ClScriptedWindows::Open() const {
 }
 
 std::string ClScriptedWindows::State() const {
-    std::string text = !service.exists                         ? "no service"
-                       : service.state == SERVICE_RUNNING      ? "running"
-                       : service.state == SERVICE_STOP_PENDING ? "stopping"
-                                                               : "stopped";
+    std::string text = !service.exists ? "no service" : service.state == SERVICE_RUNNING ? "running" : "stopped";
     if (SharedCount()) text += ", count " + std::to_string(*SharedCount());
     return m_handles.empty() ? text : text + ", " + Open();
 }

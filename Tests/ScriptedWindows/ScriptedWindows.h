@@ -46,7 +46,6 @@ class ClScriptedWindows {
   public:
     // ---- The machine's state, for tests to set
     ScriptedService_t service;
-    std::set<std::string> files = {kDriverFile};
     std::optional<std::string> registryPath = kDriverFile;
     uint32_t processors = 8;
     uint32_t hypervisorECX = 0x7FFFFFFF;                 // of CPUID leaf 1: all but the hypervisor bit

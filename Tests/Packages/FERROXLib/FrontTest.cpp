@@ -77,26 +77,21 @@ TEST_F(Front, BytesAreMovedAtGoodPlacesOnly) {
 }
 
 TEST_F(FrontLife, LastTerminateOfTheProcessClosesTheDriver) {
-    EXPECT_EQ(FERROXTerminate(), kFailure);
+    Machine().failCalls = {"RegOpenKeyExA#1"};
+    EXPECT_EQ(FERROXInitialize(), kFailure);
+    EXPECT_TRUE(Machine().Traced(32, "FERROXInitialize Failure"));
+    ASSERT_EQ(GetFERROXLibVersion(&version), kSuccess);
+    EXPECT_EQ(std::string(version.Major) + version.Minor + version.Revision + version.Build, "030001000");
+    EXPECT_EQ(FERROXTerminate(), kFailure) << "a failed open counts for nothing";
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     ASSERT_EQ(FERROXInitialize(), kSuccess);
+    EXPECT_TRUE(Machine().Traced(32, "FERROXInitialize Success"));
     EXPECT_EQ(Machine().SharedCount(), 1u);  // one open by this process, however many uses
     EXPECT_EQ(FERROXTerminate(), kSuccess);
     EXPECT_TRUE(Machine().service.exists);
     EXPECT_EQ(FERROXTerminate(), kSuccess);
     EXPECT_FALSE(Machine().service.exists);
     EXPECT_EQ(FERROXTerminate(), kFailure);
-}
-
-TEST_F(FrontLife, AFailedOpenCountsForNothing) {
-    Machine().failCalls = {"RegOpenKeyExA#1"};
-    EXPECT_EQ(FERROXInitialize(), kFailure);
-    EXPECT_TRUE(Machine().Traced(32, "FERROXInitialize Failure"));
-    ASSERT_EQ(GetFERROXLibVersion(&version), kSuccess);
-    EXPECT_EQ(std::string(version.Major) + version.Minor + version.Revision + version.Build, "030001000");
-    EXPECT_EQ(FERROXTerminate(), kFailure);
-    EXPECT_EQ(FERROXInitialize(), kSuccess);
-    EXPECT_TRUE(Machine().Traced(32, "FERROXInitialize Success"));
 }
 
 TEST_F(FrontLife, TakesTheLockOfADeadHolder) {

@@ -121,9 +121,7 @@ TEST_F(Requests, EachOperationSendsOneAndReturnsItsAnswer) {
     for (const auto& c : kOperations) {
         SCOPED_TRACE(c.name);
         while (FERROXTerminate() == kSuccess) continue;
-        NewMachine().tables["MCFG"] = MCFG({
-            {0x2E0000000, 0, 0, 0x7F}
-        });
+        NewMachine().tables["MCFG"] = MCFG(std::vector(1, SegmentEntry_t{0x2E0000000, 0, 0, 0x7F}));
         Open();
         std::vector<uint8_t> record = FromHex(c.record);
         EXPECT_EQ(c.call(nullptr), kNullPointer);

@@ -38,8 +38,6 @@ std::string Text(const ClBuffer& buffer) {
     return {bytes.begin(), bytes.end()};
 }
 
-using Move_t = status_t (*)(uint64_t, uint32_t, DataBuffer_t*);
-
 class Hardware : public testing::Test {
   protected:
     void SetUp() override { ASSERT_EQ(FERROXInitialize(), kSuccess); }
@@ -181,7 +179,7 @@ TEST_F(StandIns, MemoryIsReadAndWrittenInItsRangeOnly) {
     std::string before;
     for (int place = 0; place < 3 * 4096; ++place) before += static_cast<char>(place * 7 + place / 256);
     const struct {
-        Move_t move;
+        status_t (*move)(uint64_t, uint32_t, DataBuffer_t*);
         uint32_t address, offset, size;
         bool writes;
     } kCases[] = {
