@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/Protocol.h"
-#include "StandIn.h"  // the platform's own
+#include "StandIn.h"  // this platform's
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Stand-ins: handles, the named mutex, the shared section and the clock.
 #include <cstring>
 
-#include "StandIn.h"  // the platform's own
+#include "StandIn.h"  // this platform's
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 
 STAND_IN(BOOL, CloseHandle, (HANDLE handle)) {

@@ -23,8 +23,8 @@ struct ScriptedService_t {
     DWORD startType = SERVICE_DEMAND_START;
     DWORD state = SERVICE_STOPPED;
     DWORD waitHint = 0;
-    std::deque<DWORD> nextStates = {};   // for the next status queries; the last one stays
-    std::deque<DWORD> startErrors = {};  // of the next starts
+    std::deque<DWORD> nextStates = {};   // returned by the next status queries; the last one stays
+    std::deque<DWORD> startErrors = {};  // returned by the next starts
 };
 
 // A request that the device received.

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "StandIn.h"  // the platform's own
+#include "StandIn.h"  // this platform's
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 
 static SC_HANDLE AddService(const char* kind) {

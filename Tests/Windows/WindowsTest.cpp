@@ -53,9 +53,9 @@ bool SectionExists() {
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
 
-// Runs this program in one of the roles below and returns its exit code. Its output goes to RoleOutput().
 std::string RoleOutput() { return testing::TempDir() + "role.out"; }
 
+// Runs this program in one of the roles below and returns its exit code. Its output goes to RoleOutput().
 DWORD RunRole(const std::string& role) {
     const std::string command = FullPath(testing::internal::GetArgvs()[0]) +
                                 " --gtest_also_run_disabled_tests --gtest_filter=Role.DISABLED_" + role + " >" +
@@ -63,7 +63,7 @@ DWORD RunRole(const std::string& role) {
     return static_cast<DWORD>(std::system(command.c_str()));
 }
 
-// Two events: a role tells that it is ready, and waits until it may go on.
+// Two events: a role sets `ready` and waits for `go`.
 struct Signals_t {
     HANDLE ready = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestReady");
     HANDLE go = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestGo");
@@ -163,9 +163,9 @@ TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
         const char* cause;
         std::function<void()> prepare;
     } kCases[] = {
-        {"its driver can't be started",               [] { SetValue("FERROXDrvPath", FullPath("no-such-driver.sys")); }},
-        {"the driver Ravelink isn't installed",       RemoveSettings                                                   },
-        {"its driver fails at the CPUID instruction", [] { SetValue("TestNoCPUID", ""); }                              },
+        {"its driver can't be started",               [] { SetValue("FERROXDrvPath", FullPath("no-driver.sys")); }},
+        {"the driver Ravelink isn't installed",       RemoveSettings                                              },
+        {"its driver fails at the CPUID instruction", [] { SetValue("TestNoCPUID", ""); }                         },
     };
     const std::string expected = RunQuorlin("--no-driver --format lines").output;
     for (const auto& c : kCases) {

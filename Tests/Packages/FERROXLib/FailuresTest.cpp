@@ -1,4 +1,4 @@
-// The lower storey as a whole: a package reads this machine's table, while each call to the platform fails in turn.
+// Packages and the C interface read this machine's table while each call to the platform fails in turn.
 #include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
@@ -27,7 +27,7 @@ void PutTableInMemory() {
     for (const uint8_t byte : Table()) Machine().memory[address++] = byte;
 }
 
-// The number of items that a host gets from the package.
+// Returns the number of items that a package has; 0 if it can't be opened.
 uint32_t ReadPackage() {
     auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
     const uint32_t items = package->Initialize() == kSuccess ? package->GetItemCount() : 0;
@@ -36,7 +36,7 @@ uint32_t ReadPackage() {
     return items;
 }
 
-// The number of items that a host gets by the C interface, from the driver.
+// The same for the C interface, which is told to use the driver.
 uint32_t ReadTable() {
     quorlin_options options = {};
     options.size = sizeof options;

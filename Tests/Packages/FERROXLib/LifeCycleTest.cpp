@@ -206,7 +206,7 @@ TEST_F(LifeCycle, FailedHypervisorTestLeavesDeviceAndCountUntilEnded) {
     EXPECT_EQ(Machine().State(), "running, count 2");
 }
 
-// Users can do different things about each cause.
+// Each cause has another remedy.
 TEST_F(LifeCycle, FailedStartTellsWhetherRightsOrTheDriverAreMissing) {
     const struct {
         const char* what;
@@ -220,6 +220,7 @@ TEST_F(LifeCycle, FailedStartTellsWhetherRightsOrTheDriverAreMissing) {
         {"no driver",                 {"RegOpenKeyExA#1", "RegOpenKeyExA#2"},   {},   Refusal_t::kNoDriver},
         {"neither",                   {"OpenSCManagerA#2", "RegOpenKeyExA#1"},  {},   Refusal_t::kNoDriver},
         {"a driver that fails",       {},                                       {31}, Refusal_t::kOther   },
+        {"no lock",                   {"CreateMutexA FERROXLIB#1"},             {},   Refusal_t::kOther   },
         {"CPUID that fails",          {"DeviceIoControl#1"},                    {},   Refusal_t::kOther   },
     };
     for (const auto& c : kCases) {

@@ -8,7 +8,7 @@ namespace {
 
 using Requests = ClLibraryTest;
 
-// Calls an operation with the caller's record or buffer, at the place that the requests in the table below name.
+// Calls an operation with the caller's record or buffer, and with the address or location in the requests below.
 using Call_t = std::function<status_t(void* record)>;
 
 template <class Record_t>

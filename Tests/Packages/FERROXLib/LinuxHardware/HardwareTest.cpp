@@ -146,7 +146,7 @@ TEST(NonTurbo, IsTheCountersPaceOrAFailure) {
     }
 }
 
-// ---- With files instead of the machine
+// ---- Files stand in for the machine
 
 // A PCI function's configuration space: its vendor, other bytes by their offsets, and base address registers.
 std::string Configuration(std::initializer_list<uint32_t> bases) {
@@ -188,7 +188,7 @@ TEST_F(StandIns, MemoryIsReadAndWrittenInItsRangeOnly) {
         {PCIMMIORead,        1,    9, 7,    false},
         {PCIMMIOReadStored,  1,    1, 8192, false},
         {MMIOReadGPIO,       4096, 3, 1,    false},
-        {PCIMMIOWriteStored, 4093, 4, 11,   true },
+        {PCIMMIOWriteStored, 4093, 4, 10,   true },
         {MMIOWriteGPIO,      8000, 2, 6,    true },
         {PCIMMIOWriteStored, 4,    0, 1,    true },
     };
@@ -331,7 +331,7 @@ TEST_F(StandIns, DynamicWritesUseTheBaseAddressRegister) {
     }
 }
 
-// The table, "refused" or "".
+// Returns the table, "refused" or "".
 std::string Firmware(uint32_t provider, const char* name) {
     uint32_t number;
     std::memcpy(&number, name, sizeof number);
