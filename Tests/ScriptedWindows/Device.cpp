@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "Packages/FERROXExternal/FERROXLib/Sources/Protocol.h"
-#include "StandIn.h"  // the platform's own
+#include "StandIn.h"  // this platform's
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 
 namespace {
@@ -13,9 +13,7 @@ constexpr size_t kMemoryHead = sizeof(MemoryRequest_t);
 constexpr size_t kFixedData = offsetof(PCIRequest_t, Data);
 static_assert(kFixedData == offsetof(PortRequest_t, Data));
 
-void Put32(uint8_t* bytes, uint32_t number) {
-    for (int index = 0; index < 4; ++index) bytes[index] = static_cast<uint8_t>(number >> 8 * index);
-}
+void Put32(uint8_t* bytes, uint32_t number) { std::memcpy(bytes, &number, sizeof number); }
 
 // Bytes that count up from `first`.
 void PutRising(uint8_t* bytes, uint64_t first) {
@@ -76,7 +74,7 @@ STAND_IN(HANDLE, CreateFileA,
             return Machine().Add("device");
         }
     } else if (access == GENERIC_READ && share == FILE_SHARE_READ && disposition == OPEN_EXISTING &&
-               Machine().files.contains(path)) {
+               path == std::string(kDriverFile)) {
         return Machine().Add("file");
     }
     SetLastError(ERROR_FILE_NOT_FOUND);
@@ -103,9 +101,7 @@ STAND_IN(DWORD, GetActiveProcessorCount, (WORD group)) {
 
 STAND_IN(UINT, GetSystemFirmwareTable, (DWORD provider, DWORD table, PVOID buffer, DWORD size)) {
     if (!Machine().Call("GetSystemFirmwareTable", ERROR_FILE_NOT_FOUND)) return 0;
-    uint8_t number[4];
-    Put32(number, table);
-    std::string name(number, number + 4);
+    std::string name(reinterpret_cast<const char*>(&table), 4);
     if (provider == 0x52534D42) name = "RSMB";
     const auto found = Machine().tables.find(name);
     if (found == Machine().tables.end()) return 0;

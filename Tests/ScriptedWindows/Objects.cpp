@@ -1,7 +1,7 @@
 // Stand-ins: handles, the named mutex, the shared section and the clock.
 #include <cstring>
 
-#include "StandIn.h"  // the platform's own
+#include "StandIn.h"  // this platform's
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 
 STAND_IN(BOOL, CloseHandle, (HANDLE handle)) {
@@ -15,7 +15,7 @@ STAND_IN(BOOL, CloseHandle, (HANDLE handle)) {
 // ---- Mutex
 
 STAND_IN(HANDLE, CreateMutexA, (LPSECURITY_ATTRIBUTES, BOOL, LPCSTR name)) {
-    return Machine().Call("CreateMutexA") && name != nullptr ? Machine().Add("mutex") : nullptr;
+    return Machine().Call((std::string("CreateMutexA ") + name).c_str()) ? Machine().Add("mutex") : nullptr;
 }
 
 STAND_IN(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds)) {
@@ -24,10 +24,9 @@ STAND_IN(DWORD, WaitForSingleObject, (HANDLE handle, DWORD milliseconds)) {
         return system(handle, milliseconds);
     }
     // A wait for a taken mutex would never end here.
-    if (!Machine().Call("WaitForSingleObject") || !Machine().IsOpen(handle, "mutex") || Machine().mutexHeld) {
+    if (!Machine().Call("WaitForSingleObject", handle, "mutex") || milliseconds != INFINITE || Machine().mutexHeld)
         return WAIT_FAILED;
-    }
-    Machine().mutexHeld = Machine().waitAnswer != WAIT_FAILED;
+    Machine().mutexHeld = true;
     return Machine().waitAnswer;
 }
 

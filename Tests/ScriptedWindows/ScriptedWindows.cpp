@@ -32,17 +32,12 @@ std::string ClScriptedWindows::Open() const {
 }
 
 std::string ClScriptedWindows::State() const {
-    std::string text = !service.exists                         ? "no service"
-                       : service.state == SERVICE_RUNNING      ? "running"
-                       : service.state == SERVICE_STOP_PENDING ? "stopping"
-                                                               : "stopped";
+    std::string text = !service.exists ? "no service" : service.state == SERVICE_RUNNING ? "running" : "stopped";
     if (SharedCount()) text += ", count " + std::to_string(*SharedCount());
     return m_handles.empty() ? text : text + ", " + Open();
 }
 
-bool ClScriptedWindows::Called(const std::string& function) const {
-    return std::ranges::find(calls, function + "#1") != calls.end();
-}
+bool ClScriptedWindows::Called(const std::string& call) const { return std::ranges::find(calls, call) != calls.end(); }
 
 bool ClScriptedWindows::Traced(uint32_t level, const std::string& text) const {
     return std::ranges::any_of(lines,

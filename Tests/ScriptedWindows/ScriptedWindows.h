@@ -23,8 +23,8 @@ struct ScriptedService_t {
     DWORD startType = SERVICE_DEMAND_START;
     DWORD state = SERVICE_STOPPED;
     DWORD waitHint = 0;
-    std::deque<DWORD> nextStates = {};   // for the next status queries; the last one stays
-    std::deque<DWORD> startErrors = {};  // of the next starts
+    std::deque<DWORD> nextStates = {};   // returned by the next status queries; the last one stays
+    std::deque<DWORD> startErrors = {};  // returned by the next starts
 };
 
 // A request that the device received.
@@ -39,7 +39,6 @@ struct DeviceRequest_t {
 // A line that the code under test traced.
 struct TraceLine_t {
     uint32_t level;
-    std::string function;
     std::string text;
 };
 
@@ -47,7 +46,6 @@ class ClScriptedWindows {
   public:
     // ---- The machine's state, for tests to set
     ScriptedService_t service;
-    std::set<std::string> files = {kDriverFile};
     std::optional<std::string> registryPath = kDriverFile;
     uint32_t processors = 8;
     uint32_t hypervisorECX = 0x7FFFFFFF;                 // of CPUID leaf 1: all but the hypervisor bit
@@ -78,7 +76,7 @@ class ClScriptedWindows {
     std::string Open() const;
     // The service, the machine-wide count and what is open: "running, count 1, section view device ".
     std::string State() const;
-    bool Called(const std::string& function) const;
+    bool Called(const std::string& call) const;
     bool Traced(uint32_t level, const std::string& text) const;
 
     // Another process of the machine opens the running driver (1) or closes it (-1).

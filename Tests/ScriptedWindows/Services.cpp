@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "StandIn.h"  // the platform's own
+#include "StandIn.h"  // this platform's
 #include "Tests/ScriptedWindows/ScriptedWindows.h"
 
 static SC_HANDLE AddService(const char* kind) {
@@ -47,7 +47,7 @@ STAND_IN(BOOL, StartServiceA, (SC_HANDLE handle, DWORD, LPCSTR*)) {
         return Fail(error);
     }
     if (service.state == SERVICE_RUNNING) return Fail(ERROR_SERVICE_ALREADY_RUNNING);
-    if (!Machine().files.contains(service.path)) return Fail(ERROR_FILE_NOT_FOUND);
+    if (service.path != kDriverFile) return Fail(ERROR_FILE_NOT_FOUND);
     service.state = SERVICE_RUNNING;
     return TRUE;
 }

@@ -23,13 +23,12 @@ status_t DebugLibExit(DebugHandle_t handle) {
     return kSuccess;
 }
 
-status_t DebugTrace(DebugHandle_t, const char*, const char* function, uint32_t, uint32_t level, const char* format,
-                    ...) {
+status_t DebugTrace(DebugHandle_t, const char*, const char*, uint32_t, uint32_t level, const char* format, ...) {
     char text[512];
     va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(text, sizeof(text), format, arguments);
     va_end(arguments);
-    Machine().lines.push_back({level, function, text});
+    Machine().lines.push_back({level, text});
     return kSuccess;
 }

@@ -3,9 +3,11 @@
 // hardware library cover it.
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "CInterface/quorlin_c.h"
@@ -15,7 +17,6 @@
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Windows/Windows.h"
 #include "Sources/Quorlin.h"
-#include "Tests/Support/Buffer.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 
@@ -25,39 +26,23 @@ constexpr char kSettings[] = "SOFTWARE\\Wow6432Node\\Lumetra\\Ravelink";
 constexpr DWORD kNoService = 0;  // no state has this number
 constexpr DWORD kPatience = 20'000;
 
-std::string FullPath(const std::string& path) {
-    char full[MAX_PATH] = {};
-    GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
-    return full;
-}
+std::string FullPath(const std::string& path) { return std::filesystem::absolute(path).string(); }
 
-// Does something with the service, if there is one.
-template <class Action_t>
-void WithService(const Action_t& action) {
+enum class Service_t { kQuery, kRemove };
+
+// Returns the service's state, or kNoService.
+DWORD ServiceState(Service_t what = Service_t::kQuery) {
     SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
     SC_HANDLE service = OpenServiceA(manager, "Ravelink", SERVICE_ALL_ACCESS);
-    SERVICE_STATUS status = {};
-    if (service != nullptr) {
-        action(service, status);
-        CloseServiceHandle(service);
-    }
-    CloseServiceHandle(manager);
-}
-
-// The service's state, or kNoService.
-DWORD ServiceState() {
-    DWORD state = kNoService;
-    WithService([&](SC_HANDLE service, SERVICE_STATUS& status) {
-        if (QueryServiceStatus(service, &status) != 0) state = status.dwCurrentState;
-    });
-    return state;
-}
-
-void RemoveService() {
-    WithService([](SC_HANDLE service, SERVICE_STATUS& status) {
+    SERVICE_STATUS status = {};  // kNoService
+    QueryServiceStatus(service, &status);
+    if (what == Service_t::kRemove) {
         ControlService(service, SERVICE_CONTROL_STOP, &status);
         DeleteService(service);
-    });
+    }
+    CloseServiceHandle(service);
+    CloseServiceHandle(manager);
+    return status.dwCurrentState;
 }
 
 bool SectionExists() {
@@ -68,50 +53,17 @@ bool SectionExists() {
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
 
-// Another process of this program, in one of the roles below. Its output goes to the file `output`.
-class ClOtherProcess {
-  public:
-    explicit ClOtherProcess(const std::string& role, const std::string& output = testing::TempDir() + "other.out") {
-        char self[MAX_PATH] = {};
-        GetModuleFileNameA(nullptr, self, sizeof self);
-        std::string command =
-            std::string("\"") + self + "\" --gtest_also_run_disabled_tests --gtest_filter=Role.DISABLED_" + role;
-        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        HANDLE file = CreateFileA(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-        STARTUPINFOA startup = {};
-        startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = startup.hStdError = file;
-        EXPECT_NE(
-            CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &m_process),
-            0);
-        CloseHandle(file);
-    }
-    ~ClOtherProcess() {
-        Kill();
-        CloseHandle(m_process.hThread);
-        CloseHandle(m_process.hProcess);
-    }
-    ClOtherProcess(const ClOtherProcess&) = delete;
-    ClOtherProcess& operator=(const ClOtherProcess&) = delete;
+std::string RoleOutput() { return testing::TempDir() + "role.out"; }
 
-    void Kill() {
-        TerminateProcess(m_process.hProcess, 99);
-        WaitForSingleObject(m_process.hProcess, kPatience);
-    }
-    DWORD ExitCode() {
-        DWORD code = 0;
-        EXPECT_EQ(WaitForSingleObject(m_process.hProcess, kPatience), WAIT_OBJECT_0);
-        GetExitCodeProcess(m_process.hProcess, &code);
-        return code;
-    }
+// Runs this program in one of the roles below and returns its exit code. Its output goes to RoleOutput().
+DWORD RunRole(const std::string& role) {
+    const std::string command = FullPath(testing::internal::GetArgvs()[0]) +
+                                " --gtest_also_run_disabled_tests --gtest_filter=Role.DISABLED_" + role + " >" +
+                                RoleOutput();
+    return static_cast<DWORD>(std::system(command.c_str()));
+}
 
-  private:
-    PROCESS_INFORMATION m_process = {};
-};
-
-// Two events: a role tells that it is ready, and waits until it may go on.
+// Two events: a role sets `ready` and waits for `go`.
 struct Signals_t {
     HANDLE ready = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestReady");
     HANDLE go = CreateEventA(nullptr, TRUE, FALSE, "QuorlinTestGo");
@@ -119,29 +71,20 @@ struct Signals_t {
         CloseHandle(ready);
         CloseHandle(go);
     }
-    void AwaitReady() { EXPECT_EQ(WaitForSingleObject(ready, kPatience), WAIT_OBJECT_0); }
-    void ReadyAndAwaitGo() {
-        SetEvent(ready);
-        EXPECT_EQ(WaitForSingleObject(go, kPatience), WAIT_OBJECT_0);
-    }
 };
 
-// The roles for ClOtherProcess. They are disabled because they aren't tests.
+// The roles are disabled because they aren't tests.
 TEST(Role, DISABLED_HoldsTheDriver) {
-    Signals_t signals;
+    const Signals_t signals;
     ASSERT_EQ(FERROXInitialize(), kSuccess);
-    signals.ReadyAndAwaitGo();
+    SetEvent(signals.ready);
+    EXPECT_EQ(WaitForSingleObject(signals.go, kPatience), WAIT_OBJECT_0);
     EXPECT_EQ(FERROXTerminate(), kSuccess);
 }
 
-TEST(Role, DISABLED_HoldsTheMutex) {
-    Signals_t signals;
-    HANDLE mutex = CreateMutexA(nullptr, FALSE, "FERROXLIB");
-    ASSERT_EQ(WaitForSingleObject(mutex, kPatience), WAIT_OBJECT_0);
-    signals.ReadyAndAwaitGo();
-    Sleep(400);
-    ReleaseMutex(mutex);
-    CloseHandle(mutex);
+TEST(Role, DISABLED_DiesWithTheDriverOpen) {
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    TerminateProcess(GetCurrentProcess(), 99);
 }
 
 TEST(Role, DISABLED_ReadsThroughNull) {
@@ -155,36 +98,30 @@ TEST(Role, DISABLED_ReadsThroughNull) {
 class Driver : public testing::Test {
   protected:
     void SetUp() override {
-        RemoveService();
-        SetDriverPath(FullPath(QUORLIN_DRIVER));
+        ServiceState(Service_t::kRemove);
+        SetValue("FERROXDrvPath", FullPath(QUORLIN_DRIVER));
         ASSERT_EQ(ServiceState(), kNoService);
         ASSERT_FALSE(SectionExists());
     }
     void TearDown() override {
         SetMachine(ThisMachine());
-        RemoveService();
+        ServiceState(Service_t::kRemove);
         RemoveSettings();
     }
-    static void SetValue(const char* name, DWORD type, const void* bytes, size_t size) {
+    static void SetValue(const char* name, const std::string& text) {
         HKEY key;
         ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, kSettings, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
                   ERROR_SUCCESS);
-        RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(bytes), static_cast<DWORD>(size));
+        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                       static_cast<DWORD>(text.size() + 1));
         RegCloseKey(key);
     }
-    static void SetDriverPath(const std::string& path) {
-        SetValue("FERROXDrvPath", REG_SZ, path.c_str(), path.size() + 1);
-    }
     static void RemoveSettings() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); }
-    static void SetHypervisor(DWORD present) { SetValue("TestHypervisor", REG_DWORD, &present, sizeof present); }
-    static void SetCPUIDAnswers(DWORD count) { SetValue("TestCPUIDAnswers", REG_DWORD, &count, sizeof count); }
     static void ExpectNothingLeft() {
         EXPECT_EQ(ServiceState(), kNoService);
         EXPECT_FALSE(SectionExists());
     }
 };
-
-using Bytes_t = std::vector<uint8_t>;
 
 TEST_F(Driver, ProgramReadsByBothAccessMethodsAndLeavesNothing) {
     const ProgramRun_t first = RunQuorlin("--driver --format lines"), scan = RunQuorlin("--road scan --format lines");
@@ -195,199 +132,88 @@ TEST_F(Driver, ProgramReadsByBothAccessMethodsAndLeavesNothing) {
     ExpectNothingLeft();
 }
 
-TEST_F(Driver, AnswersRequestsAndRefusesThem) {
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-    uint32_t version = 0, expectedVersion = 0x01000000;
-    for (const auto& ask : {GetFERROXDriverVersion, GetCPULibVersion, GetIOLibVersion, GetPCILibVersion}) {
-        EXPECT_EQ(ask(&version), kSuccess);
-        EXPECT_EQ(version, ++expectedVersion);
-    }
-    CPUIDRecord_t byDriver = {}, byInstruction = {};
-    ASSERT_EQ(ReadCPUID(kAnyProcessor, &byDriver), kSuccess);
-    ThisMachineWithoutDriver()->ReadCPUID(kAnyProcessor, &byInstruction);
-    EXPECT_EQ(byDriver.Ebx, byInstruction.Ebx);
-    EXPECT_EQ(byDriver.Edx, byInstruction.Edx);
-
-    ClBuffer pci(4), missing(4), anchor(5);
-    EXPECT_EQ(PCIRead(0, 6, pci.Get()), kSuccess);
-    EXPECT_EQ(pci.Bytes(), (Bytes_t{6, 7, 8, 9}));
-    EXPECT_EQ(PCIRead(8, 6, missing.Get()), kSuccess);
-    EXPECT_EQ(missing.Bytes(), Bytes_t(4, 0xFF));
-    EXPECT_EQ(GetSystemTables(0xF0000, 0x110, anchor.Get()), kSuccess);
-    EXPECT_EQ(anchor.Bytes(), (Bytes_t{'_', 'D', 'M', 'I', '_'}));
-    EXPECT_EQ(GetSystemTables(0xFFFFC, 0, anchor.Get()), 0u) << "runs over the end";
-    EXPECT_EQ(ReadWakeupTimer(0x70, anchor.Get()), kBadValue);
-    EXPECT_EQ(ReadWakeupTimer(0x70, pci.Get()), 0u) << "the driver has no such request";
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    ExpectNothingLeft();
-}
-
-TEST_F(Driver, HypervisorBitChoosesThePCIRequest) {
-    for (const DWORD present : {0u, 1u}) {
-        SetHypervisor(present);
-        ASSERT_EQ(FERROXInitialize(), kSuccess);
-        ClBuffer first(4), extended(4);
-        EXPECT_EQ(PCIRead(0, 0, first.Get()), kSuccess);
-        EXPECT_EQ(first.Bytes(), (Bytes_t{0, 1, 2, static_cast<uint8_t>(present != 0 ? 0x83 : 3)})) << present;
-        // Without a hypervisor the memory-mapped space is used, and no table gives its place here.
-        EXPECT_EQ(PCIExRead(0, 252, extended.Get()), present != 0 ? kSuccess : kFailure);
-        EXPECT_EQ(PCIExRead(0, 256, extended.Get()), present != 0 ? kBadValue : kFailure);
-        EXPECT_EQ(FERROXTerminate(), kSuccess);
-    }
-}
-
 TEST_F(Driver, TheLastOfTwoProcessesRemovesTheService) {
     for (const bool otherGoesFirst : {true, false}) {
-        Signals_t signals;
-        ClOtherProcess other("HoldsTheDriver");
-        signals.AwaitReady();
-        EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
+        const Signals_t signals;
+        std::thread other([] { EXPECT_EQ(RunRole("HoldsTheDriver"), 0u); });
+        EXPECT_EQ(WaitForSingleObject(signals.ready, kPatience), WAIT_OBJECT_0);
         ASSERT_EQ(FERROXInitialize(), kSuccess);
-        if (!otherGoesFirst) {
-            EXPECT_EQ(FERROXTerminate(), kSuccess);
-        }
+        EXPECT_TRUE(otherGoesFirst || FERROXTerminate() == kSuccess);
         EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
         SetEvent(signals.go);
-        EXPECT_EQ(other.ExitCode(), 0u);
-        if (otherGoesFirst) {
-            EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-            EXPECT_EQ(FERROXTerminate(), kSuccess);
-        }
+        other.join();
+        EXPECT_EQ(ServiceState(), otherGoesFirst ? DWORD{SERVICE_RUNNING} : kNoService);
+        EXPECT_TRUE(!otherGoesFirst || FERROXTerminate() == kSuccess);
         ExpectNothingLeft();
     }
 }
 
 TEST_F(Driver, AKilledProcessLeavesAServiceThatTheNextTakesOver) {
-    {
-        Signals_t signals;
-        ClOtherProcess other("HoldsTheDriver");
-        signals.AwaitReady();
-        other.Kill();
-    }
+    EXPECT_EQ(RunRole("DiesWithTheDriverOpen"), 99u);
     EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
     EXPECT_FALSE(SectionExists());
     ASSERT_EQ(FERROXInitialize(), kSuccess);
     EXPECT_EQ(FERROXTerminate(), kSuccess);
     ExpectNothingLeft();
-}
-
-// Its count stays raised while another process has the section open, so that nobody removes the service.
-TEST_F(Driver, KilledProcessBesideAnotherKeepsTheServiceRunning) {
-    Signals_t signals;
-    ClOtherProcess other("HoldsTheDriver");
-    signals.AwaitReady();
-    ASSERT_EQ(FERROXInitialize(), kSuccess);
-    other.Kill();
-    EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-}
-
-TEST_F(Driver, AnAutoLoadedServiceIsLeftAlone) {
-    SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
-    SC_HANDLE service = CreateServiceA(manager, "Ravelink", "Ravelink", SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
-                                       SERVICE_AUTO_START, SERVICE_ERROR_NORMAL, FullPath(QUORLIN_DRIVER).c_str(),
-                                       nullptr, nullptr, nullptr, nullptr, nullptr);
-    ASSERT_NE(service, nullptr);
-    EXPECT_NE(StartServiceA(service, 0, nullptr), 0);
-    CloseServiceHandle(service);
-    CloseServiceHandle(manager);
-    EXPECT_EQ(RunQuorlin("--driver").exitCode, 0);
-    EXPECT_EQ(ServiceState(), DWORD{SERVICE_RUNNING});
-    EXPECT_FALSE(SectionExists());
 }
 
 // The program reads the table without the driver, silently; it fails and names the cause if the driver was asked for.
 TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
-    constexpr char kNoCPUID[] = "its driver fails at the CPUID instruction";
-    const auto missingFile = [] { SetDriverPath(FullPath("no-such-driver.sys")); };
     const struct {
-        const char *what, *cause;
+        const char* cause;
         std::function<void()> prepare;
     } kCases[] = {
-        {"no file",                "its driver can't be started",         missingFile               },
-        {"not installed",          "the driver Ravelink isn't installed", RemoveSettings            },
-        {"refuses CPUID",          kNoCPUID,                              [] { SetCPUIDAnswers(0); }},
-        {"refuses CPUID later on", kNoCPUID,                              [] { SetCPUIDAnswers(1); }},
+        {"its driver can't be started",               [] { SetValue("FERROXDrvPath", FullPath("no-driver.sys")); }},
+        {"the driver Ravelink isn't installed",       RemoveSettings                                              },
+        {"its driver fails at the CPUID instruction", [] { SetValue("TestNoCPUID", ""); }                         },
     };
     const std::string expected = RunQuorlin("--no-driver --format lines").output;
     for (const auto& c : kCases) {
-        SetDriverPath(FullPath(QUORLIN_DRIVER));
+        SetValue("FERROXDrvPath", FullPath(QUORLIN_DRIVER));
         c.prepare();
-        const ProgramRun_t run = RunQuorlin("--format lines"), verbose = RunQuorlin("types --verbose"),
-                           must = RunQuorlin("--driver --format lines"), scan = RunQuorlin("--road scan");
-        EXPECT_EQ(run.exitCode, 0) << c.what;
-        EXPECT_EQ(run.output, expected) << c.what;
-        EXPECT_EQ(run.errors, "") << c.what;
-        EXPECT_TRUE(Has(verbose.errors, std::string(c.cause) + "; trying without it")) << c.what << verbose.errors;
-        for (const ProgramRun_t* refused : {&must, &scan}) {
-            EXPECT_EQ(refused->exitCode, 1) << c.what;
-            EXPECT_EQ(refused->output, "") << c.what;
-            EXPECT_TRUE(Has(refused->errors, std::string(c.cause) + "; try ")) << c.what << refused->errors;
-            EXPECT_FALSE(Has(refused->errors, "root")) << c.what;
+        const ProgramRun_t run = RunQuorlin("--format lines"), verbose = RunQuorlin("types --verbose");
+        EXPECT_EQ(run.exitCode, 0) << c.cause;
+        EXPECT_EQ(run.output, expected) << c.cause;
+        EXPECT_EQ(run.errors, "") << c.cause;
+        EXPECT_TRUE(Has(verbose.errors, std::string(c.cause) + "; trying without it")) << verbose.errors;
+        for (const char* arguments : {"--driver --format lines", "--road scan", "hw versions"}) {
+            const ProgramRun_t refused = RunQuorlin(arguments);
+            EXPECT_EQ(refused.exitCode, 1) << c.cause << arguments;
+            EXPECT_EQ(refused.output, "") << c.cause << arguments;
+            EXPECT_TRUE(Has(refused.errors, std::string(c.cause) + "; try ")) << arguments << refused.errors;
+            EXPECT_FALSE(Has(refused.errors, "root")) << c.cause << arguments;
         }
         ExpectNothingLeft();
     }
-    SetCPUIDAnswers(0);
-    EXPECT_TRUE(Has(RunQuorlin("hw versions").errors, "fails at the CPUID instruction; try "));
-    ExpectNothingLeft();
 }
 
-TEST_F(Driver, OpeningWaitsForTheOtherProcessesMutex) {
-    for (const bool killed : {false, true}) {
-        Signals_t signals;
-        ClOtherProcess other("HoldsTheMutex");
-        signals.AwaitReady();
-        HANDLE mutex = CreateMutexA(nullptr, FALSE, "FERROXLIB");
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_ALREADY_EXISTS});
-        EXPECT_EQ(WaitForSingleObject(mutex, 50), DWORD{WAIT_TIMEOUT});
-        const auto start = std::chrono::steady_clock::now();
-        if (killed)
-            other.Kill();
-        else
-            SetEvent(signals.go);
-        EXPECT_EQ(FERROXInitialize(), kSuccess);
-        if (!killed) {
-            EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
-        }
-        EXPECT_EQ(FERROXTerminate(), kSuccess);
-        CloseHandle(mutex);
-    }
-}
-
-DWORD Handles() {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
-
-void Rounds(int count) {
+// Reads a package several times and returns the number of this process's handles.
+DWORD HandlesAfterRounds(int count) {
     for (int round = 0; round < count; ++round) {
         BaseAbstraction* package = CreateSmbiosPackage();
-        ASSERT_EQ(package->Initialize(), kSuccess);
-        ASSERT_EQ(package->UnInitialize(), kSuccess);
+        EXPECT_EQ(package->Initialize(), kSuccess);
+        EXPECT_EQ(package->UnInitialize(), kSuccess);
         DestroySmbiosPackage(package);
     }
+    DWORD handles = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    return handles;
 }
 
 // Most rounds run while the driver is open, because its start and stop take long.
 TEST_F(Driver, RoundsLeaveNoHandle) {
-    Rounds(1);
-    const DWORD before = Handles();
-    Rounds(20);
-    EXPECT_EQ(Handles(), before);
+    const DWORD before = HandlesAfterRounds(1);
+    EXPECT_EQ(HandlesAfterRounds(20), before);
     ASSERT_EQ(FERROXInitialize(), kSuccess);
-    Rounds(1000);
+    HandlesAfterRounds(1000);
     EXPECT_EQ(FERROXTerminate(), kSuccess);
-    EXPECT_EQ(Handles(), before);
+    EXPECT_EQ(HandlesAfterRounds(0), before);
     ExpectNothingLeft();
 }
 
 TEST(Crash, ReadThroughNullIsReported) {
-    const std::string output = testing::TempDir() + "crash.out";
-    ClOtherProcess host("ReadsThroughNull", output);
-    EXPECT_EQ(host.ExitCode(), DWORD{EXCEPTION_ACCESS_VIOLATION});
-    const std::string report = ReadWholeFile(output);
+    EXPECT_EQ(RunRole("ReadsThroughNull"), DWORD{EXCEPTION_ACCESS_VIOLATION});
+    const std::string report = ReadWholeFile(RoleOutput());
     EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING START***")) << report;
     EXPECT_TRUE(Has(report, "EXCEPTION_ACCESS_VIOLATION Attempted to read from: 0x00000000")) << report;
     EXPECT_TRUE(Has(report, "***EXCEPTION HANDLING END***")) << report;
@@ -400,39 +226,24 @@ TEST(Crash, NoFilterPointsIntoAnUnloadedLibrary) {
     const LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(FilterOfHost);
     const HMODULE library = LoadLibraryA(FullPath(QUORLIN_LIBRARY).c_str());
     ASSERT_NE(library, nullptr);
-    const auto find = [library](const char* name) { return reinterpret_cast<void*>(GetProcAddress(library, name)); };
+    const auto find = [library]<class Function_t>(Function_t*, const char* name) {
+        return reinterpret_cast<Function_t*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+    };
     const std::vector<uint8_t> table = TableOf({ClStructureBuilder(3, 9)});
     const ImageSource_t image = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, 0};
     quorlin_table* opened = nullptr;
-    EXPECT_EQ(reinterpret_cast<decltype(&quorlin_open_memory)>(find("quorlin_open_memory"))(table.data(), table.size(),
-                                                                                            nullptr, &opened),
+    EXPECT_EQ(find(quorlin_open_memory, "quorlin_open_memory")(table.data(), table.size(), nullptr, &opened),
               QUORLIN_OK);
-    reinterpret_cast<decltype(&quorlin_close)>(find("quorlin_close"))(opened);
+    find(quorlin_close, "quorlin_close")(opened);
     EXPECT_EQ(SetUnhandledExceptionFilter(FilterOfHost), FilterOfHost);
-    EXPECT_EQ(reinterpret_cast<decltype(&SetImageMachine)>(find("SetImageMachine"))(&image), kSuccess);
-    BaseAbstraction* package = reinterpret_cast<decltype(&CreateSmbiosPackage)>(find("CreateSmbiosPackage"))();
+    EXPECT_EQ(find(SetImageMachine, "SetImageMachine")(&image), kSuccess);
+    BaseAbstraction* package = find(CreateSmbiosPackage, "CreateSmbiosPackage")();
     EXPECT_EQ(package->Initialize(), kSuccess);
     EXPECT_EQ(package->UnInitialize(), kSuccess);
-    reinterpret_cast<decltype(&DestroySmbiosPackage)>(find("DestroySmbiosPackage"))(package);
-    char* name = nullptr;
-    EXPECT_EQ(reinterpret_cast<decltype(&os_GetOSName)>(find("os_GetOSName"))(&name), kSuccess);
-    reinterpret_cast<decltype(&os_FreeBlock)>(find("os_FreeBlock"))(name);
+    find(DestroySmbiosPackage, "DestroySmbiosPackage")(package);
     EXPECT_NE(FreeLibrary(library), 0);
     EXPECT_EQ(GetModuleHandleA("quorlin.dll"), nullptr);
     EXPECT_EQ(SetUnhandledExceptionFilter(before), nullptr);
-}
-
-// The C runtime would read the names in the system's code page.
-TEST(Names, OfFilesMayHaveAnyLetters) {
-    const std::string image = WriteFile(
-        "Πίνακας-表格.bin", DumpOf(TableOf({ClStructureBuilder(3, 9).Byte(4, 1).Strings({"Ωメガ"})}), 2, 7, 32));
-    const std::string output = testing::TempDir() + "names.out";
-    std::string command = "\"\"" QUORLIN_PROGRAM "\" get 3 Manufacturer --image " + image + " >" + output + "\"";
-    std::wstring wide(command.size(), L'\0');
-    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, command.c_str(), static_cast<int>(command.size()),
-                                                        wide.data(), static_cast<int>(wide.size()))));
-    EXPECT_EQ(_wsystem(wide.c_str()), 0);
-    EXPECT_EQ(ReadWholeFile(output), "Ωメガ\n");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <span>
 #include <string>
 #include <vector>
@@ -41,25 +42,24 @@ inline void PutDMI(uint64_t address, size_t length = 5, uint32_t table = kTable)
         {'_', 'D', 'M', 'I', '_', 0, length, length >> 8, table, table >> 8, table >> 16, table >> 24, 1, 0, 0x28});
 }
 
+// An entry of MCFG, as the table has it.
 struct SegmentEntry_t {
     uint64_t base;
     uint16_t segment;
     uint8_t startBus, endBus;
+    uint32_t reserved = 0xAAAAAAAA;
 };
+static_assert(sizeof(SegmentEntry_t) == 16);
 
 // An MCFG table with these entries. `length` is the length that its header states; 0 means the true one.
 inline std::vector<uint8_t> MCFG(const std::vector<SegmentEntry_t>& entries, uint32_t length = 0) {
-    std::vector<uint8_t> table(44 + 16 * entries.size(), 0xAA);
-    table[0] = 'M';
-    const auto put = [&table](size_t place, uint64_t number, size_t size) {
-        for (size_t byte = 0; byte < size; ++byte) table[place + byte] = static_cast<uint8_t>(number >> 8 * byte);
-    };
-    put(4, length == 0 ? table.size() : length, 4);
-    for (size_t place = 44; const SegmentEntry_t& entry : entries) {
-        put(place, entry.base, 8);
-        put(place + 8, entry.segment | uint64_t{entry.startBus} << 16 | uint64_t{entry.endBus} << 24, 4);
-        place += 16;
+    std::vector<uint8_t> table(44, 0xAA);
+    for (const SegmentEntry_t& entry : entries) {
+        const auto* bytes = reinterpret_cast<const uint8_t*>(&entry);
+        table.insert(table.end(), bytes, bytes + sizeof entry);
     }
+    if (length == 0) length = static_cast<uint32_t>(table.size());
+    std::memcpy(&table[4], &length, sizeof length);
     return table;
 }
 

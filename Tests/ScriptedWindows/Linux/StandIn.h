@@ -8,7 +8,7 @@
 
 #define STAND_IN(result, name, parameters) extern "C" result name parameters
 
-// The system's own function behind a stand-in, for calls that the language's runtime makes. Here it makes none.
+// The system function that a stand-in replaces, for calls by the language's runtime. On Linux it makes none.
 template <typename Function>
 Function* SystemFunction(const char*) {
     return nullptr;

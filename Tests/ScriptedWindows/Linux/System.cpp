@@ -1,4 +1,4 @@
-// Stand-ins where Windows' own functions serve the tests.
+// Stand-ins for functions that the tests on Windows take from the system.
 #include "Packages/OS/Windows/Windows.h"
 
 static thread_local DWORD lastError = 0;

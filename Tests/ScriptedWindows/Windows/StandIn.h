@@ -14,7 +14,7 @@
     }                                                        \
     static result WINAPI Scripted##name parameters
 
-// The system's own function behind a stand-in, for calls that the language's runtime makes.
+// The system function that a stand-in replaces, for calls by the language's runtime.
 template <typename Function>
 Function* SystemFunction(const char* name) {
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
