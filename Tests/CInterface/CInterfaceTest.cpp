@@ -143,9 +143,9 @@ TEST(CInterface, ReadsDumpsAndTakesOptionsForBareTables) {
     quorlin_options options = {sizeof options, 0, 2, 7, 0, 0};
     EXPECT_EQ(versionOf(Open(TableOf({kSystem}))), "3.0");
     EXPECT_EQ(versionOf(Open(TableOf({kSystem}), &options)), "2.7");
-    EXPECT_EQ(versionOf(Open(DumpOf(TableOf({kSystem}), 3, 4, 32), &options)), "3.4");
+    EXPECT_EQ(versionOf(Open(DumpOf(TableOf({kSystem}), 3, 4), &options)), "3.4");
 
-    const std::string path = WriteFile("Ærø-表.bin", DumpOf(TableOf({kSystem}), 3, 1, 32));
+    const std::string path = WriteFile("Ærø-表.bin", DumpOf(TableOf({kSystem}), 3, 1));
     quorlin_table* fromFile = nullptr;
     ASSERT_EQ(quorlin_open_file(path.c_str(), nullptr, &fromFile), QUORLIN_OK) << quorlin_last_error();
     EXPECT_EQ(versionOf(Table_t(fromFile, quorlin_close)), "3.1");
@@ -153,7 +153,7 @@ TEST(CInterface, ReadsDumpsAndTakesOptionsForBareTables) {
 
 TEST(CInterface, TellsOfImagesWhatTheyAreAndWhatIsWrong) {
     const auto whole = TableOf({kChassis}), noEnd = ClStructureBuilder(kChassis).Image();
-    std::vector<uint8_t> cut = noEnd, badSum = DumpOf(whole, 2, 7, 32);
+    std::vector<uint8_t> cut = noEnd, badSum = DumpOf(whole, 2, 7);
     cut.insert(cut.end(), whole.begin(), whole.begin() + 9);
     badSum[4]++;
     const struct {

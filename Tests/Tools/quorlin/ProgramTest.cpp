@@ -44,7 +44,7 @@ ClStructureBuilder Chassis(uint16_t handle, const std::string& maker) {
 Bytes_t TableBy(const std::string& maker) { return TableOf({Chassis(7, maker), ClStructureBuilder(13, 0x16)}); }
 
 std::string ImageBy(const std::string& maker, const std::string& name) {
-    return WriteFile(name, DumpOf(TableBy(maker), 2, 7, 32));
+    return WriteFile(name, DumpOf(TableBy(maker), 2, 7));
 }
 
 Bytes_t Cut(Bytes_t bytes, size_t size, uint8_t filler = 0) {
@@ -65,11 +65,11 @@ TEST(Program, PrintWhatTheyAreAskedFor) {
     const std::string three = WriteFile("c.bin", TableOf({Chassis(1, "one"), Chassis(2, "two"), Chassis(3, "three")})),
                       others = WriteFile("d.bin", TableOf({Chassis(2, "two"), Chassis(9, "one")}));
     const std::string bare = " --image " + WriteFile("bare.bin", TableBy("A")),
-                      old = " --image " + WriteFile("old.bin", DumpOf(TableBy("A"), 2, 0, 32));
+                      old = " --image " + WriteFile("old.bin", DumpOf(TableBy("A"), 2, 0));
     const auto by = [](const char* name, const Bytes_t& bytes) {
         return std::string("get 3 Manufacturer --image ") + WriteFile(name, bytes);
     };
-    const Bytes_t dump = DumpOf(TableBy("Maker"), 2, 7, 32);
+    const Bytes_t dump = DumpOf(TableBy("Maker"), 2, 7);
     const std::string odd = " --image " + ImageBy("q\"\\\x01\xC3\xA9\xFF", "odd.bin");
     const std::string found = "System Enclosure or Chassis Types {Type 3}, handle 0007h\n  Manufacturer  Ma ker\n";
     const Case_t kCases[] = {
@@ -132,7 +132,7 @@ TEST(Program, PrintAmongOtherThings) {
         Case("diff " + c + " " + d, 1, "-   Bytes  AB0000\n+   Bytes  AC0000\n"),
         Case("diff " + a + " --sample --format csv", 1, "\r\nadded,0,0,BIOS Information,,,,\r\n"),
         Case("--sample --type 14 --format csv", 0, "14,3585,2,Group Associations,,Microcode,"),
-        Case("check --image " + a, 1, "checksums"),
+        Case("check --image " + WriteFile("sum.bin", DumpOf(TableBy("A"), 2, 7, 0xF1230)), 1, "checksums"),
         Case("--format json" + odd, 0,
              R"({"key":"Manufacturer","value":"q\"\\\u0001)"
              "\xC3\xA9\xEF\xBF\xBD"
@@ -256,7 +256,7 @@ TEST(Program, SayWhereATableComesFrom) {
     EXPECT_TRUE(Has(run.errors, "as sysfs, SMBIOS 2.7")) << run.errors;
     const ProgramRun_t forced = RunQuorlin("types --as table --verbose --image " + ImageBy("A", "as.bin"));
     EXPECT_TRUE(Has(forced.errors, "as table, SMBIOS 3.0")) << forced.errors;
-    const Bytes_t dump = DumpOf(TableBy("A"), 2, 7, 32);
+    const Bytes_t dump = DumpOf(TableBy("A"), 2, 7);
     const std::string cut = WriteFile("cut.bin", Cut(dump, dump.size() - 9));
     EXPECT_TRUE(Has(RunQuorlin("types --image " + cut).errors, "truncated: ")) << cut;
 }
@@ -607,7 +607,7 @@ TEST_F(OnLinux, VerboseNamesTheAccessMethod) {
 
 // The message says why, and advises root only where that helps.
 TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
-    const Bytes_t found = DumpOf(TableBy("A"), 2, 7, 32);
+    const Bytes_t found = DumpOf(TableBy("A"), 2, 7);
     const std::string point = WriteFile("point", Bytes_t(found.begin(), found.begin() + 31)),
                       table = WriteFile("table", TableBy("A"));
     const std::string firmware = "cd /sys/firmware && mkdir -p dmi/tables acpi/tables && cp " + point +
