@@ -12,7 +12,6 @@ import subprocess
 import sys
 
 
-
 def marked(folder):
     names = set()
     for header in pathlib.Path(folder).rglob("*.h"):
