@@ -16,15 +16,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 root=$work/root
-codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
-# shellcheck disable=SC2016  # apt's own variables
-mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
-    sed -n "s/ $codename main\$//p" | head -n 1)
-[ -n "$mirror" ] || fail "no source of this machine has $codename"
-debootstrap --variant=minbase "$codename" "$root" "$mirror" >"$work/log" 2>&1 || {
-    tail "$work/log" >&2
-    fail 'the root could not be downloaded or unpacked'
-}
+Tests/debian-root.sh "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)" "$root"
 
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"; }
 
