@@ -43,7 +43,7 @@ inside quorlin --image /dump.bin --format lines >"$work/program.txt"
 [ -s "$work/program.txt" ] || fail 'quorlin shows nothing'
 inside /items-c /dump.bin >"$work/items-c.txt"
 [ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] ||
-    fail 'items-c gives another number of items'
+    fail 'items-c shows another number of items'
 for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completions/quorlin \
     zsh/vendor-completions/_quorlin fish/vendor_completions.d/quorlin.fish doc/libquorlin-dev/examples/items.c; do
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"

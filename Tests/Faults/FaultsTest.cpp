@@ -171,9 +171,9 @@ class Faults : public testing::TestWithParam<Case_t> {
     size_t Run() {
         const char* trace = GetParam().trace;
         if (trace != nullptr) DebugUseConfigText(trace);
-        const size_t came = GetParam().run();
+        const size_t count = GetParam().run();
         if (trace != nullptr) DebugResetForTest();
-        return came;
+        return count;
     }
 
     void FailEach(bool forGood) {
@@ -187,9 +187,9 @@ class Faults : public testing::TestWithParam<Case_t> {
             hasFailed = false;
             made = 0;
             failsAt = number;
-            const size_t came = Run();
+            const size_t count = Run();
             failsAt = 0;
-            ASSERT_LE(came, whole) << "allocation " << number;
+            ASSERT_LE(count, whole) << "allocation " << number;
             ASSERT_FALSE(StoreIsUp()) << "allocation " << number;
             // Memory that a library keeps for its next use is freed after that use.
             ASSERT_EQ(Run(), whole) << "after allocation " << number;

@@ -27,7 +27,7 @@ cp host-build/host.exe "$stage/bin"
 cd "$stage/bin"
 
 wine host.exe quorlin.dll "Z:$work/examples/bare/table.bin" | tr -d '\r' >"$work/host.txt"
-cmp "$work/examples/bare/program.txt" "$work/host.txt" || fail 'the host gives other items than quorlin.exe'
+cmp "$work/examples/bare/program.txt" "$work/host.txt" || fail 'the host shows other items than quorlin.exe'
 wine host.exe quorlin.dll --without-driver >"$work/machine.txt" || fail 'the host fails on this machine'
 [ -s "$work/machine.txt" ] || fail 'the host shows nothing of this machine'
 echo "$(wc -l <"$work/machine.txt") items of this machine"

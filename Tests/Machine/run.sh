@@ -69,8 +69,10 @@ for name in $jobs; do
         boot q35 q35 "$plain,-hypervisor" "" -smp 2 -device pcie-root-port,id=rp -device virtio-rng-pci,bus=rp \
             -smbios type=1,manufacturer=Quorlin,product=Guest
         ;;
-    # shellcheck disable=SC2086  # words are options
-    sample) boot sample pc "$plain" "" $sample ;;
+    sample)
+        # shellcheck disable=SC2086  # words are options
+        boot sample pc "$plain" "" $sample
+        ;;
     sm3) boot sm3 q35,smbios-entry-point-type=64 "$plain" "" ;;
     lockdown) boot lockdown pc "$plain" lockdown=integrity ;;
     uefi)  # this firmware only boots compressed kernels

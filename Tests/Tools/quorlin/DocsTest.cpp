@@ -81,7 +81,7 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
     for (const fs::path& page : pages) {
         for (const ShownCommand_t& command : CommandsOf(page)) {
             count++;
-            // A page that shows how to make a dump makes it anew.
+            // The command creates the dump again.
             if (command.arguments.starts_with(" dump ")) fs::remove("machine.bin");
             const ProgramRun_t run = RunQuorlin(WithATable(command.arguments));
             EXPECT_LE(run.exitCode, 1) << command.place << ": " << run.errors;

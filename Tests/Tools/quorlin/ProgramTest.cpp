@@ -1,4 +1,4 @@
-// The host program from outside: its commands, its exit codes, its error lines, the files that it takes, its formats.
+// The program as users see it: commands, exit codes, error lines, files and formats.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,8 +21,8 @@ using testing::TempDir;
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != text.npos; }
 
-// A command line, and what comes of it. Made by a function, as rows of calls stay short where rows of braces are
-// aligned.
+// A command line, its exit code, its output, and a part of its errors. Rows call a function, as clang-format would
+// align rows of braces.
 struct Case_t {
     std::string arguments;
     int exitCode;
@@ -61,7 +61,7 @@ TEST(Program, PrintsExactly) {
     const std::string two =
         " --image " + WriteFile("two.bin", TableOf({ClStructureBuilder(titled).Strings({"one"}),
                                                     ClStructureBuilder(titled).Strings({"tw\x1bo"})}));
-    // Equal handles match first, whatever the order; what is left matches by order, and what then is left came or went.
+    // Equal handles match first, in any order. The others match by order; those left over are added or removed.
     const std::string three = WriteFile("c.bin", TableOf({Chassis(1, "one"), Chassis(2, "two"), Chassis(3, "three")})),
                       others = WriteFile("d.bin", TableOf({Chassis(2, "two"), Chassis(9, "one")}));
     const std::string bare = " --image " + WriteFile("bare.bin", TableBy("A")),
@@ -113,7 +113,7 @@ TEST(Program, PrintsExactly) {
         Case(by("offset.bin", DumpOf(TableBy("at 64"), 3, 2, 64, 64)), 0, "at 64\n"),
         Case(by("physical.bin", DumpOf(TableBy("at 32"), 2, 7, 0xF1230)), 0, "at 32\n"),
         // An address within the entry point isn't used.
-        Case(by("within.bin", DumpOf(TableBy("behind"), 2, 7, 5)), 0, "behind\n"),
+        Case(by("within.bin", DumpOf(TableBy("after"), 2, 7, 5)), 0, "after\n"),
         Case(by("longer.bin", Cut(dump, dump.size() + 99, ' ')), 0, "Maker\n"),
         // After the first structure.
         Case(by("cut.bin", Cut(dump, 32 + 0x15 + 7 + 9)), 0, "Maker\n"),
@@ -144,7 +144,7 @@ TEST(Program, PrintsAmongOtherThings) {
                       c = WriteFile("c.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAB)})),
                       d = WriteFile("d.bin", TableOf({ClStructureBuilder(200, 5, 1).Byte(4, 0xAC)}));
     const std::string odd = " --type 3 --image " + ImageBy("q\"\\\x01\xC3\xA9\xFF", "odd.bin");
-    // A key that comes from a string is a key, whatever it looks like; and a maker is no code outside its table.
+    // A key from a string isn't a title, and a maker isn't an invalid code, although their texts look so.
     const auto versions =
         ClStructureBuilder(221, 0x0C, 0x10).Byte(4, 1).Byte(5, 1).Strings({"BIOS {Type 0}_9#GROUPNAME"});
     const std::string marks =
@@ -348,7 +348,7 @@ TEST(Program, ForeignFilesAreNoTables) {
     }
 }
 
-// Groups that name groups, and lists that count missing entries, give at most 8 items for each byte.
+// At most 8 items for each byte, for groups that name groups and lists that count missing entries.
 TEST(Program, ATableGivesABoundedNumberOfItems) {
     std::vector<ClStructureBuilder> structures(255, ClStructureBuilder(221, 5).Byte(4, 255));
     structures.resize(257, ClStructureBuilder(14, 8).Byte(5, 221));

@@ -1,5 +1,5 @@
-// The worst tables that one can make of what multiplies, and what each command may take of them. With QUORLIN_LONG in
-// the environment they are as large as a table may be, and take a quarter of an hour.
+// The tables that cost most time and memory, and the most that each command may use for them. With QUORLIN_LONG in the
+// environment they are as large as a table may be, and take a quarter of an hour.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -29,7 +29,7 @@ std::string Structure(uint8_t type, const std::string& fields, const std::string
     return std::string{static_cast<char>(type), static_cast<char>(4 + fields.size()), 1, 0} + fields + strings;
 }
 
-// As much of `unit` after `head` as a table may hold.
+// `head`, and `unit` as often as a table has room for it.
 std::string Filled(const std::string& head, const std::string& unit) {
     std::string table = head;
     while (table.size() + unit.size() + kEnd <= tableBytes) table += unit;
@@ -69,7 +69,7 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
     const std::string versions = Repeated(Structure(221, "\xFF", Repeated("a\0"s, 255) + "\0"s), 255);
     const std::string disabled = Structure(221, "\2", "a\0"s + Repeated("Disabled\0"s, 200000) + "b\0\0"s);
     const std::string number = std::string(60, 0x01);
-    std::vector<std::pair<std::string, std::string>> tables;  // what is bad, and the table
+    std::vector<std::pair<std::string, std::string>> tables;  // what is bad about it, and the table
     const auto add = [&tables](const char* what, std::string table) { tables.emplace_back(what, std::move(table)); };
     add("11, counts of what isn't there", Filled("", Structure(11, "\xFF")));
     add("11, many strings", Structure(11, "\xFF", Repeated("a\0"s, most / 2) + "\0"s));
