@@ -11,13 +11,8 @@ fail() {
 }
 rm -rf "$work/tree"
 mkdir -p "$work/tree"
-if git -C "$source" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
-    git -C "$source" ls-files -z
-else
-    (cd "$source" && find . -path ./build -prune -o -type f -print0)
-fi | (cd "$source" && xargs -0 sh -c 'for file; do [ ! -e "$file" ] || printf "%s\0" "$file"; done' sh |
-    tar -c --null -T - -f -) | tar -x -C "$work/tree"
 cd "$work/tree"
+cp -r "$source"/{CMakeLists.txt,cmake,CInterface,Docs,Packages,Sources,Tools} .
 
 # A format: one file and one row.
 cat >Tools/quorlin/Formats/Dummy.cpp <<'CPP'

@@ -23,17 +23,9 @@ case ${1:-} in
     ;;
 inside)
     root=$2/root
-    # shellcheck disable=SC2016  # apt's own variables
-    mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
-        sed -n 's/ bookworm main$//p' | head -n 1)
-    [ -n "$mirror" ] || { echo "bare-machine: no source of this machine has Debian 12" >&2; exit 1; }
     [ -n "${http_proxy:-}" ] || eval "$(apt-config shell http_proxy Acquire::http::Proxy)"
     [ -z "${http_proxy:-}" ] || export http_proxy
-    debootstrap --variant=minbase bookworm "$root" "$mirror" >"$2/debootstrap.log" || {
-        tail "$2/debootstrap.log" >&2
-        echo "bare-machine: Debian 12 could not be downloaded or unpacked" >&2
-        exit 1
-    }
+    "$(dirname "$0")/debian-root.sh" bookworm "$root"
     # Lets apt use the same sources.
     rm "$root/etc/apt/sources.list"
     for item in sources.list sources.list.d auth.conf auth.conf.d trusted.gpg trusted.gpg.d keyrings; do

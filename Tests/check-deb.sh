@@ -16,15 +16,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 root=$work/root
-codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
-# shellcheck disable=SC2016  # apt's own variables
-mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
-    sed -n "s/ $codename main\$//p" | head -n 1)
-[ -n "$mirror" ] || fail "no source of this machine has $codename"
-debootstrap --variant=minbase "$codename" "$root" "$mirror" >"$work/log" 2>&1 || {
-    tail "$work/log" >&2
-    fail 'the root could not be downloaded or unpacked'
-}
+Tests/debian-root.sh "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)" "$root"
 
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"; }
 
@@ -51,7 +43,7 @@ inside quorlin --image /dump.bin --format lines >"$work/program.txt"
 [ -s "$work/program.txt" ] || fail 'quorlin shows nothing'
 inside /items-c /dump.bin >"$work/items-c.txt"
 [ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] ||
-    fail 'items-c gives another number of items'
+    fail 'items-c shows another number of items'
 for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completions/quorlin \
     zsh/vendor-completions/_quorlin fish/vendor_completions.d/quorlin.fish doc/libquorlin-dev/examples/items.c; do
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"

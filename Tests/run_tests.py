@@ -68,7 +68,7 @@ EXPECTED = {
     "quorlin/WorstTables.*": lambda preset: preset == "asan",
     "quorlin/OnLinux.ForeignFiles*": lambda preset: preset == "asan",
     "OS/Library.*": lambda preset: preset in ("asan", "tsan"),
-    "quorlin/OnLinux.VerboseNames*": lambda preset: cannot_mount() or preset == "windows-tests",
+    "quorlin/OnLinux.AMachine*": lambda preset: cannot_mount() or preset == "windows-tests",
     "quorlin/OnLinux.*": lambda preset: preset == "windows-tests",
 }
 

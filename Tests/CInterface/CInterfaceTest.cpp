@@ -1,4 +1,4 @@
-// The C interface: items, statuses, handles that don't know of each other, and what an opening leaves in the process.
+// The C interface: items, statuses, independent handles, and what an opened table changes in the process.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -30,7 +30,7 @@ std::vector<uint8_t> Sample() { return {SampleTable().begin(), SampleTable().end
 const ClStructureBuilder kSystem = ClStructureBuilder(1, 0x1B, 1).Bytes(4, {1, 2}).Strings({"Halvorsen", "\"Fjord\""});
 const ClStructureBuilder kChassis = ClStructureBuilder(3, 0x15, 2).Bytes(4, {1, 3}).Strings({"Nord"});
 
-TEST(CInterface, GivesItemsByCursorNumberAndKey) {
+TEST(CInterface, ReturnsItemsByCursorNumberAndKey) {
     const Table_t table = Open(TableOf({kSystem, kChassis}));
     quorlin_item item = {};
     std::vector<std::string> titles;
@@ -143,17 +143,17 @@ TEST(CInterface, ReadsDumpsAndTakesOptionsForBareTables) {
     quorlin_options options = {sizeof options, 0, 2, 7, 0, 0};
     EXPECT_EQ(versionOf(Open(TableOf({kSystem}))), "3.0");
     EXPECT_EQ(versionOf(Open(TableOf({kSystem}), &options)), "2.7");
-    EXPECT_EQ(versionOf(Open(DumpOf(TableOf({kSystem}), 3, 4, 32), &options)), "3.4");
+    EXPECT_EQ(versionOf(Open(DumpOf(TableOf({kSystem}), 3, 4), &options)), "3.4");
 
-    const std::string path = WriteFile("Ærø-表.bin", DumpOf(TableOf({kSystem}), 3, 1, 32));
+    const std::string path = WriteFile("Ærø-表.bin", DumpOf(TableOf({kSystem}), 3, 1));
     quorlin_table* fromFile = nullptr;
     ASSERT_EQ(quorlin_open_file(path.c_str(), nullptr, &fromFile), QUORLIN_OK) << quorlin_last_error();
     EXPECT_EQ(versionOf(Table_t(fromFile, quorlin_close)), "3.1");
 }
 
-TEST(CInterface, TellsOfImagesWhatTheyAreAndWhatIsWrong) {
+TEST(CInterface, NamesTheFormAndTheFlawsOfAnImage) {
     const auto whole = TableOf({kChassis}), noEnd = ClStructureBuilder(kChassis).Image();
-    std::vector<uint8_t> cut = noEnd, badSum = DumpOf(whole, 2, 7, 32);
+    std::vector<uint8_t> cut = noEnd, badSum = DumpOf(whole, 2, 7);
     cut.insert(cut.end(), whole.begin(), whole.begin() + 9);
     badSum[4]++;
     const struct {
@@ -174,7 +174,7 @@ TEST(CInterface, TellsOfImagesWhatTheyAreAndWhatIsWrong) {
     EXPECT_EQ(quorlin_remark(nullptr), nullptr);
 }
 
-TEST(CInterface, DecodesAVendorsFirmwareVersionsOnDemand) {
+TEST(CInterface, DecodesType148OnDemand) {
     const auto table = TableOf({kChassis, ClStructureBuilder(148, 40)});
     quorlin_options options = {sizeof options, 0, 0, 0, 0, 1};
     quorlin_item item = {};
@@ -184,7 +184,7 @@ TEST(CInterface, DecodesAVendorsFirmwareVersionsOnDemand) {
     EXPECT_EQ(item.index, 17u);
 }
 
-TEST(CInterface, TellsATableOfTooManyItems) {
+TEST(CInterface, RefusesATableOfTooManyItems) {
     std::vector<ClStructureBuilder> bomb(255, ClStructureBuilder(221, 5).Byte(4, 255));
     bomb.resize(300, ClStructureBuilder(14, 8).Byte(5, 221));
     const auto bytes = TableOf(bomb);
@@ -206,7 +206,7 @@ TEST(CInterface, RefusesWhatIsNoTable) {
     EXPECT_EQ(table, nullptr);
 }
 
-TEST(CInterface, BearsNullPointers) {
+TEST(CInterface, ReturnsAStatusForNullPointers) {
     const Table_t table = Open(TableOf({kSystem}));
     const std::vector<uint8_t> bytes = TableOf({kSystem});
     quorlin_table* out = nullptr;
@@ -231,7 +231,7 @@ TEST(CInterface, BearsNullPointers) {
     quorlin_close(nullptr);
 }
 
-TEST(CInterface, TellsTheVersionOfTheBuild) { EXPECT_STREQ(quorlin_version(), QUORLIN_PROJECT_VERSION); }
+TEST(CInterface, ReturnsTheVersionOfTheBuild) { EXPECT_STREQ(quorlin_version(), QUORLIN_PROJECT_VERSION); }
 
 }  // namespace
 

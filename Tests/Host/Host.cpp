@@ -10,11 +10,20 @@
 #include <string>
 #include <vector>
 
-#include "Loader.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Quorlin.h"
 
+// Finds a function in a shared library, which stays loaded. Ends the program with a message if either isn't available.
+void* FindIn(const char* library, const char* name);
+
 namespace {
+
+const char* library = nullptr;
+
+template <class Function>
+Function* Find(const char* name) {
+    return reinterpret_cast<Function*>(FindIn(library, name));
+}
 
 bool allIsWell = true;
 
@@ -32,12 +41,6 @@ std::vector<std::string> Lines(BaseAbstraction& package) {
     return lines;
 }
 
-// The value in a line, "KEY", "VALUE".
-std::string ValueOf(const std::string& line) {
-    const size_t begin = line.find("\", \"") + 4;
-    return line.substr(begin, line.size() - begin - 1);
-}
-
 std::vector<std::string> Sweep(BaseAbstraction* created) {
     auto& package = static_cast<Quorlin&>(*created);
     const status_t status = package.Initialize();
@@ -52,10 +55,7 @@ std::vector<std::string> Sweep(BaseAbstraction* created) {
     std::vector<std::string> lines = Lines(package);
     EXPECT(package.GetItemCount() == lines.size());
     EXPECT(package.GetItemValue(package.GetItemCount()).empty());
-    for (uint32_t index = 0; index < lines.size(); index++) {
-        const std::string value = package.GetItemValue(index);
-        if (value != " " && value.find('"') == value.npos) EXPECT(value == ValueOf(lines[index]));
-    }
+    EXPECT(lines.size() > 1 && lines[1] == "\"Type\", \"" + package.GetItemValue(1) + "\"");
     const uint32_t count = package.GetItemCount();
     EXPECT(package.GetTypes(1) == kSuccess);  // the same structures again
     EXPECT(Lines(package).size() == package.GetItemCount() - count);
@@ -68,22 +68,22 @@ std::vector<std::string> Sweep(BaseAbstraction* created) {
 
 int main(int argc, char** argv) {
     if (argc < 2) return 1;
-    const ClLoader library(argv[1]);
-    auto* create = library.Find<decltype(CreateSmbiosPackage)>("CreateSmbiosPackage");
-    auto* createFor = library.Find<decltype(CreateSmbiosPackageForKovr)>("CreateSmbiosPackageForKovr");
-    auto* destroy = library.Find<decltype(DestroySmbiosPackage)>("DestroySmbiosPackage");
-    auto* destroyFor = library.Find<decltype(DestroySmbiosPackageForKovr)>("DestroySmbiosPackageForKovr");
+    library = argv[1];
+    auto* create = Find<decltype(CreateSmbiosPackage)>("CreateSmbiosPackage");
+    auto* createFor = Find<decltype(CreateSmbiosPackageForKovr)>("CreateSmbiosPackageForKovr");
+    auto* destroy = Find<decltype(DestroySmbiosPackage)>("DestroySmbiosPackage");
+    auto* destroyFor = Find<decltype(DestroySmbiosPackageForKovr)>("DestroySmbiosPackageForKovr");
 
     std::vector<char> bytes;
     if (argc > 2 && argv[2] == std::string("--without-driver")) {
-        auto* machine = library.Find<decltype(ThisMachineWithoutDriver)>("ThisMachineWithoutDriver");
-        EXPECT(library.Find<decltype(SetMachine)>("SetMachine")(machine()) == kSuccess);
+        auto* machine = Find<decltype(ThisMachineWithoutDriver)>("ThisMachineWithoutDriver");
+        EXPECT(Find<decltype(SetMachine)>("SetMachine")(machine()) == kSuccess);
     } else if (argc > 2) {
         std::ifstream file(argv[2], std::ios::binary);
         bytes.assign(std::istreambuf_iterator<char>(file), {});
         const ImageSource_t image = {reinterpret_cast<const uint8_t*>(bytes.data()),
                                      static_cast<uint32_t>(bytes.size()), 3, 0, 0};
-        EXPECT(library.Find<decltype(SetImageMachine)>("SetImageMachine")(&image) == kSuccess);
+        EXPECT(Find<decltype(SetImageMachine)>("SetImageMachine")(&image) == kSuccess);
     }
 
     BaseAbstraction* package = create();

@@ -3,22 +3,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "Loader.h"
-
-namespace {
-
-void* Checked(void* found) {
-    if (found != nullptr) return found;
+void* FindIn(const char* library, const char* name) {
+    void* loaded = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+    if (void* found = loaded == nullptr ? nullptr : dlsym(loaded, name)) return found;
     std::fprintf(stderr, "%s\n", dlerror());
     std::exit(1);
-}
-
-}  // namespace
-
-ClLoader::ClLoader(const char* path) : m_library(Checked(dlopen(path, RTLD_NOW | RTLD_LOCAL))) {}
-
-ClLoader::~ClLoader() { dlclose(m_library); }
-
-ClLoader::Address_t ClLoader::Address(const char* name) const {
-    return reinterpret_cast<Address_t>(Checked(dlsym(m_library, name)));
 }

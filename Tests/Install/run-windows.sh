@@ -7,7 +7,6 @@ set -eu
 source=$1 build=$2
 work=$build/install-test
 stage=$work/stage
-sample=$work/sample.bin
 
 fail() {
     echo "$*" >&2
@@ -27,9 +26,8 @@ cmake --build host-build >/dev/null
 cp host-build/host.exe "$stage/bin"
 cd "$stage/bin"
 
-wine "$build/bin/WriteSample.exe" "Z:$sample"
-wine host.exe quorlin.dll "Z:$sample" | tr -d '\r' >"$work/host.txt"
-cmp "$work/examples/bare/program.txt" "$work/host.txt" || fail 'the host gives other items than quorlin.exe'
+wine host.exe quorlin.dll "Z:$work/examples/bare/table.bin" | tr -d '\r' >"$work/host.txt"
+cmp "$work/examples/bare/program.txt" "$work/host.txt" || fail 'the host shows other items than quorlin.exe'
 wine host.exe quorlin.dll --without-driver >"$work/machine.txt" || fail 'the host fails on this machine'
 [ -s "$work/machine.txt" ] || fail 'the host shows nothing of this machine'
 echo "$(wc -l <"$work/machine.txt") items of this machine"

@@ -17,7 +17,8 @@ fail() {
 rm -rf "$work"
 mkdir -p "$work/examples"
 DESTDIR='' cmake --install "$build" --prefix "$stage" >/dev/null
-"$build/bin/WriteSample" "$sample"
+# A dump without its entry point.
+"$stage/bin/quorlin" dump --sample - | tail -c +33 >"$sample"
 cp "$source"/Docs/examples/* "$work/examples"
 cd "$work"
 
@@ -55,20 +56,20 @@ cmake --build host-build >/dev/null
 [ -s program.txt ] || fail 'the installed program shows nothing'
 for program in ./items-cpp ./cmake-build/items-cpp "./host-build/host $libraries/libquorlin.so"; do
     $program "$sample" >items.txt || fail "$program fails"
-    cmp program.txt items.txt || fail "$program gives other items than quorlin"
+    cmp program.txt items.txt || fail "$program shows other items than quorlin"
 done
 
 ./items-c "$sample" >items-c.txt
-[ "$(wc -l <items-c.txt)" -eq $(($(wc -l <program.txt) + 1)) ] || fail 'items-c gives another number of items'
+[ "$(wc -l <items-c.txt)" -eq $(($(wc -l <program.txt) + 1)) ] || fail 'items-c shows another number of items'
 for program in ./cmake-build/items-c "python3 examples/items.py"; do
     $program "$sample" >items.txt || fail "$program fails"
-    cmp items-c.txt items.txt || fail "$program gives other items than items-c"
+    cmp items-c.txt items.txt || fail "$program shows other items than items-c"
 done
 [ "$(./cmake-build/containers-cpp | tail -n 1)" = '2 Willow' ] || fail "containers-cpp doesn't sort"
 # The example fails if this machine has no such table, or if this user may not read it.
 mcfg=/sys/firmware/acpi/tables/MCFG
 if [ -r $mcfg ]; then
-    [ "$(./cmake-build/acpi-cpp MCFG)" = "MCFG: $(wc -c <$mcfg) bytes" ] || fail 'acpi-cpp gives another size'
+    [ "$(./cmake-build/acpi-cpp MCFG)" = "MCFG: $(wc -c <$mcfg) bytes" ] || fail 'acpi-cpp shows another size'
 elif ./cmake-build/acpi-cpp MCFG 2>errors.txt; then
     fail "acpi-cpp shows a table that doesn't exist"
 fi
@@ -77,4 +78,4 @@ grep -q 'not a table' errors.txt || fail "items-c says: $(cat errors.txt)"
 
 [ "$(pkg-config --modversion quorlin)" = "$("$stage/bin/quorlin" --version | grep -o '[0-9.]*$')" ] ||
     fail 'quorlin.pc and the program differ in their version'
-echo "Every program gives the same $(wc -l <program.txt) items"
+echo "Every program shows the same $(wc -l <program.txt) items"

@@ -47,10 +47,10 @@ tail -c +33 dump.bin >table.bin
 items "$program" --image dump.bin --format lines >program.txt
 [ -s program.txt ] || fail 'quorlin.exe shows nothing'
 items items-cpp.exe table.bin >items-cpp.txt
-cmp program.txt items-cpp.txt || fail 'items-cpp.exe gives other items than quorlin.exe'
+cmp program.txt items-cpp.txt || fail 'items-cpp.exe shows other items than quorlin.exe'
 items items-c.exe dump.bin >items-c.txt
-[ "$(wc -l <items-c.txt)" -eq $(($(wc -l <program.txt) + 1)) ] || fail 'items-c.exe gives another number of items'
+[ "$(wc -l <items-c.txt)" -eq $(($(wc -l <program.txt) + 1)) ] || fail 'items-c.exe shows another number of items'
 [ "$(items containers-cpp.exe | tail -n 1)" = '2 Willow' ] || fail "containers-cpp.exe doesn't sort"
 if wine acpi-cpp.exe NONE 2>errors.txt; then fail "acpi-cpp.exe shows a table that doesn't exist"; fi
 grep -q 'NONE: not available' errors.txt || fail "acpi-cpp.exe says: $(cat errors.txt)"
-echo "Every program gives the same $(wc -l <program.txt) items of the sample"
+echo "Every program shows the same $(wc -l <program.txt) items of the sample"

@@ -27,7 +27,7 @@ apt-get download -qq "$package" || { $sudo apt-get update -qq && apt-get downloa
     failed "$package could not be downloaded"
 dpkg -x "$package"_*.deb .
 mv boot/vmlinuz-* vmlinuz
-# The image's boot header gives the payload's offset and size.
+# The image's boot header has the payload's offset and size.
 number() { od -An -t"$2" -j "$1" -N "${2#u}" vmlinuz | tr -d ' '; }
 start=$(((1 + $(number 497 u1)) * 512 + $(number 584 u4)))
 tail -c +$((start + 1)) vmlinuz | head -c "$(number 588 u4)" | xz -dc --single-stream >vmlinux

@@ -17,14 +17,21 @@ Tests/Machine/kernel.sh "$work/kernel"
 # Static programs, as the guest has no libraries.
 cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
     -DZLIB_USE_STATIC_LIBS=ON >/dev/null
-cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwareTest OSTest sample_files \
-    >"$work/build.log" || {
+cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwareTest OSTest >"$work/build.log" || {
     tail -40 "$work/build.log"
     exit 1
 }
 rm -rf "$work/root" "$work/sample"
 mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work/sample"
-"$work/programs/bin/sample_files" "$work/sample" >"$work/sample/options"
+# The sample without the entry point and the End-of-Table structure, which the emulator adds; and a file for each
+# structure.
+"$work/programs/bin/quorlin" dump --sample - | tail -c +33 | head -c -6 >"$work/sample/table"
+"$work/programs/bin/quorlin" raw --sample | sed -n 's/^Handle .* \([0-9]*\) bytes at offset \(.*\)h$/\1 0x\2/p' |
+    while read -r size offset; do
+        tail -c +$((offset + 1)) "$work/sample/table" | head -c "$size" >"$work/sample/$offset"
+        [ ! -s "$work/sample/$offset" ] || echo "-smbios file=$work/sample/$offset"
+    done >"$work/sample/options"
+sample="-smp 2,sockets=5,maxcpus=5 $(cat "$work/sample/options")"  # the emulator requires a socket for each processor
 for program in quorlin MachineTest LinuxHardwareTest OSTest; do cp "$work/programs/bin/$program" "$work/root/bin"; done
 cp /bin/busybox "$work/root/bin"
 cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
@@ -63,16 +70,16 @@ for name in $jobs; do
             -smbios type=1,manufacturer=Quorlin,product=Guest
         ;;
     sample)
-        # shellcheck disable=SC2046  # words are options
-        boot sample pc "$plain" "" -smp 2,sockets=2 $(cat "$work/sample/options")
+        # shellcheck disable=SC2086  # words are options
+        boot sample pc "$plain" "" $sample
         ;;
     sm3) boot sm3 q35,smbios-entry-point-type=64 "$plain" "" ;;
     lockdown) boot lockdown pc "$plain" lockdown=integrity ;;
     uefi)  # this firmware only boots compressed kernels
         kernel=vmlinuz
-        # shellcheck disable=SC2046  # words are options
-        boot uefi q35 "$plain" "" -bios /usr/share/ovmf/OVMF.fd -smp 2,sockets=2 -device pcie-root-port,id=rp \
-            -device virtio-rng-pci,bus=rp $(cat "$work/sample/options")
+        # shellcheck disable=SC2086
+        boot uefi q35 "$plain" "" -bios /usr/share/ovmf/OVMF.fd $sample -device pcie-root-port,id=rp \
+            -device virtio-rng-pci,bus=rp
         kernel=vmlinux
         ;;
     *)

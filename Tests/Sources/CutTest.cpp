@@ -40,7 +40,7 @@ void CutEverywhere(const uint8_t* table, size_t size, const std::string& what) {
     uint32_t items = 0;
     for (size_t length = 0; length <= size; length++) {
         const uint32_t now = ItemsOf(table, length, 0x506C0);
-        // More bytes give no fewer items, except the last letter of "Disabled", the name of a hidden firmware
+        // More bytes make no fewer items, except the last letter of "Disabled", the name of a hidden firmware
         // component.
         EXPECT_GE(now + 1, items) << what << " cut at " << length;
         items = now;

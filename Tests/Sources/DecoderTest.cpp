@@ -19,7 +19,7 @@ std::vector<std::string> Keys(ClSMBIOSType& decoder) {
 
 }  // namespace
 
-TEST(Decoder, GivesItsItemsOnceAndEachAsACopy) {
+TEST(Decoder, ReturnsEachItemOnce) {
     const std::unique_ptr<ClSMBIOSType> made(NewDecoder(3, {}));
     ClSMBIOSType& decoder = *made;
     ItemPair item;
@@ -36,7 +36,7 @@ TEST(Decoder, GivesItsItemsOnceAndEachAsACopy) {
     EXPECT_EQ(Keys(decoder).front(), "System Enclosure or Chassis Types {Type 3}_2#GROUPNAME");
 }
 
-TEST(Decoder, GivesOnlyTheTitleOfANullStructure) {
+TEST(Decoder, ShowsOnlyTheTitleOfANullStructure) {
     for (const TypeRow_t& row : TypeRows()) {
         const std::unique_ptr<ClSMBIOSType> decoder(NewDecoder(row.type, {.smbiosMajor = 3}));
         ASSERT_EQ(decoder == nullptr, row.sweep == Sweep_t::kNotDecoded) << row.Title();

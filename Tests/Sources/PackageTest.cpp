@@ -46,7 +46,7 @@ class ClPackage {
 
 const ClStructureBuilder kChassis = ClStructureBuilder(3, 0x15, 7).Bytes(4, {1, 3}).Strings({"May\"er \"& Co", " "});
 
-TEST(Package, GivesItemsAsLines) {
+TEST(Package, ReturnsItemsAsLines) {
     ClPackage package(TableOf({ClStructureBuilder(kChassis).Byte(6, 2)}));
     EXPECT_EQ(package->GetItemCount(), 17u);
     for (const char* line : {
@@ -72,7 +72,7 @@ TEST(Package, ReadsOnFromItsCursorAfterMoreTypes) {
     EXPECT_EQ(package.Next(), "\"System Enclosure or Chassis Types {Type 3}_2#GROUPNAME\", \"\"");
     for (int item = 18; item < 34; item++) package.Next();
     EXPECT_EQ(package.Next(), "(unchanged)");
-    EXPECT_EQ(package->GetTypes(3), kSuccess);  // the same items once more, numbered anew
+    EXPECT_EQ(package->GetTypes(3), kSuccess);  // the same items once more, numbered from 1 again
     EXPECT_EQ(package->GetItemCount(), 68u);
     EXPECT_EQ(package.Next(), "\"System Enclosure or Chassis Types {Type 3}#GROUPNAME\", \"\"");
 }
@@ -143,7 +143,7 @@ TEST(Package, ItemsOutliveTheTableOfOthers) {
 }
 
 // 255 members of 255 versions, shown by each of a thousand groups.
-TEST(Package, GetsABoundedNumberOfItems) {
+TEST(Package, ReturnsABoundedNumberOfItems) {
     std::vector<ClStructureBuilder> bomb(255, ClStructureBuilder(221, 5).Byte(4, 255));
     bomb.resize(1255, ClStructureBuilder(14, 8).Byte(5, 221));
     bomb.push_back(kChassis);

@@ -19,7 +19,7 @@ const std::vector<std::string> kBadNumbers = {
     "", " ", "x3", "-", "+", "+-1", "--1", "- 1", "x", "99999999999", "2147483648", "-2147483649", "(null string)",
 };
 
-TEST(Type148Translators, GiveTheWordsOfSettings) {
+TEST(Type148Translators, ReturnTheWordsOfSettings) {
     const struct {
         const char* name;
         std::string (*translate)(const char* text);
@@ -46,7 +46,7 @@ TEST(Type148Translators, GiveTheWordsOfSettings) {
     for (const std::string& text : kOnes) EXPECT_EQ(ClSMBIOSType148::GetBootMode(text.c_str()), "Fast Boot") << text;
 }
 
-TEST(Type148Translators, TellAFailureByStatus) {
+TEST(Type148Translators, ReturnAStatusForBadNumbers) {
     for (const auto translate : {ClSMBIOSType148::GetMaxCoreCState, ClSMBIOSType148::GetCPUFlavorString}) {
         std::string out = "untouched";
         for (const std::string& text : kBadNumbers) EXPECT_EQ(translate(text.c_str(), &out), kBadValue) << text;
@@ -197,7 +197,7 @@ TEST(Type148, LaterStructuresUseTheBoardOfEarlierOnes) {
     EXPECT_EQ(items.Text("Firmware Version Information {Type 148}_3#GROUPNAME"), "");
 }
 
-TEST(Type148, GivesNothingForNull) {
+TEST(Type148, ShowsNothingForNull) {
     ClSMBIOSType148 decoder(kTvl);
     decoder.PrintStructure(nullptr);
     ItemPair item;

@@ -1,5 +1,5 @@
-// Generated table images for tests that need many tables: SMBIOS versions 2.3 to 3.7, both entry points, small and
-// large, sound and with typical faults of firmware. They are the same in every run.
+// Images of parts of the sample, for tests that need many tables: SMBIOS versions 2.3 to 3.7, both entry points, sound
+// and with typical faults of firmware.
 #pragma once
 
 #include <cstddef>

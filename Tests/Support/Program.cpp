@@ -4,10 +4,10 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 
+#include "Packages/Format/TableFile.h"
 #include "Packages/OS/Program.h"
 
 std::string ReadWholeFile(const std::string& path) {
@@ -34,24 +34,10 @@ ProgramRun_t RunQuorlin(const std::string& arguments) {
 
 std::vector<uint8_t> DumpOf(const std::vector<uint8_t>& table, uint8_t major, uint8_t minor, uint64_t address,
                             size_t tableOffset) {
-    std::vector<uint8_t> dump(tableOffset);
-    const auto length = static_cast<uint32_t>(table.size());
-    if (major >= 3) {
-        std::memcpy(dump.data(), "_SM3_", 5);
-        dump[6] = 0x18;
-        dump[7] = major;
-        dump[8] = minor;
-        std::memcpy(&dump[0x0C], &length, 4);
-        std::memcpy(&dump[0x10], &address, 8);
-    } else {
-        std::memcpy(dump.data(), "_SM_", 4);
-        dump[5] = 0x1F;
-        dump[6] = major;
-        dump[7] = minor;
-        std::memcpy(&dump[0x10], "_DMI_", 5);
-        std::memcpy(&dump[0x16], &length, 2);
-        std::memcpy(&dump[0x18], &address, 4);
-    }
-    dump.insert(dump.end(), table.begin(), table.end());
+    std::vector<uint8_t> dump = MakeDump(table, major, minor);
+    const bool is64 = dump[3] == '3';
+    for (size_t place = 0; place < (is64 ? 8 : 4); place++)
+        dump[(is64 ? 0x10 : 0x18) + place] = static_cast<uint8_t>(address >> 8 * place);
+    dump.insert(dump.begin() + kTableOffset, tableOffset - kTableOffset, 0);
     return dump;
 }

@@ -17,7 +17,7 @@ ProgramRun_t RunQuorlin(const std::string& arguments);
 std::string WriteFile(const std::string& name, const std::vector<uint8_t>& bytes);
 std::string ReadWholeFile(const std::string& path);
 
-// A dump: an entry point with the table address `address` (_SM_ of 31 bytes for major 2, _SM3_ of 24 bytes for major
-// 3), zeros up to `tableOffset`, and the table.
-std::vector<uint8_t> DumpOf(const std::vector<uint8_t>& table, uint8_t major, uint8_t minor, uint64_t address,
+// A dump as the program makes it, but with the table's address `address`, which the checksums don't count, and the
+// table at `tableOffset`.
+std::vector<uint8_t> DumpOf(const std::vector<uint8_t>& table, uint8_t major, uint8_t minor, uint64_t address = 32,
                             size_t tableOffset = 32);

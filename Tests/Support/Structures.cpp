@@ -12,15 +12,14 @@ ClStructureBuilder::ClStructureBuilder(uint8_t type, uint8_t length, uint16_t ha
     Word(2, handle);
 }
 
-ClStructureBuilder& ClStructureBuilder::Number(size_t offset, uint64_t value, size_t size) {
-    for (size_t place = 0; place < size; place++) m_bytes.at(offset + place) = static_cast<uint8_t>(value >> 8 * place);
+ClStructureBuilder& ClStructureBuilder::Byte(size_t offset, uint8_t value) {
+    m_bytes.at(offset) = value;
     return *this;
 }
 
-ClStructureBuilder& ClStructureBuilder::Byte(size_t offset, uint8_t value) { return Number(offset, value, 1); }
-ClStructureBuilder& ClStructureBuilder::Word(size_t offset, uint16_t value) { return Number(offset, value, 2); }
-ClStructureBuilder& ClStructureBuilder::Dword(size_t offset, uint32_t value) { return Number(offset, value, 4); }
-ClStructureBuilder& ClStructureBuilder::Qword(size_t offset, uint64_t value) { return Number(offset, value, 8); }
+ClStructureBuilder& ClStructureBuilder::Word(size_t offset, uint16_t value) {
+    return Byte(offset, static_cast<uint8_t>(value)).Byte(offset + 1, static_cast<uint8_t>(value >> 8));
+}
 
 ClStructureBuilder& ClStructureBuilder::Bytes(size_t offset, std::initializer_list<uint8_t> values) {
     for (const uint8_t value : values) Byte(offset++, value);
@@ -48,10 +47,9 @@ std::vector<uint8_t> ClStructureBuilder::Image() const {
     return image;
 }
 
-std::string ClItems::Text(const std::string& key, size_t from) const {
-    for (size_t index = from; index < m_items.size(); index++)
-        if (m_items[index].key == key) return m_items[index].value;
-    return "(no such item)";
+std::string ClItems::Text(const std::string& key) const {
+    const std::vector<std::string> texts = Texts(key);
+    return texts.empty() ? "(no such item)" : texts.front();
 }
 
 std::vector<std::string> ClItems::Texts(const std::string& key) const {
@@ -73,8 +71,7 @@ std::vector<uint8_t> TableOf(const std::vector<ClStructureBuilder>& structures) 
         const std::vector<uint8_t> image = structure.Image();
         table.insert(table.end(), image.begin(), image.end());
     }
-    const std::vector<uint8_t> end = ClStructureBuilder(127, 4, 0xFEFF).Image();
-    table.insert(table.end(), end.begin(), end.end());
+    table.insert(table.end(), {127, 4, 0xFF, 0xFE, 0, 0});
     return table;
 }
 
@@ -105,11 +102,4 @@ ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine
 
 ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine) {
     return DecodeTable(TableOf(structures), structures.front().Type(), machine);
-}
-
-void ExpectItems(const ClStructureBuilder& structure, const std::string& title, const std::string& lines) {
-    const std::vector<uint8_t> image = structure.Image();
-    EXPECT_EQ(Decode(structure).Lines(), title + "#GROUPNAME=\nType=" + std::to_string(image[0]) +
-                                             "\nLength=" + std::to_string(image[1]) +
-                                             "\nHandle=" + std::to_string(image[2] | image[3] << 8) + "\n" + lines);
 }

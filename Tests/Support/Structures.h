@@ -14,8 +14,6 @@ class ClStructureBuilder {
 
     ClStructureBuilder& Byte(size_t offset, uint8_t value);
     ClStructureBuilder& Word(size_t offset, uint16_t value);
-    ClStructureBuilder& Dword(size_t offset, uint32_t value);
-    ClStructureBuilder& Qword(size_t offset, uint64_t value);
     ClStructureBuilder& Bytes(size_t offset, std::initializer_list<uint8_t> values);
     ClStructureBuilder& Strings(std::initializer_list<std::string> texts);
     // Adds a string after the others and sets the byte at `offset` to its number.
@@ -26,8 +24,6 @@ class ClStructureBuilder {
     std::vector<uint8_t> Image() const;
 
   private:
-    ClStructureBuilder& Number(size_t offset, uint64_t value, size_t size);
-
     std::vector<uint8_t> m_bytes;
     std::vector<std::string> m_strings;
 };
@@ -49,8 +45,8 @@ class ClItems {
     void Add(std::string key, std::string value) { m_items.push_back({std::move(key), std::move(value)}); }
     size_t Count() const { return m_items.size(); }
     const Item_t& operator[](size_t index) const { return m_items.at(index); }
-    // The value of the first item with this key, from item `from` on; "(no such item)" if there is none.
-    std::string Text(const std::string& key, size_t from = 0) const;
+    // The value of the first item with this key; "(no such item)" if there is none.
+    std::string Text(const std::string& key) const;
     // All values of items with this key, in order.
     std::vector<std::string> Texts(const std::string& key) const;
     // "KEY=VALUE" lines, for comparing a whole structure.
@@ -69,6 +65,3 @@ ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestM
 ClItems Decode(const ClStructureBuilder& structure, const TestMachine_t& machine = {});
 // The items of all structures of the first one's type; the table contains all structures given.
 ClItems Decode(const std::vector<ClStructureBuilder>& structures, const TestMachine_t& machine = {});
-
-// Expects the title, the items "Type", "Length" and "Handle", and then these lines.
-void ExpectItems(const ClStructureBuilder& structure, const std::string& title, const std::string& lines);

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <sstream>
 
 #include "Tests/Support/Program.h"
@@ -82,7 +81,7 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
     for (const fs::path& page : pages) {
         for (const ShownCommand_t& command : CommandsOf(page)) {
             count++;
-            // A page that shows how to make a dump makes it anew.
+            // The command creates the dump again.
             if (command.arguments.starts_with(" dump ")) fs::remove("machine.bin");
             const ProgramRun_t run = RunQuorlin(WithATable(command.arguments));
             EXPECT_LE(run.exitCode, 1) << command.place << ": " << run.errors;
@@ -101,35 +100,27 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
     fs::current_path(before);
 }
 
-// The schema of Docs.
-class ClSchema {
-  public:
-    ClSchema() {
+// Empty for a document that the schema of Docs allows; otherwise what is wrong.
+std::string Problem(const std::string& text) {
+    static const rapidjson::SchemaDocument schema = [] {
         rapidjson::Document document;
         document.Parse(ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/json-schema.json").c_str());
         EXPECT_FALSE(document.HasParseError());
-        m_schema = std::make_unique<rapidjson::SchemaDocument>(document);
-    }
-    // Empty for a document that the schema allows; otherwise what is wrong.
-    std::string Problem(const std::string& text) const {
-        rapidjson::Document document;
-        document.Parse<rapidjson::kParseValidateEncodingFlag>(text.c_str(), text.size());
-        if (document.HasParseError()) return rapidjson::GetParseError_En(document.GetParseError());
-        rapidjson::SchemaValidator validator(*m_schema);
-        return document.Accept(validator) ? "" : "not of the schema";
-    }
-
-  private:
-    std::unique_ptr<rapidjson::SchemaDocument> m_schema;
-};
+        return rapidjson::SchemaDocument(document);
+    }();
+    rapidjson::Document document;
+    document.Parse<rapidjson::kParseValidateEncodingFlag>(text.c_str(), text.size());
+    if (document.HasParseError()) return rapidjson::GetParseError_En(document.GetParseError());
+    rapidjson::SchemaValidator validator(schema);
+    return document.Accept(validator) ? "" : "not of the schema";
+}
 
 TEST(Docs, TheSchemaHoldsForEveryDocument) {
-    const ClSchema schema;
     for (const char* wrong : {"{}", "[]", R"({"source":"a","smbios":"3.0","structures":[],"more":1})",
                               R"({"source":"a","smbios":"3.0","structures":[{"type":256,"handle":0,"instance":1,)"
                               R"("title":"","items":[]}]})",
                               R"({"source":"a","smbios":"3.0","findings":[{"rule":"new","offset":0,"text":""}]})"})
-        EXPECT_NE(schema.Problem(wrong), "") << wrong;
+        EXPECT_NE(Problem(wrong), "") << wrong;
     // A string of all bytes, a title's structure cut short, and damage in front of it all.
     std::string bytes;
     for (unsigned byte = 1; byte < 256; byte++) bytes += static_cast<char>(byte);
@@ -143,10 +134,10 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
     for (const std::string& source : {std::string(" --sample"), odd, skipped, none})
         for (const std::string command : {"show", "types", "find a", "check"}) {
             const ProgramRun_t run = RunQuorlin(command + source + " --format ndjson");
-            EXPECT_EQ(schema.Problem(run.output), "") << command << source << "\n" << run.output.substr(0, 2000);
+            EXPECT_EQ(Problem(run.output), "") << command << source << "\n" << run.output.substr(0, 2000);
         }
-    EXPECT_EQ(schema.Problem(RunQuorlin("--sample --format json").output), "");
-    EXPECT_EQ(schema.Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
+    EXPECT_EQ(Problem(RunQuorlin("--sample --format json").output), "");
+    EXPECT_EQ(Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
 }
 
 }  // namespace

@@ -59,6 +59,6 @@ for shell in bash zsh fish; do
     fi
 done
 "$writer" man "$manual" | cmp - "$manual" ||
-    fail "the manual page is out of date: write_program_docs man Docs/quorlin.1 writes it anew"
+    fail "the manual page is out of date: write it with write_program_docs man Docs/quorlin.1"
 "$program" --help | grep -q -- '--road' && fail "help shows an old name"
 exit $((failures != 0))

@@ -1,9 +1,8 @@
-// The worst tables that one can make of what multiplies, and what each command may take of them. With QUORLIN_LONG in
-// the environment they are as large as a table may be, and take a quarter of an hour.
+// The tables that cost most time and memory, and the most that each command may use for them. With QUORLIN_LONG in the
+// environment they are as large as a table may be, and take a quarter of an hour.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -30,7 +29,7 @@ std::string Structure(uint8_t type, const std::string& fields, const std::string
     return std::string{static_cast<char>(type), static_cast<char>(4 + fields.size()), 1, 0} + fields + strings;
 }
 
-// As much of `unit` after `head` as a table may hold.
+// `head`, and `unit` as often as a table has room for it.
 std::string Filled(const std::string& head, const std::string& unit) {
     std::string table = head;
     while (table.size() + unit.size() + kEnd <= tableBytes) table += unit;
@@ -43,26 +42,25 @@ std::string Repeated(const std::string& text, size_t count) {
     return repeated;
 }
 
-// Runs the program with so much memory at most; its output goes to `output`. Gives the processor's seconds, or none for
-// a run that lacked memory or that a signal ended.
-std::optional<double> SecondsOf(std::vector<const char*> words, const std::string& output) {
+// Runs the program with so much memory at most; its output goes to `output`. Returns the processor's seconds, or none
+// for a run that lacked memory or that a signal ended.
+std::optional<double> SecondsOf(std::vector<std::string> words, const std::string& output) {
+    const auto seconds = [] {
+        rusage usage = {};
+        getrusage(RUSAGE_CHILDREN, &usage);
+        return static_cast<double>(usage.ru_utime.tv_sec) + 1e-6 * static_cast<double>(usage.ru_utime.tv_usec);
+    };
     words.insert(words.begin(), QUORLIN_PROGRAM);
-    words.push_back(nullptr);
-    const std::string errors = output + ".errors";
-    const pid_t child = fork();
-    if (child == 0) {
+    const double before = seconds();
+    const ProgramRun_t run = RunPrepared(words, [&output] {
+        alarm(0);
         dup2(open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
-        dup2(open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
         const rlimit limit = {mostBytes, mostBytes};
-        if (setrlimit(RLIMIT_AS, &limit) == 0) execv(words[0], const_cast<char**>(words.data()));
-        _exit(99);
-    }
-    int status = 0;
-    rusage usage = {};
-    wait4(child, &status, 0, &usage);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) > 2) return {};
-    if (ReadWholeFile(errors).find("out of memory") != std::string::npos) return {};
-    return static_cast<double>(usage.ru_utime.tv_sec) + 1e-6 * static_cast<double>(usage.ru_utime.tv_usec);
+        if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(99);
+    });
+    const bool isComplete =
+        run.exitCode >= 0 && run.exitCode <= 2 && run.errors.find("out of memory") == run.errors.npos;
+    return isComplete ? std::optional(seconds() - before) : std::nullopt;
 }
 
 TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
@@ -71,7 +69,7 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
     const std::string versions = Repeated(Structure(221, "\xFF", Repeated("a\0"s, 255) + "\0"s), 255);
     const std::string disabled = Structure(221, "\2", "a\0"s + Repeated("Disabled\0"s, 200000) + "b\0\0"s);
     const std::string number = std::string(60, 0x01);
-    std::vector<std::pair<std::string, std::string>> tables;  // what is bad, and the table
+    std::vector<std::pair<std::string, std::string>> tables;  // what is bad about it, and the table
     const auto add = [&tables](const char* what, std::string table) { tables.emplace_back(what, std::move(table)); };
     add("11, counts of what isn't there", Filled("", Structure(11, "\xFF")));
     add("11, many strings", Structure(11, "\xFF", Repeated("a\0"s, most / 2) + "\0"s));
@@ -90,22 +88,21 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
     add("a Length of 0", Filled("", "\x0B\0\0"s));
     add("no decoder, many strings", Structure(200, "", Repeated("a\0"s, most / 2) + "\0"s));
     add("no decoder, many structures", Filled("", Structure(200, "")));
-    std::vector<std::vector<const char*>> commands = {
-        {"find", "none"},
-        {"types"     },
-        {"check"},
-        {"raw"     }
-    };
+    std::vector<std::vector<std::string>> commands;
     for (const char* format : {"lines", "text", "json", "csv"}) commands.push_back({"show", "--format", format});
-    commands.push_back({"check", "--format", "json"});
-    commands.push_back({"get", "1", "none"});
+    for (const char* command : {"types", "check", "raw"}) commands.push_back({command});
+    commands.insert(commands.end(), {
+                                        {"find",      "none"},
+                                        { "get",        "1", "none"},
+                                        { "check", "--format", "json"}
+    });
     const std::string file = testing::TempDir() + "worst.bin", output = testing::TempDir() + "worst.out";
     for (const auto& [bad, table] : tables) {
         WriteFile("worst.bin", std::vector<uint8_t>(table.begin(), table.end()));
-        for (std::vector<const char*> words : commands) {
+        for (std::vector<std::string> words : commands) {
             const std::string what = bad + ": " + words[0] + " " + words.back();
-            words.insert(words.end(), {"--as", "table", "--image", file.c_str()});
-            if (bad.starts_with("148") && (words[0] == "show"s || words[0] == "find"s))
+            words.insert(words.end(), {"--as", "table", "--image", file});
+            if (bad.starts_with("148") && (words[0] == "show" || words[0] == "find"))
                 words.insert(words.end(), {"--type", "148"});
             const std::optional<double> seconds = SecondsOf(words, output);
             const auto written = static_cast<double>(ReadWholeFile(output).size());
