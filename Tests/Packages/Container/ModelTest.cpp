@@ -22,16 +22,19 @@ class ClModel {
 
     const std::vector<void*>& Entries() const { return m_entries; }
     int32_t Size() const { return static_cast<int32_t>(m_entries.size()); }
+    void SetMemory(bool hasMemory) { m_hasMemory = hasMemory; }
 
     status_t InsertAtIndex(void* data, int32_t index) {
         if (m_type != kPlainList) return 5;
         if (data == nullptr) return 4;
         if (index < 0 || index > Size()) return 2;
+        if (!m_hasMemory) return 3;
         m_entries.insert(m_entries.begin() + index, data);
         return 1;
     }
     status_t Insert(void* data) {
         if (data == nullptr) return 4;
+        if (!m_hasMemory) return m_type == kAVLTree && !m_entries.empty() ? 5 : 3;
         const auto below = [](void* a, void* b) { return KeyOf(a) < KeyOf(b); };
         auto place = m_entries.end();
         if (m_type == kSortedList) place = std::lower_bound(m_entries.begin(), m_entries.end(), data, below);
@@ -70,6 +73,7 @@ class ClModel {
     status_t Push(void* data) {
         if (IsTree()) return 5;
         if (data == nullptr) return 4;
+        if (!m_hasMemory) return 3;
         if (m_type == kSortedList && !m_entries.empty() && KeyOf(data) < KeyOf(m_entries.back())) return 2;
         m_entries.push_back(data);
         return 1;
@@ -105,6 +109,7 @@ class ClModel {
     const ClContainer& m_container;
     const uint32_t m_type;
     std::vector<void*> m_entries;
+    bool m_hasMemory = true;
 };
 
 struct Run_t {
@@ -148,6 +153,9 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
         void *got = &wanted, *expected = &wanted;
         status_t status = 0, right = 0;
         const int operation = upTo(9);
+        const bool hasMemory = upTo(49) != 0;
+        model.SetMemory(hasMemory);
+        if (!hasMemory) containerLibrary.Malloc = [](size_t) -> void* { return nullptr; };
         if (operation <= 1) {
             right = model.Insert(data);
             status = Insert(handle, data);
@@ -179,6 +187,7 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
             status = RetrieveFromIndex(handle, &got, place);
             nextRead = status == 1 ? place + 1 : 0;
         }
+        containerLibrary.Malloc = os_malloc;
         EXPECT_EQ(status, right);
         EXPECT_EQ(got, expected);
         EXPECT_EQ(container.Entries(), model.Entries());
