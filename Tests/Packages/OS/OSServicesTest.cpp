@@ -108,26 +108,6 @@ TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
     EXPECT_EQ(os_WaitProcess(nullptr), kNullPointer);
 }
 
-TEST_F(OSServices, StreamsAndTextsAreTheRuntimes) {
-    char text[16] = "", letters[] = "abab";
-    FILE* file = os_fopen((m_folder / "stream").string().c_str(), "w+b");
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(os_fprintf(file, "%s=%d\n", "one", 1), 6);
-    EXPECT_GE(os_fputs("two\n", file), 0);
-    EXPECT_EQ(os_fwrite("three", 2, 2, file), 2u);
-    EXPECT_EQ(os_ftell(file), 14);
-    EXPECT_EQ(os_fseek(file, -8, SEEK_CUR), 0);
-    EXPECT_STREQ(os_fgets(text, sizeof text, file), "two\n");
-    EXPECT_EQ(os_fread(text, 1, sizeof text, file), 4u);
-    EXPECT_EQ(os_fclose(file), 0);
-    EXPECT_EQ(os_fopen(nullptr, "r"), nullptr);
-    EXPECT_EQ(os_atoi(" -12x"), -12);
-    EXPECT_EQ(os_strncmp("abc", "abd", 2), 0);
-    EXPECT_LT(os_strncmp("abc", "abd", 3), 0);
-    EXPECT_EQ(os_strchr(letters, 'b'), letters + 1);
-    EXPECT_EQ(os_strrchr(letters, 'b'), letters + 3);
-}
-
 TEST_F(OSServices, FindsFilesAndNoFolders) {
     char** names = nullptr;
     uint32_t count = 7;

@@ -2,7 +2,6 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,25 +16,6 @@
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {
-
-// A process without free descriptors can still wait and kill.
-TEST(Process, WaitsAndKillsWithoutDescriptors) {
-    const int result = InChild([] {
-        const char* const arguments[] = {"sleep", "0.2", nullptr};
-        ProcessRecord_t waited = {}, killed = {};
-        EXPECT_EQ(os_StartProcess("/bin/sleep", arguments, nullptr, &waited), kSuccess);
-        EXPECT_EQ(os_StartProcess("/bin/sleep", std::vector{"sleep", "100", static_cast<const char*>(nullptr)}.data(),
-                                  nullptr, &killed),
-                  kSuccess);
-        rlimit none = {3, 3};
-        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-        alarm(20);
-        EXPECT_EQ(os_WaitProcess(&waited), kSuccess);
-        EXPECT_EQ(os_KillProcess(&killed), kSuccess);
-        return HasFailure() ? 1 : 0;
-    });
-    EXPECT_EQ(result, 0);
-}
 
 TEST(Process, DetachedOneLeavesNoZombie) {
     const int result = InChild([] {

@@ -1,4 +1,4 @@
-// What the layer gives a program: new files, descriptors above those of the standard streams, and standard output.
+// What the layer gives a program: new files, and standard output.
 #include "Packages/OS/Program.h"
 
 #include <cpuid.h>
@@ -13,8 +13,6 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "Packages/OS/ConfigFile.h"
-#include "Packages/OS/OS.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {
@@ -125,24 +123,6 @@ TEST(Program, WritesNoFileWithRightsThatItsUserLacks) {
         << refused.errors;
     EXPECT_FALSE(fs::exists(folder + "log"));
     EXPECT_EQ(run("Global:OutputType<Co>").exitCode, 0);
-}
-
-TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
-    const std::string folder = Folder();
-    const int result = InChild([&] {
-        for (const int stream : {0, 1, 2}) close(stream);
-        std::FILE* const files[] = {OpenLogFile((folder + "new").c_str(), false),
-                                    os_fopen((folder + "new").c_str(), "r"), OpenFile(folder + "other", "w"),
-                                    OpenLogFile("/dev/null", true)};
-        int number = 1;
-        for (std::FILE* file : files) {
-            if (file == nullptr || fileno(file) <= 2 || (fcntl(fileno(file), F_GETFD) & FD_CLOEXEC) == 0) return number;
-            ++number;
-        }
-        return std::fputs("text", files[2]) >= 0 && std::fclose(files[2]) == 0 ? 0 : number;
-    });
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(ReadWholeFile(folder + "other"), "text");
 }
 
 // All bytes reach a slow reader through a non-blocking pipe of 64 KiB.
