@@ -129,24 +129,6 @@ TEST(Front, TakesANameWithoutNul) {
     EXPECT_EQ(UnInitContainer(handle), kSuccess);
 }
 
-// A comparison may read its own container by index and sees its present entries.
-TEST(Place, IsForgottenBeforeAComparisonRuns) {
-    static const ClContainer* compared;
-    const auto compare = [](const void* first, const void* second) {
-        const std::vector<void*> entries = compared->Entries();
-        void* middle = nullptr;
-        RetrieveFromIndex(compared->handle, &middle, static_cast<int32_t>(entries.size() / 2));
-        EXPECT_EQ(middle, entries[entries.size() / 2]);
-        return CompareKeys(first, second);
-    };
-    for (const uint32_t type : kAllTypes) {
-        std::vector<Entry_t> entries;
-        ClContainer container(type, compare);
-        compared = &container;
-        Play(container, &entries, "9 8 7 6 5 4 3 2 1 -9 -5");
-    }
-}
-
 // So a read of all entries by rising index is linear.
 TEST(Place, EachReadContinuesFromTheLast) {
     for (const uint32_t type : kAllTypes) {

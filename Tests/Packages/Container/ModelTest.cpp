@@ -112,6 +112,18 @@ class ClModel {
     bool m_hasMemory = true;
 };
 
+// A comparison may read its own container by index and sees its present entries. Null: this one reads none.
+const ClContainer* compared = nullptr;
+int32_t CompareAndRead(const void* first, const void* second) {
+    if (compared != nullptr) {
+        const std::vector<void*> entries = compared->Entries();
+        void* middle = nullptr;
+        RetrieveFromIndex(compared->handle, &middle, static_cast<int32_t>(entries.size() / 2));
+        EXPECT_EQ(middle, entries[entries.size() / 2]);
+    }
+    return CompareKeys(first, second);
+}
+
 struct Run_t {
     const char* what;
     uint32_t type;
@@ -124,7 +136,7 @@ class Model : public testing::TestWithParam<Run_t> {};
 TEST_P(Model, RandomOperationsDoAsTheModelSays) {
     const Run_t run = GetParam();
     std::vector<std::unique_ptr<Entry_t>> made;
-    ClContainer container(run.type);
+    ClContainer container(run.type, CompareAndRead);
     ClModel model(container);
     ContainerHandle_t handle = container.handle;
     std::mt19937 random(20240611);
@@ -155,6 +167,7 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
         const int operation = upTo(9);
         const bool hasMemory = upTo(49) != 0;
         model.SetMemory(hasMemory);
+        compared = upTo(49) == 0 ? &container : nullptr;
         if (!hasMemory) containerLibrary.Malloc = [](size_t) -> void* { return nullptr; };
         if (operation <= 1) {
             right = model.Insert(data);
@@ -188,6 +201,7 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
             nextRead = status == 1 ? place + 1 : 0;
         }
         containerLibrary.Malloc = os_malloc;
+        compared = nullptr;
         EXPECT_EQ(status, right);
         EXPECT_EQ(got, expected);
         EXPECT_EQ(container.Entries(), model.Entries());
