@@ -168,26 +168,23 @@ TEST_F(ClDebugConfig, TheFileIsReadOnceInAProcess) {
 }
 
 TEST_F(ClDebugConfig, HostsTextReplacesTheFile) {
-    const std::string longLine = "#" + std::string(254, 'x') + "A:TraceType<In>;A:TraceFormatType<Fn>";
+    const std::string longLine = "#" + std::string(254, 'x') + "A:TraceType<In>;A:TraceType<Pa>";
     const struct {
         std::string text;
         status_t status;
-        uint64_t traceMask, traceFormat;
+        uint64_t traceMask;
     } kCases[] = {
-        {"A:TraceType<In>",                          1, 2, 15},
-        {"A:TraceType<In>;A:TraceFormatType<Fn>",    1, 2, 1 },
-        {"A:TraceType<In>\n; ;A : TraceType < Pa >", 1, 4, 15},
-        {"A:TraceType<In>;#A:TraceType<Pa>;",        1, 2, 15},
-        {"",                                         1, 0, 15},
-        {longLine,                                   1, 2, 1 }, // in pieces, as from a file
-  // The file is read after a refused text.
-        {"A:TraceType<Xx>",                          5, 1, 15},
-        {"Global:TraceType<In>;bad",                 5, 1, 15},
+        {"A:TraceType<In>;A:TraceType<Pa>",          1, 4},
+        {"A:TraceType<In>\n; ;A : TraceType < Pa >", 1, 4},
+        {"A:TraceType<In>;#A:TraceType<Pa>;",        1, 2},
+        {"",                                         1, 0},
+        {longLine,                                   1, 4}, // in pieces, as from a file
+        {"Global:TraceType<In>;bad",                 5, 1}, // the file is read after a refused text
     };
     for (const auto& c : kCases) {
         Restart("A:TraceType<En>");
         EXPECT_EQ(DebugUseConfigText(c.text.c_str()), c.status) << c.text;
-        EXPECT_EQ(SettingsOfA(), (Settings_t{c.traceMask, 1, c.traceFormat, 8})) << c.text;
+        EXPECT_EQ(SettingsOfA(), (Settings_t{c.traceMask, 1, 15, 8})) << c.text;
         EXPECT_EQ(DebugUseConfigText("A:TraceType<Pa>"), kFailure) << c.text;
     }
     EXPECT_EQ(DebugUseConfigText(nullptr), kNullPointer);

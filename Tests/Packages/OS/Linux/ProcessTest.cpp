@@ -68,14 +68,13 @@ TEST(Library, IsGoneAfterEachOfAThousandLoads) {
             const ImageSource_t image = {dump.data() + 32, static_cast<uint32_t>(dump.size() - 32), 3, 0, 0};
             if (use(&image) != kSuccess) return 3;
             BaseAbstraction* package = create();
-            if (package->Initialize() != kSuccess || HandlersAndStack() == before) return 8;
-            if (package->UnInitialize() != kSuccess) return 9;
+            if (package->Initialize() != kSuccess || HandlersAndStack() == before) return 4;
+            if (package->UnInitialize() != kSuccess) return 5;
             destroy(package);
-            if (dlclose(library) != 0) return 4;
-            if (round == 0 && ReadWholeFile("/proc/self/maps").find("libquorlin") != std::string::npos) return 5;
+            if (dlclose(library) != 0) return 6;
         }
-        if (ReadWholeFile("/proc/self/maps").find("libquorlin") != std::string::npos) return 6;
-        return HandlersAndStack() == before ? 0 : 7;
+        if (ReadWholeFile("/proc/self/maps").find("libquorlin") != std::string::npos) return 7;
+        return HandlersAndStack() == before ? 0 : 8;
     });
     EXPECT_EQ(result, 0);
 }
