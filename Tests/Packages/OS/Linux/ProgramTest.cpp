@@ -102,25 +102,6 @@ TEST(Program, ReadsHardwareFromTheShell) {
     EXPECT_EQ(RunQuorlin("hw cpuid 0").output, text);
 }
 
-// A set-user-ID copy of root's.
-TEST(Program, WritesNoFileWithRightsThatItsUserLacks) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can give the program his rights";
-    const std::string folder = Folder(), copy = folder + "copy";
-    fs::copy_file(QUORLIN_PROGRAM, copy);
-    fs::permissions(copy, fs::perms::set_uid | fs::perms::others_read | fs::perms::others_exec, fs::perm_options::add);
-    const auto run = [&](const std::string& trace) {
-        return RunPrepared({copy, "--sample", "--type", "24", "--trace", "Global:TraceType<Al>;" + trace}, [] {
-            if (!BecomeNobody()) _exit(99);
-        });
-    };
-    const ProgramRun_t refused = run("Global:FileName<" + folder + "log>");
-    EXPECT_EQ(refused.exitCode, 2);
-    EXPECT_NE(refused.errors.find("--trace: no file is written with rights that the user"), std::string::npos)
-        << refused.errors;
-    EXPECT_FALSE(fs::exists(folder + "log"));
-    EXPECT_EQ(run("Global:OutputType<Co>").exitCode, 0);
-}
-
 // All bytes reach a slow reader through a non-blocking pipe of 64 KiB.
 TEST(StandardStreams, NonBlockingOutputIsWaitedFor) {
     int ends[2];

@@ -6,6 +6,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <iterator>
 #include <optional>
 #include <sstream>
@@ -15,17 +16,16 @@
 namespace {
 
 constexpr SystemCall_t kMakesFiles[] = {
-    {SYS_openat,                2, O_CREAT},
-    {SYS_openat,                  2, O_TMPFILE & ~O_DIRECTORY},
-    {SYS_open,                1, O_CREAT},
-    {SYS_creat},
-    {SYS_mkdir                 },
-    {SYS_mkdirat                 },
-    {SYS_mknodat                },
-    {SYS_bind                },
+    {SYS_openat,  2, O_CREAT                 },
+    {SYS_openat,  2, O_TMPFILE & ~O_DIRECTORY},
+    {SYS_mkdir,   0, 0                       },
+    {SYS_mkdirat, 0, 0                       },
+    {SYS_mknodat, 0, 0                       },
+    {SYS_bind,    0, 0                       },
 };
 
 TEST(Traces, NoRunLeavesAny) {
+    if (HasCoverage()) GTEST_SKIP() << "the counters of a run are files";
     std::optional<ClFolderOver> noDevices;
     if (ClFolderOver::IsPossible()) noDevices.emplace("/dev");  // keeps root from reading this machine's memory
     const std::string image = WriteFile("traces-image", DumpOf({127, 4, 0, 0, 0, 0}, 3, 0, 32));
