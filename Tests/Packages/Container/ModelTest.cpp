@@ -170,7 +170,7 @@ TEST_P(Model, RandomOperationsDoAsTheModelSays) {
         const int operation = upTo(9);
         const bool hasMemory = upTo(49) != 0;
         model.SetMemory(hasMemory);
-        compared = upTo(49) == 0 ? &container : nullptr;
+        compared = upTo(199) == 0 ? &container : nullptr;
         if (!hasMemory) containerLibrary.Malloc = [](size_t) -> void* { return nullptr; };
         if (operation <= 1)
             statuses = {model.Insert(data), Insert(handle, data)};
