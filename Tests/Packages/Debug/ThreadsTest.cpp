@@ -23,19 +23,18 @@ TEST_F(Threads, OpenHandlesAndContainersAndWriteWholeLines) {
     for (int t = 0; t < kThreads; ++t) {
         for (int i = 0; i < kLines; ++i)
             expected.push_back(" Fn:Run thread " + std::to_string(t) + " line " + std::to_string(i));
-        threads.emplace_back([&done, t] {
-            const std::string own = "Own" + std::to_string(t);
+        threads.emplace_back([&done, handle, t] {
             for (int i = 0; i < kLines; ++i) {
-                DebugHandle_t shared = nullptr, alone = nullptr;
+                DebugHandle_t often = nullptr, own = nullptr;
                 ContainerParams_t params = {"Threads", kPlainList, kInt32Data, 0, nullptr, nullptr};
                 ContainerHandle_t list = nullptr;
-                const bool isOpen = DebugLibInit("Shared", &shared) == kSuccess &&
-                                    DebugLibInit(own.c_str(), &alone) == kSuccess &&
+                const bool isOpen = DebugLibInit("Often", &often) == kSuccess &&
+                                    DebugLibInit(std::to_string(t).c_str(), &own) == kSuccess &&
                                     InitContainer(&params, &list, 0) == kSuccess;
-                QUORLIN_TRACE(shared, "", "Run", kEntry, "thread %d line %d", t, i);
-                QUORLIN_TRACE(shared, "", "Run", kInfo, "not to be seen");
-                const bool isClosed = isOpen && UnInitContainer(list) == kSuccess && DebugLibExit(alone) == kSuccess &&
-                                      DebugLibExit(shared) == kSuccess;
+                QUORLIN_TRACE(handle, "", "Run", kEntry, "thread %d line %d", t, i);
+                QUORLIN_TRACE(often, "", "Run", kInfo, "not to be seen");
+                const bool isClosed = isOpen && UnInitContainer(list) == kSuccess && DebugLibExit(own) == kSuccess &&
+                                      DebugLibExit(often) == kSuccess;
                 done += isClosed;
             }
         });
