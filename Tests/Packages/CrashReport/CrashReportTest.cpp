@@ -8,24 +8,23 @@
 #include "Packages/CrashReport/CrashReport.h"
 
 TEST(CrashReport, TellsTheCauseAndTheAccess) {
+    constexpr char kAccess[] = "EXCEPTION_ACCESS_VIOLATION", kPage[] = "EXCEPTION_IN_PAGE_ERROR";
+    constexpr uint64_t kHigh = 0x7FFE12345678, kEnd = 0xC0000011;
     const struct {
         uint32_t code;
         uint64_t information[3];
-        std::string cause;
+        const char *cause, *access;
     } kCases[] = {
-        {0x80000003, {1, 2, 3},              "EXCEPTION_BREAKPOINT"                                                           },
-        {0xC00000FD, {0, 0, 0},              "EXCEPTION_STACK_OVERFLOW"                                                       },
-        {0x40010005, {0, 0, 0},              "DBG_CONTROL_C (WTF!)"                                                           },
-        {0xE06D7363, {0, 0, 0},              "e06d7363"                                                                       },
-        {0x00000001, {0, 0, 0},              "00000001"                                                                       },
-        {0xC0000005, {0, 0, 0},              "EXCEPTION_ACCESS_VIOLATION Attempted to read from: 0x00000000"                  },
-        {0xC0000005, {1, 0x7FFE12345678, 0}, "EXCEPTION_ACCESS_VIOLATION Attempted to write to: 0x7ffe12345678"               },
-        {0xC0000005, {8, 16, 0},             "EXCEPTION_ACCESS_VIOLATION Data Execution Prevention (DEP) at: 0x00000010"      },
-        {0xC0000005, {2, 16, 9},             "EXCEPTION_ACCESS_VIOLATION Unknown access violation at: 0x00000010"             },
-        {0xC0000006, {0, 16, 0},             "EXCEPTION_IN_PAGE_ERROR Attempted to read from: 0x00000010 NTSTATUS: 0x00000000"},
-        {0xC0000006,
-         {1, 16, 0xC0000011},
-         "EXCEPTION_IN_PAGE_ERROR Attempted to write to: 0x00000010 NTSTATUS: 0xc0000011"                                     },
+        {0x80000003, {1, 2, 3},     "EXCEPTION_BREAKPOINT", ""                                                        },
+        {0x40010005, {0, 0, 0},     "DBG_CONTROL_C (WTF!)", ""                                                        },
+        {0xE06D7363, {0, 0, 0},     "e06d7363",             ""                                                        },
+        {0x00000001, {0, 0, 0},     "00000001",             ""                                                        },
+        {0xC0000005, {0, 0, 0},     kAccess,                " Attempted to read from: 0x00000000"                     },
+        {0xC0000005, {1, kHigh, 0}, kAccess,                " Attempted to write to: 0x7ffe12345678"                  },
+        {0xC0000005, {8, 16, 0},    kAccess,                " Data Execution Prevention (DEP) at: 0x00000010"         },
+        {0xC0000005, {2, 16, 9},    kAccess,                " Unknown access violation at: 0x00000010"                },
+        {0xC0000006, {0, 16, 0},    kPage,                  " Attempted to read from: 0x00000010 NTSTATUS: 0x00000000"},
+        {0xC0000006, {1, 16, kEnd}, kPage,                  " Attempted to write to: 0x00000010 NTSTATUS: 0xc0000011" },
     };
     for (const auto& c : kCases) {
         Fault_t fault = {c.code, 0x1234, {}};
@@ -33,9 +32,8 @@ TEST(CrashReport, TellsTheCauseAndTheAccess) {
         testing::internal::CaptureStdout();
         EXPECT_EQ(ReportUnhandledException(fault), 0);
         EXPECT_EQ(testing::internal::GetCapturedStdout(),
-                  "\n***EXCEPTION HANDLING START***\n"
-                  " Exception at address: 0x0000000000001234 Cause: " +
-                      c.cause + "\n***EXCEPTION HANDLING END***\n");
+                  std::string("\n***EXCEPTION HANDLING START***\n Exception at address: 0x0000000000001234 Cause: ") +
+                      c.cause + c.access + "\n***EXCEPTION HANDLING END***\n");
     }
 }
 
