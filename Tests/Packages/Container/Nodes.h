@@ -35,8 +35,8 @@ class ClContainer {
         EXPECT_EQ(UnInitContainer(handle), kSuccess);
     }
     bool IsTree() const { return handle->ContainerType >= kRedBlackTree; }
-    std::vector<void*> Entries() const;  // in order
-    void Check() const;                  // the kind's invariants
+    std::vector<void*> Entries() const;           // in order
+    void Check(bool hasEqualKeys = false) const;  // the kind's invariants
 
     ContainerHandle_t handle = nullptr;
 };
@@ -85,19 +85,16 @@ inline int CheckRB(const RBNode_t* node, const RBNode_t* absent) {
     return left + (node->Color == kBlack);
 }
 
-inline int32_t CheckAVL(const AVLNode_t* node) {
+inline int32_t CheckAVL(const AVLNode_t* node, bool hasEqualKeys) {
     if (node == nullptr) return 0;
-    const int32_t left = CheckAVL(node->Left), right = CheckAVL(node->Right);
+    const int32_t left = CheckAVL(node->Left, hasEqualKeys), right = CheckAVL(node->Right, hasEqualKeys);
+    EXPECT_TRUE(hasEqualKeys || std::abs(node->Balance) <= 1);
     EXPECT_EQ(node->Height, std::max(left, right) + 1);
     EXPECT_EQ(node->Balance, left - right);
     return node->Height;
 }
 
-inline bool IsBalanced(const AVLNode_t* node) {
-    return node == nullptr || (std::abs(node->Balance) <= 1 && IsBalanced(node->Left) && IsBalanced(node->Right));
-}
-
-inline void ClContainer::Check() const {
+inline void ClContainer::Check(bool hasEqualKeys) const {
     if (handle->ContainerType == kRedBlackTree) {
         const RBNode_t& sentinel = handle->Sentinel;
         EXPECT_EQ(handle->RBRoot->Color, kBlack);
@@ -106,7 +103,7 @@ inline void ClContainer::Check() const {
                     sentinel.Right == nullptr && sentinel.Parent == nullptr);
         CheckRB(handle->RBRoot, &sentinel);
     } else if (handle->ContainerType == kAVLTree) {
-        CheckAVL(handle->AVLRoot);
+        CheckAVL(handle->AVLRoot, hasEqualKeys);
     } else {
         CheckList(*handle);
     }

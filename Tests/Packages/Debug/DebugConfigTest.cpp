@@ -11,8 +11,9 @@ class ClDebugConfig : public ClTraceTest {
         DebugResetForTest();
         WriteConfig(config);
     }
-    // TraceMask, OutputType, TraceFormat and Flags of a handle A that is opened now.
-    std::vector<uint64_t> SettingsOfA() {
+    // TraceMask, OutputType, TraceFormat and Flags of a handle A that is opened now; none if it can't be opened.
+    using Settings_t = std::vector<uint64_t>;
+    Settings_t SettingsOfA() {
         const DebugHandle_t a = Open("A");
         if (a == nullptr) return {};
         return {a->TraceMask, a->OutputType, a->TraceFormat, a->Flags};
@@ -34,7 +35,7 @@ TEST_F(ClDebugConfig, TokensAddUpFromLeftToRight) {
         std::istringstream texts(c.texts);
         std::string tokens;
         for (uint64_t bits; texts >> tokens >> bits;) {
-            std::vector<uint64_t> expected = {0, 1, 15, 8};
+            Settings_t expected = {0, 1, 15, 8};
             expected[c.setting] = bits;
             Restart("A:" + std::string(c.key) + "<" + tokens + ">");
             EXPECT_EQ(SettingsOfA(), expected) << c.key << tokens;
@@ -49,61 +50,48 @@ TEST_F(ClDebugConfig, TakesAndRefusesLines) {
     const struct {
         const char* what;
         std::string text;
-        uint64_t traceMask;
+        uint64_t traceMask, outputType, flags;
     } kCases[] = {
-        {"white space anywhere",          "A : Trace\tType < I n >\r\n",                    2},
-        {"text after the value",          "A:TraceType<In>:<>#",                            2},
-        {"the last of a key counts",      "A:TraceType<In>\nA:TraceType<Pa>",               4},
-        {"an empty value",                "A:TraceType<>",                                  0},
-        {"another package",               "B:TraceType<In>",                                1},
-        {"another case",                  "a:TraceType<In>",                                1},
-        {"headers and empty lines",       "[GLOBAL]\n\n \t\n[ PACKAGES ]\nA:TraceType<In>", 2},
-        {"comments",                      "# A:TraceType<In>\n  #\n#:<>",                   1},
-        {"flush of a package, any value", "A:SyncFlag<?>",                                  1},
-        {"flush of all, any value",       "Global:SyncFlag<yes>",                           1},
-        {"a package without a name",      ":TraceType<In>",                                 1},
-        {"first delimiters",              "A<>:TraceType<In>",                              1},
-        {"no end of line",                "A:TraceType<In>",                                2},
-        {"a line of 255 characters",      comment255 + "\nA:TraceType<In>",                 2},
-        {"a longer line, in pieces",      comment255 + "A:TraceType<In>",                   2},
-        {"a second piece that is bad",    comment255 + "x",                                 0},
-        {"a NUL ends its line",           "A:TraceType<In>\0x\n\0A:TraceType<Pa>"s,         2},
+        {"white space anywhere",          "A : Trace\tType < I n >\r\n",                                2,  1, 8 },
+        {"text after the value",          "A:TraceType<In>:<>#",                                        2,  1, 8 },
+        {"the last of a key counts",      "A:TraceType<In>\nA:TraceType<Pa>",                           4,  1, 8 },
+        {"an empty value",                "A:TraceType<>",                                              0,  1, 8 },
+        {"another package",               "B:TraceType<In>",                                            1,  1, 8 },
+        {"another case",                  "a:TraceType<In>",                                            1,  1, 8 },
+        {"headers and empty lines",       "[GLOBAL]\n\n \t\n[ PACKAGES ]\nA:TraceType<In>",             2,  1, 8 },
+        {"comments",                      "# A:TraceType<In>\n  #\n#:<>",                               1,  1, 8 },
+        {"flush of a package, any value", "A:SyncFlag<?>",                                              1,  1, 8 },
+        {"a package without a name",      ":TraceType<In>",                                             1,  1, 8 },
+        {"first delimiters",              "A<>:TraceType<In>",                                          1,  1, 8 },
+        {"a line of 255 characters",      comment255 + "\nA:TraceType<In>",                             2,  1, 8 },
+        {"a longer line, in pieces",      comment255 + "A:TraceType<In>",                               2,  1, 8 },
+        {"a second piece that is bad",    comment255 + "x",                                             0,  1, 8 },
+        {"a NUL ends its line",           "A:TraceType<In>\0x\n\0A:TraceType<Pa>"s,                     2,  1, 8 },
 
-        {"no colon",                      "A.TraceType<In>",                                0},
-        {"no less-than",                  "A:TraceType.In>",                                0},
-        {"no greater-than",               "A:TraceType<In",                                 0},
-        {"delimiters in another order",   "A<TraceType:In>",                                0},
-        {"unknown key",                   "A:Foo<Al>",                                      0},
-        {"unknown key, other package",    "B:Foo<Al>",                                      0},
-        {"another case of the key",       "A:tracetype<Al>",                                0},
-        {"a single letter",               "A:TraceType<Inx>",                               0},
-        {"unknown token",                 "A:TraceType<InXx>",                              0},
-        {"a token of another key",        "A:TraceType<Co>",                                0},
-        {"a header with more after it",   "[GLOBAL]x",                                      0},
-        {"good lines after a bad one",    "x\nA:TraceType<Al>",                             0},
+        {"no colon",                      "A.TraceType<In>",                                            0,  1, 8 },
+        {"no less-than",                  "A:TraceType.In>",                                            0,  1, 8 },
+        {"no greater-than",               "A:TraceType<In",                                             0,  1, 8 },
+        {"delimiters in another order",   "A<TraceType:In>",                                            0,  1, 8 },
+        {"unknown key",                   "A:Foo<Al>",                                                  0,  1, 8 },
+        {"unknown key, other package",    "B:Foo<Al>",                                                  0,  1, 8 },
+        {"another case of the key",       "A:tracetype<Al>",                                            0,  1, 8 },
+        {"a single letter",               "A:TraceType<Inx>",                                           0,  1, 8 },
+        {"unknown token",                 "A:TraceType<InXx>",                                          0,  1, 8 },
+        {"a token of another key",        "A:TraceType<Co>",                                            0,  1, 8 },
+        {"a header with more after it",   "[GLOBAL]x",                                                  0,  1, 8 },
+        {"good lines after a bad one",    "x\nA:TraceType<Al>",                                         0,  1, 8 },
+
+        {"Global is applied last",        "Global:TraceType<ErWa>\nA:TraceType<Al>",                    24, 1, 8 },
+        {"another key of Global's",       "A:TraceType<Al>\nA:OutputType<Co>\nGlobal:OutputType<CoFi>", 63, 3, 8 },
+        {"Global's flags",                "Global:DebugFlagsType<Lg>\nA:DebugFlagsType<Lo>",            1,  1, 8 },
+        {"a lock stops no configuration", "Global:DebugFlagsType<Lo>\nGlobal:TraceType<Al>",            63, 1, 4 },
+        {"flush of all, any value",       "Global:SyncFlag<Y>",                                         1,  1, 10},
+        {"flush of all, twice",           "Global:SyncFlag<Y>\nGlobal:SyncFlag<y>",                     1,  1, 8 },
+        {"another case of Global",        "global:TraceType<Er>\nA:TraceType<Al>",                      63, 1, 8 },
     };
     for (const auto& c : kCases) {
         Restart("A:TraceType<En>\n" + c.text);
-        EXPECT_EQ(SettingsOfA(), (std::vector<uint64_t>{c.traceMask, 1, 15, 8})) << c.what;
-    }
-}
-
-TEST_F(ClDebugConfig, GlobalIsAppliedLast) {
-    const struct {
-        const char* config;
-        uint64_t traceMask, outputType, flags;
-    } kCases[] = {
-        {"Global:TraceType<ErWa>\nA:TraceType<Al>",                    24, 1, 8 },
-        {"A:TraceType<Al>\nA:OutputType<Co>\nGlobal:OutputType<CoFi>", 63, 3, 8 },
-        {"Global:DebugFlagsType<Lg>\nA:DebugFlagsType<Lo>",            0,  1, 8 },
-        {"Global:DebugFlagsType<Lo>\nGlobal:TraceType<Al>",            63, 1, 4 }, // a lock stops no configuration
-        {"Global:SyncFlag<Y>",                                         0,  1, 10},
-        {"Global:SyncFlag<Y>\nGlobal:SyncFlag<y>",                     0,  1, 8 },
-        {"global:TraceType<Er>\nA:TraceType<Al>",                      63, 1, 8 },
-    };
-    for (const auto& c : kCases) {
-        Restart(c.config);
-        EXPECT_EQ(SettingsOfA(), (std::vector<uint64_t>{c.traceMask, c.outputType, 15, c.flags})) << c.config;
+        EXPECT_EQ(SettingsOfA(), (Settings_t{c.traceMask, c.outputType, 15, c.flags})) << c.what;
     }
 }
 
@@ -147,59 +135,49 @@ TEST_F(ClDebugConfig, ALogFileThatCannotBeOpenedIsAFailure) {
          {"Global:FileName<.>", "A:FileName<>", "A:FileName<a.log>\nGlobal:FileName<no-such-folder/g.log>",
           "A:FileName<no-such-folder/a.log>\nB:TraceType<Al>"}) {
         Restart(config);
-        DebugHandle_t handle = nullptr;
-        EXPECT_EQ(DebugLibInit("A", &handle), kFailure) << config;
-        EXPECT_EQ(handle, nullptr) << config;
+        EXPECT_EQ(SettingsOfA(), Settings_t()) << config;
     }
     EXPECT_EQ(Open("B")->TraceMask, 63u);  // only the handles that need the file are lost
 }
 
 TEST_F(ClDebugConfig, TheFileIsReadOnceInAProcess) {
-    DebugHandle_t handle = Open("A");  // no file yet
-    CloseAll();
-    WriteConfig("A:TraceType<Al>");
-    handle = Open("A");
-    ASSERT_NE(handle, nullptr);
-    EXPECT_EQ(handle->TraceMask, 0u);
-
-    Restart("A:TraceType<Al>");
-    EXPECT_EQ(Open("A")->TraceMask, 63u);
-    CloseAll();
-    EXPECT_EQ(Open("A")->TraceMask, 0u);  // the entries went with the last handle
-
-    Restart("Global:TraceType<Al>");
-    EXPECT_EQ(Open("A")->TraceMask, 63u);
-    CloseAll();
-    EXPECT_EQ(DebugLibInit("A", &handle), kFailure);  // that there was a Global entry is remembered
-
-    Restart("A:TraceType<Al>\nbad");
-    EXPECT_EQ(Open("A")->TraceMask, 0u);
-    CloseAll();
-    WriteConfig("A:TraceType<Al>");
-    EXPECT_EQ(Open("A")->TraceMask, 0u);
+    const Settings_t defaults = {0, 1, 15, 8}, all = {63, 1, 15, 8}, none;
+    const struct {
+        const char* config;
+        Settings_t first, second;  // of handles that are opened one after the other
+    } kCases[] = {
+        {"",                     defaults, defaults},
+        {"A:TraceType<Al>",      all,      defaults}, // the entries went with the last handle
+        {"A:TraceType<Al>\nbad", defaults, defaults},
+        {"Global:TraceType<Al>", all,      none    }, // that there was a Global entry is remembered
+    };
+    for (const auto& c : kCases) {
+        Restart(c.config);
+        EXPECT_EQ(SettingsOfA(), c.first) << c.config;
+        CloseAll();
+        WriteConfig("A:TraceType<Al>");
+        EXPECT_EQ(SettingsOfA(), c.second) << c.config;
+    }
 }
 
 TEST_F(ClDebugConfig, HostsTextReplacesTheFile) {
-    const std::string longLine = "#" + std::string(254, 'x') + "A:TraceType<In>;A:TraceFormatType<Fn>";
+    const std::string longLine = "#" + std::string(254, 'x') + "A:TraceType<In>";
     const struct {
         std::string text;
         status_t status;
-        uint64_t traceMask, traceFormat;
+        uint64_t traceMask;
     } kCases[] = {
-        {"A:TraceType<In>",                          1, 2, 15},
-        {"A:TraceType<In>;A:TraceFormatType<Fn>",    1, 2, 1 },
-        {"A:TraceType<In>\n; ;A : TraceType < Pa >", 1, 4, 15},
-        {"A:TraceType<In>;#A:TraceType<Pa>;",        1, 2, 15},
-        {"",                                         1, 0, 15},
-        {longLine,                                   1, 2, 1 }, // in pieces, as from a file
-  // The file is read after a refused text.
-        {"A:TraceType<Xx>",                          5, 1, 15},
-        {"Global:TraceType<In>;bad",                 5, 1, 15},
+        {"A:TraceType<In>;A:TraceType<Pa>",          1, 4},
+        {"A:TraceType<In>\n; ;A : TraceType < Pa >", 1, 4},
+        {"A:TraceType<In>;#A:TraceType<Pa>;",        1, 2},
+        {"",                                         1, 0},
+        {longLine,                                   1, 2}, // in pieces, as from a file
+        {"Global:TraceType<In>;bad",                 5, 1}, // the file is read after a refused text
     };
     for (const auto& c : kCases) {
         Restart("A:TraceType<En>");
         EXPECT_EQ(DebugUseConfigText(c.text.c_str()), c.status) << c.text;
-        EXPECT_EQ(SettingsOfA(), (std::vector<uint64_t>{c.traceMask, 1, c.traceFormat, 8})) << c.text;
+        EXPECT_EQ(SettingsOfA(), (Settings_t{c.traceMask, 1, 15, 8})) << c.text;
         EXPECT_EQ(DebugUseConfigText("A:TraceType<Pa>"), kFailure) << c.text;
     }
     EXPECT_EQ(DebugUseConfigText(nullptr), kNullPointer);

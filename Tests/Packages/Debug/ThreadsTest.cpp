@@ -9,7 +9,7 @@
 
 using Threads = ClTraceTest;
 
-TEST_F(Threads, WriteWholeLinesIntoOneFile) {
+TEST_F(Threads, OpenHandlesAndContainersAndWriteWholeLines) {
     constexpr int kThreads = 4, kLines = 500;
     DebugHandle_t handle = Open("Shared");
     std::FILE* stream = std::fopen("shared.log", "wb");
@@ -19,17 +19,28 @@ TEST_F(Threads, WriteWholeLinesIntoOneFile) {
     handle->TraceFormat = kFormatFunction;
     std::vector<std::string> expected;
     std::vector<std::thread> threads;
+    std::atomic<int> done = 0;
     for (int t = 0; t < kThreads; ++t) {
         for (int i = 0; i < kLines; ++i)
             expected.push_back(" Fn:Run thread " + std::to_string(t) + " line " + std::to_string(i));
-        threads.emplace_back([handle, t] {
+        threads.emplace_back([&done, handle, t] {
             for (int i = 0; i < kLines; ++i) {
+                DebugHandle_t often = nullptr, own = nullptr;
+                ContainerParams_t params = {"Threads", kPlainList, kInt32Data, 0, nullptr, nullptr};
+                ContainerHandle_t list = nullptr;
+                const bool isOpen = DebugLibInit("Often", &often) == kSuccess &&
+                                    DebugLibInit(std::to_string(t).c_str(), &own) == kSuccess &&
+                                    InitContainer(&params, &list, 0) == kSuccess;
                 QUORLIN_TRACE(handle, "", "Run", kEntry, "thread %d line %d", t, i);
-                QUORLIN_TRACE(handle, "", "Run", kInfo, "not to be seen");
+                QUORLIN_TRACE(often, "", "Run", kInfo, "not to be seen");
+                const bool isClosed = isOpen && UnInitContainer(list) == kSuccess && DebugLibExit(own) == kSuccess &&
+                                      DebugLibExit(often) == kSuccess;
+                done += isClosed;
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(done, kThreads * kLines);
     CloseAll();
     std::fclose(stream);
     std::istringstream file(ReadFile("shared.log"));
@@ -39,28 +50,4 @@ TEST_F(Threads, WriteWholeLinesIntoOneFile) {
     std::ranges::sort(lines);
     std::ranges::sort(expected);
     EXPECT_EQ(lines, expected);
-}
-
-TEST_F(Threads, OpenAndCloseHandlesAndContainers) {
-    constexpr int kThreads = 4, kRounds = 500;
-    std::atomic<int> done = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&done, t] {
-            const std::string own = "Own" + std::to_string(t);
-            for (int i = 0; i < kRounds; ++i) {
-                DebugHandle_t shared = nullptr, alone = nullptr;
-                ContainerParams_t params = {"Threads", kPlainList, kInt32Data, 0, nullptr, nullptr};
-                ContainerHandle_t list = nullptr;
-                const bool isOpen = DebugLibInit("Shared", &shared) == kSuccess &&
-                                    DebugLibInit(own.c_str(), &alone) == kSuccess &&
-                                    InitContainer(&params, &list, 0) == kSuccess;
-                QUORLIN_TRACE(shared, "", "Run", kEntry, "round %d", i);
-                const bool isClosed = isOpen && UnInitContainer(list) == kSuccess && DebugLibExit(alone) == kSuccess &&
-                                      DebugLibExit(shared) == kSuccess;
-                done += isClosed;
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(done, kThreads * kRounds);
 }

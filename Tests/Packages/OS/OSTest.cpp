@@ -78,13 +78,3 @@ TEST(OS, SnprintfCutsBySizeAndByCount) {
     EXPECT_EQ(os_snprintf(&untouched, 0, 7, "x"), -1);
     EXPECT_EQ(untouched, '#');
 }
-
-TEST(OS, TimestampRuns) {
-    uint64_t first = 0, second = 0;
-    ASSERT_EQ(os_GetTimestampMs(&first), kSuccess);
-    do ASSERT_EQ(os_GetTimestampMs(&second), kSuccess);
-    while (second == first);
-    EXPECT_GT(second, first);
-    EXPECT_LT(second - first, 10'000u);
-    EXPECT_EQ(os_GetTimestampMs(nullptr), kNullPointer);
-}

@@ -19,8 +19,9 @@
 
 // Defined by the compiler in coverage builds.
 extern "C" [[gnu::weak]] void __gcov_dump();
+bool HasCoverage() { return __gcov_dump != nullptr; }
 void SaveCoverage() {
-    if (__gcov_dump != nullptr) __gcov_dump();
+    if (HasCoverage()) __gcov_dump();
 }
 
 int InChild(const std::function<int()>& body) {

@@ -37,6 +37,7 @@ constexpr bool IsSanitized() {
 
 // Saves the coverage counters of a process that won't end by exit(). Does nothing in other builds.
 void SaveCoverage();
+bool HasCoverage();
 
 // Mounts an empty folder over one of the system's, for this process and its children only, and unmounts it at the end.
 // Needs mounts of the tests' own; see IsPossible.

@@ -1,4 +1,4 @@
-// What the layer gives a program: new files, descriptors above those of the standard streams, and standard output.
+// What the layer gives a program: new files, and standard output.
 #include "Packages/OS/Program.h"
 
 #include <cpuid.h>
@@ -13,8 +13,6 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "Packages/OS/ConfigFile.h"
-#include "Packages/OS/OS.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {
@@ -95,54 +93,13 @@ TEST(WholeFiles, AreAbsentIfNotWhole) {
     EXPECT_TRUE(IsEmpty(folder));
 }
 
-// From the shell to the hardware, with the two operations that need no rights.
+// From the shell to the hardware, with an operation that needs no rights.
 TEST(Program, ReadsHardwareFromTheShell) {
     unsigned eax, ebx, ecx, edx;
     __cpuid(0, eax, ebx, ecx, edx);
     char text[64];
     std::snprintf(text, sizeof text, "eax %08x ebx %08x ecx %08x edx %08x\n", eax, ebx, ecx, edx);
     EXPECT_EQ(RunQuorlin("hw cpuid 0").output, text);
-    // As on the bus, a missing function reads as ones.
-    if (!IsFolder("/sys/bus/pci/devices") || IsFolder("/sys/bus/pci/devices/0000:ff:1f.7"))
-        GTEST_SKIP() << "no PCI bus with a free place";
-    EXPECT_EQ(RunQuorlin("hw pci 0000:ff:1f.7 2 5").output, "ff ff ff ff ff\n");
-}
-
-// A set-user-ID copy of root's.
-TEST(Program, WritesNoFileWithRightsThatItsUserLacks) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can give the program his rights";
-    const std::string folder = Folder(), copy = folder + "copy";
-    fs::copy_file(QUORLIN_PROGRAM, copy);
-    fs::permissions(copy, fs::perms::set_uid | fs::perms::others_read | fs::perms::others_exec, fs::perm_options::add);
-    const auto run = [&](const std::string& trace) {
-        return RunPrepared({copy, "--sample", "--type", "24", "--trace", "Global:TraceType<Al>;" + trace}, [] {
-            if (!BecomeNobody()) _exit(99);
-        });
-    };
-    const ProgramRun_t refused = run("Global:FileName<" + folder + "log>");
-    EXPECT_EQ(refused.exitCode, 2);
-    EXPECT_NE(refused.errors.find("--trace: no file is written with rights that the user"), std::string::npos)
-        << refused.errors;
-    EXPECT_FALSE(fs::exists(folder + "log"));
-    EXPECT_EQ(run("Global:OutputType<Co>").exitCode, 0);
-}
-
-TEST(Descriptors, AreNeverThoseOfTheStandardStreams) {
-    const std::string folder = Folder();
-    const int result = InChild([&] {
-        for (const int stream : {0, 1, 2}) close(stream);
-        std::FILE* const files[] = {OpenLogFile((folder + "new").c_str(), false),
-                                    os_fopen((folder + "new").c_str(), "r"), OpenFile(folder + "other", "w"),
-                                    OpenLogFile("/dev/null", true)};
-        int number = 1;
-        for (std::FILE* file : files) {
-            if (file == nullptr || fileno(file) <= 2 || (fcntl(fileno(file), F_GETFD) & FD_CLOEXEC) == 0) return number;
-            ++number;
-        }
-        return std::fputs("text", files[2]) >= 0 && std::fclose(files[2]) == 0 ? 0 : number;
-    });
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(ReadWholeFile(folder + "other"), "text");
 }
 
 // All bytes reach a slow reader through a non-blocking pipe of 64 KiB.

@@ -1,4 +1,4 @@
-// Which configuration files a process obeys and which new files it creates, by Windows' access lists and renames.
+// Files by Windows' access lists and renames, and the arguments of a program as they were typed.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -49,6 +49,18 @@ class Files : public testing::Test {
         return refusal != nullptr ? refusal : file != nullptr ? "" : "none";
     }
 
+    static bool IsForEverybody(const std::string& path) {
+        alignas(8) char facts[1024];
+        DWORD size;
+        char* text = nullptr;
+        EXPECT_TRUE(GetFileSecurityA(path.c_str(), DACL_SECURITY_INFORMATION, facts, sizeof facts, &size));
+        EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorA(facts, SDDL_REVISION_1,
+                                                                         DACL_SECURITY_INFORMATION, &text, nullptr));
+        const bool isForEverybody = std::string(text).find(";;;WD)") != std::string::npos;
+        LocalFree(text);
+        return isForEverybody;
+    }
+
     const fs::path m_folder = fs::temp_directory_path() / "quorlin-files", m_below = m_folder / "below";
     alignas(TOKEN_USER) char m_user[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
 };
@@ -93,16 +105,27 @@ TEST_F(Files, LogsAreNewOrPlain) {
     std::fclose(device);
 }
 
-TEST_F(Files, NewFilesAreWholeAndReplaceNothing) {
+TEST_F(Files, NewFilesAreWholeForTheirOwnerAndReplaceNothing) {
     const std::string name = (m_folder / "new").string(), bytes(3u << 20, 'x');
     EXPECT_TRUE(CreateWholeFile(name, bytes.data(), bytes.size()));
     EXPECT_EQ(ReadWholeFile(name), bytes);
+    EXPECT_FALSE(IsForEverybody(name));
+    EXPECT_TRUE(IsForEverybody(WriteFile("other", {})));
     EXPECT_FALSE(CreateWholeFile(name, "other", 5));
     EXPECT_EQ(errno, EEXIST);
     EXPECT_EQ(fs::file_size(name), bytes.size());
     EXPECT_FALSE(CreateWholeFile((m_folder / "none" / "new").string(), "other", 5));
     EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
+}
+
+TEST(Program, TakesArgumentsAsTheyWereTyped) {
+    const std::string errors = testing::TempDir() + "typed";
+    const std::string program = QUORLIN_PROGRAM;
+    const std::wstring command = std::wstring(program.begin(), program.end()) + LR"( --image "a \"b\" \\ ж \\" 2>)" +
+                                 std::wstring(errors.begin(), errors.end());
+    EXPECT_NE(_wsystem(command.c_str()), 0);
+    EXPECT_NE(ReadWholeFile(errors).find(R"(a "b" \\ ж \:)"), std::string::npos) << ReadWholeFile(errors);
 }
 
 }  // namespace
