@@ -202,15 +202,14 @@ void ClFacts::ReadList(const StandardField_t& field, const Area_t& area, Fact_t&
             size += length;
         }
     }
-    isBroken = isBroken || begin + size > area.end;
+    const bool fits = begin + size <= area.end && !(isBroken && field.ownLengthAt != 0);
+    m_afterList = fits ? static_cast<uint32_t>(begin + size) : area.end + 1;
     fact.offset = static_cast<uint16_t>(begin);
-    fact.size = static_cast<uint16_t>(isBroken ? area.end - begin : size);
-    if (isBroken) {
+    fact.size = static_cast<uint16_t>(fits ? size : area.end - begin);
+    if (isBroken || !fits) {
         fact.state = FactState_t::kBroken;
-        m_afterList = area.end + 1;
         return;
     }
-    m_afterList = static_cast<uint32_t>(begin + size);
     fact.number = count;
     m_list = &field;
     m_records = count;
