@@ -81,6 +81,7 @@ std::string ShownValue(const ClFacts& facts, const Fact_t& fact) {
             return std::string(fact.text.empty() || fact.kind == FactKind_t::kCode ? StateWord(fact.state) : fact.text);
     }
     if (fact.kind == FactKind_t::kHandle) return HandleText(static_cast<uint16_t>(fact.number));
+    if (fact.kind == FactKind_t::kList && fact.number == 0) return "empty";
     if (fact.kind == FactKind_t::kBits && fact.number == 0) return "none set";
     if (fact.kind != FactKind_t::kNumber) return PlainValue(facts, fact);
     if (fact.field->form == Form_t::kHex && fact.unit == Unit_t::kNone) return CodeText(fact.number);
