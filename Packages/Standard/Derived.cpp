@@ -233,5 +233,10 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
         }
         case Derivation_t::kNotDerived: break;
     }
+    // Whether a derived fact is there depends on the length alone, so on its first field.
+    if (first.state == FactState_t::kAbsent)
+        fact.state = FactState_t::kAbsent;
+    else if (fact.state == FactState_t::kAbsent)
+        fact.state = FactState_t::kNone;
     if (fact.state != FactState_t::kValue && fact.kind != FactKind_t::kCode) fact.number = 0;
 }

@@ -402,6 +402,7 @@ Fact_t ClFacts::Source(const Area_t& area, const StandardField_t& field, uint32_
     Fact_t fact = {};
     fact.field = &from;
     fact.kind = from.kind;
+    fact.unit = from.unit;
     uint32_t offset = 0;
     uint32_t size = 0;
     if (source < field.sources && HasRoom(from, area, offset, size))

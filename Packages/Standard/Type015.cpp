@@ -48,8 +48,8 @@ constexpr CodeRow_t kEventLogType[] = {
     {0x15, "Uncorrectable CPU-complex error", "<=2.3.1"},
     {0x16, "Log Area Reset/Cleared", "<=2.3.1"},
     {0x17, "System boot", "<=2.3.1"},
-    {0xFF, "End of log", "2.2"},
     {0x80, 0xFE, "Available for system- and OEM-specific assignments", "2.0"},
+    {0xFF, "End of log", "2.2"},
 };
 
 constexpr CodeRow_t kEventLogDataFormat[] = {
