@@ -352,7 +352,7 @@ void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t
             break;
         case Form_t::kMemorySize: fact.number = (number & 0x7FFF) << (number >> 15 != 0 ? 10 : 20); break;
         case Form_t::kCacheSize: {
-            const uint32_t high = fact.size * 8u - 1;
+            const uint32_t high = fact.size == 2 ? 15 : 31;
             fact.number = (number & ((1ull << high) - 1)) << (number >> high != 0 ? 16 : 10);
             break;
         }
