@@ -41,6 +41,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     RunFormats({"show", "--type", "148", "--signature", "506C0"}, {"text", "json"});
     RunFormats({"show", "--recover", "--verbose"}, {"text", "ndjson"});
     RunFormats({"types"}, {"text", "json", "ndjson", "csv"});
+    RunFormats({"facts"}, {"text", "json", "ndjson", "csv"});
+    RunFormats({"facts", "--full", "--where", "--absent"}, {"text", "json"});
     RunFormats({"find", "e"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"check"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"diff", "table", "other"}, {"text", "json", "csv"});

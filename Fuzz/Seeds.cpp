@@ -41,6 +41,7 @@ constexpr Input_t kSeeds[] = {
     {"Arguments",  "list",              "show\n--image-list\nnames\n--format\ncsv\n--verbose\n--recover"sv       },
     {"Arguments",  "version",           "--image\ntable\n--smbios-version\n2.8\n--signature\n506C0h\n--as\nany"sv},
     {"Arguments",  "types",             "types\n--sample"sv                                                      },
+    {"Arguments",  "facts",             "facts\n--sample\n--type\n17\n--key\nmemory_size"sv                      },
     {"Arguments",  "find",              "find\n--sample\nDIMM"sv                                                 },
     {"Arguments",  "get",               "get\n--sample\nserial"sv                                                },
     {"Arguments",  "dump",              "dump\n--sample\nout.bin"sv                                              },

@@ -17,7 +17,15 @@
 
 struct CodeText_t {
     uint32_t code;  // the value, or the bit's number in a bit list
-    std::string_view text;
+    uint8_t size = 0;
+    // Characters in place of a pointer, which would cost a relocation at start-up.
+    char characters[75] = {};
+
+    constexpr CodeText_t(uint32_t number, std::string_view text)
+        : code(number), size(static_cast<uint8_t>(text.size())) {
+        std::ranges::copy(text, characters);
+    }
+    constexpr std::string_view Text() const { return {characters, size}; }
 };
 
 // Returns the text of `code`, or `otherwise` for a code that the table doesn't contain. Expects rising codes, and is
@@ -25,9 +33,9 @@ struct CodeText_t {
 constexpr Word_t TextOf(std::span<const CodeText_t> table, uint32_t code, std::string_view otherwise) {
     if (table.empty() || code < table.front().code) return otherwise;
     const size_t place = code - table.front().code;
-    if (place < table.size() && table[place].code == code) return table[place].text;
+    if (place < table.size() && table[place].code == code) return table[place].Text();
     const auto row = std::ranges::lower_bound(table, code, {}, &CodeText_t::code);
-    return row == table.end() || row->code != code ? otherwise : row->text;
+    return row == table.end() || row->code != code ? otherwise : row->Text();
 }
 
 // Whether every code appears once, in rising order. TextOf depends on it, so each table has a static_assert.

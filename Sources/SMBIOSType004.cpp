@@ -207,7 +207,7 @@ Word_t ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) { return WordO
 std::string ClSMBIOSType4::GetProcessorCharacteristicsString(uint16_t characteristics) {
     std::string text;
     for (const CodeText_t& characteristic : kCharacteristics)
-        if ((characteristics >> characteristic.code & 1) != 0) text += characteristic.text;
+        if ((characteristics >> characteristic.code & 1) != 0) text += characteristic.Text();
     return text;
 }
 

@@ -1,5 +1,5 @@
-// Types 39 to 42 and 126 of the sample: power supplies, additional information, on-board devices, host interfaces, and
-// inactive structures.
+// Types 39 to 46 and 126 of the sample: power supplies, additional information, on-board devices, host interfaces, TPM,
+// what processors add, firmware components, string properties, and inactive structures.
 #pragma once
 
 #include "Packages/Sample/SampleBuilder.h"
@@ -47,6 +47,37 @@ consteval void AddExtended(ClSampleBuilder& table) {
     table.Add(42, "bb d b bb d", {
         //handle type  length and data, protocols; type, length and data of each
         {0x2A01, 0xF0, 4, 0x00004856,   1,         0xF0, 4, 0x00004856},
+    });
+
+    // TPM Device: by the newer and the older specification
+    table.Add(43, "bbbb bb dd s q d", {
+        //handle vendor               specification, firmware versions       description           traits, OEM value
+        {0x2B00, 'H', 'V', 'T', 0,    2, 0,          0x00070055, 0x0004A15E, "TPM 2.0 on the board", 0x28, 0x00000000},
+        {0x2B01, 'A', 'L', 'D', 'M',  1, 2,          0x2A050201, 0x00000000, 0,                    0x04,  0xCAFE0001},
+    });
+
+    // Processor Additional Information: a block without data, and one of four bytes
+    table.Add(44, "w bb: b", {
+        //handle processor, length and architecture, data
+        {0x2C00, 0x0400,    0, 2},
+        {0x2C01, 0x0402,    4, 5, 0x01, 0x00, 0x2A, 0x80},
+    });
+
+    // Firmware Inventory Information
+    table.Add(45, "ss b s b sss q w b b: w", {
+        //handle name                version    format ID          format date                  maker
+        //       lowest version  size      traits, state, components and their handles
+        {0x2D00, "System firmware",  "2.14.7",  0,     "FT-FW-01", 0,     "2023-11-20T00:00:00Z", "Halvorsen Systems",
+                 "2.10.0",      0x02000000, 0x0001, 4,    1, 0x0000},
+        {0x2D01, "PSU firmware",     "1.3",     1,     0,          0,     0,                      "Aldmark",
+                 0,             0xFFFFFFFFFFFFFFFF, 0x0002, 3, 2, 0x2700, 0x2701},
+    });
+
+    // String Property: a UEFI device path, and one of a vendor
+    table.Add(46, "w s w", {
+        //handle ID      value                                     parent
+        {0x2E00, 0x0001, "PciRoot(0x0)/Pci(0x1D,0x0)",             0x0900},
+        {0x2E01, 0x8001, "HV-RISER",                               0x0200},
     });
 
     // Inactive: a former slot and port

@@ -17,10 +17,11 @@ consteval void AddMemory(ClSampleBuilder& table) {
 
     // Memory Device: the arrays of the two processors, with a persistent module and empty or unknown slots, then
     // a flash part and video memory. Rows end where versions 2.1, 2.3, 2.6, 2.7, 2.8 and 3.2 of the structure end.
-    table.Add(17, "ww www bb ss b w | w ssss | b | d w | www | b w s wwww qqqq", {
+    table.Add(17, "ww www bb ss b w | w ssss | b | d w | www | b w s wwww qqqq | dd | wwww", {
         //handle array   error   total, data width, size, form, set  locator  bank   type, detail, speed  maker
         //       serial       asset tag     part number            attributes  extended size  clock    voltages
-        //       technology, modes, firmware, module and controller makers and products, sizes
+        //       technology, modes, firmware, module and controller makers and products, sizes, extended speeds,
+        //       power controller and register clock driver
         {0x1100, 0x1000, 0xFFFE, 72, 64, 0x7FFF, 9,  0, "DIMM A1", "CPU0 chan 0", 26, 0x2080, 3200, "Norvane",
                 "6F21A07C",  "HV-DIMM-A1", "NV64G4R32-2933",      2,          65536,         2933,    1200, 1200, 1200},
         {0x1101, 0x1000, 0xFFFE, 72, 64, 0x7FFF, 9,  0, "DIMM A2", "CPU0 chan 1", 26, 0x2080, 3200, "Norvane",
@@ -41,7 +42,8 @@ consteval void AddMemory(ClSampleBuilder& table) {
                 "51B00C40",  0,            "NV16G4U16",           1,          0,             2666,    1200, 1350, 1200},
         {0x1109, 0x1001, 0xFFFE, 72, 64, 0x4000, 9,  1, "DIMM B4", "CPU1 chan 3", 26, 0x3080, 2666, "Norvane",
                 "7700D001",  "HV-NV-B4",   "NV16G-N",             1,          0,             2666,    1200, 1200, 1200,
-                4, 0x000C, "1.04", 0x48C1, 0x0102, 0x48C1, 0x0001, 0x0000000400000000, 0, 0, 0},
+                4, 0x000C, "1.04", 0x48C1, 0x0102, 0x48C1, 0x0001, 0x0000000400000000, 0, 0, 0,
+                0, 0, 0x48C1, 0x0012, 0x48C1, 0xFF00},
         {0x110A, 0x1001, 0xFFFE, 0xFFFF, 0xFFFF, 0xFFFF, 2, 0xFF, "DIMM B5", "CPU1 chan 4", 31, 0x0004, 0, 0,
                 0,           0,            0,                     0,          0,             0},
         {0x110B, 0x1001, 0xFFFE, 0,  0,  0,      16, 1, "DIMM B6", 0,             22, 0x0003, 0,    0,

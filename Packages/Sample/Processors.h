@@ -7,11 +7,11 @@
 consteval void AddProcessors(ClSampleBuilder& table) {
     // Processor Information: two equal processors, a service processor whose family needs two bytes, a coprocessor in
     // the form of version 2.1, and an empty socket in the form of version 2.0.
-    table.Add(4, "s bb s q s b www bb | www | sss | bbb w | w | www | w", {
+    table.Add(4, "s bb s q s b www bb | www | sss | bbb w | w | www | w | s", {
         //handle socket     type, family  manufacturer     ID                  version
         //       voltage, clock, maximum and current speed, status, upgrade
         //       L1, L2, L3 cache        serial            asset tag   part         cores, enabled, threads, traits
-        //       family 2, cores, enabled and threads 2, enabled threads
+        //       family 2, cores, enabled and threads 2, enabled threads, socket
         {0x0400, "CPU0",    3, 0x0B, "Lumetra",           0xBFEBFBFF000406E3, "Lumetra(R) Ostrel(R) 8340 @ 2.40GHz",
                  0x8C, 100, 3700, 2400, 0x41, 54,
                  0x0700, 0x0701, 0x0702, "OS83-41C7-0092", "HV-CPU-0", "OS8340-32", 32, 32, 64, 0x00FC,
@@ -19,7 +19,7 @@ consteval void AddProcessors(ClSampleBuilder& table) {
         {0x0401, "CPU1",    3, 0x0B, "Lumetra",           0xBFEBFBFF000406E3, "Lumetra(R) Ostrel(R) 8340 @ 2.40GHz",
                  0x8C, 100, 3700, 2400, 0x41, 54,
                  0x0703, 0x0704, 0x0705, "OS83-41C7-0115", "HV-CPU-1", "OS8340-32", 32, 28, 56, 0x00FC,
-                 0x000B, 32, 28, 56},
+                 0x000B, 32, 28, 56, 56, "LGA-4094"},
         {0x0402, "SVC0",    3, 0xFE, "Halvorsen Systems", 0x0000000F0000002A, "Sidecar 2 service processor",
                  0x04, 25, 800, 0, 0x44, 59,
                  0x0706, 0xFFFF, 0xFFFF, 0,                0,          "HV-SC2",    0xFF, 2, 2, 0x0002,

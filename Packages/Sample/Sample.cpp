@@ -28,7 +28,7 @@ static consteval ClSampleBuilder BuildSample() {
     AddPower(table);              // 21 to 25
     AddProbes(table);             // 26 to 29
     AddManagement(table);         // 30 to 38
-    AddExtended(table);           // 39 to 42, 126
+    AddExtended(table);           // 39 to 46, 126
     AddVendor(table);             // 130, 131, 148, 221, 222
     table.Add(127, "", {{0x7F00}});
     return table;

@@ -51,9 +51,9 @@ consteval void AddSystem(ClSampleBuilder& table) {
         {0x0301, "Halvorsen Systems", 0x80, 0,       0,              0,           2, 7, 5, 9,
                  0x00000000, 0,  0, 0, 0},
     });
-    table.Add(3, "s b sss bbbb d bb bb bbb bbb s", {  // with two contained elements of three bytes each
+    table.Add(3, "s b sss bbbb d bb bb bbb bbb s bb", {  // with two contained elements of three bytes each
         {0x0302, "Halvorsen Systems", 29,   "Rev A", "CH24-0050177", "HV-A-1203", 1, 3, 6, 3,
-                 0xFFFFFFFF, 10, 4, 2, 3, 0x83, 1, 8, 0x91, 0, 2, "FT-CH-10U"},
+                 0xFFFFFFFF, 10, 4, 2, 3, 0x83, 1, 8, 0x91, 0, 2, "FT-CH-10U", 0, 10},
     });
 }
 // clang-format on

@@ -17,7 +17,8 @@ enum Content_t : uint8_t {
     kStructures = 1,
     kTableRows = 2,   // rows or items, in a document for each table
     kComparison = 4,  // rows in one document on several tables
-    kAnyContent = 7,
+    kFactLists = 8,   // structures with their facts
+    kAnyContent = 15,
 };
 
 struct Format_t {

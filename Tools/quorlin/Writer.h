@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Tools/quorlin/Columns.h"
+#include "Tools/quorlin/FactTexts.h"
 #include "Tools/quorlin/Structures.h"
 
 // A value in a row; none means an empty cell, or nothing at all.
@@ -57,6 +58,8 @@ class ClWriter {
     // unless the format has another way.
     virtual void Structure(const Structure_t& structure);
     virtual void Hits(const Structure_t& structure, std::span<const Hit_t> hits);
+    // Adds the facts of a structure to a list that has kFactColumns.
+    virtual void Facts(const FactStructure_t& structure);
 
     // Writes that there is no document for a table, as it can't be read. Only for formats that have `reportsErrors`.
     virtual void Failed(std::string_view, std::string_view) {}
@@ -71,3 +74,5 @@ class ClWriter {
 
 inline constexpr Column_t kItemColumns[] = {{"type"},  {"handle"}, {"instance"}, {"title"},
                                             {"group"}, {"key"},    {"value"}};
+inline constexpr Column_t kFactColumns[] = {{"type"}, {"handle"}, {"instance"}, {"name"},   {"key"},  {"value"},
+                                            {"unit"}, {"state"},  {"raw"},      {"offset"}, {"size"}, {"from"}};

@@ -21,8 +21,9 @@ class ClJson {
     }
     void BeginList(const char* name) {
         Name(name);
-        m_writer.StartArray();
+        BeginList();
     }
+    void BeginList() { m_writer.StartArray(); }
     void EndList() { m_writer.EndArray(); }
 
     // A name of our own: printable ASCII without quotes.
@@ -38,6 +39,8 @@ class ClJson {
         return isReplaced;
     }
     void Number(uint64_t number) { m_writer.Uint64(number); }
+    void Signed(int64_t number) { m_writer.Int64(number); }
+    void Null() { m_writer.Null(); }
     void Truth(bool truth) { m_writer.Bool(truth); }
 
     void Member(std::string_view name, uint64_t number) { Name(name), Number(number); }
@@ -160,6 +163,50 @@ class ClJsonWriter : public ClWriter {
         }
     }
 
+    void Facts(const FactStructure_t& structure) override {
+        const TableStructure_t& bytes = structure.structure;
+        const bool isFull = structure.choice.isFull;
+        if (!m_isLine) m_json.Break();
+        m_json.BeginObject();
+        m_json.Member("type", bytes.Type());
+        m_json.Member("name", structure.Name());
+        m_json.Member("handle", bytes.Handle());
+        m_json.Member("instance", structure.instance);
+        m_json.Member("offset", structure.offset);
+        m_json.Member("length", bytes.Length());
+        m_json.Name("facts");
+        m_json.BeginObject();
+        bool isInList = false;
+        int record = -1;
+        const auto endList = [&] {
+            if (!isInList) return;
+            if (record >= 0) m_json.EndObject();
+            m_json.EndList();
+            if (isFull) m_json.EndObject();
+            isInList = false;
+            record = -1;
+        };
+        structure.ForEach([&](const ClFacts& facts, const Fact_t& fact) {
+            if (fact.record < 0) {
+                endList();
+            } else if (fact.record != record) {
+                if (record >= 0) m_json.EndObject();
+                m_json.BeginObject();
+                record = fact.record;
+            }
+            if (!isFull && fact.state == FactState_t::kAbsent) return;
+            m_json.Name(fact.key);
+            isInList = isInList || (fact.kind == FactKind_t::kList && fact.IsValue());
+            if (isFull)
+                PutFullFact(facts, fact);
+            else
+                PutFlatFact(facts, fact);
+        });
+        endList();
+        m_json.EndObject();
+        m_json.EndObject();
+    }
+
     void Failed(std::string_view source, std::string_view error) override {
         m_json.BeginObject();
         m_json.Member("source", source);
@@ -186,6 +233,55 @@ class ClJsonWriter : public ClWriter {
         m_json.Member("handle", structure.handle);
         m_json.Member("instance", structure.instance);
         m_json.MarkReplaced(m_json.Member("title", structure.title));
+    }
+
+    // A value as JSON; of a list, only its begin.
+    void PutFactValue(const ClFacts& facts, const Fact_t& fact) {
+        switch (fact.kind) {
+            case FactKind_t::kNumber:
+                fact.isSigned ? m_json.Signed(static_cast<int64_t>(fact.number)) : m_json.Number(fact.number);
+                break;
+            case FactKind_t::kHandle: m_json.Number(fact.number); break;
+            case FactKind_t::kBits:
+                m_json.BeginList();
+                facts.ForEachWord(fact, [&](std::string_view word) { m_json.Text(word); });
+                m_json.EndList();
+                break;
+            case FactKind_t::kList: m_json.BeginList(); break;
+            case FactKind_t::kCode:
+                fact.state == FactState_t::kReserved ? m_json.Text(CodeText(fact.number)) : m_json.Text(fact.text);
+                break;
+            case FactKind_t::kBytes: m_json.Text(HexDigits(facts.Bytes(fact))); break;
+            default: m_json.Text(fact.text);
+        }
+    }
+
+    // Only values, so that a key always has the same JSON type; and codes that the standard doesn't assign.
+    void PutFlatFact(const ClFacts& facts, const Fact_t& fact) {
+        if (fact.IsValue() || (fact.kind == FactKind_t::kCode && fact.state == FactState_t::kReserved))
+            PutFactValue(facts, fact);
+        else
+            m_json.Null();
+    }
+
+    void PutFullFact(const ClFacts& facts, const Fact_t& fact) {
+        m_json.BeginObject();
+        if (fact.unit != Unit_t::kNone) m_json.Member("unit", UnitName(fact.unit));
+        m_json.Member("state", StateWord(fact.state));
+        if (fact.size != 0 || !fact.string.empty()) m_json.Member("raw", RawDigits(facts, fact));
+        if (fact.size != 0) {
+            m_json.Member("offset", fact.offset);
+            m_json.Member("size", fact.size);
+        }
+        if (fact.field->sources != 0) {
+            m_json.BeginList("from");
+            for (uint32_t i = 0; i < fact.field->sources; i++) m_json.Text(facts.SourceKey(fact, i));
+            m_json.EndList();
+        }
+        const bool hasValue = fact.state != FactState_t::kNone && fact.state != FactState_t::kAbsent &&
+                              fact.state != FactState_t::kBroken;
+        if (hasValue) m_json.Name("value"), PutFactValue(facts, fact);
+        if (fact.kind != FactKind_t::kList || !hasValue) m_json.EndObject();
     }
 
     void PutItems(const Structure_t& structure) {
@@ -245,7 +341,7 @@ constexpr Format_t kJsonFormat = {
 
 constexpr Format_t kNdjsonFormat = {
     .name = {"ndjson"},
-    .contents = kStructures | kTableRows,
+    .contents = kStructures | kTableRows | kFactLists,
     .takesMany = true,
     .reportsErrors = true,
     .isSweep = false,

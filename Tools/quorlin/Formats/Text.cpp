@@ -1,8 +1,30 @@
 // Text for people: headings, and keys and values in columns.
-#include "Tools/quorlin/Text.h"
+#include <cstdio>
+#include <deque>
+
 #include "Tools/quorlin/Formats.h"
+#include "Tools/quorlin/Text.h"
 
 namespace {
+
+// Where a fact comes from: "  [08h: 48 00, value]".
+std::string WhereText(const ClFacts& facts, const Fact_t& fact) {
+    std::string text = "  [";
+    if (fact.IsDerived()) {
+        text += "from";
+        for (uint32_t i = 0; i < fact.field->sources; i++)
+            text.append(i == 0 ? " " : ", ").append(facts.SourceKey(fact, i));
+    } else if (fact.size != 0) {
+        char place[8];
+        std::snprintf(place, sizeof place, "%02Xh:", fact.offset);
+        text += place;
+        const std::string digits = HexDigits(facts.Bytes(fact));
+        for (size_t i = 0; i < digits.size(); i += 2) text.append(" ").append(digits, i, 2);
+    } else {
+        text += fact.string.empty() ? "no bytes" : "a string";
+    }
+    return text.append(", ").append(StateWord(fact.state)).append("]");
+}
 
 class ClTextWriter : public ClWriter {
   public:
@@ -57,6 +79,28 @@ class ClTextWriter : public ClWriter {
                                           : heading);
         for (const Hit_t& hit : hits) m_columns.Pair(hit.item.key, hit.item.value);
         m_columns.Finish(2);
+    }
+
+    void Facts(const FactStructure_t& structure) override {
+        const TableStructure_t& bytes = structure.structure;
+        m_columns.Heading(std::string(structure.Name()) + ", type " + std::to_string(bytes.Type()) + ", handle " +
+                          HandleText(bytes.Handle()) + ", " + std::to_string(bytes.Length()) + " bytes");
+        std::deque<std::string> values;  // live until the block is written
+        std::string list;
+        int record = -1;
+        structure.ForEach([&](const ClFacts& facts, const Fact_t& fact) {
+            if (fact.record != record) {
+                m_columns.Finish(record < 0 ? 2 : 4);
+                record = fact.record;
+                if (record >= 0) m_columns.Line(2, list + " " + std::to_string(record + 1));
+            }
+            if (fact.kind == FactKind_t::kList) list = fact.name;
+            if (fact.kind == FactKind_t::kList && fact.IsValue() && fact.number != 0) return;  // its records show it
+            std::string value = ShownValue(facts, fact);
+            if (structure.choice.showsWhere) value += WhereText(facts, fact);
+            m_columns.Pair(fact.name, values.emplace_back(std::move(value)));
+        });
+        m_columns.Finish(record < 0 ? 2 : 4);
     }
 
     ClColumns* People() override { return &m_columns; }

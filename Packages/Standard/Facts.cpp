@@ -1,0 +1,413 @@
+#include "Packages/Standard/Facts.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace {
+
+uint64_t LittleEndian(const uint8_t* bytes, uint32_t size) {
+    uint64_t number = 0;
+    for (uint32_t i = 0; i < size && i < 8; i++) number |= static_cast<uint64_t>(bytes[i]) << 8 * i;
+    return number;
+}
+
+uint32_t FormattedEnd(const TableStructure_t& structure) {
+    return std::min<uint32_t>(structure.Length(), structure.size);
+}
+
+// Whether the lengths in a structure of type 42 add up by the layout of 3.2.
+bool HasHostInterfaceLengths(const TableStructure_t& structure) {
+    const uint32_t end = FormattedEnd(structure);
+    if (end < 6) return false;
+    uint32_t place = 6u + structure.data[5];
+    if (place >= end) return false;
+    const uint32_t records = structure.data[place++];
+    for (uint32_t i = 0; i < records; i++) {
+        if (place + 2 > end) return false;
+        place += 2u + structure.data[place + 1];
+    }
+    return place <= end;
+}
+
+StandardType_t TableFor(const TableStructure_t& structure, StandardVersion_t version) {
+    if (structure.Type() == 42 && version < 0x0302 && !HasHostInterfaceLengths(structure)) return OldHostInterface();
+    return FindStandardType(structure.Type());
+}
+
+constexpr char kHexDigits[] = "0123456789abcdef";
+
+}  // namespace
+
+ClHandles::ClHandles(std::span<const uint8_t> table) {
+    for (const TableStructure_t& structure : ClWalk(table))
+        m_handles.push_back(static_cast<uint32_t>(structure.Handle()) << 8 | structure.Type());
+    std::ranges::sort(m_handles);
+}
+
+bool ClHandles::Has(uint16_t handle, std::span<const StandardCode_t> types) const {
+    const uint32_t first = static_cast<uint32_t>(handle) << 8;
+    for (auto row = std::ranges::lower_bound(m_handles, first); row != m_handles.end() && *row >> 8 == handle; ++row)
+        if (types.empty() || std::ranges::find(types, *row & 0xFF, &StandardCode_t::first) != types.end()) return true;
+    return false;
+}
+
+ClStrings::ClStrings(const TableStructure_t& structure)
+    : m_begin(reinterpret_cast<const char*>(structure.data)), m_count(0) {
+    uint32_t place = structure.Length();
+    m_starts[0] = place;
+    while (place < structure.size && m_begin[place] != '\0' && m_count < 255) {
+        const void* end = memchr(m_begin + place, '\0', structure.size - place);
+        if (end == nullptr) return;  // the table ends within the string
+        place = static_cast<uint32_t>(static_cast<const char*>(end) - m_begin) + 1;
+        m_starts[++m_count] = place;
+    }
+}
+
+std::string_view ClStrings::Get(uint32_t number) const {
+    return {m_begin + m_starts[number - 1], m_starts[number] - m_starts[number - 1] - 1};
+}
+
+ClFacts::ClFacts(const TableStructure_t& structure, const FactOptions_t& options)
+    : m_data(structure.data), m_type(TableFor(structure, options.version)), m_options(options), m_strings(structure) {
+    m_structure.fields = m_type.TopFields();
+    m_structure.end = FormattedEnd(structure);
+}
+
+bool ClFacts::Next() {
+    for (;;) {
+        if (m_list != nullptr) {
+            if (m_record.place < m_record.fields.size()) {
+                if (ReadField(m_record, m_recordNumber)) return true;
+            } else if (!StartRecord()) {
+                m_list = nullptr;
+            }
+        } else if (m_structure.place < m_structure.fields.size()) {
+            if (ReadField(m_structure, -1)) return true;
+        } else {
+            return false;
+        }
+    }
+}
+
+std::string_view ClFacts::SourceKey(const Fact_t& fact, uint32_t source) const {
+    const std::span<const StandardField_t> fields = fact.record < 0 ? m_structure.fields : m_record.fields;
+    return m_type.Text(fields[fact.field->from[source]].key);
+}
+
+uint32_t ClFacts::PlaceOf(const StandardField_t& field, const Area_t& area) const {
+    return field.offset < kAfterList ? area.begin + field.offset : m_afterList + field.offset - kAfterList;
+}
+
+// Finds where a field is. Returns whether its bytes are there.
+bool ClFacts::HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset, uint32_t& size) const {
+    offset = PlaceOf(field, area);
+    if (field.width == kRestOfRecord) {
+        size = offset < area.end ? area.end - offset : 0;
+        return size != 0;
+    }
+    size = field.width == kCountedWidth ? area.count : field.width;
+    return offset + size <= area.end && (field.width != kCountedWidth || area.hasCount);
+}
+
+bool ClFacts::ReadField(Area_t& area, int record) {
+    const StandardField_t& field = area.fields[area.place++];
+    Fact_t& fact = m_fact;
+    fact.field = &field;
+    fact.key = m_type.Text(field.key);
+    fact.name = m_type.Text(field.name);
+    fact.kind = field.kind;
+    fact.state = FactState_t::kValue;
+    fact.unit = field.unit;
+    fact.isSigned = false;
+    fact.isReference = false;
+    fact.offset = 0;
+    fact.size = 0;
+    fact.record = record;
+    fact.number = 0;
+    fact.text = {};
+    fact.string = {};
+
+    switch (field.form) {
+        case Form_t::kDerived: Derive(area, field, fact); break;
+        case Form_t::kRecords: ReadList(field, area, fact); break;
+        case Form_t::kStrings: ReadStrings(field, area, fact); break;
+        default: {
+            uint32_t offset = 0;
+            uint32_t size = 0;
+            const bool hasRoom = HasRoom(field, area, offset, size);
+            if (m_list != nullptr && m_list->form == Form_t::kStrings) {
+                DecodeText(static_cast<uint32_t>(m_recordNumber) + 1, fact);
+            } else if (hasRoom) {
+                Decode(field, offset, size, fact);
+            } else if (field.width == kCountedWidth && area.hasCount && offset <= area.end) {
+                fact.state = FactState_t::kBroken;
+                fact.offset = static_cast<uint16_t>(offset);
+                fact.size = static_cast<uint16_t>(area.end - offset);
+                m_afterList = area.end + 1;
+            } else {
+                fact.state = FactState_t::kAbsent;
+            }
+            if (field.form == Form_t::kCount || field.form == Form_t::kStep) {
+                if (field.form == Form_t::kStep) m_step = static_cast<uint32_t>(fact.number);
+                if (field.form == Form_t::kCount)
+                    area.count = static_cast<uint32_t>(fact.number), area.hasCount = hasRoom;
+            } else if (field.width == kCountedWidth && hasRoom && record < 0) {
+                m_afterList = offset + size;
+            }
+            break;
+        }
+    }
+    // A part of a field that isn't a value isn't one either.
+    if (field.IsPart()) {
+        if (area.wholeState != FactState_t::kValue) {
+            fact.state = area.wholeState;
+            fact.text = area.wholeText;
+            fact.number = 0;
+        }
+    } else {
+        area.wholeState = fact.state;
+        area.wholeText = fact.text;
+    }
+    return fact.state != FactState_t::kAbsent || m_options.listsAbsent;
+}
+
+void ClFacts::ReadList(const StandardField_t& field, const Area_t& area, Fact_t& fact) {
+    const uint32_t begin = PlaceOf(field, area);
+    uint32_t count = area.count;
+    uint32_t step = field.step != 0 ? field.step : m_step;
+    bool isThere = begin <= area.end && (field.counted != 0 || area.hasCount);
+    if (field.counted == 1) {
+        count = 1;
+        isThere = begin < area.end;
+        step = isThere ? area.end - begin : 0;
+    } else if (field.counted == 2) {
+        count = isThere ? (area.end - begin) / step : 0;
+    }
+    if (!isThere) {
+        fact.state = FactState_t::kAbsent;
+        m_afterList = area.end + 1;
+        return;
+    }
+    uint64_t size = static_cast<uint64_t>(count) * step;
+    bool isBroken = step == 0 && count != 0;
+    if (field.ownLengthAt != 0) {
+        size = 0;
+        step = 0;
+        isBroken = false;
+        for (uint32_t i = 0; i < count && !isBroken; i++) {
+            const uint64_t lengthAt = begin + size + field.ownLengthAt - 1;
+            const uint32_t length = lengthAt < area.end ? m_data[lengthAt] + field.ownLengthPlus : 0u;
+            isBroken = length < field.ownLengthAt;
+            size += length;
+        }
+    }
+    const bool fits = begin + size <= area.end && !(isBroken && field.ownLengthAt != 0);
+    m_afterList = fits ? static_cast<uint32_t>(begin + size) : area.end + 1;
+    fact.offset = static_cast<uint16_t>(begin);
+    fact.size = static_cast<uint16_t>(fits ? size : area.end - begin);
+    if (isBroken || !fits) {
+        fact.state = FactState_t::kBroken;
+        return;
+    }
+    fact.number = count;
+    m_list = &field;
+    m_records = count;
+    m_recordStep = step;
+    m_recordNumber = -1;
+    m_record.fields = m_type.RecordFields(field);
+    m_record.place = m_record.fields.size();
+    m_record.end = begin;
+}
+
+void ClFacts::ReadStrings(const StandardField_t& field, const Area_t& area, Fact_t& fact) {
+    uint32_t count = m_strings.Count();
+    if (field.counted == 0) {
+        if (!area.hasCount) {
+            fact.state = FactState_t::kAbsent;
+            return;
+        }
+        if (area.count > count) {
+            fact.state = FactState_t::kBroken;
+            return;
+        }
+        count = area.count;
+    }
+    fact.number = count;
+    m_list = &field;
+    m_records = count;
+    m_recordNumber = -1;
+    m_record.fields = m_type.RecordFields(field);
+    m_record.place = m_record.fields.size();
+}
+
+// Goes to the next record of the list. Returns false after the last one.
+bool ClFacts::StartRecord() {
+    if (++m_recordNumber >= static_cast<int>(m_records)) return false;
+    m_record.place = 0;
+    m_record.count = 0;
+    m_record.hasCount = false;
+    if (m_list->form == Form_t::kStrings) return true;
+    m_record.begin = m_record.end;
+    const uint32_t step = m_list->ownLengthAt == 0
+                              ? m_recordStep
+                              : m_data[m_record.begin + m_list->ownLengthAt - 1] + m_list->ownLengthPlus;
+    m_record.end = m_record.begin + step;
+    return true;
+}
+
+void ClFacts::Decode(const StandardField_t& field, uint32_t offset, uint32_t size, Fact_t& fact) {
+    const uint8_t* bytes = m_data + offset;
+    fact.offset = static_cast<uint16_t>(offset);
+    fact.size = static_cast<uint16_t>(size);
+    switch (field.form) {
+        case Form_t::kText: DecodeText(bytes[0], fact); return;
+        case Form_t::kUuid: DecodeUuid(bytes, fact); return;
+        case Form_t::kBytes:
+        case Form_t::kReserved: return;
+        case Form_t::kAscii: {
+            const char* text = reinterpret_cast<const char*>(bytes);
+            fact.text = {text, static_cast<size_t>(std::find(text, text + size, '\0') - text)};
+            if (fact.text.empty()) fact.state = FactState_t::kNone;
+            return;
+        }
+        default: break;
+    }
+    uint64_t number = LittleEndian(bytes, size);
+    if (field.IsPart()) number = number >> field.low & (field.bits < 64 ? (1ull << field.bits) - 1 : ~0ull);
+    DecodeNumber(field, number, fact);
+    if (fact.kind == FactKind_t::kDate && fact.IsValue()) {
+        const auto month = static_cast<uint32_t>(number >> 5 & 0xF);
+        const auto day = static_cast<uint32_t>(number & 0x1F);
+        if (month == 0 || month > 12 || day == 0) {
+            fact.state = number == 0 ? FactState_t::kNone : FactState_t::kReserved;
+            return;
+        }
+        const auto year = static_cast<uint32_t>(1980 + (number >> 9));
+        const char date[] = {static_cast<char>('0' + year / 1000),
+                             static_cast<char>('0' + year / 100 % 10),
+                             static_cast<char>('0' + year / 10 % 10),
+                             static_cast<char>('0' + year % 10),
+                             '-',
+                             static_cast<char>('0' + month / 10),
+                             static_cast<char>('0' + month % 10),
+                             '-',
+                             static_cast<char>('0' + day / 10),
+                             static_cast<char>('0' + day % 10)};
+        SetText({date, sizeof date}, fact);
+    } else if (fact.kind == FactKind_t::kVersion) {
+        const char version[] = {kHexDigits[number >> 4 & 0xF], '.', kHexDigits[number & 0xF]};
+        SetText({version, sizeof version}, fact);
+    }
+}
+
+void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const {
+    fact.number = number;
+    for (const StandardSpecial_t& special : m_type.Specials(field)) {
+        if (number < special.first || number > special.last) continue;
+        fact.state = special.state;
+        fact.text = m_type.Text(special.word);
+        fact.isReference = special.isReference;
+        return;
+    }
+    switch (field.form) {
+        case Form_t::kNumber:
+        case Form_t::kHex: fact.number = number * field.scale; break;
+        case Form_t::kSigned:
+            fact.number = static_cast<uint64_t>(static_cast<int64_t>(static_cast<int16_t>(number)) * field.scale);
+            fact.isSigned = true;
+            break;
+        case Form_t::kBcd:
+            fact.number = (number >> 4) * 10 + (number & 0xF);
+            if ((number & 0xF) > 9 || number >> 4 > 9) fact.state = FactState_t::kReserved, fact.number = number;
+            break;
+        case Form_t::kCode: {
+            const StandardCode_t* code = m_type.FindCode(field, number);
+            fact.state = code == nullptr ? FactState_t::kReserved : code->state;
+            if (code != nullptr) fact.text = m_type.Text(code->word);
+            break;
+        }
+        case Form_t::kBits:
+            // A list with a single word such as "Unknown" says just that.
+            if (std::has_single_bit(number)) {
+                const StandardCode_t* bit = m_type.FindCode(field, static_cast<uint64_t>(std::countr_zero(number)));
+                if (bit != nullptr) fact.state = bit->state;
+            }
+            break;
+        case Form_t::kHandle:
+            if (m_options.handles != nullptr &&
+                !m_options.handles->Has(static_cast<uint16_t>(number), m_type.Codes(field)))
+                fact.state = FactState_t::kBroken;
+            break;
+        case Form_t::kRomSize: fact.number = (number + 1) << 16; break;
+        case Form_t::kExtendedRomSize:
+            fact.number = (number & 0x3FFF) << (number >> 14 == 0 ? 20 : 30);
+            if (number >> 15 != 0) fact.state = FactState_t::kReserved, fact.number = number;
+            break;
+        case Form_t::kPowerOfTwoMB:
+            if (number >= 44)
+                fact.state = FactState_t::kReserved;
+            else
+                fact.number = 1ull << (number + 20);
+            break;
+        case Form_t::kMemorySize: fact.number = (number & 0x7FFF) << (number >> 15 != 0 ? 10 : 20); break;
+        case Form_t::kCacheSize: {
+            const uint32_t high = fact.size == 2 ? 15 : 31;
+            fact.number = (number & ((1ull << high) - 1)) << (number >> high != 0 ? 16 : 10);
+            break;
+        }
+        case Form_t::kWithoutHighBit: fact.number = (number & 0x7FFFFFFF) * field.scale; break;
+        case Form_t::kPlusOne: fact.number = number + 1; break;
+        default: break;
+    }
+}
+
+void ClFacts::DecodeText(uint32_t number, Fact_t& fact) const {
+    fact.number = number;
+    if (number == 0) {
+        fact.state = FactState_t::kNone;
+    } else if (number > m_strings.Count()) {
+        fact.state = FactState_t::kBroken;
+    } else {
+        fact.text = fact.string = m_strings.Get(number);
+        if (IsFiller(fact.text)) fact.state = FactState_t::kFiller;
+    }
+}
+
+void ClFacts::DecodeUuid(const uint8_t* uuid, Fact_t& fact) {
+    const auto isAll = [&](uint8_t byte) { return std::all_of(uuid, uuid + 16, [=](uint8_t b) { return b == byte; }); };
+    if (isAll(0x00) || isAll(0xFF)) fact.state = FactState_t::kFiller;
+    // From 2.6 on, the first three parts are little-endian.
+    static constexpr uint8_t kLittle[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+    char text[36];
+    size_t place = 0;
+    for (uint8_t i = 0; i < 16; i++) {
+        const uint8_t byte = uuid[m_options.version >= 0x0206 ? kLittle[i] : i];
+        if (i == 4 || i == 6 || i == 8 || i == 10) text[place++] = '-';
+        text[place++] = kHexDigits[byte >> 4];
+        text[place++] = kHexDigits[byte & 0xF];
+    }
+    SetText({text, sizeof text}, fact);
+}
+
+// Keeps a text that is made for the fact.
+void ClFacts::SetText(std::string_view text, Fact_t& fact) {
+    memcpy(m_buffer, text.data(), text.size());
+    fact.text = {m_buffer, text.size()};
+}
+
+// Reads the source of a derived fact.
+Fact_t ClFacts::Source(const Area_t& area, const StandardField_t& field, uint32_t source) {
+    const StandardField_t& from = area.fields[field.from[source]];
+    Fact_t fact = {};
+    fact.field = &from;
+    fact.kind = from.kind;
+    fact.unit = from.unit;
+    uint32_t offset = 0;
+    uint32_t size = 0;
+    if (source < field.sources && HasRoom(from, area, offset, size))
+        Decode(from, offset, size, fact);
+    else
+        fact.state = FactState_t::kAbsent;
+    return fact;
+}

@@ -1,0 +1,146 @@
+// Facts: what a structure says by the newest level of the SMBIOS standard, typed, with the bytes that it comes from.
+//
+//     for (const TableStructure_t& structure : ClWalk(table)) {
+//         ClFacts facts(structure, {.version = 0x0304});
+//         while (facts.Next()) Show(facts->key, facts->text);
+//     }
+//
+// A fact's texts are views of the structure, of the standard's tables, or of the ClFacts, and are valid until the next
+// call of Next. Nothing is allocated, and nothing is shared between threads.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "Packages/Format/Structures.h"
+#include "Packages/Standard/Standard.h"
+
+struct Fact_t {
+    const StandardField_t* field;  // its row in the table of the type
+    std::string_view key;          // stable, in snake_case, such as "memory_size"
+    std::string_view name;         // the standard's name, such as "Memory Size"
+    FactKind_t kind;
+    FactState_t state;
+    Unit_t unit;
+    bool isSigned;     // `number` is a two's complement
+    bool isReference;  // its state is kNone because the field `text` has the value
+    uint16_t offset;   // in the structure; with `size`, the bytes that the fact comes from
+    uint16_t size;     // 0 for derived facts and for strings of a list
+    int record;        // of a fact in a list, the number of its record, from 0; otherwise -1
+    // Numbers in their unit, codes, bit lists, handles, string numbers, and the number of a list's records.
+    uint64_t number;
+    // Texts, words of codes, UUIDs, dates and versions. Of numbers that aren't values, why.
+    std::string_view text;
+    std::string_view string;  // the bytes of a text in the structure's strings
+
+    bool IsValue() const { return state == FactState_t::kValue; }
+    bool IsDerived() const { return field->form == Form_t::kDerived; }
+};
+
+// The handles of a table and the types of their structures, to tell whether a handle refers to something.
+class ClHandles {
+  public:
+    explicit ClHandles(std::span<const uint8_t> table);
+    // Whether a structure with this handle has one of the types, or any type if there are none.
+    bool Has(uint16_t handle, std::span<const StandardCode_t> types) const;
+
+  private:
+    std::vector<uint32_t> m_handles;  // handle << 8 | type, sorted
+};
+
+// The strings after a structure's formatted area.
+class ClStrings {
+  public:
+    explicit ClStrings(const TableStructure_t& structure);
+    uint32_t Count() const { return m_count; }
+    // Returns the string with this number, from 1 to Count().
+    std::string_view Get(uint32_t number) const;
+
+  private:
+    const char* m_begin;
+    uint32_t m_count;
+    uint32_t m_starts[256];  // of the strings, and the end of the last one
+};
+
+struct FactOptions_t {
+    uint16_t version = 0x0300;           // of the table, as 0304h for 3.4: the byte order of UUIDs depends on it
+    const ClHandles* handles = nullptr;  // to judge handles; null leaves them alone
+    bool listsAbsent = false;            // also facts with the state kAbsent
+};
+
+// Walks over the facts of one structure: its fields in the order of the standard, parts after their field, the records
+// of a list after the list, and derived facts last. `structure` must outlive the walk.
+class ClFacts {
+  public:
+    ClFacts(const TableStructure_t& structure, const FactOptions_t& options);
+    ClFacts(const ClFacts&) = delete;
+    ClFacts& operator=(const ClFacts&) = delete;
+
+    // Moves to the next fact, or returns false after the last one.
+    bool Next();
+
+    const Fact_t& operator*() const { return m_fact; }
+    const Fact_t* operator->() const { return &m_fact; }
+
+    const StandardType_t& Type() const { return m_type; }
+    const ClStrings& Strings() const { return m_strings; }
+    // The bytes of a fact in the formatted area.
+    std::span<const uint8_t> Bytes(const Fact_t& fact) const { return {m_data + fact.offset, fact.size}; }
+    // Calls `take` with the word of each set bit of a bit list.
+    template <class Take>
+    void ForEachWord(const Fact_t& fact, Take take) const {
+        for (const StandardCode_t& bit : m_type.Codes(*fact.field))
+            if (fact.number >> bit.first & 1) take(m_type.Text(bit.word));
+    }
+    // The key of the field that a derived fact comes from; `source` is below `fact.field->sources`.
+    std::string_view SourceKey(const Fact_t& fact, uint32_t source) const;
+
+  private:
+    // Where the fields of the structure, or of the record at hand, are.
+    struct Area_t {
+        std::span<const StandardField_t> fields;
+        uint32_t begin;
+        uint32_t end;
+        size_t place;    // of the next field
+        uint32_t count;  // the last count, and whether it is there
+        bool hasCount;
+        FactState_t wholeState;  // of the field whose parts come next
+        std::string_view wholeText;
+    };
+
+    bool ReadField(Area_t& area, int record);
+    void Decode(const StandardField_t& field, uint32_t offset, uint32_t size, Fact_t& fact);
+    void DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
+    void DecodeText(uint32_t number, Fact_t& fact) const;
+    void DecodeUuid(const uint8_t* uuid, Fact_t& fact);
+    uint32_t PlaceOf(const StandardField_t& field, const Area_t& area) const;
+    bool HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset, uint32_t& size) const;
+    void ReadList(const StandardField_t& field, const Area_t& area, Fact_t& fact);
+    void ReadStrings(const StandardField_t& field, const Area_t& area, Fact_t& fact);
+    bool StartRecord();
+    Fact_t Source(const Area_t& area, const StandardField_t& field, uint32_t source);
+    void Derive(const Area_t& area, const StandardField_t& field, Fact_t& fact);
+
+    void SetText(std::string_view text, Fact_t& fact);
+
+    const uint8_t* m_data;
+    StandardType_t m_type;
+    FactOptions_t m_options;
+    ClStrings m_strings;
+    Fact_t m_fact = {};
+    Area_t m_structure = {};
+    Area_t m_record = {};
+    uint32_t m_afterList = 0;  // where the fields after the last list begin
+    uint32_t m_step = 0;
+    const StandardField_t* m_list = nullptr;  // whose records are read
+    uint32_t m_records = 0;
+    uint32_t m_recordStep = 0;
+    int m_recordNumber = 0;
+    char m_buffer[64];
+};
+
+// Whether a text is one that firmware is delivered with, such as "To Be Filled By O.E.M.", blanks, or one character
+// again and again.
+bool IsFiller(std::string_view text);

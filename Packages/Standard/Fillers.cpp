@@ -1,0 +1,109 @@
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "Packages/Standard/Facts.h"
+
+namespace {
+
+constexpr size_t kLongest = 28;
+
+// Texts that firmware is delivered with, and that nobody replaced. In lower case and in rising order, without blanks
+// around them.
+constexpr char kFillers[][kLongest] = {
+    "0123456789",
+    "012345678901234567890123456",
+    "123456789",
+    "1234567890",
+    "12345678901234567890",
+    "9876543210",
+    "[empty]",
+    "asset tag",
+    "asset-1234567890",
+    "base board asset tag",
+    "base board serial number",
+    "board serial number",
+    "board version",
+    "chassis asset tag",
+    "chassis manufacture",
+    "chassis manufacturer",
+    "chassis serial number",
+    "chassis version",
+    "default",
+    "default string",
+    "empty",
+    "fill by oem",
+    "filled by oem",
+    "invalid",
+    "n/a",
+    "na",
+    "no asset information",
+    "no asset tag",
+    "no dimm",
+    "no enclosure",
+    "none",
+    "not applicable",
+    "not available",
+    "not defined",
+    "not provided",
+    "not specified",
+    "null",
+    "o.e.m.",
+    "oem",
+    "product name",
+    "product_line",
+    "product_sku",
+    "serial number",
+    "sku",
+    "system asset tag",
+    "system manufacturer",
+    "system name",
+    "system product name",
+    "system serial number",
+    "system sku",
+    "system version",
+    "tbd",
+    "tobefilledbyo.e.m.",
+    "type1family",
+    "type1productconfigid",
+    "type1sku",
+    "undefined",
+    "unknown",
+    "unspecified",
+};
+// Begins of such texts.
+constexpr char kFillerBegins[][kLongest] = {"to be filled by", "be filled by o.e.m."};
+// Texts that come with a number behind them, such as "SerNum00".
+constexpr char kNumberedFillers[][kLongest] = {
+    "array_partnumber", "assettagnum", "manufacturer", "modulepartnumber", "partnum", "sernum",
+};
+
+char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+}  // namespace
+
+bool IsFiller(std::string_view text) {
+    while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.remove_suffix(1);
+    while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ') text.remove_prefix(1);
+    if (text.empty()) return true;
+    // One character again and again: zeros, Fs, Xs, dots, dashes.
+    const char first = Lower(text.front());
+    if (strchr("0fx.-*?_#", first) != nullptr &&
+        (text.size() > 1 || first == '.' || first == '-' || first == '*' || first == '?' || first == '_' ||
+         first == '#') &&
+        std::ranges::all_of(text, [=](char c) { return Lower(c) == first; }))
+        return true;
+    char lower[kLongest] = {};
+    const size_t size = std::min(text.size(), kLongest - 1);
+    std::transform(text.begin(), text.begin() + static_cast<ptrdiff_t>(size), lower, Lower);
+    if (text.size() == size) {
+        const auto isLess = [](const char* a, const char* b) { return strcmp(a, b) < 0; };
+        if (std::binary_search(std::begin(kFillers), std::end(kFillers), lower, isLess)) return true;
+    }
+    for (const char* begin : kFillerBegins)
+        if (strncmp(lower, begin, strlen(begin)) == 0) return true;
+    if (text.size() != size || lower[size - 1] < '0' || lower[size - 1] > '9') return false;
+    std::string_view word(lower, size);
+    while (!word.empty() && word.back() >= '0' && word.back() <= '9') word.remove_suffix(1);
+    return std::ranges::any_of(kNumberedFillers, [=](const char* filler) { return word == filler; });
+}
