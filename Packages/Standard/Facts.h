@@ -19,7 +19,7 @@
 
 struct Fact_t {
     const StandardField_t* field;  // its row in the table of the type
-    std::string_view key;          // stable, in snake_case, such as "memory_size"
+    std::string_view key;          // stable, in snake_case, such as "memory_size"; a NUL follows key and name
     std::string_view name;         // the standard's name, such as "Memory Size"
     FactKind_t kind;
     FactState_t state;

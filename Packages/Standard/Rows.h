@@ -322,6 +322,7 @@ class ClPacker {
         const auto offset = static_cast<uint16_t>(m_packed.textSize);
         Put(static_cast<char>(text.size()));
         for (const char c : text) Put(c);
+        Put('\0');
         return offset;
     }
 
@@ -344,6 +345,7 @@ class ClPacker {
             if (c == ')') isInside = false;
         }
         m_packed.texts[offset] = static_cast<char>(m_packed.textSize - offset - 1);
+        Put('\0');
         return static_cast<uint16_t>(offset);
     }
 

@@ -173,6 +173,7 @@ struct StandardType_t {
     std::span<const StandardSpecial_t> specials;
     const char* texts;
 
+    // Returns a text, which a NUL follows.
     std::string_view Text(uint16_t offset) const {
         return {texts + offset + 1, static_cast<unsigned char>(texts[offset])};
     }
