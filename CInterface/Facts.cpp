@@ -1,7 +1,8 @@
 // Facts for the C interface: a copy of a table, and walks over its structures.
-#include <bit>
+#include <cstddef>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 #include "CInterface/Opening.h"
@@ -18,8 +19,7 @@ struct quorlin_fact_table {
 struct quorlin_fact_walk {
     const quorlin_fact_table* table;
     std::optional<ClFacts> facts;
-    quorlin_fact fact;
-    bool hasFact;
+    bool hasFact = false;
 };
 
 namespace {
@@ -97,24 +97,19 @@ quorlin_status CopyMachine(quorlin_fact_table& table, const Choose& choose) {
     return QUORLIN_OK;
 }
 
-void Show(const ClFacts& facts, quorlin_fact& shown) {
-    const Fact_t& fact = *facts;
-    shown.key = fact.key.data();
-    shown.name = fact.name.data();
-    shown.unit = UnitName(fact.unit);
-    shown.text = fact.text.empty() ? "" : fact.text.data();
-    shown.bytes = facts.Bytes(fact).data();
-    shown.string = fact.string.empty() ? "" : fact.string.data();
-    shown.number = fact.number;
-    shown.text_size = static_cast<uint32_t>(fact.text.size());
-    shown.string_size = static_cast<uint32_t>(fact.string.size());
-    shown.kind = static_cast<uint32_t>(fact.kind);
-    shown.state = static_cast<uint32_t>(fact.state);
-    shown.record = fact.record;
-    shown.offset = fact.offset;
-    shown.size = fact.size;
-    shown.sources = fact.field->sources;
-    shown.is_signed = fact.isSigned;
+// C sees the walk's own fact, so that nothing is copied: a std::string_view is a size and a pointer.
+#define SAME_PLACE(member, cMember) offsetof(Fact_t, member) == offsetof(quorlin_fact, cMember)
+static_assert(SAME_PLACE(field, reserved) && SAME_PLACE(key, key_size) && SAME_PLACE(name, name_size) &&
+              SAME_PLACE(kind, kind) && SAME_PLACE(state, state) && SAME_PLACE(unit, unit) &&
+              SAME_PLACE(isSigned, is_signed) && SAME_PLACE(isReference, is_reference) && SAME_PLACE(offset, offset) &&
+              SAME_PLACE(size, size) && SAME_PLACE(record, record) && SAME_PLACE(number, number) &&
+              SAME_PLACE(text, text_size) && SAME_PLACE(string, string_size));
+static_assert(sizeof(Fact_t) == sizeof(quorlin_fact) && std::is_standard_layout_v<Fact_t>);
+static_assert(sizeof(std::string_view) == sizeof(size_t) + sizeof(const char*));
+
+// Returns the fact at which a walk is; null before the first and after the last one.
+const Fact_t* FactOf(const quorlin_fact_walk* walk) {
+    return walk != nullptr && walk->hasFact ? &**walk->facts : nullptr;
 }
 
 }  // namespace
@@ -208,28 +203,29 @@ quorlin_status quorlin_walk_begin(quorlin_fact_walk* walk, uint32_t index, int w
 const quorlin_fact* quorlin_walk_next(quorlin_fact_walk* walk) {
     if (walk == nullptr || !walk->facts) return nullptr;
     walk->hasFact = walk->facts->Next();
-    if (!walk->hasFact) return nullptr;
-    Show(*walk->facts, walk->fact);
-    return &walk->fact;
+    return reinterpret_cast<const quorlin_fact*>(FactOf(walk));
 }
 
 const char* quorlin_walk_word(const quorlin_fact_walk* walk, uint32_t* bit) {
-    if (walk == nullptr || bit == nullptr || !walk->hasFact || walk->fact.kind != QUORLIN_BITS) return nullptr;
-    const Fact_t& fact = **walk->facts;
+    const Fact_t* fact = FactOf(walk);
+    if (fact == nullptr || bit == nullptr || fact->kind != FactKind_t::kBits) return nullptr;
     const StandardType_t& type = walk->facts->Type();
-    for (; *bit < 64; ++*bit) {
-        if ((fact.number >> *bit & 1) == 0) continue;
-        if (const StandardCode_t* row = type.FindCode(*fact.field, *bit)) {
-            ++*bit;
-            return type.Text(row->word).data();
-        }
+    while (*bit < 64) {
+        const uint32_t at = (*bit)++;
+        if ((fact->number >> at & 1) == 0) continue;
+        if (const StandardCode_t* row = type.FindCode(*fact->field, at)) return type.Text(row->word).data();
     }
     return nullptr;
 }
 
 const char* quorlin_walk_source(const quorlin_fact_walk* walk, uint32_t index) {
-    if (walk == nullptr || !walk->hasFact || index >= walk->fact.sources) return nullptr;
-    return walk->facts->SourceKey(**walk->facts, index).data();
+    const Fact_t* fact = FactOf(walk);
+    if (fact == nullptr || index >= fact->field->sources) return nullptr;
+    return walk->facts->SourceKey(*fact, index).data();
+}
+
+const char* quorlin_unit_text(uint32_t unit) {
+    return unit < std::size(kUnitNames) ? UnitName(static_cast<Unit_t>(unit)) : "";
 }
 
 const char* quorlin_state_text(uint32_t state) { return state < std::size(kStateTexts) ? kStateTexts[state] : ""; }

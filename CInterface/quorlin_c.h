@@ -139,15 +139,15 @@ QUORLIN_API quorlin_status quorlin_find(const quorlin_table* table, const char* 
  *            by size into a block that an older header describes.
  * Lifetime   A structure and its bytes, and all constant texts, live until the table is closed. A fact, and its `text`,
  *            live until the next call for the same walk.
- * Text       Keys, names, units and words are constant, in UTF-8, and end in a NUL. `text` and `string` have a size
- *            and may have any bytes but NUL, as the firmware wrote them; no NUL follows them in every case.
+ * Text       Keys, names, units and words are constant, in UTF-8, and end in a NUL. `text` and `string` have any bytes
+ *            but NUL, as the firmware wrote them, and don't always end in a NUL: use their size.
  * Threads    A table may be used by any number of threads at once, a walk by one at a time. */
 typedef struct quorlin_fact_table quorlin_fact_table;
 typedef struct quorlin_fact_walk quorlin_fact_walk;
 
 /* What a fact is, and which members have its value. */
 enum {
-    QUORLIN_NUMBER = 0,  /* number, in `unit`; int64_t if is_signed */
+    QUORLIN_NUMBER = 0,  /* number, in its unit; int64_t if is_signed */
     QUORLIN_TEXT = 1,    /* text; number is the string's number, if it is one of the structure's strings */
     QUORLIN_CODE = 2,    /* number is the code, text its word; empty for a reserved code */
     QUORLIN_BITS = 3,    /* number; quorlin_walk_word has the words of its set bits */
@@ -155,7 +155,7 @@ enum {
     QUORLIN_UUID = 5,    /* text, in the byte order of the table's version */
     QUORLIN_DATE = 6,    /* text, such as 2023-05-12 */
     QUORLIN_RELEASE = 7, /* text, such as 5.17 */
-    QUORLIN_BYTES = 8,   /* bytes and size */
+    QUORLIN_BYTES = 8,   /* its bytes in the structure */
     QUORLIN_LIST = 9     /* number of records; their facts follow, with `record` from 0 */
 };
 
@@ -184,22 +184,24 @@ typedef struct quorlin_structure {
 } quorlin_structure;
 
 typedef struct quorlin_fact {
-    const char* key;      /* stable, such as "memory_size" */
-    const char* name;     /* the standard's name, such as "Memory Size" */
-    const char* unit;     /* of number, such as "byte" or "MT/s"; empty if it has none */
-    const char* text;     /* never null; of other kinds, why the number isn't a value */
-    const uint8_t* bytes; /* in the structure's formatted area; never null */
-    const char* string;   /* the bytes of a text in the structure's strings; never null */
-    uint64_t number;
-    uint32_t text_size;
-    uint32_t string_size;
-    uint32_t kind;   /* QUORLIN_NUMBER and so on */
-    uint32_t state;  /* QUORLIN_IS_VALUE and so on */
-    int32_t record;  /* of a fact in a list, the number of its record, from 0; otherwise -1 */
-    uint16_t offset; /* of bytes in the structure */
-    uint16_t size;   /* of bytes; 0 for derived facts and for strings of a list */
-    uint8_t sources; /* of a derived fact, how many facts it comes from; otherwise 0 */
+    const void* reserved;
+    size_t key_size;
+    const char* key; /* stable, such as "memory_size" */
+    size_t name_size;
+    const char* name; /* the standard's name, such as "Memory Size" */
+    uint8_t kind;     /* QUORLIN_NUMBER and so on */
+    uint8_t state;    /* QUORLIN_IS_VALUE and so on */
+    uint8_t unit;     /* of number; quorlin_unit_text has its name */
     uint8_t is_signed;
+    uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
+    uint16_t offset;      /* of its bytes in the structure: structure->bytes + offset */
+    uint16_t size;        /* of its bytes; 0 for derived facts and for strings of a list */
+    int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
+    uint64_t number;
+    size_t text_size;
+    const char* text; /* never null; of other kinds, why the number isn't a value */
+    size_t string_size;
+    const char* string; /* the bytes of a text in the structure's strings; never null */
 } quorlin_fact;
 
 /* Open a table as quorlin_open_machine, quorlin_open_file and quorlin_open_memory do, with the same options and
@@ -238,10 +240,12 @@ QUORLIN_API const quorlin_fact* quorlin_walk_next(quorlin_fact_walk* walk);
 /* Of the last fact, if it is a bit list: the word of the first set bit from number *bit on. Sets *bit to the number
  * after that bit. Null if no more set bit has a word. */
 QUORLIN_API const char* quorlin_walk_word(const quorlin_fact_walk* walk, uint32_t* bit);
-/* Of the last fact, if it is derived: the key of a fact that it comes from, from 0 to fact->sources - 1. In a list it
- * is a fact of the same record. Null after the last one. */
+/* Of the last fact, if it is derived: the key of a fact that it comes from, by its number from 0 on. In a list it is a
+ * fact of the same record. Null after the last one. */
 QUORLIN_API const char* quorlin_walk_source(const quorlin_fact_walk* walk, uint32_t index);
 
+/* A unit of facts in UTF-8, such as "byte" or "MT/s"; "" for none and for other numbers. Constant text. */
+QUORLIN_API const char* quorlin_unit_text(uint32_t unit);
 /* A state of facts in a word, such as "unknown"; "" for other numbers. Constant text. */
 QUORLIN_API const char* quorlin_state_text(uint32_t state);
 

@@ -94,7 +94,7 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
         take(a.isReference ? b : a);
         if (!a.isReference || b.state != FactState_t::kAbsent) return;
         // Before the other field was there, the number of most fields meant itself.
-        fact.text = {};
+        fact.text = "";
         const Form_t form = a.field->form;
         fact.state = FactState_t::kValue;
         if (form == Form_t::kRomSize)
@@ -114,7 +114,7 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
                                                                                                                : first);
             if (fact.state != FactState_t::kValue || first.state == FactState_t::kNone) break;
             const std::optional<Date_t> date = ParseDate(fact.text);
-            fact.text = {};
+            fact.text = "";
             if (!date) {
                 fact.state = FactState_t::kNone;
                 break;

@@ -7,7 +7,13 @@
 namespace {
 
 uint64_t LittleEndian(const uint8_t* bytes, uint32_t size) {
+    if (size == 1) return bytes[0];
+    if (size == 2) return static_cast<uint64_t>(bytes[0] | bytes[1] << 8);
     uint64_t number = 0;
+    if (size == 4) {
+        for (uint32_t i = 0; i < 4; i++) number |= static_cast<uint64_t>(bytes[i]) << 8 * i;
+        return number;
+    }
     for (uint32_t i = 0; i < size && i < 8; i++) number |= static_cast<uint64_t>(bytes[i]) << 8 * i;
     return number;
 }
@@ -110,8 +116,19 @@ bool ClFacts::HasRoom(const StandardField_t& field, const Area_t& area, uint32_t
     return offset + size <= area.end && (field.width != kCountedWidth || area.hasCount);
 }
 
+// Tells cheaply of most absent fields that they are. Counts and steps have to be read, as lists need them.
+bool ClFacts::IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) const {
+    const StandardField_t& read = field.sources != 0 ? area.fields[field.from[0]] : field;
+    return read.isPlain && area.begin + read.offset + read.width > area.end &&
+           field.derivation != Derivation_t::kTpmFirmwareVersion;
+}
+
 bool ClFacts::ReadField(Area_t& area, int record) {
     const StandardField_t& field = area.fields[area.place++];
+    if (!m_options.listsAbsent && IsPlainlyAbsent(field, area)) {
+        if (!field.IsPart()) area.wholeState = FactState_t::kAbsent;
+        return false;
+    }
     Fact_t& fact = m_fact;
     fact.field = &field;
     fact.key = m_type.Text(field.key);
@@ -125,8 +142,8 @@ bool ClFacts::ReadField(Area_t& area, int record) {
     fact.size = 0;
     fact.record = record;
     fact.number = 0;
-    fact.text = {};
-    fact.string = {};
+    fact.text = "";
+    fact.string = "";
 
     switch (field.form) {
         case Form_t::kDerived: Derive(area, field, fact); break;
@@ -240,6 +257,8 @@ void ClFacts::ReadStrings(const StandardField_t& field, const Area_t& area, Fact
     m_recordNumber = -1;
     m_record.fields = m_type.RecordFields(field);
     m_record.place = m_record.fields.size();
+    m_record.begin = 0;
+    m_record.end = 1;  // a string is there, though it has no byte here
 }
 
 // Goes to the next record of the list. Returns false after the last one.

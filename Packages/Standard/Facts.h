@@ -32,8 +32,8 @@ struct Fact_t {
     // Numbers in their unit, codes, bit lists, handles, string numbers, and the number of a list's records.
     uint64_t number;
     // Texts, words of codes, UUIDs, dates and versions. Of numbers that aren't values, why.
-    std::string_view text;
-    std::string_view string;  // the bytes of a text in the structure's strings
+    std::string_view text = "";
+    std::string_view string = "";  // the bytes of a text in the structure's strings
 
     bool IsValue() const { return state == FactState_t::kValue; }
     bool IsDerived() const { return field->form == Form_t::kDerived; }
@@ -110,13 +110,15 @@ class ClFacts {
         std::string_view wholeText;
     };
 
-    bool ReadField(Area_t& area, int record);
+    [[gnu::always_inline]] inline bool ReadField(Area_t& area, int record);
+    [[gnu::always_inline]] inline bool IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) const;
     void Decode(const StandardField_t& field, uint32_t offset, uint32_t size, Fact_t& fact);
-    void DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
+    [[gnu::always_inline]] inline void DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
     void DecodeText(uint32_t number, Fact_t& fact) const;
     void DecodeUuid(const uint8_t* uuid, Fact_t& fact);
     uint32_t PlaceOf(const StandardField_t& field, const Area_t& area) const;
-    bool HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset, uint32_t& size) const;
+    [[gnu::always_inline]] inline bool HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset,
+                                        uint32_t& size) const;
     void ReadList(const StandardField_t& field, const Area_t& area, Fact_t& fact);
     void ReadStrings(const StandardField_t& field, const Area_t& area, Fact_t& fact);
     bool StartRecord();

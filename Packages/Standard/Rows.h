@@ -398,6 +398,7 @@ class ClPacker {
             field.kind = reading.kind;
             field.since = VersionOf(row.since);
             field.step = reading.step;
+            field.isPlain = field.width < kCountedWidth && field.offset < kAfterList && IsPlain(field.form);
             for (const std::string_view name : row.where.from)
                 if (!name.empty()) field.from[field.sources++] = PlaceOf(rows, name);
             AddSpecials(reading, field);
@@ -411,6 +412,11 @@ class ClPacker {
             }
             m_packed.fields[begin + i] = field;
         }
+    }
+
+    static constexpr bool IsPlain(Form_t form) {
+        return form != Form_t::kCount && form != Form_t::kStep && form != Form_t::kRecords &&
+               form != Form_t::kStrings && form != Form_t::kDerived;
     }
 
     static constexpr uint8_t PlaceOf(Rows_t<FieldRow_t> rows, std::string_view name) {

@@ -6,6 +6,7 @@
 // loading the library doesn't relocate them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -158,6 +159,7 @@ struct StandardField_t {
     uint8_t step;     // of a list's records; 0: as the field before it says, or by their own length
     uint8_t from[4];  // derived facts: fields of the same table
     uint8_t sources;
+    bool isPlain;  // its bytes are at a fixed place, and no list needs its number
 
     bool IsPart() const { return bits != 0; }
 };
@@ -202,5 +204,9 @@ StandardType_t OldHostInterface();
 // Whether the standard has this type.
 bool IsStandardType(uint8_t type);
 
+inline constexpr char kUnitNames[][6] = {"",    "byte",     "bit", "MHz",     "MT/s", "mV",  "\u00B5V",
+                                         "mA",  "\u00B5A",  "W",   "mWh",     "ns",   "min", "%",
+                                         "ppm", "m\u00B0C", "rpm", "\u00B5m", "U"};
+
 // Returns the name of a unit, such as "MT/s". Empty for kNone.
-const char* UnitName(Unit_t unit);
+inline const char* UnitName(Unit_t unit) { return kUnitNames[static_cast<size_t>(unit)]; }
