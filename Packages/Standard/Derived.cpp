@@ -83,6 +83,12 @@ bool HasCpuid(uint64_t family) {
 
 void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& fact) {
     const Fact_t first = Source(area, field, 0);
+    if (field.derivation == Derivation_t::kFirstUsable && !first.isReference) {
+        fact.state = first.state;
+        fact.text = first.text;
+        if (first.IsValue() || fact.kind == FactKind_t::kCode) fact.number = first.number;
+        return;
+    }
     const Fact_t second = Source(area, field, 1);
     const auto take = [&fact](const Fact_t& source) {
         fact.state = source.state;

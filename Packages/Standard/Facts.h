@@ -110,6 +110,13 @@ class ClFacts {
         std::string_view wholeText;
     };
 
+    [[gnu::always_inline]] inline void Start(const StandardField_t& field, int record);
+    [[gnu::always_inline]] inline bool End(Area_t& area) const;
+    [[gnu::always_inline]] inline bool EndOrTakeOver(const StandardField_t& field, Area_t& area);
+    [[gnu::always_inline]] inline bool SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
+    bool ReadText();
+    bool ReadOther();
+    bool NextOfAny();
     [[gnu::always_inline]] inline bool ReadField(Area_t& area, int record);
     [[gnu::always_inline]] inline bool IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) const;
     void Decode(const StandardField_t& field, uint32_t offset, uint32_t size, Fact_t& fact);
@@ -118,7 +125,7 @@ class ClFacts {
     void DecodeUuid(const uint8_t* uuid, Fact_t& fact);
     uint32_t PlaceOf(const StandardField_t& field, const Area_t& area) const;
     [[gnu::always_inline]] inline bool HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset,
-                                        uint32_t& size) const;
+                                               uint32_t& size) const;
     void ReadList(const StandardField_t& field, const Area_t& area, Fact_t& fact);
     void ReadStrings(const StandardField_t& field, const Area_t& area, Fact_t& fact);
     bool StartRecord();

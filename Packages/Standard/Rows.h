@@ -399,6 +399,7 @@ class ClPacker {
             field.since = VersionOf(row.since);
             field.step = reading.step;
             field.isPlain = field.width < kCountedWidth && field.offset < kAfterList && IsPlain(field.form);
+            field.isSimple = field.form == Form_t::kNumber || field.form == Form_t::kHex || field.form == Form_t::kCode;
             for (const std::string_view name : row.where.from)
                 if (!name.empty()) field.from[field.sources++] = PlaceOf(rows, name);
             AddSpecials(reading, field);

@@ -159,7 +159,8 @@ struct StandardField_t {
     uint8_t step;     // of a list's records; 0: as the field before it says, or by their own length
     uint8_t from[4];  // derived facts: fields of the same table
     uint8_t sources;
-    bool isPlain;  // its bytes are at a fixed place, and no list needs its number
+    bool isPlain;   // its bytes are at a fixed place, and no list needs its number
+    bool isSimple;  // besides, it is a number with a scale or a code
 
     bool IsPart() const { return bits != 0; }
 };
@@ -178,6 +179,12 @@ struct StandardType_t {
     // Returns a text, which a NUL follows.
     std::string_view Text(uint16_t offset) const {
         return {texts + offset + 1, static_cast<unsigned char>(texts[offset])};
+    }
+    // Returns the row of a code if it is where it would be without gaps before it, as in most enumerations.
+    const StandardCode_t* FindNearCode(const StandardField_t& field, uint64_t code) const {
+        const StandardCode_t* rows = codes.data() + field.first;
+        const uint64_t place = code - rows->first;
+        return place < field.count && rows[place].first == code ? &rows[place] : nullptr;
     }
     // Returns the row of a code, or of a bit. Null if the standard doesn't assign it.
     const StandardCode_t* FindCode(const StandardField_t& field, uint64_t code) const;
