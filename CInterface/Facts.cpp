@@ -19,7 +19,6 @@ struct quorlin_fact_table {
 struct quorlin_fact_walk {
     const quorlin_fact_table* table;
     std::optional<ClFacts> facts;
-    bool hasFact = false;
 };
 
 namespace {
@@ -109,7 +108,7 @@ static_assert(sizeof(std::string_view) == sizeof(size_t) + sizeof(const char*));
 
 // Returns the fact at which a walk is; null before the first and after the last one.
 const Fact_t* FactOf(const quorlin_fact_walk* walk) {
-    return walk != nullptr && walk->hasFact ? &**walk->facts : nullptr;
+    return walk != nullptr && walk->facts ? walk->facts->Fact() : nullptr;
 }
 
 }  // namespace
@@ -196,14 +195,12 @@ quorlin_status quorlin_walk_begin(quorlin_fact_walk* walk, uint32_t index, int w
         .listsAbsent = with_absent != 0,
     };
     walk->facts.emplace(TableStructure_t{structure->bytes, structure->size}, options);
-    walk->hasFact = false;
     return QUORLIN_OK;
 }
 
 const quorlin_fact* quorlin_walk_next(quorlin_fact_walk* walk) {
     if (walk == nullptr || !walk->facts) return nullptr;
-    walk->hasFact = walk->facts->Next();
-    return reinterpret_cast<const quorlin_fact*>(FactOf(walk));
+    return reinterpret_cast<const quorlin_fact*>(walk->facts->NextFact());
 }
 
 const char* quorlin_walk_word(const quorlin_fact_walk* walk, uint32_t* bit) {

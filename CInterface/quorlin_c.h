@@ -189,19 +189,19 @@ typedef struct quorlin_fact {
     const char* key; /* stable, such as "memory_size" */
     size_t name_size;
     const char* name; /* the standard's name, such as "Memory Size" */
-    uint8_t kind;     /* QUORLIN_NUMBER and so on */
-    uint8_t state;    /* QUORLIN_IS_VALUE and so on */
-    uint8_t unit;     /* of number; quorlin_unit_text has its name */
-    uint8_t is_signed;
-    uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
-    uint16_t offset;      /* of its bytes in the structure: structure->bytes + offset */
-    uint16_t size;        /* of its bytes; 0 for derived facts and for strings of a list */
-    int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
     uint64_t number;
     size_t text_size;
     const char* text; /* never null; of other kinds, why the number isn't a value */
     size_t string_size;
     const char* string; /* the bytes of a text in the structure's strings; never null */
+    uint8_t kind;       /* QUORLIN_NUMBER and so on */
+    uint8_t state;      /* QUORLIN_IS_VALUE and so on */
+    uint8_t unit;       /* of number; quorlin_unit_text has its name */
+    uint8_t is_signed;
+    uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
+    uint16_t offset;      /* of its bytes in the structure: structure->bytes + offset */
+    uint16_t size;        /* of its bytes; 0 for derived facts and for strings of a list */
+    int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
 } quorlin_fact;
 
 /* Open a table as quorlin_open_machine, quorlin_open_file and quorlin_open_memory do, with the same options and

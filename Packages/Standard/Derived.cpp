@@ -82,13 +82,20 @@ bool HasCpuid(uint64_t family) {
 }  // namespace
 
 void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& fact) {
-    const Fact_t first = Source(area, field, 0);
-    if (field.derivation == Derivation_t::kFirstUsable && !first.isReference) {
-        fact.state = first.state;
-        fact.text = first.text;
-        if (first.IsValue() || fact.kind == FactKind_t::kCode) fact.number = first.number;
-        return;
+    const StandardField_t& from = area.fields[field.from[0]];
+    if (field.derivation == Derivation_t::kFirstUsable && from.isPlain &&
+        area.begin + from.offset + from.width <= area.end) {
+        // Most of these need no other source, so the first one is read into the fact itself.
+        Decode(from, area.begin + from.offset, from.width, fact);
+        fact.offset = fact.size = 0;
+        fact.string = "";
+        if (!fact.isReference) {
+            if (!fact.IsValue() && fact.kind != FactKind_t::kCode) fact.number = 0;
+            return;
+        }
+        fact.isReference = false;
     }
+    const Fact_t first = Source(area, field, 0);
     const Fact_t second = Source(area, field, 1);
     const auto take = [&fact](const Fact_t& source) {
         fact.state = source.state;

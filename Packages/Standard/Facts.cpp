@@ -6,20 +6,25 @@
 
 namespace {
 
-uint64_t LittleEndian(const uint8_t* bytes, uint32_t size) {
-    if (size == 1) return bytes[0];
-    if (size == 2) return static_cast<uint64_t>(bytes[0] | bytes[1] << 8);
-    uint64_t number = 0;
-    if (size == 4) {
-        for (uint32_t i = 0; i < 4; i++) number |= static_cast<uint64_t>(bytes[i]) << 8 * i;
-        return number;
+[[gnu::always_inline]] inline uint64_t LittleEndian(const uint8_t* bytes, uint32_t size) {
+    const auto four = [=](uint32_t at) {
+        return static_cast<uint64_t>(bytes[at]) | static_cast<uint64_t>(bytes[at + 1]) << 8 |
+               static_cast<uint64_t>(bytes[at + 2]) << 16 | static_cast<uint64_t>(bytes[at + 3]) << 24;
+    };
+    switch (size) {
+        case 1: return bytes[0];
+        case 2: return static_cast<uint64_t>(bytes[0] | bytes[1] << 8);
+        case 4: return four(0);
+        case 8: return four(0) | four(4) << 32;
+        default: break;
     }
+    uint64_t number = 0;
     for (uint32_t i = 0; i < size && i < 8; i++) number |= static_cast<uint64_t>(bytes[i]) << 8 * i;
     return number;
 }
 
 // The bits of a part, or the whole number.
-uint64_t PartOf(const StandardField_t& field, uint64_t number) {
+[[gnu::always_inline]] inline uint64_t PartOf(const StandardField_t& field, uint64_t number) {
     if (!field.IsPart()) return number;
     return number >> field.low & (field.bits < 64 ? (1ull << field.bits) - 1 : ~0ull);
 }
@@ -87,18 +92,19 @@ ClFacts::ClFacts(const TableStructure_t& structure, const FactOptions_t& options
 }
 
 // Next for all fields.
-bool ClFacts::NextOfAny() {
+const Fact_t* ClFacts::NextOfAny() {
     for (;;) {
         if (m_list != nullptr) {
             if (m_record.place < m_record.fields.size()) {
-                if (ReadField(m_record, m_recordNumber)) return true;
+                if (ReadField(m_record, m_recordNumber)) return &m_fact;
             } else if (!StartRecord()) {
                 m_list = nullptr;
             }
         } else if (m_structure.place < m_structure.fields.size()) {
-            if (ReadField(m_structure, -1)) return true;
+            if (ReadField(m_structure, -1)) return &m_fact;
         } else {
-            return false;
+            m_fact.field = nullptr;
+            return nullptr;
         }
     }
 }
@@ -162,36 +168,47 @@ bool ClFacts::IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) 
 }
 
 // Ends a field that has no parts' states to take over.
-bool ClFacts::End(Area_t& area) const {
+const Fact_t* ClFacts::End(Area_t& area) const {
     area.wholeState = m_fact.state;
     area.wholeText = m_fact.text;
-    return true;
+    return &m_fact;
 }
 
 // Ends a field, or a part of one: a part of a field that isn't a value isn't one either.
-bool ClFacts::EndOrTakeOver(const StandardField_t& field, Area_t& area) {
+const Fact_t* ClFacts::EndOrTakeOver(const StandardField_t& field, Area_t& area) {
     if (!field.IsPart()) return End(area);
     if (area.wholeState != FactState_t::kValue) {
         m_fact.state = area.wholeState;
         m_fact.text = area.wholeText;
         m_fact.number = 0;
     }
-    return true;
+    return &m_fact;
 }
 
-bool ClFacts::ReadText() {
+const Fact_t* ClFacts::ReadText() {
     DecodeText(m_data[m_fact.offset], m_fact);
     return End(m_structure);
 }
 
-bool ClFacts::ReadOther() {
+const Fact_t* ClFacts::ReadHandle() {
+    JudgeHandle(*m_fact.field, m_fact);
+    return End(m_structure);
+}
+
+void ClFacts::JudgeHandle(const StandardField_t& field, Fact_t& fact) const {
+    if (m_options.handles != nullptr &&
+        !m_options.handles->Has(static_cast<uint16_t>(fact.number), m_type.Codes(field)))
+        fact.state = FactState_t::kBroken;
+}
+
+const Fact_t* ClFacts::ReadOther() {
     Decode(*m_fact.field, m_fact.offset, m_fact.size, m_fact);
     return EndOrTakeOver(*m_fact.field, m_structure);
 }
 
 // Reads the commonest fields, those of the structure with a fixed place and a number or a text. It calls nothing but in
 // its last statements, so that it needs no registers to be saved: half the time of a walk is here.
-bool ClFacts::Next() {
+const Fact_t* ClFacts::NextFact() {
     Area_t& area = m_structure;
     while (m_list == nullptr && area.place < area.fields.size()) {
         const StandardField_t& field = area.fields[area.place];
@@ -218,6 +235,10 @@ bool ClFacts::Next() {
                 if (code == nullptr) return ReadOther();
                 m_fact.state = code->state;
                 m_fact.text = m_type.Text(code->word);
+            } else if (field.form == Form_t::kBits) {
+                if (std::has_single_bit(number)) return ReadOther();
+            } else if (field.form == Form_t::kHandle) {
+                return ReadHandle();
             } else {
                 m_fact.number = number * field.scale;
             }
@@ -427,11 +448,7 @@ void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t
                 if (bit != nullptr) fact.state = bit->state;
             }
             break;
-        case Form_t::kHandle:
-            if (m_options.handles != nullptr &&
-                !m_options.handles->Has(static_cast<uint16_t>(number), m_type.Codes(field)))
-                fact.state = FactState_t::kBroken;
-            break;
+        case Form_t::kHandle: JudgeHandle(field, fact); break;
         case Form_t::kRomSize: fact.number = (number + 1) << 16; break;
         case Form_t::kExtendedRomSize:
             fact.number = (number & 0x3FFF) << (number >> 14 == 0 ? 20 : 30);

@@ -399,7 +399,7 @@ class ClPacker {
             field.since = VersionOf(row.since);
             field.step = reading.step;
             field.isPlain = field.width < kCountedWidth && field.offset < kAfterList && IsPlain(field.form);
-            field.isSimple = field.form == Form_t::kNumber || field.form == Form_t::kHex || field.form == Form_t::kCode;
+            field.isSimple = IsSimple(field.form);
             for (const std::string_view name : row.where.from)
                 if (!name.empty()) field.from[field.sources++] = PlaceOf(rows, name);
             AddSpecials(reading, field);
@@ -418,6 +418,11 @@ class ClPacker {
     static constexpr bool IsPlain(Form_t form) {
         return form != Form_t::kCount && form != Form_t::kStep && form != Form_t::kRecords &&
                form != Form_t::kStrings && form != Form_t::kDerived;
+    }
+
+    static constexpr bool IsSimple(Form_t form) {
+        return form == Form_t::kNumber || form == Form_t::kHex || form == Form_t::kCode || form == Form_t::kBits ||
+               form == Form_t::kHandle;
     }
 
     static constexpr uint8_t PlaceOf(Rows_t<FieldRow_t> rows, std::string_view name) {

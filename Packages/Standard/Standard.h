@@ -160,7 +160,7 @@ struct StandardField_t {
     uint8_t from[4];  // derived facts: fields of the same table
     uint8_t sources;
     bool isPlain;   // its bytes are at a fixed place, and no list needs its number
-    bool isSimple;  // besides, it is a number with a scale or a code
+    bool isSimple;  // its number is read as it is, or scaled
 
     bool IsPart() const { return bits != 0; }
 };

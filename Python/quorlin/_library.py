@@ -40,6 +40,11 @@ class Fact(ctypes.Structure):
         ("key", c_char_p),
         ("name_size", c_size_t),
         ("name", c_char_p),
+        ("number", c_uint64),
+        ("text_size", c_size_t),
+        ("text", c_void_p),
+        ("string_size", c_size_t),
+        ("string", c_void_p),
         ("kind", c_uint8),
         ("state", c_uint8),
         ("unit", c_uint8),
@@ -48,11 +53,6 @@ class Fact(ctypes.Structure):
         ("offset", c_uint16),
         ("size", c_uint16),
         ("record", c_int32),
-        ("number", c_uint64),
-        ("text_size", c_size_t),
-        ("text", c_void_p),
-        ("string_size", c_size_t),
-        ("string", c_void_p),
     ]
 
 
