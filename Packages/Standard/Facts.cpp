@@ -23,6 +23,9 @@ namespace {
     return number;
 }
 
+// std::has_single_bit calls a function on processors for which no instruction can be assumed.
+bool HasSingleBit(uint64_t number) { return number != 0 && (number & (number - 1)) == 0; }
+
 // The bits of a part, or the whole number.
 [[gnu::always_inline]] inline uint64_t PartOf(const StandardField_t& field, uint64_t number) {
     if (!field.IsPart()) return number;
@@ -191,7 +194,9 @@ const Fact_t* ClFacts::ReadText() {
 }
 
 const Fact_t* ClFacts::ReadHandle() {
-    JudgeHandle(*m_fact.field, m_fact);
+    const StandardField_t& field = *m_fact.field;
+    m_fact.number = LittleEndian(m_data + field.offset, field.width);
+    if (!SetSpecial(field, m_fact.number, m_fact)) JudgeHandle(field, m_fact);
     return End(m_structure);
 }
 
@@ -206,13 +211,44 @@ const Fact_t* ClFacts::ReadOther() {
     return EndOrTakeOver(*m_fact.field, m_structure);
 }
 
+// Reads a number that needs no more than a table. Returns false for one that needs more.
+bool ClFacts::ReadSimple(const StandardField_t& field) {
+    const uint64_t number = PartOf(field, LittleEndian(m_data + field.offset, field.width));
+    m_fact.number = number;
+    if (SetSpecial(field, number, m_fact)) return true;
+    if (field.form == Form_t::kCode) {
+        const StandardCode_t* code = m_type.FindNearCode(field, number);
+        if (code == nullptr) return false;
+        m_fact.state = code->state;
+        m_fact.text = m_type.Text(code->word);
+        return true;
+    }
+    if (field.form == Form_t::kBits) return !HasSingleBit(number);
+    m_fact.number = number * field.scale;
+    return true;
+}
+
+// Reads a derived fact that is the first of its sources, unless it turns out to be another one.
+const Fact_t* ClFacts::ReadFirstUsable() {
+    Area_t& area = m_structure;
+    const StandardField_t& field = area.fields[area.place];
+    const StandardField_t& from = area.fields[field.from[0]];
+    if (!from.isSimple || from.form == Form_t::kHandle || uint32_t{from.offset} + from.width > area.end)
+        return NextOfAny();
+    Start(field, -1);
+    if (!ReadSimple(from) || m_fact.isReference) return NextOfAny();
+    if (m_fact.state != FactState_t::kValue && field.kind != FactKind_t::kCode) m_fact.number = 0;
+    area.place++;
+    return End(area);
+}
+
 // Reads the commonest fields, those of the structure with a fixed place and a number or a text. It calls nothing but in
 // its last statements, so that it needs no registers to be saved: half the time of a walk is here.
 const Fact_t* ClFacts::NextFact() {
     Area_t& area = m_structure;
     while (m_list == nullptr && area.place < area.fields.size()) {
         const StandardField_t& field = area.fields[area.place];
-        if (!field.isPlain) break;
+        if (!field.isPlain) return field.derivation == Derivation_t::kFirstUsable ? ReadFirstUsable() : NextOfAny();
         const uint32_t offset = field.offset;
         const uint32_t size = field.width;
         if (offset + size > area.end) {
@@ -227,22 +263,8 @@ const Fact_t* ClFacts::NextFact() {
         m_fact.size = static_cast<uint16_t>(size);
         if (field.form == Form_t::kText) return ReadText();
         if (!field.isSimple) return ReadOther();
-        const uint64_t number = PartOf(field, LittleEndian(m_data + offset, size));
-        m_fact.number = number;
-        if (!SetSpecial(field, number, m_fact)) {
-            if (field.form == Form_t::kCode) {
-                const StandardCode_t* code = m_type.FindNearCode(field, number);
-                if (code == nullptr) return ReadOther();
-                m_fact.state = code->state;
-                m_fact.text = m_type.Text(code->word);
-            } else if (field.form == Form_t::kBits) {
-                if (std::has_single_bit(number)) return ReadOther();
-            } else if (field.form == Form_t::kHandle) {
-                return ReadHandle();
-            } else {
-                m_fact.number = number * field.scale;
-            }
-        }
+        if (field.form == Form_t::kHandle) return ReadHandle();
+        if (!ReadSimple(field)) return ReadOther();
         return EndOrTakeOver(field, area);
     }
     return NextOfAny();
@@ -443,7 +465,7 @@ void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t
         }
         case Form_t::kBits:
             // A list with a single word such as "Unknown" says just that.
-            if (std::has_single_bit(number)) {
+            if (HasSingleBit(number)) {
                 const StandardCode_t* bit = m_type.FindCode(field, static_cast<uint64_t>(std::countr_zero(number)));
                 if (bit != nullptr) fact.state = bit->state;
             }

@@ -120,6 +120,8 @@ class ClFacts {
     [[gnu::always_inline]] inline bool SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
     [[gnu::noinline]] const Fact_t* ReadText();
     [[gnu::noinline]] const Fact_t* ReadHandle();
+    [[gnu::noinline]] const Fact_t* ReadFirstUsable();
+    [[gnu::always_inline]] inline bool ReadSimple(const StandardField_t& field);
     [[gnu::noinline]] const Fact_t* ReadOther();
     const Fact_t* NextOfAny();
     void JudgeHandle(const StandardField_t& field, Fact_t& fact) const;

@@ -399,7 +399,7 @@ class ClPacker {
             field.since = VersionOf(row.since);
             field.step = reading.step;
             field.isPlain = field.width < kCountedWidth && field.offset < kAfterList && IsPlain(field.form);
-            field.isSimple = IsSimple(field.form);
+            field.isSimple = field.isPlain && IsSimple(field.form);
             for (const std::string_view name : row.where.from)
                 if (!name.empty()) field.from[field.sources++] = PlaceOf(rows, name);
             AddSpecials(reading, field);
