@@ -21,7 +21,7 @@ codename=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
 mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
     sed -n "s/ $codename main\$//p" | head -n 1)
 [ -n "$mirror" ] || fail "no source of this machine has $codename"
-debootstrap --variant=minbase "$codename" "$root" "$mirror" >"$work/log" 2>&1 || {
+debootstrap --variant=minbase --include=python3 "$codename" "$root" "$mirror" >"$work/log" 2>&1 || {
     tail "$work/log" >&2
     fail 'the root could not be downloaded or unpacked'
 }
@@ -52,12 +52,16 @@ inside quorlin --image /dump.bin --format lines >"$work/program.txt"
 inside /items-c /dump.bin >"$work/items-c.txt"
 [ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] ||
     fail 'items-c gives another number of items'
+inside python3 -B -c 'import quorlin
+for structure in quorlin.open("/dump.bin"):
+    for fact in structure.facts.values(): print(fact)' >"$work/facts.txt" || fail 'the Python package fails'
+[ -s "$work/facts.txt" ] || fail 'the Python package shows nothing'
 for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completions/quorlin \
     zsh/vendor-completions/_quorlin fish/vendor_completions.d/quorlin.fish doc/libquorlin-dev/examples/items.c; do
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"
 done
 
-inside dpkg --purge libquorlin-dev libquorlin1 >"$work/log" 2>&1 || fail "purging the library: $(cat "$work/log")"
+inside dpkg --purge python3-quorlin libquorlin-dev libquorlin1 >"$work/log" 2>&1 || fail "purging the library: $(cat "$work/log")"
 inside quorlin --image /dump.bin --format lines | cmp "$work/program.txt" - || fail 'quorlin does not work alone'
 inside dpkg --purge quorlin >"$work/log" 2>&1 || fail "purging the program: $(cat "$work/log")"
 rm "$root/dump.bin" "$root/items-c"
