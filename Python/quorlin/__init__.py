@@ -235,5 +235,7 @@ def _fact(walk: ctypes.c_void_p, found: _library.Fact, structure: bytes) -> Fact
         decoded = f"0x{found.number:X}"
     else:
         decoded = ctypes.string_at(found.text, found.text_size).decode("utf-8", "replace")
-    return Fact(found.key.decode(), found.name.decode(), kind, state, decoded, _c.quorlin_unit_text(found.unit).decode(),
-                raw + ctypes.string_at(found.string, found.string_size), found.offset, found.size, tuple(sources))
+    unit = _c.quorlin_unit_text(found.unit).decode()
+    raw += ctypes.string_at(found.string, found.string_size)
+    return Fact(found.key.decode(), found.name.decode(), kind, state, decoded, unit, raw, found.offset, found.size,
+                tuple(sources))

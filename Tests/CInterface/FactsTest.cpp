@@ -13,6 +13,7 @@
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/Structures.h"
 
 namespace {

@@ -37,7 +37,7 @@ def images(folder):
 
 
 def plain(value):
-    """A value as JSON has it. Bytes that aren't UTF-8 are replaced by Python's own rule, so one mark is like several."""
+    """A value as JSON has it. Python may replace bytes that aren't UTF-8 by fewer marks."""
     if isinstance(value, str):
         return re.sub("\ufffd+", "\ufffd", value)
     return value.hex().upper() if isinstance(value, bytes) else value
