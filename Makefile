@@ -5,7 +5,7 @@ WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 WINE_PACKAGES = wine googletest python3
 BENCH_PACKAGES = libbenchmark-dev valgrind strace time python3
 FUZZ_PACKAGES = clang
-DEB_PACKAGES = build-essential debhelper git lintian
+DEB_PACKAGES = build-essential debhelper dh-python git lintian python3
 ZIP_PACKAGES = zip
 STYLE_PACKAGES = clang-format clang-tidy
 

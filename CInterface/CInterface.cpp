@@ -1,17 +1,10 @@
 // The C interface: a package that is opened, copied into a handle and closed at once.
 #include <memory>
-#include <mutex>
-#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "CInterface/quorlin_c.h"
-#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
-#include "Packages/FERROXExternal/StructureStore/ImageFile.h"
-#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
-#include "Packages/OS/OS.h"
-#include "Sources/Quorlin.h"
+#include "CInterface/Opening.h"
 #include "Sources/SMBIOSType.h"
 
 #define QUORLIN_TEXT(number) #number
@@ -39,35 +32,6 @@ namespace {
 static_assert(QUORLIN_OK == kSuccess && QUORLIN_BAD_VALUE == kBadValue && QUORLIN_NO_MEMORY == kNoMemory &&
               QUORLIN_NULL_POINTER == kNullPointer && QUORLIN_NO_TABLE == kFailure);
 
-// Machine and store belong to the process, so only one table is opened at a time.
-std::mutex opening;
-
-constexpr uint8_t kUsualMajor = 3;
-
-// For quorlin_last_error: the problem, or only the status if nothing more is known. They have no destructor, because
-// that would keep the library loaded until the thread ends.
-thread_local quorlin_status lastStatus = QUORLIN_OK;
-thread_local char lastProblem[512] = "";
-
-// A package while its items are copied. Restores the chosen machine, and leaves the host's crash filter alone.
-class ClPackageInUse {
-  public:
-    ClPackageInUse() : m_chosen(ChosenMachine()) {}
-    ClPackageInUse(const ClPackageInUse&) = delete;
-    ClPackageInUse& operator=(const ClPackageInUse&) = delete;
-    ~ClPackageInUse() {
-        m_package.UnInitialize();
-        // A package takes a table of version 0.0 for no table, and leaves the store up.
-        if (StoreIsUp()) LibSMBIOSExit();
-        ChooseMachine(m_chosen);
-    }
-    Quorlin* operator->() { return &m_package; }
-
-  private:
-    Quorlin m_package{Quorlin::kSweep};  // first, so that nothing has been changed yet if memory runs out
-    MachineChoice_t m_chosen;
-};
-
 uint32_t KindOf(const Item_t& item) {
     switch (item.facts.kind) {
         case ItemKind_t::kTitle: return QUORLIN_STRUCTURE;
@@ -89,10 +53,6 @@ void CopyItems(ClPackageInUse& package, quorlin_table* table) {
     }
 }
 
-void AddRemark(std::string* remark, const std::string& text) {
-    if (!text.empty()) remark->append(remark->empty() ? "" : "; ").append(text);
-}
-
 // What is known of the table as a whole. Expects a store that is up; `image` is null for this machine.
 void DescribeTable(const Image_t* image, quorlin_table* table) {
     const TableFacts_t& facts = *FactsOfTable();
@@ -109,9 +69,8 @@ void DescribeTable(const Image_t* image, quorlin_table* table) {
 // Makes a handle of the items of the machine that `choose` selects; `image` is null for this machine.
 template <class Choose>
 quorlin_status Open(quorlin_table** out, const quorlin_options& wanted, const Image_t* image, const Choose& choose) {
-    const std::lock_guard lock(opening);
-    if (StoreIsUp()) return QUORLIN_BUSY;
-    ClPackageInUse package;
+    ClPackageInUse package(Quorlin::kSweep);
+    if (package.IsBusy()) return QUORLIN_BUSY;
     choose();
     status_t status = package->BringUp();
     if (status == kSuccess && wanted.type_148 != 0) status = package->GetTypes(148);
@@ -124,45 +83,11 @@ quorlin_status Open(quorlin_table** out, const quorlin_options& wanted, const Im
     return QUORLIN_OK;
 }
 
-// Opens an image if `status` says that it was read, else keeps the problem for quorlin_last_error.
-quorlin_status OpenImage(quorlin_table** out, const quorlin_options& wanted, status_t status, const Image_t& image,
-                         const std::string& problem) {
-    if (status == kSuccess) return Open(out, wanted, &image, [&image] { SetImageMachine(&image.source); });
-    os_snprintf(lastProblem, sizeof lastProblem, sizeof lastProblem - 1, "%s", problem.c_str());
-    return QUORLIN_NO_IMAGE;
-}
-
-// An image as the options describe it. 0.0 is an unknown version.
-Image_t ImageWith(const quorlin_options& options) {
-    Image_t image;
-    image.source.signature = options.signature;
-    image.source.major = options.smbios_major;
-    image.source.minor = options.smbios_minor;
-    if (options.smbios_major == 0 && options.smbios_minor == 0) image.source.major = kUsualMajor;
-    return image;
-}
-
-// Calls `function`, which returns a status. No exception leaves the interface.
-template <class Function>
-quorlin_status Guarded(const Function& function) {
-    try {
-        return function();
-    } catch (const std::bad_alloc&) {
-        return QUORLIN_NO_MEMORY;
-    } catch (...) {
-        return QUORLIN_NO_TABLE;
-    }
-}
-
-// Checks the arguments of a function that opens a table, then opens it with the given options or none.
-template <class Function>
-quorlin_status Opening(bool hasArguments, const quorlin_options* given, const Function& open) {
-    lastProblem[0] = '\0';
-    lastStatus = !hasArguments ? quorlin_status{QUORLIN_NULL_POINTER}
-                 : given != nullptr && given->size != sizeof *given
-                     ? quorlin_status{QUORLIN_BAD_VALUE}
-                     : Guarded([&] { return open(given != nullptr ? *given : quorlin_options{}); });
-    return lastStatus;
+// Opens an image if `status` says that it was read.
+quorlin_status OpenImage(quorlin_table** out, const quorlin_options& wanted, quorlin_status status,
+                         const Image_t& image) {
+    if (status != QUORLIN_OK) return status;
+    return Open(out, wanted, &image, [&image] { SetImageMachine(&image.source); });
 }
 
 void Show(const quorlin_table& table, uint32_t index, quorlin_item* item) {
@@ -174,31 +99,24 @@ void Show(const quorlin_table& table, uint32_t index, quorlin_item* item) {
 
 quorlin_status quorlin_open_machine(const quorlin_options* options, quorlin_table** table) {
     return Opening(table != nullptr, options, [&](const quorlin_options& wanted) {
-        const quorlin_status status = Open(table, wanted, nullptr, [] { SetMachine(ThisMachineWithoutDriver()); });
-        if (status != QUORLIN_NO_TABLE || wanted.use_driver == 0) return status;
-        const quorlin_status withDriver = Open(table, wanted, nullptr, [] { SetMachine(ThisMachine()); });
-        if (withDriver != QUORLIN_OK) EndFailedStart();
-        return withDriver;
+        return OpenMachine(wanted, [&](const auto& choose) { return Open(table, wanted, nullptr, choose); });
     });
 }
 
 quorlin_status quorlin_open_file(const char* path, const quorlin_options* options, quorlin_table** table) {
     return Opening(path != nullptr && table != nullptr, options, [&](const quorlin_options& wanted) {
-        Image_t image = ImageWith(wanted);
-        std::string problem;
-        const status_t status = ReadImage(path, TableForm_t::kAny, &image, &problem);
-        return OpenImage(table, wanted, status, image, problem);
+        Image_t image;
+        const quorlin_status status = ReadFileImage(path, wanted, &image);
+        return OpenImage(table, wanted, status, image);
     });
 }
 
 quorlin_status quorlin_open_memory(const void* bytes, size_t size, const quorlin_options* options,
                                    quorlin_table** table) {
     return Opening(bytes != nullptr && table != nullptr, options, [&](const quorlin_options& wanted) {
-        Image_t image = ImageWith(wanted);
-        const auto* begin = static_cast<const uint8_t*>(bytes);
-        std::string problem;
-        const status_t status = ImageFromBytes({begin, begin + size}, TableForm_t::kAny, &image, &problem);
-        return OpenImage(table, wanted, status, image, problem);
+        Image_t image;
+        const quorlin_status status = ReadMemoryImage(bytes, size, wanted, &image);
+        return OpenImage(table, wanted, status, image);
     });
 }
 
@@ -266,11 +184,6 @@ const char* quorlin_status_text(quorlin_status status) {
         case QUORLIN_NO_IMAGE: return "the file can't be read, or has no table";
         default: return "unknown status";
     }
-}
-
-const char* quorlin_last_error() {
-    if (lastStatus == QUORLIN_OK) return "";
-    return lastProblem[0] == '\0' ? quorlin_status_text(lastStatus) : lastProblem;
 }
 
 const char* quorlin_version() {

@@ -1,4 +1,5 @@
-/* The C interface: an SMBIOS table as items, for any language that can call a C function.
+/* The C interface: an SMBIOS table as items, and as facts, for any language that can call a C function. Items are
+ * below; facts follow them, with rules of their own.
  *
  * A handle is one table, read and decoded when it is opened; it needs neither the machine nor the file afterwards.
  * Its items are numbered from 0, in the order of the table's types: a structure begins with an item that is its title,
@@ -118,6 +119,135 @@ QUORLIN_API const char* quorlin_value(const quorlin_table* table, uint32_t index
 /* The first item from number `from` on whose key is `key`, letter for letter. To go on, search from item->index + 1.
  * The cursor stays. NO_MORE when there is none. */
 QUORLIN_API quorlin_status quorlin_find(const quorlin_table* table, const char* key, uint32_t from, quorlin_item* item);
+
+/* Facts (since 1.1): what each structure says by the newest level of the SMBIOS standard, as numbers in a unit, words
+ * of codes, texts and so on, with the bytes that they come from.
+ *
+ *     const quorlin_structure* structure;
+ *     const quorlin_fact* fact;
+ *     for (index = 0; (structure = quorlin_structure_at(table, index)) != NULL; index++) {
+ *         quorlin_walk_begin(walk, index, 0);
+ *         while ((fact = quorlin_walk_next(walk)) != NULL)
+ *             if (fact->state == QUORLIN_IS_VALUE) printf("%s %.*s\n", fact->key, (int)fact->text_size, fact->text);
+ *     }
+ *
+ * Tables     A quorlin_fact_table has a copy of the bytes, and doesn't change. Any number may be open at once, also
+ *            while the process uses the package interface. Only quorlin_facts_open_machine needs that to be closed.
+ * Walks      A quorlin_fact_walk is a cursor over the facts of one structure at a time. It allocates when it is opened
+ *            and never again. Close it before its table.
+ * Structs    The library makes quorlin_structure and quorlin_fact, and may add members at their end. Don't copy them
+ *            by size into a block that an older header describes.
+ * Lifetime   A structure and its bytes, and all constant texts, live until the table is closed. A fact, and its `text`,
+ *            live until the next call for the same walk.
+ * Text       Keys, names, units and words are constant, in UTF-8, and end in a NUL. `text` and `string` have any bytes
+ *            but NUL, as the firmware wrote them, and don't always end in a NUL: use their size.
+ * Threads    A table may be used by any number of threads at once, a walk by one at a time. */
+typedef struct quorlin_fact_table quorlin_fact_table;
+typedef struct quorlin_fact_walk quorlin_fact_walk;
+
+/* What a fact is, and which members have its value. */
+enum {
+    QUORLIN_NUMBER = 0,  /* number, in its unit; int64_t if is_signed */
+    QUORLIN_TEXT = 1,    /* text; number is the string's number, if it is one of the structure's strings */
+    QUORLIN_CODE = 2,    /* number is the code, text its word; empty for a reserved code */
+    QUORLIN_BITS = 3,    /* number; quorlin_walk_word has the words of its set bits */
+    QUORLIN_HANDLE = 4,  /* number */
+    QUORLIN_UUID = 5,    /* text, in the byte order of the table's version */
+    QUORLIN_DATE = 6,    /* text, such as 2023-05-12 */
+    QUORLIN_RELEASE = 7, /* text, such as 5.17 */
+    QUORLIN_BYTES = 8,   /* its bytes in the structure */
+    QUORLIN_LIST = 9     /* number of records; their facts follow, with `record` from 0 */
+};
+
+/* What a fact's value is worth. Only QUORLIN_IS_VALUE says something about the machine. */
+enum {
+    QUORLIN_IS_VALUE = 0,
+    QUORLIN_IS_UNKNOWN = 1,  /* the standard's code for an unknown value */
+    QUORLIN_IS_NONE = 2,     /* the field says that there is nothing, or that another field has it */
+    QUORLIN_IS_ABSENT = 3,   /* the structure is too short for it; no bytes */
+    QUORLIN_IS_RESERVED = 4, /* a code that the standard doesn't assign */
+    QUORLIN_IS_FILLER = 5,   /* a text that firmware was delivered with, or a UUID of all 00h or FFh */
+    QUORLIN_IS_BROKEN = 6    /* a string or list that isn't there, a handle to nothing or to the wrong type */
+};
+
+typedef struct quorlin_structure {
+    const char* name;     /* of its type, such as "Memory Device" */
+    const uint8_t* bytes; /* with its strings */
+    uint32_t size;        /* of bytes */
+    uint32_t offset;      /* in the table */
+    uint32_t index;       /* among all structures, from 0 */
+    uint32_t instance;    /* among those of its type, from 1 */
+    uint16_t handle;
+    uint8_t type;
+    uint8_t length;   /* of the formatted area, as the structure states it */
+    uint8_t is_whole; /* 0 if the table ends within it */
+} quorlin_structure;
+
+typedef struct quorlin_fact {
+    const void* reserved;
+    size_t key_size;
+    const char* key; /* stable, such as "memory_size" */
+    size_t name_size;
+    const char* name; /* the standard's name, such as "Memory Size" */
+    uint64_t number;
+    size_t text_size;
+    const char* text; /* never null; of other kinds, why the number isn't a value */
+    size_t string_size;
+    const char* string; /* the bytes of a text in the structure's strings; never null */
+    uint8_t kind;       /* QUORLIN_NUMBER and so on */
+    uint8_t state;      /* QUORLIN_IS_VALUE and so on */
+    uint8_t unit;       /* of number; quorlin_unit_text has its name */
+    uint8_t is_signed;
+    uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
+    uint16_t offset;      /* of its bytes in the structure: structure->bytes + offset */
+    uint16_t size;        /* of its bytes; 0 for derived facts and for strings of a list */
+    int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
+} quorlin_fact;
+
+/* Open a table as quorlin_open_machine, quorlin_open_file and quorlin_open_memory do, with the same options and
+ * statuses. `signature` and `type_148` have no effect. quorlin_last_error tells of these openings too. */
+QUORLIN_API quorlin_status quorlin_facts_open_machine(const quorlin_options* options, quorlin_fact_table** table);
+QUORLIN_API quorlin_status quorlin_facts_open_file(const char* path, const quorlin_options* options,
+                                                   quorlin_fact_table** table);
+QUORLIN_API quorlin_status quorlin_facts_open_memory(const void* bytes, size_t size, const quorlin_options* options,
+                                                     quorlin_fact_table** table);
+/* Frees the table. Null is allowed. */
+QUORLIN_API void quorlin_facts_close(quorlin_fact_table* table);
+
+/* The SMBIOS version of the table. Either pointer may be null. */
+QUORLIN_API quorlin_status quorlin_facts_version(const quorlin_fact_table* table, uint8_t* major, uint8_t* minor);
+/* Where the table came from, and what is wrong with it as a whole, as quorlin_form and quorlin_remark say it. */
+QUORLIN_API const char* quorlin_facts_form(const quorlin_fact_table* table);
+QUORLIN_API const char* quorlin_facts_remark(const quorlin_fact_table* table);
+/* The bytes of the table. Null for a null handle. */
+QUORLIN_API const uint8_t* quorlin_facts_bytes(const quorlin_fact_table* table, size_t* size);
+
+/* The number of structures, up to and including the first End-of-Table. */
+QUORLIN_API uint32_t quorlin_structure_count(const quorlin_fact_table* table);
+/* A structure by its index. Null after the last one. */
+QUORLIN_API const quorlin_structure* quorlin_structure_at(const quorlin_fact_table* table, uint32_t index);
+
+/* Opens a walk, which has no facts before quorlin_walk_begin. Status: OK, NO_MEMORY, NULL_POINTER. */
+QUORLIN_API quorlin_status quorlin_walk_open(const quorlin_fact_table* table, quorlin_fact_walk** walk);
+/* Frees the walk. Null is allowed. */
+QUORLIN_API void quorlin_walk_close(quorlin_fact_walk* walk);
+/* Goes to the first fact of the structure with this index. If `with_absent` isn't 0, the walk has facts of the state
+ * QUORLIN_IS_ABSENT too. Status: OK, BAD_VALUE after the last structure, NULL_POINTER. */
+QUORLIN_API quorlin_status quorlin_walk_begin(quorlin_fact_walk* walk, uint32_t index, int with_absent);
+/* The next fact: fields in the order of the standard, parts of a field after it, the records of a list after the list,
+ * derived facts last. Null after the last one. */
+QUORLIN_API const quorlin_fact* quorlin_walk_next(quorlin_fact_walk* walk);
+/* Of the last fact, if it is a bit list: the word of the first set bit from number *bit on. Sets *bit to the number
+ * after that bit. Null if no more set bit has a word. */
+QUORLIN_API const char* quorlin_walk_word(const quorlin_fact_walk* walk, uint32_t* bit);
+/* Of the last fact, if it is derived: the key of a fact that it comes from, by its number from 0 on. In a list it is a
+ * fact of the same record. Null after the last one. */
+QUORLIN_API const char* quorlin_walk_source(const quorlin_fact_walk* walk, uint32_t index);
+
+/* A unit of facts in UTF-8, such as "byte" or "MT/s"; "" for none and for other numbers. Constant text. */
+QUORLIN_API const char* quorlin_unit_text(uint32_t unit);
+/* A state of facts in a word, such as "unknown"; "" for other numbers. Constant text. */
+QUORLIN_API const char* quorlin_state_text(uint32_t state);
 
 /* A status in words, for any number. Constant text. */
 QUORLIN_API const char* quorlin_status_text(quorlin_status status);

@@ -16,7 +16,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 root=$work/root
-Tests/debian-root.sh "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)" "$root"
+Tests/debian-root.sh "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)" "$root" python3
 
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"; }
 
@@ -44,12 +44,16 @@ inside quorlin --image /dump.bin --format lines >"$work/program.txt"
 inside /items-c /dump.bin >"$work/items-c.txt"
 [ "$(wc -l <"$work/items-c.txt")" -eq $(($(wc -l <"$work/program.txt") + 1)) ] ||
     fail 'items-c shows another number of items'
+inside python3 -B -c 'import quorlin
+for structure in quorlin.open("/dump.bin"):
+    for fact in structure.facts.values(): print(fact)' >"$work/facts.txt" || fail 'the Python package fails'
+[ -s "$work/facts.txt" ] || fail 'the Python package shows nothing'
 for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completions/quorlin \
     zsh/vendor-completions/_quorlin fish/vendor_completions.d/quorlin.fish doc/libquorlin-dev/examples/items.c; do
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"
 done
 
-inside dpkg --purge libquorlin-dev libquorlin1 >"$work/log" 2>&1 || fail "purging the library: $(cat "$work/log")"
+inside dpkg --purge python3-quorlin libquorlin-dev libquorlin1 >"$work/log" 2>&1 || fail "purging the library: $(cat "$work/log")"
 inside quorlin --image /dump.bin --format lines | cmp "$work/program.txt" - || fail 'quorlin does not work alone'
 inside dpkg --purge quorlin >"$work/log" 2>&1 || fail "purging the program: $(cat "$work/log")"
 rm "$root/dump.bin" "$root/items-c"

@@ -82,6 +82,19 @@ bool HasCpuid(uint64_t family) {
 }  // namespace
 
 void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& fact) {
+    const StandardField_t& from = area.fields[field.from[0]];
+    if (field.derivation == Derivation_t::kFirstUsable && from.isPlain &&
+        area.begin + from.offset + from.width <= area.end) {
+        // Most of these need no other source, so the first one is read into the fact itself.
+        Decode(from, area.begin + from.offset, from.width, fact);
+        fact.offset = fact.size = 0;
+        fact.string = "";
+        if (!fact.isReference) {
+            if (!fact.IsValue() && fact.kind != FactKind_t::kCode) fact.number = 0;
+            return;
+        }
+        fact.isReference = false;
+    }
     const Fact_t first = Source(area, field, 0);
     const Fact_t second = Source(area, field, 1);
     const auto take = [&fact](const Fact_t& source) {
@@ -94,7 +107,7 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
         take(a.isReference ? b : a);
         if (!a.isReference || b.state != FactState_t::kAbsent) return;
         // Before the other field was there, the number of most fields meant itself.
-        fact.text = {};
+        fact.text = "";
         const Form_t form = a.field->form;
         fact.state = FactState_t::kValue;
         if (form == Form_t::kRomSize)
@@ -114,7 +127,7 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
                                                                                                                : first);
             if (fact.state != FactState_t::kValue || first.state == FactState_t::kNone) break;
             const std::optional<Date_t> date = ParseDate(fact.text);
-            fact.text = {};
+            fact.text = "";
             if (!date) {
                 fact.state = FactState_t::kNone;
                 break;

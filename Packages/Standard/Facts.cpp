@@ -6,10 +6,30 @@
 
 namespace {
 
-uint64_t LittleEndian(const uint8_t* bytes, uint32_t size) {
+[[gnu::always_inline]] inline uint64_t LittleEndian(const uint8_t* bytes, uint32_t size) {
+    const auto four = [=](uint32_t at) {
+        return static_cast<uint64_t>(bytes[at]) | static_cast<uint64_t>(bytes[at + 1]) << 8 |
+               static_cast<uint64_t>(bytes[at + 2]) << 16 | static_cast<uint64_t>(bytes[at + 3]) << 24;
+    };
+    switch (size) {
+        case 1: return bytes[0];
+        case 2: return static_cast<uint64_t>(bytes[0] | bytes[1] << 8);
+        case 4: return four(0);
+        case 8: return four(0) | four(4) << 32;
+        default: break;
+    }
     uint64_t number = 0;
     for (uint32_t i = 0; i < size && i < 8; i++) number |= static_cast<uint64_t>(bytes[i]) << 8 * i;
     return number;
+}
+
+// std::has_single_bit calls a function on processors for which no instruction can be assumed.
+bool HasSingleBit(uint64_t number) { return number != 0 && (number & (number - 1)) == 0; }
+
+// The bits of a part, or the whole number.
+[[gnu::always_inline]] inline uint64_t PartOf(const StandardField_t& field, uint64_t number) {
+    if (!field.IsPart()) return number;
+    return number >> field.low & (field.bits < 64 ? (1ull << field.bits) - 1 : ~0ull);
 }
 
 uint32_t FormattedEnd(const TableStructure_t& structure) {
@@ -74,18 +94,20 @@ ClFacts::ClFacts(const TableStructure_t& structure, const FactOptions_t& options
     m_structure.end = FormattedEnd(structure);
 }
 
-bool ClFacts::Next() {
+// Next for all fields.
+const Fact_t* ClFacts::NextOfAny() {
     for (;;) {
         if (m_list != nullptr) {
             if (m_record.place < m_record.fields.size()) {
-                if (ReadField(m_record, m_recordNumber)) return true;
+                if (ReadField(m_record, m_recordNumber)) return &m_fact;
             } else if (!StartRecord()) {
                 m_list = nullptr;
             }
         } else if (m_structure.place < m_structure.fields.size()) {
-            if (ReadField(m_structure, -1)) return true;
+            if (ReadField(m_structure, -1)) return &m_fact;
         } else {
-            return false;
+            m_fact.field = nullptr;
+            return nullptr;
         }
     }
 }
@@ -110,8 +132,20 @@ bool ClFacts::HasRoom(const StandardField_t& field, const Area_t& area, uint32_t
     return offset + size <= area.end && (field.width != kCountedWidth || area.hasCount);
 }
 
-bool ClFacts::ReadField(Area_t& area, int record) {
-    const StandardField_t& field = area.fields[area.place++];
+// Whether a number is one of the field's values that aren't numbers. Sets state and text then.
+bool ClFacts::SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& fact) const {
+    for (const StandardSpecial_t& special : m_type.Specials(field)) {
+        if (number < special.first || number > special.last) continue;
+        fact.state = special.state;
+        fact.text = m_type.Text(special.word);
+        fact.isReference = special.isReference;
+        return true;
+    }
+    return false;
+}
+
+// Begins a fact that has nothing of the structure yet.
+void ClFacts::Start(const StandardField_t& field, int record) {
     Fact_t& fact = m_fact;
     fact.field = &field;
     fact.key = m_type.Text(field.key);
@@ -125,9 +159,125 @@ bool ClFacts::ReadField(Area_t& area, int record) {
     fact.size = 0;
     fact.record = record;
     fact.number = 0;
-    fact.text = {};
-    fact.string = {};
+    fact.text = "";
+    fact.string = "";
+}
 
+// Tells cheaply of most absent fields that they are. Counts and steps have to be read, as lists need them.
+bool ClFacts::IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) const {
+    const StandardField_t& read = field.sources != 0 ? area.fields[field.from[0]] : field;
+    return read.isPlain && area.begin + read.offset + read.width > area.end &&
+           field.derivation != Derivation_t::kTpmFirmwareVersion;
+}
+
+// Ends a field that has no parts' states to take over.
+const Fact_t* ClFacts::End(Area_t& area) const {
+    area.wholeState = m_fact.state;
+    area.wholeText = m_fact.text;
+    return &m_fact;
+}
+
+// Ends a field, or a part of one: a part of a field that isn't a value isn't one either.
+const Fact_t* ClFacts::EndOrTakeOver(const StandardField_t& field, Area_t& area) {
+    if (!field.IsPart()) return End(area);
+    if (area.wholeState != FactState_t::kValue) {
+        m_fact.state = area.wholeState;
+        m_fact.text = area.wholeText;
+        m_fact.number = 0;
+    }
+    return &m_fact;
+}
+
+const Fact_t* ClFacts::ReadText() {
+    DecodeText(m_data[m_fact.offset], m_fact);
+    return End(m_structure);
+}
+
+const Fact_t* ClFacts::ReadHandle() {
+    const StandardField_t& field = *m_fact.field;
+    m_fact.number = LittleEndian(m_data + field.offset, field.width);
+    if (!SetSpecial(field, m_fact.number, m_fact)) JudgeHandle(field, m_fact);
+    return End(m_structure);
+}
+
+void ClFacts::JudgeHandle(const StandardField_t& field, Fact_t& fact) const {
+    if (m_options.handles != nullptr &&
+        !m_options.handles->Has(static_cast<uint16_t>(fact.number), m_type.Codes(field)))
+        fact.state = FactState_t::kBroken;
+}
+
+const Fact_t* ClFacts::ReadOther() {
+    Decode(*m_fact.field, m_fact.offset, m_fact.size, m_fact);
+    return EndOrTakeOver(*m_fact.field, m_structure);
+}
+
+// Reads a number that needs no more than a table. Returns false for one that needs more.
+bool ClFacts::ReadSimple(const StandardField_t& field) {
+    const uint64_t number = PartOf(field, LittleEndian(m_data + field.offset, field.width));
+    m_fact.number = number;
+    if (SetSpecial(field, number, m_fact)) return true;
+    if (field.form == Form_t::kCode) {
+        const StandardCode_t* code = m_type.FindNearCode(field, number);
+        if (code == nullptr) return false;
+        m_fact.state = code->state;
+        m_fact.text = m_type.Text(code->word);
+        return true;
+    }
+    if (field.form == Form_t::kBits) return !HasSingleBit(number);
+    m_fact.number = number * field.scale;
+    return true;
+}
+
+// Reads a derived fact that is the first of its sources, unless it turns out to be another one.
+const Fact_t* ClFacts::ReadFirstUsable() {
+    Area_t& area = m_structure;
+    const StandardField_t& field = area.fields[area.place];
+    const StandardField_t& from = area.fields[field.from[0]];
+    if (!from.isSimple || from.form == Form_t::kHandle || uint32_t{from.offset} + from.width > area.end)
+        return NextOfAny();
+    Start(field, -1);
+    if (!ReadSimple(from) || m_fact.isReference) return NextOfAny();
+    if (m_fact.state != FactState_t::kValue && field.kind != FactKind_t::kCode) m_fact.number = 0;
+    area.place++;
+    return End(area);
+}
+
+// Reads the commonest fields, those of the structure with a fixed place and a number or a text. It calls nothing but in
+// its last statements, so that it needs no registers to be saved: half the time of a walk is here.
+const Fact_t* ClFacts::NextFact() {
+    Area_t& area = m_structure;
+    while (m_list == nullptr && area.place < area.fields.size()) {
+        const StandardField_t& field = area.fields[area.place];
+        if (!field.isPlain) return field.derivation == Derivation_t::kFirstUsable ? ReadFirstUsable() : NextOfAny();
+        const uint32_t offset = field.offset;
+        const uint32_t size = field.width;
+        if (offset + size > area.end) {
+            if (m_options.listsAbsent) break;
+            area.place++;
+            if (!field.IsPart()) area.wholeState = FactState_t::kAbsent;
+            continue;
+        }
+        area.place++;
+        Start(field, -1);
+        m_fact.offset = static_cast<uint16_t>(offset);
+        m_fact.size = static_cast<uint16_t>(size);
+        if (field.form == Form_t::kText) return ReadText();
+        if (!field.isSimple) return ReadOther();
+        if (field.form == Form_t::kHandle) return ReadHandle();
+        if (!ReadSimple(field)) return ReadOther();
+        return EndOrTakeOver(field, area);
+    }
+    return NextOfAny();
+}
+
+bool ClFacts::ReadField(Area_t& area, int record) {
+    const StandardField_t& field = area.fields[area.place++];
+    if (!m_options.listsAbsent && IsPlainlyAbsent(field, area)) {
+        if (!field.IsPart()) area.wholeState = FactState_t::kAbsent;
+        return false;
+    }
+    Start(field, record);
+    Fact_t& fact = m_fact;
     switch (field.form) {
         case Form_t::kDerived: Derive(area, field, fact); break;
         case Form_t::kRecords: ReadList(field, area, fact); break;
@@ -158,17 +308,7 @@ bool ClFacts::ReadField(Area_t& area, int record) {
             break;
         }
     }
-    // A part of a field that isn't a value isn't one either.
-    if (field.IsPart()) {
-        if (area.wholeState != FactState_t::kValue) {
-            fact.state = area.wholeState;
-            fact.text = area.wholeText;
-            fact.number = 0;
-        }
-    } else {
-        area.wholeState = fact.state;
-        area.wholeText = fact.text;
-    }
+    EndOrTakeOver(field, area);
     return fact.state != FactState_t::kAbsent || m_options.listsAbsent;
 }
 
@@ -239,6 +379,8 @@ void ClFacts::ReadStrings(const StandardField_t& field, const Area_t& area, Fact
     m_recordNumber = -1;
     m_record.fields = m_type.RecordFields(field);
     m_record.place = m_record.fields.size();
+    m_record.begin = 0;
+    m_record.end = 1;  // a string is there, though it has no byte here
 }
 
 // Goes to the next record of the list. Returns false after the last one.
@@ -273,8 +415,7 @@ void ClFacts::Decode(const StandardField_t& field, uint32_t offset, uint32_t siz
         }
         default: break;
     }
-    uint64_t number = LittleEndian(bytes, size);
-    if (field.IsPart()) number = number >> field.low & (field.bits < 64 ? (1ull << field.bits) - 1 : ~0ull);
+    const uint64_t number = PartOf(field, LittleEndian(bytes, size));
     DecodeNumber(field, number, fact);
     if (fact.kind == FactKind_t::kDate && fact.IsValue()) {
         const auto month = static_cast<uint32_t>(number >> 5 & 0xF);
@@ -303,13 +444,7 @@ void ClFacts::Decode(const StandardField_t& field, uint32_t offset, uint32_t siz
 
 void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const {
     fact.number = number;
-    for (const StandardSpecial_t& special : m_type.Specials(field)) {
-        if (number < special.first || number > special.last) continue;
-        fact.state = special.state;
-        fact.text = m_type.Text(special.word);
-        fact.isReference = special.isReference;
-        return;
-    }
+    if (SetSpecial(field, number, fact)) return;
     switch (field.form) {
         case Form_t::kNumber:
         case Form_t::kHex: fact.number = number * field.scale; break;
@@ -329,16 +464,12 @@ void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t
         }
         case Form_t::kBits:
             // A list with a single word such as "Unknown" says just that.
-            if (std::has_single_bit(number)) {
+            if (HasSingleBit(number)) {
                 const StandardCode_t* bit = m_type.FindCode(field, static_cast<uint64_t>(std::countr_zero(number)));
                 if (bit != nullptr) fact.state = bit->state;
             }
             break;
-        case Form_t::kHandle:
-            if (m_options.handles != nullptr &&
-                !m_options.handles->Has(static_cast<uint16_t>(number), m_type.Codes(field)))
-                fact.state = FactState_t::kBroken;
-            break;
+        case Form_t::kHandle: JudgeHandle(field, fact); break;
         case Form_t::kRomSize: fact.number = (number + 1) << 16; break;
         case Form_t::kExtendedRomSize:
             fact.number = (number & 0x3FFF) << (number >> 14 == 0 ? 20 : 30);

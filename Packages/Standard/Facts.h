@@ -19,8 +19,13 @@
 
 struct Fact_t {
     const StandardField_t* field;  // its row in the table of the type
-    std::string_view key;          // stable, in snake_case, such as "memory_size"
+    std::string_view key;          // stable, in snake_case, such as "memory_size"; a NUL follows key and name
     std::string_view name;         // the standard's name, such as "Memory Size"
+    // Numbers in their unit, codes, bit lists, handles, string numbers, and the number of a list's records.
+    uint64_t number;
+    // Texts, words of codes, UUIDs, dates and versions. Of numbers that aren't values, why.
+    std::string_view text = "";
+    std::string_view string = "";  // the bytes of a text in the structure's strings
     FactKind_t kind;
     FactState_t state;
     Unit_t unit;
@@ -29,11 +34,6 @@ struct Fact_t {
     uint16_t offset;   // in the structure; with `size`, the bytes that the fact comes from
     uint16_t size;     // 0 for derived facts and for strings of a list
     int record;        // of a fact in a list, the number of its record, from 0; otherwise -1
-    // Numbers in their unit, codes, bit lists, handles, string numbers, and the number of a list's records.
-    uint64_t number;
-    // Texts, words of codes, UUIDs, dates and versions. Of numbers that aren't values, why.
-    std::string_view text;
-    std::string_view string;  // the bytes of a text in the structure's strings
 
     bool IsValue() const { return state == FactState_t::kValue; }
     bool IsDerived() const { return field->form == Form_t::kDerived; }
@@ -79,7 +79,11 @@ class ClFacts {
     ClFacts& operator=(const ClFacts&) = delete;
 
     // Moves to the next fact, or returns false after the last one.
-    bool Next();
+    bool Next() { return NextFact() != nullptr; }
+    // The same, but returns the fact. Null after the last one.
+    const Fact_t* NextFact();
+    // The last fact; null before the first and after the last one.
+    const Fact_t* Fact() const { return m_fact.field != nullptr ? &m_fact : nullptr; }
 
     const Fact_t& operator*() const { return m_fact; }
     const Fact_t* operator->() const { return &m_fact; }
@@ -110,13 +114,26 @@ class ClFacts {
         std::string_view wholeText;
     };
 
-    bool ReadField(Area_t& area, int record);
+    [[gnu::always_inline]] inline void Start(const StandardField_t& field, int record);
+    [[gnu::always_inline]] inline const Fact_t* End(Area_t& area) const;
+    [[gnu::always_inline]] inline const Fact_t* EndOrTakeOver(const StandardField_t& field, Area_t& area);
+    [[gnu::always_inline]] inline bool SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
+    [[gnu::noinline]] const Fact_t* ReadText();
+    [[gnu::noinline]] const Fact_t* ReadHandle();
+    [[gnu::noinline]] const Fact_t* ReadFirstUsable();
+    [[gnu::always_inline]] inline bool ReadSimple(const StandardField_t& field);
+    [[gnu::noinline]] const Fact_t* ReadOther();
+    const Fact_t* NextOfAny();
+    void JudgeHandle(const StandardField_t& field, Fact_t& fact) const;
+    [[gnu::always_inline]] inline bool ReadField(Area_t& area, int record);
+    [[gnu::always_inline]] inline bool IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) const;
     void Decode(const StandardField_t& field, uint32_t offset, uint32_t size, Fact_t& fact);
-    void DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
+    [[gnu::always_inline]] inline void DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
     void DecodeText(uint32_t number, Fact_t& fact) const;
     void DecodeUuid(const uint8_t* uuid, Fact_t& fact);
     uint32_t PlaceOf(const StandardField_t& field, const Area_t& area) const;
-    bool HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset, uint32_t& size) const;
+    [[gnu::always_inline]] inline bool HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset,
+                                               uint32_t& size) const;
     void ReadList(const StandardField_t& field, const Area_t& area, Fact_t& fact);
     void ReadStrings(const StandardField_t& field, const Area_t& area, Fact_t& fact);
     bool StartRecord();

@@ -80,15 +80,49 @@ constexpr char kNumberedFillers[][kLongest] = {
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
+constexpr char kRepeated[] = "0fx.-*?_#";
+
+// What a text that begins with this character may be: bit n, one of the fillers of n characters; and
+constexpr uint32_t kMayBegin = 1u << 28;   // a begin of one
+constexpr uint32_t kMayNumber = 1u << 29;  // a numbered one
+constexpr uint32_t kMayRepeat = 1u << 30;  // one character again and again
+struct Hints_t {
+    uint32_t of[256];
+};
+constexpr Hints_t kHints = [] {
+    Hints_t hints = {};
+    const auto add = [&](char first, uint32_t hint) {
+        hints.of[static_cast<unsigned char>(first)] |= hint;
+        if (first >= 'a' && first <= 'z') hints.of[first - 'a' + 'A'] |= hint;
+    };
+    for (const char* filler : kFillers) add(filler[0], 1u << std::char_traits<char>::length(filler));
+    for (const char* begin : kFillerBegins) add(begin[0], kMayBegin);
+    for (const char* filler : kNumberedFillers) add(filler[0], kMayNumber);
+    for (const char c : kRepeated)
+        if (c != '\0') add(c, kMayRepeat);
+    return hints;
+}();
+
+// Tells quickly of most texts that they aren't fillers. The text has no blanks around it.
+bool MayBeFiller(std::string_view text) {
+    const uint32_t hints = kHints.of[static_cast<unsigned char>(text.front())];
+    const char last = text.back();
+    return (text.size() < 28 && (hints >> text.size() & 1) != 0) ||
+           ((hints & kMayBegin) != 0 && text.size() > 13 && text[2] == ' ') ||
+           ((hints & kMayNumber) != 0 && last >= '0' && last <= '9') ||
+           ((hints & kMayRepeat) != 0 && Lower(last) == Lower(text.front()));
+}
+
 }  // namespace
 
 bool IsFiller(std::string_view text) {
     while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.remove_suffix(1);
     while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ') text.remove_prefix(1);
     if (text.empty()) return true;
+    if (!MayBeFiller(text)) return false;
     // One character again and again: zeros, Fs, Xs, dots, dashes.
     const char first = Lower(text.front());
-    if (strchr("0fx.-*?_#", first) != nullptr &&
+    if (strchr(kRepeated, first) != nullptr &&
         (text.size() > 1 || first == '.' || first == '-' || first == '*' || first == '?' || first == '_' ||
          first == '#') &&
         std::ranges::all_of(text, [=](char c) { return Lower(c) == first; }))

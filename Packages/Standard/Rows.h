@@ -322,6 +322,7 @@ class ClPacker {
         const auto offset = static_cast<uint16_t>(m_packed.textSize);
         Put(static_cast<char>(text.size()));
         for (const char c : text) Put(c);
+        Put('\0');
         return offset;
     }
 
@@ -344,6 +345,7 @@ class ClPacker {
             if (c == ')') isInside = false;
         }
         m_packed.texts[offset] = static_cast<char>(m_packed.textSize - offset - 1);
+        Put('\0');
         return static_cast<uint16_t>(offset);
     }
 
@@ -396,6 +398,8 @@ class ClPacker {
             field.kind = reading.kind;
             field.since = VersionOf(row.since);
             field.step = reading.step;
+            field.isPlain = field.width < kCountedWidth && field.offset < kAfterList && IsPlain(field.form);
+            field.isSimple = field.isPlain && IsSimple(field.form);
             for (const std::string_view name : row.where.from)
                 if (!name.empty()) field.from[field.sources++] = PlaceOf(rows, name);
             AddSpecials(reading, field);
@@ -409,6 +413,16 @@ class ClPacker {
             }
             m_packed.fields[begin + i] = field;
         }
+    }
+
+    static constexpr bool IsPlain(Form_t form) {
+        return form != Form_t::kCount && form != Form_t::kStep && form != Form_t::kRecords &&
+               form != Form_t::kStrings && form != Form_t::kDerived;
+    }
+
+    static constexpr bool IsSimple(Form_t form) {
+        return form == Form_t::kNumber || form == Form_t::kHex || form == Form_t::kCode || form == Form_t::kBits ||
+               form == Form_t::kHandle;
     }
 
     static constexpr uint8_t PlaceOf(Rows_t<FieldRow_t> rows, std::string_view name) {

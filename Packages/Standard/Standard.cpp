@@ -5,13 +5,16 @@
 #include "Packages/Standard/Rows.h"
 
 // The structure types of the standard, each with a file of its own.
-#define STANDARD_TYPES(X)                                                                                            \
-    X(0)                                                                                                             \
-    X(1)                                                                                                             \
-    X(2)                                                                                                             \
-    X(3) X(4) X(5) X(6) X(7) X(8) X(9) X(10) X(11) X(12) X(13) X(14) X(15) X(16) X(17) X(18) X(19) X(20) X(21) X(22) \
-        X(23) X(24) X(25) X(26) X(27) X(28) X(29) X(30) X(31) X(32) X(33) X(34) X(35) X(36) X(37) X(38) X(39) X(40)  \
-            X(41) X(42) X(43) X(44) X(45) X(46) X(126) X(127)
+#define STANDARD_TYPES(X)                                                                                           \
+    X(0)                                                                                                            \
+    X(1)                                                                                                            \
+    X(2)                                                                                                            \
+    X(3)                                                                                                            \
+    X(4)                                                                                                            \
+    X(5)                                                                                                            \
+    X(6) X(7) X(8) X(9) X(10) X(11) X(12) X(13) X(14) X(15) X(16) X(17) X(18) X(19) X(20) X(21) X(22) X(23) X(24)   \
+        X(25) X(26) X(27) X(28) X(29) X(30) X(31) X(32) X(33) X(34) X(35) X(36) X(37) X(38) X(39) X(40) X(41) X(42) \
+            X(43) X(44) X(45) X(46) X(126) X(127)
 
 #define X(number) StandardType_t StandardType##number();
 STANDARD_TYPES(X)
@@ -31,17 +34,12 @@ constexpr FieldRow_t kFields[] = {
 constexpr TypeRow_t kVendorType = {128, "Vendor-specific Type", "", {kFields, std::size(kFields)}};
 constexpr TypeRow_t kUnknownType = {47, "Unknown Type", "", {kFields, std::size(kFields)}};
 
-constexpr char kUnitNames[][6] = {"",    "byte", "bit", "MHz", "MT/s", "mV",       "\u00B5V", "mA",      "\u00B5A", "W",
-                                  "mWh", "ns",   "min", "%",   "ppm",  "m\u00B0C", "rpm",     "\u00B5m", "U"};
-
 }  // namespace
 
 const StandardCode_t* StandardType_t::FindCode(const StandardField_t& field, uint64_t code) const {
     const std::span<const StandardCode_t> rows = Codes(field);
     if (rows.empty() || code < rows.front().first) return nullptr;
-    // Most enumerations have no gap before the code.
-    const uint64_t place = code - rows.front().first;
-    if (place < rows.size() && rows[place].first == code) return &rows[place];
+    if (const StandardCode_t* near = FindNearCode(field, code)) return near;
     const auto row = std::ranges::upper_bound(rows, code, {}, &StandardCode_t::first) - 1;
     return code <= row->last ? &*row : nullptr;
 }
@@ -60,5 +58,3 @@ StandardType_t FindStandardType(uint8_t type) {
 }
 
 bool IsStandardType(uint8_t type) { return type <= 46 || type == 126 || type == 127; }
-
-const char* UnitName(Unit_t unit) { return kUnitNames[static_cast<size_t>(unit)]; }

@@ -6,6 +6,7 @@
 // loading the library doesn't relocate them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -158,6 +159,8 @@ struct StandardField_t {
     uint8_t step;     // of a list's records; 0: as the field before it says, or by their own length
     uint8_t from[4];  // derived facts: fields of the same table
     uint8_t sources;
+    bool isPlain;   // its bytes are at a fixed place, and no list needs its number
+    bool isSimple;  // its number is read as it is, or scaled
 
     bool IsPart() const { return bits != 0; }
 };
@@ -173,8 +176,15 @@ struct StandardType_t {
     std::span<const StandardSpecial_t> specials;
     const char* texts;
 
+    // Returns a text, which a NUL follows.
     std::string_view Text(uint16_t offset) const {
         return {texts + offset + 1, static_cast<unsigned char>(texts[offset])};
+    }
+    // Returns the row of a code if it is where it would be without gaps before it, as in most enumerations.
+    const StandardCode_t* FindNearCode(const StandardField_t& field, uint64_t code) const {
+        const StandardCode_t* rows = codes.data() + field.first;
+        const uint64_t place = code - rows->first;
+        return place < field.count && rows[place].first == code ? &rows[place] : nullptr;
     }
     // Returns the row of a code, or of a bit. Null if the standard doesn't assign it.
     const StandardCode_t* FindCode(const StandardField_t& field, uint64_t code) const;
@@ -201,5 +211,9 @@ StandardType_t OldHostInterface();
 // Whether the standard has this type.
 bool IsStandardType(uint8_t type);
 
+inline constexpr char kUnitNames[][6] = {"",    "byte",     "bit", "MHz",     "MT/s", "mV",  "\u00B5V",
+                                         "mA",  "\u00B5A",  "W",   "mWh",     "ns",   "min", "%",
+                                         "ppm", "m\u00B0C", "rpm", "\u00B5m", "U"};
+
 // Returns the name of a unit, such as "MT/s". Empty for kNone.
-const char* UnitName(Unit_t unit);
+inline const char* UnitName(Unit_t unit) { return kUnitNames[static_cast<size_t>(unit)]; }

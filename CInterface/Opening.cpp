@@ -1,0 +1,70 @@
+#include "CInterface/Opening.h"
+
+#include "Packages/OS/OS.h"
+
+namespace {
+
+std::mutex opening;
+
+constexpr uint8_t kUsualMajor = 3;
+
+// For quorlin_last_error: the problem, or only the status if nothing more is known. They have no destructor, because
+// that would keep the library loaded until the thread ends.
+thread_local quorlin_status lastStatus = QUORLIN_OK;
+thread_local char lastProblem[512] = "";
+
+// An image as the options describe it. 0.0 is an unknown version.
+Image_t ImageWith(const quorlin_options& options) {
+    Image_t image;
+    image.source.signature = options.signature;
+    image.source.major = options.smbios_major;
+    image.source.minor = options.smbios_minor;
+    if (options.smbios_major == 0 && options.smbios_minor == 0) image.source.major = kUsualMajor;
+    return image;
+}
+
+}  // namespace
+
+quorlin_status KeepOutcome(quorlin_status status) { return lastStatus = status; }
+
+void KeepProblem(const std::string& problem) {
+    os_snprintf(lastProblem, sizeof lastProblem, sizeof lastProblem - 1, "%s", problem.c_str());
+}
+
+quorlin_status ReadFileImage(const char* path, const quorlin_options& options, Image_t* image) {
+    *image = ImageWith(options);
+    std::string problem;
+    if (ReadImage(path, TableForm_t::kAny, image, &problem) == kSuccess) return QUORLIN_OK;
+    KeepProblem(problem);
+    return QUORLIN_NO_IMAGE;
+}
+
+quorlin_status ReadMemoryImage(const void* bytes, size_t size, const quorlin_options& options, Image_t* image) {
+    *image = ImageWith(options);
+    const auto* begin = static_cast<const uint8_t*>(bytes);
+    std::string problem;
+    if (ImageFromBytes({begin, begin + size}, TableForm_t::kAny, image, &problem) == kSuccess) return QUORLIN_OK;
+    KeepProblem(problem);
+    return QUORLIN_NO_IMAGE;
+}
+
+void AddRemark(std::string* remark, const std::string& text) {
+    if (!text.empty()) remark->append(remark->empty() ? "" : "; ").append(text);
+}
+
+ClPackageInUse::ClPackageInUse(uint8_t types) : m_lock(opening), m_package(types), m_isBusy(StoreIsUp()) {
+    if (!m_isBusy) m_chosen = ChosenMachine();
+}
+
+ClPackageInUse::~ClPackageInUse() {
+    if (m_isBusy) return;
+    m_package.UnInitialize();
+    // A package takes a table of version 0.0 for no table, and leaves the store up.
+    if (StoreIsUp()) LibSMBIOSExit();
+    ChooseMachine(m_chosen);
+}
+
+const char* quorlin_last_error() {
+    if (lastStatus == QUORLIN_OK) return "";
+    return lastProblem[0] == '\0' ? quorlin_status_text(lastStatus) : lastProblem;
+}

@@ -1,0 +1,75 @@
+// How handles of the C interface are opened: checks, errors, images, and the one package of the process.
+#pragma once
+
+#include <mutex>
+#include <new>
+#include <string>
+
+#include "CInterface/quorlin_c.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
+#include "Packages/FERROXExternal/StructureStore/ImageFile.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
+#include "Sources/Quorlin.h"
+
+// Keeps the outcome of an opening for quorlin_last_error. Returns `status`.
+quorlin_status KeepOutcome(quorlin_status status);
+// Keeps a problem in words, before the outcome.
+void KeepProblem(const std::string& problem);
+
+// Calls `function`, which returns a status. No exception leaves the interface.
+template <class Function>
+quorlin_status Guarded(const Function& function) {
+    try {
+        return function();
+    } catch (const std::bad_alloc&) {
+        return QUORLIN_NO_MEMORY;
+    } catch (...) {
+        return QUORLIN_NO_TABLE;
+    }
+}
+
+// Checks the arguments of a function that opens a table, then opens it with the given options or none.
+template <class Function>
+quorlin_status Opening(bool hasArguments, const quorlin_options* given, const Function& open) {
+    KeepProblem({});
+    if (!hasArguments) return KeepOutcome(QUORLIN_NULL_POINTER);
+    if (given != nullptr && given->size != sizeof *given) return KeepOutcome(QUORLIN_BAD_VALUE);
+    return KeepOutcome(Guarded([&] { return open(given != nullptr ? *given : quorlin_options{}); }));
+}
+
+// Reads an image. NO_IMAGE if it can't be read; quorlin_last_error then says why.
+quorlin_status ReadFileImage(const char* path, const quorlin_options& options, Image_t* image);
+quorlin_status ReadMemoryImage(const void* bytes, size_t size, const quorlin_options& options, Image_t* image);
+
+// Adds a sentence to a remark.
+void AddRemark(std::string* remark, const std::string& text);
+
+// The package of the process while a handle copies from it. Machine and store belong to the process, so there is one at
+// a time; others wait. Restores the chosen machine, and leaves the host's crash filter alone.
+class ClPackageInUse {
+  public:
+    explicit ClPackageInUse(uint8_t types);
+    ClPackageInUse(const ClPackageInUse&) = delete;
+    ClPackageInUse& operator=(const ClPackageInUse&) = delete;
+    ~ClPackageInUse();
+    // Whether the host uses the package interface itself. Nothing may be done then.
+    bool IsBusy() const { return m_isBusy; }
+    Quorlin* operator->() { return &m_package; }
+
+  private:
+    std::unique_lock<std::mutex> m_lock;
+    Quorlin m_package;
+    bool m_isBusy;
+    MachineChoice_t m_chosen = {};
+};
+
+// Opens this machine: calls `open` with a function that chooses it, first without the driver, and if there is no table
+// and the options ask for it, with the driver.
+template <class Open>
+quorlin_status OpenMachine(const quorlin_options& options, const Open& open) {
+    const quorlin_status status = open([] { SetMachine(ThisMachineWithoutDriver()); });
+    if (status != QUORLIN_NO_TABLE || options.use_driver == 0) return status;
+    const quorlin_status withDriver = open([] { SetMachine(ThisMachine()); });
+    if (withDriver != QUORLIN_OK) EndFailedStart();
+    return withDriver;
+}
