@@ -35,6 +35,12 @@ StandardType_t TableFor(const TableStructure_t& structure, StandardVersion_t ver
     return FindStandardType(structure.Type());
 }
 
+// Firmware of 2.3.1 wrote 2.31 or 2.33, which would be a version after 2.6.
+FactOptions_t WithUsualVersion(FactOptions_t options) {
+    if (options.version == 0x021F || options.version == 0x0221) options.version = 0x0203;
+    return options;
+}
+
 constexpr char kHexDigits[] = "0123456789abcdef";
 
 }  // namespace
@@ -69,7 +75,10 @@ std::string_view ClStrings::Get(uint32_t number) const {
 }
 
 ClFacts::ClFacts(const TableStructure_t& structure, const FactOptions_t& options)
-    : m_data(structure.data), m_type(TableFor(structure, options.version)), m_options(options), m_strings(structure) {
+    : m_data(structure.data),
+      m_type(TableFor(structure, options.version)),
+      m_options(WithUsualVersion(options)),
+      m_strings(structure) {
     m_structure.fields = m_type.TopFields();
     m_structure.end = FormattedEnd(structure);
 }
