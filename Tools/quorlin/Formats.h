@@ -43,6 +43,7 @@ class ClFormatOption {
     // It points to this object.
     Option_t Option();
     const Format_t& Chosen() const;
+    bool IsGiven() const { return !m_name.empty(); }
     // Throws BadUsage_t if there are several tables and the format takes only one.
     void Check(const Source_t& source) const;
 
