@@ -79,8 +79,8 @@ std::string KeywordText(const ClFacts& facts, const Fact_t& fact) {
                 if (c < ' ' || c > '~') c = '.';
             return text;
         case FactKind_t::kUuid:
-            if (fact.state != FactState_t::kFiller) return text;
-            return text.front() == '0' ? "Not Settable" : "Not Present";
+            if (text.find_first_not_of("0-") == text.npos) return "Not Settable";
+            return text.find_first_not_of("f-") == text.npos ? "Not Present" : text;
         case FactKind_t::kNumber: return fact.IsValue() ? ShownValue(facts, fact) : "Unknown";
         case FactKind_t::kCode:
             if (fact.state == FactState_t::kReserved) return "<OUT OF SPEC>";
