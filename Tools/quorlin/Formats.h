@@ -19,6 +19,7 @@ enum Content_t : uint8_t {
     kComparison = 4,  // rows in one document on several tables
     kFactLists = 8,   // structures with their facts
     kAnyContent = 15,
+    kObjects = 16,  // a document of named values, without a list
 };
 
 struct Format_t {
