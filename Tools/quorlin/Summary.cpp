@@ -1,6 +1,7 @@
 #include "Tools/quorlin/Summary.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -66,56 +67,65 @@ class ClValues {
     std::vector<Value_t> m_values;
 };
 
+// Counts equal things, in the order in which they come.
 template <class Kind>
-Group_t<Kind>& Count(Groups_t<Kind>& groups, Kind kind) {
-    auto place = std::ranges::find(groups, kind, &Group_t<Kind>::kind);
-    if (place == groups.end()) place = groups.insert(groups.end(), {std::move(kind)});
-    place->count++;
-    return *place;
-}
+class ClGroups {
+  public:
+    Group_t<Kind>& Count(const Kind& kind) {
+        const auto [place, isNew] = m_places.try_emplace(kind, m_groups.size());
+        if (isNew) m_groups.push_back({kind});
+        Group_t<Kind>& group = m_groups[place->second];
+        group.count++;
+        return group;
+    }
+    Groups_t<Kind> Take() { return std::move(m_groups); }
+
+  private:
+    Groups_t<Kind> m_groups;
+    std::map<Kind, size_t> m_places;
+};
 
 class ClCollector {
   public:
     Summary_t Collect(std::span<const uint8_t> table, const FactOptions_t& options) {
+        for (const TableStructure_t& structure : ClWalk(table)) Take(structure, options);
+        // Only now is it known which sockets and arrays these belong to.
         for (const TableStructure_t& structure : ClWalk(table)) {
-            const uint8_t type = structure.Type();
-            if (type > 17) continue;
-            const bool isFirst = !m_hasType[type];
-            m_hasType[type] = true;
-            const ClValues values(structure, options);
-            switch (type) {
-                case 0:
-                    if (isFirst) TakeFirmware(values);
-                    break;
-                case 1:
-                    if (isFirst) TakeSystem(values);
-                    break;
-                case 2: TakeBoard(values, isFirst); break;
-                case 3:
-                    if (isFirst) TakeChassis(values);
-                    break;
-                case 4: TakeProcessor(values); break;
-                case 6: TakeOldModule(values); break;
-                case 7: m_caches.emplace_back(structure.Handle(), values); break;
-                case 9: TakeSlot(values); break;
-                case 16: TakeArray(structure.Handle(), values); break;
-                case 17: m_devices.push_back(values); break;
-                default: break;
-            }
+            if (structure.Type() == 7) TakeCache(structure.Handle(), {structure, options});
+            if (structure.Type() == 17) TakeDevice({structure, options});
         }
-        // Structures may follow those that refer to them.
-        for (const auto& [handle, cache] : m_caches)
-            if (!m_cachesOfEmptySockets.contains(handle) || m_cachesInUse.contains(handle)) TakeCache(cache);
-        for (const ClValues& device : m_devices) TakeDevice(device);
+        m_summary.processors = m_processors.Take();
+        m_summary.caches = m_caches.Take();
+        m_summary.slots = m_slots.Take();
         FinishMemory();
         return std::move(m_summary);
     }
 
   private:
-    struct Array_t {
-        uint64_t handle;
-        bool isSystemMemory;
-    };
+    void Take(const TableStructure_t& structure, const FactOptions_t& options) {
+        const uint8_t type = structure.Type();
+        if (type > 16 || type == 7) return;
+        const bool isFirst = !m_hasType[type];
+        m_hasType[type] = true;
+        const ClValues values(structure, options);
+        switch (type) {
+            case 0:
+                if (isFirst) TakeFirmware(values);
+                break;
+            case 1:
+                if (isFirst) TakeSystem(values);
+                break;
+            case 2: TakeBoard(values, isFirst); break;
+            case 3:
+                if (isFirst) TakeChassis(values);
+                break;
+            case 4: TakeProcessor(values); break;
+            case 6: TakeOldModule(values); break;
+            case 9: TakeSlot(values); break;
+            case 16: TakeArray(structure.Handle(), values); break;
+            default: break;
+        }
+    }
 
     static Product_t ProductOf(const ClValues& values) {
         return {values.Text("manufacturer"), values.Text("product_name"), values.Text("version"),
@@ -174,15 +184,16 @@ class ClCollector {
         // Counts that contradict each other are none.
         if (processor.coresEnabled > processor.cores) processor.coresEnabled.reset();
         if (processor.threads < processor.cores) processor.threads.reset();
-        Count(m_summary.processors, std::move(processor));
+        m_processors.Count(processor);
     }
 
-    void TakeCache(const ClValues& values) {
+    void TakeCache(uint16_t handle, const ClValues& values) {
+        if (m_cachesOfEmptySockets.contains(handle) && !m_cachesInUse.contains(handle)) return;
         const Known_t level = values.Number("cache_level"), size = values.Positive("cache_size");
         if (!level || !size) return;
         std::string kind = values.Text("system_cache_type");
         if (kind == "Unified") kind.clear();
-        Count(m_summary.caches, {*level, std::move(kind), *size});
+        m_caches.Count({*level, kind, *size});
     }
 
     void TakeSlot(const ClValues& values) {
@@ -190,17 +201,19 @@ class ClCollector {
         // "8x or x8" says the same twice.
         if (const size_t place = width.find(" or "); place != width.npos) width.erase(0, place + 4);
         const std::string usage = values.Text("current_usage");
-        Group_t<Slot_t>& group = Count(m_summary.slots, {values.Text("slot_type"), std::move(width)});
+        Group_t<Slot_t>& group = m_slots.Count({values.Text("slot_type"), width});
         if (usage == "In use") group.used++;
         if (usage == "Available") group.free++;
     }
 
     void TakeArray(uint16_t handle, const ClValues& values) {
         const bool isSystemMemory = values.Number("use").value_or(kSystemMemory) == kSystemMemory;
-        m_arrays.push_back({handle, isSystemMemory});
-        if (!isSystemMemory) return;
+        if (!isSystemMemory) {
+            m_otherArrays.insert(handle);
+            return;
+        }
         const Known_t capacity = values.Positive("capacity");
-        m_isMaximumKnown = m_isMaximumKnown && capacity;
+        m_isMaximumKnown = m_isMaximumKnown && capacity && *capacity <= UINT64_MAX - m_maximum;
         m_maximum += capacity.value_or(0);
         const std::string correction = values.Text("memory_error_correction");
         if (m_summary.errorCorrection.empty() && correction != "None") m_summary.errorCorrection = correction;
@@ -208,20 +221,19 @@ class ClCollector {
 
     void TakeDevice(const ClValues& values) {
         const Known_t handle = values.Number("physical_memory_array_handle");
-        const auto array = std::ranges::find_if(m_arrays, [&](const Array_t& each) { return each.handle == handle; });
         const std::string type = values.Text("memory_type");
-        if ((array != m_arrays.end() && !array->isSystemMemory) || type == "FLASH" || type == "ROM") return;
+        if ((handle && m_otherArrays.contains(*handle)) || type == "FLASH" || type == "ROM") return;
         m_summary.memorySlots++;
         if (values.Has("size", FactState_t::kNone) && !values.Number("memory_size")) return;
-        Count(m_summary.modules, {
-                                     .size = values.Positive("memory_size"),
-                                     .type = type,
-                                     .formFactor = values.Text("form_factor"),
-                                     .manufacturer = values.Text("manufacturer"),
-                                     .partNumber = values.Text("part_number"),
-                                     .speed = values.Positive("memory_speed"),
-                                     .configuredSpeed = values.Positive("configured_speed"),
-                                 });
+        m_modules.Count({
+            .size = values.Positive("memory_size"),
+            .type = type,
+            .formFactor = values.Text("form_factor"),
+            .manufacturer = values.Text("manufacturer"),
+            .partNumber = values.Text("part_number"),
+            .speed = values.Positive("memory_speed"),
+            .configuredSpeed = values.Positive("configured_speed"),
+        });
     }
 
     // Tables from before 2.1 have no other memory.
@@ -229,14 +241,13 @@ class ClCollector {
         m_oldSlots++;
         Module_t module = {};
         module.size = values.Number("installed_module_size");
-        if (module.size) Count(m_oldModules, std::move(module));
+        if (module.size) m_oldModules.Count(module);
     }
 
     void FinishMemory() {
-        if (m_devices.empty()) {
-            m_summary.memorySlots = m_oldSlots;
-            m_summary.modules = std::move(m_oldModules);
-        }
+        const bool isOld = m_summary.memorySlots == 0;
+        if (isOld) m_summary.memorySlots = m_oldSlots;
+        m_summary.modules = (isOld ? m_oldModules : m_modules).Take();
         m_summary.memoryInstalled = Total(m_summary.modules, &Module_t::size);
         if (m_isMaximumKnown && m_maximum != 0 && m_maximum >= m_summary.memoryInstalled.value_or(0))
             m_summary.memoryMaximum = m_maximum;
@@ -245,13 +256,13 @@ class ClCollector {
     Summary_t m_summary;
     bool m_hasType[18] = {};
     bool m_hasMotherboard = false;
-    std::vector<Array_t> m_arrays;
-    std::vector<ClValues> m_devices;
-    std::vector<std::pair<uint64_t, ClValues>> m_caches;  // with their handles
-    std::set<uint64_t> m_cachesInUse, m_cachesOfEmptySockets;
+    std::set<uint64_t> m_cachesInUse, m_cachesOfEmptySockets, m_otherArrays;
     uint64_t m_maximum = 0, m_oldSlots = 0;
     bool m_isMaximumKnown = true;
-    Groups_t<Module_t> m_oldModules;
+    ClGroups<Processor_t> m_processors;
+    ClGroups<Cache_t> m_caches;
+    ClGroups<Module_t> m_modules, m_oldModules;
+    ClGroups<Slot_t> m_slots;
 };
 
 }  // namespace

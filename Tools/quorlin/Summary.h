@@ -1,6 +1,7 @@
 // What a machine is, from the facts of its table.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -36,26 +37,26 @@ struct Firmware_t {
 struct Processor_t {
     std::string name, manufacturer, family;
     Known_t cores, coresEnabled, threads, speed, maximumSpeed;
-    bool operator==(const Processor_t&) const = default;
+    auto operator<=>(const Processor_t&) const = default;
 };
 
 struct Cache_t {
     uint64_t level;
     std::string kind;  // "Data" or "Instruction"; empty for both
     uint64_t size;
-    bool operator==(const Cache_t&) const = default;
+    auto operator<=>(const Cache_t&) const = default;
 };
 
 struct Module_t {
     Known_t size;
     std::string type, formFactor, manufacturer, partNumber;
     Known_t speed, configuredSpeed;
-    bool operator==(const Module_t&) const = default;
+    auto operator<=>(const Module_t&) const = default;
 };
 
 struct Slot_t {
     std::string type, width;
-    bool operator==(const Slot_t&) const = default;
+    auto operator<=>(const Slot_t&) const = default;
 };
 
 // Equal things, and how many there are.
@@ -91,13 +92,14 @@ uint64_t Sum(const Groups_t<Kind>& groups, uint64_t Group_t<Kind>::*what) {
     for (const Group_t<Kind>& group : groups) sum += group.*what;
     return sum;
 }
-// The sum over all things of a number of theirs; none if one of them doesn't have it.
+// The sum over all things of a number of theirs; none if one of them doesn't have it, or if it is too large.
 template <class Kind>
 Known_t Total(const Groups_t<Kind>& groups, Known_t Kind::*what) {
     uint64_t sum = 0;
     for (const Group_t<Kind>& group : groups) {
-        if (!(group.kind.*what)) return std::nullopt;
-        sum += *(group.kind.*what) * group.count;
+        const Known_t number = group.kind.*what;
+        if (!number || *number > (UINT64_MAX - sum) / group.count) return std::nullopt;
+        sum += *number * group.count;
     }
     return groups.empty() ? std::nullopt : Known_t(sum);
 }

@@ -1,6 +1,8 @@
 // quorlin summary: the machine on one screen.
 #include "Tools/quorlin/Summary.h"
 
+#include <utility>
+
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Formats.h"
 
@@ -10,7 +12,9 @@ constexpr List_t kNoList = {.name = nullptr, .columns = {}};
 
 // Text for people. A section has a name and lines.
 
-constexpr size_t kMostGroups = 6;  // of a section; more are counted
+// Groups of a section that are shown; more are counted.
+constexpr size_t kMostGroups = 6;
+constexpr size_t kMostCaches = 12;
 
 std::string Joined(std::initializer_list<std::string> parts, const char* between = ", ") {
     std::string text;
@@ -105,13 +109,17 @@ Lines_t ProcessorLines(const Summary_t& summary) {
 
 Lines_t CacheLines(const Summary_t& summary) {
     std::string text;
+    size_t left = summary.caches.size();
+    size_t shown = 0;
     for (uint64_t level = 1; level <= 8; level++)
         for (const Group_t<Cache_t>& group : summary.caches) {
-            if (group.kind.level != level) continue;
+            if (group.kind.level != level || shown == kMostCaches) continue;
+            shown++;
+            left--;
             const std::string name = With("L", level) + With(" ", group.kind.kind);
             text = Joined({text, Joined({name, Times(group.count) + SizeText(group.kind.size)}, " ")});
         }
-    return {text};
+    return {left == 0 ? text : text + With(", and ", left, " more")};
 }
 
 // Such as "DDR5-5600 at 4800 MT/s".
@@ -171,27 +179,22 @@ Lines_t SlotLines(const Summary_t& summary) {
 }
 
 void ShowToPeople(const Summary_t& summary, ClColumns& people) {
-    static constexpr struct {
-        const char name[12];
-        Lines_t (*lines)(const Summary_t&);
-    } kSections[] = {
-        {"System",     SystemLines   },
-        {"Chassis",    ChassisLines  },
-        {"Board",      BoardLines    },
-        {"Firmware",   FirmwareLines },
-        {"Processors", ProcessorLines},
-        {"Caches",     CacheLines    },
-        {"Memory",     MemoryLines   },
-        {"Slots",      SlotLines     },
+    const std::pair<std::string_view, Lines_t> sections[] = {
+        {"System",     SystemLines(summary)   },
+        {"Chassis",    ChassisLines(summary)  },
+        {"Board",      BoardLines(summary)    },
+        {"Firmware",   FirmwareLines(summary) },
+        {"Processors", ProcessorLines(summary)},
+        {"Caches",     CacheLines(summary)    },
+        {"Memory",     MemoryLines(summary)   },
+        {"Slots",      SlotLines(summary)     },
     };
-    Lines_t lines[std::size(kSections)];
-    for (size_t i = 0; i < std::size(kSections); i++) {
-        lines[i] = kSections[i].lines(summary);
-        const char* name = kSections[i].name;
-        for (const std::string& line : lines[i]) {
+    for (const auto& [section, lines] : sections) {
+        std::string_view name = section;
+        for (const std::string& line : lines) {
             if (line.empty()) continue;
             people.Pair(name, line);
-            name = "";
+            name = {};
         }
     }
     people.Finish(0);
