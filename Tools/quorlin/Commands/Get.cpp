@@ -44,7 +44,8 @@ class ClGet : public ClCommand {
         ClOutput output;
         const int exitCode = ForEachTable(m_source, kGetCommand.trouble, [&](ClTable& table) {
             if (PrintItems(table, types, output) || PrintFacts(table, types, output)) return kExitDone;
-            SayError(table.Name(), "type " + m_word + " has no such item here; try quorlin --type " + m_word);
+            SayError(table.Name(),
+                     "type " + m_word + " has no such item or fact here; try quorlin facts --type " + m_word);
             return kExitNo;
         });
         return output.Finish() ? exitCode : kGetCommand.trouble;
@@ -68,7 +69,9 @@ class ClGet : public ClCommand {
 
     // Prints facts that are values, in their unit.
     bool PrintFacts(ClTable& table, const std::vector<uint8_t>& types, ClOutput& output) const {
-        const FactOptions_t options = {.version = static_cast<uint16_t>(table.Major() << 8 | table.Minor())};
+        const ClHandles handles(table.Bytes());
+        const FactOptions_t options = {.version = static_cast<uint16_t>(table.Major() << 8 | table.Minor()),
+                                       .handles = &handles};
         bool isFound = false;
         uint32_t counts[256] = {};
         for (const TableStructure_t& structure : ClWalk(table.Bytes())) {
