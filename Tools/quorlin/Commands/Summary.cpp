@@ -263,6 +263,7 @@ Members_t MembersOf(const Firmware_t& firmware) {
 Members_t MembersOf(const Group_t<Processor_t>& group) {
     const Processor_t& processor = group.kind;
     return {
+        {"count",         Node(group.count)           },
         {"version",       Node(processor.name)        },
         {"manufacturer",  Node(processor.manufacturer)},
         {"family",        Node(processor.family)      },
@@ -276,6 +277,7 @@ Members_t MembersOf(const Group_t<Processor_t>& group) {
 
 Members_t MembersOf(const Group_t<Cache_t>& group) {
     return {
+        {"count", Node(group.count)     },
         {"level", Node(group.kind.level)},
         {"type",  Node(group.kind.kind) },
         {"size",  Node(group.kind.size) },
@@ -285,6 +287,7 @@ Members_t MembersOf(const Group_t<Cache_t>& group) {
 Members_t MembersOf(const Group_t<Module_t>& group) {
     const Module_t& module = group.kind;
     return {
+        {"count",            Node(group.count)           },
         {"size",             Node(module.size)           },
         {"type",             Node(module.type)           },
         {"form_factor",      Node(module.formFactor)     },
@@ -297,6 +300,7 @@ Members_t MembersOf(const Group_t<Module_t>& group) {
 
 Members_t MembersOf(const Group_t<Slot_t>& group) {
     return {
+        {"count", Node(group.count)     },
         {"type",  Node(group.kind.type) },
         {"width", Node(group.kind.width)},
         {"used",  Node(group.used)      },
@@ -304,15 +308,10 @@ Members_t MembersOf(const Group_t<Slot_t>& group) {
     };
 }
 
-// A list of objects, each with the group's count first.
 template <class Kind>
 Node_t Node(const Groups_t<Kind>& groups) {
     Node_t::List_t list;
-    for (const Group_t<Kind>& group : groups) {
-        Members_t members = MembersOf(group);
-        members.insert(members.begin(), {"count", Node(group.count)});
-        list.push_back(Node(std::move(members)));
-    }
+    for (const Group_t<Kind>& group : groups) list.push_back(Node(MembersOf(group)));
     return {std::move(list)};
 }
 
