@@ -53,7 +53,8 @@ for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completi
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"
 done
 
-inside dpkg --purge python3-quorlin libquorlin-dev libquorlin1 >"$work/log" 2>&1 || fail "purging the library: $(cat "$work/log")"
+inside dpkg --purge python3-quorlin libquorlin-dev libquorlin1 >"$work/log" 2>&1 ||
+    fail "purging the library: $(cat "$work/log")"
 inside quorlin --image /dump.bin --format lines | cmp "$work/program.txt" - || fail 'quorlin does not work alone'
 inside dpkg --purge quorlin >"$work/log" 2>&1 || fail "purging the program: $(cat "$work/log")"
 rm "$root/dump.bin" "$root/items-c"

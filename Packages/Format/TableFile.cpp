@@ -160,8 +160,7 @@ bool FormByName(std::string_view name, TableForm_t* form) {
 
 static TableFound_t FindTableOfAnySize(std::span<const uint8_t> bytes, TableForm_t as) {
     if (bytes.empty()) return NoTable("empty; try a file with a dump");
-    if (bytes.size() > kMostFileBytes)
-        return NoTable("larger than 4 MiB, so not a table; try the file with the dump");
+    if (bytes.size() > kMostFileBytes) return NoTable("larger than 4 MiB, so not a table; try the file with the dump");
     switch (as) {
         case TableForm_t::kDump: return FindAfterEntryPoint(bytes);
         case TableForm_t::kBareTable: return WholeTable(bytes);

@@ -55,6 +55,12 @@ StandardType_t TableFor(const TableStructure_t& structure, StandardVersion_t ver
     return FindStandardType(structure.Type());
 }
 
+// Firmware of 2.3.1 wrote 2.31 or 2.33, which would be a version after 2.6.
+FactOptions_t WithUsualVersion(FactOptions_t options) {
+    if (options.version == 0x021F || options.version == 0x0221) options.version = 0x0203;
+    return options;
+}
+
 constexpr char kHexDigits[] = "0123456789abcdef";
 
 }  // namespace
@@ -89,7 +95,10 @@ std::string_view ClStrings::Get(uint32_t number) const {
 }
 
 ClFacts::ClFacts(const TableStructure_t& structure, const FactOptions_t& options)
-    : m_data(structure.data), m_type(TableFor(structure, options.version)), m_options(options), m_strings(structure) {
+    : m_data(structure.data),
+      m_type(TableFor(structure, options.version)),
+      m_options(WithUsualVersion(options)),
+      m_strings(structure) {
     m_structure.fields = m_type.TopFields();
     m_structure.end = FormattedEnd(structure);
 }
@@ -507,7 +516,10 @@ void ClFacts::DecodeText(uint32_t number, Fact_t& fact) const {
 
 void ClFacts::DecodeUuid(const uint8_t* uuid, Fact_t& fact) {
     const auto isAll = [&](uint8_t byte) { return std::all_of(uuid, uuid + 16, [=](uint8_t b) { return b == byte; }); };
-    if (isAll(0x00) || isAll(0xFF)) fact.state = FactState_t::kFiller;
+    // Firmware is delivered with the numbers from 2 to 9, too.
+    static constexpr uint8_t kDelivered[] = {0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0, 7, 0, 8, 0, 9};
+    if (isAll(0x00) || isAll(0xFF) || memcmp(uuid, kDelivered, sizeof kDelivered) == 0)
+        fact.state = FactState_t::kFiller;
     // From 2.6 on, the first three parts are little-endian.
     static constexpr uint8_t kLittle[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     char text[36];

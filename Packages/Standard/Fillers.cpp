@@ -11,12 +11,7 @@ constexpr size_t kLongest = 28;
 // Texts that firmware is delivered with, and that nobody replaced. In lower case and in rising order, without blanks
 // around them.
 constexpr char kFillers[][kLongest] = {
-    "0123456789",
-    "012345678901234567890123456",
-    "123456789",
-    "1234567890",
-    "12345678901234567890",
-    "9876543210",
+    "/ / /",
     "[empty]",
     "asset tag",
     "asset-1234567890",
@@ -50,6 +45,8 @@ constexpr char kFillers[][kLongest] = {
     "null",
     "o.e.m.",
     "oem",
+    "oem chassis manufacturer",
+    "oem chassis serial number",
     "product name",
     "product_line",
     "product_sku",
@@ -70,13 +67,26 @@ constexpr char kFillers[][kLongest] = {
     "undefined",
     "unknown",
     "unspecified",
+    "x.x",
 };
 // Begins of such texts.
-constexpr char kFillerBegins[][kLongest] = {"to be filled by", "be filled by o.e.m."};
+constexpr char kFillerBegins[][kLongest] = {"to be filled by", "be filled by o.e.m.", "type2 - board ",
+                                            "sku=notprovided"};
 // Texts that come with a number behind them, such as "SerNum00".
 constexpr char kNumberedFillers[][kLongest] = {
     "array_partnumber", "assettagnum", "manufacturer", "modulepartnumber", "partnum", "sernum",
 };
+
+// Whether a text is of digits that count up or down, such as "12345678".
+bool IsCounting(std::string_view text) {
+    const auto digit = [text](size_t place) { return static_cast<unsigned char>(text[place]) - '0'; };
+    const int step = text.size() < 8 ? 0 : (digit(1) - digit(0) + 10) % 10;
+    if (step != 1 && step != 9) return false;
+    for (size_t place = 0; place < text.size(); place++)
+        if (digit(place) < 0 || digit(place) > 9 || (place > 0 && (digit(place - 1) + step) % 10 != digit(place)))
+            return false;
+    return true;
+}
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -107,8 +117,7 @@ constexpr Hints_t kHints = [] {
 bool MayBeFiller(std::string_view text) {
     const uint32_t hints = kHints.of[static_cast<unsigned char>(text.front())];
     const char last = text.back();
-    return (text.size() < 28 && (hints >> text.size() & 1) != 0) ||
-           ((hints & kMayBegin) != 0 && text.size() > 13 && text[2] == ' ') ||
+    return (text.size() < 28 && (hints >> text.size() & 1) != 0) || (hints & kMayBegin) != 0 ||
            ((hints & kMayNumber) != 0 && last >= '0' && last <= '9') ||
            ((hints & kMayRepeat) != 0 && Lower(last) == Lower(text.front()));
 }
@@ -119,6 +128,7 @@ bool IsFiller(std::string_view text) {
     while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.remove_suffix(1);
     while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ') text.remove_prefix(1);
     if (text.empty()) return true;
+    if (IsCounting(text)) return true;
     if (!MayBeFiller(text)) return false;
     // One character again and again: zeros, Fs, Xs, dots, dashes.
     const char first = Lower(text.front());

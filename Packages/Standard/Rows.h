@@ -279,7 +279,7 @@ constexpr Reading_t AsBits(Derivation_t derivation, const BitRow_t (&bits)[kCoun
 }
 
 // The rows of a structure type.
-struct TypeRow_t {
+struct StandardRow_t {
     uint8_t type;
     std::string_view name;
     std::string_view since;
@@ -302,7 +302,7 @@ struct Packed_t {
 // Packs the rows of one type into a table with room for any.
 class ClPacker {
   public:
-    constexpr explicit ClPacker(const TypeRow_t& type) {
+    constexpr explicit ClPacker(const StandardRow_t& type) {
         m_name = AddText(type.name);
         AddFields(type.fields);
     }
@@ -436,10 +436,10 @@ class ClPacker {
 };
 
 // The packed table of a type, first with room for any.
-template <const TypeRow_t& kType>
+template <const StandardRow_t& kType>
 inline constexpr ClPacker kPacker = ClPacker(kType);
 
-template <const TypeRow_t& kType>
+template <const StandardRow_t& kType>
 inline constexpr auto kPacked = [] {
     constexpr auto& full = kPacker<kType>.m_packed;
     Packed_t<full.textSize, full.fieldCount, full.codeCount, full.specialCount> packed = {};
@@ -450,7 +450,7 @@ inline constexpr auto kPacked = [] {
     return packed;
 }();
 
-template <const TypeRow_t& kType>
+template <const StandardRow_t& kType>
 StandardType_t ViewOf() {
     constexpr auto& packed = kPacked<kType>;
     return {kType.type,
@@ -471,8 +471,8 @@ constexpr Rows_t<FieldRow_t> RowsOf(const FieldRow_t (&fields)[kCount]) {
 constexpr Rows_t<FieldRow_t> RowsOf(Rows_t<FieldRow_t> fields) { return fields; }
 
 // Ends the file of a structure type: defines the function that Standard.cpp lists.
-#define STANDARD_TYPE(number, name, since, fields)                     \
-    namespace {                                                        \
-    constexpr TypeRow_t kType = {number, name, since, RowsOf(fields)}; \
-    }                                                                  \
+#define STANDARD_TYPE(number, name, since, fields)                         \
+    namespace {                                                            \
+    constexpr StandardRow_t kType = {number, name, since, RowsOf(fields)}; \
+    }                                                                      \
     StandardType_t StandardType##number() { return ViewOf<kType>(); }

@@ -50,7 +50,8 @@ constexpr FieldRow_t kOldFields[] = {
     {Byte(0x04), "Interface Type", Code(kHostInterfaceType), "2.7"},
     {Rest(0x05), "Interface Type Specific Data", Raw, "2.7"},
 };
-constexpr TypeRow_t kOldType = {42, "Management Controller Host Interface", "2.7", {kOldFields, std::size(kOldFields)}};
+constexpr StandardRow_t kOldType = {
+    42, "Management Controller Host Interface", "2.7", {kOldFields, std::size(kOldFields)}};
 
 }  // namespace
 

@@ -21,6 +21,14 @@ ClStructureBuilder& ClStructureBuilder::Word(size_t offset, uint16_t value) {
     return Byte(offset, static_cast<uint8_t>(value)).Byte(offset + 1, static_cast<uint8_t>(value >> 8));
 }
 
+ClStructureBuilder& ClStructureBuilder::Dword(size_t offset, uint32_t value) {
+    return Word(offset, static_cast<uint16_t>(value)).Word(offset + 2, static_cast<uint16_t>(value >> 16));
+}
+
+ClStructureBuilder& ClStructureBuilder::Qword(size_t offset, uint64_t value) {
+    return Dword(offset, static_cast<uint32_t>(value)).Dword(offset + 4, static_cast<uint32_t>(value >> 32));
+}
+
 ClStructureBuilder& ClStructureBuilder::Bytes(size_t offset, std::initializer_list<uint8_t> values) {
     for (const uint8_t value : values) Byte(offset++, value);
     return *this;

@@ -14,6 +14,8 @@ class ClStructureBuilder {
 
     ClStructureBuilder& Byte(size_t offset, uint8_t value);
     ClStructureBuilder& Word(size_t offset, uint16_t value);
+    ClStructureBuilder& Dword(size_t offset, uint32_t value);
+    ClStructureBuilder& Qword(size_t offset, uint64_t value);
     ClStructureBuilder& Bytes(size_t offset, std::initializer_list<uint8_t> values);
     ClStructureBuilder& Strings(std::initializer_list<std::string> texts);
     // Adds a string after the others and sets the byte at `offset` to its number.

@@ -172,7 +172,8 @@ class ClPage final : public ClDescription {
             return list.areBits ? "bit "s.append(std::to_string(value)) : Hex(value, 2);
         };
         for (size_t first = 0, last; first < list.table.size(); first = last + 1) {
-            for (last = first; last + 1 < list.table.size() && list.table[last + 1].Text() == list.table[first].Text() &&
+            for (last = first; last + 1 < list.table.size() &&
+                               list.table[last + 1].Text() == list.table[first].Text() &&
                                list.table[last + 1].code == list.table[last].code + 1;)
                 last++;
             text.append(" ").append(code(list.table[first].code));

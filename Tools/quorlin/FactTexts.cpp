@@ -10,14 +10,6 @@ namespace {
 
 constexpr char kStateWords[][9] = {"value", "unknown", "none", "absent", "reserved", "filler", "broken"};
 
-// A size in the largest unit that it is a whole number of.
-std::string SizeText(uint64_t bytes) {
-    static constexpr char kUnits[][4] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
-    size_t unit = 0;
-    while (bytes != 0 && bytes % 1024 == 0 && unit + 1 < std::size(kUnits)) bytes /= 1024, unit++;
-    return std::to_string(bytes) + " " + kUnits[unit];
-}
-
 std::string NumberText(const Fact_t& fact) {
     return fact.isSigned ? std::to_string(static_cast<int64_t>(fact.number)) : std::to_string(fact.number);
 }
@@ -47,6 +39,13 @@ void FactStructure_t::ForEach(const std::function<void(const ClFacts&, const Fac
 }
 
 std::string_view StateWord(FactState_t state) { return kStateWords[static_cast<size_t>(state)]; }
+
+std::string SizeText(uint64_t bytes) {
+    static constexpr char kUnits[][4] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
+    size_t unit = 0;
+    while (bytes != 0 && bytes % 1024 == 0 && unit + 1 < std::size(kUnits)) bytes /= 1024, unit++;
+    return std::to_string(bytes) + " " + kUnits[unit];
+}
 
 std::string CodeText(uint64_t code) { return "0x" + PlainUpperHex(code); }
 

@@ -37,5 +37,7 @@ std::string PlainValue(const ClFacts& facts, const Fact_t& fact);
 std::string ShownValue(const ClFacts& facts, const Fact_t& fact);
 // Hexadecimal digits of the bytes that a fact comes from: of a text, the string's number and the string.
 std::string RawDigits(const ClFacts& facts, const Fact_t& fact);
+// A size in the largest unit that it is a whole number of: 16 GiB.
+std::string SizeText(uint64_t bytes);
 // The code or number as hexadecimal: 0x26.
 std::string CodeText(uint64_t code);

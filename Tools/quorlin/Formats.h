@@ -19,6 +19,7 @@ enum Content_t : uint8_t {
     kComparison = 4,  // rows in one document on several tables
     kFactLists = 8,   // structures with their facts
     kAnyContent = 15,
+    kObjects = 16,  // a document of named values, without a list
 };
 
 struct Format_t {
@@ -43,6 +44,7 @@ class ClFormatOption {
     // It points to this object.
     Option_t Option();
     const Format_t& Chosen() const;
+    bool IsGiven() const { return !m_name.empty(); }
     // Throws BadUsage_t if there are several tables and the format takes only one.
     void Check(const Source_t& source) const;
 

@@ -31,6 +31,13 @@ struct List_t {
     const char* innerName = nullptr;  // of the rows within a row
 };
 
+// A value of a document without a list: null, text, number, truth, list, or named members.
+struct Node_t {
+    using List_t = std::vector<Node_t>;
+    using Members_t = std::vector<std::pair<const char*, Node_t>>;
+    std::variant<std::monostate, std::string, uint64_t, bool, List_t, Members_t> value;
+};
+
 // A document's own members, such as its source. The texts must live until the document ends.
 using Members_t = std::vector<std::pair<const char*, std::string_view>>;
 
@@ -60,6 +67,9 @@ class ClWriter {
     virtual void Hits(const Structure_t& structure, std::span<const Hit_t> hits);
     // Adds the facts of a structure to a list that has kFactColumns.
     virtual void Facts(const FactStructure_t& structure);
+
+    // Writes the members of a document whose list has no name. Only for formats that have kObjects and no People.
+    virtual void Members(const Node_t::Members_t&) {}
 
     // Writes that there is no document for a table, as it can't be read. Only for formats that have `reportsErrors`.
     virtual void Failed(std::string_view, std::string_view) {}

@@ -93,8 +93,10 @@ void ExpectRanges(std::vector<uint8_t> bytes, std::mt19937& random) {
             if (fact.Covers(place)) {
                 EXPECT_NE(fact.raw, other.raw) << key << " has the byte at " << place;
             } else if (!fact.Says(other)) {
-                EXPECT_TRUE(std::ranges::any_of(
-                    fact.from, [&](const std::string& source) { return before.contains(source) && before.at(source).Covers(place); }))
+                EXPECT_TRUE(std::ranges::any_of(fact.from,
+                                                [&](const std::string& source) {
+                                                    return before.contains(source) && before.at(source).Covers(place);
+                                                }))
                     << key << " changes with the byte at " << place;
             }
         }

@@ -132,11 +132,12 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
     const std::string skipped = " --recover --as table --image " + WriteFile("damaged.bin", damaged);
     const std::string none = " --image " + testing::TempDir() + "no-such-file";
     for (const std::string& source : {std::string(" --sample"), odd, skipped, none})
-        for (const std::string command : {"show", "types", "find a", "check"}) {
+        for (const std::string command : {"show", "summary", "types", "find a", "check"}) {
             const ProgramRun_t run = RunQuorlin(command + source + " --format ndjson");
             EXPECT_EQ(Problem(run.output), "") << command << source << "\n" << run.output.substr(0, 2000);
         }
-    EXPECT_EQ(Problem(RunQuorlin("--sample --format json").output), "");
+    for (const char* command : {"", "summary "})
+        EXPECT_EQ(Problem(RunQuorlin(command + std::string("--sample --format json")).output), "") << command;
     EXPECT_EQ(Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
 }
 

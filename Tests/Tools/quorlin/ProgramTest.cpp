@@ -187,7 +187,7 @@ TEST(Program, PrintsAmongOtherThings) {
         EXPECT_EQ(run.exitCode, row.exitCode) << row.arguments;
         EXPECT_TRUE(Has(run.output, row.output)) << row.arguments << ": " << run.output;
     }
-    for (const std::string command : {"show", "types", "find", "get", "diff", "dump", "raw", "check", "hw"})
+    for (const std::string command : {"show", "summary", "types", "find", "get", "diff", "dump", "raw", "check", "hw"})
         EXPECT_TRUE(Has(RunQuorlin(command + " --help").output, "\nExample: quorlin ")) << command;
 }
 

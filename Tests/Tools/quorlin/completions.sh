@@ -33,6 +33,8 @@ cases=(
     "find x --form|--format" "find x --format nd|ndjson" "find x --format |!lines" "show --format=li|lines"
     "--format=js|json" "diff --ig|--ignore" "diff --form|--format" "diff a b --format |!ndjson"
     "--method s|scan" "--ro|!--road" "--color=al|always" "raw -t mem|memory" "get mem|memory"
+    "get system-u|system-uuid" "-s chassis-t|chassis-type" "sum|summary" "summary --form|--format"
+    "summary --format |!csv"
     "hw c|cpuid" "hw msr r|read" "hw acpi |!read" "hw --yes|--yes-write-hardware" "types --as sy|sysfs"
     "--image |a-file" "dump |a-file" "diff |a-file" "find |!a-file" "--signature |!a-file" "hw acpi X --out |a-file"
 )

@@ -60,8 +60,7 @@ class ClLint {
             m_facts = FactsOf(structure.Type());
             m_length = std::min<uint32_t>(structure.Length(), structure.size);
             isEnded = structure.Type() == kEndOfTable;
-            if (!seen.insert(structure.Handle()).second)
-                Add("handle", "an earlier structure has this handle");
+            if (!seen.insert(structure.Handle()).second) Add("handle", "an earlier structure has this handle");
             if (CheckLength() && m_facts != nullptr) CheckFields();
             AddCodes();
         }

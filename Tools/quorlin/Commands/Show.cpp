@@ -4,6 +4,7 @@
 #include "Sources/Types.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Formats.h"
+#include "Tools/quorlin/Keywords.h"
 #include "Tools/quorlin/Types.h"
 
 namespace {
@@ -33,6 +34,13 @@ class ClShow : public ClCommand {
         options.push_back({"file", "FILE", "Images to read, as --image takes them", &m_source.images});
         options.push_back(TypeOption(&m_typeNames));
         options.push_back(m_format.Option());
+        m_keywords = KeywordChoices();
+        options.push_back({.name = "--string",
+                           .typeName = "KEYWORD",
+                           .help = "Only the value of a keyword, like quorlin get",
+                           .target = &m_keyword,
+                           .letter = 's',
+                           .choices = m_keywords});
         options.push_back({"--version", nullptr, "Print the version", &m_wantsVersion});
         return options;
     }
@@ -42,6 +50,11 @@ class ClShow : public ClCommand {
             ClOutput output;
             output << "quorlin " QUORLIN_VERSION "\n";
             return output.Finish() ? kExitDone : kShowCommand.trouble;
+        }
+        if (!m_keyword.empty()) {
+            if (!m_typeNames.empty() || m_format.IsGiven()) throw BadUsage_t{"-s takes no --type and no --format"};
+            m_source.CheckOne();
+            return PrintKeyword(m_source, m_keyword);
         }
         m_source.Check();
         m_format.Check(m_source);
@@ -65,6 +78,8 @@ class ClShow : public ClCommand {
   private:
     Source_t m_source;
     std::vector<std::string> m_typeNames;
+    std::vector<Choice_t> m_keywords;
+    std::string m_keyword;
     ClFormatOption m_format{kStructures};
     bool m_wantsVersion = false;
 };

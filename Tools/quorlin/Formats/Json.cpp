@@ -117,11 +117,11 @@ class ClJsonWriter : public ClWriter {
         m_list = &list;
         m_json.BeginObject();
         for (const auto& [name, text] : members) m_json.Member(name, text);
-        m_json.BeginList(list.name);
+        if (list.name != nullptr) m_json.BeginList(list.name);
     }
 
     void End() override {
-        m_json.EndList();
+        if (m_list->name != nullptr) m_json.EndList();
         m_json.EndObject();
         m_json.End();
     }
@@ -207,6 +207,14 @@ class ClJsonWriter : public ClWriter {
         m_json.EndObject();
     }
 
+    void Members(const Node_t::Members_t& members) override {
+        for (const auto& [name, node] : members) {
+            if (!m_isLine) m_json.Break();
+            m_json.Name(name);
+            PutNode(node);
+        }
+    }
+
     void Failed(std::string_view source, std::string_view error) override {
         m_json.BeginObject();
         m_json.Member("source", source);
@@ -216,6 +224,32 @@ class ClJsonWriter : public ClWriter {
     }
 
   private:
+    // Returns whether it is a text with invalid bytes.
+    bool PutNode(const Node_t& node) {
+        if (const auto* text = std::get_if<std::string>(&node.value)) return m_json.Text(*text);
+        if (const auto* number = std::get_if<uint64_t>(&node.value)) {
+            m_json.Number(*number);
+        } else if (const auto* truth = std::get_if<bool>(&node.value)) {
+            m_json.Truth(*truth);
+        } else if (const auto* list = std::get_if<Node_t::List_t>(&node.value)) {
+            m_json.BeginList();
+            for (const Node_t& each : *list) PutNode(each);
+            m_json.EndList();
+        } else if (const auto* members = std::get_if<Node_t::Members_t>(&node.value)) {
+            bool isReplaced = false;
+            m_json.BeginObject();
+            for (const auto& [name, each] : *members) {
+                m_json.Name(name);
+                isReplaced |= PutNode(each);
+            }
+            m_json.MarkReplaced(isReplaced);
+            m_json.EndObject();
+        } else {
+            m_json.Null();
+        }
+        return false;
+    }
+
     void PutCells(std::span<const Cell_t> cells) {
         const Column_t* column = m_list->columns.data();
         for (const Cell_t& cell : cells) {
@@ -332,7 +366,7 @@ std::unique_ptr<ClWriter> MakeNdjson(ClOutput& output, bool) { return std::make_
 
 constexpr Format_t kJsonFormat = {
     .name = {"json"},
-    .contents = kAnyContent,
+    .contents = kAnyContent | kObjects,
     .takesMany = false,
     .reportsErrors = false,
     .isSweep = false,
@@ -341,7 +375,7 @@ constexpr Format_t kJsonFormat = {
 
 constexpr Format_t kNdjsonFormat = {
     .name = {"ndjson"},
-    .contents = kStructures | kTableRows | kFactLists,
+    .contents = kStructures | kTableRows | kFactLists | kObjects,
     .takesMany = true,
     .reportsErrors = true,
     .isSweep = false,

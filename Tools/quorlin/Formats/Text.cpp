@@ -116,7 +116,7 @@ std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique
 
 constexpr Format_t kTextFormat = {
     .name = {"text", "for people"},
-    .contents = kAnyContent,
+    .contents = kAnyContent | kObjects,
     .takesMany = false,
     .reportsErrors = false,
     .isSweep = false,

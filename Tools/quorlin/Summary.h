@@ -1,0 +1,105 @@
+// What a machine is, from the facts of its table.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "Packages/Standard/Facts.h"
+
+// What isn't known, and what is a filler, is an empty text or none. Numbers are in the units of facts.
+using Known_t = std::optional<uint64_t>;
+
+struct Product_t {
+    std::string manufacturer, name, version, serialNumber, assetTag;
+};
+
+struct System_t {
+    Product_t product;
+    std::string uuid, skuNumber, family;
+};
+
+struct Chassis_t {
+    Product_t product;
+    std::string type;
+    Known_t height;
+};
+
+struct Firmware_t {
+    std::string vendor, version, date, release;
+    Known_t romSize;
+    bool isUefi = false, isVirtualMachine = false;
+};
+
+struct Processor_t {
+    std::string name, manufacturer, family;
+    Known_t cores, coresEnabled, threads, speed, maximumSpeed;
+    auto operator<=>(const Processor_t&) const = default;
+};
+
+struct Cache_t {
+    uint64_t level;
+    std::string kind;  // "Data" or "Instruction"; empty for both
+    uint64_t size;
+    auto operator<=>(const Cache_t&) const = default;
+};
+
+struct Module_t {
+    Known_t size;
+    std::string type, formFactor, manufacturer, partNumber;
+    Known_t speed, configuredSpeed;
+    auto operator<=>(const Module_t&) const = default;
+};
+
+struct Slot_t {
+    std::string type, width;
+    auto operator<=>(const Slot_t&) const = default;
+};
+
+// Equal things, and how many there are.
+template <class Kind>
+struct Group_t {
+    Kind kind;
+    uint64_t count = 0, used = 0, free = 0;
+};
+template <class Kind>
+using Groups_t = std::vector<Group_t<Kind>>;
+
+struct Summary_t {
+    System_t system;
+    Chassis_t chassis;
+    Product_t board;
+    Firmware_t firmware;
+    uint64_t sockets = 0;
+    Groups_t<Processor_t> processors;
+    Groups_t<Cache_t> caches;
+    uint64_t memorySlots = 0;
+    Known_t memoryInstalled, memoryMaximum;
+    std::string errorCorrection;
+    Groups_t<Module_t> modules;
+    Groups_t<Slot_t> slots;
+};
+
+Summary_t SummaryOf(std::span<const uint8_t> table, const FactOptions_t& options);
+
+// The sum over all groups of count, used or free.
+template <class Kind>
+uint64_t Sum(const Groups_t<Kind>& groups, uint64_t Group_t<Kind>::*what) {
+    uint64_t sum = 0;
+    for (const Group_t<Kind>& group : groups) sum += group.*what;
+    return sum;
+}
+// The sum over all things of a number of theirs; none if one of them doesn't have it, or if it is too large.
+template <class Kind>
+Known_t Total(const Groups_t<Kind>& groups, Known_t Kind::*what) {
+    uint64_t sum = 0;
+    for (const Group_t<Kind>& group : groups) {
+        const Known_t number = group.kind.*what;
+        if (!number || *number > (UINT64_MAX - sum) / group.count) return std::nullopt;
+        sum += *number * group.count;
+    }
+    return groups.empty() ? std::nullopt : Known_t(sum);
+}
