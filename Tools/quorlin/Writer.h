@@ -32,10 +32,15 @@ struct List_t {
 };
 
 // A value of a document without a list: null, text, number, truth, list, or named members.
+struct Member_t;
 struct Node_t {
     using List_t = std::vector<Node_t>;
-    using Members_t = std::vector<std::pair<const char*, Node_t>>;
+    using Members_t = std::vector<Member_t>;
     std::variant<std::monostate, std::string, uint64_t, bool, List_t, Members_t> value;
+};
+struct Member_t {
+    const char* name;
+    Node_t node;
 };
 
 // A document's own members, such as its source. The texts must live until the document ends.
