@@ -32,7 +32,7 @@ class ClOutput {
         m_text.append(count, ' ');
         return *this;
     }
-    // Whether a write failed, so that more output would be in vain.
+    // Whether a write failed, so that more output is useless.
     bool Failed() const { return m_failed; }
     // Writes what is left. False, with a line on standard error, if a write failed. A reader that went away is not a
     // failure.

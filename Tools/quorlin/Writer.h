@@ -80,7 +80,7 @@ class ClWriter {
     virtual void Failed(std::string_view, std::string_view) {}
     // Where a command writes lines for people. Null in formats for programs.
     virtual ClColumns* People() { return nullptr; }
-    // False once the output can't be written, so that more work would be in vain.
+    // False once the output can't be written, so that more work is useless.
     bool GoesOn() const { return !m_output.Failed(); }
 
   protected:

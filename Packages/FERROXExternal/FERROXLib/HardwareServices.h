@@ -50,7 +50,7 @@ const HardwareServices_t& CurrentHardware();
 // Sets the machine in use. The library must be closed, and `hardware` must outlive its use.
 void UseHardware(const HardwareServices_t& hardware);
 
-// Closes what a failed FERROXInitialize has left open, and gives back its use of the driver, for a caller that won't
+// Closes what a failed FERROXInitialize has left open, and releases its use of the driver, for a caller that won't
 // try again. Does nothing while the library is open.
 void EndFailedStart();
 

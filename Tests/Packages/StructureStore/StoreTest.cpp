@@ -78,7 +78,7 @@ TEST(Records, OfMostTypesAreTheStructureItself) {
     const ClStore store(table);
     const std::vector<uint8_t*> records = store.Records(7);
     ASSERT_EQ(records.size(), 2u);
-    Bytes_t whole = {7, 0, 0, 0};  // the type before the structure, and zeros behind it
+    Bytes_t whole = {7, 0, 0, 0};  // the type before the structure, and zeros after it
     whole.insert(whole.end(), image.begin(), image.end());
     whole.resize(whole.size() + kSpareBytes, 0);
     EXPECT_EQ(Bytes_t(records[0], records[0] + whole.size()), whole);

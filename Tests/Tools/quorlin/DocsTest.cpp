@@ -121,7 +121,7 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
                               R"("title":"","items":[]}]})",
                               R"({"source":"a","smbios":"3.0","findings":[{"rule":"new","offset":0,"text":""}]})"})
         EXPECT_NE(Problem(wrong), "") << wrong;
-    // A string of all bytes, a title's structure cut short, and damage in front of it all.
+    // A string of all bytes, a title's structure cut short, and damage before all of it.
     std::string bytes;
     for (unsigned byte = 1; byte < 256; byte++) bytes += static_cast<char>(byte);
     const std::vector<uint8_t> table = TableOf({ClStructureBuilder(11, 5).Byte(4, 2).Strings({bytes, "\xED\xA0\x80"}),
