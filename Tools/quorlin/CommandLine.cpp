@@ -115,17 +115,18 @@ bool ParseNumber(std::string_view text, uint64_t most, uint64_t* value) {
 
 uint16_t ParseHandle(const std::string& text) {
     uint64_t handle;
-    if (!ParseHex(text, 0xFFFF, &handle))
-        throw BadUsage_t{"'" + text + "' is not a 16-bit handle; write it as 17, 0x11 or 11h"};
-    const char last = text.back();
-    if (text.starts_with("0x") || text.starts_with("0X") || last == 'h' || last == 'H')
-        return static_cast<uint16_t>(handle);
-    const std::string plain = text.substr(std::min(text.find_first_not_of('0'), text.size() - 1));
-    const bool hasLetter = text.find_first_not_of("0123456789") != text.npos;
-    if (hasLetter || plain != text)
-        throw BadUsage_t{"'" + text + "' is ambiguous; write " + (hasLetter ? "" : plain + " for decimal, ") + "0x" +
-                         plain + " or " + plain + "h for hexadecimal"};
-    if (!ParseNumber(text, 0xFFFF, &handle)) throw BadUsage_t{"'" + text + "' is not a 16-bit handle"};
+    const BadUsage_t bad = {"'" + text + "' is not a 16-bit handle; write it as 17, 0x11 or 11h"};
+    if (!ParseHex(text, UINT64_MAX, &handle)) throw bad;
+    const bool isHex = text.starts_with("0x") || text.starts_with("0X") || text.ends_with('h') || text.ends_with('H');
+    if (!isHex) {
+        const std::string plain = text.substr(std::min(text.find_first_not_of('0'), text.size() - 1));
+        const bool hasLetter = text.find_first_not_of("0123456789") != text.npos;
+        if (hasLetter || plain != text)
+            throw BadUsage_t{"'" + text + "' is ambiguous; write " + (hasLetter ? "" : plain + " for decimal, ") +
+                             "0x" + plain + " or " + plain + "h for hexadecimal"};
+        ParseNumber(text, UINT64_MAX, &handle);
+    }
+    if (handle > 0xFFFF) throw bad;
     return static_cast<uint16_t>(handle);
 }
 

@@ -317,6 +317,7 @@ TEST(Program, TakesFilesAndStreamsAndTypesAsUsersNameThem) {
     EXPECT_EQ(types("--type=Memory,slot"), "5 6 16 17 9 ");
     EXPECT_EQ(RunQuorlin("raw --sample --handle 0x400").output, RunQuorlin("raw --sample --handle 1024").output);
     EXPECT_EQ(RunQuorlin("raw --sample --handle 400h").output, RunQuorlin("raw --sample --handle 1024").output);
+    EXPECT_EQ(RunQuorlin("raw --sample --handle 65535").exitCode, 1);  // more digits than in hexadecimal
     const std::string csv = RunQuorlin("types --format csv --image " + a + " --image " + a).output;
     EXPECT_TRUE(csv.starts_with("image,type,count,title,decoded\r\n" + a + ",3,1,")) << csv;
     EXPECT_EQ(csv.find("image,", 1), csv.npos) << csv;
