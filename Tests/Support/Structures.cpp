@@ -1,6 +1,7 @@
 #include "Tests/Support/Structures.h"
 
 #include <gtest/gtest.h>
+#include <random>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Sources/Quorlin.h"
@@ -81,6 +82,23 @@ std::vector<uint8_t> TableOf(const std::vector<ClStructureBuilder>& structures) 
     }
     table.insert(table.end(), {127, 4, 0xFF, 0xFE, 0, 0});
     return table;
+}
+
+std::vector<uint8_t> TableOfAllTypes(unsigned step) {
+    std::mt19937 random(3);
+    std::vector<ClStructureBuilder> structures;
+    for (unsigned type = 0; type < 134; type++) {
+        if (type == 127 || (type > 48 && type < 124)) continue;
+        for (unsigned length = 4; length <= 110; length += step) {
+            ClStructureBuilder structure(static_cast<uint8_t>(type), static_cast<uint8_t>(length),
+                                         static_cast<uint16_t>(random()));
+            for (unsigned place = 4; place < length; place++)
+                structure.Byte(place, static_cast<uint8_t>(random() % (random() % 2 == 0 ? 5 : 256)));
+            if (random() % 4 != 0) structure.Strings({"One", "Default string", std::string(1 + random() % 20, 'x')});
+            structures.push_back(structure);
+        }
+    }
+    return TableOf(structures);
 }
 
 ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestMachine_t& machine) {

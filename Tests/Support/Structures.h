@@ -61,6 +61,10 @@ class ClItems {
 // A table of these structures and an End-of-Table structure.
 std::vector<uint8_t> TableOf(const std::vector<ClStructureBuilder>& structures);
 
+// A table with structures of all types that the standard has, and of some others, in every `step`-th length up to 110.
+// Their bytes are random, the same in each run, and often small, as those make short lists.
+std::vector<uint8_t> TableOfAllTypes(unsigned step);
+
 // The items of structures of `type` in this table; of a sweep if `type` is 255.
 ClItems DecodeTable(const std::vector<uint8_t>& table, uint8_t type, const TestMachine_t& machine = {});
 // The items of one structure, decoded by its own type.

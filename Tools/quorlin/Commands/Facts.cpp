@@ -10,6 +10,22 @@ namespace {
 
 constexpr List_t kList = {.name = "structures", .columns = kFactColumns};
 
+// Whether any type has a fact with this key.
+bool IsKey(std::string_view key) {
+    for (unsigned type = 0; type < 256; type++) {
+        const StandardType_t table = FindStandardType(static_cast<uint8_t>(type));
+        for (const StandardField_t& field : table.fields)
+            if (table.Text(field.key) == key) return true;
+    }
+    return false;
+}
+
+bool HasAny(const FactStructure_t& structure) {
+    bool isFound = false;
+    structure.ForEach([&](const ClFacts&, const Fact_t&) { isFound = true; });
+    return isFound;
+}
+
 class ClFactsCommand : public ClCommand {
   public:
     std::vector<Option_t> Options() override {
@@ -17,7 +33,8 @@ class ClFactsCommand : public ClCommand {
         options.push_back({"file", "FILE", "Images to read, as --image takes them", &m_source.images});
         options.push_back(TypeOption(&m_typeNames));
         options.push_back({"--handle", "H", "Only the structures of handle H: 17, 0x11 or 11h", &m_handleText});
-        options.push_back({"--key", "KEY", "Only these facts, such as memory_size", &m_choice.keys});
+        options.push_back({"--key", "KEY", "Only facts with this key, such as memory_size; may be given more than once",
+                           &m_choice.keys});
         options.push_back(
             {"--full", nullptr, "In JSON, units, states, bytes, offsets and sources as well", &m_choice.isFull});
         options.push_back({"--where", nullptr, "In text, offsets, bytes and states as well", &m_choice.showsWhere});
@@ -29,6 +46,8 @@ class ClFactsCommand : public ClCommand {
     int Run() override {
         m_source.Check();
         m_format.Check(m_source);
+        for (const std::string& key : m_choice.keys)
+            if (!IsKey(key)) throw BadUsage_t{"unknown key '" + key + "'; try quorlin facts --sample --format csv"};
         const std::vector<uint8_t> types = TypesByName(m_typeNames);
         const bool takesAnyHandle = m_handleText.empty();
         const uint16_t handle = takesAnyHandle ? uint16_t{0} : ParseHandle(m_handleText);
@@ -48,7 +67,8 @@ class ClFactsCommand : public ClCommand {
                                        continue;
                                    if (!takesAnyHandle && structure.Handle() != handle) continue;
                                    const auto offset = static_cast<uint32_t>(structure.data - bytes.data());
-                                   writer.Facts({structure, instance, offset, options, m_choice});
+                                   const FactStructure_t shown = {structure, instance, offset, options, m_choice};
+                                   if (m_choice.keys.empty() || HasAny(shown)) writer.Facts(shown);
                                    if (!writer.GoesOn()) break;
                                }
                                return kExitDone;
