@@ -3,79 +3,9 @@
 #include <iterator>
 
 #include "Packages/Standard/Facts.h"
+#include "Packages/Standard/FillerLists.h"
 
 namespace {
-
-constexpr size_t kLongest = 28;
-
-// Texts that firmware is delivered with, and that nobody replaced. In lower case and in rising order, without blanks
-// around them.
-constexpr char kFillers[][kLongest] = {
-    "/ / /",
-    "[empty]",
-    "asset tag",
-    "asset-1234567890",
-    "base board asset tag",
-    "base board serial number",
-    "board serial number",
-    "board version",
-    "chassis asset tag",
-    "chassis manufacture",
-    "chassis manufacturer",
-    "chassis serial number",
-    "chassis version",
-    "default",
-    "default string",
-    "empty",
-    "fill by oem",
-    "filled by oem",
-    "invalid",
-    "n/a",
-    "na",
-    "no asset information",
-    "no asset tag",
-    "no dimm",
-    "no enclosure",
-    "none",
-    "not applicable",
-    "not available",
-    "not defined",
-    "not provided",
-    "not specified",
-    "null",
-    "o.e.m.",
-    "oem",
-    "oem chassis manufacturer",
-    "oem chassis serial number",
-    "product name",
-    "product_line",
-    "product_sku",
-    "serial number",
-    "sku",
-    "system asset tag",
-    "system manufacturer",
-    "system name",
-    "system product name",
-    "system serial number",
-    "system sku",
-    "system version",
-    "tbd",
-    "tobefilledbyo.e.m.",
-    "type1family",
-    "type1productconfigid",
-    "type1sku",
-    "undefined",
-    "unknown",
-    "unspecified",
-    "x.x",
-};
-// Begins of such texts.
-constexpr char kFillerBegins[][kLongest] = {"to be filled by", "be filled by o.e.m.", "type2 - board ",
-                                            "sku=notprovided"};
-// Texts that come with a number behind them, such as "SerNum00".
-constexpr char kNumberedFillers[][kLongest] = {
-    "array_partnumber", "assettagnum", "manufacturer", "modulepartnumber", "partnum", "sernum",
-};
 
 // Whether a text is of digits that count up or down, such as "12345678".
 bool IsCounting(std::string_view text) {
@@ -89,8 +19,6 @@ bool IsCounting(std::string_view text) {
 }
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-constexpr char kRepeated[] = "0fx.-*?_#";
 
 // What a text that begins with this character may be: bit n, one of the fillers of n characters; and
 constexpr uint32_t kMayBegin = 1u << 28;   // a begin of one
@@ -108,7 +36,7 @@ constexpr Hints_t kHints = [] {
     for (const char* filler : kFillers) add(filler[0], 1u << std::char_traits<char>::length(filler));
     for (const char* begin : kFillerBegins) add(begin[0], kMayBegin);
     for (const char* filler : kNumberedFillers) add(filler[0], kMayNumber);
-    for (const char c : kRepeated)
+    for (const char c : kRepeatedFillers)
         if (c != '\0') add(c, kMayRepeat);
     return hints;
 }();
@@ -132,13 +60,11 @@ bool IsFiller(std::string_view text) {
     if (!MayBeFiller(text)) return false;
     // One character again and again: zeros, Fs, Xs, dots, dashes.
     const char first = Lower(text.front());
-    if (strchr(kRepeated, first) != nullptr &&
-        (text.size() > 1 || first == '.' || first == '-' || first == '*' || first == '?' || first == '_' ||
-         first == '#') &&
+    if (strchr(kRepeatedFillers, first) != nullptr && (text.size() > 1 || strchr(kLoneFillers, first) != nullptr) &&
         std::ranges::all_of(text, [=](char c) { return Lower(c) == first; }))
         return true;
-    char lower[kLongest] = {};
-    const size_t size = std::min(text.size(), kLongest - 1);
+    char lower[kLongestFiller] = {};
+    const size_t size = std::min(text.size(), kLongestFiller - 1);
     std::transform(text.begin(), text.begin() + static_cast<ptrdiff_t>(size), lower, Lower);
     if (text.size() == size) {
         const auto isLess = [](const char* a, const char* b) { return strcmp(a, b) < 0; };

@@ -2,53 +2,20 @@
 //
 // With --check PAGE it compares the page with that text. With --shown it reads the program's `lines` output on standard
 // input, and expects each item's key under its type.
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "Sources/Decoders.h"
 #include "Sources/SharedWords.h"
+#include "Tools/docs/Page.h"
 
 namespace {
 
 using namespace std::string_literals;
-
-// Text of an item, as code in a cell of a table.
-std::string Code(std::string_view text) {
-    std::string code = "`";
-    for (const char character : text) {
-        if (character == '\t')
-            code += "\\t";
-        else if (character == '|')
-            code += "\\|";
-        else
-            code += character;
-    }
-    return code += '`';
-}
-
-// A paragraph in lines of at most 120 characters, broken after semicolons.
-std::string Wrapped(std::string_view text) {
-    std::string wrapped;
-    size_t column = 0;
-    while (!text.empty()) {
-        const std::string_view entry = text.substr(0, std::min(text.find("; "), text.size() - 1) + 1);
-        text.remove_prefix(std::min(entry.size() + 1, text.size()));
-        if (column != 0 && column + 1 + entry.size() > 120) {
-            wrapped += '\n';
-            column = 0;
-        }
-        if (column != 0) wrapped += ' ';
-        wrapped += entry;
-        column += entry.size() + 1;
-    }
-    return wrapped + "\n";
-}
 
 std::string Hex(uint64_t value, uint32_t digits) { return ClSMBIOSType::GetHexString(value, digits); }
 
@@ -275,14 +242,8 @@ int Run(const std::vector<std::string>& arguments) {
         std::cout << WholePage();
         return 0;
     }
-    if (arguments[0] == "--check" && arguments.size() == 2) {
-        std::ifstream file(arguments[1], std::ios::binary);
-        std::ostringstream page;
-        page << file.rdbuf();
-        if (page.str() == WholePage()) return 0;
-        std::cerr << arguments[1] << " isn't what the decoders' tables say; write it anew with write_items\n";
-        return 1;
-    }
+    if (arguments[0] == "--check" && arguments.size() == 2)
+        return HasContent(arguments[1], WholePage(), "write_items") ? 0 : 1;
     if (arguments[0] == "--shown" && arguments.size() == 1) {
         const std::vector<std::string> missing = MissingKeys(std::cin);
         for (const std::string& line : missing) std::cerr << line << "\n";

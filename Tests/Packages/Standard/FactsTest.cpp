@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -317,6 +318,35 @@ TEST(Standard, EnumerationsRise) {
         }
     }
     EXPECT_GT(enumerations, 70u);
+}
+
+// All codes of the enumerations at a fixed place, also those that the standard doesn't assign.
+TEST(Standard, EveryCodeReadsItsWord) {
+    size_t codes = 0;
+    for (unsigned number = 0; number < 256; number++) {
+        const StandardType_t type = FindStandardType(static_cast<uint8_t>(number));
+        for (const StandardField_t& field : type.TopFields()) {
+            if (field.form != Form_t::kCode || !field.isPlain) continue;
+            const std::string key(type.Text(field.key));
+            const unsigned end = 1u << std::min(field.IsPart() ? field.bits : field.width * 8, 10);
+            for (unsigned code = 0; code < end; code++) {
+                const auto isCode = [=](const auto& row) { return code >= row.first && code <= row.last; };
+                if (std::ranges::any_of(type.Specials(field), isCode)) continue;
+                const auto rows = type.Codes(field);
+                const auto row = std::ranges::find_if(rows, isCode);
+                const std::string word(row == rows.end() ? "" : type.Text(row->word));
+                const FactState_t state = row == rows.end() ? FactState_t::kReserved : row->state;
+                const std::string prefix =
+                    state == FactState_t::kValue ? "" : std::string(kStates[static_cast<size_t>(state)]) + ":";
+                EXPECT_EQ(FactOf(Of(type.type, 120).Word(field.offset, static_cast<uint16_t>(code << field.low)), key,
+                                 {.version = 0x0309}),
+                          prefix + word)
+                    << "type " << number << ", " << key << ", code " << code;
+                codes++;
+            }
+        }
+    }
+    EXPECT_GT(codes, 10000u);
 }
 
 }  // namespace

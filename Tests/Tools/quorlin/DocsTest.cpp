@@ -100,22 +100,34 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
     fs::current_path(before);
 }
 
-// Empty for a document that the schema of Docs allows; otherwise what is wrong.
-std::string Problem(const std::string& text) {
-    static const rapidjson::SchemaDocument schema = [] {
+// A schema of Docs.
+class ClSchema {
+  public:
+    explicit ClSchema(const std::string& name) : m_schema(Read(name)) {}
+
+    // Empty for a document that the schema allows; otherwise what is wrong.
+    std::string Problem(const std::string& text) const {
         rapidjson::Document document;
-        document.Parse(ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/json-schema.json").c_str());
+        document.Parse<rapidjson::kParseValidateEncodingFlag>(text.c_str(), text.size());
+        if (document.HasParseError()) return rapidjson::GetParseError_En(document.GetParseError());
+        rapidjson::SchemaValidator validator(m_schema);
+        return document.Accept(validator) ? "" : "not of the schema";
+    }
+
+  private:
+    static rapidjson::Document Read(const std::string& name) {
+        rapidjson::Document document;
+        document.Parse(ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/" + name).c_str());
         EXPECT_FALSE(document.HasParseError());
-        return rapidjson::SchemaDocument(document);
-    }();
-    rapidjson::Document document;
-    document.Parse<rapidjson::kParseValidateEncodingFlag>(text.c_str(), text.size());
-    if (document.HasParseError()) return rapidjson::GetParseError_En(document.GetParseError());
-    rapidjson::SchemaValidator validator(schema);
-    return document.Accept(validator) ? "" : "not of the schema";
-}
+        return document;
+    }
+
+    rapidjson::SchemaDocument m_schema;
+};
 
 TEST(Docs, TheSchemaHoldsForEveryDocument) {
+    const ClSchema schema("json-schema.json");
+    const auto Problem = [&](const std::string& text) { return schema.Problem(text); };
     for (const char* wrong : {"{}", "[]", R"({"source":"a","smbios":"3.0","structures":[],"more":1})",
                               R"({"source":"a","smbios":"3.0","structures":[{"type":256,"handle":0,"instance":1,)"
                               R"("title":"","items":[]}]})",
@@ -139,6 +151,45 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
     for (const char* command : {"", "summary "})
         EXPECT_EQ(Problem(RunQuorlin(command + std::string("--sample --format json")).output), "") << command;
     EXPECT_EQ(Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
+}
+
+// A document with one structure of type 17 that has these facts.
+std::string ModuleWith(const std::string& facts) {
+    return R"({"source":"a","smbios":"3.4","structures":[{"type":17,"name":"Memory Device","handle":60,"instance":1,)"
+           R"("offset":4711,"length":92,"facts":{)" +
+           facts + "}}]}";
+}
+
+TEST(Docs, TheSchemaOfFactsHoldsForAllTables) {
+    const ClSchema schema("facts-schema.json");
+    for (const char* right :
+         {R"("memory_size":68719476736,"memory_type":"DDR5","type_detail":["Synchronous"],"asset_tag":null)",
+          R"("memory_type":"0x26")",
+          R"("memory_size":{"value":1024,"unit":"byte","state":"value","from":["size","extended_size"]},)"
+          R"("asset_tag":{"state":"none","raw":"00","offset":25,"size":1})"})
+        EXPECT_EQ(schema.Problem(ModuleWith(right)), "") << right;
+    for (const char* wrong :
+         {R"("memory_size":"64 GiB")", R"("memory_size":-1)", R"("memory_type":"DDR6")",
+          R"("type_detail":"Synchronous")", R"("type_detail":["New"])", R"("core_count":4)",
+          R"("asset_tag":{"value":"x","state":"none"})", R"("asset_tag":{"state":"value"})",
+          R"("asset_tag":{"value":"x","state":"good"})", R"("memory_size":{"value":"64 GiB","state":"value"})",
+          R"("memory_size":1,"asset_tag":{"value":"x","state":"value"})"})
+        EXPECT_NE(schema.Problem(ModuleWith(wrong)), "") << wrong;
+    EXPECT_NE(schema.Problem("{}"), "");
+
+    std::vector<std::string> sources = {
+        " --sample", " --image " + testing::TempDir() + "no-such-file",
+        " --as table --smbios-version 3.9 --image " + WriteFile("all-types.bin", TableOfAllTypes(1))};
+    const fs::path images = QUORLIN_SOURCE_DIR "/../shared/tables";
+    if (fs::exists(images))
+        for (const fs::directory_entry& entry : fs::directory_iterator(images))
+            if (entry.path().extension() == ".bin") sources.push_back(" --image " + entry.path().string());
+    for (const std::string& source : sources)
+        for (const char* form : {"", " --full --absent"}) {
+            const std::string output = RunQuorlin("facts --format ndjson" + source + form).output;
+            EXPECT_EQ(schema.Problem(output), "") << source << form << "\n" << output.substr(0, 2000);
+        }
+    EXPECT_EQ(schema.Problem(RunQuorlin("facts --sample --format json").output), "");
 }
 
 }  // namespace
