@@ -100,11 +100,16 @@ quorlin_status CopyMachine(quorlin_fact_table& table, const Choose& choose) {
 #define SAME_PLACE(member, cMember) offsetof(Fact_t, member) == offsetof(quorlin_fact, cMember)
 static_assert(SAME_PLACE(field, reserved) && SAME_PLACE(key, key_size) && SAME_PLACE(name, name_size) &&
               SAME_PLACE(kind, kind) && SAME_PLACE(state, state) && SAME_PLACE(unit, unit) &&
-              SAME_PLACE(isSigned, is_signed) && SAME_PLACE(isReference, is_reference) && SAME_PLACE(offset, offset) &&
-              SAME_PLACE(size, size) && SAME_PLACE(record, record) && SAME_PLACE(number, number) &&
-              SAME_PLACE(text, text_size) && SAME_PLACE(string, string_size));
+              SAME_PLACE(isSigned, is_signed) && SAME_PLACE(isReference, is_reference) &&
+              SAME_PLACE(isDerived, is_derived) && SAME_PLACE(offset, offset) && SAME_PLACE(size, size) &&
+              SAME_PLACE(record, record) && SAME_PLACE(number, number) && SAME_PLACE(text, text_size) &&
+              SAME_PLACE(string, string_size));
 static_assert(sizeof(Fact_t) == sizeof(quorlin_fact) && std::is_standard_layout_v<Fact_t>);
 static_assert(sizeof(std::string_view) == sizeof(size_t) + sizeof(const char*));
+
+const quorlin_structure* StructureAt(const quorlin_fact_table* table, uint32_t index) {
+    return table != nullptr && index < table->structures.size() ? &table->structures[index] : nullptr;
+}
 
 // Returns the fact at which a walk is; null before the first and after the last one.
 const Fact_t* FactOf(const quorlin_fact_walk* walk) {
@@ -169,7 +174,7 @@ uint32_t quorlin_structure_count(const quorlin_fact_table* table) {
 }
 
 const quorlin_structure* quorlin_structure_at(const quorlin_fact_table* table, uint32_t index) {
-    return index < quorlin_structure_count(table) ? &table->structures[index] : nullptr;
+    return StructureAt(table, index);
 }
 
 quorlin_status quorlin_walk_open(const quorlin_fact_table* table, quorlin_fact_walk** walk) {
@@ -186,7 +191,7 @@ void quorlin_walk_close(quorlin_fact_walk* walk) { delete walk; }
 
 quorlin_status quorlin_walk_begin(quorlin_fact_walk* walk, uint32_t index, int with_absent) {
     if (walk == nullptr) return QUORLIN_NULL_POINTER;
-    const quorlin_structure* structure = quorlin_structure_at(walk->table, index);
+    const quorlin_structure* structure = StructureAt(walk->table, index);
     if (structure == nullptr) return QUORLIN_BAD_VALUE;
     const ImageSource_t& source = walk->table->image.source;
     const FactOptions_t options = {

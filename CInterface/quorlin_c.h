@@ -195,12 +195,13 @@ typedef struct quorlin_fact {
     size_t string_size;
     const char* string; /* the bytes of a text in the structure's strings; never null */
     uint8_t kind;       /* QUORLIN_NUMBER and so on */
-    uint8_t state;      /* QUORLIN_IS_VALUE and so on */
     uint8_t unit;       /* of number; quorlin_unit_text has its name */
+    uint16_t offset;    /* of its bytes in the structure: structure->bytes + offset */
+    uint16_t size;      /* of its bytes; 0 for derived facts and for strings of a list */
+    uint8_t state;      /* QUORLIN_IS_VALUE and so on */
     uint8_t is_signed;
     uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
-    uint16_t offset;      /* of its bytes in the structure: structure->bytes + offset */
-    uint16_t size;        /* of its bytes; 0 for derived facts and for strings of a list */
+    uint8_t is_derived;   /* made from other facts, whose keys quorlin_walk_source has */
     int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
 } quorlin_fact;
 

@@ -82,30 +82,19 @@ bool HasCpuid(uint64_t family) {
 }  // namespace
 
 void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& fact) {
-    const StandardField_t& from = area.fields[field.from[0]];
-    if (field.derivation == Derivation_t::kFirstUsable && from.isPlain &&
-        area.begin + from.offset + from.width <= area.end) {
-        // Most of these need no other source, so the first one is read into the fact itself.
-        Decode(from, area.begin + from.offset, from.width, fact);
-        fact.offset = fact.size = 0;
-        fact.string = "";
-        if (!fact.isReference) {
-            if (!fact.IsValue() && fact.kind != FactKind_t::kCode) fact.number = 0;
-            return;
-        }
-        fact.isReference = false;
-    }
     const Fact_t first = Source(area, field, 0);
-    const Fact_t second = Source(area, field, 1);
+    const auto second = [&] { return Source(area, field, 1); };
     const auto take = [&fact](const Fact_t& source) {
         fact.state = source.state;
         fact.number = source.number;
         fact.text = source.text;
     };
     // The value of a field, or of the one that it refers to.
-    const auto firstUsable = [&](const Fact_t& a, const Fact_t& b) {
-        take(a.isReference ? b : a);
-        if (!a.isReference || b.state != FactState_t::kAbsent) return;
+    const auto firstUsable = [&](const Fact_t& a, const auto& other) {
+        if (!a.isReference) return take(a);
+        const Fact_t b = other();
+        take(b);
+        if (b.state != FactState_t::kAbsent) return;
         // Before the other field was there, the number of most fields meant itself.
         fact.text = "";
         const Form_t form = a.field->form;
@@ -123,8 +112,9 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
     switch (field.derivation) {
         case Derivation_t::kFirstUsable: firstUsable(first, second); break;
         case Derivation_t::kIsoDate: {
-            take(first.field->form == Form_t::kText && first.state == FactState_t::kNone && field.sources == 2 ? second
-                                                                                                               : first);
+            take(first.field->form == Form_t::kText && first.state == FactState_t::kNone && field.sources == 2
+                     ? second()
+                     : first);
             if (fact.state != FactState_t::kValue || first.state == FactState_t::kNone) break;
             const std::optional<Date_t> date = ParseDate(fact.text);
             fact.text = "";
@@ -138,10 +128,11 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
             break;
         }
         case Derivation_t::kRelease: {
-            take(first.IsValue() ? second : first);
+            const Fact_t minor = second();
+            take(first.IsValue() ? minor : first);
             fact.number = 0;
-            if (!first.IsValue() || !second.IsValue()) break;
-            SetText(ClShortText().AddNumber(first.number).Add(".").AddNumber(second.number).View(), fact);
+            if (!first.IsValue() || !minor.IsValue()) break;
+            SetText(ClShortText().AddNumber(first.number).Add(".").AddNumber(minor.number).View(), fact);
             break;
         }
         case Derivation_t::kRealModeAddress:
@@ -155,7 +146,7 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
         case Derivation_t::kProcessorSignature:
         case Derivation_t::kProcessorFeatures: {
             take(first);
-            Fact_t family = Source(area, field, 1);
+            Fact_t family = second();
             if (family.isReference) family = Source(area, field, 2);
             if (!first.IsValue()) break;
             const auto eax = static_cast<uint32_t>(first.number);
@@ -193,12 +184,12 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
             break;
         }
         case Derivation_t::kPciAddress: {
-            const Fact_t third = Source(area, field, 2);
-            take(first.IsValue() ? second.IsValue() ? third : second : first);
+            const Fact_t bus = second(), device = Source(area, field, 2);
+            take(first.IsValue() ? bus.IsValue() ? device : bus : first);
             if (fact.state != FactState_t::kValue) break;
             ClShortText text;
-            text.AddNumber(first.number, 4, 16).Add(":").AddNumber(second.number, 2, 16).Add(":");
-            text.AddNumber(third.number >> 3, 2, 16).Add(".").AddNumber(third.number & 7);
+            text.AddNumber(first.number, 4, 16).Add(":").AddNumber(bus.number, 2, 16).Add(":");
+            text.AddNumber(device.number >> 3, 2, 16).Add(".").AddNumber(device.number & 7);
             SetText(text.View(), fact);
             fact.number = 0;
             break;
@@ -212,7 +203,7 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
             const Fact_t last = Source(area, field, 2);
             if (fact.state != FactState_t::kValue) break;
             const uint64_t begin = fact.number;
-            firstUsable(last, Source(area, field, 3));
+            firstUsable(last, [&] { return Source(area, field, 3); });
             if (fact.state != FactState_t::kValue) break;
             const uint64_t end = last.isReference ? fact.number : fact.number + 1023;
             fact.number = end - begin + 1;
@@ -221,18 +212,19 @@ void ClFacts::Derive(const Area_t& area, const StandardField_t& field, Fact_t& f
         }
         case Derivation_t::kBatteryCapacity:
             take(first);
-            if (second.IsValue() && second.number != 0) fact.number = first.number * second.number;
+            if (const Fact_t factor = second(); factor.IsValue() && factor.number != 0)
+                fact.number = first.number * factor.number;
             break;
         case Derivation_t::kIpmiAddress: {
-            const Fact_t interface = Source(area, field, 2);
+            const Fact_t modifier = second(), interface = Source(area, field, 2);
             take(first);
-            fact.number = (first.number & ~1ull) | (second.IsValue() ? second.number >> 4 & 1 : 0);
+            fact.number = (first.number & ~1ull) | (modifier.IsValue() ? modifier.number >> 4 & 1 : 0);
             if (interface.number == 4) fact.state = FactState_t::kNone;  // SSIF has an address on a bus
             break;
         }
         case Derivation_t::kTpmFirmwareVersion: {
-            const Fact_t major = Source(area, field, 2);
-            take(second.IsValue() ? first : second);
+            const Fact_t low = second(), major = Source(area, field, 2);
+            take(low.IsValue() ? first : low);
             if (fact.state != FactState_t::kValue) break;
             fact.number = 0;
             ClShortText text;

@@ -55,12 +55,6 @@ StandardType_t TableFor(const TableStructure_t& structure, StandardVersion_t ver
     return FindStandardType(structure.Type());
 }
 
-// Firmware of 2.3.1 wrote 2.31 or 2.33, which would be a version after 2.6.
-FactOptions_t WithUsualVersion(FactOptions_t options) {
-    if (options.version == 0x021F || options.version == 0x0221) options.version = 0x0203;
-    return options;
-}
-
 constexpr char kHexDigits[] = "0123456789abcdef";
 
 }  // namespace
@@ -95,24 +89,26 @@ std::string_view ClStrings::Get(uint32_t number) const {
 }
 
 ClFacts::ClFacts(const TableStructure_t& structure, const FactOptions_t& options)
-    : m_data(structure.data),
-      m_type(TableFor(structure, options.version)),
-      m_options(WithUsualVersion(options)),
-      m_strings(structure) {
-    m_structure.fields = m_type.TopFields();
+    : m_data(structure.data), m_type(TableFor(structure, options.version)), m_options(options), m_strings(structure) {
+    m_fact.field = nullptr;
+    m_structure.SetFields(m_type.TopFields());
+    m_structure.begin = 0;
     m_structure.end = FormattedEnd(structure);
+    m_structure.count = 0;
+    m_structure.hasCount = false;
 }
 
 // Next for all fields.
 const Fact_t* ClFacts::NextOfAny() {
     for (;;) {
         if (m_list != nullptr) {
-            if (m_record.place < m_record.fields.size()) {
+            if (m_record.next != m_record.last) {
                 if (ReadField(m_record, m_recordNumber)) return &m_fact;
             } else if (!StartRecord()) {
                 m_list = nullptr;
+                m_structure.stop = m_structure.last;
             }
-        } else if (m_structure.place < m_structure.fields.size()) {
+        } else if (m_structure.next != m_structure.last) {
             if (ReadField(m_structure, -1)) return &m_fact;
         } else {
             m_fact.field = nullptr;
@@ -122,7 +118,7 @@ const Fact_t* ClFacts::NextOfAny() {
 }
 
 std::string_view ClFacts::SourceKey(const Fact_t& fact, uint32_t source) const {
-    const std::span<const StandardField_t> fields = fact.record < 0 ? m_structure.fields : m_record.fields;
+    const StandardField_t* const fields = fact.record < 0 ? m_structure.fields : m_record.fields;
     return m_type.Text(fields[fact.field->from[source]].key);
 }
 
@@ -143,6 +139,7 @@ bool ClFacts::HasRoom(const StandardField_t& field, const Area_t& area, uint32_t
 
 // Whether a number is one of the field's values that aren't numbers. Sets state and text then.
 bool ClFacts::SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& fact) const {
+    if (field.specials == 0) return false;
     for (const StandardSpecial_t& special : m_type.Specials(field)) {
         if (number < special.first || number > special.last) continue;
         fact.state = special.state;
@@ -153,42 +150,38 @@ bool ClFacts::SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& 
     return false;
 }
 
-// Begins a fact that has nothing of the structure yet.
-void ClFacts::Start(const StandardField_t& field, int record) {
+// Begins a fact with its bytes, of which nothing is read yet. The order of the members saves instructions.
+void ClFacts::Start(const StandardField_t& field, int record, uint16_t offset, uint16_t size) {
     Fact_t& fact = m_fact;
     fact.field = &field;
     fact.key = m_type.Text(field.key);
     fact.name = m_type.Text(field.name);
-    fact.kind = field.kind;
-    fact.state = FactState_t::kValue;
-    fact.unit = field.unit;
-    fact.isSigned = false;
-    fact.isReference = false;
-    fact.offset = 0;
-    fact.size = 0;
-    fact.record = record;
     fact.number = 0;
     fact.text = "";
     fact.string = "";
+    fact.kind = field.kind;
+    fact.unit = field.unit;
+    fact.offset = offset;
+    fact.size = size;
+    fact.state = FactState_t::kValue;
+    fact.isSigned = false;
+    fact.isReference = false;
+    fact.isDerived = false;
+    fact.record = record;
 }
 
-// Tells cheaply of most absent fields that they are. Counts and steps have to be read, as lists need them.
-bool ClFacts::IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) const {
-    const StandardField_t& read = field.sources != 0 ? area.fields[field.from[0]] : field;
-    return read.isPlain && area.begin + read.offset + read.width > area.end &&
-           field.derivation != Derivation_t::kTpmFirmwareVersion;
-}
-
-// Ends a field that has no parts' states to take over.
-const Fact_t* ClFacts::End(Area_t& area) const {
-    area.wholeState = m_fact.state;
-    area.wholeText = m_fact.text;
+// Ends a field that isn't a part.
+const Fact_t* ClFacts::End(const StandardField_t& field, Area_t& area) const {
+    if (field.hasParts) {
+        area.wholeState = m_fact.state;
+        area.wholeText = m_fact.text;
+    }
     return &m_fact;
 }
 
 // Ends a field, or a part of one: a part of a field that isn't a value isn't one either.
 const Fact_t* ClFacts::EndOrTakeOver(const StandardField_t& field, Area_t& area) {
-    if (!field.IsPart()) return End(area);
+    if (!field.IsPart()) return End(field, area);
     if (area.wholeState != FactState_t::kValue) {
         m_fact.state = area.wholeState;
         m_fact.text = area.wholeText;
@@ -199,14 +192,14 @@ const Fact_t* ClFacts::EndOrTakeOver(const StandardField_t& field, Area_t& area)
 
 const Fact_t* ClFacts::ReadText() {
     DecodeText(m_data[m_fact.offset], m_fact);
-    return End(m_structure);
+    return &m_fact;
 }
 
 const Fact_t* ClFacts::ReadHandle() {
     const StandardField_t& field = *m_fact.field;
     m_fact.number = LittleEndian(m_data + field.offset, field.width);
     if (!SetSpecial(field, m_fact.number, m_fact)) JudgeHandle(field, m_fact);
-    return End(m_structure);
+    return &m_fact;
 }
 
 void ClFacts::JudgeHandle(const StandardField_t& field, Fact_t& fact) const {
@@ -220,73 +213,107 @@ const Fact_t* ClFacts::ReadOther() {
     return EndOrTakeOver(*m_fact.field, m_structure);
 }
 
-// Reads a number that needs no more than a table. Returns false for one that needs more.
-bool ClFacts::ReadSimple(const StandardField_t& field) {
-    const uint64_t number = PartOf(field, LittleEndian(m_data + field.offset, field.width));
+void ClFacts::SetCode(const StandardField_t& field, uint64_t number, Fact_t& fact) const {
+    const StandardCode_t* code = m_type.FindCode(field, number);
+    fact.state = code == nullptr ? FactState_t::kReserved : code->state;
+    if (code != nullptr) fact.text = m_type.Text(code->word);
+}
+
+// A list with a single word such as "Unknown" says just that.
+void ClFacts::SetBits(const StandardField_t& field, uint64_t number, Fact_t& fact) const {
+    if (!HasSingleBit(number)) return;
+    const StandardCode_t* bit = m_type.FindCode(field, static_cast<uint64_t>(std::countr_zero(number)));
+    if (bit != nullptr) fact.state = bit->state;
+}
+
+const Fact_t* ClFacts::ReadNumber() {
+    const StandardField_t& field = *m_fact.field;
+    DecodeNumber(field, PartOf(field, LittleEndian(m_data + field.offset, field.width)), m_fact);
+    return EndOrTakeOver(field, m_structure);
+}
+
+const Fact_t* ClFacts::ReadCode() {
+    const StandardField_t& field = *m_fact.field;
+    const uint64_t number = LittleEndian(m_data + field.offset, field.width);
     m_fact.number = number;
-    if (SetSpecial(field, number, m_fact)) return true;
-    if (field.form == Form_t::kCode) {
-        const StandardCode_t* code = m_type.FindNearCode(field, number);
-        if (code == nullptr) return false;
-        m_fact.state = code->state;
-        m_fact.text = m_type.Text(code->word);
-        return true;
-    }
-    if (field.form == Form_t::kBits) return !HasSingleBit(number);
-    m_fact.number = number * field.scale;
-    return true;
+    if (!SetSpecial(field, number, m_fact)) SetCode(field, number, m_fact);
+    return End(field, m_structure);
+}
+
+const Fact_t* ClFacts::ReadBits() {
+    const StandardField_t& field = *m_fact.field;
+    m_fact.number = LittleEndian(m_data + field.offset, field.width);
+    SetBits(field, m_fact.number, m_fact);
+    return End(field, m_structure);
+}
+
+const Fact_t* ClFacts::EndNumber(const StandardField_t& field, uint64_t number) {
+    m_fact.number = number;
+    if (!SetSpecial(field, number, m_fact)) m_fact.number = number * field.scale;
+    return End(field, m_structure);
 }
 
 // Reads a derived fact that is the first of its sources, unless it turns out to be another one.
 const Fact_t* ClFacts::ReadFirstUsable() {
     Area_t& area = m_structure;
-    const StandardField_t& field = area.fields[area.place];
+    const StandardField_t& field = *area.next;
     const StandardField_t& from = area.fields[field.from[0]];
-    if (!from.isSimple || from.form == Form_t::kHandle || uint32_t{from.offset} + from.width > area.end)
-        return NextOfAny();
-    Start(field, -1);
-    if (!ReadSimple(from) || m_fact.isReference) return NextOfAny();
+    if (from.path < Path_t::kConverted) return NextOfAny();
+    Start(field, -1, 0, 0);
+    m_fact.isDerived = true;
+    DecodeNumber(from, PartOf(from, LittleEndian(m_data + from.offset, from.width)), m_fact);
+    if (m_fact.isReference) return NextOfAny();
     if (m_fact.state != FactState_t::kValue && field.kind != FactKind_t::kCode) m_fact.number = 0;
-    area.place++;
-    return End(area);
+    area.next++;
+    return &m_fact;
 }
 
 // Reads the commonest fields, those of the structure with a fixed place and a number or a text. It calls nothing but in
 // its last statements, so that it needs no registers to be saved: half the time of a walk is here.
 const Fact_t* ClFacts::NextFact() {
     Area_t& area = m_structure;
-    while (m_list == nullptr && area.place < area.fields.size()) {
-        const StandardField_t& field = area.fields[area.place];
-        if (!field.isPlain) return field.derivation == Derivation_t::kFirstUsable ? ReadFirstUsable() : NextOfAny();
-        const uint32_t offset = field.offset;
-        const uint32_t size = field.width;
-        if (offset + size > area.end) {
-            if (m_options.listsAbsent) break;
-            area.place++;
-            if (!field.IsPart()) area.wholeState = FactState_t::kAbsent;
+    for (;;) {
+        if (area.next == area.stop) {
+            if (m_list != nullptr) return NextOfAny();
+            m_fact.field = nullptr;
+            return nullptr;
+        }
+        const StandardField_t& field = *area.next;
+        if (field.end > area.end) {
+            if (m_options.listsAbsent) return NextOfAny();
+            area.next = area.fields + field.nextShorter;
             continue;
         }
-        area.place++;
-        Start(field, -1);
-        m_fact.offset = static_cast<uint16_t>(offset);
-        m_fact.size = static_cast<uint16_t>(size);
-        if (field.form == Form_t::kText) return ReadText();
-        if (!field.isSimple) return ReadOther();
-        if (field.form == Form_t::kHandle) return ReadHandle();
-        if (!ReadSimple(field)) return ReadOther();
-        return EndOrTakeOver(field, area);
+        if (field.path == Path_t::kGeneral)
+            return field.derivation == Derivation_t::kFirstUsable ? ReadFirstUsable() : NextOfAny();
+        area.next++;
+        Start(field, -1, field.offset, field.width);
+        const uint8_t* const bytes = m_data + field.offset;
+        switch (field.path) {
+            case Path_t::kText: return ReadText();
+            case Path_t::kByte: return EndNumber(field, bytes[0]);
+            case Path_t::kWord: return EndNumber(field, LittleEndian(bytes, 2));
+            case Path_t::kCode: return ReadCode();
+            case Path_t::kBits: return ReadBits();
+            case Path_t::kHandle: return ReadHandle();
+            case Path_t::kConverted: return ReadNumber();
+            case Path_t::kNumber: return EndNumber(field, LittleEndian(bytes, field.width));
+            case Path_t::kOther: return ReadOther();
+            case Path_t::kGeneral: __builtin_unreachable();
+        }
     }
-    return NextOfAny();
 }
 
 bool ClFacts::ReadField(Area_t& area, int record) {
-    const StandardField_t& field = area.fields[area.place++];
-    if (!m_options.listsAbsent && IsPlainlyAbsent(field, area)) {
-        if (!field.IsPart()) area.wholeState = FactState_t::kAbsent;
+    const StandardField_t& field = *area.next;
+    if (!m_options.listsAbsent && area.begin + field.end > area.end) {
+        area.next = area.fields + field.nextShorter;
         return false;
     }
-    Start(field, record);
+    area.next++;
+    Start(field, record, 0, 0);
     Fact_t& fact = m_fact;
+    fact.isDerived = field.form == Form_t::kDerived;
     switch (field.form) {
         case Form_t::kDerived: Derive(area, field, fact); break;
         case Form_t::kRecords: ReadList(field, area, fact); break;
@@ -361,11 +388,12 @@ void ClFacts::ReadList(const StandardField_t& field, const Area_t& area, Fact_t&
     }
     fact.number = count;
     m_list = &field;
+    m_structure.stop = m_structure.next;
     m_records = count;
     m_recordStep = step;
     m_recordNumber = -1;
-    m_record.fields = m_type.RecordFields(field);
-    m_record.place = m_record.fields.size();
+    m_record.SetFields(m_type.RecordFields(field));
+    m_record.next = m_record.last;
     m_record.end = begin;
 }
 
@@ -384,10 +412,11 @@ void ClFacts::ReadStrings(const StandardField_t& field, const Area_t& area, Fact
     }
     fact.number = count;
     m_list = &field;
+    m_structure.stop = m_structure.next;
     m_records = count;
     m_recordNumber = -1;
-    m_record.fields = m_type.RecordFields(field);
-    m_record.place = m_record.fields.size();
+    m_record.SetFields(m_type.RecordFields(field));
+    m_record.next = m_record.last;
     m_record.begin = 0;
     m_record.end = 1;  // a string is there, though it has no byte here
 }
@@ -395,7 +424,7 @@ void ClFacts::ReadStrings(const StandardField_t& field, const Area_t& area, Fact
 // Goes to the next record of the list. Returns false after the last one.
 bool ClFacts::StartRecord() {
     if (++m_recordNumber >= static_cast<int>(m_records)) return false;
-    m_record.place = 0;
+    m_record.next = m_record.fields;
     m_record.count = 0;
     m_record.hasCount = false;
     if (m_list->form == Form_t::kStrings) return true;
@@ -465,19 +494,8 @@ void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t
             fact.number = (number >> 4) * 10 + (number & 0xF);
             if ((number & 0xF) > 9 || number >> 4 > 9) fact.state = FactState_t::kReserved, fact.number = number;
             break;
-        case Form_t::kCode: {
-            const StandardCode_t* code = m_type.FindCode(field, number);
-            fact.state = code == nullptr ? FactState_t::kReserved : code->state;
-            if (code != nullptr) fact.text = m_type.Text(code->word);
-            break;
-        }
-        case Form_t::kBits:
-            // A list with a single word such as "Unknown" says just that.
-            if (HasSingleBit(number)) {
-                const StandardCode_t* bit = m_type.FindCode(field, static_cast<uint64_t>(std::countr_zero(number)));
-                if (bit != nullptr) fact.state = bit->state;
-            }
-            break;
+        case Form_t::kCode: SetCode(field, number, fact); break;
+        case Form_t::kBits: SetBits(field, number, fact); break;
         case Form_t::kHandle: JudgeHandle(field, fact); break;
         case Form_t::kRomSize: fact.number = (number + 1) << 16; break;
         case Form_t::kExtendedRomSize:
@@ -492,7 +510,7 @@ void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t
             break;
         case Form_t::kMemorySize: fact.number = (number & 0x7FFF) << (number >> 15 != 0 ? 10 : 20); break;
         case Form_t::kCacheSize: {
-            const uint32_t high = fact.size == 2 ? 15 : 31;
+            const uint32_t high = field.width == 2 ? 15 : 31;
             fact.number = (number & ((1ull << high) - 1)) << (number >> high != 0 ? 16 : 10);
             break;
         }
@@ -520,12 +538,13 @@ void ClFacts::DecodeUuid(const uint8_t* uuid, Fact_t& fact) {
     static constexpr uint8_t kDelivered[] = {0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0, 7, 0, 8, 0, 9};
     if (isAll(0x00) || isAll(0xFF) || memcmp(uuid, kDelivered, sizeof kDelivered) == 0)
         fact.state = FactState_t::kFiller;
-    // From 2.6 on, the first three parts are little-endian.
+    // From 2.6 on, the first three parts are little-endian. Firmware of 2.3.1 wrote 2.31 or 2.33.
+    const bool isLittle = m_options.version >= 0x0206 && m_options.version != 0x021F && m_options.version != 0x0221;
     static constexpr uint8_t kLittle[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     char text[36];
     size_t place = 0;
     for (uint8_t i = 0; i < 16; i++) {
-        const uint8_t byte = uuid[m_options.version >= 0x0206 ? kLittle[i] : i];
+        const uint8_t byte = uuid[isLittle ? kLittle[i] : i];
         if (i == 4 || i == 6 || i == 8 || i == 10) text[place++] = '-';
         text[place++] = kHexDigits[byte >> 4];
         text[place++] = kHexDigits[byte & 0xF];
@@ -541,16 +560,18 @@ void ClFacts::SetText(std::string_view text, Fact_t& fact) {
 
 // Reads the source of a derived fact.
 Fact_t ClFacts::Source(const Area_t& area, const StandardField_t& field, uint32_t source) {
-    const StandardField_t& from = area.fields[field.from[source]];
     Fact_t fact = {};
+    fact.state = FactState_t::kAbsent;
+    if (source >= field.sources) return fact;
+    const StandardField_t& from = area.fields[field.from[source]];
     fact.field = &from;
     fact.kind = from.kind;
     fact.unit = from.unit;
     uint32_t offset = 0;
     uint32_t size = 0;
-    if (source < field.sources && HasRoom(from, area, offset, size))
+    if (HasRoom(from, area, offset, size)) {
+        fact.state = FactState_t::kValue;
         Decode(from, offset, size, fact);
-    else
-        fact.state = FactState_t::kAbsent;
+    }
     return fact;
 }

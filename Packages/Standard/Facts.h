@@ -27,16 +27,16 @@ struct Fact_t {
     std::string_view text = "";
     std::string_view string = "";  // the bytes of a text in the structure's strings
     FactKind_t kind;
-    FactState_t state;
     Unit_t unit;
+    uint16_t offset;  // in the structure; with `size`, the bytes that the fact comes from
+    uint16_t size;    // 0 for derived facts and for strings of a list
+    FactState_t state;
     bool isSigned;     // `number` is a two's complement
     bool isReference;  // its state is kNone because the field `text` has the value
-    uint16_t offset;   // in the structure; with `size`, the bytes that the fact comes from
-    uint16_t size;     // 0 for derived facts and for strings of a list
+    bool isDerived;    // made from other facts, which `field->from` names
     int record;        // of a fact in a list, the number of its record, from 0; otherwise -1
 
     bool IsValue() const { return state == FactState_t::kValue; }
-    bool IsDerived() const { return field->form == Form_t::kDerived; }
 };
 
 // The handles of a table and the types of their structures, to tell whether a handle refers to something.
@@ -104,29 +104,40 @@ class ClFacts {
   private:
     // Where the fields of the structure, or of the record at hand, are.
     struct Area_t {
-        std::span<const StandardField_t> fields;
+        void SetFields(std::span<const StandardField_t> all) {
+            fields = next = all.data();
+            last = stop = next + all.size();
+        }
+
+        const StandardField_t* fields;
+        const StandardField_t* next;
+        const StandardField_t* last;  // the end of the fields
+        const StandardField_t* stop;  // the same, or `next` while records are read
         uint32_t begin;
         uint32_t end;
-        size_t place;    // of the next field
         uint32_t count;  // the last count, and whether it is there
         bool hasCount;
         FactState_t wholeState;  // of the field whose parts come next
         std::string_view wholeText;
     };
 
-    [[gnu::always_inline]] inline void Start(const StandardField_t& field, int record);
-    [[gnu::always_inline]] inline const Fact_t* End(Area_t& area) const;
+    [[gnu::always_inline]] inline void Start(const StandardField_t& field, int record, uint16_t offset, uint16_t size);
+    [[gnu::always_inline]] inline const Fact_t* End(const StandardField_t& field, Area_t& area) const;
     [[gnu::always_inline]] inline const Fact_t* EndOrTakeOver(const StandardField_t& field, Area_t& area);
     [[gnu::always_inline]] inline bool SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
     [[gnu::noinline]] const Fact_t* ReadText();
     [[gnu::noinline]] const Fact_t* ReadHandle();
     [[gnu::noinline]] const Fact_t* ReadFirstUsable();
-    [[gnu::always_inline]] inline bool ReadSimple(const StandardField_t& field);
+    [[gnu::noinline]] const Fact_t* ReadNumber();
+    [[gnu::noinline]] const Fact_t* ReadCode();
+    [[gnu::noinline]] const Fact_t* ReadBits();
+    [[gnu::always_inline]] inline const Fact_t* EndNumber(const StandardField_t& field, uint64_t number);
+    [[gnu::always_inline]] inline void SetCode(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
+    [[gnu::always_inline]] inline void SetBits(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
     [[gnu::noinline]] const Fact_t* ReadOther();
     const Fact_t* NextOfAny();
     void JudgeHandle(const StandardField_t& field, Fact_t& fact) const;
     [[gnu::always_inline]] inline bool ReadField(Area_t& area, int record);
-    [[gnu::always_inline]] inline bool IsPlainlyAbsent(const StandardField_t& field, const Area_t& area) const;
     void Decode(const StandardField_t& field, uint32_t offset, uint32_t size, Fact_t& fact);
     [[gnu::always_inline]] inline void DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
     void DecodeText(uint32_t number, Fact_t& fact) const;
@@ -146,9 +157,9 @@ class ClFacts {
     StandardType_t m_type;
     FactOptions_t m_options;
     ClStrings m_strings;
-    Fact_t m_fact = {};
-    Area_t m_structure = {};
-    Area_t m_record = {};
+    Fact_t m_fact;
+    Area_t m_structure;
+    Area_t m_record;           // set when a list begins
     uint32_t m_afterList = 0;  // where the fields after the last list begin
     uint32_t m_step = 0;
     const StandardField_t* m_list = nullptr;  // whose records are read

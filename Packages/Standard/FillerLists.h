@@ -5,8 +5,7 @@
 
 inline constexpr size_t kLongestFiller = 28;
 
-// Texts that firmware is delivered with, and that nobody replaced. In lower case and in rising order, without blanks
-// around them.
+// Texts that firmware is delivered with, and that nobody replaced. In lower case, without blanks around them.
 inline constexpr char kFillers[][kLongestFiller] = {
     "/ / /",
     "[empty]",

@@ -18,62 +18,97 @@ bool IsCounting(std::string_view text) {
     return true;
 }
 
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// What a text that begins with this character may be: bit n, one of the fillers of n characters; and
-constexpr uint32_t kMayBegin = 1u << 28;   // a begin of one
-constexpr uint32_t kMayNumber = 1u << 29;  // a numbered one
-constexpr uint32_t kMayRepeat = 1u << 30;  // one character again and again
-struct Hints_t {
-    uint32_t of[256];
+// Finds entries of a list by a hash, as most texts are no fillers, and that has to be told quickly.
+struct Index_t {
+    static constexpr size_t kSize = 1024;
+    uint8_t first[kSize];  // the first entry with this hash, from 1; 0 if there is none
+    uint8_t next[64];      // the entry after this one with the same hash
+
+    constexpr void Add(size_t hash, size_t entry) {
+        next[entry] = first[hash];
+        first[hash] = static_cast<uint8_t>(entry + 1);
+    }
 };
-constexpr Hints_t kHints = [] {
-    Hints_t hints = {};
-    const auto add = [&](char first, uint32_t hint) {
-        hints.of[static_cast<unsigned char>(first)] |= hint;
-        if (first >= 'a' && first <= 'z') hints.of[first - 'a' + 'A'] |= hint;
-    };
-    for (const char* filler : kFillers) add(filler[0], 1u << std::char_traits<char>::length(filler));
-    for (const char* begin : kFillerBegins) add(begin[0], kMayBegin);
-    for (const char* filler : kNumberedFillers) add(filler[0], kMayNumber);
-    for (const char c : kRepeatedFillers)
-        if (c != '\0') add(c, kMayRepeat);
-    return hints;
+
+// Of a whole text: its ends and its size. Of a begin: its first two characters.
+constexpr size_t Hash(char a, char b, size_t size) {
+    const size_t first = static_cast<unsigned char>(a) | 0x20u, second = static_cast<unsigned char>(b) | 0x20u;
+    return (first + 8 * second + 64 * size) % Index_t::kSize;
+}
+constexpr size_t WholeHash(std::string_view text) { return Hash(text.front(), text.back(), text.size()); }
+constexpr size_t BeginHash(std::string_view text) { return Hash(text[0], text[1], 0); }
+
+constexpr Index_t kWhole = [] {
+    Index_t index = {};
+    for (size_t i = 0; i < std::size(kFillers); i++) index.Add(WholeHash(kFillers[i]), i);
+    return index;
+}();
+// The begins, and then the numbered fillers.
+constexpr Index_t kBegins = [] {
+    Index_t index = {};
+    size_t entry = 0;
+    for (const char* begin : kFillerBegins) index.Add(BeginHash(begin), entry++);
+    for (const char* filler : kNumberedFillers) index.Add(BeginHash(filler), entry++);
+    return index;
 }();
 
-// Tells quickly of most texts that they aren't fillers. The text has no blanks around it.
-bool MayBeFiller(std::string_view text) {
-    const uint32_t hints = kHints.of[static_cast<unsigned char>(text.front())];
-    const char last = text.back();
-    return (text.size() < 28 && (hints >> text.size() & 1) != 0) || (hints & kMayBegin) != 0 ||
-           ((hints & kMayNumber) != 0 && last >= '0' && last <= '9') ||
-           ((hints & kMayRepeat) != 0 && Lower(last) == Lower(text.front()));
+// Whether `text` begins with `begin`, which is in lower case.
+bool BeginsWith(std::string_view text, const char* begin) {
+    size_t place = 0;
+    while (begin[place] != '\0' && place < text.size() &&
+           (text[place] == begin[place] || Lower(text[place]) == begin[place]))
+        place++;
+    return begin[place] == '\0';
+}
+
+bool IsDigits(std::string_view text) {
+    return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool BeginsAsFiller(std::string_view text, size_t entry) {
+    if (entry < std::size(kFillerBegins)) return BeginsWith(text, kFillerBegins[entry]);
+    const char* const filler = kNumberedFillers[entry - std::size(kFillerBegins)];
+    return BeginsWith(text, filler) && IsDigits(text.substr(strlen(filler)));
+}
+
+bool IsOneOf(std::string_view text, size_t entry) {
+    for (; entry != 0; entry = kWhole.next[entry - 1])
+        if (text.size() == strlen(kFillers[entry - 1]) && BeginsWith(text, kFillers[entry - 1])) return true;
+    return false;
+}
+
+bool BeginsAsOneOf(std::string_view text, size_t entry) {
+    for (; entry != 0; entry = kBegins.next[entry - 1])
+        if (BeginsAsFiller(text, entry - 1)) return true;
+    return false;
+}
+
+// Whether a text has nothing but one of some characters, whose case doesn't matter.
+bool IsRepeated(std::string_view text) {
+    const char first = Lower(text.front());
+    return strchr(text.size() > 1 ? kRepeatedFillers : kLoneFillers, first) != nullptr &&
+           std::ranges::all_of(text, [=](char c) { return Lower(c) == first; });
+}
+
+// Looks closer at a text that is one of the few that may be fillers.
+[[gnu::noinline]] bool IsFillerIndeed(std::string_view text) {
+    while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.remove_suffix(1);
+    while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ') text.remove_prefix(1);
+    if (text.empty() || IsRepeated(text) || IsOneOf(text, kWhole.first[WholeHash(text)])) return true;
+    return text.size() > 1 && (BeginsAsOneOf(text, kBegins.first[BeginHash(text)]) || IsCounting(text));
 }
 
 }  // namespace
 
 bool IsFiller(std::string_view text) {
-    while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.remove_suffix(1);
-    while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ') text.remove_prefix(1);
-    if (text.empty()) return true;
-    if (IsCounting(text)) return true;
-    if (!MayBeFiller(text)) return false;
-    // One character again and again: zeros, Fs, Xs, dots, dashes.
-    const char first = Lower(text.front());
-    if (strchr(kRepeatedFillers, first) != nullptr && (text.size() > 1 || strchr(kLoneFillers, first) != nullptr) &&
-        std::ranges::all_of(text, [=](char c) { return Lower(c) == first; }))
-        return true;
-    char lower[kLongestFiller] = {};
-    const size_t size = std::min(text.size(), kLongestFiller - 1);
-    std::transform(text.begin(), text.begin() + static_cast<ptrdiff_t>(size), lower, Lower);
-    if (text.size() == size) {
-        const auto isLess = [](const char* a, const char* b) { return strcmp(a, b) < 0; };
-        if (std::binary_search(std::begin(kFillers), std::end(kFillers), lower, isLess)) return true;
-    }
-    for (const char* begin : kFillerBegins)
-        if (strncmp(lower, begin, strlen(begin)) == 0) return true;
-    if (text.size() != size || lower[size - 1] < '0' || lower[size - 1] > '9') return false;
-    std::string_view word(lower, size);
-    while (!word.empty() && word.back() >= '0' && word.back() <= '9') word.remove_suffix(1);
-    return std::ranges::any_of(kNumberedFillers, [=](const char* filler) { return word == filler; });
+    if (text.size() < 2) return IsFillerIndeed(text);
+    const auto first = static_cast<unsigned char>(text.front());
+    const auto second = static_cast<unsigned char>(text[1]);
+    const auto last = static_cast<unsigned char>(text.back());
+    const bool mayBe = first <= ' ' || last <= ' ' || (first | 0x20) == (last | 0x20) ||
+                       kWhole.first[WholeHash(text)] != 0 || kBegins.first[BeginHash(text)] != 0 ||
+                       (text.size() >= 8 && first >= '0' && first <= '9' && second >= '0' && second <= '9');
+    return mayBe && IsFillerIndeed(text);
 }

@@ -377,6 +377,7 @@ class ClPacker {
         const size_t begin = m_packed.fieldCount;
         m_packed.fieldCount += rows.count;
         const Where_t* above = nullptr;
+        size_t whole = begin;
         for (size_t i = 0; i < rows.count; i++) {
             const FieldRow_t& row = rows.rows[i];
             const Reading_t& reading = row.reading;
@@ -398,8 +399,12 @@ class ClPacker {
             field.kind = reading.kind;
             field.since = VersionOf(row.since);
             field.step = reading.step;
-            field.isPlain = field.width < kCountedWidth && field.offset < kAfterList && IsPlain(field.form);
-            field.isSimple = field.isPlain && IsSimple(field.form);
+            if (field.width < kCountedWidth && field.offset < kAfterList) field.path = PathOf(field);
+            if (field.path != Path_t::kGeneral) field.end = static_cast<uint16_t>(field.offset + field.width);
+            if (row.where.bits == 0)
+                whole = begin + i;
+            else
+                m_packed.fields[whole].hasParts = true;
             for (const std::string_view name : row.where.from)
                 if (!name.empty()) field.from[field.sources++] = PlaceOf(rows, name);
             AddSpecials(reading, field);
@@ -413,16 +418,36 @@ class ClPacker {
             }
             m_packed.fields[begin + i] = field;
         }
+        // What a derived fact comes from may stand after it.
+        for (size_t i = 0; i < rows.count; i++) {
+            StandardField_t& field = m_packed.fields[begin + i];
+            if (field.sources != 0 && field.derivation != Derivation_t::kTpmFirmwareVersion)
+                field.end = m_packed.fields[begin + field.from[0]].end;
+        }
+        for (size_t i = 0; i < rows.count; i++) {
+            size_t next = i + 1;
+            while (next < rows.count && m_packed.fields[begin + next].end >= m_packed.fields[begin + i].end) next++;
+            m_packed.fields[begin + i].nextShorter = static_cast<uint8_t>(next);
+        }
     }
 
-    static constexpr bool IsPlain(Form_t form) {
-        return form != Form_t::kCount && form != Form_t::kStep && form != Form_t::kRecords &&
-               form != Form_t::kStrings && form != Form_t::kDerived;
-    }
-
-    static constexpr bool IsSimple(Form_t form) {
-        return form == Form_t::kNumber || form == Form_t::kHex || form == Form_t::kCode || form == Form_t::kBits ||
-               form == Form_t::kHandle;
+    static constexpr Path_t PathOf(const StandardField_t& field) {
+        if (field.IsPart()) return Path_t::kConverted;
+        switch (field.form) {
+            case Form_t::kCount:
+            case Form_t::kStep:
+            case Form_t::kRecords:
+            case Form_t::kStrings:
+            case Form_t::kDerived: return Path_t::kGeneral;
+            case Form_t::kText: return Path_t::kText;
+            case Form_t::kHandle: return Path_t::kHandle;
+            case Form_t::kNumber:
+            case Form_t::kHex:
+                return field.width == 1 ? Path_t::kByte : field.width == 2 ? Path_t::kWord : Path_t::kNumber;
+            case Form_t::kCode: return Path_t::kCode;
+            case Form_t::kBits: return Path_t::kBits;
+            default: return field.kind == FactKind_t::kNumber ? Path_t::kConverted : Path_t::kOther;
+        }
     }
 
     static constexpr uint8_t PlaceOf(Rows_t<FieldRow_t> rows, std::string_view name) {

@@ -1,7 +1,5 @@
 #include "Packages/Standard/Standard.h"
 
-#include <algorithm>
-
 #include "Packages/Standard/Rows.h"
 
 // The structure types of the standard, each with a file of its own.
@@ -31,14 +29,6 @@ constexpr StandardRow_t kVendorType = {128, "Vendor-specific Type", "", {kFields
 constexpr StandardRow_t kUnknownType = {47, "Unknown Type", "", {kFields, std::size(kFields)}};
 
 }  // namespace
-
-const StandardCode_t* StandardType_t::FindCode(const StandardField_t& field, uint64_t code) const {
-    const std::span<const StandardCode_t> rows = Codes(field);
-    if (rows.empty() || code < rows.front().first) return nullptr;
-    if (const StandardCode_t* near = FindNearCode(field, code)) return near;
-    const auto row = std::ranges::upper_bound(rows, code, {}, &StandardCode_t::first) - 1;
-    return code <= row->last ? &*row : nullptr;
-}
 
 StandardType_t FindStandardType(uint8_t type) {
     switch (type) {

@@ -113,6 +113,20 @@ enum class Derivation_t : uint8_t {
     kTpmFirmwareVersion,
 };
 
+// How a walk reads a field. All but the first are for fields at a fixed place, whose number no list needs.
+enum class Path_t : uint8_t {
+    kGeneral,
+    kOther,
+    kText,
+    kHandle,
+    kConverted,  // a number with a unit inside, or some bits of a field
+    kByte,       // numbers that are read as they are, or scaled
+    kWord,
+    kNumber,
+    kCode,
+    kBits,
+};
+
 // One code of an enumeration, or a range of codes; the word of one bit of a bit list, with its number as code; or a
 // type that a handle may refer to.
 struct StandardCode_t {
@@ -139,10 +153,11 @@ inline constexpr uint16_t kAfterList = 0x8000;  // of offsets that count from th
 struct StandardField_t {
     uint16_t name;
     uint16_t key;
+    FactKind_t kind;
+    Unit_t unit;
     uint16_t offset;  // in the structure, or in the record
     uint8_t width;
     Form_t form;
-    Unit_t unit;
     Derivation_t derivation;
     uint32_t scale;       // from the number in the bytes to the unit
     uint8_t low;          // for parts of a field, the lowest bit, and their number
@@ -150,7 +165,6 @@ struct StandardField_t {
     uint8_t counted;      // lists: 0 as many as counted, 1 one record, 2 up to the structure's end
     uint8_t ownLengthAt;  // lists whose records have their own length: where it is, and what is to be added to it
     uint8_t ownLengthPlus;
-    FactKind_t kind;
     StandardVersion_t since;
     uint16_t first;  // of its codes, bit words, handle types, or of its records' fields; the table for derived facts
     uint16_t count;
@@ -159,10 +173,13 @@ struct StandardField_t {
     uint8_t step;     // of a list's records; 0: as the field before it says, or by their own length
     uint8_t from[4];  // derived facts: fields of the same table
     uint8_t sources;
-    bool isPlain;   // its bytes are at a fixed place, and no list needs its number
-    bool isSimple;  // its number is read as it is, or scaled
+    Path_t path;
+    bool hasParts;        // its parts are the next fields
+    uint16_t end;         // of a field at a fixed place, or of the first source of a derived fact; 0 if it isn't fixed
+    uint8_t nextShorter;  // the place of the next field that may be there if this one is absent
 
-    bool IsPart() const { return bits != 0; }
+    constexpr bool IsPart() const { return bits != 0; }
+    bool HasFixedPlace() const { return path != Path_t::kGeneral; }
 };
 
 // The packed table of one structure type.
@@ -180,14 +197,16 @@ struct StandardType_t {
     std::string_view Text(uint16_t offset) const {
         return {texts + offset + 1, static_cast<unsigned char>(texts[offset])};
     }
-    // Returns the row of a code if it is where it would be without gaps before it, as in most enumerations.
-    const StandardCode_t* FindNearCode(const StandardField_t& field, uint64_t code) const {
-        const StandardCode_t* rows = codes.data() + field.first;
-        const uint64_t place = code - rows->first;
-        return place < field.count && rows[place].first == code ? &rows[place] : nullptr;
-    }
     // Returns the row of a code, or of a bit. Null if the standard doesn't assign it.
-    const StandardCode_t* FindCode(const StandardField_t& field, uint64_t code) const;
+    const StandardCode_t* FindCode(const StandardField_t& field, uint64_t code) const {
+        const StandardCode_t* const rows = codes.data() + field.first;
+        if (field.count == 0 || code < rows->first) return nullptr;
+        // Without gaps the row would be here; most enumerations have few.
+        uint64_t place = code - rows->first;
+        if (place >= field.count) place = field.count - 1u;
+        while (rows[place].first > code) place--;
+        return code <= rows[place].last ? &rows[place] : nullptr;
+    }
     std::string_view Name() const { return Text(name); }
     std::span<const StandardField_t> TopFields() const { return fields.first(topFields); }
     std::span<const StandardField_t> RecordFields(const StandardField_t& list) const {

@@ -46,12 +46,13 @@ class Fact(ctypes.Structure):
         ("string_size", c_size_t),
         ("string", c_void_p),
         ("kind", c_uint8),
-        ("state", c_uint8),
         ("unit", c_uint8),
-        ("is_signed", c_uint8),
-        ("is_reference", c_uint8),
         ("offset", c_uint16),
         ("size", c_uint16),
+        ("state", c_uint8),
+        ("is_signed", c_uint8),
+        ("is_reference", c_uint8),
+        ("is_derived", c_uint8),
         ("record", c_int32),
     ]
 

@@ -174,7 +174,7 @@ TEST(CFacts, KeepsItsLayout) {
     EXPECT_EQ(offsetof(quorlin_structure, handle), 32u);
     EXPECT_EQ(sizeof(quorlin_fact), 96u);
     EXPECT_EQ(offsetof(quorlin_fact, text), 56u);
-    EXPECT_EQ(offsetof(quorlin_fact, offset), 86u);
+    EXPECT_EQ(offsetof(quorlin_fact, offset), 82u);
     EXPECT_EQ(offsetof(quorlin_fact, record), 92u);
 }
 

@@ -231,7 +231,7 @@ Each fact has a state:
 | `absent` | the structure is too short for the field; listed only with `--absent` |
 | `reserved` | a code that the standard doesn't assign; the number is kept |
 | `filler` | a text that firmware was delivered with and nobody replaced, or such a UUID |
-| `broken` | a string number past the strings, a list longer than its structure, or a handle to nothing or a wrong type |
+| `broken` | a string number past the strings, a list longer than its structure, a handle to nothing or a wrong type |
 
 A text is a filler, in any case and without the blanks around it, if it is empty or one of these:
 )";

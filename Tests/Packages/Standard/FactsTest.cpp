@@ -326,7 +326,7 @@ TEST(Standard, EveryCodeReadsItsWord) {
     for (unsigned number = 0; number < 256; number++) {
         const StandardType_t type = FindStandardType(static_cast<uint8_t>(number));
         for (const StandardField_t& field : type.TopFields()) {
-            if (field.form != Form_t::kCode || !field.isPlain) continue;
+            if (field.form != Form_t::kCode || !field.HasFixedPlace()) continue;
             const std::string key(type.Text(field.key));
             const unsigned end = 1u << std::min(field.IsPart() ? field.bits : field.width * 8, 10);
             for (unsigned code = 0; code < end; code++) {

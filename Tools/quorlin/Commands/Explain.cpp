@@ -56,7 +56,7 @@ class ClExplanation {
             std::string text(fact.name);
             text.append(": ").append(ValueOf(fact));
             if (fact.record >= 0) text.insert(0, std::to_string(fact.record + 1) + ". ");
-            if (fact.IsDerived()) {
+            if (fact.isDerived) {
                 m_derived.push_back(text + SourcesOf(fact));
                 continue;
             }
@@ -102,7 +102,7 @@ class ClExplanation {
     void ShowGap(uint32_t end) {
         if (end <= m_place) return;
         for (const StandardField_t& field : m_facts.Type().TopFields())
-            if (field.isPlain && !field.IsPart() && field.offset == m_place && field.offset + field.width > m_areaEnd) {
+            if (field.HasFixedPlace() && !field.IsPart() && field.offset == m_place && field.end > m_areaEnd) {
                 ShowBytes(end, "(part of " + std::string(m_facts.Type().Text(field.name)) +
                                    ", which the structure is too short for)");
                 return;

@@ -10,7 +10,7 @@ namespace {
 // Where a fact comes from: "  [08h: 48 00, value]".
 std::string WhereText(const ClFacts& facts, const Fact_t& fact) {
     std::string text = "  [";
-    if (fact.IsDerived()) {
+    if (fact.isDerived) {
         text += "from";
         for (uint32_t i = 0; i < fact.field->sources; i++)
             text.append(i == 0 ? " " : ", ").append(facts.SourceKey(fact, i));
