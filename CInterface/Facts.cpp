@@ -97,14 +97,17 @@ quorlin_status CopyMachine(quorlin_fact_table& table, const Choose& choose) {
 }
 
 // C sees the walk's own fact, so that nothing is copied: a std::string_view is a size and a pointer.
-#define SAME_PLACE(member, cMember) offsetof(Fact_t, member) == offsetof(quorlin_fact, cMember)
-static_assert(SAME_PLACE(field, reserved) && SAME_PLACE(key, key_size) && SAME_PLACE(name, name_size) &&
-              SAME_PLACE(kind, kind) && SAME_PLACE(state, state) && SAME_PLACE(unit, unit) &&
-              SAME_PLACE(isSigned, is_signed) && SAME_PLACE(isReference, is_reference) &&
-              SAME_PLACE(isDerived, is_derived) && SAME_PLACE(offset, offset) && SAME_PLACE(size, size) &&
-              SAME_PLACE(record, record) && SAME_PLACE(number, number) && SAME_PLACE(text, text_size) &&
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"  // its head is a base class
+#define SAME_PLACE(member, cMember) (offsetof(Fact_t, member) == offsetof(quorlin_fact, cMember))
+static_assert(SAME_PLACE(kind, kind) && SAME_PLACE(unit, unit) && SAME_PLACE(offset, offset) &&
+              SAME_PLACE(size, size) && SAME_PLACE(state, state) && SAME_PLACE(isSigned, is_signed) &&
+              SAME_PLACE(isReference, is_reference) && SAME_PLACE(isDerived, is_derived) &&
+              SAME_PLACE(record, record) && SAME_PLACE(field, reserved) && SAME_PLACE(key, key_size) &&
+              SAME_PLACE(name, name_size) && SAME_PLACE(number, number) && SAME_PLACE(text, text_size) &&
               SAME_PLACE(string, string_size));
-static_assert(sizeof(Fact_t) == sizeof(quorlin_fact) && std::is_standard_layout_v<Fact_t>);
+#pragma GCC diagnostic pop
+static_assert(sizeof(Fact_t) == sizeof(quorlin_fact) && std::is_trivially_copyable_v<Fact_t>);
 static_assert(sizeof(std::string_view) == sizeof(size_t) + sizeof(const char*));
 
 const quorlin_structure* StructureAt(const quorlin_fact_table* table, uint32_t index) {

@@ -184,6 +184,15 @@ typedef struct quorlin_structure {
 } quorlin_structure;
 
 typedef struct quorlin_fact {
+    uint8_t kind;    /* QUORLIN_NUMBER and so on */
+    uint8_t unit;    /* of number; quorlin_unit_text has its name */
+    uint16_t offset; /* of its bytes in the structure: structure->bytes + offset */
+    uint16_t size;   /* of its bytes; 0 for derived facts and for strings of a list */
+    uint8_t state;   /* QUORLIN_IS_VALUE and so on */
+    uint8_t is_signed;
+    uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
+    uint8_t is_derived;   /* made from other facts, whose keys quorlin_walk_source has */
+    int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
     const void* reserved;
     size_t key_size;
     const char* key; /* stable, such as "memory_size" */
@@ -194,15 +203,6 @@ typedef struct quorlin_fact {
     const char* text; /* never null; of other kinds, why the number isn't a value */
     size_t string_size;
     const char* string; /* the bytes of a text in the structure's strings; never null */
-    uint8_t kind;       /* QUORLIN_NUMBER and so on */
-    uint8_t unit;       /* of number; quorlin_unit_text has its name */
-    uint16_t offset;    /* of its bytes in the structure: structure->bytes + offset */
-    uint16_t size;      /* of its bytes; 0 for derived facts and for strings of a list */
-    uint8_t state;      /* QUORLIN_IS_VALUE and so on */
-    uint8_t is_signed;
-    uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
-    uint8_t is_derived;   /* made from other facts, whose keys quorlin_walk_source has */
-    int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
 } quorlin_fact;
 
 /* Open a table as quorlin_open_machine, quorlin_open_file and quorlin_open_memory do, with the same options and

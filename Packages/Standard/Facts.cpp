@@ -150,24 +150,16 @@ bool ClFacts::SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& 
     return false;
 }
 
-// Begins a fact with its bytes, of which nothing is read yet. The order of the members saves instructions.
-void ClFacts::Start(const StandardField_t& field, int record, uint16_t offset, uint16_t size) {
+// Begins a fact of which nothing is read yet.
+void ClFacts::Start(const StandardField_t& field) {
     Fact_t& fact = m_fact;
+    static_cast<FactHead_t&>(fact) = field;
     fact.field = &field;
     fact.key = m_type.Text(field.key);
     fact.name = m_type.Text(field.name);
     fact.number = 0;
     fact.text = "";
     fact.string = "";
-    fact.kind = field.kind;
-    fact.unit = field.unit;
-    fact.offset = offset;
-    fact.size = size;
-    fact.state = FactState_t::kValue;
-    fact.isSigned = false;
-    fact.isReference = false;
-    fact.isDerived = false;
-    fact.record = record;
 }
 
 // Ends a field that isn't a part.
@@ -259,8 +251,7 @@ const Fact_t* ClFacts::ReadFirstUsable() {
     const StandardField_t& field = *area.next;
     const StandardField_t& from = area.fields[field.from[0]];
     if (from.path < Path_t::kConverted) return NextOfAny();
-    Start(field, -1, 0, 0);
-    m_fact.isDerived = true;
+    Start(field);
     DecodeNumber(from, PartOf(from, LittleEndian(m_data + from.offset, from.width)), m_fact);
     if (m_fact.isReference) return NextOfAny();
     if (m_fact.state != FactState_t::kValue && field.kind != FactKind_t::kCode) m_fact.number = 0;
@@ -287,7 +278,7 @@ const Fact_t* ClFacts::NextFact() {
         if (field.path == Path_t::kGeneral)
             return field.derivation == Derivation_t::kFirstUsable ? ReadFirstUsable() : NextOfAny();
         area.next++;
-        Start(field, -1, field.offset, field.width);
+        Start(field);
         const uint8_t* const bytes = m_data + field.offset;
         switch (field.path) {
             case Path_t::kText: return ReadText();
@@ -311,9 +302,10 @@ bool ClFacts::ReadField(Area_t& area, int record) {
         return false;
     }
     area.next++;
-    Start(field, record, 0, 0);
+    Start(field);
     Fact_t& fact = m_fact;
-    fact.isDerived = field.form == Form_t::kDerived;
+    fact.offset = fact.size = 0;
+    fact.record = record;
     switch (field.form) {
         case Form_t::kDerived: Derive(area, field, fact); break;
         case Form_t::kRecords: ReadList(field, area, fact); break;
@@ -437,47 +429,47 @@ bool ClFacts::StartRecord() {
 }
 
 void ClFacts::Decode(const StandardField_t& field, uint32_t offset, uint32_t size, Fact_t& fact) {
-    const uint8_t* bytes = m_data + offset;
+    const uint8_t* const bytes = m_data + offset;
     fact.offset = static_cast<uint16_t>(offset);
     fact.size = static_cast<uint16_t>(size);
     switch (field.form) {
-        case Form_t::kText: DecodeText(bytes[0], fact); return;
-        case Form_t::kUuid: DecodeUuid(bytes, fact); return;
+        case Form_t::kText: return DecodeText(bytes[0], fact);
+        case Form_t::kUuid: return DecodeUuid(bytes, fact);
+        case Form_t::kAscii: return DecodeAscii(fact);
+        case Form_t::kSbdsDate: return DecodeDate(fact);
+        case Form_t::kNibbleVersion: return DecodeVersion(fact);
         case Form_t::kBytes:
         case Form_t::kReserved: return;
-        case Form_t::kAscii: {
-            const char* text = reinterpret_cast<const char*>(bytes);
-            fact.text = {text, static_cast<size_t>(std::find(text, text + size, '\0') - text)};
-            if (fact.text.empty()) fact.state = FactState_t::kNone;
-            return;
-        }
-        default: break;
+        default: return DecodeNumber(field, PartOf(field, LittleEndian(bytes, size)), fact);
     }
-    const uint64_t number = PartOf(field, LittleEndian(bytes, size));
-    DecodeNumber(field, number, fact);
-    if (fact.kind == FactKind_t::kDate && fact.IsValue()) {
-        const auto month = static_cast<uint32_t>(number >> 5 & 0xF);
-        const auto day = static_cast<uint32_t>(number & 0x1F);
-        if (month == 0 || month > 12 || day == 0) {
-            fact.state = number == 0 ? FactState_t::kNone : FactState_t::kReserved;
-            return;
-        }
-        const auto year = static_cast<uint32_t>(1980 + (number >> 9));
-        const char date[] = {static_cast<char>('0' + year / 1000),
-                             static_cast<char>('0' + year / 100 % 10),
-                             static_cast<char>('0' + year / 10 % 10),
-                             static_cast<char>('0' + year % 10),
-                             '-',
-                             static_cast<char>('0' + month / 10),
-                             static_cast<char>('0' + month % 10),
-                             '-',
-                             static_cast<char>('0' + day / 10),
-                             static_cast<char>('0' + day % 10)};
-        SetText({date, sizeof date}, fact);
-    } else if (fact.kind == FactKind_t::kVersion) {
-        const char version[] = {kHexDigits[number >> 4 & 0xF], '.', kHexDigits[number & 0xF]};
-        SetText({version, sizeof version}, fact);
+}
+
+void ClFacts::DecodeAscii(Fact_t& fact) const {
+    const char* const text = reinterpret_cast<const char*>(m_data) + fact.offset;
+    fact.text = {text, static_cast<size_t>(std::find(text, text + fact.size, '\0') - text)};
+    if (fact.text.empty()) fact.state = FactState_t::kNone;
+}
+
+void ClFacts::DecodeDate(Fact_t& fact) {
+    const auto number = static_cast<uint32_t>(LittleEndian(m_data + fact.offset, 2));
+    fact.number = number;
+    const uint32_t year = 1980 + (number >> 9), month = number >> 5 & 0xF, day = number & 0x1F;
+    if (month == 0 || month > 12 || day == 0) {
+        fact.state = number == 0 ? FactState_t::kNone : FactState_t::kReserved;
+        return;
     }
+    const auto digit = [](uint32_t part) { return static_cast<char>('0' + part % 10); };
+    const char date[] = {
+        digit(year / 1000), digit(year / 100), digit(year / 10), digit(year), '-', digit(month / 10), digit(month), '-',
+        digit(day / 10),    digit(day)};
+    SetText({date, sizeof date}, fact);
+}
+
+void ClFacts::DecodeVersion(Fact_t& fact) {
+    const uint8_t number = m_data[fact.offset];
+    fact.number = number;
+    const char version[] = {kHexDigits[number >> 4], '.', kHexDigits[number & 0xF]};
+    SetText({version, sizeof version}, fact);
 }
 
 void ClFacts::DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const {
@@ -564,14 +556,13 @@ Fact_t ClFacts::Source(const Area_t& area, const StandardField_t& field, uint32_
     fact.state = FactState_t::kAbsent;
     if (source >= field.sources) return fact;
     const StandardField_t& from = area.fields[field.from[source]];
+    static_cast<FactHead_t&>(fact) = from;
     fact.field = &from;
-    fact.kind = from.kind;
-    fact.unit = from.unit;
     uint32_t offset = 0;
     uint32_t size = 0;
-    if (HasRoom(from, area, offset, size)) {
-        fact.state = FactState_t::kValue;
+    if (HasRoom(from, area, offset, size))
         Decode(from, offset, size, fact);
-    }
+    else
+        fact.state = FactState_t::kAbsent;
     return fact;
 }

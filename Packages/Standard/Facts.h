@@ -17,24 +17,15 @@
 #include "Packages/Format/Structures.h"
 #include "Packages/Standard/Standard.h"
 
-struct Fact_t {
+struct Fact_t : FactHead_t {
     const StandardField_t* field;  // its row in the table of the type
     std::string_view key;          // stable, in snake_case, such as "memory_size"; a NUL follows key and name
     std::string_view name;         // the standard's name, such as "Memory Size"
     // Numbers in their unit, codes, bit lists, handles, string numbers, and the number of a list's records.
     uint64_t number;
     // Texts, words of codes, UUIDs, dates and versions. Of numbers that aren't values, why.
-    std::string_view text = "";
-    std::string_view string = "";  // the bytes of a text in the structure's strings
-    FactKind_t kind;
-    Unit_t unit;
-    uint16_t offset;  // in the structure; with `size`, the bytes that the fact comes from
-    uint16_t size;    // 0 for derived facts and for strings of a list
-    FactState_t state;
-    bool isSigned;     // `number` is a two's complement
-    bool isReference;  // its state is kNone because the field `text` has the value
-    bool isDerived;    // made from other facts, which `field->from` names
-    int record;        // of a fact in a list, the number of its record, from 0; otherwise -1
+    std::string_view text;
+    std::string_view string;  // the bytes of a text in the structure's strings
 
     bool IsValue() const { return state == FactState_t::kValue; }
 };
@@ -121,7 +112,7 @@ class ClFacts {
         std::string_view wholeText;
     };
 
-    [[gnu::always_inline]] inline void Start(const StandardField_t& field, int record, uint16_t offset, uint16_t size);
+    [[gnu::always_inline]] inline void Start(const StandardField_t& field);
     [[gnu::always_inline]] inline const Fact_t* End(const StandardField_t& field, Area_t& area) const;
     [[gnu::always_inline]] inline const Fact_t* EndOrTakeOver(const StandardField_t& field, Area_t& area);
     [[gnu::always_inline]] inline bool SetSpecial(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
@@ -142,6 +133,9 @@ class ClFacts {
     [[gnu::always_inline]] inline void DecodeNumber(const StandardField_t& field, uint64_t number, Fact_t& fact) const;
     void DecodeText(uint32_t number, Fact_t& fact) const;
     void DecodeUuid(const uint8_t* uuid, Fact_t& fact);
+    void DecodeAscii(Fact_t& fact) const;
+    [[gnu::noinline]] void DecodeDate(Fact_t& fact);
+    [[gnu::noinline]] void DecodeVersion(Fact_t& fact);
     uint32_t PlaceOf(const StandardField_t& field, const Area_t& area) const;
     [[gnu::always_inline]] inline bool HasRoom(const StandardField_t& field, const Area_t& area, uint32_t& offset,
                                                uint32_t& size) const;

@@ -399,8 +399,13 @@ class ClPacker {
             field.kind = reading.kind;
             field.since = VersionOf(row.since);
             field.step = reading.step;
+            field.isDerived = field.form == Form_t::kDerived;
+            field.record = -1;
             if (field.width < kCountedWidth && field.offset < kAfterList) field.path = PathOf(field);
-            if (field.path != Path_t::kGeneral) field.end = static_cast<uint16_t>(field.offset + field.width);
+            if (field.HasFixedPlace()) {
+                field.size = field.width;
+                field.end = static_cast<uint16_t>(field.offset + field.width);
+            }
             if (row.where.bits == 0)
                 whole = begin + i;
             else

@@ -150,12 +150,22 @@ inline constexpr uint8_t kCountedWidth = 0xFD;  // of as many bytes as the count
 inline constexpr uint8_t kRestOfRecord = 0xFE;  // up to the end of the record, or of the structure
 inline constexpr uint16_t kAfterList = 0x8000;  // of offsets that count from the end of the last list or counted bytes
 
-struct StandardField_t {
-    uint16_t name;
-    uint16_t key;
+// What a fact takes over from the row of its field, in one step.
+struct FactHead_t {
     FactKind_t kind;
     Unit_t unit;
-    uint16_t offset;  // in the structure, or in the record
+    uint16_t offset;  // in the structure, or of a row in its record; with `size`, the bytes that the fact comes from
+    uint16_t size;    // 0 for derived facts and for strings of a list
+    FactState_t state;
+    bool isSigned;     // the number is a two's complement
+    bool isReference;  // its state is kNone because another field, which the text names, has the value
+    bool isDerived;    // made from other facts, which the row's `from` names
+    int32_t record;    // of a fact in a list, the number of its record, from 0; otherwise -1
+};
+
+struct StandardField_t : FactHead_t {
+    uint16_t name;
+    uint16_t key;
     uint8_t width;
     Form_t form;
     Derivation_t derivation;
@@ -179,7 +189,7 @@ struct StandardField_t {
     uint8_t nextShorter;  // the place of the next field that may be there if this one is absent
 
     constexpr bool IsPart() const { return bits != 0; }
-    bool HasFixedPlace() const { return path != Path_t::kGeneral; }
+    constexpr bool HasFixedPlace() const { return path != Path_t::kGeneral; }
 };
 
 // The packed table of one structure type.

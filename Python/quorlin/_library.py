@@ -35,6 +35,15 @@ class Structure(ctypes.Structure):
 
 class Fact(ctypes.Structure):
     _fields_ = [
+        ("kind", c_uint8),
+        ("unit", c_uint8),
+        ("offset", c_uint16),
+        ("size", c_uint16),
+        ("state", c_uint8),
+        ("is_signed", c_uint8),
+        ("is_reference", c_uint8),
+        ("is_derived", c_uint8),
+        ("record", c_int32),
         ("reserved", c_void_p),
         ("key_size", c_size_t),
         ("key", c_char_p),
@@ -45,15 +54,6 @@ class Fact(ctypes.Structure):
         ("text", c_void_p),
         ("string_size", c_size_t),
         ("string", c_void_p),
-        ("kind", c_uint8),
-        ("unit", c_uint8),
-        ("offset", c_uint16),
-        ("size", c_uint16),
-        ("state", c_uint8),
-        ("is_signed", c_uint8),
-        ("is_reference", c_uint8),
-        ("is_derived", c_uint8),
-        ("record", c_int32),
     ]
 
 

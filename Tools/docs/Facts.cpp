@@ -452,8 +452,8 @@ class ClLayout {
         if (value.IsObject()) {
             for (const auto& member : value.GetObject()) {
                 const std::string name = Quoted(member.name.GetString()) + ": ";
-                text += (text.empty() ? "" : ",") + begin + name +
-                        Lines(member.value, indent + 2, indent + 2 + name.size());
+                text.append(text.empty() ? "" : ",").append(begin).append(name);
+                text += Lines(member.value, indent + 2, indent + 2 + name.size());
             }
             return "{" + text + end + "}";
         }
@@ -461,7 +461,7 @@ class ClLayout {
         for (const auto& entry : value.GetArray()) {
             const std::string word = Lines(entry, indent + 2, indent + 2);
             const bool fits = !entry.IsObject() && at + Columns(word) + 2 <= kWidth;
-            text += (text.empty() ? "" : ",") + (fits ? " " : begin) + word;
+            text.append(text.empty() ? "" : ",").append(fits ? " " : begin).append(word);
             at = (fits ? at + 2 : indent + 3) + Columns(word);
         }
         return "[" + text + end + "]";
@@ -471,7 +471,10 @@ class ClLayout {
         std::string text;
         if (value.IsObject()) {
             for (const auto& member : value.GetObject())
-                text += (text.empty() ? "" : ", ") + Quoted(member.name.GetString()) + ": " + Line(member.value);
+                text.append(text.empty() ? "" : ", ")
+                    .append(Quoted(member.name.GetString()))
+                    .append(": ")
+                    .append(Line(member.value));
             return text.empty() ? "{}" : "{ " + text + " }";
         }
         if (value.IsArray()) {
