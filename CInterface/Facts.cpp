@@ -18,7 +18,8 @@ struct quorlin_fact_table {
 
 struct quorlin_fact_walk {
     const quorlin_fact_table* table;
-    std::optional<ClFacts> facts;
+    FactOptions_t options;
+    ClFacts facts;
 };
 
 namespace {
@@ -103,9 +104,9 @@ quorlin_status CopyMachine(quorlin_fact_table& table, const Choose& choose) {
 static_assert(SAME_PLACE(kind, kind) && SAME_PLACE(unit, unit) && SAME_PLACE(offset, offset) &&
               SAME_PLACE(size, size) && SAME_PLACE(state, state) && SAME_PLACE(isSigned, is_signed) &&
               SAME_PLACE(isReference, is_reference) && SAME_PLACE(isDerived, is_derived) &&
-              SAME_PLACE(record, record) && SAME_PLACE(field, reserved) && SAME_PLACE(key, key_size) &&
-              SAME_PLACE(name, name_size) && SAME_PLACE(number, number) && SAME_PLACE(text, text_size) &&
-              SAME_PLACE(string, string_size));
+              SAME_PLACE(record, record) && SAME_PLACE(field, reserved) && SAME_PLACE(keySize, key_size) &&
+              SAME_PLACE(nameSize, name_size) && SAME_PLACE(key, key) && SAME_PLACE(name, name) &&
+              SAME_PLACE(number, number) && SAME_PLACE(text, text_size) && SAME_PLACE(string, string_size));
 #pragma GCC diagnostic pop
 static_assert(sizeof(Fact_t) == sizeof(quorlin_fact) && std::is_trivially_copyable_v<Fact_t>);
 static_assert(sizeof(std::string_view) == sizeof(size_t) + sizeof(const char*));
@@ -115,9 +116,7 @@ const quorlin_structure* StructureAt(const quorlin_fact_table* table, uint32_t i
 }
 
 // Returns the fact at which a walk is; null before the first and after the last one.
-const Fact_t* FactOf(const quorlin_fact_walk* walk) {
-    return walk != nullptr && walk->facts ? walk->facts->Fact() : nullptr;
-}
+const Fact_t* FactOf(const quorlin_fact_walk* walk) { return walk != nullptr ? walk->facts.Fact() : nullptr; }
 
 }  // namespace
 
@@ -183,8 +182,11 @@ const quorlin_structure* quorlin_structure_at(const quorlin_fact_table* table, u
 quorlin_status quorlin_walk_open(const quorlin_fact_table* table, quorlin_fact_walk** walk) {
     if (table == nullptr || walk == nullptr) return QUORLIN_NULL_POINTER;
     return Guarded([&] {
+        const ImageSource_t& source = table->image.source;
         auto made = std::make_unique<quorlin_fact_walk>();
         made->table = table;
+        made->options = {.version = static_cast<uint16_t>(source.major << 8 | source.minor),
+                         .handles = &*table->handles};
         *walk = made.release();
         return quorlin_status{QUORLIN_OK};
     });
@@ -196,25 +198,19 @@ quorlin_status quorlin_walk_begin(quorlin_fact_walk* walk, uint32_t index, int w
     if (walk == nullptr) return QUORLIN_NULL_POINTER;
     const quorlin_structure* structure = StructureAt(walk->table, index);
     if (structure == nullptr) return QUORLIN_BAD_VALUE;
-    const ImageSource_t& source = walk->table->image.source;
-    const FactOptions_t options = {
-        .version = static_cast<uint16_t>(source.major << 8 | source.minor),
-        .handles = &*walk->table->handles,
-        .listsAbsent = with_absent != 0,
-    };
-    walk->facts.emplace(TableStructure_t{structure->bytes, structure->size}, options);
+    walk->options.listsAbsent = with_absent != 0;
+    walk->facts.Begin({structure->bytes, structure->size}, walk->options);
     return QUORLIN_OK;
 }
 
 const quorlin_fact* quorlin_walk_next(quorlin_fact_walk* walk) {
-    if (walk == nullptr || !walk->facts) return nullptr;
-    return reinterpret_cast<const quorlin_fact*>(walk->facts->NextFact());
+    return walk == nullptr ? nullptr : reinterpret_cast<const quorlin_fact*>(walk->facts.NextFact());
 }
 
 const char* quorlin_walk_word(const quorlin_fact_walk* walk, uint32_t* bit) {
     const Fact_t* fact = FactOf(walk);
     if (fact == nullptr || bit == nullptr || fact->kind != FactKind_t::kBits) return nullptr;
-    const StandardType_t& type = walk->facts->Type();
+    const StandardType_t& type = walk->facts.Type();
     while (*bit < 64) {
         const uint32_t at = (*bit)++;
         if ((fact->number >> at & 1) == 0) continue;
@@ -226,7 +222,7 @@ const char* quorlin_walk_word(const quorlin_fact_walk* walk, uint32_t* bit) {
 const char* quorlin_walk_source(const quorlin_fact_walk* walk, uint32_t index) {
     const Fact_t* fact = FactOf(walk);
     if (fact == nullptr || index >= fact->field->sources) return nullptr;
-    return walk->facts->SourceKey(*fact, index).data();
+    return walk->facts.SourceKey(*fact, index).data();
 }
 
 const char* quorlin_unit_text(uint32_t unit) {

@@ -192,11 +192,11 @@ typedef struct quorlin_fact {
     uint8_t is_signed;
     uint8_t is_reference; /* its state is QUORLIN_IS_NONE because the fact with the name `text` has the value */
     uint8_t is_derived;   /* made from other facts, whose keys quorlin_walk_source has */
-    int32_t record;       /* of a fact in a list, the number of its record, from 0; otherwise -1 */
+    uint8_t key_size;
+    uint8_t name_size;
+    int32_t record; /* of a fact in a list, the number of its record, from 0; otherwise -1 */
     const void* reserved;
-    size_t key_size;
-    const char* key; /* stable, such as "memory_size" */
-    size_t name_size;
+    const char* key;  /* stable, such as "memory_size" */
     const char* name; /* the standard's name, such as "Memory Size" */
     uint64_t number;
     size_t text_size;

@@ -11,13 +11,10 @@ namespace {
         return static_cast<uint64_t>(bytes[at]) | static_cast<uint64_t>(bytes[at + 1]) << 8 |
                static_cast<uint64_t>(bytes[at + 2]) << 16 | static_cast<uint64_t>(bytes[at + 3]) << 24;
     };
-    switch (size) {
-        case 1: return bytes[0];
-        case 2: return static_cast<uint64_t>(bytes[0] | bytes[1] << 8);
-        case 4: return four(0);
-        case 8: return four(0) | four(4) << 32;
-        default: break;
-    }
+    if (size == 1) return bytes[0];
+    if (size == 2) return static_cast<uint64_t>(bytes[0] | bytes[1] << 8);
+    if (size == 4) return four(0);
+    if (size == 8) return four(0) | four(4) << 32;
     uint64_t number = 0;
     for (uint32_t i = 0; i < size && i < 8; i++) number |= static_cast<uint64_t>(bytes[i]) << 8 * i;
     return number;
@@ -28,8 +25,7 @@ bool HasSingleBit(uint64_t number) { return number != 0 && (number & (number - 1
 
 // The bits of a part, or the whole number.
 [[gnu::always_inline]] inline uint64_t PartOf(const StandardField_t& field, uint64_t number) {
-    if (!field.IsPart()) return number;
-    return number >> field.low & (field.bits < 64 ? (1ull << field.bits) - 1 : ~0ull);
+    return field.IsPart() ? number >> field.low & ((1ull << field.bits) - 1) : number;
 }
 
 uint32_t FormattedEnd(const TableStructure_t& structure) {
@@ -72,8 +68,9 @@ bool ClHandles::Has(uint16_t handle, std::span<const StandardCode_t> types) cons
     return false;
 }
 
-ClStrings::ClStrings(const TableStructure_t& structure)
-    : m_begin(reinterpret_cast<const char*>(structure.data)), m_count(0) {
+void ClStrings::Find(const TableStructure_t& structure) {
+    m_begin = reinterpret_cast<const char*>(structure.data);
+    m_count = 0;
     uint32_t place = structure.Length();
     m_starts[0] = place;
     while (place < structure.size && m_begin[place] != '\0' && m_count < 255) {
@@ -88,9 +85,16 @@ std::string_view ClStrings::Get(uint32_t number) const {
     return {m_begin + m_starts[number - 1], m_starts[number] - m_starts[number - 1] - 1};
 }
 
-ClFacts::ClFacts(const TableStructure_t& structure, const FactOptions_t& options)
-    : m_data(structure.data), m_type(TableFor(structure, options.version)), m_options(options), m_strings(structure) {
+void ClFacts::Begin(const TableStructure_t& structure, const FactOptions_t& options) {
+    m_data = structure.data;
+    if (m_type.fields.empty() || structure.Type() != m_type.type || structure.Type() == 42)
+        m_type = TableFor(structure, options.version);
+    m_options = options;
+    m_strings.Find(structure);
     m_fact.field = nullptr;
+    m_list = nullptr;
+    m_afterList = 0;
+    m_step = 0;
     m_structure.SetFields(m_type.TopFields());
     m_structure.begin = 0;
     m_structure.end = FormattedEnd(structure);
@@ -155,8 +159,8 @@ void ClFacts::Start(const StandardField_t& field) {
     Fact_t& fact = m_fact;
     static_cast<FactHead_t&>(fact) = field;
     fact.field = &field;
-    fact.key = m_type.Text(field.key);
-    fact.name = m_type.Text(field.name);
+    fact.key = m_type.Text(field.key).data();
+    fact.name = m_type.Text(field.name).data();
     fact.number = 0;
     fact.text = "";
     fact.string = "";

@@ -2,7 +2,7 @@
 //
 //     for (const TableStructure_t& structure : ClWalk(table)) {
 //         ClFacts facts(structure, {.version = 0x0304});
-//         while (facts.Next()) Show(facts->key, facts->text);
+//         while (facts.Next()) Show(facts->Key(), facts->text);
 //     }
 //
 // A fact's texts are views of the structure, of the standard's tables, or of the ClFacts, and are valid until the next
@@ -19,14 +19,18 @@
 
 struct Fact_t : FactHead_t {
     const StandardField_t* field;  // its row in the table of the type
-    std::string_view key;          // stable, in snake_case, such as "memory_size"; a NUL follows key and name
-    std::string_view name;         // the standard's name, such as "Memory Size"
+    const char* key;               // with a NUL after it, as after the name
+    const char* name;
     // Numbers in their unit, codes, bit lists, handles, string numbers, and the number of a list's records.
     uint64_t number;
     // Texts, words of codes, UUIDs, dates and versions. Of numbers that aren't values, why.
     std::string_view text;
     std::string_view string;  // the bytes of a text in the structure's strings
 
+    // The stable key in snake_case, such as "memory_size".
+    std::string_view Key() const { return {key, keySize}; }
+    // The standard's name, such as "Memory Size".
+    std::string_view Name() const { return {name, nameSize}; }
     bool IsValue() const { return state == FactState_t::kValue; }
 };
 
@@ -44,7 +48,7 @@ class ClHandles {
 // The strings after a structure's formatted area.
 class ClStrings {
   public:
-    explicit ClStrings(const TableStructure_t& structure);
+    void Find(const TableStructure_t& structure);
     uint32_t Count() const { return m_count; }
     // Returns the string with this number, from 1 to Count().
     std::string_view Get(uint32_t number) const;
@@ -61,14 +65,18 @@ struct FactOptions_t {
     bool listsAbsent = false;            // also facts with the state kAbsent
 };
 
-// Walks over the facts of one structure: its fields in the order of the standard, parts after their field, the records
-// of a list after the list, and derived facts last. `structure` must outlive the walk.
+// Walks over the facts of one structure at a time: its fields in the order of the standard, parts after their field,
+// the records of a list after the list, and derived facts last. `structure` must outlive the walk.
 class ClFacts {
   public:
-    ClFacts(const TableStructure_t& structure, const FactOptions_t& options);
+    // A walk over nothing.
+    ClFacts() = default;
+    ClFacts(const TableStructure_t& structure, const FactOptions_t& options) { Begin(structure, options); }
     ClFacts(const ClFacts&) = delete;
     ClFacts& operator=(const ClFacts&) = delete;
 
+    // Begins a walk over this structure.
+    void Begin(const TableStructure_t& structure, const FactOptions_t& options);
     // Moves to the next fact, or returns false after the last one.
     bool Next() { return NextFact() != nullptr; }
     // The same, but returns the fact. Null after the last one.
@@ -151,15 +159,15 @@ class ClFacts {
     StandardType_t m_type;
     FactOptions_t m_options;
     ClStrings m_strings;
-    Fact_t m_fact;
-    Area_t m_structure;
-    Area_t m_record;           // set when a list begins
-    uint32_t m_afterList = 0;  // where the fields after the last list begin
-    uint32_t m_step = 0;
+    Fact_t m_fact = {};
+    Area_t m_structure = {};
+    uint32_t m_afterList;  // where the fields after the last list begin
+    uint32_t m_step;
     const StandardField_t* m_list = nullptr;  // whose records are read
-    uint32_t m_records = 0;
-    uint32_t m_recordStep = 0;
-    int m_recordNumber = 0;
+    Area_t m_record;                          // they are set when a list begins
+    uint32_t m_records;
+    uint32_t m_recordStep;
+    int m_recordNumber;
     char m_buffer[64];
 };
 

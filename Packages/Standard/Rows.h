@@ -385,6 +385,8 @@ class ClPacker {
             StandardField_t field = {};
             field.name = AddText(row.name);
             field.key = AddKey(row.name);
+            field.nameSize = static_cast<uint8_t>(m_packed.texts[field.name]);
+            field.keySize = static_cast<uint8_t>(m_packed.texts[field.key]);
             field.offset = above->offset;
             field.width = above->width;
             field.form = reading.form;

@@ -160,7 +160,9 @@ struct FactHead_t {
     bool isSigned;     // the number is a two's complement
     bool isReference;  // its state is kNone because another field, which the text names, has the value
     bool isDerived;    // made from other facts, which the row's `from` names
-    int32_t record;    // of a fact in a list, the number of its record, from 0; otherwise -1
+    uint8_t keySize;
+    uint8_t nameSize;
+    int32_t record;  // of a fact in a list, the number of its record, from 0; otherwise -1
 };
 
 struct StandardField_t : FactHead_t {

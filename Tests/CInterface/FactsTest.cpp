@@ -172,8 +172,8 @@ TEST(CFacts, ReportsErrors) {
 TEST(CFacts, KeepsItsLayout) {
     EXPECT_EQ(sizeof(quorlin_structure), 40u);
     EXPECT_EQ(offsetof(quorlin_structure, handle), 32u);
-    EXPECT_EQ(sizeof(quorlin_fact), 96u);
-    EXPECT_EQ(offsetof(quorlin_fact, text), 72u);
+    EXPECT_EQ(sizeof(quorlin_fact), 80u);
+    EXPECT_EQ(offsetof(quorlin_fact, text), 56u);
     EXPECT_EQ(offsetof(quorlin_fact, offset), 2u);
     EXPECT_EQ(offsetof(quorlin_fact, record), 12u);
 }

@@ -25,7 +25,7 @@ void FactStructure_t::ForEach(const std::function<void(const ClFacts&, const Fac
     bool isInWantedList = false;
     while (facts.Next()) {
         const Fact_t& fact = *facts;
-        bool isWanted = IsWanted(choice.keys, fact.key);
+        bool isWanted = IsWanted(choice.keys, fact.Key());
         if (fact.kind == FactKind_t::kList) {
             isInWantedList = isWanted;
             // A list is shown for the sake of a fact in it.

@@ -84,7 +84,7 @@ std::string KeywordText(const ClFacts& facts, const Fact_t& fact) {
         case FactKind_t::kNumber: return fact.IsValue() ? ShownValue(facts, fact) : "Unknown";
         case FactKind_t::kCode:
             if (fact.state == FactState_t::kReserved) return "<OUT OF SPEC>";
-            if (fact.key == "family") text = FamilyText(text);
+            if (fact.Key() == "family") text = FamilyText(text);
             return text.empty() ? std::string(fact.text) : text;
         default: return fact.IsValue() ? text : "";
     }
@@ -117,7 +117,7 @@ int PrintKeyword(const Source_t& source, const std::string& keyword) {
             if (structure.Type() != row.type) continue;
             ClFacts facts(structure, options);
             while (facts.Next()) {
-                if (facts->record >= 0 || facts->key != row.key) continue;
+                if (facts->record >= 0 || facts->Key() != row.key) continue;
                 const std::string text = KeywordText(facts, *facts);
                 if (text.empty() && facts->kind != FactKind_t::kText) continue;
                 output << text << "\n";

@@ -20,7 +20,7 @@ class ClValues {
         ClFacts facts(structure, options);
         while (facts.Next())
             if (facts->record < 0)
-                m_values.push_back({facts->key, facts->state, facts->number, std::string(facts->text)});
+                m_values.push_back({facts->Key(), facts->state, facts->number, std::string(facts->text)});
     }
 
     bool Has(std::string_view key, FactState_t state) const {

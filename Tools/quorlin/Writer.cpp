@@ -22,8 +22,8 @@ void ClWriter::Facts(const FactStructure_t& structure) {
     const std::string_view name = structure.Name();
     std::string list;
     structure.ForEach([&](const ClFacts& facts, const Fact_t& fact) {
-        if (fact.kind == FactKind_t::kList) list = fact.key;
-        std::string key(fact.key);
+        if (fact.kind == FactKind_t::kList) list = fact.Key();
+        std::string key(fact.Key());
         if (fact.record >= 0) key = list + "[" + std::to_string(fact.record) + "]." + key;
         const bool hasValue = fact.IsValue() && fact.kind != FactKind_t::kList;
         const std::string value = hasValue ? PlainValue(facts, fact) : std::string();

@@ -44,7 +44,7 @@ std::string FactOf(const ClStructureBuilder& structure, std::string_view key, co
     const std::vector<uint8_t> image = structure.Image();
     ClFacts facts({image.data(), static_cast<uint32_t>(image.size())}, options);
     while (facts.Next())
-        if (facts->key == key) return Shown(facts, *facts);
+        if (facts->Key() == key) return Shown(facts, *facts);
     return "(none)";
 }
 
@@ -220,9 +220,10 @@ std::string Records(const ClStructureBuilder& structure, const FactOptions_t& op
     ClFacts facts({image.data(), static_cast<uint32_t>(image.size())}, options);
     std::string lines;
     while (facts.Next()) {
-        if (facts->kind == FactKind_t::kList) lines.append(facts->key).append("=").append(Shown(facts, *facts)) += '\n';
+        if (facts->kind == FactKind_t::kList)
+            lines.append(facts->Key()).append("=").append(Shown(facts, *facts)) += '\n';
         if (facts->record < 0) continue;
-        lines.append(std::to_string(facts->record)).append(".").append(facts->key).append("=");
+        lines.append(std::to_string(facts->record)).append(".").append(facts->Key()).append("=");
         lines.append(Shown(facts, *facts)) += '\n';
     }
     return lines;

@@ -42,7 +42,7 @@ Facts_t FactsOf(const std::vector<uint8_t>& bytes) {
     std::string list;
     while (facts.Next()) {
         const Fact_t& fact = *facts;
-        if (fact.kind == FactKind_t::kList) list = fact.key;
+        if (fact.kind == FactKind_t::kList) list = fact.Key();
         const auto path = [&](std::string_view key) {
             return fact.record < 0 ? std::string(key)
                                    : list + "[" + std::to_string(fact.record) + "]." + std::string(key);
@@ -64,9 +64,9 @@ Facts_t FactsOf(const std::vector<uint8_t>& bytes) {
         seen.isSelector = fact.field->form == Form_t::kCount || fact.field->form == Form_t::kStep ||
                           (fact.kind == FactKind_t::kList && fact.state == FactState_t::kBroken);
         for (uint32_t i = 0; i < fact.field->sources; i++) seen.from.push_back(path(facts.SourceKey(fact, i)));
-        EXPECT_LE(seen.end, formatted) << fact.key << " leaves the structure";
-        EXPECT_LE(seen.stringEnd, bytes.size()) << fact.key;
-        EXPECT_TRUE(all.emplace(path(fact.key), seen).second) << "two facts have the key " << path(fact.key);
+        EXPECT_LE(seen.end, formatted) << fact.Key() << " leaves the structure";
+        EXPECT_LE(seen.stringEnd, bytes.size()) << fact.Key();
+        EXPECT_TRUE(all.emplace(path(fact.Key()), seen).second) << "two facts have the key " << path(fact.Key());
     }
     return all;
 }

@@ -53,7 +53,7 @@ class ClExplanation {
         uint32_t last = kHeaderSize;
         while (m_facts.Next()) {
             const Fact_t& fact = *m_facts;
-            std::string text(fact.name);
+            std::string text(fact.Name());
             text.append(": ").append(ValueOf(fact));
             if (fact.record >= 0) text.insert(0, std::to_string(fact.record + 1) + ". ");
             if (fact.isDerived) {
@@ -61,7 +61,7 @@ class ClExplanation {
                 continue;
             }
             if (fact.kind == FactKind_t::kText && fact.size != 0 && fact.field->form == Form_t::kText)
-                m_users.emplace_back(fact.number, fact.name);
+                m_users.emplace_back(fact.number, fact.Name());
             // Of a list that can be read, the records have the bytes. Strings of a list have none here.
             const bool hasRecords = fact.kind == FactKind_t::kList && fact.IsValue();
             if (fact.size != 0) last = fact.offset;

@@ -80,7 +80,7 @@ class ClGet : public ClCommand {
             if (m_instance != 0 && instance != m_instance) continue;
             ClFacts facts(structure, options);
             while (facts.Next()) {
-                if (facts->key != m_key || !facts->IsValue() || facts->kind == FactKind_t::kList) continue;
+                if (facts->Key() != m_key || !facts->IsValue() || facts->kind == FactKind_t::kList) continue;
                 output << Printable(PlainValue(facts, *facts)) << "\n";
                 isFound = true;
             }

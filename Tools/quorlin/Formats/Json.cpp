@@ -195,7 +195,7 @@ class ClJsonWriter : public ClWriter {
                 record = fact.record;
             }
             if (!isFull && fact.state == FactState_t::kAbsent) return;
-            m_json.Name(fact.key);
+            m_json.Name(fact.Key());
             isInList = isInList || (fact.kind == FactKind_t::kList && fact.IsValue());
             if (isFull)
                 PutFullFact(facts, fact);

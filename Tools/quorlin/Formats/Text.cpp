@@ -94,11 +94,11 @@ class ClTextWriter : public ClWriter {
                 record = fact.record;
                 if (record >= 0) m_columns.Line(2, list + " " + std::to_string(record + 1));
             }
-            if (fact.kind == FactKind_t::kList) list = fact.name;
+            if (fact.kind == FactKind_t::kList) list = fact.Name();
             if (fact.kind == FactKind_t::kList && fact.IsValue() && fact.number != 0) return;  // its records show it
             std::string value = ShownValue(facts, fact);
             if (structure.choice.showsWhere) value += WhereText(facts, fact);
-            m_columns.Pair(fact.name, values.emplace_back(std::move(value)));
+            m_columns.Pair(fact.Name(), values.emplace_back(std::move(value)));
         });
         m_columns.Finish(record < 0 ? 2 : 4);
     }
