@@ -86,16 +86,16 @@ TEST(Explain, TellsWhatBytesSay) {
               "                                 Memory Speed: unknown, from speed and extended_speed\n");
     EXPECT_EQ(Explain("14", table).output,
               "Group Associations, handle 0E00h, at offset 36h\n"
-              "  0000  0E                 Type: 14\n"
-              "  0001  09                 Length: 9\n"
-              "  0002  00 0E              Handle: 0E00h\n"
-              "  0004  01                 Group Name: string 1, Group\n"
-              "                             Items: 1\n"
-              "  0005  11                 1. Item Type: 17\n"
-              "  0006  00 11              1. Item Handle: 1100h\n"
-              "  0008  AA                 (no field of the standard)\n"
-              "  0009  47 72 6F 75 70 00  String 1, Group Name: Group\n"
-              "  000F  00                 End of the structure\n");
+              "  0000  0E                       Type: 14\n"
+              "  0001  09                       Length: 9\n"
+              "  0002  00 0E                    Handle: 0E00h\n"
+              "  0004  01                       Group Name: string 1, Group\n"
+              "                                   Items: 1\n"
+              "  0005  11                       1. Item Type: 17\n"
+              "  0006  00 11                    1. Item Handle: 1100h\n"
+              "  0008  AA                       (no field of the standard)\n"
+              "  0009  47 72 6F 75 70 00        String 1, Group Name: Group\n"
+              "  000F  00                       End of the structure\n");
 }
 
 TEST(Explain, TakesAHandleOrTypes) {

@@ -135,6 +135,7 @@ class ClExplanation {
     // Shows the bytes that aren't shown yet up to `end`, with a text beside the first of them.
     void ShowBytes(uint32_t end, std::string text) {
         constexpr uint32_t kBytesPerLine = 8;
+        constexpr size_t kKeySize = 5 + 3 * kBytesPerLine, kMostTexts = 1000;
         while (m_place < end) {
             const uint32_t count = std::min(end - m_place, kBytesPerLine);
             char piece[16];
@@ -144,8 +145,14 @@ class ClExplanation {
                 std::snprintf(piece, sizeof piece, " %02X", m_structure.data[m_place + i]);
                 key += piece;
             }
+            // All facts begin in one column, so that a long structure may be written in parts.
+            key.resize(std::max(key.size(), kKeySize), ' ');
             m_people.Pair(m_texts.emplace_back(std::move(key)), m_texts.emplace_back(std::move(text)));
             text.clear();
+            if (m_texts.size() >= kMostTexts) {
+                m_people.Finish(2);
+                m_texts.clear();
+            }
             m_place += count;
         }
     }

@@ -90,11 +90,13 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
     add("no decoder, many structures", Filled("", Structure(200, "")));
     std::vector<std::vector<std::string>> commands;
     for (const char* format : {"lines", "text", "json", "csv"}) commands.push_back({"show", "--format", format});
-    for (const char* command : {"types", "check", "raw"}) commands.push_back({command});
-    commands.insert(commands.end(), {
-                                        {"find",      "none"},
-                                        { "get",        "1", "none"},
-                                        { "check", "--format", "json"}
+    for (const char* command : {"types", "summary", "facts", "check", "raw"}) commands.push_back({command});
+    commands.insert(commands.end(),
+                    {
+                        {"explain", "0-255"},
+                        {       "find",   "none"       },
+                        {   "get",   "1",          "none"},
+                        { "check",   "--format",          "json"}
     });
     const std::string file = testing::TempDir() + "worst.bin", output = testing::TempDir() + "worst.out";
     for (const auto& [bad, table] : tables) {
