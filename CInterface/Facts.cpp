@@ -26,8 +26,6 @@ namespace {
 
 constexpr uint8_t kNoItems = 127;  // for a package that decodes nothing
 
-constexpr char kStateTexts[][9] = {"value", "unknown", "none", "absent", "reserved", "filler", "broken"};
-
 constexpr bool Is(uint32_t number, auto value) { return number == static_cast<uint32_t>(value); }
 static_assert(Is(QUORLIN_NUMBER, FactKind_t::kNumber) && Is(QUORLIN_TEXT, FactKind_t::kText) &&
               Is(QUORLIN_CODE, FactKind_t::kCode) && Is(QUORLIN_BITS, FactKind_t::kBits) &&
@@ -229,4 +227,4 @@ const char* quorlin_unit_text(uint32_t unit) {
     return unit < std::size(kUnitNames) ? UnitName(static_cast<Unit_t>(unit)) : "";
 }
 
-const char* quorlin_state_text(uint32_t state) { return state < std::size(kStateTexts) ? kStateTexts[state] : ""; }
+const char* quorlin_state_text(uint32_t state) { return state < std::size(kStateNames) ? kStateNames[state] : ""; }

@@ -425,7 +425,7 @@ class ClPacker {
             }
             m_packed.fields[begin + i] = field;
         }
-        // What a derived fact comes from may stand after it.
+        // What a derived fact comes from may be after it.
         for (size_t i = 0; i < rows.count; i++) {
             StandardField_t& field = m_packed.fields[begin + i];
             if (field.sources != 0 && field.derivation != Derivation_t::kTpmFirmwareVersion)

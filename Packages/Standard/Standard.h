@@ -242,6 +242,11 @@ StandardType_t OldHostInterface();
 // Whether the standard has this type.
 bool IsStandardType(uint8_t type);
 
+inline constexpr char kStateNames[][9] = {"value", "unknown", "none", "absent", "reserved", "filler", "broken"};
+
+// Returns the name of a state, such as "value".
+inline const char* StateName(FactState_t state) { return kStateNames[static_cast<size_t>(state)]; }
+
 inline constexpr char kUnitNames[][6] = {"",    "byte",     "bit", "MHz",     "MT/s", "mV",  "\u00B5V",
                                          "mA",  "\u00B5A",  "W",   "mWh",     "ns",   "min", "%",
                                          "ppm", "m\u00B0C", "rpm", "\u00B5m", "U"};

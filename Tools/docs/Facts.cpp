@@ -56,11 +56,6 @@ std::string Joined(const std::vector<std::string>& texts, const std::string& las
 
 // ---- The page ----
 
-std::string_view StateName(FactState_t state) {
-    static constexpr std::string_view kNames[] = {"value", "unknown", "none", "absent", "reserved", "filler", "broken"};
-    return kNames[static_cast<size_t>(state)];
-}
-
 // How the number in the bytes becomes the number of the fact.
 std::string EncodingText(const StandardField_t& field) {
     switch (field.form) {

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr char kStateWords[][9] = {"value", "unknown", "none", "absent", "reserved", "filler", "broken"};
-
 std::string NumberText(const Fact_t& fact) {
     return fact.isSigned ? std::to_string(static_cast<int64_t>(fact.number)) : std::to_string(fact.number);
 }
@@ -37,8 +35,6 @@ void FactStructure_t::ForEach(const std::function<void(const ClFacts&, const Fac
         if (isWanted) take(facts, fact);
     }
 }
-
-std::string_view StateWord(FactState_t state) { return kStateWords[static_cast<size_t>(state)]; }
 
 std::string SizeText(uint64_t bytes) {
     static constexpr char kUnits[][4] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
@@ -77,7 +73,7 @@ std::string ShownValue(const ClFacts& facts, const Fact_t& fact) {
         case FactState_t::kValue: break;
         default:
             if (fact.isReference) return "see " + std::string(fact.text);
-            return std::string(fact.text.empty() || fact.kind == FactKind_t::kCode ? StateWord(fact.state) : fact.text);
+            return std::string(fact.text.empty() || fact.kind == FactKind_t::kCode ? StateName(fact.state) : fact.text);
     }
     if (fact.kind == FactKind_t::kHandle) return HandleText(static_cast<uint16_t>(fact.number));
     if (fact.kind == FactKind_t::kList && fact.number == 0) return "empty";

@@ -29,8 +29,6 @@ struct FactStructure_t {
     void ForEach(const std::function<void(const ClFacts& facts, const Fact_t& fact)>& take) const;
 };
 
-// "value", "unknown" and so on.
-std::string_view StateWord(FactState_t state);
 // The value as decoded, in its unit: a number, text, word, or words with ", " between them.
 std::string PlainValue(const ClFacts& facts, const Fact_t& fact);
 // The value for people: with its unit, sizes in the largest unit that fits; or why there is none.

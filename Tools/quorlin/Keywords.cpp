@@ -111,7 +111,7 @@ int PrintKeyword(const Source_t& source, const std::string& keyword) {
     const Keyword_t& row = *FindKeyword(keyword);
     ClOutput output;
     const int exitCode = ForEachTable(source, kExitTrouble, [&](ClTable& table) {
-        const FactOptions_t options = {.version = static_cast<uint16_t>(table.Major() << 8 | table.Minor())};
+        const FactOptions_t options = {.version = table.Version()};
         bool isFound = false;
         for (const TableStructure_t& structure : ClWalk(table.Bytes())) {
             if (structure.Type() != row.type) continue;

@@ -31,6 +31,8 @@ class ClTable {
     std::span<const uint8_t> Bytes();
     uint8_t Major() const { return m_version[0]; }
     uint8_t Minor() const { return m_version[1]; }
+    // The same as 0304h for 3.4.
+    uint16_t Version() const { return static_cast<uint16_t>(Major() << 8 | Minor()); }
 
     // The file, "sample" or "this machine".
     const std::string& Name() const { return m_name; }

@@ -33,6 +33,6 @@ void ClWriter::Facts(const FactStructure_t& structure) {
             from.append(i == 0 ? "" : " ").append(facts.SourceKey(fact, i));
         const auto place = [&](uint64_t number) { return fact.size == 0 ? Cell_t() : Cell_t(number); };
         Row({bytes.Type(), bytes.Handle(), structure.instance, name, key, value, UnitName(fact.unit),
-             StateWord(fact.state), raw, place(fact.offset), place(fact.size), from});
+             StateName(fact.state), raw, place(fact.offset), place(fact.size), from});
     });
 }

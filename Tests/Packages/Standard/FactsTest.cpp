@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr const char* kStates[] = {"value", "unknown", "none", "absent", "reserved", "filler", "broken"};
-
 // A fact in one line: the state unless it is a value, and then number, text or words.
 std::string Shown(const ClFacts& facts, const Fact_t& fact) {
     std::string shown;
@@ -36,7 +34,7 @@ std::string Shown(const ClFacts& facts, const Fact_t& fact) {
         default: shown = fact.text;
     }
     if (fact.IsValue()) return shown;
-    return std::string(kStates[static_cast<size_t>(fact.state)]) + ":" + shown;
+    return std::string(StateName(fact.state)) + ":" + shown;
 }
 
 // The fact with this key, or with this key in the first record that has it; "(none)" if it isn't listed.
@@ -337,8 +335,7 @@ TEST(Standard, EveryCodeReadsItsWord) {
                 const auto row = std::ranges::find_if(rows, isCode);
                 const std::string word(row == rows.end() ? "" : type.Text(row->word));
                 const FactState_t state = row == rows.end() ? FactState_t::kReserved : row->state;
-                const std::string prefix =
-                    state == FactState_t::kValue ? "" : std::string(kStates[static_cast<size_t>(state)]) + ":";
+                const std::string prefix = state == FactState_t::kValue ? "" : std::string(StateName(state)) + ":";
                 EXPECT_EQ(FactOf(Of(type.type, 120).Word(field.offset, static_cast<uint16_t>(code << field.low)), key,
                                  {.version = 0x0309}),
                           prefix + word)

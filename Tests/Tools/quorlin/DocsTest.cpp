@@ -125,6 +125,12 @@ class ClSchema {
     rapidjson::SchemaDocument m_schema;
 };
 
+std::string AllBytes() {
+    std::string bytes;
+    for (unsigned byte = 1; byte < 256; byte++) bytes += static_cast<char>(byte);
+    return bytes;
+}
+
 TEST(Docs, TheSchemaHoldsForEveryDocument) {
     const ClSchema schema("json-schema.json");
     const auto Problem = [&](const std::string& text) { return schema.Problem(text); };
@@ -134,10 +140,9 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
                               R"({"source":"a","smbios":"3.0","findings":[{"rule":"new","offset":0,"text":""}]})"})
         EXPECT_NE(Problem(wrong), "") << wrong;
     // A string of all bytes, a title's structure cut short, and damage before all of it.
-    std::string bytes;
-    for (unsigned byte = 1; byte < 256; byte++) bytes += static_cast<char>(byte);
-    const std::vector<uint8_t> table = TableOf({ClStructureBuilder(11, 5).Byte(4, 2).Strings({bytes, "\xED\xA0\x80"}),
-                                                ClStructureBuilder(14, 8), ClStructureBuilder(14, 8)});
+    const std::vector<uint8_t> table =
+        TableOf({ClStructureBuilder(11, 5).Byte(4, 2).Strings({AllBytes(), "\xED\xA0\x80"}), ClStructureBuilder(14, 8),
+                 ClStructureBuilder(14, 8)});
     std::vector<uint8_t> damaged = {1, 2, 3, 0, 0};
     for (const uint8_t byte : table) damaged.push_back(byte);
     const std::string odd = " --image " + WriteFile("odd.bin", table) + " --as table";

@@ -105,6 +105,7 @@ TEST(Explain, TakesAHandleOrTypes) {
     };
     begins("4", "Processor Information, handle 0400h");
     begins("0x400", "Processor Information, handle 0400h");
+    begins("0X400", "Processor Information, handle 0400h");
     begins("400h", "Processor Information, handle 0400h");
     begins("1024", "Processor Information, handle 0400h");
     begins("cache", "Cache Information");

@@ -60,8 +60,7 @@ class ClExplanation {
                 m_derived.push_back(text + SourcesOf(fact));
                 continue;
             }
-            if (fact.kind == FactKind_t::kText && fact.size != 0 && fact.field->form == Form_t::kText)
-                m_users.emplace_back(fact.number, fact.Name());
+            if (HasStringNumber(fact)) m_users.emplace_back(fact.number, fact.Name());
             // Of a list that can be read, the records have the bytes. Strings of a list have none here.
             const bool hasRecords = fact.kind == FactKind_t::kList && fact.IsValue();
             if (fact.size != 0) last = fact.offset;
@@ -70,11 +69,14 @@ class ClExplanation {
         std::ranges::stable_sort(m_lines, {}, &Line_t::offset);
     }
 
+    // Whether it is a text whose string number is in its bytes, other than one of a list of strings.
+    static bool HasStringNumber(const Fact_t& fact) { return fact.field->form == Form_t::kText && fact.size != 0; }
+
     std::string ValueOf(const Fact_t& fact) const {
         if (fact.kind == FactKind_t::kList && fact.IsValue() && fact.number != 0) return std::to_string(fact.number);
         const std::string value = ShownValue(m_facts, fact);
-        const bool isString = fact.kind == FactKind_t::kText && fact.size != 0 && fact.field->form == Form_t::kText;
-        return isString && fact.number != 0 ? "string " + std::to_string(fact.number) + ", " + value : value;
+        return HasStringNumber(fact) && fact.number != 0 ? "string " + std::to_string(fact.number) + ", " + value
+                                                         : value;
     }
 
     std::string SourcesOf(const Fact_t& fact) const {
@@ -173,9 +175,9 @@ class ClExplanation {
 // The structures that a user means: a handle in hexadecimal or above 255, or else types.
 struct Wanted_t {
     explicit Wanted_t(const std::string& word) {
-        uint64_t number = 0;
-        const bool isDecimal = ParseNumber(word, UINT64_MAX, &number) && !word.starts_with("0x");
-        isHandle = isDecimal ? number > 255 : ParseHex(word, UINT64_MAX, &number) && !IsTypeWord(word);
+        uint64_t number;
+        const bool isDecimal = word.find_first_not_of("0123456789") == word.npos;
+        isHandle = isDecimal ? !ParseNumber(word, 255, &number) : ParseHex(word, UINT64_MAX, &number);
         if (isHandle)
             handle = ParseHandle(word);
         else
@@ -184,10 +186,6 @@ struct Wanted_t {
 
     bool Has(const TableStructure_t& structure) const {
         return isHandle ? structure.Handle() == handle : std::ranges::find(types, structure.Type()) != types.end();
-    }
-
-    static bool IsTypeWord(std::string_view word) {
-        return std::ranges::any_of(TypeWords(), [=](const Choice_t& choice) { return word == choice.word; });
     }
 
     bool isHandle;
@@ -218,8 +216,7 @@ class ClExplain : public ClCommand {
         const int exitCode = ForEachTable(m_source, kExplainCommand.trouble, [&](ClTable& table) {
             const std::span<const uint8_t> bytes = table.Bytes();
             const ClHandles handles(bytes);
-            const FactOptions_t options = {.version = static_cast<uint16_t>(table.Major() << 8 | table.Minor()),
-                                           .handles = &handles};
+            const FactOptions_t options = {.version = table.Version(), .handles = &handles};
             ClColumns people(output);
             bool isFound = false;
             for (const TableStructure_t& structure : ClWalk(bytes)) {

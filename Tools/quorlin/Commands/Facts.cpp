@@ -56,7 +56,7 @@ class ClFactsCommand : public ClCommand {
                                const std::span<const uint8_t> bytes = table.Bytes();
                                const ClHandles handles(bytes);
                                const FactOptions_t options = {
-                                   .version = static_cast<uint16_t>(table.Major() << 8 | table.Minor()),
+                                   .version = table.Version(),
                                    .handles = &handles,
                                    .listsAbsent = m_listsAbsent,
                                };

@@ -70,8 +70,7 @@ class ClGet : public ClCommand {
     // Prints facts that are values, in their unit.
     bool PrintFacts(ClTable& table, const std::vector<uint8_t>& types, ClOutput& output) const {
         const ClHandles handles(table.Bytes());
-        const FactOptions_t options = {.version = static_cast<uint16_t>(table.Major() << 8 | table.Minor()),
-                                       .handles = &handles};
+        const FactOptions_t options = {.version = table.Version(), .handles = &handles};
         bool isFound = false;
         uint32_t counts[256] = {};
         for (const TableStructure_t& structure : ClWalk(table.Bytes())) {

@@ -360,16 +360,15 @@ class ClSummaryCommand : public ClCommand {
     int Run() override {
         m_source.Check();
         m_format.Check(m_source);
-        return WriteTables(
-            m_source, m_format.Chosen(), kNoList, kSummaryCommand.trouble, [](ClTable& table, ClWriter& writer) {
-                const Summary_t summary =
-                    SummaryOf(table.Bytes(), {.version = static_cast<uint16_t>(table.Major() << 8 | table.Minor())});
-                if (ClColumns* people = writer.People(); people != nullptr)
-                    ShowToPeople(summary, *people);
-                else
-                    writer.Members(MembersOf(summary));
-                return kExitDone;
-            });
+        return WriteTables(m_source, m_format.Chosen(), kNoList, kSummaryCommand.trouble,
+                           [](ClTable& table, ClWriter& writer) {
+                               const Summary_t summary = SummaryOf(table.Bytes(), {.version = table.Version()});
+                               if (ClColumns* people = writer.People(); people != nullptr)
+                                   ShowToPeople(summary, *people);
+                               else
+                                   writer.Members(MembersOf(summary));
+                               return kExitDone;
+                           });
     }
 
   private:

@@ -301,7 +301,7 @@ class ClJsonWriter : public ClWriter {
     void PutFullFact(const ClFacts& facts, const Fact_t& fact) {
         m_json.BeginObject();
         if (fact.unit != Unit_t::kNone) m_json.Member("unit", UnitName(fact.unit));
-        m_json.Member("state", StateWord(fact.state));
+        m_json.Member("state", StateName(fact.state));
         if (fact.size != 0 || !fact.string.empty()) m_json.Member("raw", RawDigits(facts, fact));
         if (fact.size != 0) {
             m_json.Member("offset", fact.offset);

@@ -23,7 +23,7 @@ std::string WhereText(const ClFacts& facts, const Fact_t& fact) {
     } else {
         text += fact.string.empty() ? "no bytes" : "a string";
     }
-    return text.append(", ").append(StateWord(fact.state)).append("]");
+    return text.append(", ").append(StateName(fact.state)).append("]");
 }
 
 class ClTextWriter : public ClWriter {
