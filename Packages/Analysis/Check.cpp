@@ -1,0 +1,268 @@
+#include "Packages/Analysis/Check.h"
+
+#include <algorithm>
+#include <bitset>
+#include <cstdio>
+#include <memory>
+
+#include "Packages/Analysis/Memory.h"
+#include "Packages/Analysis/Values.h"
+#include "Packages/Standard/Facts.h"
+
+namespace {
+
+constexpr uint16_t kEndRequired = 0x0202;         // the level that requires an End-of-Table structure
+constexpr uint16_t kStructuresRequired = 0x0203;  // and the one that requires these types
+constexpr uint8_t kRequired[] = {0, 1, 3, 4, 7, 9, 16, 17, 19, 32};
+
+// Texts that the standard requires of types 0, 1 and 3.
+struct RequiredText_t {
+    uint8_t type;
+    char key[22];
+};
+constexpr RequiredText_t kRequiredTexts[] = {
+    {0, "vendor"               },
+    {0, "firmware_version"     },
+    {0, "firmware_release_date"},
+    {1, "manufacturer"         },
+    {1, "product_name"         },
+    {3, "manufacturer"         },
+};
+
+// Types whose last fields are optional, whatever the version.
+constexpr uint8_t kOptionalFields[] = {2, 26, 27, 28, 29, 38, 39};
+
+std::string Hex(uint64_t number) {
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(number));
+    return text;
+}
+
+std::string HandleText(uint64_t handle) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%04Xh", static_cast<unsigned>(handle & 0xFFFF));
+    return text;
+}
+
+// The length up to the last field at a fixed place that a level of the standard has. 0 for an unknown type.
+uint32_t LengthAt(const StandardType_t& type, StandardVersion_t version) {
+    uint32_t length = 0;
+    for (const StandardField_t& field : type.TopFields()) {
+        const bool isFixed = field.HasFixedPlace() || field.form == Form_t::kCount || field.form == Form_t::kStep;
+        if (isFixed && field.offset < kAfterList && field.since != 0 && field.since <= version)
+            length = std::max<uint32_t>(length, field.offset + field.width);
+    }
+    return length;
+}
+
+// 0304h as 340h.
+StandardVersion_t LevelOf(uint16_t version) {
+    return static_cast<StandardVersion_t>((version & 0xFF00) | std::min(version & 0xFF, 15) << 4);
+}
+
+bool HasControls(std::string_view text) {
+    return std::ranges::any_of(text, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
+}
+
+bool IsBlank(std::string_view text) {
+    return std::ranges::all_of(text, [](unsigned char c) { return c <= ' '; });
+}
+
+class ClCheck {
+  public:
+    ClCheck(const CheckedTable_t& table, const Report_t& report)
+        : m_table(table), m_report(report), m_handles(table.bytes), m_memory(table.bytes) {}
+
+    void Run() {
+        if (!m_table.checksumsFit) SayOfTable(RuleId_t::kChecksum, 0, "", "");
+        bool isEnded = false;
+        for (const TableStructure_t& structure : ClWalk(m_table.bytes)) {
+            m_structure = &structure;
+            CheckStructure();
+            isEnded = structure.Type() == kEndOfTable;
+        }
+        const auto end = static_cast<uint32_t>(m_table.bytes.size());
+        if (m_table.missing != 0)
+            SayOfTable(RuleId_t::kTableCutOff, end, std::to_string(end) + " bytes",
+                       std::to_string(uint64_t{end} + m_table.missing) + " bytes");
+        if (!isEnded && m_table.version >= kEndRequired) SayOfTable(RuleId_t::kNoEnd, end, "", "");
+        if (m_table.version >= kStructuresRequired)
+            for (const uint8_t type : kRequired)
+                if (!m_types[type])
+                    SayOfTable(RuleId_t::kMissingStructure, end, "none of type " + std::to_string(type),
+                               std::string(FindStandardType(type).Name()));
+        m_memory.Report(m_report);
+    }
+
+  private:
+    void SayOfTable(RuleId_t rule, uint32_t offset, const std::string& found, const std::string& expected) {
+        m_report({rule, nullptr, "", offset, 0, found, expected});
+    }
+
+    // On bytes of the structure; on the structure as a whole if there are none.
+    void Say(RuleId_t rule, std::string_view key, uint32_t offset, uint32_t size, const std::string& found,
+             const std::string& expected) {
+        const auto begin = static_cast<uint32_t>(m_structure->data - m_table.bytes.data());
+        m_report({rule, m_structure, key, begin + offset, size, found, expected});
+    }
+
+    void Say(RuleId_t rule, std::string_view key, const std::string& found, const std::string& expected) {
+        const Value_t* value = m_values.Find(key);
+        Say(rule, key, value->offset, value->size, found, expected);
+    }
+
+    void CheckStructure() {
+        const uint8_t type = m_structure->Type();
+        m_types.set(type);
+        if (m_seen[m_structure->Handle()])
+            Say(RuleId_t::kSameHandle, "", 2, 2, HandleText(m_structure->Handle()), "a handle of its own");
+        m_seen.set(m_structure->Handle());
+        if (!CheckLength()) return;
+        m_values.Clear();
+        m_facts.Begin(*m_structure, {.version = m_table.version, .handles = &m_handles});
+        while (m_facts.Next()) {
+            CheckFact(*m_facts);
+            m_values.Add(*m_facts);
+        }
+        for (const RequiredText_t& text : kRequiredTexts) {
+            const Value_t* value = text.type == type ? m_values.Find(text.key) : nullptr;
+            if (value != nullptr && value->state == FactState_t::kNone)
+                Say(RuleId_t::kMissingText, text.key, "string number 0", "a text");
+        }
+        switch (type) {
+            case 0: CheckFirmware(); break;
+            case 4: CheckProcessor(); break;
+            case 7: CheckCache(); break;
+            case 17: CheckModule(); break;
+            default: break;
+        }
+        m_memory.Add(*m_structure, m_values);
+    }
+
+    // False if there is nothing more to check.
+    bool CheckLength() {
+        const uint32_t length = m_structure->Length();
+        if (length < kHeaderSize) {
+            Say(RuleId_t::kLengthBelowHeader, "", 1, 1, std::to_string(length), "4 or more");
+            return false;
+        }
+        if (!m_structure->IsWhole())
+            Say(RuleId_t::kStructureCutOff, "", 0, 0, std::to_string(m_structure->size) + " bytes",
+                "two zeros at the end");
+        const StandardType_t type = FindStandardType(m_structure->Type());
+        const uint32_t least = LengthAt(type, type.since);
+        const uint32_t usual = LengthAt(type, LevelOf(m_table.version));
+        if (length < least)
+            Say(RuleId_t::kTooShort, "", 1, 1, std::to_string(length), std::to_string(least) + " or more");
+        else if (length < usual && std::ranges::find(kOptionalFields, type.type) == std::end(kOptionalFields))
+            Say(RuleId_t::kShortForVersion, "", 1, 1, std::to_string(length), std::to_string(usual) + " or more");
+        return true;
+    }
+
+    void CheckFact(const Fact_t& fact) {
+        if (fact.isDerived) return;
+        const auto say = [&](RuleId_t rule, const std::string& found, const std::string& expected) {
+            Say(rule, fact.Key(), fact.offset, fact.size, found, expected);
+        };
+        const bool isString = fact.kind == FactKind_t::kText && fact.field->form == Form_t::kText;
+        switch (fact.state) {
+            case FactState_t::kBroken:
+                if (isString)
+                    say(RuleId_t::kNoSuchString, std::to_string(fact.number),
+                        std::to_string(m_facts.Strings().Count()) + " or less");
+                else if (fact.kind == FactKind_t::kHandle && m_handles.Has(static_cast<uint16_t>(fact.number), {}))
+                    say(RuleId_t::kWrongType, HandleText(fact.number), TypesOf(fact));
+                else if (fact.kind == FactKind_t::kHandle)
+                    say(RuleId_t::kNoSuchHandle, HandleText(fact.number), TypesOf(fact));
+                else
+                    say(RuleId_t::kListTooLong, "", "a list that ends in the structure");
+                break;
+            case FactState_t::kReserved:
+                if (fact.kind == FactKind_t::kCode || fact.kind == FactKind_t::kNumber)
+                    say(RuleId_t::kReservedCode, Hex(fact.number), "");
+                break;
+            case FactState_t::kFiller:
+                if (fact.kind == FactKind_t::kUuid)
+                    say(RuleId_t::kUuidFiller, std::string(fact.text), "the machine's own UUID");
+                else
+                    say(IsBlank(fact.text) ? RuleId_t::kBlankString : RuleId_t::kFiller, std::string(fact.text), "");
+                break;
+            default: break;
+        }
+        if (HasControls(fact.string)) say(RuleId_t::kControlBytes, std::string(fact.string), "printable characters");
+    }
+
+    // The types that a handle may refer to.
+    std::string TypesOf(const Fact_t& fact) const {
+        std::string text;
+        for (const StandardCode_t& type : m_facts.Type().Codes(*fact.field))
+            text += (text.empty() ? "a structure of type " : " or ") + std::to_string(type.first);
+        return text.empty() ? "the handle of a structure" : text;
+    }
+
+    void CheckFirmware() {
+        const Value_t* text = m_values.Find("firmware_release_date");
+        const Value_t* date = m_values.Find("release_date_iso");
+        if (text != nullptr && date != nullptr && text->state == FactState_t::kValue &&
+            date->state != FactState_t::kValue)
+            Say(RuleId_t::kNoDate, "firmware_release_date", std::string(text->string), "mm/dd/yyyy");
+    }
+
+    // Two forms of one number must be equal if both are there.
+    void CheckForms(RuleId_t rule, std::string_view first, std::string_view second, bool mayBeZero) {
+        const auto one = m_values.Number(first), other = m_values.Number(second);
+        if (one && other && *one != *other && !(mayBeZero && *other == 0))
+            Say(rule, second, std::to_string(*other), std::to_string(*one));
+    }
+
+    // The first number must not be above the second.
+    void CheckOrder(RuleId_t rule, std::string_view low, std::string_view high) {
+        const auto one = m_values.Number(low), other = m_values.Number(high);
+        if (one && other && *one > *other && *other != 0)
+            Say(rule, low, std::to_string(*one), std::to_string(*other) + " or less");
+    }
+
+    void CheckProcessor() {
+        CheckForms(RuleId_t::kCoreCount, "core_count", "core_count_2", false);
+        CheckForms(RuleId_t::kCoreCount, "core_enabled", "core_enabled_2", false);
+        CheckForms(RuleId_t::kCoreCount, "thread_count", "thread_count_2", false);
+        CheckOrder(RuleId_t::kCoresEnabled, "cores_enabled", "cores");
+        CheckOrder(RuleId_t::kCoresEnabled, "cores", "threads");
+        CheckOrder(RuleId_t::kProcessorSpeed, "current_speed", "max_speed");
+    }
+
+    void CheckCache() {
+        CheckForms(RuleId_t::kCacheSize2, "maximum_cache_size", "maximum_cache_size_2", false);
+        CheckForms(RuleId_t::kCacheSize2, "installed_size", "installed_cache_size_2", false);
+        CheckOrder(RuleId_t::kCacheSize, "cache_size", "cache_size_maximum");
+    }
+
+    void CheckModule() {
+        constexpr uint64_t kHighest = 5000;
+        CheckForms(RuleId_t::kModuleSize, "size", "extended_size", true);
+        CheckOrder(RuleId_t::kModuleWidth, "data_width", "total_width");
+        CheckOrder(RuleId_t::kModuleVoltage, "minimum_voltage", "maximum_voltage");
+        CheckOrder(RuleId_t::kModuleVoltage, "minimum_voltage", "configured_voltage");
+        CheckOrder(RuleId_t::kModuleVoltage, "configured_voltage", "maximum_voltage");
+        for (const std::string_view key : {"minimum_voltage", "maximum_voltage", "configured_voltage"})
+            if (const auto voltage = m_values.Number(key); voltage && *voltage > kHighest)
+                Say(RuleId_t::kModuleVoltage, key, std::to_string(*voltage), "5000 or less");
+        CheckOrder(RuleId_t::kModuleSpeed, "configured_speed", "memory_speed");
+    }
+
+    const CheckedTable_t& m_table;
+    const Report_t& m_report;
+    const ClHandles m_handles;
+    ClMemory m_memory;
+    std::bitset<256> m_types;
+    std::bitset<0x10000> m_seen;  // handles
+    const TableStructure_t* m_structure = nullptr;
+    ClFacts m_facts;
+    ClValues m_values;
+};
+
+}  // namespace
+
+void CheckTable(const CheckedTable_t& table, const std::function<void(const Finding_t&)>& report) {
+    std::make_unique<ClCheck>(table, report)->Run();
+}

@@ -1,0 +1,33 @@
+// What is wrong with a table, by the rules of Rules.inc.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "Packages/Analysis/Rules.h"
+#include "Packages/Format/Structures.h"
+
+struct CheckedTable_t {
+    std::span<const uint8_t> bytes;
+    uint16_t version = 0x0300;  // as 0304h for 3.4
+    bool checksumsFit = true;   // of the entry point
+    uint32_t missing = 0;       // bytes by which the table is shorter than its entry point says
+};
+
+// The texts live for the call that reports the finding.
+struct Finding_t {
+    RuleId_t rule;
+    const TableStructure_t* structure;  // null for a finding on the table as a whole
+    std::string_view key;               // of the fact that is wrong; empty for the structure as a whole
+    uint32_t offset;                    // of the wrong bytes in the table
+    uint32_t size;                      // 0 if the finding is on the structure or the table as a whole
+    std::string_view found;
+    std::string_view expected;  // may be empty
+};
+
+// Checks a table, and reports the findings one by one, in the order of the structures, as a table may have millions.
+// Needs memory for each structure, but none for each finding.
+void CheckTable(const CheckedTable_t& table, const std::function<void(const Finding_t&)>& report);

@@ -1,0 +1,117 @@
+#include "Packages/Analysis/Memory.h"
+
+#include <algorithm>
+
+namespace {
+
+// Codes of the standard's tables.
+constexpr uint64_t kSystemMemory = 3;
+constexpr uint64_t kSingleBitEcc = 5, kMultiBitEcc = 6;
+
+// A text in bytes, which are the unit of all sizes here.
+std::string Bytes(uint64_t number) {
+    static constexpr const char* kUnits[] = {"B", "KiB", "MiB", "GiB", "TiB"};
+    size_t unit = 0;
+    while (number != 0 && number % 1024 == 0 && unit + 1 < std::size(kUnits)) number /= 1024, unit++;
+    return std::to_string(number) + " " + kUnits[unit];
+}
+
+}  // namespace
+
+void ClMemory::Add(const TableStructure_t& structure, const ClValues& values) {
+    const auto handle = [&](std::string_view key) {
+        return static_cast<uint16_t>(values.Number(key).value_or(0xFFFF));
+    };
+    switch (structure.Type()) {
+        case 16: {
+            const uint64_t correction = values.Number("memory_error_correction").value_or(0);
+            m_arrays.push_back({structure, values.Number("number_of_memory_devices"), values.Number("capacity"),
+                                values.Number("use") == kSystemMemory,
+                                correction == kSingleBitEcc || correction == kMultiBitEcc});
+            break;
+        }
+        case 17: {
+            const Value_t* size = values.Find("memory_size");
+            const uint64_t total = values.Number("total_width").value_or(0);
+            const uint64_t data = values.Number("data_width").value_or(0);
+            m_devices.push_back(
+                {structure, handle("physical_memory_array_handle"), values.Number("memory_size").value_or(0),
+                 size != nullptr && size->state != FactState_t::kUnknown,
+                 values.Number("non_volatile_size").value_or(0) != 0, total > data && data != 0 ? total - data : 0,
+                 values.Text("manufacturer"), values.Text("serial_number")});
+            break;
+        }
+        case 19: {
+            const auto begin = values.Number("range_start"), end = values.Number("range_end");
+            if (begin && end && *begin <= *end)
+                m_ranges.push_back({structure, handle("memory_array_handle"), *begin, *end});
+            break;
+        }
+        default: break;
+    }
+}
+
+void ClMemory::Say(RuleId_t rule, const TableStructure_t& structure, std::string_view key, const std::string& found,
+                   const std::string& expected, const Report_t& report) const {
+    const auto offset = static_cast<uint32_t>(structure.data - m_table.data());
+    report({rule, &structure, key, offset, 0, found, expected});
+}
+
+void ClMemory::Report(const Report_t& report) {
+    // Devices and ranges of one array are found by a search.
+    std::ranges::stable_sort(m_devices, {}, &Device_t::array);
+    std::ranges::stable_sort(m_ranges, {}, [](const Range_t& range) { return std::pair(range.array, range.begin); });
+    for (const Array_t& array : m_arrays) ReportArray(array, report);
+    ReportOverlaps(report);
+    ReportSerials(report);
+}
+
+void ClMemory::ReportArray(const Array_t& array, const Report_t& report) const {
+    const uint16_t handle = array.structure.Handle();
+    const auto devices = std::ranges::equal_range(m_devices, handle, {}, &Device_t::array);
+    const auto ranges = std::ranges::equal_range(m_ranges, handle, {}, &Range_t::array);
+    const size_t count = devices.size();
+    if (array.devices && *array.devices != count)
+        Say(RuleId_t::kDeviceCount, array.structure, "number_of_memory_devices", std::to_string(*array.devices),
+            std::to_string(count) + " structures of type 17 refer to the array", report);
+    uint64_t installed = 0, mapped = 0;
+    bool isKnown = true, isPersistent = false, hasCheckBits = count == 0;
+    for (const Device_t& device : devices) {
+        installed += device.size;
+        isKnown &= device.isSizeKnown;
+        isPersistent |= device.isPersistent;
+        hasCheckBits |= device.checkBits != 0;
+    }
+    for (const Range_t& range : ranges) mapped += range.end - range.begin + 1;
+    if (array.capacity && *array.capacity != 0 && installed > *array.capacity)
+        Say(RuleId_t::kMoreThanMaximum, array.structure, "capacity", Bytes(*array.capacity),
+            Bytes(installed) + " are installed", report);
+    if (array.isSystem && isKnown && !isPersistent && installed != 0 && mapped != 0 && mapped != installed)
+        Say(RuleId_t::kMappedSize, array.structure, "", Bytes(mapped) + " mapped", Bytes(installed) + " installed",
+            report);
+    if (array.isSystem && array.hasEcc && installed != 0 && !hasCheckBits)
+        Say(RuleId_t::kEccWidth, array.structure, "memory_error_correction", "ECC",
+            "a total width above the data width in its devices", report);
+}
+
+void ClMemory::ReportOverlaps(const Report_t& report) {
+    for (size_t i = 1; i < m_ranges.size(); i++) {
+        const Range_t &first = m_ranges[i - 1], &second = m_ranges[i];
+        if (first.array == second.array && second.begin <= first.end)
+            Say(RuleId_t::kRangesOverlap, second.structure, "range_start", Bytes(second.begin),
+                "an address after " + Bytes(first.end + 1), report);
+    }
+}
+
+void ClMemory::ReportSerials(const Report_t& report) {
+    std::erase_if(m_devices, [](const Device_t& device) { return device.size == 0 || device.serial.empty(); });
+    std::ranges::stable_sort(m_devices, {},
+                             [](const Device_t& device) { return std::pair(device.maker, device.serial); });
+    for (size_t i = 1; i < m_devices.size(); i++) {
+        const Device_t &first = m_devices[i - 1], &second = m_devices[i];
+        if (first.maker == second.maker && first.serial == second.serial)
+            Say(RuleId_t::kSameSerial, second.structure, "serial_number", std::string(second.serial),
+                "another one than that of the structure with handle " + std::to_string(first.structure.Handle()),
+                report);
+    }
+}

@@ -1,0 +1,55 @@
+// What a table's memory arrays, devices and mapped ranges say of each other.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Packages/Analysis/Check.h"
+#include "Packages/Analysis/Values.h"
+
+using Report_t = std::function<void(const Finding_t&)>;
+
+class ClMemory {
+  public:
+    explicit ClMemory(std::span<const uint8_t> table) : m_table(table) {}
+
+    // Adds a structure of type 16, 17 or 19.
+    void Add(const TableStructure_t& structure, const ClValues& values);
+    // Compares what was added.
+    void Report(const Report_t& report);
+
+  private:
+    struct Array_t {
+        TableStructure_t structure;
+        std::optional<uint64_t> devices, capacity;
+        bool isSystem, hasEcc;
+    };
+    struct Device_t {
+        TableStructure_t structure;
+        uint16_t array;
+        uint64_t size;  // 0 if there is none, or if it isn't known
+        bool isSizeKnown, isPersistent;
+        uint64_t checkBits;
+        std::string_view maker, serial;
+    };
+    struct Range_t {
+        TableStructure_t structure;
+        uint16_t array;
+        uint64_t begin, end;
+    };
+
+    void ReportArray(const Array_t& array, const Report_t& report) const;
+    void ReportOverlaps(const Report_t& report);
+    void ReportSerials(const Report_t& report);
+    void Say(RuleId_t rule, const TableStructure_t& structure, std::string_view key, const std::string& found,
+             const std::string& expected, const Report_t& report) const;
+
+    std::span<const uint8_t> m_table;
+    std::vector<Array_t> m_arrays;
+    std::vector<Device_t> m_devices;
+    std::vector<Range_t> m_ranges;
+};
