@@ -29,8 +29,19 @@ constexpr RequiredText_t kRequiredTexts[] = {
     {3, "manufacturer"         },
 };
 
-// Types whose last fields are optional, whatever the version.
-constexpr uint8_t kOptionalFields[] = {2, 26, 27, 28, 29, 38, 39};
+// Types whose last fields are optional, whatever the version, and the length without them.
+struct LeastLength_t {
+    uint8_t type, length;
+};
+constexpr LeastLength_t kLeastLengths[] = {
+    {2,  0x08},
+    {26, 0x14},
+    {27, 0x0C},
+    {28, 0x14},
+    {29, 0x14},
+    {38, 0x10},
+    {39, 0x10}
+};
 
 std::string Hex(uint64_t number) {
     char text[24];
@@ -150,17 +161,19 @@ class ClCheck {
             Say(RuleId_t::kStructureCutOff, "", 0, 0, std::to_string(m_structure->size) + " bytes",
                 "two zeros at the end");
         const StandardType_t type = FindStandardType(m_structure->Type());
-        const uint32_t least = LengthAt(type, type.since);
-        const uint32_t usual = LengthAt(type, LevelOf(m_table.version));
+        uint32_t least = LengthAt(type, type.since), usual = LengthAt(type, LevelOf(m_table.version));
+        const auto* const optional = std::ranges::find(kLeastLengths, type.type, &LeastLength_t::type);
+        if (optional != std::end(kLeastLengths)) least = usual = optional->length;
         if (length < least)
             Say(RuleId_t::kTooShort, "", 1, 1, std::to_string(length), std::to_string(least) + " or more");
-        else if (length < usual && std::ranges::find(kOptionalFields, type.type) == std::end(kOptionalFields))
+        else if (length < usual)
             Say(RuleId_t::kShortForVersion, "", 1, 1, std::to_string(length), std::to_string(usual) + " or more");
         return true;
     }
 
     void CheckFact(const Fact_t& fact) {
-        if (fact.isDerived) return;
+        // Firmware of an older level may have other bytes where a newer one has the field.
+        if (fact.isDerived || fact.field->since > LevelOf(m_table.version)) return;
         const auto say = [&](RuleId_t rule, const std::string& found, const std::string& expected) {
             Say(rule, fact.Key(), fact.offset, fact.size, found, expected);
         };
@@ -178,7 +191,7 @@ class ClCheck {
                     say(RuleId_t::kListTooLong, "", "a list that ends in the structure");
                 break;
             case FactState_t::kReserved:
-                if (fact.kind == FactKind_t::kCode || fact.kind == FactKind_t::kNumber)
+                if ((fact.kind == FactKind_t::kCode || fact.kind == FactKind_t::kNumber) && !IsUnusedFamily(fact))
                     say(RuleId_t::kReservedCode, Hex(fact.number), "");
                 break;
             case FactState_t::kFiller:
@@ -190,6 +203,12 @@ class ClCheck {
             default: break;
         }
         if (HasControls(fact.string)) say(RuleId_t::kControlBytes, std::string(fact.string), "printable characters");
+    }
+
+    // The second family is used only if the first one refers to it.
+    bool IsUnusedFamily(const Fact_t& fact) const {
+        const Value_t* first = fact.Key() == "processor_family_2" ? m_values.Find("processor_family") : nullptr;
+        return first != nullptr && !first->isReference;
     }
 
     // The types that a handle may refer to.
