@@ -13,7 +13,7 @@ HARDWARE = "Packages/FERROXExternal/FERROXLib"
 # Each library, from the top down, and the libraries whose headers it may include beside its own.
 MAY_USE = {
     "Tools": ["CInterface", "Sources", "Packages/CrashReport", "Packages/Sample", STORE, HARDWARE, "Packages/Debug",
-              "Packages/Standard", "Packages/Format", "Packages/OS"],
+              "Packages/Analysis", "Packages/Standard", "Packages/Format", "Packages/OS"],
     "CInterface": ["Sources", STORE, HARDWARE, "Packages/Debug", "Packages/Standard", "Packages/Format", "Packages/OS"],
     "Sources": ["Packages/CrashReport", STORE, HARDWARE, "Packages/Debug", "Packages/Format", "Packages/OS"],
     "Packages/CrashReport": ["Packages/OS"],
@@ -22,6 +22,7 @@ MAY_USE = {
     "Packages/Debug": ["Packages/Container", "Packages/OS"],
     "Packages/Container": ["Packages/OS"],
     "Packages/OS": ["Packages/Format"],  # what Linux shows of its firmware begins with an entry point
+    "Packages/Analysis": ["Packages/Standard", "Packages/Format"],
     "Packages/Standard": ["Packages/Format"],
     "Packages/Format": [],
     "Packages/Sample": [],

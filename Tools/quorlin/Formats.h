@@ -15,11 +15,12 @@
 // What a command writes. A format says which of them it can write.
 enum Content_t : uint8_t {
     kStructures = 1,
-    kTableRows = 2,   // rows or items, in a document for each table
-    kComparison = 4,  // rows in one document on several tables
-    kFactLists = 8,   // structures with their facts
-    kAnyContent = 15,
-    kObjects = 16,  // a document of named values, without a list
+    kTableRows = 2,    // rows or items, in a document for each table
+    kComparison = 4,   // rows in one document on several tables
+    kFactLists = 8,    // structures with their facts
+    kObjects = 16,     // a document of named values, without a list
+    kFindings = 32,    // rows on what is wrong with a table
+    kAnyContent = 47,  // but kObjects
 };
 
 struct Format_t {
