@@ -145,6 +145,8 @@ class ClCheck {
             case 4: CheckProcessor(); break;
             case 7: CheckCache(); break;
             case 17: CheckModule(); break;
+            case 19:
+            case 20: CheckRange(); break;
             default: break;
         }
         m_memory.Add(*m_structure, m_values);
@@ -267,6 +269,12 @@ class ClCheck {
             if (const auto voltage = m_values.Number(key); voltage && *voltage > kHighest)
                 Say(RuleId_t::kModuleVoltage, key, std::to_string(*voltage), "5000 or less");
         CheckOrder(RuleId_t::kModuleSpeed, "configured_speed", "memory_speed");
+    }
+
+    void CheckRange() {
+        const auto begin = m_values.Number("range_start"), end = m_values.Number("range_end");
+        if (begin && end && *end < *begin)
+            Say(RuleId_t::kRangeBackwards, "range_end", Hex(*end), Hex(*begin) + " or more");
     }
 
     const CheckedTable_t& m_table;
