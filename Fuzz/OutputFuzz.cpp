@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     RunFormats({"facts"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"facts", "--full", "--where", "--absent"}, {"text", "json"});
     RunFormats({"find", "e"}, {"text", "json", "ndjson", "csv"});
-    RunFormats({"check"}, {"text", "json", "ndjson", "csv"});
+    RunFormats({"check"}, {"text", "json", "ndjson", "csv", "sarif"});
     RunFormats({"diff", "table", "other"}, {"text", "json", "csv"});
     for (const char* command : {"raw", "get"}) {
         Arguments_t arguments = {command, "--as", "table", "--image", "table"};

@@ -137,7 +137,8 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
     for (const char* wrong : {"{}", "[]", R"({"source":"a","smbios":"3.0","structures":[],"more":1})",
                               R"({"source":"a","smbios":"3.0","structures":[{"type":256,"handle":0,"instance":1,)"
                               R"("title":"","items":[]}]})",
-                              R"({"source":"a","smbios":"3.0","findings":[{"rule":"new","offset":0,"text":""}]})"})
+                              R"({"source":"a","smbios":"3.0","findings":[{"rule":"new","severity":"note","what":"",)"
+                              R"("count":1,"places":[]}]})"})
         EXPECT_NE(Problem(wrong), "") << wrong;
     // A string of all bytes, a title's structure cut short, and damage before all of it.
     const std::vector<uint8_t> table =

@@ -173,7 +173,7 @@ TEST(Program, PrintsAmongOtherThings) {
         Case("--type 221 --format lines" + marks, 0,
              "\"Firmware Version Information {Type 221}#GROUPNAME\", \"\"\n"
              "\"BIOS {Type 0}_9#GROUPNAME\", \"  0. 0. 0.   0\"\n"),
-        Case("check" + marks, 0, "No findings\n"),
+        Case("check --ignore QR0601" + marks, 0, "No findings\n"),
         Case("--format lines" + blanks, 0, "\"Manufacturer\", \"Maker  \"\n"),
         Case("--format text" + blanks, 0, "Manufacturer           Maker\n"),
         Case("--format json" + blanks, 0, "\"value\":\"Maker\"}"),
@@ -238,30 +238,44 @@ TEST(Program, DumpWritesANewFileThatReadsTheSame) {
     std::remove(dump.c_str());
 }
 
-TEST(Program, CheckFindsEachFlaw) {
-    const auto chassis = Chassis(7, "Maker");
-    const Bytes_t fine = TableBy("Maker"), noEnd(fine.begin(), fine.end() - 6);
-    const struct {
-        Bytes_t table;
-        const char* finding;  // a piece of the only one; empty for none
-    } kCases[] = {
-        {fine,                                                                    ""                         },
-        {TableOf({ClStructureBuilder(3, 8)}),                                     "below the 9"              },
-        {TableOf({ClStructureBuilder(200, 4, 0x1010).Byte(1, 3)}),                "below a header's 4"       },
-        {TableOf({Chassis(8, "Maker").Byte(4, 2)}),                               "string number 2 at offset"},
-        {TableOf({chassis, chassis}),                                             "has this handle"          },
-        {TableOf({ClStructureBuilder(19, 15).Word(12, 0x99)}),                    "0099h at offset Ch"       },
-        {TableOf({ClStructureBuilder(19, 15).Word(12, 0xFFFE)}),                  ""                         },
-        {TableOf({ClStructureBuilder(37, 10).Bytes(4, {3, 1, 2}).Word(8, 0x10)}), "counts 2 entries"         },
-        {TableOf({ClStructureBuilder(11, 5).Byte(4, 1)}),                         "counts 1 strings"         },
-        {TableOf({ClStructureBuilder(chassis).Byte(5, 0x7F)}),                    "Chassis Type: a code"     },
-        {noEnd,                                                                   "no End-of-Table"          },
+TEST(Program, CheckGroupsFindingsAndTakesRules) {
+    const auto chassis = Chassis(7, "Maker").Byte(5, 0x7F);
+    const std::string image =
+        " --as table --image " + WriteFile("check.bin", TableOf({chassis, ClStructureBuilder(chassis).Word(2, 8),
+                                                                 Chassis(9, "Default string")}));
+    const auto write = [](const std::string& name, std::string_view text) {
+        return WriteFile(name, {text.begin(), text.end()});
     };
-    for (const auto& [table, finding] : kCases) {
-        const ProgramRun_t run = RunQuorlin("check --image " + WriteFile("check.bin", table) + " --as table");
-        EXPECT_EQ(run.exitCode, *finding == '\0' ? 0 : 1) << run.output;
-        EXPECT_TRUE(Has(run.output, finding)) << finding << ": " << run.output;
-        EXPECT_EQ(std::ranges::count(run.output, '\n'), *finding == '\0' ? 1 : 2) << run.output;
+    const std::string subject = "System Enclosure or Chassis (type 3)";
+    const std::string code = "QR0501 warning: " + subject +
+                             ", Chassis Type: a code that the standard doesn't assign, 2 times\n"
+                             "    0x7F; handle 0007h, 0008h\n";
+    const std::string filler =
+        "QR0304 note: " + subject + ", Manufacturer: " +
+        "a text that firmware is delivered with, and that nobody replaced\n    Default string; handle 0009h\n";
+    const std::string profile = write("profile", "# ours\noff QR0601\noff QR0501 type 3\n");
+    const Case_t kCases[] = {
+        Case("check --only QR0501" + image, 1, code + "2 findings\n"),
+        Case("check --only QR0501 --only QR0304" + image, 1, code + "2 findings\n"),
+        Case("check --only QR0501 --only QR0304 --severity note" + image, 1, code + filler + "3 findings\n"),
+        Case("check --severity error" + image, 0, "No findings\n"),
+        Case("check --profile " + profile + image, 0, "No findings\n"),
+        Case("check --profile " + profile + " --only QR0501" + image, 1, code + "2 findings\n"),
+        Case("check --ignore QR9999" + image, 2, ""),
+        Case("check --severity high" + image, 2, ""),
+        Case("check --profile no-such-file" + image, 2, ""),
+        Case("check --profile " + write("wrong", "off QR0501 board 2\n") + image, 2, ""),
+        Case("check --only QR0501 --format csv" + image, 1,
+             "rule,severity,type,name,key,what,count,handle,offset,size,found,expected\r\n"
+             "QR0501,warning,3,\"" +
+                 subject +
+                 ", Chassis Type\",chassis_type,a code that the standard doesn't assign,2,"
+                 "7,5,1,0x7F,\r\n"),
+    };
+    for (const Case_t& row : kCases) {
+        const ProgramRun_t run = RunQuorlin(row.arguments);
+        EXPECT_EQ(run.exitCode, row.exitCode) << row.arguments << run.errors;
+        EXPECT_TRUE(run.output.starts_with(row.output)) << row.arguments << ": " << run.output;
     }
 }
 
@@ -514,7 +528,7 @@ TEST_F(OnLinux, ForeignFilesAndFlawsTakeLittleMemory) {
                   "quorlin: " + file + ": larger than 4 MiB, so not a table; try the file with the dump\n1\n");
     const std::string findings = Shell("ulimit -v 330000; " QUORLIN_PROGRAM " check --as table --format json --image " +
                                        zeros + " | tail -c 300");
-    EXPECT_TRUE(Has(findings, "no End-of-Table structure ends the table")) << findings;
+    EXPECT_TRUE(Has(findings, "none of type 32")) << findings;
 }
 
 // The configuration is in a folder that anybody may write to.
