@@ -12,8 +12,8 @@ namespace {
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 bool Contains(std::string_view text, std::string_view part) {
-    return std::ranges::search(text, part, [](char a, char b) { return Lower(a) == Lower(b); }).begin() != text.end() ||
-           part.empty();
+    const auto isSame = [](char a, char b) { return Lower(a) == Lower(b); };
+    return part.empty() || std::search(text.begin(), text.end(), part.begin(), part.end(), isSame) != text.end();
 }
 
 // Takes the first word of a line.

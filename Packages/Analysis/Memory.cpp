@@ -16,6 +16,14 @@ std::string Bytes(uint64_t number) {
     return std::to_string(number) + " " + kUnits[unit];
 }
 
+// The things of one array, of things that are sorted by their arrays.
+template <class Thing_t>
+std::span<const Thing_t> OfArray(const std::vector<Thing_t>& things, uint16_t array) {
+    const auto begin = std::ranges::lower_bound(things, array, {}, &Thing_t::array);
+    const auto end = std::ranges::upper_bound(things, array, {}, &Thing_t::array);
+    return {begin, end};
+}
+
 }  // namespace
 
 void ClMemory::Add(const TableStructure_t& structure, const ClValues& values) {
@@ -68,8 +76,8 @@ void ClMemory::Report(const Report_t& report) {
 
 void ClMemory::ReportArray(const Array_t& array, const Report_t& report) const {
     const uint16_t handle = array.structure.Handle();
-    const auto devices = std::ranges::equal_range(m_devices, handle, {}, &Device_t::array);
-    const auto ranges = std::ranges::equal_range(m_ranges, handle, {}, &Range_t::array);
+    const std::span<const Device_t> devices = OfArray(m_devices, handle);
+    const std::span<const Range_t> ranges = OfArray(m_ranges, handle);
     const size_t count = devices.size();
     if (array.devices && *array.devices != count)
         Say(RuleId_t::kDeviceCount, array.structure, "number_of_memory_devices", std::to_string(*array.devices),

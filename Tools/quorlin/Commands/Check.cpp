@@ -125,7 +125,7 @@ class ClCheckCommand : public ClCommand {
         ClNameList lines(m_profile);
         for (std::string line; lines.Next(&line);)
             if (const std::string problem = choice.AddLine(line); !problem.empty())
-                throw BadUsage_t{"--profile: " + problem + ": " + line};
+                throw BadUsage_t{std::string("--profile: ").append(problem).append(": ").append(line)};
         if (!lines.Problem().empty()) throw BadUsage_t{"--profile: " + m_profile + ": " + lines.Problem()};
         if (!m_only.empty()) choice.settings.push_back({.isOn = false, .rule = "", .maker = ""});
         for (const std::string& rule : m_only) AddRule(rule, true, &choice);
