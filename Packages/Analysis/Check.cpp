@@ -29,7 +29,8 @@ constexpr RequiredText_t kRequiredTexts[] = {
     {3, "manufacturer"         },
 };
 
-// Types whose last fields are optional, whatever the version, and the length without them.
+// Types whose last fields are optional or a list that has an entry at least, whatever the version, and the length
+// without them.
 struct LeastLength_t {
     uint8_t type, length;
 };
@@ -64,6 +65,12 @@ uint32_t LengthAt(const StandardType_t& type, StandardVersion_t version) {
             length = std::max<uint32_t>(length, field.offset + field.width);
     }
     return length;
+}
+
+// The row of a type with optional last fields; null for others.
+const LeastLength_t* OptionalPart(uint8_t type) {
+    const auto* const row = std::ranges::find(kLeastLengths, type, &LeastLength_t::type);
+    return row != std::end(kLeastLengths) ? row : nullptr;
 }
 
 // 0304h as 340h.
@@ -162,10 +169,10 @@ class ClCheck {
         if (!m_structure->IsWhole())
             Say(RuleId_t::kStructureCutOff, "", 0, 0, std::to_string(m_structure->size) + " bytes",
                 "two zeros at the end");
-        const StandardType_t type = FindStandardType(m_structure->Type());
-        uint32_t least = LengthAt(type, type.since), usual = LengthAt(type, LevelOf(m_table.version));
-        const auto* const optional = std::ranges::find(kLeastLengths, type.type, &LeastLength_t::type);
-        if (optional != std::end(kLeastLengths)) least = usual = optional->length;
+        const uint8_t type = m_structure->Type();
+        const uint32_t least = LeastLength(type);
+        const uint32_t usual =
+            OptionalPart(type) != nullptr ? least : LengthAt(FindStandardType(type), LevelOf(m_table.version));
         if (length < least)
             Say(RuleId_t::kTooShort, "", 1, 1, std::to_string(length), std::to_string(least) + " or more");
         else if (length < usual)
@@ -292,4 +299,10 @@ class ClCheck {
 
 void CheckTable(const CheckedTable_t& table, const std::function<void(const Finding_t&)>& report) {
     std::make_unique<ClCheck>(table, report)->Run();
+}
+
+uint32_t LeastLength(uint8_t type) {
+    if (const LeastLength_t* row = OptionalPart(type)) return row->length;
+    const StandardType_t table = FindStandardType(type);
+    return std::max(LengthAt(table, table.since), kHeaderSize);
 }

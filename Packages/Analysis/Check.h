@@ -31,3 +31,7 @@ struct Finding_t {
 // Checks a table, and reports the findings one by one, in the order of the structures, as a table may have millions.
 // Needs memory for each structure, but none for each finding.
 void CheckTable(const CheckedTable_t& table, const std::function<void(const Finding_t&)>& report);
+
+// Returns the least Length of a structure of this type, by the first level of the standard that has it. A header's for
+// an unknown type.
+uint32_t LeastLength(uint8_t type);

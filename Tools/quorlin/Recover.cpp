@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "Packages/Analysis/Check.h"
 #include "Packages/Format/Structures.h"
-#include "Tools/quorlin/Standard.h"
 
 namespace {
 
@@ -57,7 +57,7 @@ class ClRecovery {
         constexpr size_t kHeader = 4;
         if (m_table.size() - offset < kHeader) return 0;
         const uint8_t length = m_table[offset + 1];
-        if (length < kHeader || length < MinimumLength(m_table[offset])) return 0;
+        if (length < kHeader || length < LeastLength(m_table[offset])) return 0;
         const size_t end = ends.From(offset + length);
         return end == kNowhere ? 0 : end + 2 - offset;
     }
