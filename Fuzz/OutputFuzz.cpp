@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     RunFormats({"facts", "--full", "--where", "--absent"}, {"text", "json"});
     RunFormats({"find", "e"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"check"}, {"text", "json", "ndjson", "csv", "sarif"});
-    RunFormats({"diff", "table", "other"}, {"text", "json", "csv"});
+    RunFormats({"diff", "table", "other"}, {"text", "json", "ndjson", "csv"});
     for (const char* command : {"raw", "get"}) {
         Arguments_t arguments = {command, "--as", "table", "--image", "table"};
         if (*command == 'g') arguments.insert(arguments.end(), {"0-255", "string 1"});

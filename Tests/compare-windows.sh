@@ -35,7 +35,7 @@ compare_table() {
 
 compare_table --sample
 for image in "$@"; do compare_table --image "$image"; done
-if [ $# -ge 2 ]; then compare diff "$1" "$2" --ignore Handle; fi
+if [ $# -ge 2 ]; then compare diff "$1" "$2" --ignore serial_number; fi
 compare --sample --format lines --type 148
 compare --sample --format lines --type 148 --signature 30670
 compare --sample --format lines --type 148 --signature 506C0

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <bitset>
-#include <cstdio>
 #include <memory>
 
 #include "Packages/Analysis/Memory.h"
 #include "Packages/Analysis/Values.h"
-#include "Packages/Standard/Facts.h"
+#include "Packages/Standard/Texts.h"
 
 namespace {
 
@@ -43,18 +42,6 @@ constexpr LeastLength_t kLeastLengths[] = {
     {38, 0x10},
     {39, 0x10}
 };
-
-std::string Hex(uint64_t number) {
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(number));
-    return text;
-}
-
-std::string HandleText(uint64_t handle) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%04Xh", static_cast<unsigned>(handle & 0xFFFF));
-    return text;
-}
 
 // The length up to the last field at a fixed place that a level of the standard has. 0 for an unknown type.
 uint32_t LengthAt(const StandardType_t& type, StandardVersion_t version) {
@@ -193,15 +180,15 @@ class ClCheck {
                     say(RuleId_t::kNoSuchString, std::to_string(fact.number),
                         std::to_string(m_facts.Strings().Count()) + " or less");
                 else if (fact.kind == FactKind_t::kHandle && m_handles.Has(static_cast<uint16_t>(fact.number), {}))
-                    say(RuleId_t::kWrongType, HandleText(fact.number), TypesOf(fact));
+                    say(RuleId_t::kWrongType, HandleText(static_cast<uint16_t>(fact.number)), TypesOf(fact));
                 else if (fact.kind == FactKind_t::kHandle)
-                    say(RuleId_t::kNoSuchHandle, HandleText(fact.number), TypesOf(fact));
+                    say(RuleId_t::kNoSuchHandle, HandleText(static_cast<uint16_t>(fact.number)), TypesOf(fact));
                 else
                     say(RuleId_t::kListTooLong, "", "a list that ends in the structure");
                 break;
             case FactState_t::kReserved:
                 if ((fact.kind == FactKind_t::kCode || fact.kind == FactKind_t::kNumber) && !IsUnusedFamily(fact))
-                    say(RuleId_t::kReservedCode, Hex(fact.number), "");
+                    say(RuleId_t::kReservedCode, CodeText(fact.number), "");
                 break;
             case FactState_t::kFiller:
                 if (fact.kind == FactKind_t::kUuid)
@@ -281,7 +268,7 @@ class ClCheck {
     void CheckRange() {
         const auto begin = m_values.Number("range_start"), end = m_values.Number("range_end");
         if (begin && end && *end < *begin)
-            Say(RuleId_t::kRangeBackwards, "range_end", Hex(*end), Hex(*begin) + " or more");
+            Say(RuleId_t::kRangeBackwards, "range_end", CodeText(*end), CodeText(*begin) + " or more");
     }
 
     const CheckedTable_t& m_table;

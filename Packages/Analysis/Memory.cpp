@@ -2,19 +2,13 @@
 
 #include <algorithm>
 
+#include "Packages/Standard/Texts.h"
+
 namespace {
 
 // Codes of the standard's tables.
 constexpr uint64_t kSystemMemory = 3;
 constexpr uint64_t kSingleBitEcc = 5, kMultiBitEcc = 6;
-
-// A text in bytes, which are the unit of all sizes here.
-std::string Bytes(uint64_t number) {
-    static constexpr const char* kUnits[] = {"B", "KiB", "MiB", "GiB", "TiB"};
-    size_t unit = 0;
-    while (number != 0 && number % 1024 == 0 && unit + 1 < std::size(kUnits)) number /= 1024, unit++;
-    return std::to_string(number) + " " + kUnits[unit];
-}
 
 // The things of one array, of things that are sorted by their arrays.
 template <class Thing_t>
@@ -92,11 +86,11 @@ void ClMemory::ReportArray(const Array_t& array, const Report_t& report) const {
     }
     for (const Range_t& range : ranges) mapped += range.end - range.begin + 1;
     if (array.capacity && *array.capacity != 0 && installed > *array.capacity)
-        Say(RuleId_t::kMoreThanMaximum, array.structure, "capacity", Bytes(*array.capacity),
-            Bytes(installed) + " are installed", report);
+        Say(RuleId_t::kMoreThanMaximum, array.structure, "capacity", SizeText(*array.capacity),
+            SizeText(installed) + " are installed", report);
     if (array.isSystem && isKnown && !isPersistent && installed != 0 && mapped != 0 && mapped != installed)
-        Say(RuleId_t::kMappedSize, array.structure, "", Bytes(mapped) + " mapped", Bytes(installed) + " installed",
-            report);
+        Say(RuleId_t::kMappedSize, array.structure, "", SizeText(mapped) + " mapped",
+            SizeText(installed) + " installed", report);
     if (array.isSystem && array.hasEcc && installed != 0 && !hasCheckBits)
         Say(RuleId_t::kEccWidth, array.structure, "memory_error_correction", "ECC",
             "a total width above the data width in its devices", report);
@@ -106,8 +100,8 @@ void ClMemory::ReportOverlaps(const Report_t& report) {
     for (size_t i = 1; i < m_ranges.size(); i++) {
         const Range_t &first = m_ranges[i - 1], &second = m_ranges[i];
         if (first.array == second.array && second.begin <= first.end)
-            Say(RuleId_t::kRangesOverlap, second.structure, "range_start", Bytes(second.begin),
-                "an address after " + Bytes(first.end + 1), report);
+            Say(RuleId_t::kRangesOverlap, second.structure, "range_start", CodeText(second.begin),
+                "an address after " + CodeText(first.end), report);
     }
 }
 
@@ -119,7 +113,6 @@ void ClMemory::ReportSerials(const Report_t& report) {
         const Device_t &first = m_devices[i - 1], &second = m_devices[i];
         if (first.maker == second.maker && first.serial == second.serial)
             Say(RuleId_t::kSameSerial, second.structure, "serial_number", std::string(second.serial),
-                "another one than that of the structure with handle " + std::to_string(first.structure.Handle()),
-                report);
+                "another one than that of the structure with handle " + HandleText(first.structure.Handle()), report);
     }
 }

@@ -43,4 +43,13 @@ StandardType_t FindStandardType(uint8_t type) {
     return view;
 }
 
+bool IsFactKey(std::string_view key) {
+    for (unsigned type = 0; type < 256; type++) {
+        const StandardType_t table = FindStandardType(static_cast<uint8_t>(type));
+        for (const StandardField_t& field : table.fields)
+            if (table.Text(field.key) == key) return true;
+    }
+    return false;
+}
+
 bool IsStandardType(uint8_t type) { return type <= 46 || type == 126 || type == 127; }

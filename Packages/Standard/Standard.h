@@ -242,6 +242,9 @@ StandardType_t OldHostInterface();
 // Whether the standard has this type.
 bool IsStandardType(uint8_t type);
 
+// Whether a type has a fact with this key.
+bool IsFactKey(std::string_view key);
+
 inline constexpr char kStateNames[][9] = {"value", "unknown", "none", "absent", "reserved", "filler", "broken"};
 
 // Returns the name of a state, such as "value".

@@ -2,15 +2,9 @@
 
 #include <algorithm>
 
-#include "Sources/Rows.h"
-#include "Tools/quorlin/Structures.h"
-#include "Tools/quorlin/Text.h"
+#include "Tools/quorlin/CommandLine.h"
 
 namespace {
-
-std::string NumberText(const Fact_t& fact) {
-    return fact.isSigned ? std::to_string(static_cast<int64_t>(fact.number)) : std::to_string(fact.number);
-}
 
 bool IsWanted(std::span<const std::string> keys, std::string_view key) {
     return keys.empty() || std::ranges::find(keys, key) != keys.end();
@@ -36,59 +30,7 @@ void FactStructure_t::ForEach(const std::function<void(const ClFacts&, const Fac
     }
 }
 
-std::string SizeText(uint64_t bytes) {
-    static constexpr char kUnits[][4] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
-    size_t unit = 0;
-    while (bytes != 0 && bytes % 1024 == 0 && unit + 1 < std::size(kUnits)) bytes /= 1024, unit++;
-    return std::to_string(bytes) + " " + kUnits[unit];
-}
-
-std::string CodeText(uint64_t code) { return "0x" + PlainUpperHex(code); }
-
-std::string PlainValue(const ClFacts& facts, const Fact_t& fact) {
-    switch (fact.kind) {
-        case FactKind_t::kCode:
-            return fact.state == FactState_t::kReserved ? CodeText(fact.number) : std::string(fact.text);
-        case FactKind_t::kBits: {
-            std::string words;
-            facts.ForEachWord(fact,
-                              [&](std::string_view word) { words.append(words.empty() ? "" : ", ").append(word); });
-            return words;
-        }
-        case FactKind_t::kBytes: return HexDigits(facts.Bytes(fact));
-        case FactKind_t::kNumber:
-        case FactKind_t::kHandle:
-        case FactKind_t::kList: return NumberText(fact);
-        default: return std::string(fact.text);
-    }
-}
-
-std::string ShownValue(const ClFacts& facts, const Fact_t& fact) {
-    switch (fact.state) {
-        case FactState_t::kReserved: return "reserved (" + CodeText(fact.number) + ")";
-        case FactState_t::kFiller: return std::string(fact.text) + " (filler)";
-        case FactState_t::kBroken:
-            return fact.kind == FactKind_t::kHandle ? HandleText(static_cast<uint16_t>(fact.number)) + " (broken)"
-                                                    : "broken";
-        case FactState_t::kValue: break;
-        default:
-            if (fact.isReference) return "see " + std::string(fact.text);
-            return std::string(fact.text.empty() || fact.kind == FactKind_t::kCode ? StateName(fact.state) : fact.text);
-    }
-    if (fact.kind == FactKind_t::kHandle) return HandleText(static_cast<uint16_t>(fact.number));
-    if (fact.kind == FactKind_t::kList && fact.number == 0) return "empty";
-    if (fact.kind == FactKind_t::kBits && fact.number == 0) return "none set";
-    if (fact.kind != FactKind_t::kNumber) return PlainValue(facts, fact);
-    if (fact.field->form == Form_t::kHex && fact.unit == Unit_t::kNone) return CodeText(fact.number);
-    if (fact.unit == Unit_t::kByte) return SizeText(fact.number);
-    std::string text = NumberText(fact);
-    if (fact.unit != Unit_t::kNone) text.append(" ").append(UnitName(fact.unit));
-    return text;
-}
-
-std::string RawDigits(const ClFacts& facts, const Fact_t& fact) {
-    std::string digits = HexDigits(facts.Bytes(fact));
-    if (!fact.string.empty())
-        digits += HexDigits({reinterpret_cast<const uint8_t*>(fact.string.data()), fact.string.size()});
-    return digits;
+void CheckFactKeys(const std::vector<std::string>& keys) {
+    for (const std::string& key : keys)
+        if (!IsFactKey(key)) throw BadUsage_t{"unknown key '" + key + "'; try quorlin facts --sample --format csv"};
 }

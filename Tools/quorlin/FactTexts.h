@@ -1,4 +1,4 @@
-// Facts as the program shows them: which ones of a structure, and their values as text.
+// Facts as the program shows them: which ones of a structure.
 #pragma once
 
 #include <functional>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Packages/Standard/Facts.h"
+#include "Packages/Standard/Texts.h"
 
 // How facts are shown.
 struct FactChoice_t {
@@ -29,13 +29,5 @@ struct FactStructure_t {
     void ForEach(const std::function<void(const ClFacts& facts, const Fact_t& fact)>& take) const;
 };
 
-// The value as decoded, in its unit: a number, text, word, or words with ", " between them.
-std::string PlainValue(const ClFacts& facts, const Fact_t& fact);
-// The value for people: with its unit, sizes in the largest unit that fits; or why there is none.
-std::string ShownValue(const ClFacts& facts, const Fact_t& fact);
-// Hexadecimal digits of the bytes that a fact comes from: of a text, the string's number and the string.
-std::string RawDigits(const ClFacts& facts, const Fact_t& fact);
-// A size in the largest unit that it is a whole number of: 16 GiB.
-std::string SizeText(uint64_t bytes);
-// The code or number as hexadecimal: 0x26.
-std::string CodeText(uint64_t code);
+// Throws BadUsage_t for a key that no type has.
+void CheckFactKeys(const std::vector<std::string>& keys);

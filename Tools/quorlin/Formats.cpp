@@ -35,7 +35,7 @@ void ClFormatOption::Check(const Source_t& source) const {
 }
 
 int WriteTables(const Source_t& source, const Format_t& format, const List_t& list, int trouble,
-                const std::function<int(ClTable& table, ClWriter& writer)>& work) {
+                const std::function<int(ClTable& table, ClWriter& writer)>& work, std::string_view base) {
     ClOutput output;
     const std::unique_ptr<ClWriter> writer = format.make(output, source.IsFleet());
     const auto write = [&](ClTable& table) {
@@ -44,6 +44,7 @@ int WriteTables(const Source_t& source, const Format_t& format, const List_t& li
             {"source", table.Name()},
             {"smbios", version     }
         };
+        if (!base.empty()) members.emplace_back("base", base);
         if (!table.Remark().empty()) members.emplace_back("remark", table.Remark());
         writer->Begin(list, members);
         const int exitCode = work(table, *writer);

@@ -16,7 +16,7 @@
 enum Content_t : uint8_t {
     kStructures = 1,
     kTableRows = 2,    // rows or items, in a document for each table
-    kComparison = 4,   // rows in one document on several tables
+    kComparison = 4,   // rows on what differs between two tables
     kFactLists = 8,    // structures with their facts
     kObjects = 16,     // a document of named values, without a list
     kFindings = 32,    // rows on what is wrong with a table
@@ -56,9 +56,9 @@ class ClFormatOption {
 };
 
 // Writes a document for each table of `source`, whose list `work` fills in; returns the exit code. `trouble` is that of
-// a table that can't be read and of output that can't be written.
+// a table that can't be read and of output that can't be written. `base` is the table that each is compared with.
 int WriteTables(const Source_t& source, const Format_t& format, const List_t& list, int trouble,
-                const std::function<int(ClTable& table, ClWriter& writer)>& work);
+                const std::function<int(ClTable& table, ClWriter& writer)>& work, std::string_view base = {});
 
 // A command whose only options are tables and a format, and which writes a list of rows for each table.
 template <int (*work)(ClTable& table, ClWriter& writer), const List_t& list, const Command_t& command>

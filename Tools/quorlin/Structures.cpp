@@ -1,5 +1,6 @@
 #include "Tools/quorlin/Structures.h"
 
+#include "Packages/Standard/Texts.h"
 #include "Sources/Types.h"
 #include "Tools/quorlin/Text.h"
 
@@ -8,21 +9,16 @@ namespace {
 // Titles are "TEXT {Type N}".
 std::string_view TitleText(std::string_view title) { return title.substr(0, title.rfind(" {Type ")); }
 
-std::string HexOf(std::span<const uint8_t> bytes, std::string_view separator) {
+std::string SpacedDigits(std::span<const uint8_t> bytes) {
     std::string text;
-    for (const uint8_t byte : bytes) {
-        constexpr char kDigits[] = "0123456789ABCDEF";
-        if (!text.empty()) text += separator;
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
-    }
+    for (const uint8_t byte : bytes) text.append(text.empty() ? "" : " ").append(HexDigits({&byte, 1}));
     return text;
 }
 
 // Makes items for a structure without any of its own.
 void AddBytesAndStrings(const Structure_t& structure, ClItemList& items) {
     const ItemFacts_t facts{structure.instance, structure.handle, structure.type};
-    items.Add("Bytes", HexOf(structure.Bytes(), " "), facts);
+    items.Add("Bytes", SpacedDigits(structure.Bytes()), facts);
     ClStringWalk strings(structure.data);
     if (strings.IsEmpty()) return;
     // Structures refer to strings by a byte.
@@ -79,5 +75,3 @@ void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
         return visit({type, handle, count, title, false, data, items, hasTitle ? 1u : 0u});
     });
 }
-
-std::string HexDigits(std::span<const uint8_t> bytes) { return HexOf(bytes, ""); }

@@ -42,6 +42,3 @@ enum class Which_t { kAll, kDecoded };
 // once: a structure lives for the length of the call. `visit` returns whether to go on with structures of its type.
 void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
                      const std::function<bool(const Structure_t& structure)>& visit, Which_t which = Which_t::kAll);
-
-// Hexadecimal digits without blanks.
-std::string HexDigits(std::span<const uint8_t> bytes);

@@ -177,6 +177,10 @@ bool ClTable::Open(const Source_t& source, const std::string* path) {
 void ClTable::Close() {
     os_free(m_dump);
     m_dump = nullptr;
+    ClosePackage();
+}
+
+void ClTable::ClosePackage() {
     if (m_package == nullptr) return;
     m_package->UnInitialize();
     // A package takes a table of version 0.0 for none, and leaves the store up.
@@ -209,7 +213,7 @@ int ForEachTable(const Source_t& source, int trouble, const std::function<int(Cl
     const auto one = [&](const std::string* path) {
         if (table.Open(source, path)) {
             exitCode = std::max(exitCode, work(table));
-            if (table.Package().HadTooManyItems()) {
+            if (table.HadTooManyItems()) {
                 SayError(table.Name(),
                          "its groups and lists give more items than a table of its size may; the rest is left out; "
                          "try check");

@@ -22,11 +22,14 @@ class ClTable {
     // Brings up an image file, or what else `source` names if `path` is null. False with Error set.
     bool Open(const Source_t& source, const std::string* path);
     void Close();
+    // Takes down the package, which takes much more memory than the bytes. They stay.
+    void ClosePackage();
     // Whether the table is a machine's own, not an image or the sample.
     bool IsThisMachine() const { return !m_isImage && !m_isSample; }
 
     // A package on the table that has decoded nothing so far.
     Quorlin& Package() { return *m_package; }
+    bool HadTooManyItems() const { return m_package != nullptr && m_package->HadTooManyItems(); }
     // The table's bytes, which live until Close. Empty without memory.
     std::span<const uint8_t> Bytes();
     uint8_t Major() const { return m_version[0]; }

@@ -126,8 +126,3 @@ bool EqualsIgnoringCase(std::string_view first, std::string_view second) {
 bool ContainsIgnoringCase(std::string_view text, std::string_view part) {
     return std::search(text.begin(), text.end(), part.begin(), part.end(), SameLetter) != text.end() || part.empty();
 }
-
-std::string HandleText(uint16_t handle) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    return {kDigits[handle >> 12], kDigits[handle >> 8 & 15], kDigits[handle >> 4 & 15], kDigits[handle & 15], 'h'};
-}

@@ -24,6 +24,3 @@ bool AppendJson(std::string& out, std::string_view text);
 // Compare without regard to the case of ASCII letters.
 bool EqualsIgnoringCase(std::string_view first, std::string_view second);
 bool ContainsIgnoringCase(std::string_view text, std::string_view part);
-
-// A handle as the standard writes it: 0011h.
-std::string HandleText(uint16_t handle);

@@ -102,9 +102,8 @@ TEST(Program, PrintsExactly) {
         Case("diff " + a + " " + b + " --ignore manufacturer", 0, ""),
         Case("diff " + a + " " + folder + "no-such-file", 2, ""),
         Case("diff --format csv " + three + " " + others, 1,
-             "change,type,handle,title,group,key,a,b\r\n"
-             "changed,3,1,System Enclosure or Chassis Types,,Handle,1,9\r\n"
-             "removed,3,3,System Enclosure or Chassis Types,,,,\r\n"),
+             "change,type,name,place,from,handle_a,handle_b,key,fact,record,offset,a,b\r\n"
+             "removed,3,System Enclosure or Chassis,,,3,,,,,,,\r\n"),
         Case("raw --handle 7" + image, 0,
              "Handle 0007h, type 3 (System Enclosure or Chassis), 29 bytes at offset 0h\n"
              "  0000 03 15 07 00 01 03 00 00 00 03 03 03 03 00 00 00  ................\n"
@@ -153,9 +152,12 @@ TEST(Program, PrintsAmongOtherThings) {
     const std::string blanks = " --type 3 --image " + ImageBy("Maker  ", "blanks.bin");
     const std::string heading = "System Enclosure or Chassis Types, type 3, handle 0007h\n";
     const Case_t kCases[] = {
-        Case("diff " + a + " " + b, 1, heading + "-   Manufacturer  A\n+   Manufacturer  B\n"),
-        Case("diff " + c + " " + d, 1, "-   Bytes  AB0000\n+   Bytes  AC0000\n"),
-        Case("diff " + a + " --sample --format csv", 1, "\r\nadded,0,0,BIOS Information,,,,\r\n"),
+        Case("diff " + a + " " + b, 1,
+             "changed: System Enclosure or Chassis (type 3, handle 0007h)\n    Manufacturer: A -> B\n"),
+        Case("diff --format ndjson " + c + " " + d + " " + c, 1,
+             "\n{\"source\":\"" + c + "\",\"smbios\":\"3.0\",\"base\":\"" + c + "\",\"differences\":[]}\n"),
+        Case("diff " + c + " " + d, 1, "    Data, offset 0x4: AB -> AC\n"),
+        Case("diff " + a + " --sample --format csv", 1, "\r\nadded,0,Platform Firmware Information,,,,0,,,,,,\r\n"),
         Case("--sample --type 14 --format csv", 0, "14,3585,2,Group Associations,,Microcode,"),
         Case("check --image " + WriteFile("sum.bin", DumpOf(TableBy("A"), 2, 7, 0xF1230)), 1, "checksums"),
         Case("--format json" + odd, 0,
@@ -441,7 +443,7 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         {"--sample --method \"\"",                                 2, "--method may not be empty"    },
         {"--sample --road scan",                                   2, "are for this machine"         },
         {"--method bios",                                          2, "use firmware or scan"         },
-        {"diff " + text + " \"\"",                                 2, "b may not be empty"           },
+        {"diff " + text + " \"\"",                                 2, "image may not be empty"       },
         {"--sample types",                                         2, "exclude"                      },
         {"raw --image-list x",                                     2, "unknown option '--image-list'"},
         {"get 300 x --sample",                                     2, "unknown structure type '300'" },
@@ -641,7 +643,6 @@ TEST(Program, LogsEveryWalk) {
     } kCases[] = {
         {"--format lines --image " + image,                        walk, 1},
         {"--format ndjson --image " + image + " --image " + image, walk, 2},
-        {"diff " + image + " " + image,                            walk, 2},
         {"--format lines --type 24 --sample-if-none",              line, 1}, // the last of the machines that it tries
     };
     const auto home = fs::current_path();

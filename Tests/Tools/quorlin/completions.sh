@@ -31,7 +31,7 @@ offer_fish() {
 cases=(
     "ty|types" "--sam|--sample" "types --he|--help" "types --ver|!--version"
     "find x --form|--format" "find x --format nd|ndjson" "find x --format |!lines" "show --format=li|lines"
-    "--format=js|json" "diff --ig|--ignore" "diff --form|--format" "diff a b --format |!ndjson"
+    "--format=js|json" "diff --ig|--ignore" "diff --form|--format" "diff a b --format |ndjson"
     "--method s|scan" "--ro|!--road" "--color=al|always" "raw -t mem|memory" "get mem|memory"
     "get system-u|system-uuid" "-s chassis-t|chassis-type" "sum|summary" "summary --form|--format"
     "summary --format |!csv"

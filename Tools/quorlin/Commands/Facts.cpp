@@ -10,16 +10,6 @@ namespace {
 
 constexpr List_t kList = {.name = "structures", .columns = kFactColumns};
 
-// Whether any type has a fact with this key.
-bool IsKey(std::string_view key) {
-    for (unsigned type = 0; type < 256; type++) {
-        const StandardType_t table = FindStandardType(static_cast<uint8_t>(type));
-        for (const StandardField_t& field : table.fields)
-            if (table.Text(field.key) == key) return true;
-    }
-    return false;
-}
-
 bool HasAny(const FactStructure_t& structure) {
     bool isFound = false;
     structure.ForEach([&](const ClFacts&, const Fact_t&) { isFound = true; });
@@ -46,8 +36,7 @@ class ClFactsCommand : public ClCommand {
     int Run() override {
         m_source.Check();
         m_format.Check(m_source);
-        for (const std::string& key : m_choice.keys)
-            if (!IsKey(key)) throw BadUsage_t{"unknown key '" + key + "'; try quorlin facts --sample --format csv"};
+        CheckFactKeys(m_choice.keys);
         const std::vector<uint8_t> types = TypesByName(m_typeNames);
         const bool takesAnyHandle = m_handleText.empty();
         const uint16_t handle = takesAnyHandle ? uint16_t{0} : ParseHandle(m_handleText);

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "Packages/Format/Structures.h"
+#include "Packages/Standard/Texts.h"
 #include "Sources/Types.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"

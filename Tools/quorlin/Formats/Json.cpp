@@ -270,7 +270,7 @@ constexpr Format_t kJsonFormat = {
 
 constexpr Format_t kNdjsonFormat = {
     .name = {"ndjson"},
-    .contents = kStructures | kTableRows | kFactLists | kObjects | kFindings,
+    .contents = kAnyContent | kObjects,
     .takesMany = true,
     .reportsErrors = true,
     .isSweep = false,
