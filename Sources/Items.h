@@ -40,7 +40,6 @@ struct Item_t {
     std::string_view key;
     std::string_view value;
     ItemFacts_t facts;
-    bool isInvalid;  // whether the value is the error word for a code that its table doesn't contain
 
     // Appends the key as text: a title with its instance number from the second on, and kGroupMark unless it is a
     // kItem.
@@ -56,7 +55,7 @@ class ClItemList {
     void KeepTexts(bool keeps) { m_keepsTexts = keeps; }
     // Throws std::bad_alloc if memory runs out.
     void Add(const ClText& key, const ClText& value, const ItemFacts_t& facts) {
-        m_items.push_back({Lasting(key), Lasting(value), facts, value.IsInvalid()});
+        m_items.push_back({Lasting(key), Lasting(value), facts});
     }
     void Clear() {
         m_items.clear();

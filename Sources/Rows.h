@@ -30,7 +30,7 @@ struct CodeText_t {
 
 // Returns the text of `code`, or `otherwise` for a code that the table doesn't contain. Expects rising codes, and is
 // fastest for tables without gaps.
-constexpr Word_t TextOf(std::span<const CodeText_t> table, uint32_t code, std::string_view otherwise) {
+constexpr std::string_view TextOf(std::span<const CodeText_t> table, uint32_t code, std::string_view otherwise) {
     if (table.empty() || code < table.front().code) return otherwise;
     const size_t place = code - table.front().code;
     if (place < table.size() && table[place].code == code) return table[place].Text();
@@ -146,7 +146,7 @@ constexpr Rendering_t BitWords16(std::span<const CodeText_t> table, uint32_t cou
     return {ShowBitWords16, table, {}, count};
 }
 // The text of a code in a rendering's table, for decoders that offer it as a function too.
-constexpr Word_t WordOf(const Rendering_t& enumeration, uint32_t code) {
+constexpr std::string_view WordOf(const Rendering_t& enumeration, uint32_t code) {
     return TextOf(enumeration.table, code, enumeration.text);
 }
 // "Yes" or "No" from a bit of the field.

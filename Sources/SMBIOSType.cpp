@@ -74,10 +74,12 @@ std::string ClSMBIOSType::GetHexString(uint64_t value, uint32_t width) { return 
 
 const char* ClSMBIOSType::GetString(uint32_t strNum, const uint8_t* pData) { return RecordString(strNum, pData); }
 
-Word_t ClSMBIOSType::GetErrorGranularityString(uint8_t code) { return WordOf(ErrorGranularity, code); }
-Word_t ClSMBIOSType::GetErrorOperationString(uint8_t code) { return WordOf(ErrorOperation, code); }
-Word_t ClSMBIOSType::GetErrorTypeString(uint8_t code) { return WordOf(ErrorType, code); }
-Word_t ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) { return WordOf(OnboardDeviceType, code & 0x7F); }
+std::string_view ClSMBIOSType::GetErrorGranularityString(uint8_t code) { return WordOf(ErrorGranularity, code); }
+std::string_view ClSMBIOSType::GetErrorOperationString(uint8_t code) { return WordOf(ErrorOperation, code); }
+std::string_view ClSMBIOSType::GetErrorTypeString(uint8_t code) { return WordOf(ErrorType, code); }
+std::string_view ClSMBIOSType::GetOnboardDeviceTypeString(uint8_t code) {
+    return WordOf(OnboardDeviceType, code & 0x7F);
+}
 
 void ClSMBIOSType::BeginStructure(const uint8_t* pData) {
     m_instanceCounter++;

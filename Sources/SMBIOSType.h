@@ -37,10 +37,10 @@ class ClSMBIOSType {
     // RecordString of Structure.h.
     static const char* GetString(uint32_t strNum, const uint8_t* pData);
     // TextOf for the words of the rows that have the rendering of this name.
-    static Word_t GetErrorGranularityString(uint8_t code);
-    static Word_t GetErrorOperationString(uint8_t code);
-    static Word_t GetErrorTypeString(uint8_t code);
-    static Word_t GetOnboardDeviceTypeString(uint8_t code);
+    static std::string_view GetErrorGranularityString(uint8_t code);
+    static std::string_view GetErrorOperationString(uint8_t code);
+    static std::string_view GetErrorTypeString(uint8_t code);
+    static std::string_view GetOnboardDeviceTypeString(uint8_t code);
 
   protected:
     // Adds one item, a group item unless `group` is 0. If memory runs out, the item is dropped.

@@ -194,15 +194,15 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-Word_t ClSMBIOSType4::GetProcessorFamilyString(uint16_t family) const {
+std::string_view ClSMBIOSType4::GetProcessorFamilyString(uint16_t family) const {
     const std::string_view text = TextOf(kProcessorFamilies, family, "Unknown");
     if (m_processorSignature != kRenamingSignature) return text;
     return TextOf(kRenamedFamilies, family, text);
 }
 
-Word_t ClSMBIOSType4::GetProcessorStatusString(uint16_t status) { return WordOf(Status, status); }
+std::string_view ClSMBIOSType4::GetProcessorStatusString(uint16_t status) { return WordOf(Status, status); }
 
-Word_t ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) { return WordOf(Upgrade, upgrade); }
+std::string_view ClSMBIOSType4::GetProcessorUpgradeString(uint16_t upgrade) { return WordOf(Upgrade, upgrade); }
 
 std::string ClSMBIOSType4::GetProcessorCharacteristicsString(uint16_t characteristics) {
     std::string text;

@@ -9,8 +9,8 @@ class ClSMBIOSType4 final : public ClSMBIOSType {
     explicit ClSMBIOSType4(uint32_t processorSignature) : ClSMBIOSType(4) { m_processorSignature = processorSignature; }
     void PrintStructure(const uint8_t* pData) override;
 
-    Word_t GetProcessorFamilyString(uint16_t family) const;
-    static Word_t GetProcessorStatusString(uint16_t status);
-    static Word_t GetProcessorUpgradeString(uint16_t upgrade);
+    std::string_view GetProcessorFamilyString(uint16_t family) const;
+    static std::string_view GetProcessorStatusString(uint16_t status);
+    static std::string_view GetProcessorUpgradeString(uint16_t upgrade);
     static std::string GetProcessorCharacteristicsString(uint16_t characteristics);
 };

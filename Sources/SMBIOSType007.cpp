@@ -114,7 +114,9 @@ std::string ClSMBIOSType7::GetCacheSizeString(uint16_t size) {
 
 std::string ClSMBIOSType7::GetCacheMemoryTypeString(uint16_t types) { return BitsOrNone(kMemoryTypes, types, 7); }
 
-Word_t ClSMBIOSType7::GetAssociativityString(uint8_t associativity) { return WordOf(Associativity, associativity); }
+std::string_view ClSMBIOSType7::GetAssociativityString(uint8_t associativity) {
+    return WordOf(Associativity, associativity);
+}
 
 void ClSMBIOSType7::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
 

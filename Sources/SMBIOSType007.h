@@ -12,5 +12,5 @@ class ClSMBIOSType7 final : public ClSMBIOSType {
     static std::string GetCacheSizeString(uint16_t size);
     // The types of the set bits, joined by ", "; "None" for none.
     static std::string GetCacheMemoryTypeString(uint16_t types);
-    static Word_t GetAssociativityString(uint8_t associativity);
+    static std::string_view GetAssociativityString(uint8_t associativity);
 };

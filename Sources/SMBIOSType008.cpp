@@ -105,9 +105,9 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-Word_t ClSMBIOSType8::GetConnectorTypeString(uint8_t type) { return WordOf(ConnectorType, type); }
+std::string_view ClSMBIOSType8::GetConnectorTypeString(uint8_t type) { return WordOf(ConnectorType, type); }
 
-Word_t ClSMBIOSType8::GetPortTypeString(uint8_t type) { return WordOf(PortType, type); }
+std::string_view ClSMBIOSType8::GetPortTypeString(uint8_t type) { return WordOf(PortType, type); }
 
 void ClSMBIOSType8::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
 

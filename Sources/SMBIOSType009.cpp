@@ -167,9 +167,9 @@ constexpr ItemRow_t kNoAddress[] = {
 
 }  // namespace
 
-Word_t ClSMBIOSType9::GetSlotTypeString(uint8_t type) { return WordOf(SlotType, type); }
+std::string_view ClSMBIOSType9::GetSlotTypeString(uint8_t type) { return WordOf(SlotType, type); }
 
-Word_t ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) { return WordOf(DataBusWidth, width); }
+std::string_view ClSMBIOSType9::GetSlotDataBusWidthString(uint8_t width) { return WordOf(DataBusWidth, width); }
 
 std::string ClSMBIOSType9::GetSlotCharacteristicsString(uint8_t characteristics) {
     return BitsOrNone(kCharacteristics, characteristics, 8);

@@ -8,8 +8,8 @@ class ClSMBIOSType9 final : public ClSMBIOSType {
     ClSMBIOSType9() : ClSMBIOSType(9) {}
     void PrintStructure(const uint8_t* pData) override;
 
-    static Word_t GetSlotTypeString(uint8_t type);
-    static Word_t GetSlotDataBusWidthString(uint8_t width);
+    static std::string_view GetSlotTypeString(uint8_t type);
+    static std::string_view GetSlotDataBusWidthString(uint8_t width);
     // The characteristics of the set bits, joined by ", "; "None" for 0.
     static std::string GetSlotCharacteristicsString(uint8_t characteristics);
     // The same for the second byte of characteristics.

@@ -10,8 +10,7 @@ ClText ShowDeviceType(const Field_t& field) {
     constexpr uint8_t kEnabled = 0x80;
     const uint8_t device = field.Byte();
     const char* status = (device & kEnabled) != 0 ? "Enabled, " : "Disabled, ";
-    const Word_t type = ClSMBIOSType::GetOnboardDeviceTypeString(device);
-    return ClText(std::string(status).append(type)).MarkInvalid(type.isInvalid);
+    return std::string(status).append(ClSMBIOSType::GetOnboardDeviceTypeString(device));
 }
 
 constexpr Rendering_t DeviceType{ShowDeviceType, kOnboardDeviceTypes};

@@ -67,7 +67,7 @@ constexpr ItemRow_t kItems[] = {
 
 }  // namespace
 
-Word_t ClSMBIOSType16::GetLocationString(uint8_t location) { return WordOf(Location, location); }
+std::string_view ClSMBIOSType16::GetLocationString(uint8_t location) { return WordOf(Location, location); }
 
 void ClSMBIOSType16::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
 

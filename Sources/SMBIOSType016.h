@@ -7,5 +7,5 @@ class ClSMBIOSType16 final : public ClSMBIOSType {
   public:
     ClSMBIOSType16() : ClSMBIOSType(16) {}
     void PrintStructure(const uint8_t* pData) override;
-    static Word_t GetLocationString(uint8_t location);
+    static std::string_view GetLocationString(uint8_t location);
 };

@@ -9,12 +9,6 @@
 #include <utility>
 #include <vector>
 
-// A word of a table, or the word for a code that the table doesn't contain.
-struct Word_t : std::string_view {
-    constexpr Word_t(std::string_view text) : std::string_view(text), isInvalid(text.starts_with("Error: Invalid")) {}
-    bool isInvalid;
-};
-
 // The text of a key or a value on its way into a list. It either owns its characters, or refers to text that outlives
 // all items: a literal, a word of a table, a string of a record (the store keeps its records while a package has
 // items).
@@ -26,22 +20,14 @@ class ClText {
     template <size_t size>
     ClText(char (&buffer)[size]) = delete;  // a buffer doesn't last: pass a std::string
     ClText(std::string own) : m_own(std::move(own)), m_isOwn(true) {}
-    ClText(const Word_t& word) : m_lasting(word), m_isInvalid(word.isInvalid) {}
 
     std::string_view View() const { return m_isOwn ? m_own : m_lasting; }
     bool IsOwn() const { return m_isOwn; }
-    // Whether the text is the error word for a code that its table doesn't contain.
-    bool IsInvalid() const { return m_isInvalid; }
-    ClText& MarkInvalid(bool isInvalid) {
-        m_isInvalid = isInvalid;
-        return *this;
-    }
 
   private:
     std::string_view m_lasting;
     std::string m_own;
     bool m_isOwn = false;
-    bool m_isInvalid = false;
 };
 
 // Keeps copies of texts. They are released together.

@@ -81,15 +81,22 @@ class ClCheck {
     void Run() {
         if (!m_table.checksumsFit) SayOfTable(RuleId_t::kChecksum, 0, "", "");
         bool isEnded = false;
+        uint32_t count = 0;
         for (const TableStructure_t& structure : ClWalk(m_table.bytes)) {
             m_structure = &structure;
             CheckStructure();
+            count++;
             isEnded = structure.Type() == kEndOfTable;
+            // What follows may be made up, and what is missing may be behind it.
+            if (structure.Length() < kHeaderSize) return;
         }
         const auto end = static_cast<uint32_t>(m_table.bytes.size());
         if (m_table.missing != 0)
             SayOfTable(RuleId_t::kTableCutOff, end, std::to_string(end) + " bytes",
                        std::to_string(uint64_t{end} + m_table.missing) + " bytes");
+        if (m_table.structures != 0 && m_table.structures != count)
+            SayOfTable(RuleId_t::kStructureCount, end, std::to_string(m_table.structures) + " structures",
+                       std::to_string(count) + " structures");
         if (!isEnded && m_table.version >= kEndRequired) SayOfTable(RuleId_t::kNoEnd, end, "", "");
         if (m_table.version >= kStructuresRequired)
             for (const uint8_t type : kRequired)
@@ -119,10 +126,10 @@ class ClCheck {
     void CheckStructure() {
         const uint8_t type = m_structure->Type();
         m_types.set(type);
+        if (!CheckLength()) return;
         if (m_seen[m_structure->Handle()])
             Say(RuleId_t::kSameHandle, "", 2, 2, HandleText(m_structure->Handle()), "a handle of its own");
         m_seen.set(m_structure->Handle());
-        if (!CheckLength()) return;
         m_values.Clear();
         m_facts.Begin(*m_structure, {.version = m_table.version, .handles = &m_handles});
         while (m_facts.Next()) {
@@ -156,6 +163,10 @@ class ClCheck {
         if (!m_structure->IsWhole())
             Say(RuleId_t::kStructureCutOff, "", 0, 0, std::to_string(m_structure->size) + " bytes",
                 "two zeros at the end");
+        // Firmware that leaves out the two zeros at the end is taken at its word.
+        if (m_table.largest != 0 && m_structure->size > m_table.largest + 2u)
+            Say(RuleId_t::kLargestStructure, "", 0, 0, std::to_string(m_structure->size) + " bytes",
+                std::to_string(m_table.largest) + " bytes or less");
         const uint8_t type = m_structure->Type();
         const uint32_t least = LeastLength(type);
         const uint32_t usual =
@@ -172,6 +183,13 @@ class ClCheck {
         if (fact.isDerived || fact.field->since > LevelOf(m_table.version)) return;
         const auto say = [&](RuleId_t rule, const std::string& found, const std::string& expected) {
             Say(rule, fact.Key(), fact.offset, fact.size, found, expected);
+        };
+        // On the string itself rather than on its number.
+        const auto sayOfString = [&](RuleId_t rule, const std::string& expected) {
+            if (fact.string.empty()) return say(rule, std::string(fact.text), expected);
+            const auto place = reinterpret_cast<const uint8_t*>(fact.string.data()) - m_structure->data;
+            Say(rule, fact.Key(), static_cast<uint32_t>(place), static_cast<uint32_t>(fact.string.size()),
+                std::string(fact.string), expected);
         };
         const bool isString = fact.kind == FactKind_t::kText && fact.field->form == Form_t::kText;
         switch (fact.state) {
@@ -194,11 +212,11 @@ class ClCheck {
                 if (fact.kind == FactKind_t::kUuid)
                     say(RuleId_t::kUuidFiller, std::string(fact.text), "the machine's own UUID");
                 else
-                    say(IsBlank(fact.text) ? RuleId_t::kBlankString : RuleId_t::kFiller, std::string(fact.text), "");
+                    sayOfString(IsBlank(fact.text) ? RuleId_t::kBlankString : RuleId_t::kFiller, "");
                 break;
             default: break;
         }
-        if (HasControls(fact.string)) say(RuleId_t::kControlBytes, std::string(fact.string), "printable characters");
+        if (HasControls(fact.string)) sayOfString(RuleId_t::kControlBytes, "printable characters");
     }
 
     // The second family is used only if the first one refers to it.

@@ -15,6 +15,8 @@ struct CheckedTable_t {
     uint16_t version = 0x0300;  // as 0304h for 3.4
     bool checksumsFit = true;   // of the entry point
     uint32_t missing = 0;       // bytes by which the table is shorter than its entry point says
+    uint16_t structures = 0;    // what the entry point states: how many, and the size of the largest; 0 for nothing
+    uint16_t largest = 0;
 };
 
 // The texts live for the call that reports the finding.

@@ -5,7 +5,7 @@
 #include <map>
 #include <tuple>
 
-#include "Packages/Standard/Facts.h"
+#include "Packages/Standard/Texts.h"
 
 namespace {
 
@@ -111,8 +111,10 @@ std::vector<FindingGroup_t> FindGroups(const CheckedTable_t& table, const RuleCh
         FindingGroup_t& group = groups[entry->second];
         if (group.count++ >= kMostPlaces) return;
         const uint16_t handle = finding.structure == nullptr ? uint16_t{0} : finding.structure->Handle();
-        group.places.push_back(
-            {handle, finding.offset, finding.size, std::string(finding.found), std::string(finding.expected)});
+        const size_t shown = std::min<size_t>(finding.size, kMostBytes);
+        group.places.push_back({handle, finding.offset, finding.size,
+                                HexDigits(table.bytes.subspan(finding.offset, shown)), std::string(finding.found),
+                                std::string(finding.expected)});
     });
     std::erase_if(groups, [&](const FindingGroup_t& group) { return !choice.Wants(group.rule, group.type, makers); });
     std::ranges::stable_sort(groups, std::ranges::greater(),

@@ -30,8 +30,9 @@ bool FindRule(std::string_view id, RuleId_t* rule);
 
 struct FindingPlace_t {
     uint16_t handle;
-    uint32_t offset;  // of the bytes in the table
-    uint32_t size;    // 0 for the structure as a whole
+    uint32_t offset;    // of the bytes in the table
+    uint32_t size;      // 0 for the structure as a whole
+    std::string bytes;  // in hexadecimal, the first ones if there are many
     std::string found;
     std::string expected;
 };
@@ -47,6 +48,7 @@ struct FindingGroup_t {
 };
 
 inline constexpr size_t kMostPlaces = 256;
+inline constexpr size_t kMostBytes = 64;  // of a place
 
 // Checks a table. The groups are in the order of their first findings, errors before warnings before notes.
 std::vector<FindingGroup_t> FindGroups(const CheckedTable_t& table, const RuleChoice_t& choice);

@@ -1,6 +1,7 @@
 #include "Packages/Analysis/Memory.h"
 
 #include <algorithm>
+#include <bitset>
 
 #include "Packages/Standard/Texts.h"
 
@@ -9,14 +10,6 @@ namespace {
 // Codes of the standard's tables.
 constexpr uint64_t kSystemMemory = 3;
 constexpr uint64_t kSingleBitEcc = 5, kMultiBitEcc = 6;
-
-// The things of one array, of things that are sorted by their arrays.
-template <class Thing_t>
-std::span<const Thing_t> OfArray(const std::vector<Thing_t>& things, uint16_t array) {
-    const auto begin = std::ranges::lower_bound(things, array, {}, &Thing_t::array);
-    const auto end = std::ranges::upper_bound(things, array, {}, &Thing_t::array);
-    return {begin, end};
-}
 
 }  // namespace
 
@@ -53,6 +46,13 @@ void ClMemory::Add(const TableStructure_t& structure, const ClValues& values) {
     }
 }
 
+std::span<const ClMemory::Device_t> ClMemory::DevicesOf(const Array_t& array) const {
+    const uint16_t handle = array.structure.Handle();
+    const auto begin = std::ranges::lower_bound(m_devices, handle, {}, &Device_t::array);
+    const auto end = std::ranges::upper_bound(m_devices, handle, {}, &Device_t::array);
+    return {begin, end};
+}
+
 void ClMemory::Say(RuleId_t rule, const TableStructure_t& structure, std::string_view key, const std::string& found,
                    const std::string& expected, const Report_t& report) const {
     const auto offset = static_cast<uint32_t>(structure.data - m_table.data());
@@ -60,40 +60,59 @@ void ClMemory::Say(RuleId_t rule, const TableStructure_t& structure, std::string
 }
 
 void ClMemory::Report(const Report_t& report) {
-    // Devices and ranges of one array are found by a search.
+    // Devices of one array are found by a search.
     std::ranges::stable_sort(m_devices, {}, &Device_t::array);
     std::ranges::stable_sort(m_ranges, {}, [](const Range_t& range) { return std::pair(range.array, range.begin); });
     for (const Array_t& array : m_arrays) ReportArray(array, report);
     ReportOverlaps(report);
+    ReportMapped(report);
     ReportSerials(report);
 }
 
 void ClMemory::ReportArray(const Array_t& array, const Report_t& report) const {
-    const uint16_t handle = array.structure.Handle();
-    const std::span<const Device_t> devices = OfArray(m_devices, handle);
-    const std::span<const Range_t> ranges = OfArray(m_ranges, handle);
+    const std::span<const Device_t> devices = DevicesOf(array);
     const size_t count = devices.size();
     if (array.devices && *array.devices != count)
         Say(RuleId_t::kDeviceCount, array.structure, "number_of_memory_devices", std::to_string(*array.devices),
             std::to_string(count) + " structures of type 17 refer to the array", report);
-    uint64_t installed = 0, mapped = 0;
-    bool isKnown = true, isPersistent = false, hasCheckBits = count == 0;
+    uint64_t installed = 0;
+    bool hasCheckBits = false;
     for (const Device_t& device : devices) {
         installed += device.size;
-        isKnown &= device.isSizeKnown;
-        isPersistent |= device.isPersistent;
         hasCheckBits |= device.checkBits != 0;
     }
-    for (const Range_t& range : ranges) mapped += range.end - range.begin + 1;
     if (array.capacity && *array.capacity != 0 && installed > *array.capacity)
         Say(RuleId_t::kMoreThanMaximum, array.structure, "capacity", SizeText(*array.capacity),
             SizeText(installed) + " are installed", report);
-    if (array.isSystem && isKnown && !isPersistent && installed != 0 && mapped != 0 && mapped != installed)
-        Say(RuleId_t::kMappedSize, array.structure, "", SizeText(mapped) + " mapped",
-            SizeText(installed) + " installed", report);
     if (array.isSystem && array.hasEcc && installed != 0 && !hasCheckBits)
         Say(RuleId_t::kEccWidth, array.structure, "memory_error_correction", "ECC",
             "a total width above the data width in its devices", report);
+}
+
+// Arrays may share a range, in which their memory takes turns, so that only the whole can be compared.
+void ClMemory::ReportMapped(const Report_t& report) {
+    constexpr uint64_t kBelowOneMiB = 0x100000;  // where firmware may leave out addresses that aren't memory
+    std::bitset<0x10000> isSystem;               // by handle
+    uint64_t installed = 0, mapped = 0, end = 0;
+    for (const Array_t& array : m_arrays) {
+        if (!array.isSystem) continue;
+        isSystem.set(array.structure.Handle());
+        for (const Device_t& device : DevicesOf(array)) {
+            if (!device.isSizeKnown || device.isPersistent) return;
+            installed += device.size;
+        }
+    }
+    std::erase_if(m_ranges, [&](const Range_t& range) { return !isSystem[range.array]; });
+    std::ranges::sort(m_ranges, {}, &Range_t::begin);
+    for (const Range_t& range : m_ranges) {
+        if (range.end < end) continue;
+        mapped += range.end + 1 - std::max(range.begin, end);
+        end = range.end + 1;
+    }
+    const bool fits = mapped <= installed && installed - mapped < kBelowOneMiB;
+    if (installed != 0 && mapped != 0 && !fits)
+        Say(RuleId_t::kMappedSize, m_ranges.front().structure, "", SizeText(mapped) + " mapped in all",
+            SizeText(installed) + " installed", report);
 }
 
 void ClMemory::ReportOverlaps(const Report_t& report) {

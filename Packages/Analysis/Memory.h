@@ -42,7 +42,9 @@ class ClMemory {
         uint64_t begin, end;
     };
 
+    std::span<const Device_t> DevicesOf(const Array_t& array) const;
     void ReportArray(const Array_t& array, const Report_t& report) const;
+    void ReportMapped(const Report_t& report);
     void ReportOverlaps(const Report_t& report);
     void ReportSerials(const Report_t& report);
     void Say(RuleId_t rule, const TableStructure_t& structure, std::string_view key, const std::string& found,

@@ -33,14 +33,16 @@ bool ParseEntryPoint(const uint8_t* bytes, size_t size, EntryPoint_t* point) {
                   Read<uint32_t>(bytes, 0x0C),
                   true,
                   kEntryPointSize64,
-                  AddsUp(bytes, kEntryPointSize64)};
+                  AddsUp(bytes, kEntryPointSize64),
+                  0,
+                  0};
         return true;
     }
     if (size >= kEntryPointSize32 && BeginsWith({bytes, size}, kAnchor32)) {
         const bool fits =
             AddsUp(bytes, kEntryPointSize32) && AddsUp(bytes + kDMIPartOffset, kEntryPointSize32 - kDMIPartOffset);
         *point = {bytes[6], bytes[7],          bytes[0x1E], Read<uint32_t>(bytes, 0x18), Read<uint16_t>(bytes, 0x16),
-                  false,    kEntryPointSize32, fits};
+                  false,    kEntryPointSize32, fits,        Read<uint16_t>(bytes, 0x1C), Read<uint16_t>(bytes, 0x08)};
         return true;
     }
     return false;

@@ -24,6 +24,8 @@ struct EntryPoint_t {
     bool lengthIsBound;     // the table may be shorter than tableLength, as a 64-bit entry point allows
     size_t size;            // of the entry point itself
     bool checksumsFit;
+    uint16_t structures;  // how many a 32-bit one states, and the size of the largest; 0 in a 64-bit one
+    uint16_t largest;
 };
 
 bool BeginsWith(std::span<const uint8_t> bytes, std::string_view text);

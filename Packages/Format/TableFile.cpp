@@ -78,6 +78,8 @@ TableFound_t WithVersion(TableFound_t found, const EntryPoint_t& point) {
     found.major = point.major;
     found.minor = point.minor;
     found.checksumsFit = point.checksumsFit;
+    found.structures = point.structures;
+    found.largest = point.largest;
     return found;
 }
 

@@ -37,6 +37,8 @@ struct TableFound_t {
     uint8_t major = 0, minor = 0;      // SMBIOS version; 0.0 if the form has none
     uint32_t missing = 0;              // bytes by which the table is shorter than its form says
     bool checksumsFit = true;          // of the entry point, if there is one
+    uint16_t structures = 0;           // what it states: how many, and the size of the largest; 0 for nothing
+    uint16_t largest = 0;
 };
 
 // Finds the table in the bytes of a file, which must not be compressed. `as` sets the form; with kAny the content

@@ -5,8 +5,9 @@
 
 #include "Tools/quorlin/Writer.h"
 
-inline constexpr Column_t kFindingColumns[] = {{"rule"},  {"severity"}, {"type"},   {"name"}, {"key"},   {"what"},
-                                               {"count"}, {"handle"},   {"offset"}, {"size"}, {"found"}, {"expected"}};
+inline constexpr Column_t kFindingColumns[] = {{"rule"},  {"severity"}, {"type"},    {"name"},   {"key"},
+                                               {"what"},  {"count"},    {"handle"},  {"offset"}, {"size"},
+                                               {"bytes"}, {"found"},    {"expected"}};
 enum FindingColumn_t : size_t {
     kRuleColumn,
     kSeverityColumn,
@@ -18,6 +19,7 @@ enum FindingColumn_t : size_t {
     kHandleColumn,
     kOffsetColumn,
     kSizeColumn,
+    kBytesColumn,
     kFoundColumn,
     kExpectedColumn,
 };

@@ -53,6 +53,8 @@ status_t Take(const TableFound_t& found, Image_t* image, std::string* error) {
     image->form = found.form;
     image->missing = found.missing;
     image->checksumsFit = found.checksumsFit;
+    image->structures = found.structures;
+    image->largest = found.largest;
     return kSuccess;
 }
 

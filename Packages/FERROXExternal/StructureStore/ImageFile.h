@@ -16,6 +16,8 @@ struct Image_t {
     TableForm_t form = TableForm_t::kAny;
     bool isCompressed = false;
     bool checksumsFit = true;
+    uint16_t structures = 0;  // what the entry point states: how many, and the size of the largest; 0 for nothing
+    uint16_t largest = 0;
     uint32_t missing = 0;  // bytes by which the table is shorter than its form says
 
     // Returns the form in words, such as "table, compressed with gzip".

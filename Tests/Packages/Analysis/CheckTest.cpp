@@ -143,7 +143,7 @@ TEST(Check, FindsExactlyEachFault) {
         Case("QR0602 type 1 product_name x1\n", set(1, 5, {0})),
         Case("QR0701 type 16 number_of_memory_devices x1\n", set(16, 0x0D, {2})),
         Case("QR0702 type 16 capacity x1\n", set(16, 7, {0, 0, 0x40, 0})),
-        Case("QR0703 type 16  x1\n", set(19, 8, {0xFF, 0xFF, 0x3F, 0})),
+        Case("QR0703 type 19  x1\n", set(19, 8, {0xFF, 0xFF, 0x3F, 0})),
         Case("QR0704 type 20 range_end x1\n", nothing,
              {ClStructureBuilder(20, 0x23, 0x1400)
                   .Dword(4, 0x2000)
@@ -152,7 +152,7 @@ TEST(Check, FindsExactlyEachFault) {
                   .Word(14, 0x1300)
                   .Byte(0x10, 1)}),
         Case("QR0705 type 19 range_start x1\n", [](Structures_t& all) { all.at(19).Dword(8, 0x005FFFFF); },
-             {ClStructureBuilder(19, 0x1F, 0x1301).Dword(4, 0x00400000).Dword(8, 0x005FFFFF).Word(12, 0x1000)}),
+             {ClStructureBuilder(19, 0x1F, 0x1301).Dword(4, 0x00400000).Dword(8, 0x007FFFFF).Word(12, 0x1000)}),
         Case("QR0711 type 7 cache_size x1\n", set(7, 9, {0x00, 0x02})),
         Case("QR0712 type 7 installed_cache_size_2 x1\n",
              [](Structures_t& all) {
@@ -185,18 +185,81 @@ TEST(Check, FindsExactlyEachFault) {
     const std::vector<uint8_t> bytes = BytesOf(Machine());
     EXPECT_EQ(Findings({.bytes = bytes, .checksumsFit = false}), "QR0101 type -1  x1\n");
     EXPECT_EQ(Findings({.bytes = bytes, .missing = 7}), "QR0102 type -1  x1\n");
+    EXPECT_EQ(Findings({.bytes = bytes, .structures = 10}), "QR0104 type -1  x1\n");
+    EXPECT_EQ(Findings({.bytes = bytes, .largest = 72}), "QR0105 type 1  x1\n");
+    EXPECT_EQ(Findings({.bytes = bytes, .structures = 11, .largest = 73}), "");
     std::vector<uint8_t> shortened(bytes.begin(), bytes.end() - 1);
     EXPECT_EQ(Findings({.bytes = shortened}), "QR0202 type 127  x1\n");
-    shortened = {200, 2, 0x34, 0x12, 0, 0};
-    EXPECT_EQ(Findings({.bytes = shortened, .version = 0x0201}), "QR0201 type 200  x1\n");
+    // After a broken structure nothing can be told.
+    shortened = {200, 2, 0x34, 0x12, 0, 0, 200, 2, 0x34, 0x12, 0, 0};
+    EXPECT_EQ(Findings({.bytes = shortened}), "QR0201 type 200  x1\n");
     // Two modules of one maker with one serial number.
     Structures_t machine = Machine();
     machine.at(16).Word(0x0D, 2);
     machine.at(19).Dword(8, 0x00FFFFFF);
     const ClStructureBuilder twin = Machine().at(17).Word(2, 0x1101);
     EXPECT_EQ(Findings({.bytes = BytesOf(machine, {twin})}), "QR0802 type 17 serial_number x1\n");
-    seen.insert({"QR0101", "QR0102", "QR0201", "QR0202", "QR0802"});
+    seen.insert({"QR0101", "QR0102", "QR0104", "QR0105", "QR0201", "QR0202", "QR0802"});
     for (const RuleId_t rule : kRules) EXPECT_TRUE(seen.contains(RuleOf(rule).id)) << RuleOf(rule).id;
+}
+
+// Tables that are almost like those with a fault.
+TEST(Check, LeavesWhatIsRightAlone) {
+    const auto word = [](uint8_t type, size_t offset, uint16_t value) {
+        return [=](Structures_t& all) { all.at(type).Word(offset, value); };
+    };
+    const auto nothing = [](Structures_t&) {};
+    const Case_t cases[] = {
+        Case("", nothing, {ClStructureBuilder(24, 5, 0x1800)}),
+        Case("", nothing, {ClStructureBuilder(12, 5, 0x0C00).Byte(4, 1).Strings({"caf\xC3\xA9"})}),
+        Case("", nothing,
+             {ClStructureBuilder(2, 0x13, 0x0200)
+                  .Byte(0x0D, 10)
+                  .Word(0x0B, 0x0300)
+                  .Byte(0x0E, 2)
+                  .Word(0x0F, 0x0400)
+                  .Word(0x11, 0x0900)}),
+        Case("", nothing,
+             {ClStructureBuilder(20, 0x23, 0x1400)
+                  .Dword(8, 0x007FFFFF)
+                  .Word(12, 0x1100)
+                  .Word(14, 0x1300)
+                  .Byte(0x10, 1)}),
+        Case("", nothing, {ClStructureBuilder(221, 4, 0xDD00).Strings({"a", "b"})}),
+        // No error was reported, or the firmware doesn't report errors.
+        Case("", word(17, 6, 0xFFFF)),
+        Case("", word(17, 6, 0xFFFE)),
+        // No cache of this level, an unknown speed, a size in the second form, as many enabled as there are.
+        Case("", word(4, 0x1A, 0xFFFF)),
+        Case("", word(4, 0x16, 0)),
+        Case("", word(17, 0x20, 0)),
+        Case("", [](Structures_t& all) { all.at(17).Word(12, 0x7FFF).Dword(0x1C, 8192); }),
+        Case("",
+             [](Structures_t& all) {
+                 all.at(4)
+                     .Byte(0x23, 0xFF)
+                     .Byte(0x24, 0xFF)
+                     .Byte(0x25, 0xFF)
+                     .Word(0x2A, 300)
+                     .Word(0x2C, 300)
+                     .Word(0x2E, 600);
+             }),
+        // Check bits, and an array that has them; ranges next to each other; addresses that no memory has below 1 MiB.
+        Case("",
+             [](Structures_t& all) {
+                 all.at(16).Byte(6, 6);
+                 all.at(17).Word(8, 72);
+             }),
+        Case("", [](Structures_t& all) { all.at(19).Dword(8, 0x003FFFFF); },
+             {ClStructureBuilder(19, 0x1F, 0x1301).Dword(4, 0x00400000).Dword(8, 0x007FFFFF).Word(12, 0x1000)}),
+        Case("", [](Structures_t& all) { all.at(19).Dword(8, 0x0009FFFF); },
+             {ClStructureBuilder(19, 0x1F, 0x1301).Dword(4, 0x000A0080).Dword(8, 0x007FFFFF).Word(12, 0x1000)}),
+    };
+    for (const Case_t& c : cases) {
+        Structures_t machine = Machine();
+        c.change(machine);
+        EXPECT_EQ(Findings({.bytes = BytesOf(machine, c.more)}), c.findings) << "case " << &c - cases;
+    }
 }
 
 // What is right for the version, or too new for it, is no finding.

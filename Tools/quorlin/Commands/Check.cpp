@@ -1,5 +1,6 @@
 // quorlin check: what is wrong with a table.
 #include <map>
+#include <tuple>
 
 #include "Packages/Analysis/Findings.h"
 #include "Tools/quorlin/Commands.h"
@@ -23,18 +24,36 @@ std::string SubjectOf(const FindingGroup_t& group) {
     return text;
 }
 
-// The places with the same bytes in one line, with their handles.
+// A text as it is, or in quotes if blanks at its ends would be lost.
+std::string Quoted(const std::string& text) {
+    const bool isBare = !text.empty() && text.front() != ' ' && text.back() != ' ';
+    return isBare ? text : std::string("\"").append(text).append("\"");
+}
+
+// The places with the same bytes in one line: the bytes and where they are, what they read, and the structures.
 void ShowPlaces(const FindingGroup_t& group, ClColumns& people) {
-    std::map<std::pair<std::string_view, std::string_view>, std::string> lines;
+    struct Line_t {
+        const FindingPlace_t* first;
+        std::string handles;
+    };
+    std::map<std::tuple<std::string_view, std::string_view, std::string_view>, size_t> known;
+    std::vector<Line_t> lines;
     for (const FindingPlace_t& place : group.places) {
-        std::string& handles = lines[{place.found, place.expected}];
+        const auto [entry, isNew] = known.try_emplace({place.bytes, place.found, place.expected}, lines.size());
+        if (isNew) lines.push_back({&place, ""});
+        std::string& handles = lines[entry->second].handles;
         handles.append(handles.empty() ? "" : ", ").append(HandleText(place.handle));
     }
-    for (const auto& [texts, handles] : lines) {
-        std::string line(texts.first);
-        if (!texts.second.empty()) line.append(line.empty() ? "" : "; ").append("expected ").append(texts.second);
-        if (group.type >= 0) line.append(line.empty() ? "" : "; ").append("handle ").append(handles);
-        if (!line.empty()) people.Line(4, line);
+    for (const auto& [first, handles] : lines) {
+        std::string line;
+        const auto add = [&line](std::string_view text) { line.append(line.empty() ? "" : "; ").append(text); };
+        if (!first->found.empty()) add(Quoted(first->found));
+        if (!first->expected.empty()) add("expected " + first->expected);
+        if (group.type >= 0) add("handle " + handles);
+        add("at " + CodeText(first->offset));
+        const bool isText = group.rule == RuleId_t::kFiller || group.rule == RuleId_t::kBlankString;
+        if (!first->bytes.empty() && !isText) line.append(": ").append(first->bytes);
+        people.Line(4, line);
     }
     if (group.count > group.places.size())
         people.Line(4, "and " + std::to_string(group.count - group.places.size()) + " more");
@@ -60,6 +79,7 @@ void WriteGroup(const FindingGroup_t& group, ClWriter& writer) {
         if (!isTable) row[kHandleColumn] = place.handle;
         row[kOffsetColumn] = uint64_t{place.offset};
         row[kSizeColumn] = uint64_t{place.size};
+        if (!place.bytes.empty()) row[kBytesColumn] = std::string_view(place.bytes);
         row[kFoundColumn] = std::string_view(place.found);
         row[kExpectedColumn] = std::string_view(place.expected);
         places.push_back(std::move(row));
@@ -99,6 +119,8 @@ class ClCheckCommand : public ClCommand {
                                    .version = static_cast<uint16_t>(table.Major() << 8 | table.Minor()),
                                    .checksumsFit = image == nullptr || image->checksumsFit,
                                    .missing = image == nullptr ? 0 : image->missing,
+                                   .structures = image == nullptr ? uint16_t{0} : image->structures,
+                                   .largest = image == nullptr ? uint16_t{0} : image->largest,
                                };
                                const std::vector<FindingGroup_t> groups = FindGroups(checked, choice);
                                ClColumns* people = writer.People();
