@@ -14,7 +14,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 # Uses sudo if only root can read the table.
 AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || echo sudo)
 
-.PHONY: build run test test-long test-machine stub asan tsan coverage windows test-windows install deb zip bench fuzz \
+.PHONY: build run test test-long test-machine test-sarif stub asan tsan coverage windows test-windows install deb zip bench fuzz \
 	format lint hooks clean
 .DEFAULT_GOAL := build
 
@@ -97,6 +97,14 @@ deb:
 zip: windows
 	@$(INSTALL) $(ZIP_PACKAGES)
 	@cmake/make-zip.sh build/windows
+
+# The SARIF of check, by a validator from npm.
+test-sarif:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
+	@command -v npm >/dev/null || $(INSTALL) npm
+	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
+	@cmake --build --preset release --target quorlin_program write_images
+	@Tests/Sarif/run.sh build/release/bin
 
 # Times, then instructions, memory and system calls of whole runs. The best of many short repetitions in random order
 # gives figures that can be compared on a busy machine. Containers of a million entries take minutes; run them with
