@@ -14,8 +14,8 @@ DMI = /sys/firmware/dmi/tables/DMI
 # Uses sudo if only root can read the table.
 AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || echo sudo)
 
-.PHONY: build run test test-long test-machine test-sarif stub asan tsan coverage windows test-windows install deb zip bench fuzz \
-	format lint hooks clean
+.PHONY: build run test test-long test-machine test-sarif stub asan tsan coverage windows test-windows install deb zip \
+	bench fuzz format lint hooks clean
 .DEFAULT_GOAL := build
 
 build:
