@@ -128,10 +128,14 @@ void ClMemory::ReportSerials(const Report_t& report) {
     std::erase_if(m_devices, [](const Device_t& device) { return device.size == 0 || device.serial.empty(); });
     std::ranges::stable_sort(m_devices, {},
                              [](const Device_t& device) { return std::pair(device.maker, device.serial); });
+    // In the order of the table, which doesn't depend on what the serial numbers are.
+    std::vector<std::pair<const Device_t*, const Device_t*>> pairs;
     for (size_t i = 1; i < m_devices.size(); i++) {
         const Device_t &first = m_devices[i - 1], &second = m_devices[i];
-        if (first.maker == second.maker && first.serial == second.serial)
-            Say(RuleId_t::kSameSerial, second.structure, "serial_number", std::string(second.serial),
-                "another one than that of the structure with handle " + HandleText(first.structure.Handle()), report);
+        if (first.maker == second.maker && first.serial == second.serial) pairs.emplace_back(&second, &first);
     }
+    std::ranges::sort(pairs, {}, [](const auto& pair) { return pair.first->structure.data; });
+    for (const auto& [second, first] : pairs)
+        Say(RuleId_t::kSameSerial, second->structure, "serial_number", std::string(second->serial),
+            "another one than that of the structure with handle " + std::to_string(first->structure.Handle()), report);
 }

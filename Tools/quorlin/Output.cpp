@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Packages/OS/Program.h"
+#include "Tools/quorlin/CommandLine.h"
 #include "Tools/quorlin/Text.h"
 
 void ClOutput::Flush() {
@@ -58,4 +59,11 @@ bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
     SayError(path, errno == EEXIST ? std::string("exists already, and nothing is overwritten; try another name")
                                    : std::string(std::strerror(errno)) + "; try another name or place");
     return false;
+}
+
+bool WriteFileOrStream(const std::string& path, std::span<const uint8_t> bytes) {
+    if (path != kStandardStream) return WriteNewFile(path, bytes);
+    ClOutput output;
+    output << std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return output.Finish();
 }

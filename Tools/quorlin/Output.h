@@ -57,3 +57,5 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);
 // Writes a new file that only its owner can read, whole or not at all. False, with a line on standard error, if it
 // exists or can't be written.
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes);
+// The same, but to standard output for "-".
+bool WriteFileOrStream(const std::string& path, std::span<const uint8_t> bytes);

@@ -7,6 +7,7 @@
 #include "Packages/OS/ConfigFile.h"
 #include "Packages/OS/CrashFilter.h"
 #include "Packages/OS/FirmwareTables.h"
+#include "Packages/OS/Hmac.h"
 #include "Packages/OS/MemoryMap.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/OSServices.h"
@@ -124,3 +125,9 @@ status_t os_GetMachineName(char**) { return kNotSupported; }
 status_t os_GetMemorySize(uint64_t*) { return kFailure; }
 
 status_t os_GetCurrentDirectory(char**) { return kFailure; }
+
+// ---- Cryptography
+
+bool os_HmacSha256(std::span<const uint8_t>, std::span<const uint8_t>, std::span<uint8_t, 32>) { return false; }
+
+bool os_FillRandom(std::span<uint8_t>) { return false; }

@@ -18,10 +18,7 @@ class ClDump : public ClCommand {
         m_source.CheckOne();
         return ForEachTable(m_source, kDumpCommand.trouble, [&](ClTable& table) {
             const std::vector<uint8_t> dump = MakeDump(table.Bytes(), table.Major(), table.Minor());
-            if (m_path != kStandardStream) return WriteNewFile(m_path, dump) ? kExitDone : kDumpCommand.trouble;
-            ClOutput output;
-            output << std::string_view(reinterpret_cast<const char*>(dump.data()), dump.size());
-            return output.Finish() ? kExitDone : kDumpCommand.trouble;
+            return WriteFileOrStream(m_path, dump) ? kExitDone : kDumpCommand.trouble;
         });
     }
 

@@ -1,0 +1,249 @@
+#include "Packages/Analysis/Pseudonyms.h"
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+#include "Packages/Standard/Facts.h"
+
+namespace {
+
+// The kinds of values begin the messages, so that the HMACs of one kind say nothing about another.
+constexpr char kTextMark = 't', kBytesMark = 'b', kUuidMark = 'u', kMacAddressMark = 'm';
+
+// Bytes up to this number are permuted. The HMACs of more bytes are hardly ever equal, and need less time.
+constexpr size_t kMostPermutedBytes = 2;
+
+int HexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    const char lower = LowerCase(c);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// Reads two digits at `place`, if they are there.
+bool ReadHex(std::string_view text, size_t place, uint8_t* byte) {
+    if (place + 2 > text.size()) return false;
+    const int high = HexDigit(text[place]), low = HexDigit(text[place + 1]);
+    *byte = static_cast<uint8_t>(high << 4 | low);
+    return high >= 0 && low >= 0;
+}
+
+constexpr char kPunctuation[] = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
+constexpr uint16_t kPunctuationSize = sizeof kPunctuation - 1;
+
+bool IsPunctuation(char c) { return c != '\0' && std::string_view(kPunctuation).find(c) != std::string_view::npos; }
+
+// How many characters may replace this one, which is in lower case; 0 if it stays.
+uint16_t RadixOf(char c, bool isPunctuationReplaced) {
+    if (c >= '0' && c <= '9') return 10;
+    if (c >= 'a' && c <= 'z') return 26;
+    if (static_cast<unsigned char>(c) >= 0x80) return 128;
+    return isPunctuationReplaced && IsPunctuation(c) ? kPunctuationSize : 0;
+}
+
+uint8_t SymbolOf(char c, uint16_t radix) {
+    switch (radix) {
+        case 10: return static_cast<uint8_t>(c - '0');
+        case 26: return static_cast<uint8_t>(c - 'a');
+        case 128: return static_cast<uint8_t>(static_cast<unsigned char>(c) - 0x80);
+        default: return static_cast<uint8_t>(std::string_view(kPunctuation).find(c));
+    }
+}
+
+char CharacterOf(uint8_t symbol, uint16_t radix) {
+    switch (radix) {
+        case 10: return static_cast<char>('0' + symbol);
+        case 26: return static_cast<char>('a' + symbol);
+        case 128: return static_cast<char>(0x80 + symbol);
+        default: return kPunctuation[symbol];
+    }
+}
+
+bool IsEmpty(std::span<const uint8_t> bytes) {
+    return std::ranges::all_of(bytes, [](uint8_t byte) { return byte == 0x00; }) ||
+           std::ranges::all_of(bytes, [](uint8_t byte) { return byte == 0xFF; });
+}
+
+std::string Message(char mark, std::span<const uint8_t> bytes) {
+    std::string message(1, mark);
+    message.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return message;
+}
+
+}  // namespace
+
+char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+void TakeLetterCase(std::string_view from, std::span<char> text) {
+    const auto isUpper = [](char c) { return c >= 'A' && c <= 'Z'; };
+    const bool hasUpper = std::ranges::any_of(from, isUpper);
+    for (size_t i = 0; i < text.size(); i++) {
+        const bool isLetter = isUpper(from[i]) || (from[i] >= 'a' && from[i] <= 'z');
+        // In hexadecimal, a letter may stand where a digit was.
+        const bool becomesUpper = isLetter ? isUpper(from[i]) : hasUpper;
+        if (becomesUpper && text[i] >= 'a' && text[i] <= 'z') text[i] = static_cast<char>(text[i] - 'a' + 'A');
+    }
+}
+
+Uuid_t Swapped(const Uuid_t& uuid) {
+    Uuid_t swapped = uuid;
+    std::reverse(swapped.begin(), swapped.begin() + 4);
+    std::swap(swapped[4], swapped[5]);
+    std::swap(swapped[6], swapped[7]);
+    return swapped;
+}
+
+bool BeginsWithMacAddress(std::string_view text, MacAddress_t* address) {
+    if (text.size() < kMacAddressText || (text[2] != ':' && text[2] != '-')) return false;
+    for (size_t i = 0; i < address->size(); i++)
+        if (!ReadHex(text, 3 * i, &(*address)[i]) || (i != 0 && text[3 * i - 1] != text[2])) return false;
+    return true;
+}
+
+bool BeginsWithUuid(std::string_view text, Uuid_t* uuid) {
+    size_t place = 0;
+    for (size_t i = 0; i < uuid->size(); i++, place += 2) {
+        if ((i == 4 || i == 6 || i == 8 || i == 10) && (place >= text.size() || text[place++] != '-')) return false;
+        if (!ReadHex(text, place, &(*uuid)[i])) return false;
+    }
+    return true;
+}
+
+std::string HexText(std::span<const uint8_t> bytes, std::string_view between) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (const uint8_t byte : bytes) {
+        if (!text.empty()) text += between;
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
+}
+
+std::string UuidText(const Uuid_t& uuid) {
+    std::string text = HexText(uuid);
+    for (const size_t dash : {8u, 13u, 18u, 23u}) text.insert(dash, 1, '-');
+    return text;
+}
+
+// Draws as many bytes as are needed from the HMAC of a message.
+void ClPseudonyms::Draw(std::string message, std::span<uint8_t> bytes) {
+    std::array<uint8_t, 32> mac = {};
+    const auto compute = [&] {
+        const std::span all(reinterpret_cast<const uint8_t*>(message.data()), message.size());
+        m_hasFailed = m_hasFailed || !m_hmac(all, mac);
+    };
+    compute();
+    if (bytes.size() <= mac.size()) {
+        std::copy_n(mac.begin(), bytes.size(), bytes.begin());
+        return;
+    }
+    const std::string seed(mac.begin(), mac.end());
+    for (uint32_t block = 0; !bytes.empty(); block++) {
+        message = seed;
+        for (uint32_t shift = 0; shift < 32; shift += 8) message += static_cast<char>(block >> shift & 0xFF);
+        compute();
+        const size_t size = std::min(bytes.size(), mac.size());
+        std::copy_n(mac.begin(), size, bytes.begin());
+        bytes = bytes.subspan(size);
+    }
+}
+
+// A Feistel network of five rounds. The last two undo the first two, and the one between them changes the first symbol
+// in any case, so that no value stays what it is. `context` is what the permutation depends on beside the key.
+void ClPseudonyms::Permute(std::span<uint8_t> symbols, std::span<const uint16_t> radices, const std::string& context) {
+    constexpr char kLast = 4;
+    const size_t half = (symbols.size() + 1) / 2;
+    std::vector<uint8_t> drawn;
+    for (char round = 0; round <= kLast; round++) {
+        const bool isFirstHalf = round % 2 == 0;
+        const std::span<uint8_t> changed = isFirstHalf ? symbols.first(half) : symbols.subspan(half);
+        const std::span<uint8_t> other = isFirstHalf ? symbols.subspan(half) : symbols.first(half);
+        const std::span<const uint16_t> sizes = isFirstHalf ? radices.first(half) : radices.subspan(half);
+        if (changed.empty()) continue;
+        std::string message = context;
+        message += std::min(round, static_cast<char>(kLast - round));
+        message.append(other.begin(), other.end());
+        drawn.resize(changed.size());
+        Draw(std::move(message), drawn);
+        for (size_t i = 0; i < changed.size(); i++) {
+            uint32_t step = drawn[i] % sizes[i];
+            // Steps without a common divisor pass through all symbols, so that some are no fillers.
+            if (round == kLast / 2 && i == 0)
+                while (std::gcd(step, uint32_t{sizes[i]}) != 1) step++;
+            if (round > kLast / 2) step = sizes[i] - step;
+            changed[i] = static_cast<uint8_t>((changed[i] + step) % sizes[i]);
+        }
+    }
+}
+
+std::string ClPseudonyms::LowerText(const std::string& text) {
+    if (MacAddress_t address; text.size() == kMacAddressText && BeginsWithMacAddress(text, &address))
+        return HexText(MacAddress(address), text.substr(2, 1));
+    if (Uuid_t uuid; text.size() == kUuidText && BeginsWithUuid(text, &uuid)) return UuidText(Uuid(uuid));
+    const bool isPunctuationReplaced = std::ranges::none_of(text, [](char c) { return RadixOf(c, false) != 0; });
+    std::vector<uint8_t> symbols;
+    std::vector<uint16_t> radices;
+    std::string context(1, kTextMark);
+    for (const char c : text) {
+        const uint16_t radix = RadixOf(c, isPunctuationReplaced);
+        if (radix != 0) {
+            symbols.push_back(SymbolOf(c, radix));
+            radices.push_back(radix);
+        }
+        context += radix != 0 ? static_cast<char>(radix) : c;
+    }
+    context += '\0';
+    if (symbols.empty()) return text;  // of control characters and DEL
+    std::string pseudonym = text;
+    do {
+        Permute(symbols, radices, context);
+        size_t next = 0;
+        for (char& c : pseudonym)
+            if (const uint16_t radix = RadixOf(LowerCase(c), isPunctuationReplaced); radix != 0)
+                c = CharacterOf(symbols[next++], radix);
+    } while (IsFiller(pseudonym) && !m_hasFailed);
+    return pseudonym;
+}
+
+void ClPseudonyms::Text(std::span<char> text) {
+    const std::string before(text.begin(), text.end());
+    std::string lower = before;
+    std::ranges::transform(lower, lower.begin(), LowerCase);
+    auto [entry, isNew] = m_texts.try_emplace(lower);
+    if (isNew) entry->second = LowerText(lower);
+    std::ranges::copy(entry->second, text.begin());
+    TakeLetterCase(before, text);
+}
+
+Uuid_t ClPseudonyms::Uuid(const Uuid_t& uuid) {
+    const Uuid_t other = Swapped(uuid);
+    Uuid_t pseudonym;
+    Draw(Message(kUuidMark, std::min(uuid, other)), pseudonym);
+    return other < uuid ? Swapped(pseudonym) : pseudonym;
+}
+
+MacAddress_t ClPseudonyms::MacAddress(const MacAddress_t& address) {
+    constexpr uint8_t kFlags = 3;
+    MacAddress_t pseudonym;
+    Draw(Message(kMacAddressMark, address), pseudonym);
+    pseudonym[0] = static_cast<uint8_t>((pseudonym[0] & ~kFlags) | (address[0] & kFlags));
+    return pseudonym;
+}
+
+void ClPseudonyms::Bytes(std::span<uint8_t> bytes) {
+    if (IsEmpty(bytes)) return;
+    const std::string message = Message(kBytesMark, bytes);
+    auto [entry, isNew] = m_bytes.try_emplace(message);
+    if (isNew) {
+        if (bytes.size() > kMostPermutedBytes) {
+            Draw(message, bytes);
+        } else {
+            const std::vector<uint16_t> radices(bytes.size(), 256);
+            do Permute(bytes, radices, Message(kBytesMark, {}));
+            while (IsEmpty(bytes) && !m_hasFailed);
+        }
+        entry->second.assign(bytes.begin(), bytes.end());
+    }
+    std::ranges::copy(entry->second, bytes.begin());
+}

@@ -1,0 +1,36 @@
+// Seeks many texts at once.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class ClSeeker {
+  public:
+    static constexpr size_t kLeast = 6, kMost = 256;
+
+    struct Entry_t {
+        std::string text, pseudonym;
+        int32_t shorter = -1;  // the longest other entry that this one begins with
+    };
+
+    // Adds a text of kLeast bytes or more. Of a longer one than kMost, the begin is sought. The pseudonym of the first
+    // of equal texts counts.
+    void Add(std::string_view text, std::string_view pseudonym);
+    // Must be called after the last Add.
+    void Prepare();
+    bool IsEmpty() const { return m_entries.empty(); }
+    // False if no text begins with these kLeast bytes, the first one highest. Sometimes true though none does.
+    bool MayBegin(uint64_t first) const { return (m_filter[Hash(first) / 64] >> Hash(first) % 64 & 1) != 0; }
+    // The longest of the texts that `bytes` begin with. Null if there is none.
+    const Entry_t* Find(std::string_view bytes) const;
+
+  private:
+    static constexpr uint32_t kFilterBits = 22;
+
+    static size_t Hash(uint64_t first) { return first * 0x9E3779B97F4A7C15u >> (64 - kFilterBits); }
+
+    std::vector<Entry_t> m_entries;
+    std::vector<uint64_t> m_filter;
+};

@@ -1,0 +1,25 @@
+#include "Packages/OS/Hmac.h"
+
+#include <sodium/crypto_auth_hmacsha256.h>
+#include <sys/random.h>
+
+#include <cerrno>
+
+bool os_HmacSha256(std::span<const uint8_t> key, std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
+    static_assert(crypto_auth_hmacsha256_BYTES == mac.extent);
+    // These functions need no start of the library.
+    crypto_auth_hmacsha256_state state;
+    return crypto_auth_hmacsha256_init(&state, key.data(), key.size()) == 0 &&
+           crypto_auth_hmacsha256_update(&state, message.data(), message.size()) == 0 &&
+           crypto_auth_hmacsha256_final(&state, mac.data()) == 0;
+}
+
+bool os_FillRandom(std::span<uint8_t> key) {
+    while (!key.empty()) {
+        const ssize_t got = getrandom(key.data(), key.size(), 0);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return false;
+        key = key.subspan(static_cast<size_t>(got));
+    }
+    return true;
+}

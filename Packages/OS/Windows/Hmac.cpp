@@ -1,0 +1,73 @@
+#include "Packages/OS/Hmac.h"
+
+#include "Packages/OS/Windows/Windows.h"
+// Needs the types of the other.
+#include <bcrypt.h>
+
+namespace {
+
+// The functions of bcrypt.dll. It is loaded when it is needed, so that a start doesn't take longer.
+class ClBCrypt {
+  public:
+    ClBCrypt() : m_library(LoadLibraryExW(L"bcrypt.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32)) {
+        if (m_library == nullptr) return;
+        Find("BCryptCreateHash", createHash);
+        Find("BCryptHashData", hashData);
+        Find("BCryptFinishHash", finishHash);
+        Find("BCryptDestroyHash", destroyHash);
+        Find("BCryptGenRandom", genRandom);
+        decltype(&BCryptOpenAlgorithmProvider) open = nullptr;
+        Find("BCryptOpenAlgorithmProvider", open);
+        if (open != nullptr && open(&hmac, BCRYPT_SHA256_ALGORITHM, nullptr, BCRYPT_ALG_HANDLE_HMAC_FLAG) != 0)
+            hmac = nullptr;
+    }
+
+    bool HasHmac() const {
+        return hmac != nullptr && createHash != nullptr && hashData != nullptr && finishHash != nullptr &&
+               destroyHash != nullptr;
+    }
+
+    BCRYPT_ALG_HANDLE hmac = nullptr;
+    decltype(&BCryptCreateHash) createHash = nullptr;
+    decltype(&BCryptHashData) hashData = nullptr;
+    decltype(&BCryptFinishHash) finishHash = nullptr;
+    decltype(&BCryptDestroyHash) destroyHash = nullptr;
+    decltype(&BCryptGenRandom) genRandom = nullptr;
+
+  private:
+    template <class Function>
+    void Find(const char* name, Function& function) {
+        function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(m_library, name)));
+    }
+
+    HMODULE m_library;
+};
+
+// It stays until the process ends.
+const ClBCrypt& BCrypt() {
+    static const ClBCrypt crypt;
+    return crypt;
+}
+
+// The system doesn't change what it reads, though its functions don't say so.
+PUCHAR Input(std::span<const uint8_t> bytes) { return const_cast<PUCHAR>(bytes.data()); }
+
+}  // namespace
+
+bool os_HmacSha256(std::span<const uint8_t> key, std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
+    const ClBCrypt& crypt = BCrypt();
+    BCRYPT_HASH_HANDLE hash = nullptr;
+    if (!crypt.HasHmac() ||
+        crypt.createHash(crypt.hmac, &hash, nullptr, 0, Input(key), static_cast<ULONG>(key.size()), 0) != 0)
+        return false;
+    const bool isDone = crypt.hashData(hash, Input(message), static_cast<ULONG>(message.size()), 0) == 0 &&
+                        crypt.finishHash(hash, mac.data(), static_cast<ULONG>(mac.size()), 0) == 0;
+    crypt.destroyHash(hash);
+    return isDone;
+}
+
+bool os_FillRandom(std::span<uint8_t> key) {
+    const ClBCrypt& crypt = BCrypt();
+    return crypt.genRandom != nullptr &&
+           crypt.genRandom(nullptr, key.data(), static_cast<ULONG>(key.size()), BCRYPT_USE_SYSTEM_PREFERRED_RNG) == 0;
+}

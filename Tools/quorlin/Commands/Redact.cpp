@@ -1,0 +1,138 @@
+// quorlin redact: a table without what tells its machine from others.
+#include "Packages/Analysis/Redact.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "Packages/OS/Hmac.h"
+#include "Packages/OS/Program.h"
+#include "Tools/quorlin/Commands.h"
+#include "Tools/quorlin/Formats.h"
+#include "Tools/quorlin/Text.h"
+
+namespace {
+
+constexpr size_t kLeastKeyBytes = 16, kMostKeyBytes = 64u << 10, kNewKeyBytes = 32;
+
+constexpr Column_t kColumns[] = {
+    {"type",     "Type"    },
+    {"title",    "Title"   },
+    {"key",      "Key"     },
+    {"replaced", "Replaced"},
+};
+constexpr List_t kList = {.name = "redacted", .columns = kColumns};
+
+// What is replaced beside facts.
+constexpr const char kEverywhere[][95] = {
+    "values of 6 or more characters from above, in the whole table, as text, UTF-16 and bytes",
+    "MAC addresses and UUIDs in any text, but not in type 45",
+    "bytes and strings of types that the standard doesn't have, and of 126 and 127; all but known",
+};
+
+class ClRedact : public ClCommand {
+  public:
+    std::vector<Option_t> Options() override {
+        std::vector<Option_t> options = m_source.OptionsForOne();
+        std::erase_if(options, [](const Option_t& option) {
+            const std::string_view name = option.name;
+            return name != "--as" && name != "--smbios-version" && name != "--color" && name != "--verbose";
+        });
+        options.push_back({"in", "FILE", "The table: a dump, a bare table, or a folder of both", &m_in});
+        options.push_back({"out", "FILE", "The new file; - for standard output", &m_out});
+        options.push_back(
+            {"--key", "FILE", "The key, 16 bytes or more; without it, a new one is made and thrown away", &m_keyFile});
+        options.push_back(
+            {"--keep-vendor", nullptr, "Leave structures of unknown types, but for known values", &m_keepsVendor});
+        options.push_back({"--list", nullptr, "List what is replaced", &m_isList});
+        options.push_back(m_format.Option());
+        return options;
+    }
+
+    int Run() override {
+        if (m_isList != m_in.empty() || m_isList != m_out.empty())
+            throw BadUsage_t{"name a table and a new file, or give --list"};
+        if (m_isList) return List();
+        if (m_format.IsGiven()) throw BadUsage_t{"--format is for --list"};
+        m_source.images = {m_in};
+        m_source.CheckOne();
+        std::vector<uint8_t> key;
+        if (!MakeKey(&key)) return kRedactCommand.trouble;
+        return ForEachTable(m_source, kRedactCommand.trouble, [&](ClTable& table) { return Redact(table, key); });
+    }
+
+  private:
+    // False, with a line on standard error, if there is none.
+    bool MakeKey(std::vector<uint8_t>* key) const {
+        if (m_keyFile.empty()) {
+            key->resize(kNewKeyBytes);
+            const bool isMade = os_FillRandom(*key);
+            if (!isMade) SayError("redact", "the system makes no random key; give one with --key");
+            return isMade;
+        }
+        key->resize(kMostKeyBytes + 1);
+        std::FILE* file = OpenFile(m_keyFile, "r");
+        errno = file == nullptr ? errno : 0;
+        key->resize(file == nullptr ? 0 : std::fread(key->data(), 1, key->size(), file));
+        const std::string problem = errno == 0 ? "" : std::strerror(errno);
+        if (file != nullptr) std::fclose(file);
+        if (!problem.empty())
+            SayError(m_keyFile, problem + "; try another key file");
+        else if (key->size() < kLeastKeyBytes)
+            SayError(m_keyFile, "a key of " + std::to_string(key->size()) + " bytes; it needs 16 or more");
+        else if (key->size() > kMostKeyBytes)
+            SayError(m_keyFile, "larger than 64 KiB, so not a key; try another file");
+        else
+            return true;
+        return false;
+    }
+
+    int Redact(ClTable& table, const std::vector<uint8_t>& key) const {
+        const std::span<const uint8_t> bytes = table.Bytes();
+        std::vector<uint8_t> redacted(bytes.begin(), bytes.end());
+        const Hmac_t hmac = [&key](std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
+            return os_HmacSha256(key, message, mac);
+        };
+        if (!RedactTable(redacted, {.version = table.Version(), .keepsVendor = m_keepsVendor}, hmac)) {
+            SayError("redact", "the system has no HMAC-SHA-256");
+            return kRedactCommand.trouble;
+        }
+        const std::vector<uint8_t> dump = MakeDump(redacted, table.Major(), table.Minor());
+        return WriteFileOrStream(m_out, dump) ? kExitDone : kRedactCommand.trouble;
+    }
+
+    int List() {
+        if (!m_source.color.empty()) SetColor(m_source.color);
+        ClOutput output;
+        const std::unique_ptr<ClWriter> writer = m_format.Chosen().make(output, false);
+        writer->Begin(kList, {});
+        for (const RedactedFact_t& fact : RedactedFacts())
+            writer->Row({fact.type, FindStandardType(fact.type).Name(), fact.key, WhatIsReplaced(fact.how)});
+        for (const char* what : kEverywhere) writer->Row({{}, {}, {}, what});
+        writer->End();
+        return output.Finish() ? kExitDone : kRedactCommand.trouble;
+    }
+
+    Source_t m_source;
+    std::string m_in, m_out, m_keyFile;
+    bool m_keepsVendor = false, m_isList = false;
+    ClFormatOption m_format{kTableRows};
+};
+
+}  // namespace
+
+constexpr Command_t kRedactCommand = {
+    .name = "redact",
+    .summary = "a table without what tells its machine from others",
+    .description =
+        "Writes a table into a new file, with other serial numbers, asset tags, UUIDs and MAC addresses, and other "
+        "bytes "
+        "in structures of unknown types. Under one key equal values stay equal, so that tables can be compared; "
+        "without "
+        "the key nothing comes back.",
+    .footer =
+        "Example: quorlin redact machine.bin public.bin --key key.bin\n"
+        "Exit codes: 0 done, 1 no table, no key, or the file can't be written, 2 bad usage.",
+    .trouble = kExitNoTable,
+    .make = MakeCommand<ClRedact>,
+};
