@@ -69,12 +69,9 @@ class ClRedaction {
     // Finds MAC addresses and UUIDs by their form, in any text.
     void FindForms(const TableStructure_t& structure) {
         const std::string_view all(reinterpret_cast<const char*>(structure.data), structure.size);
-        const auto isHex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
         for (size_t i = kHeaderSize; i < all.size(); i++) {
-            // Their third character, or the ninth one.
-            const bool mayBeAddress = i + 2 < all.size() && (all[i + 2] == ':' || all[i + 2] == '-');
+            const bool mayBeAddress = i + 2 < all.size() && all[i - 1] != all[i + 2];
             const bool mayBeUuid = i + 8 < all.size() && all[i + 8] == '-';
-            if ((!mayBeAddress && !mayBeUuid) || isHex(all[i - 1])) continue;
             MacAddress_t address;
             Uuid_t uuid;
             if (mayBeAddress && BeginsWithMacAddress(all.substr(i), &address)) AddMacAddress(address);
@@ -273,7 +270,8 @@ class ClRedaction {
             for (const char c : bytes) first = first << 8 | static_cast<uint8_t>(c);
             if (!seeker.MayBegin(first)) continue;
             Take(begin, step, isText, ClSeeker::kMost, &bytes);
-            if (const ClSeeker::Entry_t* entry = seeker.Find(bytes)) Overwrite(begin, step, isText, *entry);
+            if (const std::string_view found = seeker.Find(bytes); !found.empty())
+                Overwrite(begin, step, isText, std::string(found));
         }
     }
 
@@ -289,8 +287,7 @@ class ClRedaction {
         return bytes->size() == most;
     }
 
-    void Overwrite(size_t begin, size_t step, bool isText, const ClSeeker::Entry_t& entry) {
-        std::string pseudonym = entry.pseudonym;
+    void Overwrite(size_t begin, size_t step, bool isText, std::string pseudonym) {
         if (isText) {
             std::string before;
             for (size_t i = 0; i < pseudonym.size(); i++) before += static_cast<char>(m_table[begin + i * step]);

@@ -3,33 +3,40 @@
 #include <algorithm>
 
 void ClSeeker::Add(std::string_view text, std::string_view pseudonym) {
-    if (text.size() >= kLeast)
-        m_entries.push_back({std::string(text.substr(0, kMost)), std::string(pseudonym.substr(0, kMost))});
+    if (text.size() < kLeast) return;
+    text = text.substr(0, kMost);
+    m_entries.push_back({static_cast<uint32_t>(m_texts.size()), static_cast<uint32_t>(text.size()), -1});
+    m_texts.append(text).append(pseudonym.substr(0, text.size()));
 }
 
 void ClSeeker::Prepare() {
-    std::ranges::stable_sort(m_entries, {}, &Entry_t::text);
-    const auto rest = std::ranges::unique(m_entries, {}, &Entry_t::text);
+    const auto textOf = [this](const Entry_t& entry) { return TextOf(entry); };
+    std::ranges::sort(m_entries, {}, [&](const Entry_t& entry) { return std::pair(TextOf(entry), entry.place); });
+    const auto rest = std::ranges::unique(m_entries, {}, textOf);
     m_entries.erase(rest.begin(), rest.end());
     m_filter.assign((size_t{1} << kFilterBits) / 64, 0);
     for (size_t i = 0; i < m_entries.size(); i++) {
-        Entry_t& entry = m_entries[i];
-        // What it begins with is the entry before it, or what that one begins with.
-        entry.shorter = static_cast<int32_t>(i) - 1;
-        while (entry.shorter >= 0 && !entry.text.starts_with(m_entries[static_cast<size_t>(entry.shorter)].text))
-            entry.shorter = m_entries[static_cast<size_t>(entry.shorter)].shorter;
+        const std::string_view text = TextOf(m_entries[i]);
+        m_entries[i].shorter = FirstOf(static_cast<int32_t>(i) - 1, text);
         uint64_t first = 0;
-        for (size_t place = 0; place < kLeast; place++) first = first << 8 | static_cast<uint8_t>(entry.text[place]);
+        for (size_t place = 0; place < kLeast; place++) first = first << 8 | static_cast<uint8_t>(text[place]);
         m_filter[Hash(first) / 64] |= uint64_t{1} << Hash(first) % 64;
     }
 }
 
-const ClSeeker::Entry_t* ClSeeker::Find(std::string_view bytes) const {
-    // All entries between one that `bytes` begin with and `bytes` begin with that one, too.
-    const auto after = std::ranges::upper_bound(m_entries, bytes, {},
-                                                [](const Entry_t& entry) -> std::string_view { return entry.text; });
-    auto place = static_cast<int32_t>(after - m_entries.begin()) - 1;
-    while (place >= 0 && !bytes.starts_with(m_entries[static_cast<size_t>(place)].text))
-        place = m_entries[static_cast<size_t>(place)].shorter;
-    return place >= 0 ? &m_entries[static_cast<size_t>(place)] : nullptr;
+// In rising order, all entries between one that `bytes` begin with and `bytes` begin with that one, too. So it is the
+// entry before `bytes`, or one that this entry begins with.
+int32_t ClSeeker::FirstOf(int32_t entry, std::string_view bytes) const {
+    while (entry >= 0 && !bytes.starts_with(TextOf(m_entries[static_cast<size_t>(entry)])))
+        entry = m_entries[static_cast<size_t>(entry)].shorter;
+    return entry;
+}
+
+std::string_view ClSeeker::Find(std::string_view bytes) const {
+    const auto after =
+        std::ranges::upper_bound(m_entries, bytes, {}, [this](const Entry_t& entry) { return TextOf(entry); });
+    const int32_t place = FirstOf(static_cast<int32_t>(after - m_entries.begin()) - 1, bytes);
+    if (place < 0) return {};
+    const Entry_t& entry = m_entries[static_cast<size_t>(place)];
+    return {m_texts.data() + entry.place + entry.size, entry.size};
 }

@@ -197,9 +197,9 @@ TableFound_t FindTableInFolder(std::span<const uint8_t> entryPoint, std::span<co
     return Bounded(WithVersion(Found(TableForm_t::kFolder, table, point.tableLength, point.lengthIsBound), point));
 }
 
-std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uint8_t minor) {
+std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uint8_t minor, uint32_t missing) {
     std::vector<uint8_t> dump(kTableOffset);
-    const auto length = static_cast<uint32_t>(table.size());
+    const uint32_t length = static_cast<uint32_t>(table.size()) + missing;
     if (major >= 3 || length > 0xFFFF) {
         PutText(dump, 0, kAnchor64);
         dump[6] = kEntryPointSize64;

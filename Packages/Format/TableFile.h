@@ -53,5 +53,6 @@ bool IsCompressed(std::span<const uint8_t> bytes);
 const char* Inflate(std::span<const uint8_t> bytes, std::vector<uint8_t>* inflated);
 
 // Makes a dump: an entry point with checksums, and the table at kTableOffset. The entry point is _SM_ for versions
-// below 3 and tables of at most 65,535 bytes, otherwise _SM3_. `table` must not be longer than kMostTableBytes.
-std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uint8_t minor);
+// below 3 and tables of at most 65,535 bytes, otherwise _SM3_. `table` must not be longer than kMostTableBytes. The
+// entry point states a table that is longer by `missing` bytes, for one that is known to be cut off.
+std::vector<uint8_t> MakeDump(std::span<const uint8_t> table, uint8_t major, uint8_t minor, uint32_t missing = 0);

@@ -24,10 +24,10 @@ constexpr Column_t kColumns[] = {
 constexpr List_t kList = {.name = "redacted", .columns = kColumns};
 
 // What is replaced beside facts.
-constexpr const char kEverywhere[][95] = {
+constexpr const char kEverywhere[][96] = {
     "values of 6 or more characters from above, in the whole table, as text, UTF-16 and bytes",
     "MAC addresses and UUIDs in any text, but not in type 45",
-    "bytes and strings of types that the standard doesn't have, and of 126 and 127; all but known",
+    "bytes and strings of unknown types, and of types 126 and 127, without --keep-vendor",
 };
 
 class ClRedact : public ClCommand {
@@ -97,7 +97,8 @@ class ClRedact : public ClCommand {
             SayError("redact", "the system has no HMAC-SHA-256");
             return kRedactCommand.trouble;
         }
-        const std::vector<uint8_t> dump = MakeDump(redacted, table.Major(), table.Minor());
+        const uint32_t missing = table.Image() == nullptr ? 0 : table.Image()->missing;
+        const std::vector<uint8_t> dump = MakeDump(redacted, table.Major(), table.Minor(), missing);
         return WriteFileOrStream(m_out, dump) ? kExitDone : kRedactCommand.trouble;
     }
 
