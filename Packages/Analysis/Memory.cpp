@@ -137,5 +137,5 @@ void ClMemory::ReportSerials(const Report_t& report) {
     std::ranges::sort(pairs, {}, [](const auto& pair) { return pair.first->structure.data; });
     for (const auto& [second, first] : pairs)
         Say(RuleId_t::kSameSerial, second->structure, "serial_number", std::string(second->serial),
-            "another one than that of the structure with handle " + std::to_string(first->structure.Handle()), report);
+            "another one than that of the structure with handle " + HandleText(first->structure.Handle()), report);
 }

@@ -9,8 +9,8 @@ cd "$(dirname "$0")/../.."
 work=$PWD/build/machine
 jobs=${*:-pc q35 sample sm3 lockdown uefi}
 
-cmake/install-packages.sh g++ cmake ninja-build rapidjson-dev zlib1g-dev libgtest-dev qemu-system-x86 seabios ovmf \
-    busybox-static xz-utils
+cmake/install-packages.sh g++ cmake ninja-build libsodium-dev rapidjson-dev zlib1g-dev libgtest-dev qemu-system-x86 \
+    seabios ovmf busybox-static xz-utils
 
 Tests/Machine/kernel.sh "$work/kernel"
 

@@ -189,7 +189,8 @@ TEST(Program, PrintsAmongOtherThings) {
         EXPECT_EQ(run.exitCode, row.exitCode) << row.arguments;
         EXPECT_TRUE(Has(run.output, row.output)) << row.arguments << ": " << run.output;
     }
-    for (const std::string command : {"show", "summary", "types", "find", "get", "diff", "dump", "raw", "check", "hw"})
+    for (const std::string command :
+         {"show", "summary", "types", "find", "get", "diff", "dump", "redact", "raw", "check", "hw"})
         EXPECT_TRUE(Has(RunQuorlin(command + " --help").output, "\nExample: quorlin ")) << command;
 }
 
@@ -238,6 +239,52 @@ TEST(Program, DumpWritesANewFileThatReadsTheSame) {
     EXPECT_EQ(again.exitCode, 1);
     EXPECT_TRUE(Has(again.errors, "exists already"));
     std::remove(dump.c_str());
+}
+
+TEST(Program, RedactWritesANewFileUnderAKey) {
+    const auto key = [](const std::string& name, size_t size) {
+        return " --key " + WriteFile(name, Bytes_t(size, 'k'));
+    };
+    const std::string folder = TempDir(), in = folder + "redact-in.bin", out = folder + "redact-out.bin";
+    const auto redact = [&](const std::string& to, const std::string& options) {
+        std::remove(to.c_str());
+        return RunQuorlin("redact " + in + " " + to + options);
+    };
+    std::remove(in.c_str());
+    ASSERT_EQ(RunQuorlin("dump --sample " + in).exitCode, 0);
+    const std::string good = key("good.key", 16);
+    ASSERT_EQ(redact(out, good).exitCode, 0);
+    EXPECT_EQ(RunQuorlin("check --format lines --image " + out).exitCode,
+              RunQuorlin("check --format lines --image " + in).exitCode);
+    EXPECT_EQ(RunQuorlin("redact " + in + " -" + good).output, ReadWholeFile(out));
+    // Without a key, each run has a new one.
+    const std::string any = folder + "redact-any.bin";
+    ASSERT_EQ(redact(any, "").exitCode, 0);
+    const std::string before = ReadWholeFile(any);
+    EXPECT_NE(before, ReadWholeFile(out));
+    ASSERT_EQ(redact(any, "").exitCode, 0);
+    EXPECT_NE(ReadWholeFile(any), before);
+    EXPECT_EQ(RunQuorlin("redact " + in + " " + any + good).exitCode, 1);  // it exists
+    EXPECT_NE(ReadWholeFile(any), ReadWholeFile(out));
+
+    const Case_t kRefusals[] = {
+        Case(key("short.key", 15), 1, "", "short.key: a key of 15 bytes; it needs 16 or more\n"),
+        Case(key("large.key", 65537), 1, "", "larger than 64 KiB"),
+        Case(" --key " + folder, 1, "", "try another key file\n"),
+        Case(" --key no-such.key", 1, "", "quorlin: no-such.key: "),
+        Case(" --list", 2, "", "name a table and a new file, or give --list"),
+        Case(good + " --format json", 2, "", "--format is for --list"),
+    };
+    for (const Case_t& refusal : kRefusals) {
+        const ProgramRun_t run = redact(out, refusal.arguments);
+        EXPECT_EQ(run.exitCode, refusal.exitCode) << refusal.arguments;
+        EXPECT_TRUE(Has(run.errors, refusal.says)) << refusal.arguments << ": " << run.errors;
+        EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << run.errors;
+        EXPECT_EQ(ReadWholeFile(out), "") << refusal.arguments;
+    }
+    EXPECT_TRUE(
+        Has(RunQuorlin("redact --list --format csv").output, "\r\n17,Memory Device,serial_number,the text\r\n"));
+    for (const std::string& file : {in, out, any}) std::remove(file.c_str());
 }
 
 TEST(Program, CheckGroupsFindingsAndTakesRules) {
