@@ -28,35 +28,23 @@ bool ReadHex(std::string_view text, size_t place, uint8_t* byte) {
     return high >= 0 && low >= 0;
 }
 
-constexpr char kPunctuation[] = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
-constexpr uint16_t kPunctuationSize = sizeof kPunctuation - 1;
+// The sets of characters that are replaced by each other.
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz";
+constexpr std::string_view kPunctuation = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
+constexpr auto kHighBytes = [] {
+    std::array<char, 128> bytes = {};
+    for (size_t i = 0; i < bytes.size(); i++) bytes[i] = static_cast<char>(0x80 + i);
+    return bytes;
+}();
 
-bool IsPunctuation(char c) { return c != '\0' && std::string_view(kPunctuation).find(c) != std::string_view::npos; }
-
-// How many characters may replace this one, which is in lower case; 0 if it stays.
-uint16_t RadixOf(char c, bool isPunctuationReplaced) {
-    if (c >= '0' && c <= '9') return 10;
-    if (c >= 'a' && c <= 'z') return 26;
-    if (static_cast<unsigned char>(c) >= 0x80) return 128;
-    return isPunctuationReplaced && IsPunctuation(c) ? kPunctuationSize : 0;
-}
-
-uint8_t SymbolOf(char c, uint16_t radix) {
-    switch (radix) {
-        case 10: return static_cast<uint8_t>(c - '0');
-        case 26: return static_cast<uint8_t>(c - 'a');
-        case 128: return static_cast<uint8_t>(static_cast<unsigned char>(c) - 0x80);
-        default: return static_cast<uint8_t>(std::string_view(kPunctuation).find(c));
-    }
-}
-
-char CharacterOf(uint8_t symbol, uint16_t radix) {
-    switch (radix) {
-        case 10: return static_cast<char>('0' + symbol);
-        case 26: return static_cast<char>('a' + symbol);
-        case 128: return static_cast<char>(0x80 + symbol);
-        default: return kPunctuation[symbol];
-    }
+// The set that a character in lower case is from. Empty if it stays.
+std::string_view AlphabetOf(char c, bool isPunctuationReplaced) {
+    if (c >= '0' && c <= '9') return kDigits;
+    if (c >= 'a' && c <= 'z') return kLetters;
+    if (static_cast<unsigned char>(c) >= 0x80) return {kHighBytes.data(), kHighBytes.size()};
+    const bool isPunctuation = kPunctuation.find(c) != std::string_view::npos;
+    return isPunctuation && isPunctuationReplaced ? kPunctuation : std::string_view();
 }
 
 bool IsEmpty(std::span<const uint8_t> bytes) {
@@ -110,12 +98,12 @@ bool BeginsWithUuid(std::string_view text, Uuid_t* uuid) {
 }
 
 std::string HexText(std::span<const uint8_t> bytes, std::string_view between) {
-    static constexpr char kDigits[] = "0123456789abcdef";
+    static constexpr char kHexDigits[] = "0123456789abcdef";
     std::string text;
     for (const uint8_t byte : bytes) {
         if (!text.empty()) text += between;
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
+        text += kHexDigits[byte >> 4];
+        text += kHexDigits[byte & 15];
     }
     return text;
 }
@@ -181,17 +169,16 @@ std::string ClPseudonyms::LowerText(const std::string& text) {
     if (MacAddress_t address; text.size() == kMacAddressText && BeginsWithMacAddress(text, &address))
         return HexText(MacAddress(address), text.substr(2, 1));
     if (Uuid_t uuid; text.size() == kUuidText && BeginsWithUuid(text, &uuid)) return UuidText(Uuid(uuid));
-    const bool isPunctuationReplaced = std::ranges::none_of(text, [](char c) { return RadixOf(c, false) != 0; });
+    const bool isPunctuationReplaced = std::ranges::none_of(text, [](char c) { return !AlphabetOf(c, false).empty(); });
     std::vector<uint8_t> symbols;
     std::vector<uint16_t> radices;
     std::string context(1, kTextMark);
     for (const char c : text) {
-        const uint16_t radix = RadixOf(c, isPunctuationReplaced);
-        if (radix != 0) {
-            symbols.push_back(SymbolOf(c, radix));
-            radices.push_back(radix);
-        }
-        context += radix != 0 ? static_cast<char>(radix) : c;
+        const std::string_view alphabet = AlphabetOf(c, isPunctuationReplaced);
+        context += alphabet.empty() ? c : alphabet[0];
+        if (alphabet.empty()) continue;
+        symbols.push_back(static_cast<uint8_t>(alphabet.find(c)));
+        radices.push_back(static_cast<uint16_t>(alphabet.size()));
     }
     context += '\0';
     if (symbols.empty()) return text;  // of control characters and DEL
@@ -200,8 +187,8 @@ std::string ClPseudonyms::LowerText(const std::string& text) {
         Permute(symbols, radices, context);
         size_t next = 0;
         for (char& c : pseudonym)
-            if (const uint16_t radix = RadixOf(LowerCase(c), isPunctuationReplaced); radix != 0)
-                c = CharacterOf(symbols[next++], radix);
+            if (const std::string_view alphabet = AlphabetOf(c, isPunctuationReplaced); !alphabet.empty())
+                c = alphabet[symbols[next++]];
     } while (IsFiller(pseudonym) && !m_hasFailed);
     return pseudonym;
 }

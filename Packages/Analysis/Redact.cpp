@@ -165,7 +165,8 @@ class ClRedaction {
 
     // Nobody knows what structures of a vendor have in them. They keep their form: equal bytes and strings stay equal.
     void BlankStructure(const TableStructure_t& structure) {
-        if (m_options.keepsVendor) return;
+        // With a length below a header's, a structure may be shorter than one.
+        if (m_options.keepsVendor || structure.size <= kHeaderSize) return;
         const uint32_t begin = OffsetOf(structure.data), end = begin + structure.size;
         const uint32_t strings = begin + std::clamp<uint32_t>(structure.Length(), kHeaderSize, structure.size);
         ReplaceBytes(begin + kHeaderSize, strings - begin - kHeaderSize);

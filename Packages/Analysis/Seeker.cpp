@@ -10,10 +10,9 @@ void ClSeeker::Add(std::string_view text, std::string_view pseudonym) {
 }
 
 void ClSeeker::Prepare() {
-    const auto textOf = [this](const Entry_t& entry) { return TextOf(entry); };
+    const auto isSame = [this](const Entry_t& a, const Entry_t& b) { return TextOf(a) == TextOf(b); };
     std::ranges::sort(m_entries, {}, [&](const Entry_t& entry) { return std::pair(TextOf(entry), entry.place); });
-    const auto rest = std::ranges::unique(m_entries, {}, textOf);
-    m_entries.erase(rest.begin(), rest.end());
+    m_entries.erase(std::unique(m_entries.begin(), m_entries.end(), isSame), m_entries.end());
     m_filter.assign((size_t{1} << kFilterBits) / 64, 0);
     for (size_t i = 0; i < m_entries.size(); i++) {
         const std::string_view text = TextOf(m_entries[i]);

@@ -338,6 +338,9 @@ TEST(Redact, DamagedTablesAndAMissingHmacDoNoHarm) {
         });
     Bytes_t bytes = whole;
     EXPECT_FALSE(RedactTable(bytes, {}, [](auto, auto) { return false; }));
+    Redacted({
+        "shorter than a header", {200, 0, 0, 1, 200, 0, 0, 2, 1, 0, 0}
+    });
     // Bytes after the end of the table belong to nothing that is known.
     bytes = whole;
     bytes.insert(bytes.end(), {'t', 'r', 'a', 'c', 'e'});

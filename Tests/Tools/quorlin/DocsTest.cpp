@@ -45,7 +45,7 @@ std::vector<ShownCommand_t> CommandsOf(const fs::path& page) {
     return commands;
 }
 
-// A folder as the docs have it: two images and a list of them. The second has another version and serial number.
+// A folder as the docs have it: two images, a list of them and a key. The second has another version and serial number.
 fs::path DocsFolder() {
     const fs::path folder = fs::path(testing::TempDir()) / "docs";
     fs::remove_all(folder);
@@ -59,6 +59,7 @@ fs::path DocsFolder() {
     replace("HVB2.14.0308", "HVB2.15.0519");
     replace("HV24-0811-00417", "HV24-0811-00733");
     fs::rename(WriteFile("docs-after.bin", {after.begin(), after.end()}), "after.bin");
+    fs::rename(WriteFile("docs-key.bin", std::vector<uint8_t>(32, 'k')), "key.bin");
     const std::string names = "machine.bin\nafter.bin\n";
     fs::rename(WriteFile("docs-names.txt", {names.begin(), names.end()}), "names.txt");
     return folder;
@@ -67,7 +68,8 @@ fs::path DocsFolder() {
 // Commands that name no table read this machine, which may have none.
 std::string WithATable(const std::string& arguments) {
     const bool hasSource = arguments.starts_with(" diff ") || arguments.starts_with(" hw ") ||
-                           arguments.find("--sample") != arguments.npos || arguments.find("--image") != arguments.npos;
+                           arguments.starts_with(" redact ") || arguments.find("--sample") != arguments.npos ||
+                           arguments.find("--image") != arguments.npos;
     return hasSource ? arguments : arguments + " --sample";
 }
 
@@ -81,8 +83,9 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
     for (const fs::path& page : pages) {
         for (const ShownCommand_t& command : CommandsOf(page)) {
             count++;
-            // The command creates the dump again.
+            // The command creates the file again.
             if (command.arguments.starts_with(" dump ")) fs::remove("machine.bin");
+            if (command.arguments.starts_with(" redact ")) fs::remove("public.bin");
             const ProgramRun_t run = RunQuorlin(WithATable(command.arguments));
             EXPECT_LE(run.exitCode, 1) << command.place << ": " << run.errors;
             EXPECT_EQ(run.errors.find("bad usage"), run.errors.npos) << command.place << ": " << run.errors;
@@ -156,6 +159,7 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
         }
     for (const char* command : {"", "summary "})
         EXPECT_EQ(Problem(RunQuorlin(command + std::string("--sample --format json")).output), "") << command;
+    EXPECT_EQ(Problem(RunQuorlin("redact --list --format json").output), "");
     EXPECT_EQ(Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
 }
 

@@ -268,7 +268,7 @@ TEST(Program, RedactWritesANewFileUnderAKey) {
     EXPECT_NE(ReadWholeFile(any), ReadWholeFile(out));
 
     const Case_t kRefusals[] = {
-        Case(key("short.key", 15), 1, "", "short.key: a key of 15 bytes; it needs 16 or more\n"),
+        Case(key("short.key", 15), 1, "", "short.key: shorter than 16 bytes, so not a key; try another key file\n"),
         Case(key("large.key", 65537), 1, "", "larger than 64 KiB"),
         Case(" --key " + folder, 1, "", "try another key file\n"),
         Case(" --key no-such.key", 1, "", "quorlin: no-such.key: "),

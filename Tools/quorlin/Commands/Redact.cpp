@@ -16,10 +16,10 @@ namespace {
 constexpr size_t kLeastKeyBytes = 16, kMostKeyBytes = 64u << 10, kNewKeyBytes = 32;
 
 constexpr Column_t kColumns[] = {
-    {"type",     "Type"    },
-    {"title",    "Title"   },
-    {"key",      "Key"     },
-    {"replaced", "Replaced"},
+    {"type",  "Type"    },
+    {"title", "Title"   },
+    {"key",   "Key"     },
+    {"what",  "Replaced"},
 };
 constexpr List_t kList = {.name = "redacted", .columns = kColumns};
 
@@ -70,21 +70,22 @@ class ClRedact : public ClCommand {
             if (!isMade) SayError("redact", "the system makes no random key; give one with --key");
             return isMade;
         }
-        key->resize(kMostKeyBytes + 1);
+        const std::string problem = ReadKey(key);
+        if (!problem.empty()) SayError(m_keyFile, problem + "; try another key file");
+        return problem.empty();
+    }
+
+    // Returns what is wrong with the file; empty if it is a key.
+    std::string ReadKey(std::vector<uint8_t>* key) const {
         std::FILE* file = OpenFile(m_keyFile, "r");
-        errno = file == nullptr ? errno : 0;
-        key->resize(file == nullptr ? 0 : std::fread(key->data(), 1, key->size(), file));
-        const std::string problem = errno == 0 ? "" : std::strerror(errno);
-        if (file != nullptr) std::fclose(file);
-        if (!problem.empty())
-            SayError(m_keyFile, problem + "; try another key file");
-        else if (key->size() < kLeastKeyBytes)
-            SayError(m_keyFile, "a key of " + std::to_string(key->size()) + " bytes; it needs 16 or more");
-        else if (key->size() > kMostKeyBytes)
-            SayError(m_keyFile, "larger than 64 KiB, so not a key; try another file");
-        else
-            return true;
-        return false;
+        if (file == nullptr) return std::strerror(errno);
+        key->resize(kMostKeyBytes + 1);
+        key->resize(std::fread(key->data(), 1, key->size(), file));
+        const int error = std::ferror(file) != 0 ? errno : 0;
+        std::fclose(file);
+        if (error != 0) return std::strerror(error);
+        if (key->size() > kMostKeyBytes) return "larger than 64 KiB, so not a key";
+        return key->size() < kLeastKeyBytes ? "shorter than 16 bytes, so not a key" : "";
     }
 
     int Redact(ClTable& table, const std::vector<uint8_t>& key) const {

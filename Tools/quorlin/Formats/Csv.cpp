@@ -15,7 +15,7 @@ class ClCsvWriter : public ClWriter {
 
     void Begin(const List_t& list, const Members_t& members) override {
         m_columns = list.columns.size();
-        m_image = members.front().second;
+        if (!members.empty()) m_image = members.front().second;
         if (m_hasHeader) return;
         m_hasHeader = true;
         std::string& text = m_output.Text();
