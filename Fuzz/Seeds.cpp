@@ -48,6 +48,7 @@ constexpr Input_t kSeeds[] = {
     {"Arguments",  "raw",               "raw\n--sample\n--handle\n1103"sv                                        },
     {"Arguments",  "check",             "check\n--image\ntable"sv                                                },
     {"Arguments",  "diff",              "diff\ndump\ntable"sv                                                    },
+    {"Arguments",  "redact",            "redact\ndump\nout.bin\n--key\ntable"sv                                  },
     {"Arguments",  "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                       },
     {"CInterface", "wrong-size",        "\0\0\0\0\3\0\0\1\x7F\4\0\0\0\0"sv                                       },
     {"Files",      "names",             kOddNames                                                                },
@@ -85,7 +86,7 @@ void WriteStructures(ClFolders& folders, const char* corpus) {
         const std::string bytes{std::istreambuf_iterator<char>(file), {}}, name = entry.path().filename().string();
         const std::string table = bytes + "\x7F\4\0\0\0\0"s;
         const auto length = static_cast<char>(table.size());
-        folders.Write("Table", name, kSignatureAndVersion + bytes);
+        for (const char* subject : {"Table", "Redact"}) folders.Write(subject, name, kSignatureAndVersion + bytes);
         folders.Write("Dump", name, "\0\1"s + table);
         folders.Write("Output", name, "\x3C"s + bytes);
         folders.Write("CInterface", name, kSignatureAndVersion + "\1\0"s + table);
@@ -122,7 +123,8 @@ int main(int count, char** arguments) {
     if (count != 3) return 1;
     ClFolders folders(arguments[1]);
     for (const Input_t& input : kSeeds) folders.Write(input.subject, input.name, input.bytes);
-    folders.Write("Table", "sample", kSignatureAndVersion + Text(SampleTable()));
+    for (const char* subject : {"Table", "Redact"})
+        folders.Write(subject, "sample", kSignatureAndVersion + Text(SampleTable()));
     WriteDumps(folders);
     WriteStructures(folders, arguments[2]);
     return folders.IsWhole() ? 0 : 1;

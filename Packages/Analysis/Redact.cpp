@@ -37,7 +37,7 @@ class ClRedaction {
             if (!IsStandardType(structure.Type()) || structure.Type() >= kInactive)
                 BlankStructure(structure);
             else if (m_hasFacts[structure.Type()])
-                ReplaceFacts(structure);
+                ReplaceFacts(structure), ReplaceCutString(structure);
             if (m_pseudonyms.HasFailed()) return false;
         }
         // These bytes belong to no structure.
@@ -187,6 +187,14 @@ class ClRedaction {
             for (const RedactedFact_t& row : kFacts)
                 if (row.type == structure.Type() && fact.Key() == row.key) ReplaceFact(row.how, structure, fact);
         }
+    }
+
+    // Of a string that the table's end cuts off, no fact tells what it is.
+    void ReplaceCutString(const TableStructure_t& structure) {
+        const std::string_view all(reinterpret_cast<const char*>(structure.data), structure.size);
+        const size_t begin = std::max<size_t>({all.rfind('\0') + 1, structure.Length(), kHeaderSize});
+        if (begin >= all.size() || IsFiller(all.substr(begin))) return;
+        ReplaceText(OffsetOf(structure.data) + static_cast<uint32_t>(begin), all.size() - begin, false);
     }
 
     void ReplaceFact(Redaction_t how, const TableStructure_t& structure, const Fact_t& fact) {

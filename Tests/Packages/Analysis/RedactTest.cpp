@@ -341,6 +341,10 @@ TEST(Redact, DamagedTablesAndAMissingHmacDoNoHarm) {
     Redacted({
         "shorter than a header", {200, 0, 0, 1, 200, 0, 0, 2, 1, 0, 0}
     });
+    // A serial number whose last bytes are the table's.
+    bytes = ClStructureBuilder(1, 8).Byte(7, 1).Strings({Machine_t::kSerial}).Image();
+    bytes.resize(bytes.size() - 2);
+    ExpectNoneIsFound(FormsOf(Machine_t::kSerial), Redacted({"cut off", bytes}), "cut off");
     // Bytes after the end of the table belong to nothing that is known.
     bytes = whole;
     bytes.insert(bytes.end(), {'t', 'r', 'a', 'c', 'e'});
