@@ -5,16 +5,10 @@
 #include <type_traits>
 #include <vector>
 
+#include "CInterface/FactTable.h"
 #include "CInterface/Opening.h"
 #include "Packages/OS/OS.h"
 #include "Packages/Standard/Facts.h"
-
-struct quorlin_fact_table {
-    Image_t image;  // of this machine too, whose bytes are copied here
-    std::string form, remark;
-    std::vector<quorlin_structure> structures;
-    std::optional<ClHandles> handles;
-};
 
 struct quorlin_fact_walk {
     const quorlin_fact_table* table;
@@ -36,10 +30,6 @@ static_assert(Is(QUORLIN_IS_VALUE, FactState_t::kValue) && Is(QUORLIN_IS_UNKNOWN
               Is(QUORLIN_IS_NONE, FactState_t::kNone) && Is(QUORLIN_IS_ABSENT, FactState_t::kAbsent) &&
               Is(QUORLIN_IS_RESERVED, FactState_t::kReserved) && Is(QUORLIN_IS_FILLER, FactState_t::kFiller) &&
               Is(QUORLIN_IS_BROKEN, FactState_t::kBroken));
-
-std::span<const uint8_t> BytesOf(const quorlin_fact_table& table) {
-    return {table.image.source.table, table.image.source.length};
-}
 
 // Lists the structures of a table whose bytes are there, and hands it out.
 quorlin_status Finish(std::unique_ptr<quorlin_fact_table> table, quorlin_fact_table** out) {
@@ -180,11 +170,9 @@ const quorlin_structure* quorlin_structure_at(const quorlin_fact_table* table, u
 quorlin_status quorlin_walk_open(const quorlin_fact_table* table, quorlin_fact_walk** walk) {
     if (table == nullptr || walk == nullptr) return QUORLIN_NULL_POINTER;
     return Guarded([&] {
-        const ImageSource_t& source = table->image.source;
         auto made = std::make_unique<quorlin_fact_walk>();
         made->table = table;
-        made->options = {.version = static_cast<uint16_t>(source.major << 8 | source.minor),
-                         .handles = &*table->handles};
+        made->options = {.version = VersionOf(*table), .handles = &*table->handles};
         *walk = made.release();
         return quorlin_status{QUORLIN_OK};
     });

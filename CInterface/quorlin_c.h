@@ -250,6 +250,75 @@ QUORLIN_API const char* quorlin_unit_text(uint32_t unit);
 /* A state of facts in a word, such as "unknown"; "" for other numbers. Constant text. */
 QUORLIN_API const char* quorlin_state_text(uint32_t state);
 
+/* Analysis (since 1.1): what is wrong with a table, what differs between two, and a copy without what tells its machine
+ * from others. The functions call `take` with one thing after the other, in the calling thread, and with `context`,
+ * which is the caller's own. What `take` gets lives for its call; it must not throw, nor jump out. Tables aren't
+ * changed, and any number of threads may analyse one. */
+#define QUORLIN_NO_STRUCTURE 0xFFFFFFFFu
+
+enum { QUORLIN_NOTE = 0, QUORLIN_WARNING = 1, QUORLIN_ERROR = 2 };
+
+typedef struct quorlin_finding {
+    const char* rule; /* its id, such as "QR0501", which never changes */
+    const char* what; /* what is wrong, why it matters, and what firmware should do; constant */
+    const char* why;
+    const char* fix;
+    const char* key;   /* of the fact that is wrong; empty for the structure as a whole */
+    const char* found; /* what was read, and what was expected instead; either may be empty */
+    const char* expected;
+    uint32_t severity;  /* QUORLIN_NOTE and so on */
+    uint32_t structure; /* its index; QUORLIN_NO_STRUCTURE for the table as a whole */
+    uint32_t offset;    /* of the wrong bytes in the table */
+    uint32_t size;      /* 0 if the finding is on the structure or the table as a whole */
+} quorlin_finding;
+typedef void (*quorlin_take_finding)(const quorlin_finding* finding, void* context);
+
+/* Checks a table by all rules. Status: OK, NO_MEMORY, NULL_POINTER. */
+QUORLIN_API quorlin_status quorlin_check(const quorlin_fact_table* table, quorlin_take_finding take, void* context);
+
+enum {
+    QUORLIN_REMOVED = 0,
+    QUORLIN_ADDED = 1,
+    QUORLIN_CHANGED = 2,
+    QUORLIN_REPLACED = 3, /* the place has another part, by its serial or part number */
+    QUORLIN_MOVED = 4     /* the part was at another place, which structure_a is */
+};
+
+/* A fact that differs, or a run of bytes. */
+typedef struct quorlin_fact_change {
+    const char* key;
+    const char* name;
+    const char* a; /* as people read it, or hexadecimal digits; null where the structure doesn't have the fact */
+    const char* b;
+    int32_t record; /* of a fact in a list; otherwise -1 */
+    int32_t offset; /* of a run of bytes in its structure; otherwise -1 */
+} quorlin_fact_change;
+
+typedef struct quorlin_difference {
+    uint32_t change;      /* QUORLIN_REMOVED and so on */
+    uint32_t structure_a; /* an index in each table; QUORLIN_NO_STRUCTURE where there is none */
+    uint32_t structure_b;
+    const char* place; /* its locator or designation; may be empty */
+    const char* from;  /* of a moved part, where it was */
+    const quorlin_fact_change* facts;
+    size_t fact_count;
+} quorlin_difference;
+typedef void (*quorlin_take_difference)(const quorlin_difference* difference, void* context);
+
+/* Compares two tables. Structures are paired by what they are, so that other handles or another order are no
+ * difference. Leaves out the facts with the `ignored` keys, of which there are `ignored_count`.
+ * Status: OK, BAD_VALUE for a key that no fact has, NO_MEMORY, NULL_POINTER. */
+QUORLIN_API quorlin_status quorlin_diff(const quorlin_fact_table* a, const quorlin_fact_table* b,
+                                        const char* const* ignored, size_t ignored_count, quorlin_take_difference take,
+                                        void* context);
+
+/* Copies the table's bytes to `out`, which has room for them, with pseudonyms in place of serial numbers, asset tags,
+ * UUIDs and MAC addresses. Under one key, which has 16 bytes or more, equal values stay equal. Structures of unknown
+ * types are blanked unless `keep_vendor` isn't 0. After a failure `out` must not be given away.
+ * Status: OK, BAD_VALUE for a short key, NO_MEMORY, NULL_POINTER, NO_TABLE if the system has no HMAC-SHA-256. */
+QUORLIN_API quorlin_status quorlin_redact(const quorlin_fact_table* table, const void* key, size_t key_size,
+                                          int keep_vendor, void* out);
+
 /* A status in words, for any number. Constant text. */
 QUORLIN_API const char* quorlin_status_text(quorlin_status status);
 /* The version of the library, as "1.1.0". Constant text. */

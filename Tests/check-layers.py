@@ -14,7 +14,8 @@ HARDWARE = "Packages/FERROXExternal/FERROXLib"
 MAY_USE = {
     "Tools": ["CInterface", "Sources", "Packages/CrashReport", "Packages/Sample", STORE, HARDWARE, "Packages/Debug",
               "Packages/Analysis", "Packages/Standard", "Packages/Format", "Packages/OS"],
-    "CInterface": ["Sources", STORE, HARDWARE, "Packages/Debug", "Packages/Standard", "Packages/Format", "Packages/OS"],
+    "CInterface": ["Sources", STORE, HARDWARE, "Packages/Debug", "Packages/Analysis", "Packages/Standard",
+                   "Packages/Format", "Packages/OS"],
     "Sources": ["Packages/CrashReport", STORE, HARDWARE, "Packages/Debug", "Packages/Format", "Packages/OS"],
     "Packages/CrashReport": ["Packages/OS"],
     STORE: [HARDWARE, "Packages/Container", "Packages/Debug", "Packages/Format", "Packages/OS"],

@@ -50,6 +50,7 @@ def lacks_access_method():
 # The skips that are expected: test program, test, and the condition. No other test may be skipped.
 EXPECTED = {
     "Sources/Cut.ImagesOfRealMachines*": lambda preset: not (ROOT / "../shared/tables").exists(),
+    "Analysis/RealTables.*": lambda preset: not (ROOT / "../shared/tables").exists(),
     "Machine/Machine.Writes*": lambda preset: True,  # guests run these two
     "Machine/Machine.Ports*": lambda preset: True,
     "Machine/Machine.PCIRegisters*": lambda preset: lacks_pci(),

@@ -91,6 +91,12 @@ class ClRedaction {
         return std::ranges::all_of(bytes, [&](uint8_t byte) { return byte == bytes[0]; });
     }
 
+    // Bytes of almost nothing but zeros would be found in other fields.
+    static bool IsDistinct(std::span<const uint8_t> bytes) {
+        constexpr size_t kLeastValues = 3;
+        return std::set<uint8_t>(bytes.begin(), bytes.end()).size() >= kLeastValues;
+    }
+
     // Values that are texts themselves come before these.
     void AddForms() {
         const auto text = [](std::span<const uint8_t> bytes) {
@@ -100,17 +106,14 @@ class ClRedaction {
             const MacAddress_t pseudonym = m_pseudonyms.MacAddress(address);
             for (const char* between : {":", "-", ""})
                 m_texts.Add(HexText(address, between), HexText(pseudonym, between));
-            // Addresses of almost nothing but zeros would be found in other fields.
-            constexpr size_t kLeastBytes = 3;
-            if (std::set<uint8_t>(address.begin(), address.end()).size() >= kLeastBytes)
-                m_bytes.Add(text(address), text(pseudonym));
+            if (IsDistinct(address)) m_bytes.Add(text(address), text(pseudonym));
         }
         for (const Uuid_t& first : m_uuids) {
             for (const Uuid_t& uuid : {first, Swapped(first)}) {
                 const Uuid_t pseudonym = m_pseudonyms.Uuid(uuid);
                 m_texts.Add(UuidText(uuid), UuidText(pseudonym));
                 m_texts.Add(HexText(uuid), HexText(pseudonym));
-                m_bytes.Add(text(uuid), text(pseudonym));
+                if (IsDistinct(uuid)) m_bytes.Add(text(uuid), text(pseudonym));
             }
         }
         m_texts.Prepare();

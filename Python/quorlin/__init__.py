@@ -23,14 +23,18 @@ from typing import Any, Dict, Iterator, List, Optional, Tuple, Union, overload
 from . import _library
 from ._library import library as _c
 
-__all__ = ["Error", "Fact", "Structure", "Table", "from_bytes", "open", "this_machine"]
+__all__ = ["Difference", "Error", "Fact", "FactChange", "Finding", "Structure", "Table", "from_bytes", "open",
+           "this_machine"]
 __version__: str = _c.quorlin_version().decode()
 
+_NO_STRUCTURE = 0xFFFFFFFF
+_SEVERITIES = ("note", "warning", "error")
+_CHANGES = ("removed", "added", "changed", "replaced", "moved")
 _KINDS = ("number", "text", "code", "bits", "handle", "uuid", "date", "version", "bytes", "list")
 
 
 class Error(Exception):
-    """A table can't be opened. The text says why and what to try."""
+    """A table can't be opened, or isn't analysed. The text says why and, of an opening, what to try."""
 
 
 @dataclass(frozen=True)
@@ -109,6 +113,60 @@ class Structure:
         return f"<Structure type {self.type} ({self.name}), handle {self.handle:#06x}>"
 
 
+@dataclass(frozen=True)
+class Finding:
+    """What is wrong with a table, by one rule."""
+
+    rule: str
+    """Its id, such as "QR0501", which never changes."""
+    severity: str
+    """"error", "warning" or "note"."""
+    what: str
+    why: str
+    """It matters."""
+    fix: str
+    """What firmware should do."""
+    structure: Optional[Structure]
+    """None for the table as a whole."""
+    key: str
+    """Of the fact that is wrong; empty for the structure as a whole."""
+    offset: int
+    """Of the wrong bytes in the table."""
+    size: int
+    found: str
+    expected: str
+
+
+@dataclass(frozen=True)
+class FactChange:
+    """A fact that differs between two tables, or a run of bytes."""
+
+    key: str
+    name: str
+    a: Optional[str]
+    """The value as people read it, or hexadecimal digits; None where the structure doesn't have the fact."""
+    b: Optional[str]
+    record: Optional[int]
+    """Of a fact in a list."""
+    offset: Optional[int]
+    """Of a run of bytes, in its structure."""
+
+
+@dataclass(frozen=True)
+class Difference:
+    """What differs in one structure."""
+
+    change: str
+    """"removed", "added", "changed", "replaced" (the place has another part) or "moved" (the part was elsewhere)."""
+    a: Optional[Structure]
+    b: Optional[Structure]
+    place: str
+    """Its locator or designation."""
+    source: str
+    """Of a moved part, where it was."""
+    facts: Tuple[FactChange, ...]
+
+
 class Table(Sequence):
     """A table: a sequence of its structures, up to and including the first End-of-Table."""
 
@@ -154,6 +212,45 @@ class Table(Sequence):
         """The first structure with this handle, or None."""
         return next((structure for structure in self if structure.handle == handle), None)
 
+    def check(self) -> List[Finding]:
+        """What is wrong with the table, by all rules."""
+        findings: List[Finding] = []
+
+        def take(pointer: Any, _: Any) -> None:
+            found = pointer.contents
+            findings.append(Finding(_text(found.rule), _SEVERITIES[found.severity], _text(found.what), _text(found.why),
+                                    _text(found.fix), self._at(found.structure), _text(found.key), found.offset,
+                                    found.size, _text(found.found), _text(found.expected)))
+
+        _require(_c.quorlin_check(self._handle, _library.TakeFinding(take), None))
+        return findings
+
+    def diff(self, other: "Table", ignore: Sequence = ()) -> List[Difference]:
+        """What differs between this table and another one, but for facts with the keys in `ignore`."""
+        differences: List[Difference] = []
+
+        def take(pointer: Any, _: Any) -> None:
+            found = pointer.contents
+            facts = (found.facts[place] for place in range(found.fact_count))
+            differences.append(Difference(_CHANGES[found.change], self._at(found.structure_a),
+                                          other._at(found.structure_b), _text(found.place), _text(found.source),
+                                          tuple(_change(fact) for fact in facts)))
+
+        keys = (ctypes.c_char_p * len(ignore))(*(key.encode() for key in ignore))
+        _require(_c.quorlin_diff(self._handle, other._handle, keys, len(ignore), _library.TakeDifference(take), None))
+        return differences
+
+    def redacted(self, key: bytes, keep_vendor: bool = False) -> bytes:
+        """The table's bytes with pseudonyms in place of serial numbers, asset tags, UUIDs and MAC addresses. Under one
+        key, which has 16 bytes or more, equal values stay equal. Structures of unknown types are blanked unless
+        `keep_vendor` is true."""
+        copy = ctypes.create_string_buffer(len(self.bytes))
+        _require(_c.quorlin_redact(self._handle, bytes(key), len(key), keep_vendor, copy))
+        return copy.raw
+
+    def _at(self, index: int) -> Optional[Structure]:
+        return None if index == _NO_STRUCTURE else self[index]
+
 
 def open(path: Union[str, "os.PathLike[str]"], version: Optional[Tuple[int, int]] = None) -> Table:
     """Opens an image: a dump that begins with an entry point, a bare table, the answer of Windows' firmware-table call,
@@ -186,6 +283,26 @@ def _opened(function: Any, *arguments: Any) -> Table:
     handle = ctypes.c_void_p()
     _check(function(*arguments, ctypes.byref(handle)))
     return Table(handle)
+
+
+def _text(text: bytes) -> str:
+    return text.decode("utf-8", "replace")
+
+
+def _change(fact: _library.FactChange) -> FactChange:
+    def value(text: Optional[bytes]) -> Optional[str]:
+        return None if text is None else _text(text)
+
+    def number(place: int) -> Optional[int]:
+        return None if place < 0 else place
+
+    return FactChange(_text(fact.key), _text(fact.name), value(fact.a), value(fact.b), number(fact.record),
+                      number(fact.offset))
+
+
+def _require(status: int) -> None:
+    if status != _library.OK:
+        raise Error(_text(_c.quorlin_status_text(status)))
 
 
 def _check(status: int) -> None:

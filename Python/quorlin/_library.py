@@ -57,6 +57,49 @@ class Fact(ctypes.Structure):
     ]
 
 
+class Finding(ctypes.Structure):
+    _fields_ = [
+        ("rule", c_char_p),
+        ("what", c_char_p),
+        ("why", c_char_p),
+        ("fix", c_char_p),
+        ("key", c_char_p),
+        ("found", c_char_p),
+        ("expected", c_char_p),
+        ("severity", c_uint32),
+        ("structure", c_uint32),
+        ("offset", c_uint32),
+        ("size", c_uint32),
+    ]
+
+
+class FactChange(ctypes.Structure):
+    _fields_ = [
+        ("key", c_char_p),
+        ("name", c_char_p),
+        ("a", c_char_p),
+        ("b", c_char_p),
+        ("record", c_int32),
+        ("offset", c_int32),
+    ]
+
+
+class Difference(ctypes.Structure):
+    _fields_ = [
+        ("change", c_uint32),
+        ("structure_a", c_uint32),
+        ("structure_b", c_uint32),
+        ("place", c_char_p),
+        ("source", c_char_p),
+        ("facts", POINTER(FactChange)),
+        ("fact_count", c_size_t),
+    ]
+
+
+TakeFinding = ctypes.CFUNCTYPE(None, POINTER(Finding), c_void_p)
+TakeDifference = ctypes.CFUNCTYPE(None, POINTER(Difference), c_void_p)
+
+
 def _load() -> ctypes.CDLL:
     name = os.environ.get("QUORLIN_LIBRARY") or ("quorlin.dll" if os.name == "nt" else "libquorlin.so.1")
     library = ctypes.CDLL(name)
@@ -79,6 +122,10 @@ def _load() -> ctypes.CDLL:
         ("walk_next", POINTER(Fact), [c_void_p]),
         ("walk_word", c_char_p, [c_void_p, POINTER(c_uint32)]),
         ("walk_source", c_char_p, [c_void_p, c_uint32]),
+        ("check", c_uint32, [c_void_p, TakeFinding, c_void_p]),
+        ("diff", c_uint32, [c_void_p, c_void_p, POINTER(c_char_p), c_size_t, TakeDifference, c_void_p]),
+        ("redact", c_uint32, [c_void_p, c_char_p, c_size_t, c_int, c_char_p]),
+        ("status_text", c_char_p, [c_uint32]),
         ("unit_text", c_char_p, [c_uint32]),
         ("state_text", c_char_p, [c_uint32]),
     ):

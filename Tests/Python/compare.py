@@ -130,9 +130,65 @@ class SameFacts(unittest.TestCase):
         return len(lines)
 
 
+class SameAnalysis(unittest.TestCase):
+    maxDiff = 2000
+
+    def test_program_and_python(self):
+        with tempfile.TemporaryDirectory() as folder:
+            base = None
+            for image in images(pathlib.Path(folder)):
+                with self.subTest(image.name):
+                    table = quorlin.open(image)
+                    self.compare_check(image, table)
+                    if base is not None:
+                        self.compare_diff(*base, image, table)
+                    base = image, table
+
+    def compare_check(self, image, table):
+        command = PROGRAM, "check", "--severity", "note", "--image", str(image), "--format", "json"
+        shown = loaded(subprocess.run(command, capture_output=True, check=False).stdout)["findings"]
+        counts = {}
+        for finding in table.check():
+            kind = finding.structure.type if finding.structure else None
+            group = finding.rule, finding.severity, kind, finding.key or None, finding.what
+            counts[group] = counts.get(group, 0) + 1
+        members = "rule", "severity", "type", "key", "what"
+        self.assertEqual(counts, {tuple(map(group.get, members)): group["count"] for group in shown})
+
+    def compare_diff(self, path_a, a, path_b, b):
+        command = PROGRAM, "diff", str(path_a), str(path_b), "--format", "json"
+        shown = loaded(subprocess.run(command, capture_output=True, check=False).stdout)["differences"]
+
+        def fact(change):
+            members = {"key": change.key, "fact": change.name, "record": change.record, "offset": change.offset,
+                       "a": plain(change.a) if change.a else None, "b": plain(change.b) if change.b else None}
+            return {key: value for key, value in members.items() if value is not None}
+
+        self.assertEqual([(each.change, each.a and each.a.handle, each.b and each.b.handle, plain(each.place),
+                           [fact(change) for change in each.facts]) for each in a.diff(b)],
+                         [(each["change"], each.get("handle_a"), each.get("handle_b"), each.get("place", ""),
+                           each["facts"]) for each in shown])
+
+
 class Package(unittest.TestCase):
     TABLE = (b"\x01\x1b\x01\x00\x01\x02\x03\x00" + bytes(range(16)) + b"\x06\x00\x00" +
              b"Halvorsen\x00N\xc3\xb8rd\x00bad \xff\x00\x00" + b"\x7f\x04\xff\xfe\x00\x00")
+
+    def test_analysis(self):
+        table = quorlin.from_bytes(self.TABLE, version=(3, 0))
+        other = quorlin.from_bytes(self.TABLE.replace(b"Halvorsen", b"Nordvegen"), version=(3, 0))
+        change, = table.diff(other)
+        self.assertEqual((change.change, change.a.index, change.b.index, change.facts),
+                         ("changed", 0, 0, (quorlin.FactChange("manufacturer", "Manufacturer", "Halvorsen", "Nordvegen",
+                                                               None, None),)))
+        self.assertEqual(table.diff(other, ignore=["manufacturer"]), [])
+        self.assertEqual({finding.rule for finding in table.check()}, {"QR0601"})
+        redacted = quorlin.from_bytes(table.redacted(bytes(range(16))), version=(3, 0))
+        facts = {fact.key for each in table.diff(redacted) for fact in each.facts}
+        self.assertEqual(facts, {"uuid"})
+        for wrong in (lambda: table.redacted(b"short"), lambda: table.diff(other, ignore=["no_such_key"])):
+            with self.assertRaises(quorlin.Error):
+                wrong()
 
     def test_values(self):
         table = quorlin.from_bytes(self.TABLE, version=(2, 4))

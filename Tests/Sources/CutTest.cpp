@@ -3,9 +3,6 @@
 // sees such a read; other builds only see crashes and hangs. The tests for Windows leave it out.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -13,6 +10,7 @@
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
 #include "Tests/Support/Images.h"
+#include "Tests/Support/RealTables.h"
 
 namespace {
 
@@ -85,14 +83,8 @@ TEST(Cut, GeneratedImagesDecodeAtEveryLength) {
 }
 
 TEST(Cut, ImagesOfRealMachinesDecodeAtEveryLength) {
-    const std::filesystem::path folder = QUORLIN_SOURCE_DIR "/../shared/tables";
-    if (!std::filesystem::exists(folder)) GTEST_SKIP() << "no images of real machines here";
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().extension() != ".bin") continue;
-        std::ifstream file(entry.path(), std::ios::binary);
-        const Bytes_t bytes{std::istreambuf_iterator<char>(file), {}};
-        CutImage({entry.path().filename().string(), bytes});
-    }
+    if (RealTables().empty()) GTEST_SKIP() << "no images of real machines here";
+    for (const RealTable_t& real : RealTables()) CutEverywhere(real.table.data(), real.table.size(), real.name);
 }
 
 }  // namespace

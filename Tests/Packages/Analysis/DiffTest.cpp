@@ -5,10 +5,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <map>
+#include <memory>
 #include <random>
 #include <set>
 
+#include "Packages/Analysis/Redact.h"
+#include "Packages/OS/Hmac.h"
 #include "Packages/Sample/Sample.h"
 #include "Packages/Standard/Facts.h"
 #include "Tests/Support/RealTables.h"
@@ -114,6 +118,41 @@ TEST(RealTables, HandlesAndOrderAreNoDifference) {
         SCOPED_TRACE(real.name);
         ExpectNoDifference(real.table, real.version, 28);
     }
+}
+
+// What differs, without the values: the structures and the keys of their facts.
+std::vector<std::string> NamesOf(const ClDiffTable& a, const ClDiffTable& b) {
+    std::vector<std::string> names;
+    DiffTables(a, b, [&](const Difference_t& difference) {
+        std::set<std::pair<std::string_view, int>> facts;
+        for (const FactChange_t& fact : difference.facts) facts.emplace(fact.key, fact.record);
+        std::string name = ChangeName(difference.change);
+        name.append(" ").append(std::to_string(difference.Either().Type())).append(" ").append(difference.place);
+        name.append(" ").append(std::to_string(difference.Either().Handle())).append(" ").append(difference.from);
+        for (const auto& [key, record] : facts) name.append(" ").append(key).append(std::to_string(record));
+        names.push_back(name);
+    });
+    return names;
+}
+
+TEST(RealTables, DifferInTheSameFactsWhenTheyAreRedacted) {
+    if (RealTables().empty()) GTEST_SKIP() << "no images of real machines here";
+    const std::string key = "a key for the tests";
+    const Hmac_t hmac = [&key](std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
+        return os_HmacSha256({reinterpret_cast<const uint8_t*>(key.data()), key.size()}, message, mac);
+    };
+    std::deque<Bytes_t> copies;
+    std::vector<std::unique_ptr<ClDiffTable>> before, after;
+    for (const RealTable_t& real : RealTables()) {
+        Bytes_t& copy = copies.emplace_back(real.table);
+        ASSERT_TRUE(RedactTable(copy, {.version = real.version}, hmac));
+        before.push_back(std::make_unique<ClDiffTable>(real.table, real.version, std::span<const std::string>()));
+        after.push_back(std::make_unique<ClDiffTable>(copy, real.version, std::span<const std::string>()));
+    }
+    for (size_t i = 0; i < before.size(); i++)
+        for (size_t j = i + 1; j < before.size(); j++)
+            EXPECT_EQ(NamesOf(*before[i], *before[j]), NamesOf(*after[i], *after[j]))
+                << RealTables()[i].name << " and " << RealTables()[j].name;
 }
 
 // An array with slots; each is a locator and a serial number, which is empty for an empty slot.

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 
@@ -14,6 +12,7 @@
 #include "Packages/OS/Hmac.h"
 #include "Packages/Standard/Facts.h"
 #include "Tests/Support/Images.h"
+#include "Tests/Support/RealTables.h"
 #include "Tests/Support/Structures.h"
 
 namespace {
@@ -158,13 +157,7 @@ std::vector<Table_t> AllTables() {
         });
     };
     for (const TableImage_t& image : GeneratedImages()) add(image.name, image.bytes);
-    const std::filesystem::path folder = QUORLIN_SOURCE_DIR "/../shared/tables";
-    if (std::filesystem::exists(folder))
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            if (entry.path().extension() != ".bin") continue;
-            std::ifstream file(entry.path(), std::ios::binary);
-            add(entry.path().filename().string(), Bytes_t{std::istreambuf_iterator<char>(file), {}});
-        }
+    for (const RealTable_t& real : RealTables()) tables.push_back({real.name, real.table, real.version});
     return tables;
 }
 

@@ -257,6 +257,9 @@ TEST(Program, RedactWritesANewFileUnderAKey) {
     EXPECT_EQ(RunQuorlin("check --format lines --image " + out).exitCode,
               RunQuorlin("check --format lines --image " + in).exitCode);
     EXPECT_EQ(RunQuorlin("redact " + in + " -" + good).output, ReadWholeFile(out));
+    // A wrong entry point stays wrong.
+    const std::string wrong = WriteFile("wrong.bin", DumpOf(TableBy("A"), 2, 7, 0xF1230));
+    EXPECT_EQ(RunQuorlin("redact " + wrong + " -" + good).output.substr(0, 0x1F), ReadWholeFile(wrong).substr(0, 0x1F));
     // Without a key, each run has a new one.
     const std::string any = folder + "redact-any.bin";
     ASSERT_EQ(redact(any, "").exitCode, 0);

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "Packages/Format/EntryPoint.h"
 #include "Packages/OS/Hmac.h"
 #include "Packages/OS/Program.h"
 #include "Tools/quorlin/Commands.h"
@@ -98,9 +99,19 @@ class ClRedact : public ClCommand {
             SayError("redact", "the system has no HMAC-SHA-256");
             return kRedactCommand.trouble;
         }
-        const uint32_t missing = table.Image() == nullptr ? 0 : table.Image()->missing;
-        const std::vector<uint8_t> dump = MakeDump(redacted, table.Major(), table.Minor(), missing);
-        return WriteFileOrStream(m_out, dump) ? kExitDone : kRedactCommand.trouble;
+        return WriteFileOrStream(m_out, DumpOf(table, redacted)) ? kExitDone : kRedactCommand.trouble;
+    }
+
+    // A dump keeps its own entry point, so that check says the same of it.
+    static std::vector<uint8_t> DumpOf(ClTable& table, std::span<const uint8_t> redacted) {
+        const Image_t& image = *table.Image();
+        EntryPoint_t point;
+        if (image.form != TableForm_t::kDump || !ParseEntryPoint(image.bytes.data(), image.bytes.size(), &point))
+            return MakeDump(redacted, table.Major(), table.Minor(), image.missing);
+        std::vector<uint8_t> dump(image.bytes.begin(), image.bytes.begin() + static_cast<ptrdiff_t>(point.size));
+        dump.resize(static_cast<size_t>(image.source.table - image.bytes.data()));
+        dump.insert(dump.end(), redacted.begin(), redacted.end());
+        return dump;
     }
 
     int List() {
@@ -128,10 +139,8 @@ constexpr Command_t kRedactCommand = {
     .summary = "a table without what tells its machine from others",
     .description =
         "Writes a table into a new file, with other serial numbers, asset tags, UUIDs and MAC addresses, and other "
-        "bytes "
-        "in structures of unknown types. Under one key equal values stay equal, so that tables can be compared; "
-        "without "
-        "the key nothing comes back.",
+        "bytes in structures of unknown types. Under one key equal values stay equal, so that tables can be compared; "
+        "without the key nothing comes back.",
     .footer =
         "Example: quorlin redact machine.bin public.bin --key key.bin\n"
         "Exit codes: 0 done, 1 no table, no key, or the file can't be written, 2 bad usage.",
