@@ -153,7 +153,7 @@ TEST(Program, PrintsAmongOtherThings) {
     const std::string heading = "System Enclosure or Chassis Types, type 3, handle 0007h\n";
     const Case_t kCases[] = {
         Case("diff " + a + " " + b, 1,
-             "changed: System Enclosure or Chassis (type 3, handle 0007h)\n    Manufacturer: A -> B\n"),
+             "changed: System Enclosure or Chassis (type 3): handle 0007h\n    Manufacturer: A -> B\n"),
         Case("diff --format ndjson " + c + " " + d + " " + c, 1,
              "\n{\"source\":\"" + c + "\",\"smbios\":\"3.0\",\"base\":\"" + c + "\",\"differences\":[]}\n"),
         Case("diff " + c + " " + d, 1, "    Data, offset 0x4: AB -> AC\n"),

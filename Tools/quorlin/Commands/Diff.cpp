@@ -1,6 +1,8 @@
 // quorlin diff: what differs between two tables, or between one and many.
 #include "Packages/Analysis/Diff.h"
 
+#include <optional>
+
 #include "Packages/Standard/Texts.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Formats.h"
@@ -13,28 +15,67 @@ constexpr List_t kList = {.name = "differences", .columns = kColumns, .innerName
 
 std::string_view NameOf(const Difference_t& difference) { return FindStandardType(difference.Either().Type()).Name(); }
 
-void ShowToPeople(const Difference_t& difference, ClColumns& people) {
-    std::string line(ChangeName(difference.change));
-    line.append(": ").append(NameOf(difference));
-    if (!difference.place.empty()) line.append(", ").append(difference.place);
-    if (!difference.from.empty()) line.append(", from ").append(difference.from);
-    line.append(" (type ").append(std::to_string(difference.Either().Type())).append(", handle ");
-    line.append(HandleText(difference.Either().Handle()));
-    if (difference.a != nullptr && difference.b != nullptr && difference.a->Handle() != difference.b->Handle())
-        line.append(" and ").append(HandleText(difference.b->Handle()));
-    people.Line(0, line.append(")"));
-    for (const FactChange_t& fact : difference.facts) {
-        std::string text(fact.name);
-        if (fact.record >= 0) text.append(" ").append(std::to_string(fact.record + 1));
-        if (fact.offset >= 0) text.append(", offset ").append(CodeText(static_cast<uint64_t>(fact.offset)));
-        text.append(": ");
-        if (!fact.a.empty() && !fact.b.empty())
-            text.append(fact.a).append(" -> ").append(fact.b);
-        else
-            text.append(fact.a.empty() ? "added, " : "removed, ").append(fact.a).append(fact.b);
-        people.Line(4, text);
-    }
+std::string FactLine(const FactChange_t& fact) {
+    std::string line(fact.name);
+    if (fact.record >= 0) line.append(" ").append(std::to_string(fact.record + 1));
+    if (fact.offset >= 0) line.append(", offset ").append(CodeText(static_cast<uint64_t>(fact.offset)));
+    line.append(": ");
+    if (!fact.a.empty() && !fact.b.empty())
+        line.append(fact.a).append(" -> ").append(fact.b);
+    else
+        line.append(fact.a.empty() ? "added, " : "removed, ").append(fact.a).append(fact.b);
+    return line;
 }
+
+// "DIMM A1, from DIMM B1, handle 1100h".
+std::string SubjectOf(const Difference_t& difference) {
+    std::string text(difference.place);
+    if (!difference.from.empty()) text.append(", from ").append(difference.from);
+    text.append(text.empty() ? "handle " : ", handle ").append(HandleText(difference.Either().Handle()));
+    if (difference.a != nullptr && difference.b != nullptr && difference.a->Handle() != difference.b->Handle())
+        text.append(" and ").append(HandleText(difference.b->Handle()));
+    return text;
+}
+
+// Lines for people. Structures in which the same has changed, such as all memory devices, share their lines.
+class ClDiffText {
+  public:
+    ClDiffText(ClColumns& people, std::string_view a, std::string_view b) : m_people(people), m_a(a), m_b(b) {}
+
+    void Add(const Difference_t& difference) {
+        std::string head(ChangeName(difference.change));
+        head.append(": ").append(NameOf(difference)).append(" (type ");
+        head.append(std::to_string(difference.Either().Type())).append("): ");
+        std::vector<std::string> facts;
+        for (const FactChange_t& fact : difference.facts) facts.push_back(FactLine(fact));
+        if (head != m_head || facts != m_facts) {
+            Finish();
+            m_head = std::move(head);
+            m_facts = std::move(facts);
+        }
+        m_subjects.append(m_subjects.empty() ? "" : "; ").append(SubjectOf(difference));
+    }
+
+    // Writes what hasn't been written so far.
+    void Finish() {
+        if (m_subjects.empty()) return;
+        if (!m_hasBegun) {
+            m_people.Line(0, "a: " + m_a);
+            m_people.Line(0, "b: " + m_b);
+            m_hasBegun = true;
+        }
+        m_people.Line(0, m_head + m_subjects);
+        for (const std::string& fact : m_facts) m_people.Line(4, fact);
+        m_subjects.clear();
+    }
+
+  private:
+    ClColumns& m_people;
+    std::string m_a, m_b;
+    bool m_hasBegun = false;
+    std::string m_head, m_subjects;
+    std::vector<std::string> m_facts;
+};
 
 void WriteRow(const Difference_t& difference, ClWriter& writer) {
     const auto text = [](std::string_view value) { return value.empty() ? Cell_t() : Cell_t(value); };
@@ -104,18 +145,16 @@ class ClDiffCommand : public ClCommand {
 
   private:
     int Compare(const ClDiffTable& a, ClTable& table, ClWriter& writer) const {
-        bool isSame = true;
-        ClColumns* people = writer.People();
         const std::span<const uint8_t> bytes = table.Bytes();
         table.ClosePackage();
+        bool isSame = true;
+        std::optional<ClDiffText> text;
+        if (ClColumns* people = writer.People()) text.emplace(*people, m_base, table.Name());
         DiffTables(a, {bytes, table.Version(), m_ignored}, [&](const Difference_t& difference) {
-            if (people != nullptr && isSame) {
-                people->Line(0, "a: " + m_base);
-                people->Line(0, "b: " + table.Name());
-            }
             isSame = false;
-            people != nullptr ? ShowToPeople(difference, *people) : WriteRow(difference, writer);
+            text ? text->Add(difference) : WriteRow(difference, writer);
         });
+        if (text) text->Finish();
         return isSame ? kExitDone : kExitNo;
     }
 
