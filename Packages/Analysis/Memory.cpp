@@ -19,6 +19,8 @@ void ClMemory::Add(const TableStructure_t& structure, const ClValues& values) {
     };
     switch (structure.Type()) {
         case 16: {
+            if (m_known[structure.Handle()]) break;
+            m_known.set(structure.Handle());
             const uint64_t correction = values.Number("memory_error_correction").value_or(0);
             m_arrays.push_back({structure, values.Number("number_of_memory_devices"), values.Number("capacity"),
                                 values.Number("use") == kSystemMemory,

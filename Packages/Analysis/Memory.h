@@ -1,6 +1,7 @@
 // What a table's memory arrays, devices and mapped ranges say of each other.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -52,6 +53,7 @@ class ClMemory {
 
     std::span<const uint8_t> m_table;
     std::vector<Array_t> m_arrays;
+    std::bitset<0x10000> m_known;  // handles of arrays; of several with one handle the first one counts
     std::vector<Device_t> m_devices;
     std::vector<Range_t> m_ranges;
 };
