@@ -155,7 +155,7 @@ void ClPseudonyms::Permute(std::span<uint8_t> symbols, std::span<const uint16_t>
         drawn.resize(changed.size());
         Draw(std::move(message), drawn);
         for (size_t i = 0; i < changed.size(); i++) {
-            uint32_t step = drawn[i] % sizes[i];
+            auto step = static_cast<uint32_t>(drawn[i] % sizes[i]);
             // Steps without a common divisor pass through all symbols, so that some are no fillers.
             if (round == kLast / 2 && i == 0)
                 while (std::gcd(step, uint32_t{sizes[i]}) != 1) step++;

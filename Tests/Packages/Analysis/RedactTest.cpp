@@ -336,7 +336,7 @@ TEST(Redact, DamagedTablesAndAMissingHmacDoNoHarm) {
     });
     // A serial number whose last bytes are the table's.
     bytes = ClStructureBuilder(1, 8).Byte(7, 1).Strings({Machine_t::kSerial}).Image();
-    bytes.resize(bytes.size() - 2);
+    bytes.erase(bytes.end() - 2, bytes.end());
     ExpectNoneIsFound(FormsOf(Machine_t::kSerial), Redacted({"cut off", bytes}), "cut off");
     // Bytes after the end of the table belong to nothing that is known.
     bytes = whole;
