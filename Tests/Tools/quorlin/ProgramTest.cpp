@@ -150,7 +150,6 @@ TEST(Program, PrintsAmongOtherThings) {
         " --image " + WriteFile("marks.bin", TableOf({versions, Chassis(7, "Error: Invalid Type")}));
     // Only lines keeps blanks at the end of a text.
     const std::string blanks = " --type 3 --image " + ImageBy("Maker  ", "blanks.bin");
-    const std::string heading = "System Enclosure or Chassis Types, type 3, handle 0007h\n";
     const Case_t kCases[] = {
         Case("diff " + a + " " + b, 1,
              "changed: System Enclosure or Chassis (type 3): handle 0007h\n    Manufacturer: A -> B\n"),
