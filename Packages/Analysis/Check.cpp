@@ -60,11 +60,6 @@ const LeastLength_t* OptionalPart(uint8_t type) {
     return row != std::end(kLeastLengths) ? row : nullptr;
 }
 
-// 0304h as 340h.
-StandardVersion_t LevelOf(uint16_t version) {
-    return static_cast<StandardVersion_t>((version & 0xFF00) | std::min(version & 0xFF, 15) << 4);
-}
-
 bool HasControls(std::string_view text) {
     return std::ranges::any_of(text, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
 }
@@ -79,7 +74,11 @@ class ClCheck {
         : m_table(table), m_report(report), m_handles(table.bytes), m_memory(table.bytes) {}
 
     void Run() {
+        const auto end = static_cast<uint32_t>(m_table.bytes.size());
         if (!m_table.checksumsFit) SayOfTable(RuleId_t::kChecksum, 0, "", "");
+        if (m_table.missing != 0)
+            SayOfTable(RuleId_t::kTableCutOff, end, std::to_string(end) + " bytes",
+                       std::to_string(uint64_t{end} + m_table.missing) + " bytes");
         bool isEnded = false;
         uint32_t count = 0;
         for (const TableStructure_t& structure : ClWalk(m_table.bytes)) {
@@ -87,13 +86,9 @@ class ClCheck {
             CheckStructure();
             count++;
             isEnded = structure.Type() == kEndOfTable;
-            // What follows may be made up, and what is missing may be behind it.
+            // What comes after it may be made up, so nothing more can be told.
             if (structure.Length() < kHeaderSize) return;
         }
-        const auto end = static_cast<uint32_t>(m_table.bytes.size());
-        if (m_table.missing != 0)
-            SayOfTable(RuleId_t::kTableCutOff, end, std::to_string(end) + " bytes",
-                       std::to_string(uint64_t{end} + m_table.missing) + " bytes");
         if (m_table.structures != 0 && m_table.structures != count)
             SayOfTable(RuleId_t::kStructureCount, end, std::to_string(m_table.structures) + " structures",
                        std::to_string(count) + " structures");
@@ -206,7 +201,7 @@ class ClCheck {
                 break;
             case FactState_t::kReserved:
                 if ((fact.kind == FactKind_t::kCode || fact.kind == FactKind_t::kNumber) && !IsUnusedFamily(fact))
-                    say(RuleId_t::kReservedCode, CodeText(fact.number), "");
+                    say(RuleId_t::kReservedCode, CodeText(fact.number), CodesOf(fact));
                 break;
             case FactState_t::kFiller:
                 if (fact.kind == FactKind_t::kUuid)
@@ -223,6 +218,14 @@ class ClCheck {
     bool IsUnusedFamily(const Fact_t& fact) const {
         const Value_t* first = fact.Key() == "processor_family_2" ? m_values.Find("processor_family") : nullptr;
         return first != nullptr && !first->isReference;
+    }
+
+    // The codes that the standard assigns.
+    std::string CodesOf(const Fact_t& fact) const {
+        const std::span<const StandardCode_t> codes = m_facts.Type().Codes(*fact.field);
+        if (fact.kind != FactKind_t::kCode || codes.empty()) return "a number that the standard doesn't reserve";
+        std::string text = "an assigned code from ";
+        return text.append(CodeText(codes.front().first)).append(" to ").append(CodeText(codes.back().last));
     }
 
     // The types that a handle may refer to.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <tuple>
 #include <utility>
 
+#include "Packages/Format/Ascii.h"
 #include "Packages/Standard/Texts.h"
 
 namespace {
@@ -76,12 +76,6 @@ uint64_t MixBytes(uint64_t hash, const void* bytes, size_t size) {
     return hash;
 }
 
-std::string_view Trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    text.remove_suffix(text.size() - std::min(text.find_last_not_of(' ') + 1, text.size()));
-    return text;
-}
-
 // The text that a text of any form is compared by.
 std::string_view TextOf(const Fact_t& fact) {
     return fact.kind == FactKind_t::kText && fact.field->form == Form_t::kText ? fact.string : fact.text;
@@ -91,20 +85,6 @@ bool IsTextKind(FactKind_t kind) {
     return kind == FactKind_t::kText || kind == FactKind_t::kUuid || kind == FactKind_t::kDate ||
            kind == FactKind_t::kVersion;
 }
-
-}  // namespace
-
-const char* ChangeName(Change_t change) {
-    switch (change) {
-        case Change_t::kRemoved: return "removed";
-        case Change_t::kAdded: return "added";
-        case Change_t::kChanged: return "changed";
-        case Change_t::kReplaced: return "replaced";
-        default: return "moved";
-    }
-}
-
-namespace {
 
 // The bytes of the formatted area from `begin` on, which no fact comes from.
 std::span<const uint8_t> RestOf(const TableStructure_t& structure, uint32_t begin) {
@@ -120,6 +100,36 @@ struct ClDiffTable::Parts_t {
     // A reference from one structure to another.
     struct Edge_t {
         uint32_t from, to, label;
+    };
+
+    // A walk over the facts of a structure that count.
+    struct Walk_t {
+        void Begin(Parts_t& parts, uint32_t i) {
+            facts.Begin(parts.At(i), parts.Options());
+            roles = &parts.Roles(facts.Type());
+            comparesParts = !parts.ignored.empty();
+            covered = kHeaderSize;
+        }
+        const Fact_t* Next() {
+            while (const Fact_t* fact = facts.NextFact()) {
+                number = static_cast<uint32_t>(fact->field - facts.Type().fields.data());
+                role = number < roles->size() ? (*roles)[number] : 0;
+                covered = std::max<uint32_t>(covered, fact->offset + fact->size);
+                // A field whose parts may be left out is compared by its parts.
+                if (fact->isDerived || (role & kIgnored) != 0 || (fact->field->hasParts && comparesParts)) continue;
+                return fact;
+            }
+            return nullptr;
+        }
+
+        ClFacts facts;
+        uint32_t number = 0;  // of the last fact in the type's table
+        uint8_t role = 0;
+        uint32_t covered = 0;  // where the bytes end that the facts so far come from
+
+      private:
+        const std::vector<uint8_t>* roles = nullptr;
+        bool comparesParts = false;
     };
 
     Parts_t(std::span<const uint8_t> bytes, uint16_t itsVersion, std::span<const std::string> itsIgnored)
@@ -159,24 +169,15 @@ struct ClDiffTable::Parts_t {
     // Calls `take` with each fact that counts, its number in the type's table, and its role.
     template <class Take>
     void ForEachFact(uint32_t i, Take take) {
-        facts.Begin(At(i), Options());
-        const std::vector<uint8_t>& known = Roles(facts.Type());
-        covered = kHeaderSize;
-        while (const Fact_t* fact = facts.NextFact()) {
-            const auto number = static_cast<uint32_t>(fact->field - facts.Type().fields.data());
-            const uint8_t role = number < known.size() ? known[number] : 0;
-            covered = std::max<uint32_t>(covered, fact->offset + fact->size);
-            // A field whose parts may be left out is compared by its parts.
-            if (fact->isDerived || (role & kIgnored) != 0 || (fact->field->hasParts && !ignored.empty())) continue;
-            take(*fact, number, role);
-        }
+        walk.Begin(*this, i);
+        while (const Fact_t* fact = walk.Next()) take(*fact, walk.number, walk.role);
     }
 
     // The serial number, or another text of a structure; empty if it isn't a value.
     std::string_view TextWith(uint32_t i, Role_t wanted) {
         std::string_view text;
         ForEachFact(i, [&](const Fact_t& fact, uint32_t, uint8_t role) {
-            if ((role & wanted) != 0 && fact.IsValue() && text.empty()) text = Trimmed(fact.string);
+            if ((role & wanted) != 0 && fact.IsValue() && text.empty()) text = WithoutBlanks(fact.string);
         });
         return text;
     }
@@ -185,7 +186,7 @@ struct ClDiffTable::Parts_t {
     std::string PlaceOf(uint32_t i) {
         std::string place;
         ForEachFact(i, [&](const Fact_t& fact, uint32_t, uint8_t role) {
-            const std::string_view text = (role & kPlace) != 0 && fact.IsValue() ? Trimmed(fact.string) : "";
+            const std::string_view text = (role & kPlace) != 0 && fact.IsValue() ? WithoutBlanks(fact.string) : "";
             if (!text.empty()) place.append(place.empty() ? "" : ", ").append(text);
         });
         return place;
@@ -209,8 +210,9 @@ struct ClDiffTable::Parts_t {
     uint64_t ShapeKey(uint32_t i) {
         const TableStructure_t structure = At(i);
         if (HasPlace(structure.Type())) return 0;
-        facts.Begin(structure, Options());
-        return Mix(Mix(Mix(3, structure.Type()), structure.Length()), facts.Strings().Count());
+        ClStrings strings;
+        strings.Find(structure);
+        return Mix(Mix(Mix(3, structure.Type()), structure.Length()), strings.Count());
     }
 
     std::span<const Edge_t> EdgesOf(uint32_t i) const {
@@ -236,8 +238,7 @@ struct ClDiffTable::Parts_t {
     std::vector<uint64_t> up, down;  // what refers to it, and what it refers to
     std::vector<uint64_t> color;     // all facts of it and of the structures around it
     std::vector<uint8_t> roles[256];
-    ClFacts facts;
-    uint32_t covered = 0;  // where the bytes end that the facts of the last walk come from
+    Walk_t walk;  // the last one of ForEachFact
 
   private:
     std::vector<uint8_t> FindRoles(const StandardType_t& type) const {
@@ -254,10 +255,15 @@ struct ClDiffTable::Parts_t {
             if (!field.IsPart()) isWholeIgnored = isIgnored;
             if (isIgnored || (field.IsPart() && isWholeIgnored)) found[i] |= kIgnored;
         }
-        for (size_t i = 0; i < found.size(); i++)
-            if ((found[i] & kIgnored) != 0)
-                for (uint32_t source = 0; source < type.fields[i].sources; source++)
-                    found[type.fields[i].from[source]] |= kIgnored;
+        // With a fact go those that it is derived from, and with a list its records.
+        for (size_t i = 0; i < found.size(); i++) {
+            const StandardField_t& field = type.fields[i];
+            if ((found[i] & kIgnored) == 0) continue;
+            for (uint32_t source = 0; source < field.sources; source++) found[field.from[source]] |= kIgnored;
+            if (field.form != Form_t::kRecords && field.form != Form_t::kStrings) continue;
+            for (uint32_t record = field.first; record < uint32_t{field.first} + field.count; record++)
+                found[record] |= kIgnored;
+        }
         return found;
     }
 
@@ -273,17 +279,17 @@ struct ClDiffTable::Parts_t {
                 const std::string_view text = TextOf(fact);
                 all = MixBytes(all, text.data(), text.size());
             } else if (fact.kind == FactKind_t::kBytes) {
-                const std::span<const uint8_t> raw = facts.Bytes(fact);
+                const std::span<const uint8_t> raw = walk.facts.Bytes(fact);
                 all = MixBytes(all, raw.data(), raw.size());
             } else {
                 all = Mix(all, fact.number);
             }
             if ((role & kPlace) == 0 || !fact.IsValue()) return;
-            const std::string_view text = Trimmed(fact.string);
+            const std::string_view text = WithoutBlanks(fact.string);
             place =
                 MixBytes(Mix(Mix(place, number), IsTextKind(fact.kind) ? 0 : fact.number), text.data(), text.size());
         });
-        const std::span<const uint8_t> rest = RestOf(At(i), covered);
+        const std::span<const uint8_t> rest = RestOf(At(i), walk.covered);
         all = MixBytes(all, rest.data(), rest.size());
         own[i] = place;
         content[i] = all;
@@ -327,7 +333,8 @@ class ClDiff {
 
     void Run() {
         PairAll();
-        FindParts();
+        m_partsOfA = PartsOf(m_a);
+        m_partsOfB = PartsOf(m_b);
         for (uint32_t i = 0; i < m_a.Count(); i++) {
             if (m_partnerOfA[i] == kNone)
                 Report(Change_t::kRemoved, i, kNone);
@@ -400,11 +407,6 @@ class ClDiff {
         return once;
     }
 
-    void FindParts() {
-        m_partsOfA = PartsOf(m_a);
-        m_partsOfB = PartsOf(m_b);
-    }
-
     static uint32_t Find(const std::vector<std::pair<uint64_t, uint32_t>>& parts, uint64_t key) {
         const auto found = std::ranges::lower_bound(parts, key, {}, &std::pair<uint64_t, uint32_t>::first);
         return found != parts.end() && found->first == key ? found->second : kNone;
@@ -467,46 +469,40 @@ class ClDiff {
         auto operator<=>(const Step_t&) const = default;
     };
 
-    // A walk over the facts that count.
+    // One side of the comparison of two structures.
     struct Side_t {
         Side_t(Parts_t& parts, uint32_t i, bool isMoved)
             : m_parts(parts), m_structure(parts.At(i)), m_isMoved(isMoved) {
-            facts.Begin(m_structure, parts.Options());
+            walk.Begin(parts, i);
             Next();
         }
 
         void Next() {
-            const std::vector<uint8_t>& roles = m_parts.Roles(facts.Type());
-            while (facts.Next()) {
-                const StandardField_t& field = *facts->field;
-                const auto number = static_cast<uint32_t>(&field - facts.Type().fields.data());
-                if (facts->isDerived) continue;
-                covered = std::max<uint32_t>(covered, facts->offset + facts->size);
-                if (facts->kind == FactKind_t::kList) m_list = number;
-                const uint8_t role = number < roles.size() ? roles[number] : 0;
-                if ((role & kIgnored) != 0 || (field.hasParts && !m_parts.ignored.empty())) continue;
-                if (m_isMoved && ((role & kPlace) != 0 || facts->kind == FactKind_t::kHandle)) continue;
-                step = facts->record < 0 ? Step_t{number, 0, number}
-                                         : Step_t{m_list, static_cast<uint32_t>(facts->record) + 1, number};
+            step = {};
+            while (const Fact_t* fact = walk.Next()) {
+                if (fact->kind == FactKind_t::kList) m_list = walk.number;
+                if (m_isMoved && ((walk.role & kPlace) != 0 || fact->kind == FactKind_t::kHandle)) continue;
+                step = fact->record < 0 ? Step_t{walk.number, 0, walk.number}
+                                        : Step_t{m_list, static_cast<uint32_t>(fact->record) + 1, walk.number};
                 return;
             }
-            step = {};
         }
+
+        const Fact_t& Fact() const { return *walk.facts; }
 
         // A value as people read it. A reference has the place of what it refers to.
         std::string Shown() const {
-            std::string text = ShownValue(facts, *facts);
-            if (facts->kind != FactKind_t::kHandle || !facts->IsValue()) return text;
-            const uint32_t target = m_parts.Target(*facts);
+            std::string text = ShownValue(walk.facts, Fact());
+            if (Fact().kind != FactKind_t::kHandle || !Fact().IsValue()) return text;
+            const uint32_t target = m_parts.Target(Fact());
             const std::string place = target == kNone ? "" : m_parts.PlaceOf(target);
             return place.empty() ? text : text.append(" (").append(place).append(")");
         }
 
         std::span<const uint8_t> Rest(uint32_t begin) const { return RestOf(m_structure, begin); }
 
-        ClFacts facts;
+        Parts_t::Walk_t walk;
         Step_t step;
-        uint32_t covered = kHeaderSize;  // the bytes that facts come from end here
 
       private:
         Parts_t& m_parts;
@@ -522,7 +518,7 @@ class ClDiff {
         size_t whole = 0;  // the place after the change of a field whose parts come next; 0 for none
         while (a.step.field != kNone || b.step.field != kNone) {
             const bool isOnlyInA = a.step < b.step, isOnlyInB = b.step < a.step;
-            const Fact_t& fact = isOnlyInB ? *b.facts : *a.facts;
+            const Fact_t& fact = isOnlyInB ? b.Fact() : a.Fact();
             const size_t before = m_facts.size();
             if (isOnlyInA)
                 AddChange(fact, a.Shown(), "");
@@ -540,7 +536,7 @@ class ClDiff {
             if (!isOnlyInB) a.Next();
             if (!isOnlyInA) b.Next();
         }
-        const uint32_t covered = std::max(a.covered, b.covered);
+        const uint32_t covered = std::max(a.walk.covered, b.walk.covered);
         AddRuns("data", "Data", covered, a.Rest(covered), b.Rest(covered));
     }
 
@@ -549,14 +545,14 @@ class ClDiff {
     }
 
     void CompareFact(const Side_t& a, const Side_t& b) {
-        const Fact_t &one = *a.facts, &other = *b.facts;
+        const Fact_t &one = a.Fact(), &other = b.Fact();
         bool isSame = one.state == other.state;
         if (one.kind == FactKind_t::kHandle) {
             isSame = isSame && (!one.IsValue() || IsSameTarget(m_a.Target(one), m_b.Target(other)));
         } else if (IsTextKind(one.kind)) {
             isSame = isSame && TextOf(one) == TextOf(other);
         } else if (one.kind == FactKind_t::kBytes) {
-            AddRuns(one.Key(), one.Name(), one.offset, a.facts.Bytes(one), b.facts.Bytes(other));
+            AddRuns(one.Key(), one.Name(), one.offset, a.walk.facts.Bytes(one), b.walk.facts.Bytes(other));
             return;
         } else {
             isSame = isSame && one.number == other.number;
@@ -568,7 +564,7 @@ class ClDiff {
     void AddRuns(std::string_view key, std::string_view name, uint32_t offset, std::span<const uint8_t> a,
                  std::span<const uint8_t> b) {
         const size_t common = std::min(a.size(), b.size());
-        if (common > kMostRunBytes) {
+        if (std::max(a.size(), b.size()) > kMostRunBytes) {
             if (!std::ranges::equal(a, b)) AddRest(key, name, offset, a, b);
             return;
         }
@@ -613,6 +609,16 @@ class ClDiff {
 };
 
 }  // namespace
+
+const char* ChangeName(Change_t change) {
+    switch (change) {
+        case Change_t::kRemoved: return "removed";
+        case Change_t::kAdded: return "added";
+        case Change_t::kChanged: return "changed";
+        case Change_t::kReplaced: return "replaced";
+        default: return "moved";
+    }
+}
 
 ClDiffTable::ClDiffTable(std::span<const uint8_t> table, uint16_t version, std::span<const std::string> ignored)
     : m_parts(std::make_unique<Parts_t>(table, version, ignored)) {}

@@ -5,16 +5,10 @@
 #include <map>
 #include <tuple>
 
+#include "Packages/Format/Ascii.h"
 #include "Packages/Standard/Texts.h"
 
 namespace {
-
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool Contains(std::string_view text, std::string_view part) {
-    const auto isSame = [](char a, char b) { return Lower(a) == Lower(b); };
-    return part.empty() || std::search(text.begin(), text.end(), part.begin(), part.end(), isSame) != text.end();
-}
 
 // Takes the first word of a line.
 std::string_view TakeWord(std::string_view* line) {
@@ -22,12 +16,6 @@ std::string_view TakeWord(std::string_view* line) {
     const std::string_view word = line->substr(0, line->find_first_of(" \t\r"));
     line->remove_prefix(word.size());
     return word;
-}
-
-std::string_view Trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\r"), text.size()));
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r')) text.remove_suffix(1);
-    return text;
 }
 
 // The texts that name a table's maker.
@@ -61,14 +49,14 @@ bool FindRule(std::string_view id, RuleId_t* rule) {
 }
 
 std::string RuleChoice_t::AddLine(std::string_view line) {
-    line = Trimmed(line);
+    line = WithoutBlanks(line);
     if (line.empty() || line.front() == '#') return "";
     const std::string_view state = TakeWord(&line), rule = TakeWord(&line), scope = TakeWord(&line);
     RuleId_t known;
     if (state != "on" && state != "off") return "a line begins with on or off";
     if (rule != "all" && !FindRule(rule, &known)) return "unknown rule '" + std::string(rule) + "'";
     Setting_t setting = {.isOn = state == "on", .rule = rule == "all" ? "" : std::string(rule), .maker = ""};
-    const std::string_view value = Trimmed(line);
+    const std::string_view value = WithoutBlanks(line);
     if (scope == "type") {
         const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), setting.type);
         if (error != std::errc() || end != value.data() + value.size() || setting.type < 0 || setting.type > 255)
@@ -89,7 +77,7 @@ bool RuleChoice_t::Wants(RuleId_t rule, int type, std::string_view makers) const
     bool isWanted = true;
     for (const Setting_t& setting : settings)
         if ((setting.rule.empty() || setting.rule == row.id) && (setting.type < 0 || setting.type == type) &&
-            Contains(makers, setting.maker))
+            ContainsIgnoringCase(makers, setting.maker))
             isWanted = setting.isOn;
     return isWanted;
 }

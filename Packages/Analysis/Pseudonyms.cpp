@@ -60,8 +60,6 @@ std::string Message(char mark, std::span<const uint8_t> bytes) {
 
 }  // namespace
 
-char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 void TakeLetterCase(std::string_view from, std::span<char> text) {
     const auto isUpper = [](char c) { return c >= 'A' && c <= 'Z'; };
     const bool hasUpper = std::ranges::any_of(from, isUpper);

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "Packages/Format/Ascii.h"
+
 // Computes the HMAC-SHA-256 of a message under the user's key. False if it can't be computed.
 using Hmac_t = std::function<bool(std::span<const uint8_t> message, std::span<uint8_t, 32> mac)>;
 
@@ -48,7 +50,6 @@ class ClPseudonyms {
     std::unordered_map<std::string, std::string> m_texts, m_bytes;  // values and their pseudonyms
 };
 
-char LowerCase(char c);
 // Gives a text in lower case the letter case of another one that is as long.
 void TakeLetterCase(std::string_view from, std::span<char> text);
 

@@ -535,7 +535,7 @@ void ClFacts::DecodeUuid(const uint8_t* uuid, Fact_t& fact) {
     if (isAll(0x00) || isAll(0xFF) || memcmp(uuid, kDelivered, sizeof kDelivered) == 0)
         fact.state = FactState_t::kFiller;
     // From 2.6 on, the first three parts are little-endian. Firmware of 2.3.1 wrote 2.31 or 2.33.
-    const bool isLittle = m_options.version >= 0x0206 && m_options.version != 0x021F && m_options.version != 0x0221;
+    const bool isLittle = LevelOf(m_options.version) >= 0x260;
     static constexpr uint8_t kLittle[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     char text[36];
     size_t place = 0;

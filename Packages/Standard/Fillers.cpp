@@ -2,6 +2,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "Packages/Format/Ascii.h"
 #include "Packages/Standard/Facts.h"
 #include "Packages/Standard/FillerLists.h"
 
@@ -17,8 +18,6 @@ bool IsCounting(std::string_view text) {
             return false;
     return true;
 }
-
-constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 // Finds entries of a list by a hash, as most texts are no fillers, and that has to be told quickly.
 struct Index_t {
@@ -58,7 +57,7 @@ constexpr Index_t kBegins = [] {
 bool BeginsWith(std::string_view text, const char* begin) {
     size_t place = 0;
     while (begin[place] != '\0' && place < text.size() &&
-           (text[place] == begin[place] || Lower(text[place]) == begin[place]))
+           (text[place] == begin[place] || LowerCase(text[place]) == begin[place]))
         place++;
     return begin[place] == '\0';
 }
@@ -87,9 +86,9 @@ bool BeginsAsOneOf(std::string_view text, size_t entry) {
 
 // Whether a text has nothing but one of some characters, whose case doesn't matter.
 bool IsRepeated(std::string_view text) {
-    const char first = Lower(text.front());
+    const char first = LowerCase(text.front());
     return strchr(text.size() > 1 ? kRepeatedFillers : kLoneFillers, first) != nullptr &&
-           std::ranges::all_of(text, [=](char c) { return Lower(c) == first; });
+           std::ranges::all_of(text, [=](char c) { return LowerCase(c) == first; });
 }
 
 // Looks closer at a text that is one of the few that may be fillers.

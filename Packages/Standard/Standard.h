@@ -232,6 +232,14 @@ struct StandardType_t {
     }
 };
 
+// Returns the level that a table states: 0304h as 340h. Some firmware writes 2.3.1 and 2.3.3 as 2.31 and 2.33.
+constexpr StandardVersion_t LevelOf(uint16_t version) {
+    if (version == 0x021F) return 0x231;
+    if (version == 0x0221) return 0x233;
+    const int minor = version & 0xFF;
+    return static_cast<StandardVersion_t>((version & 0xFF00) | (minor < 15 ? minor : 15) << 4);
+}
+
 // Returns the table of a structure type. For types that the standard doesn't have, it is one that has the structure's
 // bytes and strings.
 StandardType_t FindStandardType(uint8_t type);

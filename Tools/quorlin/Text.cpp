@@ -10,12 +10,6 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
-char Lower(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
-bool SameLetter(char first, char second) { return Lower(first) == Lower(second); }
-
 // Control characters, line separators, and the marks that change the direction of text: all are below U+10000.
 bool SteersTerminal(uint32_t code) {
     return code < 0x20 || (code >= 0x7F && code < 0xA0) || (code >= 0x2028 && code <= 0x202E) ||
@@ -117,12 +111,4 @@ bool AppendJson(std::string& out, std::string_view text) {
         isReplaced |= !next.isValid;
     }
     return isReplaced;
-}
-
-bool EqualsIgnoringCase(std::string_view first, std::string_view second) {
-    return std::ranges::equal(first, second, SameLetter);
-}
-
-bool ContainsIgnoringCase(std::string_view text, std::string_view part) {
-    return std::search(text.begin(), text.end(), part.begin(), part.end(), SameLetter) != text.end() || part.empty();
 }

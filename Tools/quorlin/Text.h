@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "Packages/Format/Ascii.h"
+
 // The length of the valid UTF-8 sequence at the start of `text`, or 0.
 size_t SequenceLength(std::string_view text);
 // Whether `text` is printable ASCII without two characters that are special in a format. Most texts are, and need no
@@ -20,7 +22,3 @@ std::string Printable(std::string_view text);
 // Appends `text` as the inside of a JSON string. Invalid bytes become U+FFFD, and what steers a terminal \uXXXX.
 // Returns whether there were invalid bytes.
 bool AppendJson(std::string& out, std::string_view text);
-
-// Compare without regard to the case of ASCII letters.
-bool EqualsIgnoringCase(std::string_view first, std::string_view second);
-bool ContainsIgnoringCase(std::string_view text, std::string_view part);

@@ -193,6 +193,7 @@ TEST(Check, FindsExactlyEachFault) {
     // After a broken structure nothing can be told.
     shortened = {200, 2, 0x34, 0x12, 0, 0, 200, 2, 0x34, 0x12, 0, 0};
     EXPECT_EQ(Findings({.bytes = shortened}), "QR0201 type 200  x1\n");
+    EXPECT_EQ(Findings({.bytes = shortened, .missing = 7}), "QR0102 type -1  x1\nQR0201 type 200  x1\n");
     // Two modules of one maker with one serial number.
     Structures_t machine = Machine();
     machine.at(16).Word(0x0D, 2);
@@ -271,6 +272,15 @@ TEST(Check, JudgesByTheVersion) {
     };
     EXPECT_EQ(Findings({.bytes = without(127), .version = 0x0201}), "");
     EXPECT_EQ(Findings({.bytes = without(9), .version = 0x0202}), "");
+    // 2.31 is 2.3.1, which hasn't the fields of 2.4.
+    const std::vector<uint8_t> firmware = TableOf({ClStructureBuilder(0, 0x14, 0x0000)
+                                                       .Bytes(4, {1, 2})
+                                                       .Byte(8, 3)
+                                                       .Strings({"Halvorsen", "HVB2.14", "05/12/2015"})});
+    RuleChoice_t choice;
+    for (const char* line : {"off all", "on QR0204"}) EXPECT_EQ(choice.AddLine(line), "");
+    EXPECT_EQ(Findings({.bytes = firmware, .version = 0x021F}, choice), "");
+    EXPECT_EQ(Findings({.bytes = firmware, .version = 0x0204}, choice), "QR0204 type 0  x1\n");
     // Codes at places that the version doesn't have: a rack type in a table of 3.0.
     Structures_t all = Machine();
     all.insert_or_assign(

@@ -236,6 +236,10 @@ TEST(Diff, NamesFactsPartsAndBytes) {
               (Lines_t{"changed 4 CPU; processor_version=Old|New"}));
     EXPECT_EQ(Differences(TableOf({processor(4, "Old")}), TableOf({processor(4, "New")}), {"processor_version"}),
               Lines_t());
+    const Bytes_t one = TableOf({ClStructureBuilder(11, 5).Byte(4, 1).Strings({"one"})}),
+                  two = TableOf({ClStructureBuilder(11, 5).Byte(4, 1).Strings({"two"})});
+    EXPECT_EQ(Differences(one, two), (Lines_t{"changed 11 ; string[0]=one|two"}));
+    EXPECT_EQ(Differences(one, two, {"strings"}), Lines_t());
     // A structure that the standard doesn't have, and bytes after the last field of one that it has.
     EXPECT_EQ(Differences(TableOf({ClStructureBuilder(0xDD, 12).Bytes(4, {1, 2, 3, 4, 5, 6}).Strings({"one", "two"})}),
                           TableOf({ClStructureBuilder(0xDD, 12).Bytes(4, {1, 9, 9, 4, 5, 7}).Strings({"one", "2"})})),

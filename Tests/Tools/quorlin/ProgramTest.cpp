@@ -299,7 +299,7 @@ TEST(Program, CheckGroupsFindingsAndTakesRules) {
     const std::string subject = "System Enclosure or Chassis (type 3)";
     const std::string code = "QR0501 warning: " + subject +
                              ", Chassis Type: a code that the standard doesn't assign, 2 times\n"
-                             "    0x7F; handle 0007h, 0008h; at 0x5: 7F\n";
+                             "    0x7F; expected an assigned code from 0x1 to 0x24; handle 0007h, 0008h; at 0x5: 7F\n";
     const std::string filler =
         "QR0304 note: " + subject + ", Manufacturer: " +
         "a text that firmware is delivered with, and that nobody replaced\n    Default string; handle 0009h; at 0x4D\n";
@@ -320,7 +320,7 @@ TEST(Program, CheckGroupsFindingsAndTakesRules) {
              "QR0501,warning,3,\"" +
                  subject +
                  ", Chassis Type\",chassis_type,a code that the standard doesn't assign,2,"
-                 "7,5,1,7F,0x7F,\r\n"),
+                 "7,5,1,7F,0x7F,an assigned code from 0x1 to 0x24\r\n"),
     };
     for (const Case_t& row : kCases) {
         const ProgramRun_t run = RunQuorlin(row.arguments);

@@ -116,7 +116,7 @@ class ClCheckCommand : public ClCommand {
                                const Image_t* image = table.Image();
                                const CheckedTable_t checked = {
                                    .bytes = table.Bytes(),
-                                   .version = static_cast<uint16_t>(table.Major() << 8 | table.Minor()),
+                                   .version = table.Version(),
                                    .checksumsFit = image == nullptr || image->checksumsFit,
                                    .missing = image == nullptr ? 0 : image->missing,
                                    .structures = image == nullptr ? uint16_t{0} : image->structures,

@@ -11,6 +11,7 @@ namespace {
 
 constexpr Column_t kColumns[] = {{"change"}, {"type"}, {"name"},   {"place"},  {"from"}, {"handle_a"}, {"handle_b"},
                                  {"key"},    {"fact"}, {"record"}, {"offset"}, {"a"},    {"b"}};
+constexpr size_t kStructureColumns = 7;  // the others are those of its facts
 constexpr List_t kList = {.name = "differences", .columns = kColumns, .innerName = "facts"};
 
 std::string_view NameOf(const Difference_t& difference) { return FindStandardType(difference.Either().Type()).Name(); }
@@ -84,20 +85,12 @@ void WriteRow(const Difference_t& difference, ClWriter& writer) {
         return structure == nullptr ? Cell_t() : Cell_t(uint64_t{structure->Handle()});
     };
     std::vector<Row_t> facts;
-    for (const FactChange_t& fact : difference.facts)
-        facts.push_back({{},
-                         {},
-                         {},
-                         {},
-                         {},
-                         {},
-                         {},
-                         fact.key,
-                         fact.name,
-                         number(fact.record),
-                         number(fact.offset),
-                         text(fact.a),
-                         text(fact.b)});
+    for (const FactChange_t& fact : difference.facts) {
+        Row_t row(kStructureColumns);
+        row.insert(row.end(),
+                   {fact.key, fact.name, number(fact.record), number(fact.offset), text(fact.a), text(fact.b)});
+        facts.push_back(std::move(row));
+    }
     writer.Row(
         {std::string_view(ChangeName(difference.change)), uint64_t{difference.Either().Type()}, NameOf(difference),
          text(difference.place), text(difference.from), handle(difference.a), handle(difference.b)},
@@ -172,8 +165,7 @@ constexpr Command_t kDiffCommand = {
     .description =
         "Shows what differs between two tables. Structures are paired by what they are, such as the memory device of a "
         "slot, so other handles or another order are no difference. Without a second name the other table is this "
-        "machine's, "
-        "or the one that --sample names.",
+        "machine's, or the one that --sample names.",
     .footer =
         "Example: quorlin diff before.bin after.bin --ignore serial_number\n"
         "Exit codes: 0 the same, 1 different, 2 bad usage, no table or an unreadable one.",
