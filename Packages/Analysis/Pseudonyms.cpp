@@ -136,7 +136,7 @@ void ClPseudonyms::Draw(std::string message, std::span<uint8_t> bytes) {
 }
 
 // A Feistel network of five rounds. The last two undo the first two, and the one between them changes the first symbol
-// in any case, so that no value stays what it is. `context` is what the permutation depends on beside the key.
+// in any case, so that no value stays what it is. `context` is what the permutation depends on besides the key.
 void ClPseudonyms::Permute(std::span<uint8_t> symbols, std::span<const uint16_t> radices, const std::string& context) {
     constexpr char kLast = 4;
     const size_t half = (symbols.size() + 1) / 2;

@@ -24,7 +24,7 @@ constexpr Column_t kColumns[] = {
 };
 constexpr List_t kList = {.name = "redacted", .columns = kColumns};
 
-// What is replaced beside facts.
+// What is replaced besides facts.
 constexpr const char kEverywhere[][96] = {
     "values of 6 or more characters from above, in the whole table, as text, UTF-16 and bytes",
     "MAC addresses and UUIDs in any text, but not in type 45",
