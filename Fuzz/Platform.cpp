@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Packages/Debug/DebugInternal.h"
+#include "Packages/FERROXExternal/FERROXLib/Obstacles.h"
 #include "Packages/OS/Program.h"
 #include "Packages/OS/Status.h"
 
@@ -27,6 +28,7 @@ bool IsFolder(const std::string& path) {
     return inside != platform.files.end() && inside->first.starts_with(path + "/");
 }
 bool IsThere(const std::string& path) { return platform.files.contains(path) || IsFolder(path); }
+int WhyNoNewFiles() { return EROFS; }
 void PrepareStandardStreams() {}
 bool IsStandardOutputTerminal() { return platform.terminalWidth != 0; }
 bool IsStandardErrorTerminal() { return false; }
@@ -40,6 +42,15 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
 // The linker replaces FERROXInitialize by this (--wrap), so that no input reaches the hardware.
 extern "C" status_t __wrap_FERROXInitialize();
 extern "C" status_t __wrap_FERROXInitialize() { return kFailure; }
+
+// Neither does doctor reach it, which says these things of it.
+Finding_t FindObstacle(Way_t way, uint32_t processor) {
+    constexpr uint32_t kObstacles = 30;  // not more than there are
+    return {static_cast<Obstacle_t>((static_cast<uint32_t>(way) + processor) % kObstacles),
+            "a \x1B[31mdetail, \"quoted\""};
+}
+status_t BeginTrial(bool) { return kFailure; }
+void EndTrial() {}
 
 int RunOnPlatform(const Arguments_t& arguments) {
     platform.output.clear();

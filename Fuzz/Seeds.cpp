@@ -49,6 +49,7 @@ constexpr Input_t kSeeds[] = {
     {"Arguments",  "check",             "check\n--image\ntable"sv                                                },
     {"Arguments",  "diff",              "diff\ndump\ntable"sv                                                    },
     {"Arguments",  "redact",            "redact\ndump\nout.bin\n--key\ntable"sv                                  },
+    {"Arguments",  "doctor",            "doctor\n--format\nndjson\n--try-driver"sv                               },
     {"Arguments",  "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                       },
     {"CInterface", "wrong-size",        "\0\0\0\0\3\0\0\1\x7F\4\0\0\0\0"sv                                       },
     {"Files",      "names",             kOddNames                                                                },

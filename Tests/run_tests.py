@@ -66,6 +66,7 @@ EXPECTED = {
     "OS/Traces.*": lambda preset: preset == "coverage",
     "quorlin/Keywords.*": lambda preset: not (ROOT / "../shared/tables").exists()
     or not os.path.exists("/usr/sbin/dmidecode"),
+    "quorlin/Doctor.*": lambda preset: cannot_mount(),
     "quorlin/WorstTables.*": lambda preset: preset == "asan",
     "quorlin/OnLinux.ForeignFiles*": lambda preset: preset == "asan",
     "OS/Library.*": lambda preset: preset in ("asan", "tsan"),

@@ -25,4 +25,5 @@ for command in "" "hw cpuid 0" "hw pci 0000:00:00.0 0 4" "hw acpi MCFG"; do
     exit 1
 done
 { "$stub" hw cpuid 0 2>&1 || true; } | grep -q 'no access to hardware on this system'
+{ "$stub" doctor || true; } | grep -q '^SMBIOS table from the system: not available on this system$'
 echo "The stub system reads images and refuses the machine."

@@ -18,6 +18,8 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size);
 bool IsFolder(const std::string& path);
 // Whether the name exists.
 bool IsThere(const std::string& path);
+// Whether new files can be created in the working folder: 0, or an errno, such as EROFS. Creates none.
+int WhyNoNewFiles();
 // Must be called first. Replaces standard streams that are closed with streams that fail, so that no file that the
 // program opens takes their place. Bytes are then written unchanged, a console takes them as UTF-8, and a write to a
 // reader that is gone fails with EPIPE.

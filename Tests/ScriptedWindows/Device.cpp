@@ -104,7 +104,7 @@ STAND_IN(UINT, GetSystemFirmwareTable, (DWORD provider, DWORD table, PVOID buffe
     std::string name(reinterpret_cast<const char*>(&table), 4);
     if (provider == 0x52534D42) name = "RSMB";
     const auto found = Machine().tables.find(name);
-    if (found == Machine().tables.end()) return 0;
+    if (found == Machine().tables.end()) return Fail(ERROR_FILE_NOT_FOUND), 0;
     auto needed = static_cast<UINT>(found->second.size());
     if (!Machine().tableAnswers.empty()) {
         needed = Machine().tableAnswers.front();

@@ -28,13 +28,18 @@ constexpr DWORD kPatience = 20'000;
 
 std::string FullPath(const std::string& path) { return std::filesystem::absolute(path).string(); }
 
-enum class Service_t { kQuery, kRemove };
+enum class Service_t { kQuery, kRemove, kCreate, kStart };
 
 // Returns the service's state, or kNoService.
 DWORD ServiceState(Service_t what = Service_t::kQuery) {
     SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
     SC_HANDLE service = OpenServiceA(manager, "Ravelink", SERVICE_ALL_ACCESS);
     SERVICE_STATUS status = {};  // kNoService
+    if (what == Service_t::kCreate)
+        service = CreateServiceA(manager, "Ravelink", "Ravelink", SERVICE_ALL_ACCESS, SERVICE_KERNEL_DRIVER,
+                                 SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, FullPath(QUORLIN_DRIVER).c_str(), nullptr,
+                                 nullptr, nullptr, nullptr, nullptr);
+    if (what == Service_t::kStart) StartServiceA(service, 0, nullptr);
     QueryServiceStatus(service, &status);
     if (what == Service_t::kRemove) {
         ControlService(service, SERVICE_CONTROL_STOP, &status);
@@ -116,6 +121,10 @@ class Driver : public testing::Test {
                        static_cast<DWORD>(text.size() + 1));
         RegCloseKey(key);
     }
+    static void LoseFile() {
+        ServiceState(Service_t::kRemove);
+        SetValue("FERROXDrvPath", FullPath("no-driver.sys"));
+    }
     static void RemoveSettings() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kSettings); }
     static void ExpectNothingLeft() {
         EXPECT_EQ(ServiceState(), kNoService);
@@ -184,6 +193,45 @@ TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
             EXPECT_FALSE(Has(refused.errors, "root")) << c.cause << arguments;
         }
         ExpectNothingLeft();
+    }
+}
+
+void CreateTheService() { ServiceState(Service_t::kCreate); }
+void StartTheService() { ServiceState(Service_t::kStart); }
+void RemoveTheService() { ServiceState(Service_t::kRemove); }
+
+// Each state is named, and is the same after a trial.
+TEST_F(Driver, DoctorNamesItsStateAndPutsItBack) {
+    const struct {
+        const char* what;
+        std::function<void()> prepare;
+        const char *service, *driver;
+        bool works;
+    } kCases[] = {
+        {"no service",    RemoveTheService, "false,no-service", "false,not-tried",      true },
+        {"stopped",       CreateTheService, "false,stopped",    "false,not-tried",      true },
+        {"running",       StartTheService,  "true,",            "false,not-tried",      true },
+        {"no file",       LoseFile,         "false,no-service", "false,no-driver-file", false},
+        {"not installed", RemoveSettings,   "false,no-service", "false,no-driver",      false},
+    };
+    for (const auto& c : kCases) {
+        c.prepare();
+        const DWORD before = ServiceState();
+        const ProgramRun_t run = RunQuorlin("doctor --format csv"),
+                           tried = RunQuorlin("doctor --format csv --try-driver");
+        EXPECT_EQ(run.exitCode, 0) << c.what << run.errors;
+        EXPECT_TRUE(Has(run.output, "\ntable,SMBIOS table from the system,,,true,")) << run.output;
+        EXPECT_TRUE(Has(run.output, std::string("\nservice,Driver's service,,,") + c.service)) << c.what << run.output;
+        EXPECT_TRUE(Has(run.output, std::string("\ndriver,Driver,,,") + c.driver)) << c.what << run.output;
+        EXPECT_TRUE(Has(tried.output, std::string("\nservice,Driver's service,,,") + c.service)) << tried.output;
+        for (const char* thing : {"\ndriver,", "\nscan,", "\nmemory,", "\nports,", "\ncpuid,"}) {
+            const size_t row = tried.output.find(thing);
+            ASSERT_NE(row, tried.output.npos) << thing;
+            EXPECT_EQ(Has(tried.output.substr(row, tried.output.find('\r', row) - row), ",true"), c.works)
+                << c.what << thing << tried.output;
+        }
+        EXPECT_EQ(ServiceState(), before) << c.what;
+        EXPECT_FALSE(SectionExists()) << c.what;
     }
 }
 

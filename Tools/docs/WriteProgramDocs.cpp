@@ -308,13 +308,14 @@ std::string ManOptions(const std::vector<Entry_t>& entries) {
             if (users.empty()) options.push_back(&option);
             users.emplace_back(entry.command->name);
         }
+    const size_t readers = commands["--as"].size();
     std::string page;
     for (const Option_t* option : options) {
         page += ".TP\n.B " + (option->letter == 0 ? "" : Roff(Letter(*option)) + ", ") + Roff(option->name);
         if (option->TakesValue()) page += std::string(" \\fI") + option->typeName + "\\fR";
         std::string help = option->Help() + ".";
         const std::vector<std::string>& users = commands[option->name];
-        if (users.size() + 1 < entries.size())
+        if (users.size() < readers)
             help += " For " + Replaced(Joined(users, [](const std::string& user) { return user; }), " ", ", ") + ".";
         page += "\n" + Paragraph(help);
     }

@@ -12,6 +12,18 @@ Cause_t LacksRights(const char* problem, const char* other) {
     return {problem, rights != nullptr ? rights : other};
 }
 
+// Texts in place, as pointers to them would have to be relocated at each start.
+struct ObstacleText_t {
+    char word[20], problem[72], advice[104];
+};
+constexpr ObstacleText_t kObstacles[] = {
+#define OBSTACLE(name, word, problem, advice) {word, problem, advice},
+#include "Packages/FERROXExternal/FERROXLib/Obstacles.inc"
+#undef OBSTACLE
+};
+
+const ObstacleText_t& TextOf(Obstacle_t obstacle) { return kObstacles[static_cast<size_t>(obstacle)]; }
+
 Cause_t CPUIDFails(const char* other) { return {"its driver fails at the CPUID instruction", other}; }
 
 Cause_t WhyFirmwareFails() {
@@ -35,13 +47,21 @@ const char* WordsOf(status_t status) {
 
 }  // namespace
 
+std::string_view WordOf(Obstacle_t obstacle) { return TextOf(obstacle).word; }
+
+Cause_t CauseOf(Obstacle_t obstacle) {
+    const ObstacleText_t& text = TextOf(obstacle);
+    return obstacle == Obstacle_t::kRights ? LacksRights(text.problem, text.advice)
+                                           : Cause_t{text.problem, text.advice};
+}
+
 Cause_t WhyNoStart(status_t status, Refusal_t refusal, const char* other) {
     if (status == kNotSupported) return {"no access to hardware on this system", other};
     if (status != kFailure) return CPUIDFails(other);  // the hypervisor test, which alone gives other statuses
     switch (refusal) {
-        case Refusal_t::kNoDriver: return {"the driver Ravelink isn't installed", other};
+        case Refusal_t::kNoDriver: return {TextOf(Obstacle_t::kNoDriver).problem, other};
         case Refusal_t::kRights: return LacksRights("the system refuses to start its driver", other);
-        default: return {"its driver can't be started", other};
+        default: return {TextOf(Obstacle_t::kDriverFails).problem, other};
     }
 }
 
@@ -53,9 +73,8 @@ Cause_t WhyNoTable(const Steps_t& steps, const char* other) {
         return {"out of memory", "try again with more, or a smaller table"};
     if (steps.firmware || !steps.scan) return WhyFirmwareFails();
     switch (*steps.scan) {
-        case ScanEnd_t::kNoAnchors: return {"the scan of its memory finds no table", other};
-        case ScanEnd_t::kElsewhere:
-            return {"the table that the scan finds isn't in known memory, and is not read", other};
+        case ScanEnd_t::kNoAnchors: return {TextOf(Obstacle_t::kNoAnchors).problem, other};
+        case ScanEnd_t::kElsewhere: return {TextOf(Obstacle_t::kNoMap).problem, other};
         default:
             return steps.refusal == Refusal_t::kRights ? LacksRights("the system refuses to give its memory", other)
                                                        : Cause_t{"its memory can't be read", other};

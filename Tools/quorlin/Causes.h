@@ -3,8 +3,10 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
+#include "Packages/FERROXExternal/FERROXLib/Obstacles.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 
 struct Cause_t {
@@ -25,6 +27,11 @@ struct Steps_t {
     // Whether the driver failed. The table may still be readable without it.
     bool FailedAtDriver() const { return start.value_or(kSuccess) != kSuccess || cpuid.value_or(kSuccess) != kSuccess; }
 };
+
+// The name of an obstacle, for programs.
+std::string_view WordOf(Obstacle_t obstacle);
+// An obstacle as people read it. kNone has no advice.
+Cause_t CauseOf(Obstacle_t obstacle);
 
 // `other` is the advice if more rights wouldn't help.
 

@@ -87,6 +87,8 @@ bool IsFolder(const std::string& path) {
 
 bool IsThere(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
+int WhyNoNewFiles() { return access(".", W_OK | X_OK) == 0 ? 0 : errno; }
+
 // O_PATH opens a descriptor that can't be read or written. It needs no rights and works in any root folder.
 void PrepareStandardStreams() {
     int file;

@@ -50,6 +50,8 @@ bool IsFolder(const std::string& path) {
     return std::filesystem::is_directory(path, ignored);
 }
 
+int WhyNoNewFiles() { return ENOSYS; }
+
 void PrepareStandardStreams() {}
 
 bool IsStandardOutputTerminal() { return false; }

@@ -68,8 +68,8 @@ fs::path DocsFolder() {
 // Commands that name no table read this machine, which may have none.
 std::string WithATable(const std::string& arguments) {
     const bool hasSource = arguments.starts_with(" diff ") || arguments.starts_with(" hw ") ||
-                           arguments.starts_with(" redact ") || arguments.find("--sample") != arguments.npos ||
-                           arguments.find("--image") != arguments.npos;
+                           arguments.starts_with(" redact ") || arguments.starts_with(" doctor") ||
+                           arguments.find("--sample") != arguments.npos || arguments.find("--image") != arguments.npos;
     return hasSource ? arguments : arguments + " --sample";
 }
 
@@ -101,6 +101,17 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
     }
     EXPECT_GE(count, 25u);
     fs::current_path(before);
+}
+
+TEST(Docs, EveryCauseOfDoctorIsExplained) {
+    const std::string pages =
+        ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/Linux.md") + ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/Windows.md");
+    for (const std::string cause : {
+#define OBSTACLE(name, word, problem, advice) word,
+#include "Packages/FERROXExternal/FERROXLib/Obstacles.inc"
+#undef OBSTACLE
+         })
+        EXPECT_TRUE(cause == "none" || pages.find("| `" + cause + "` |") != pages.npos) << cause;
 }
 
 // A schema of Docs.
@@ -159,7 +170,8 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
         }
     for (const char* command : {"", "summary "})
         EXPECT_EQ(Problem(RunQuorlin(command + std::string("--sample --format json")).output), "") << command;
-    EXPECT_EQ(Problem(RunQuorlin("redact --list --format json").output), "");
+    for (const char* arguments : {"redact --list --format json", "doctor --format json", "doctor --format ndjson"})
+        EXPECT_EQ(Problem(RunQuorlin(arguments).output), "") << arguments;
     EXPECT_EQ(Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
 }
 

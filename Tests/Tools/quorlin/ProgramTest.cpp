@@ -188,7 +188,7 @@ TEST(Program, PrintsAmongOtherThings) {
         EXPECT_TRUE(Has(run.output, row.output)) << row.arguments << ": " << run.output;
     }
     for (const std::string command :
-         {"show", "summary", "types", "find", "get", "diff", "dump", "redact", "raw", "check", "hw"})
+         {"show", "summary", "types", "find", "get", "diff", "dump", "redact", "raw", "check", "hw", "doctor"})
         EXPECT_TRUE(Has(RunQuorlin(command + " --help").output, "\nExample: quorlin ")) << command;
 }
 

@@ -5,10 +5,12 @@
 // front's named lock, so the count needs no atomic operations.
 #include <algorithm>
 
+#include "Packages/FERROXExternal/FERROXLib/Obstacles.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/WinFERROX.h"
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/MemoryMap.h"
+#include "Packages/OS/NamedLock.h"
 #include "Packages/OS/OS.h"
 
 #define TRACE(function, level, ...) FERROX_TRACE("WinFERROX", function, level, __VA_ARGS__)
@@ -121,8 +123,11 @@ static status_t OpenSharedCount() {
 
 // ---- Open and close
 
+static DWORD startError = ERROR_SUCCESS;  // of the last failed open
+
 // Notes why the driver isn't available, and returns 5. `error` is the system's error of the failed step.
 static status_t NoDriver(DWORD error) {
+    startError = error;
     HKEY key = nullptr;
     const bool hasKey = RegOpenKeyExA(HKEY_LOCAL_MACHINE, kRegistryKey, 0, KEY_READ, &key) == ERROR_SUCCESS;
     if (hasKey) RegCloseKey(key);
@@ -411,9 +416,9 @@ static status_t RegistryFailed(const char* call, LSTATUS result) {
     return kFailure;
 }
 
-status_t getFERROXinstallPath(char* path) {
+status_t getFERROXinstallPath(char* path, REGSAM access) {
     HKEY key = nullptr;
-    LSTATUS result = RegOpenKeyExA(HKEY_LOCAL_MACHINE, kRegistryKey, 0, KEY_ALL_ACCESS, &key);
+    LSTATUS result = RegOpenKeyExA(HKEY_LOCAL_MACHINE, kRegistryKey, 0, access, &key);
     if (result != ERROR_SUCCESS) return RegistryFailed("RegOpenKeyEx", result);
     DWORD size = kDriverPathSize;
     result = RegQueryValueExA(key, kRegistryValue, nullptr, nullptr, reinterpret_cast<LPBYTE>(path), &size);
@@ -425,6 +430,111 @@ status_t getFERROXinstallPath(char* path) {
     path[std::min<DWORD>(size, kDriverPathSize - 1)] = '\0';
     result = RegCloseKey(key);
     return result == ERROR_SUCCESS ? kSuccess : RegistryFailed("RegCloseKey", result);
+}
+
+// ---- A trial, after which the service is as it was before
+//
+// A service that exists is kept by one more open in the shared count, so that the library neither repairs nor removes
+// it. Without a service the library itself registers, starts, stops and removes it.
+
+static Trial_t trial;
+static bool hasStarted = false;       // so EndTrial has to stop it
+static HANDLE keptSection = nullptr;  // keeps the count while this process holds the service
+
+const Trial_t& CurrentTrial() { return trial; }
+
+ServiceState_t GetServiceState() {
+    ServiceState_t answer;
+    const ClServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT));
+    const ClServiceHandle service(manager.Get() == nullptr ? nullptr
+                                                           : OpenServiceA(manager.Get(), kDriverName,
+                                                                          SERVICE_QUERY_STATUS | SERVICE_QUERY_CONFIG));
+    SERVICE_STATUS_PROCESS state = {};
+    // The texts of the record follow it.
+    alignas(QUERY_SERVICE_CONFIGA) uint8_t config[8192];
+    auto* const record = reinterpret_cast<QUERY_SERVICE_CONFIGA*>(config);
+    DWORD size = 0;
+    if (service.Get() == nullptr || !QueryState(service.Get(), &state) ||
+        !QueryServiceConfigA(service.Get(), record, sizeof config, &size)) {
+        answer.error = GetLastError();
+        return answer;
+    }
+    answer.state = state.dwCurrentState;
+    answer.startType = record->dwStartType;
+    return answer;
+}
+
+// Runs `work` under the lock of the front, which other processes take to open and close the driver.
+template <typename Work>
+static bool UnderLock(Work work) {
+    NamedLock_t* const lock = os_OpenNamedLock("FERROXLIB");
+    if (lock == nullptr) return false;
+    const bool isHeld = os_TakeNamedLock(lock), isDone = isHeld && work();
+    if (isHeld) os_ReleaseNamedLock(lock);
+    os_CloseNamedLock(lock);
+    return isDone;
+}
+
+static bool StartToKeep() {
+    const ClServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT));
+    const ClServiceHandle service(
+        manager.Get() == nullptr
+            ? nullptr
+            : OpenServiceA(manager.Get(), kDriverName, SERVICE_START | SERVICE_STOP | SERVICE_QUERY_STATUS));
+    return service.Get() != nullptr && StartServiceA(service.Get(), 0, nullptr);
+}
+
+static void CloseKeptSection() {
+    if (keptSection != nullptr) CloseHandle(keptSection);
+    keptSection = nullptr;
+}
+
+static bool KeepService(bool isRunning) {
+    if (OpenSharedCount() == kSuccess)
+        keptSection =
+            CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(SharedMemory_t), kSectionName);
+    if (keptSection != nullptr && (isRunning || StartToKeep())) {
+        hasStarted = !isRunning;
+        ++SharedMemory->ReferenceCountExt;
+        return true;
+    }
+    trial.error = GetLastError();
+    CloseKeptSection();
+    CloseSharedCount();
+    return false;
+}
+
+static bool GiveServiceBack() {
+    if (OpenSharedCount() != kSuccess) return false;
+    if (SharedMemory->ReferenceCountExt != 0) --SharedMemory->ReferenceCountExt;
+    // Another process may use the driver meanwhile.
+    const bool stops = hasStarted && SharedMemory->ReferenceCountExt == 0;
+    CloseSharedCount();
+    if (!stops) return true;
+    const bool isStopped = StopDriver() == kSuccess;
+    CloseServiceManager();
+    return isStopped;
+}
+
+status_t BeginTrial(bool startsDriver) {
+    trial = {};
+    hasStarted = false;
+    trial.isTried = startsDriver;
+    if (!startsDriver) return kFailure;
+    const ServiceState_t before = GetServiceState();
+    const bool exists = before.error != ERROR_SERVICE_DOES_NOT_EXIST;
+    if (exists && !UnderLock([&] { return KeepService(before.state == SERVICE_RUNNING); })) return kFailure;
+    trial.status = FERROXInitialize();
+    trial.error = startError;
+    if (trial.status != kSuccess) EndFailedStart();
+    return trial.status;
+}
+
+void EndTrial() {
+    if (trial.status == kSuccess) FERROXTerminate();
+    if (keptSection != nullptr) UnderLock(GiveServiceBack);
+    CloseKeptSection();
+    trial = {};
 }
 
 // ---- Requests

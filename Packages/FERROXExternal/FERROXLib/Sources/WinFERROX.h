@@ -24,7 +24,7 @@ status_t checkDriverAutoLoaded();  // 1 if the service exists and starts automat
 status_t lockInstallFile();
 status_t unlockInstallFile();
 // Reads the path of the driver's file from the registry. `path` has kDriverPathSize bytes. Returns 1 or 5.
-status_t getFERROXinstallPath(char* path);
+status_t getFERROXinstallPath(char* path, REGSAM access = KEY_ALL_ACCESS);
 // Tests for a hypervisor by CPUID leaf 1, read through the driver. Returns the status of OSReadCPUID.
 status_t getHyperVStatus(uint8_t* enabled);
 
@@ -33,6 +33,21 @@ status_t getHyperVStatus(uint8_t* enabled);
 BOOL SendRequest(RequestCode_t code, void* record, uint32_t size, DWORD* returned);
 // Requests one of the driver's four versions. `function` is for trace lines. Returns 1 or 5.
 status_t AskVersion(RequestCode_t code, const char* function, uint32_t* version);
+
+// The state of the driver's service, by the rights of any user.
+struct ServiceState_t {
+    DWORD error = ERROR_SUCCESS;  // of the query
+    DWORD state = 0;              // SERVICE_RUNNING and others
+    DWORD startType = 0;
+};
+ServiceState_t GetServiceState();
+// A trial that BeginTrial began.
+struct Trial_t {
+    bool isTried = false;         // the driver was to be started
+    status_t status = kFailure;   // of the hardware library's start
+    DWORD error = ERROR_SUCCESS;  // of the step that failed
+};
+const Trial_t& CurrentTrial();
 
 // ---- IORW.cpp
 

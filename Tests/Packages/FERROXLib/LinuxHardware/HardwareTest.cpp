@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "CInterface/quorlin_c.h"
+#include "Packages/FERROXExternal/FERROXLib/Obstacles.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/Linux/LinuxFERROX.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/FirmwareTables.h"
@@ -438,6 +439,19 @@ TEST_F(StandIns, MemoryIsWhatTheKernelsMapCallsMemory) {
         proc.Write("iomem", c.map);
         EXPECT_EQ(os_IsMemory(c.address, c.size), c.isMemory) << c.what;
     }
+}
+
+// The kernel lets root open the device, and refuses to map what the option guards.
+TEST_F(StandIns, StrictMemoryIsNotLockdown) {
+    m_dev->Write("mem", std::string(1u << 21, '\0'));
+    const int result = InChild([] {
+        constexpr uint32_t kOffset = 5, kFirstMegabyte = 0x100000;
+        ForbidCall({SYS_mmap, kOffset, kFirstMegabyte}, SECCOMP_RET_ERRNO | EPERM);
+        EXPECT_EQ(FindObstacle(Way_t::kRAM, 0).obstacle, Obstacle_t::kStrictMemory);
+        EXPECT_EQ(FindObstacle(Way_t::kMemory, 0).obstacle, Obstacle_t::kNone);
+        return HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(result, 0);
 }
 
 // Scans, and expects an image only of a table that was found.

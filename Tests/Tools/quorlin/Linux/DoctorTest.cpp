@@ -1,0 +1,192 @@
+// What doctor says of a machine in each state that Linux can be made to show. Files stand in for its devices and
+// tables; Tests/Machine/init has a locked-down kernel, a real cpuset and real memory.
+#include <cpuid.h>
+#include <gtest/gtest.h>
+#include <linux/seccomp.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <map>
+#include <optional>
+#include <sstream>
+
+#include "Tests/Support/Linux/Processes.h"
+#include "Tests/Support/Structures.h"
+
+namespace {
+
+constexpr uint32_t kErrno = SECCOMP_RET_ERRNO;
+
+// The causes of one run by the names of the things; "" for a thing that works.
+struct Diagnosis_t {
+    int exitCode;
+    std::map<std::string, std::string> causes;
+    std::string output;
+
+    std::string Of(const std::string& thing) const {
+        const auto found = causes.find(thing);
+        return found == causes.end() ? "(not shown)" : found->second;
+    }
+};
+
+Diagnosis_t Diagnose(const std::function<void()>& prepare = [] {}) {
+    const ProgramRun_t run = RunPrepared({QUORLIN_PROGRAM, "doctor", "--format", "csv"}, prepare);
+    EXPECT_EQ(run.errors, "");
+    Diagnosis_t diagnosis = {run.exitCode, {}, run.output};
+    std::istringstream lines(run.output);
+    for (std::string line; std::getline(lines, line);) {
+        // Thing, title, two processors, works, cause.
+        std::istringstream row(line);
+        std::string cells[6];
+        for (std::string& cell : cells) std::getline(row, cell, ',');
+        if (cells[0] == "thing") continue;
+        EXPECT_EQ(cells[4], cells[5].empty() ? "true" : "false") << line;
+        diagnosis.causes.emplace(cells[0], cells[5]);
+    }
+    return diagnosis;
+}
+
+bool HasHypervisor() {
+    uint32_t eax, ebx, ecx, edx;
+    __cpuid(1, eax, ebx, ecx, edx);
+    return ecx >> 31 != 0;
+}
+
+class Doctor : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!ClFolderOver::IsPossible()) GTEST_SKIP() << "only root can have folders over those of the system";
+        m_dev.emplace("/dev");
+        m_pci.emplace("/sys/bus/pci");
+        m_firmware.emplace("/sys/firmware");
+        m_dev->Write("null", "");
+    }
+
+    void WriteTables() const {
+        const std::vector<uint8_t> dump = DumpOf(TableOf({ClStructureBuilder(3, 9)}), 2, 7);
+        m_firmware->Write("dmi/tables/smbios_entry_point", {dump.begin(), dump.begin() + 31});
+        m_firmware->Write("dmi/tables/DMI", {dump.begin() + 32, dump.end()});
+        m_firmware->Write("acpi/tables/FACP", "FACP");
+    }
+    // All that the machine may have, for root.
+    void WriteAll() const {
+        WriteTables();
+        m_dev->Write("mem", std::string(1u << 21, '\0'));
+        for (long cpu = 0; cpu < sysconf(_SC_NPROCESSORS_ONLN); ++cpu)
+            m_dev->Write("cpu/" + std::to_string(cpu) + "/msr", std::string(32, '\1'));
+        m_pci->Write("devices/0000:00:00.0/config", std::string(256, '\1'));
+    }
+
+    std::optional<ClFolderOver> m_dev, m_pci, m_firmware;
+};
+
+TEST_F(Doctor, AMachineThatShowsAllWorks) {
+    WriteAll();
+    const Diagnosis_t diagnosis = Diagnose();
+    EXPECT_EQ(diagnosis.exitCode, 0);
+    for (const char* thing : {"table", "entry-point", "acpi", "memory", "ram", "pci", "msr", "cpuid", "new-files"})
+        EXPECT_EQ(diagnosis.Of(thing), "") << thing << "\n" << diagnosis.output;
+    EXPECT_EQ(diagnosis.Of("scan"), "no-anchors");
+    EXPECT_EQ(diagnosis.Of("driver"), "(not shown)");
+    const std::string text = RunPrepared({QUORLIN_PROGRAM, "doctor"}).output;
+    EXPECT_TRUE(text.starts_with("SMBIOS table from the system: works (SMBIOS 2.7, ")) << text;
+}
+
+TEST_F(Doctor, AnOrdinaryUserHasNoRights) {
+    WriteAll();
+    const Diagnosis_t diagnosis = Diagnose([] {
+        if (!BecomeNobody() || chdir("/") != 0) _exit(99);
+    });
+    EXPECT_EQ(diagnosis.exitCode, 1);
+    for (const char* thing : {"table", "entry-point", "acpi", "scan", "memory", "ram", "pci", "msr"})
+        EXPECT_EQ(diagnosis.Of(thing), "rights") << thing << "\n" << diagnosis.output;
+    EXPECT_EQ(diagnosis.Of("new-files"), "foreign-folder") << diagnosis.output;
+    EXPECT_EQ(diagnosis.Of("cpuid"), "") << diagnosis.output;
+}
+
+TEST_F(Doctor, RootOfAnotherUserNamespaceHasNone) {
+    WriteAll();
+    for (const char* file : {"/sys/firmware/dmi/tables/DMI", "/dev/mem", "/dev/cpu/0/msr"})
+        ASSERT_EQ(chown(file, 1, 1), 0) << file;
+    const Diagnosis_t diagnosis = Diagnose([] {
+        if (unshare(CLONE_NEWUSER) != 0) _exit(99);
+    });
+    for (const char* thing : {"table", "memory", "pci", "msr"})
+        EXPECT_EQ(diagnosis.Of(thing), "namespace") << thing << "\n" << diagnosis.output;
+}
+
+TEST_F(Doctor, AMaskIsNoFirmwareWithoutTables) {
+    const Diagnosis_t masked = Diagnose();
+    EXPECT_EQ(masked.exitCode, 1);
+    for (const char* thing : {"table", "entry-point", "acpi"})
+        EXPECT_EQ(masked.Of(thing), "masked") << thing << "\n" << masked.output;
+    // A single file.
+    WriteTables();
+    ASSERT_EQ(mknod("/sys/firmware/dmi/tables/nothing", S_IFCHR | 0400, makedev(1, 3)), 0);
+    ASSERT_EQ(rename("/sys/firmware/dmi/tables/nothing", "/sys/firmware/dmi/tables/DMI"), 0);
+    EXPECT_EQ(Diagnose().Of("table"), "masked");
+}
+
+TEST_F(Doctor, NoSMBIOSIsTheFirmwaresOrTheContainers) {
+    m_firmware->Write("acpi/tables/FACP", "FACP");
+    const Diagnosis_t none = Diagnose();
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_EQ(none.Of("table"), HasHypervisor() ? "guest" : "no-smbios") << none.output;
+    EXPECT_EQ(none.Of("acpi"), "") << none.output;
+    m_firmware->Write("devicetree/base/compatible", "board");
+    EXPECT_EQ(Diagnose().Of("table"), "device-tree");
+    const ClFolderOver sys("/sys");
+    EXPECT_EQ(Diagnose().Of("table"), "no-sysfs");
+    sys.Write("bus/pci/devices/none", "");
+    EXPECT_EQ(Diagnose([] { setenv("container", "test", 1); }).Of("table"), "container");
+}
+
+TEST_F(Doctor, TheMSRModuleIsMissing) {
+    EXPECT_EQ(Diagnose().Of("msr"), "no-msr-module");
+    // It is there, and its files aren't; a processor without the register.
+    const ClFolderOver proc("/proc");
+    proc.Write("devices", "Character devices:\n202 cpu/msr\n");
+    EXPECT_EQ(Diagnose().Of("msr"), "no-device");
+    for (long cpu = 0; cpu < sysconf(_SC_NPROCESSORS_ONLN); ++cpu)
+        m_dev->Write("cpu/" + std::to_string(cpu) + "/msr", "short");
+    EXPECT_EQ(Diagnose().Of("msr"), "no-register");
+}
+
+// Refused, not there, and deadly.
+TEST_F(Doctor, AFilterKeepsPortsAway) {
+    for (const uint32_t action : {kErrno | EPERM, kErrno | ENOSYS, uint32_t{SECCOMP_RET_KILL_PROCESS}}) {
+        const Diagnosis_t diagnosis = Diagnose([action] { ForbidCall({SYS_ioperm}, action); });
+        EXPECT_EQ(diagnosis.Of("ports"), "seccomp") << action << "\n" << diagnosis.output;
+        EXPECT_EQ(diagnosis.Of("cpuid"), "") << action << "\n" << diagnosis.output;
+    }
+}
+
+TEST_F(Doctor, AReadOnlyRootTakesNoFiles) {
+    const auto makeReadOnly = [] {
+        const bool isReadOnly = unshare(CLONE_NEWNS) == 0 && chdir("/") == 0 &&
+                                mount(nullptr, "/", nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) == 0;
+        if (!isReadOnly) _exit(99);
+    };
+    WriteTables();
+    const Diagnosis_t diagnosis = Diagnose(makeReadOnly);
+    EXPECT_EQ(diagnosis.exitCode, 0) << "the table can be read";
+    EXPECT_EQ(diagnosis.Of("new-files"), "read-only") << diagnosis.output;
+}
+
+// What a cpuset without the processor answers.
+TEST_F(Doctor, AForeignCpusetKeepsProcessorsAway) {
+    const auto leaveCpuset = [] { ForbidCall({SYS_sched_setaffinity}, kErrno | EINVAL); };
+    const Diagnosis_t diagnosis = Diagnose(leaveCpuset);
+    EXPECT_EQ(diagnosis.Of("cpuid"), "cpuset") << diagnosis.output;
+    for (long cpu = 0; cpu < sysconf(_SC_NPROCESSORS_ONLN); ++cpu)
+        m_dev->Write("cpu/" + std::to_string(cpu) + "/cpuid", std::string(64, 'x'));
+    const Diagnosis_t byFile = Diagnose(leaveCpuset);
+    EXPECT_EQ(byFile.Of("cpuid"), "") << byFile.output;
+    EXPECT_TRUE(byFile.output.find("read from /dev/cpu/*/cpuid") != std::string::npos) << byFile.output;
+}
+
+}  // namespace
