@@ -94,13 +94,14 @@ Lockdown_t ShownLockdown() {
                                                   : Lockdown_t::kOff;
 }
 
-// Asks in a child for the permission to use a port, as a filter may kill the process that asks. Returns 0, an errno, or
-// -1 if a filter killed it.
+// Asks in a child for the permission to use a port, as a filter may kill the process that asks, which then leaves no
+// core file. Returns 0, an errno, or -1 if a filter killed it.
 int AskForPort() {
     constexpr uint32_t kDiagnosticPort = 0x80;
     const pid_t child = fork();
     if (child < 0) return errno;
     if (child == 0) {
+        prctl(PR_SET_DUMPABLE, 0);
         ClPorts ports;
         _exit(ports.Open(kDiagnosticPort, 1) ? 0 : errno);
     }
@@ -226,10 +227,10 @@ Finding_t WhyNoPCI() {
     if (!IsThere("/sys/bus")) return {Obstacle_t::kNoSysfs, ""};
     constexpr char kFunction[] = "/sys/bus/pci/devices/0000:00:00.0/config";
     const ClDescriptor file(kFunction, O_RDONLY);
+    const int error = errno;
+    if (!file.IsOpen() && error == ENOENT) return {Obstacle_t::kNoPCI, ""};
     if (!file.IsOpen())
-        return errno == ENOENT ? Finding_t{Obstacle_t::kNoPCI, ""}
-                               : Finding_t{IsRefusal(errno) ? WhyRefused(CAP_SYS_ADMIN) : Obstacle_t::kOther,
-                                           Reason(kFunction, errno)};
+        return {IsRefusal(error) ? WhyRefused(CAP_SYS_ADMIN) : Obstacle_t::kOther, Reason(kFunction, error)};
     if (HasCapability(CAP_SYS_ADMIN) && IsInFirstUserNamespace()) return {};
     return {WhyRefused(CAP_SYS_ADMIN), "only its first 64 bytes can be read"};
 }
@@ -254,6 +255,7 @@ Finding_t WhyNoMSR(int processor) {
     const std::string path = DeviceOf(processor, "msr");
     const ClDescriptor file(path.c_str(), O_RDONLY);
     uint64_t counter;
+    if (file.IsOpen()) errno = EIO;  // of a short read
     if (file.IsOpen() && pread(file.Get(), &counter, sizeof counter, kTimeStampCounter) == sizeof counter) return {};
     const int error = errno;
     if (file.IsOpen()) return {Obstacle_t::kNoRegister, Reason(kMSRDevices, error)};
