@@ -86,6 +86,24 @@ TEST_F(Obstacles, ATrialStopsNoServiceThatAnotherProcessUses) {
     EXPECT_EQ(Machine().State(), "running, count 1");
 }
 
+// Each call of its beginning fails once.
+TEST_F(Obstacles, ATrialThatCannotBeginLeavesNothingOpenAndTheServiceAsItWas) {
+    for (const ScriptedService_t& service : {ScriptedService_t(), Service(SERVICE_STOPPED), Service(SERVICE_RUNNING)}) {
+        size_t calls = 0;  // of one that begins
+        for (size_t failing = 0; failing <= calls; ++failing) {
+            NewMachine();
+            Machine().service = service;
+            Machine().failCall = failing;
+            const std::string before = Machine().State();
+            BeginTrial(true);
+            if (failing == 0) calls = Machine().calls.size();
+            EndTrial();
+            EXPECT_EQ(Machine().State(), before) << failing;
+            EXPECT_EQ(Machine().badCloses, 0) << failing;
+        }
+    }
+}
+
 // The hypervisor test leaves the device open when it fails.
 TEST_F(Obstacles, ATrialClosesADeviceThatFails) {
     for (const ScriptedService_t& service : {ScriptedService_t(), Service(SERVICE_STOPPED), Service(SERVICE_RUNNING)}) {

@@ -475,13 +475,12 @@ static bool UnderLock(Work work) {
     return isDone;
 }
 
-static bool StartToKeep() {
+// Returns the system's error.
+static DWORD StartExistingService() {
     const ClServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT));
-    const ClServiceHandle service(
-        manager.Get() == nullptr
-            ? nullptr
-            : OpenServiceA(manager.Get(), kDriverName, SERVICE_START | SERVICE_STOP | SERVICE_QUERY_STATUS));
-    return service.Get() != nullptr && StartServiceA(service.Get(), 0, nullptr);
+    if (manager.Get() == nullptr) return GetLastError();
+    const ClServiceHandle service(OpenServiceA(manager.Get(), kDriverName, SERVICE_START));
+    return service.Get() != nullptr && StartServiceA(service.Get(), 0, nullptr) ? ERROR_SUCCESS : GetLastError();
 }
 
 static void CloseKeptSection() {
@@ -490,18 +489,21 @@ static void CloseKeptSection() {
 }
 
 static bool KeepService(bool isRunning) {
-    if (OpenSharedCount() == kSuccess)
-        keptSection =
-            CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(SharedMemory_t), kSectionName);
-    if (keptSection != nullptr && (isRunning || StartToKeep())) {
-        hasStarted = !isRunning;
-        ++SharedMemory->ReferenceCountExt;
-        return true;
+    if (OpenSharedCount() != kSuccess) {
+        trial.error = GetLastError();
+        return false;
     }
-    trial.error = GetLastError();
-    CloseKeptSection();
-    CloseSharedCount();
-    return false;
+    keptSection =
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(SharedMemory_t), kSectionName);
+    trial.error = keptSection == nullptr ? GetLastError() : isRunning ? ERROR_SUCCESS : StartExistingService();
+    if (trial.error != ERROR_SUCCESS) {
+        CloseKeptSection();
+        CloseSharedCount();
+        return false;
+    }
+    hasStarted = !isRunning;
+    ++SharedMemory->ReferenceCountExt;
+    return true;
 }
 
 static bool GiveServiceBack() {

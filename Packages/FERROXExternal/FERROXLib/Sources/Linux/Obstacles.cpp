@@ -61,9 +61,9 @@ bool HasCapability(int capability) {
 // a new one may map none.
 bool IsInFirstUserNamespace() {
     constexpr char kMap[] = "/proc/self/uid_map";
-    uint64_t inside = 0, outside = 0, count = 0;
-    if (std::sscanf(StartOf(kMap).c_str(), "%lu %lu %lu", &inside, &outside, &count) != 3) return !IsThere(kMap);
-    return inside == 0 && outside == 0 && count == UINT32_MAX;
+    std::string map = StartOf(kMap);
+    std::erase(map, ' ');
+    return map == "004294967295\n" || !IsThere(kMap);  // user 0 is user 0, and so on for all 2^32 - 1
 }
 
 bool HasFilter() { return prctl(PR_GET_SECCOMP) == SECCOMP_MODE_FILTER; }
@@ -182,7 +182,7 @@ Finding_t WhyNoSMBIOS(const char* name) {
 }
 
 Finding_t WhyNoEntryPoint() {
-    const Finding_t finding = WhyNoSMBIOS("smbios_entry_point");
+    Finding_t finding = WhyNoSMBIOS("smbios_entry_point");
     if (finding.obstacle != Obstacle_t::kNone) return finding;
     const std::string bytes = StartOf("/sys/firmware/dmi/tables/smbios_entry_point");
     EntryPoint_t point;
