@@ -35,7 +35,7 @@ struct Diagnosis_t {
 
 Diagnosis_t Diagnose(const std::function<void()>& prepare = [] {}) {
     const ProgramRun_t run = RunPrepared({QUORLIN_PROGRAM, "doctor", "--format", "csv"}, prepare);
-    EXPECT_EQ(run.errors, "");
+    EXPECT_TRUE(run.errors.empty() || HasCoverage()) << run.errors;  // not everybody can write the counters
     Diagnosis_t diagnosis = {run.exitCode, {}, run.output};
     std::istringstream lines(run.output);
     for (std::string line; std::getline(lines, line);) {
@@ -148,9 +148,10 @@ TEST_F(Doctor, NoSMBIOSIsTheFirmwaresOrTheContainers) {
 TEST_F(Doctor, TheMSRModuleIsMissing) {
     EXPECT_EQ(Diagnose().Of("msr"), "no-msr-module");
     // It is there, and its files aren't; a processor without the register.
-    const ClFolderOver proc("/proc");
-    proc.Write("devices", "Character devices:\n202 cpu/msr\n");
+    m_dev->Write("drivers", "Character devices:\n202 cpu/msr\n");
+    EXPECT_EQ(mount("/dev/drivers", "/proc/devices", nullptr, MS_BIND, nullptr), 0);
     EXPECT_EQ(Diagnose().Of("msr"), "no-device");
+    umount("/proc/devices");
     for (long cpu = 0; cpu < sysconf(_SC_NPROCESSORS_ONLN); ++cpu)
         m_dev->Write("cpu/" + std::to_string(cpu) + "/msr", "short");
     EXPECT_EQ(Diagnose().Of("msr"), "no-register");
