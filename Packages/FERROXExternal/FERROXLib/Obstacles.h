@@ -42,8 +42,8 @@ struct Finding_t {
 // processor  for kMSR and kCPUID; from 0
 Finding_t FindObstacle(Way_t way, uint32_t processor);
 
-// Opens the hardware library so that nothing stays changed after EndTrial. Where it needs a driver, that is started
-// only with `startsDriver`; without it the status is 5. EndTrial must follow, whatever the status. Status  as that of
-// FERROXInitialize
+// Opens the hardware library so that nothing stays changed after EndTrial, which must follow whatever the status is.
+// Where the library needs a driver, that is started only with `startsDriver`.
+// Status  as that of FERROXInitialize; 5 if the driver isn't to be started
 status_t BeginTrial(bool startsDriver);
 void EndTrial();

@@ -171,10 +171,10 @@ Finding_t Try(Way_t way, uint32_t processor) {
 // How a thing is looked at.
 enum Traits_t : uint8_t {
     kPlain = 0,
-    kTable = 1,    // gives an SMBIOS table
-    kForEach = 2,  // asked for each processor
-    kOpen = 4,     // by an operation of the hardware library, which has to be open
-    kSystems = 8,  // left out on systems that don't have it
+    kTable = 1,     // gives an SMBIOS table
+    kForEach = 2,   // asked for each processor
+    kOpen = 4,      // by an operation of the hardware library, which has to be open
+    kOptional = 8,  // left out on systems that don't have it
 };
 
 struct Thing_t {
@@ -188,13 +188,13 @@ struct Thing_t {
 
 constexpr Thing_t kThings[] = {
     {"table",        "SMBIOS table from the system",            Way_t::kFirmwareTable, kTable          },
-    {"entry-point",  "SMBIOS entry point",                      Way_t::kEntryPoint,    kSystems        },
+    {"entry-point",  "SMBIOS entry point",                      Way_t::kEntryPoint,    kOptional       },
     {"acpi",         "ACPI tables",                             Way_t::kACPI,          kPlain          },
-    {"service",      "Driver's service",                        Way_t::kService,       kSystems        },
-    {"driver",       "Driver",                                  Way_t::kDriver,        kSystems        },
+    {"service",      "Driver's service",                        Way_t::kService,       kOptional       },
+    {"driver",       "Driver",                                  Way_t::kDriver,        kOptional       },
     {"scan",         "SMBIOS table by the scan of memory",      Way_t::kScan,          kTable | kOpen  },
     {"memory",       "Memory of the firmware",                  Way_t::kMemory,        kOpen           },
-    {"ram",          "Memory of the system",                    Way_t::kRAM,           kSystems        },
+    {"ram",          "Memory of the system",                    Way_t::kRAM,           kOptional       },
     {"pci",          "PCI configuration space",                 Way_t::kPCI,           kOpen           },
     {"pci-extended", "PCI configuration space above 256 bytes", Way_t::kExtendedPCI,   kOpen           },
     {"ports",        "I/O ports",                               Way_t::kPorts,         kPlain          },
@@ -274,7 +274,7 @@ class ClDoctor : public ClCommand {
     }
 
     static void Write(const Thing_t& thing, uint64_t first, uint64_t last, const Finding_t& finding, ClWriter& writer) {
-        if (thing.Is(kSystems) && finding.obstacle == Obstacle_t::kNotHere) return;
+        if (thing.Is(kOptional) && finding.obstacle == Obstacle_t::kNotHere) return;
         const bool works = finding.obstacle == Obstacle_t::kNone;
         const Cause_t cause = CauseOf(finding.obstacle);
         if (ClColumns* people = writer.People(); people != nullptr) {
