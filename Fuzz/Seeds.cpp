@@ -29,8 +29,23 @@ constexpr std::string_view kOneSegment =
 constexpr std::string_view kOddNames =
     "\x25\0\0secret\r\n\x1B[31m\xE2\x80\xAE\xFF\xC2\x9B\n\"a,b\"\n\xF0\x9F\x98\x80\nfolder\x7F\4\0\0\0\0"sv;
 
+constexpr std::string_view kRow = " 86 80 57 0d 00 00 00 00 00 00 00 06 00 00 00 00\n";
+const std::string kOneFunction = std::string(
+                                     "\1"
+                                     "00:1f.0 ISA bridge\n00:")
+                                     .append(kRow)
+                                     .append("10:")
+                                     .append(kRow)
+                                     .append("20:")
+                                     .append(kRow)
+                                     .append("30:")
+                                     .append(kRow);
+constexpr std::string_view kOneLeaf =
+    "\2"
+    "CPU 0:\n   0x00000000 0x00: eax=0x00000020 ebx=0x68747541 ecx=0x444d4163 edx=0x69746e65\n"sv;
+
 // An input that revealed a fault gets a row here, named after the fault, so that it doesn't come back.
-constexpr Input_t kSeeds[] = {
+const Input_t kSeeds[] = {
     {"Table",      "empty",             ""sv                                                                     },
     {"Acpi",       "one-segment",       kOneSegment                                                              },
     {"Acpi",       "length-above-size", "\0\0\0\0\0MCFG\xFF\xFF\xFF\xFF"sv                                       },
@@ -54,6 +69,12 @@ constexpr Input_t kSeeds[] = {
     {"CInterface", "wrong-size",        "\0\0\0\0\3\0\0\1\x7F\4\0\0\0\0"sv                                       },
     {"Files",      "names",             kOddNames                                                                },
     {"Files",      "windows",           "\0\0\3\0\3\2\0\6\0\0\0\x7F\4\0\0\0\0"sv                                 },
+    {"Record",     "acpi",              "\0FACP @ 0x0\n    0000: 46 41 43 50  FACP\n"sv                          },
+    {"Record",     "pci",               kOneFunction                                                             },
+    {"Record",     "cpuid",             kOneLeaf                                                                 },
+    {"Record",     "msr",
+     "\3"
+     "0x0000001b 0 00000000fee00900\n0x0000001b 1 refused\n"sv                                                   },
     {"Container",  "list",              "\0\0\1\0\2\4\5\2\0\3\1\7\2\6\4\1\2\5\0"sv                               },
     {"Container",  "sorted-list",       "\1\0\5\0\1\4\x30\0\4\6\4\7\1\5\0"sv                                     },
     {"Container",  "red-black-tree",    "\2\0\5\0\1\0\x30\0\4\0\5\0\6\6\4\7\1\1\5\1\1\1\x30"sv                   },
