@@ -1,6 +1,6 @@
 # Short commands for the build, whose configurations are in CMakePresets.json. Each target installs what it needs.
 BUILD_PACKAGES = g++ make cmake ninja-build libsodium-dev rapidjson-dev zlib1g-dev
-TEST_PACKAGES = libgtest-dev pkg-config python3 zsh fish
+TEST_PACKAGES = libgtest-dev pkg-config python3 zsh fish acpica-tools pciutils cpuid dmidecode
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 WINE_PACKAGES = wine googletest python3
 BENCH_PACKAGES = libbenchmark-dev valgrind strace time python3

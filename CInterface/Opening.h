@@ -1,6 +1,8 @@
 // How handles of the C interface are opened: checks, errors, images, and the one package of the process.
 #pragma once
 
+#include <cstddef>
+#include <cstring>
 #include <mutex>
 #include <new>
 #include <string>
@@ -8,6 +10,7 @@
 #include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/ImageFile.h"
+#include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Sources/Quorlin.h"
 
@@ -28,13 +31,21 @@ quorlin_status Guarded(const Function& function) {
     }
 }
 
+// The size of the options in the first header that had them.
+inline constexpr size_t kFirstOptionsSize = offsetof(quorlin_options, type_148) + 1;
+static_assert(kFirstOptionsSize == 12);
+
 // Checks the arguments of a function that opens a table, then opens it with the given options or none.
 template <class Function>
 quorlin_status Opening(bool hasArguments, const quorlin_options* given, const Function& open) {
     KeepProblem({});
     if (!hasArguments) return KeepOutcome(QUORLIN_NULL_POINTER);
-    if (given != nullptr && given->size != sizeof *given) return KeepOutcome(QUORLIN_BAD_VALUE);
-    return KeepOutcome(Guarded([&] { return open(given != nullptr ? *given : quorlin_options{}); }));
+    quorlin_options options = {};
+    if (given != nullptr) {
+        if (given->size != sizeof *given && given->size != kFirstOptionsSize) return KeepOutcome(QUORLIN_BAD_VALUE);
+        std::memcpy(&options, given, given->size);
+    }
+    return KeepOutcome(Guarded([&] { return open(options); }));
 }
 
 // Reads an image. NO_IMAGE if it can't be read; quorlin_last_error then says why.
@@ -64,9 +75,18 @@ class ClPackageInUse {
 };
 
 // Opens this machine: calls `open` with a function that chooses it, first without the driver, and if there is no table
-// and the options ask for it, with the driver.
+// and the options ask for it, with the driver. Or the recorded machine that the options name; the hardware library
+// stays as it is.
 template <class Open>
 quorlin_status OpenMachine(const quorlin_options& options, const Open& open) {
+    if (options.replay != nullptr) {
+        Record_t record;
+        std::string problem;
+        if (ReadRecord(options.replay, &record, &problem) == kSuccess)
+            return open([&record] { SetRecordedMachine(record); });
+        KeepProblem(problem);
+        return QUORLIN_NO_IMAGE;
+    }
     const quorlin_status status = open([] { SetMachine(ThisMachineWithoutDriver()); });
     if (status != QUORLIN_NO_TABLE || options.use_driver == 0) return status;
     const quorlin_status withDriver = open([] { SetMachine(ThisMachine()); });

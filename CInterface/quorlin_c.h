@@ -36,13 +36,13 @@ extern "C" {
 typedef uint32_t quorlin_status;
 enum {
     QUORLIN_OK = 1,
-    QUORLIN_BAD_VALUE = 2,      /* an index after the last item, options of an unknown size */
-    QUORLIN_NO_MEMORY = 3,      /* out of memory */
-    QUORLIN_NULL_POINTER = 4,   /* a null argument */
-    QUORLIN_NO_TABLE = 5,       /* the machine has no table, or doesn't let this user read it */
-    QUORLIN_NO_MORE = 7,        /* after the last item, or no item found */
-    QUORLIN_BUSY = 8,           /* the process uses the package interface at this time: close its packages first */
-    QUORLIN_NO_IMAGE = 9,       /* the file can't be read, or file or memory have no table in any known form */
+    QUORLIN_BAD_VALUE = 2,    /* an index after the last item, options of an unknown size */
+    QUORLIN_NO_MEMORY = 3,    /* out of memory */
+    QUORLIN_NULL_POINTER = 4, /* a null argument */
+    QUORLIN_NO_TABLE = 5,     /* the machine has no table, or doesn't let this user read it */
+    QUORLIN_NO_MORE = 7,      /* after the last item, or no item found */
+    QUORLIN_BUSY = 8,         /* the process uses the package interface at this time: close its packages first */
+    QUORLIN_NO_IMAGE = 9,     /* the file or record can't be read, or file or memory have no table in any known form */
     QUORLIN_TOO_MANY_ITEMS = 10 /* more than 8 items for each byte of the table, and more than 100,000: its groups
                                    multiply without bound */
 };
@@ -65,12 +65,14 @@ typedef struct quorlin_item {
 
 /* How to open. Set `size` and leave at 0 what isn't wanted: quorlin_options options = {sizeof options}; */
 typedef struct quorlin_options {
-    uint32_t size;      /* sizeof(quorlin_options) */
+    uint32_t size;      /* sizeof(quorlin_options); that of an older header, without the last members, is taken too */
     uint32_t signature; /* of an image: the processor's, EAX of CPUID leaf 1; a few texts depend on it */
     uint8_t smbios_major, smbios_minor; /* of a bare table, which doesn't state its version; 0.0 is taken as 3.0 */
     uint8_t use_driver; /* of this machine: not 0 to go on to physical memory if the system offers no table; on
                            Windows that installs the kernel driver, on Linux it reads /dev/mem */
     uint8_t type_148;   /* not 0 to decode type 148 too, firmware versions of a vendor, after all others */
+    const char* replay; /* of quorlin_open_machine and quorlin_facts_open_machine: not null for the recorded machine in
+                           this folder, which `quorlin record` wrote, in place of this machine; UTF-8 (since 1.1) */
 } quorlin_options;
 
 /* Opens this machine's table, `options` may be null. Usually needs root or an administrator.

@@ -28,7 +28,8 @@ static void ReadAll(quorlin_table* table) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ClInput input(data, size);
     quorlin_options options = {
-        sizeof options, input.Take<uint32_t>(), input.Take<uint8_t>(), input.Take<uint8_t>(), 0, input.Take<uint8_t>()};
+        sizeof options, input.Take<uint32_t>(), input.Take<uint8_t>(), input.Take<uint8_t>(), 0, input.Take<uint8_t>(),
+        nullptr};
     const auto wrong = input.Take<uint8_t>();
     options.size += wrong;
     const std::vector<uint8_t> image = input.Rest();

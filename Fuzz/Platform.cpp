@@ -23,6 +23,10 @@ bool CreateWholeFile(const std::string&, const void*, size_t) {
     errno = EEXIST;
     return false;
 }
+bool CreateWholeFolder(const std::string&, std::span<const NewFile_t>) {
+    errno = EEXIST;
+    return false;
+}
 bool IsFolder(const std::string& path) {
     const auto inside = platform.files.lower_bound(path + "/");
     return inside != platform.files.end() && inside->first.starts_with(path + "/");
@@ -38,6 +42,9 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
     platform.output.append(bytes, size);
     return true;
 }
+
+std::string KernelVersion() { return "Linux"; }
+const char* FirmwareKind() { return nullptr; }
 
 // The linker replaces FERROXInitialize by this (--wrap), so that no input reaches the hardware.
 extern "C" status_t __wrap_FERROXInitialize();

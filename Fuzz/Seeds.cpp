@@ -65,6 +65,8 @@ const Input_t kSeeds[] = {
     {"Arguments",  "diff",              "diff\ndump\ntable"sv                                                    },
     {"Arguments",  "redact",            "redact\ndump\nout.bin\n--key\ntable"sv                                  },
     {"Arguments",  "doctor",            "doctor\n--format\nndjson\n--try-driver"sv                               },
+    {"Arguments",  "record",            "record\nout\n--redact"sv                                                },
+    {"Arguments",  "replay",            "hw\nacpi\n--replay\nfolder"sv                                           },
     {"Arguments",  "hw",                "hw\nacpi\nMCFG\n--out\nout.bin"sv                                       },
     {"CInterface", "wrong-size",        "\0\0\0\0\3\0\0\1\x7F\4\0\0\0\0"sv                                       },
     {"Files",      "names",             kOddNames                                                                },

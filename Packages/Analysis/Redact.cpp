@@ -28,12 +28,13 @@ class ClRedaction {
         for (const RedactedFact_t& fact : kFacts) m_hasFacts.set(fact.type);
     }
 
-    bool Run() {
+    // Other bytes of the machine get the pseudonyms of the table's values too.
+    bool Run(std::span<const std::span<uint8_t>> others) {
         uint32_t end = 0;
         for (const TableStructure_t& structure : ClWalk(m_table)) {
             end = OffsetOf(structure.data) + structure.size;
             Mark(structure);
-            if (structure.Type() != kFirmwareInventory) FindForms(structure);
+            if (structure.Type() != kFirmwareInventory) FindForms({structure.data, structure.size}, kHeaderSize);
             if (!IsStandardType(structure.Type()) || structure.Type() >= kInactive)
                 BlankStructure(structure);
             else if (m_hasFacts[structure.Type()])
@@ -42,15 +43,21 @@ class ClRedaction {
         }
         // These bytes belong to no structure.
         if (!m_options.keepsVendor) std::ranges::fill(m_table.subspan(end), uint8_t{0});
+        for (const std::span<uint8_t>& other : others) FindForms(other, 0);
         AddForms();
-        Seek(m_texts, 1, true);
-        Seek(m_texts, 2, true);  // UTF-16 in either byte order
-        Seek(m_bytes, 1, false);
+        SeekAll({m_table, m_places});
+        for (const std::span<uint8_t>& other : others)
+            SeekAll({other, std::vector<Place_t>(other.size(), Place_t::kFree)});
         return !m_pseudonyms.HasFailed();
     }
 
   private:
     enum class Place_t : uint8_t { kFree, kString, kDone };
+    // Bytes in which values are sought, and what each of them is.
+    struct Ground_t {
+        std::span<uint8_t> bytes;
+        std::vector<Place_t> places;
+    };
 
     uint32_t OffsetOf(const void* byte) const {
         return static_cast<uint32_t>(static_cast<const uint8_t*>(byte) - m_table.data());
@@ -67,10 +74,10 @@ class ClRedaction {
     }
 
     // Finds MAC addresses and UUIDs by their form, in any text.
-    void FindForms(const TableStructure_t& structure) {
-        const std::string_view all(reinterpret_cast<const char*>(structure.data), structure.size);
-        for (size_t i = kHeaderSize; i < all.size(); i++) {
-            const bool mayBeAddress = i + 2 < all.size() && all[i - 1] != all[i + 2];
+    void FindForms(std::span<const uint8_t> bytes, size_t begin) {
+        const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        for (size_t i = begin; i < all.size(); i++) {
+            const bool mayBeAddress = i + 2 < all.size() && (i == 0 || all[i - 1] != all[i + 2]);
             const bool mayBeUuid = i + 8 < all.size() && all[i + 8] == '-';
             MacAddress_t address;
             Uuid_t uuid;
@@ -271,43 +278,49 @@ class ClRedaction {
         if (!IsFiller(name)) ReplaceText(offset + kHostName + 1, length, true);
     }
 
+    void SeekAll(Ground_t ground) const {
+        Seek(m_texts, 1, true, ground);
+        Seek(m_texts, 2, true, ground);  // UTF-16 in either byte order
+        Seek(m_bytes, 1, false, ground);
+    }
+
     // Replaces known values wherever they are. The bytes of a text are `step` bytes apart, with zeros between them.
-    void Seek(const ClSeeker& seeker, size_t step, bool isText) {
+    static void Seek(const ClSeeker& seeker, size_t step, bool isText, Ground_t& ground) {
         if (seeker.IsEmpty()) return;
         std::string bytes;
-        for (size_t begin = 0; begin + (ClSeeker::kLeast - 1) * step < m_table.size(); begin++) {
-            if (isText && m_table[begin] == 0) continue;
-            if (!Take(begin, step, isText, ClSeeker::kLeast, &bytes)) continue;
+        for (size_t begin = 0; begin + (ClSeeker::kLeast - 1) * step < ground.bytes.size(); begin++) {
+            if (isText && ground.bytes[begin] == 0) continue;
+            if (!Take(ground, begin, step, isText, ClSeeker::kLeast, &bytes)) continue;
             uint64_t first = 0;
             for (const char c : bytes) first = first << 8 | static_cast<uint8_t>(c);
             if (!seeker.MayBegin(first)) continue;
-            Take(begin, step, isText, ClSeeker::kMost, &bytes);
+            Take(ground, begin, step, isText, ClSeeker::kMost, &bytes);
             if (const std::string_view found = seeker.Find(bytes); !found.empty())
-                Overwrite(begin, step, isText, std::string(found));
+                Overwrite(ground, begin, step, isText, std::string(found));
         }
     }
 
     // Takes as many bytes as there are, in lower case if they are text. False if there are fewer than `most`.
-    bool Take(size_t begin, size_t step, bool isText, size_t most, std::string* bytes) const {
+    static bool Take(const Ground_t& ground, size_t begin, size_t step, bool isText, size_t most, std::string* bytes) {
         bytes->clear();
-        for (size_t place = begin; bytes->size() < most && place < m_table.size(); place += step) {
-            if (step == 2 && place != begin && m_table[place - 1] != 0) return false;
-            const auto c = static_cast<char>(m_table[place]);
+        for (size_t place = begin; bytes->size() < most && place < ground.bytes.size(); place += step) {
+            if (step == 2 && place != begin && ground.bytes[place - 1] != 0) return false;
+            const auto c = static_cast<char>(ground.bytes[place]);
             if (isText && c == '\0') return false;
             bytes->push_back(isText ? LowerCase(c) : c);
         }
         return bytes->size() == most;
     }
 
-    void Overwrite(size_t begin, size_t step, bool isText, std::string pseudonym) {
+    static void Overwrite(Ground_t& ground, size_t begin, size_t step, bool isText, std::string pseudonym) {
         if (isText) {
             std::string before;
-            for (size_t i = 0; i < pseudonym.size(); i++) before += static_cast<char>(m_table[begin + i * step]);
+            for (size_t i = 0; i < pseudonym.size(); i++) before += static_cast<char>(ground.bytes[begin + i * step]);
             TakeLetterCase(before, pseudonym);
         }
         for (size_t i = 0; i < pseudonym.size(); i++) {
-            uint8_t& byte = m_table[begin + i * step];
-            const Place_t place = m_places[begin + i * step];
+            uint8_t& byte = ground.bytes[begin + i * step];
+            const Place_t place = ground.places[begin + i * step];
             if (place == Place_t::kDone) continue;
             const auto next = static_cast<uint8_t>(pseudonym[i]);
             // Strings keep their ends and their control bytes, and get no others.
@@ -331,8 +344,9 @@ class ClRedaction {
 
 }  // namespace
 
-bool RedactTable(std::span<uint8_t> table, const RedactOptions_t& options, const Hmac_t& hmac) {
-    return ClRedaction(table, options, hmac).Run();
+bool RedactTable(std::span<uint8_t> table, const RedactOptions_t& options, const Hmac_t& hmac,
+                 std::span<const std::span<uint8_t>> others) {
+    return ClRedaction(table, options, hmac).Run(others);
 }
 
 std::span<const RedactedFact_t> RedactedFacts() { return kFacts; }

@@ -14,7 +14,9 @@ struct RedactOptions_t {
 
 // Replaces the values in place. Lengths, and the fact states of what is replaced, stay the same. Needs time in
 // proportion to the table. False if an HMAC can't be computed; the table is worthless then.
-bool RedactTable(std::span<uint8_t> table, const RedactOptions_t& options, const Hmac_t& hmac);
+// others  other bytes of the machine: the table's values, MAC addresses and UUIDs as text are replaced there as well
+bool RedactTable(std::span<uint8_t> table, const RedactOptions_t& options, const Hmac_t& hmac,
+                 std::span<const std::span<uint8_t>> others = {});
 
 // How a fact is replaced.
 enum class Redaction_t : uint8_t { kText, kUuid, kNumber, kInterface, kProtocol };

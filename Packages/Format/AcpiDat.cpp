@@ -11,8 +11,9 @@ constexpr size_t kPerRow = 16, kNameSize = 4;
 bool IsVisible(char c) { return c > ' ' && c <= '~'; }
 
 void WriteRow(std::span<const uint8_t> bytes, size_t offset, std::string& text) {
-    // Aligned to the right, in a column of eight.
-    const int digits = offset > 0xFFFFFF ? 8 : offset > 0xFFFF ? 6 : 4;
+    // At least four digits, aligned to the right in a column of eight.
+    int digits = 4;
+    while (offset >> 4 * digits != 0) digits++;
     text.append(static_cast<size_t>(8 - digits), ' ');
     AppendHex(text, offset, digits, true);
     text += ':';

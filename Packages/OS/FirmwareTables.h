@@ -17,3 +17,7 @@ uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, ui
 // Returns the numbers of all ACPI tables, in the system's order. Several tables of one name repeat its number. Empty if
 // the system provides no list. Throws std::bad_alloc.
 std::vector<uint32_t> os_ListACPITables();
+
+// Reads one of the ACPI tables with a number: the one at `place`, from 0, in the list above. Windows only provides the
+// first. False if it can't be read; `refused` then says whether the user lacks the rights. Throws std::bad_alloc.
+bool os_ReadACPITable(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused);

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,14 @@ std::FILE* OpenFile(const std::string& path, const char* mode);
 // a signal, a full disk or a limit on file sizes leaves no partial file. Returns false, with errno set, on failure;
 // with EEXIST if the name exists, be it as a link.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size);
+// A file of a new folder.
+struct NewFile_t {
+    std::string name;
+    std::span<const uint8_t> bytes;
+};
+// Creates a folder with these files that only its owner can read and write. Like the files of CreateWholeFile, it gets
+// its name when it is complete. False, with errno set, on failure; with EEXIST if the name exists.
+bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files);
 bool IsFolder(const std::string& path);
 // Whether the name exists.
 bool IsThere(const std::string& path);
@@ -33,3 +43,7 @@ size_t TerminalWidth();
 bool WriteStandardOutput(const char* bytes, size_t size);
 // Returns advice on how to get more rights, such as "try as root"; null if the process has all rights.
 const char* AdviceForRights();
+// Returns the name and the version of the system's kernel, such as "Linux 6.1.0-18-amd64". Empty if unknown.
+std::string KernelVersion();
+// Returns what kind of firmware started the system: "UEFI" or "BIOS"; null if that is unknown.
+const char* FirmwareKind();

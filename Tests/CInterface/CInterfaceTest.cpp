@@ -13,6 +13,7 @@
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
 #include "Tests/Support/Program.h"
+#include "Tests/Support/Records.h"
 #include "Tests/Support/Structures.h"
 
 namespace {
@@ -111,6 +112,30 @@ TEST(CInterface, KeepsHandlesApart) {
     EXPECT_EQ(bad, 0);
 }
 
+// The header's first options, without the member that names a record, still work.
+TEST(CInterface, ReplaysARecord) {
+    const std::string folder = WriteRecord("c-record");
+    quorlin_options options = {sizeof options, 0, 0, 0, 0, 0, folder.c_str()};
+    quorlin_table* opened = nullptr;
+    ASSERT_EQ(quorlin_open_machine(&options, &opened), QUORLIN_OK) << quorlin_last_error();
+    const Table_t table(opened, quorlin_close);
+    quorlin_item item = {};
+    ASSERT_EQ(quorlin_find(opened, "Serial Number", 0, &item), QUORLIN_OK);
+    EXPECT_STREQ(item.value, "SN-4711");
+    quorlin_fact_table* facts = nullptr;
+    ASSERT_EQ(quorlin_facts_open_machine(&options, &facts), QUORLIN_OK);
+    EXPECT_EQ(quorlin_structure_count(facts), 3u);
+    quorlin_facts_close(facts);
+    const std::string none = folder + "/none";
+    options.replay = none.c_str();
+    EXPECT_EQ(quorlin_open_machine(&options, &opened), QUORLIN_NO_IMAGE);
+    EXPECT_NE(std::string(quorlin_last_error()).find("not a record"), std::string::npos) << quorlin_last_error();
+    options.size = 12;
+    const std::vector<uint8_t> chassis = TableOf({kChassis});
+    ASSERT_EQ(quorlin_open_memory(chassis.data(), chassis.size(), &options, &opened), QUORLIN_OK);
+    quorlin_close(opened);
+}
+
 TEST(CInterface, LeavesTheProcessAsItWas) {
     const std::vector<uint8_t> chosen = TableOf({kChassis}), other = TableOf({kSystem});
     const ImageSource_t source = {chosen.data(), static_cast<uint32_t>(chosen.size()), 3, 0, 0};
@@ -140,7 +165,7 @@ TEST(CInterface, ReadsDumpsAndTakesOptionsForBareTables) {
         EXPECT_EQ(quorlin_smbios_version(table.get(), &major, &minor), QUORLIN_OK);
         return std::to_string(major) + "." + std::to_string(minor);
     };
-    quorlin_options options = {sizeof options, 0, 2, 7, 0, 0};
+    quorlin_options options = {sizeof options, 0, 2, 7, 0, 0, nullptr};
     EXPECT_EQ(versionOf(Open(TableOf({kSystem}))), "3.0");
     EXPECT_EQ(versionOf(Open(TableOf({kSystem}), &options)), "2.7");
     EXPECT_EQ(versionOf(Open(DumpOf(TableOf({kSystem}), 3, 4), &options)), "3.4");
@@ -176,7 +201,7 @@ TEST(CInterface, NamesTheFormAndTheFlawsOfAnImage) {
 
 TEST(CInterface, DecodesType148OnDemand) {
     const auto table = TableOf({kChassis, ClStructureBuilder(148, 40)});
-    quorlin_options options = {sizeof options, 0, 0, 0, 0, 1};
+    quorlin_options options = {sizeof options, 0, 0, 0, 0, 1, nullptr};
     quorlin_item item = {};
     EXPECT_EQ(quorlin_find(Open(table).get(), "Firmware Version Information {Type 148}", 0, &item), QUORLIN_NO_MORE);
     EXPECT_EQ(quorlin_find(Open(table, &options).get(), "Firmware Version Information {Type 148}", 0, &item),
@@ -196,7 +221,7 @@ TEST(CInterface, RefusesATableOfTooManyItems) {
 
 TEST(CInterface, RefusesWhatIsNoTable) {
     const std::vector<uint8_t> noise(64, 0xA5), empty;
-    const quorlin_options fromTheFuture = {sizeof(quorlin_options) + 4, 0, 0, 0, 0, 0};
+    const quorlin_options fromTheFuture = {sizeof(quorlin_options) + 4, 0, 0, 0, 0, 0, nullptr};
     quorlin_table* table = nullptr;
     EXPECT_EQ(quorlin_open_memory(noise.data(), noise.size(), nullptr, &table), QUORLIN_NO_IMAGE);
     EXPECT_NE(std::string(quorlin_last_error()).find("not a table"), std::string::npos);

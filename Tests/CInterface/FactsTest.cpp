@@ -139,7 +139,7 @@ TEST(CFacts, ReportsErrors) {
     const Walk_t walk = WalkOf(table);
     quorlin_fact_table* none = nullptr;
     quorlin_fact_walk* noWalk = nullptr;
-    const quorlin_options unknown = {sizeof unknown - 1, 0, 0, 0, 0, 0};
+    const quorlin_options unknown = {sizeof unknown - 1, 0, 0, 0, 0, 0, nullptr};
     const uint8_t noTable[] = "no table at all";
     uint32_t bit = 0;
     EXPECT_EQ(quorlin_facts_open_file("/no/such/file", nullptr, &none), QUORLIN_NO_IMAGE);

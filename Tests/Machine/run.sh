@@ -10,7 +10,7 @@ work=$PWD/build/machine
 jobs=${*:-pc q35 sample sm3 lockdown uefi}
 
 cmake/install-packages.sh g++ cmake ninja-build libsodium-dev rapidjson-dev zlib1g-dev libgtest-dev qemu-system-x86 \
-    seabios ovmf busybox-static xz-utils
+    seabios ovmf busybox-static xz-utils acpica-tools pciutils cpuid dmidecode
 
 Tests/Machine/kernel.sh "$work/kernel"
 
@@ -34,11 +34,39 @@ mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work
 sample="-smp 2,sockets=5,maxcpus=5 $(cat "$work/sample/options")"  # the emulator requires a socket for each processor
 for program in quorlin MachineTest LinuxHardwareTest OSTest; do cp "$work/programs/bin/$program" "$work/root/bin"; done
 cp /bin/busybox "$work/root/bin"
-cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init "$work/root"
+cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init Tests/Machine/answers.sh "$work/root"
 ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests expect it
 chmod 755 "$work/root/init"
 printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >"$work/root/etc/passwd"
 (cd "$work/root" && find . | busybox cpio -o -H newc 2>/dev/null | gzip -1) >"$work/initramfs"
+
+# Runs a command as a user without rights and without /sys.
+as_stranger() {
+    if [ "$(id -u)" = 0 ]; then
+        # shellcheck disable=SC2016
+        unshare -m sh -c 'mount -t tmpfs none /sys && exec setpriv --reuid 65534 --regid 65534 --clear-groups "$@"' \
+            sh "$@"
+    else
+        unshare -Urm sh -c 'mount -t tmpfs none /sys && exec "$@"' sh "$@"
+    fi
+}
+
+# If the guest printed a record, this machine must answer from it as the guest did, and other tools must read it.
+replays() {
+    grep -q '^record: begin' "$work/$job.log" || return 0
+    folder=$(mktemp -d)
+    chmod 755 "$folder"
+    sed -n '/^record: begin/,/^record: end/p' "$work/$job.log" | sed '1d;$d' | base64 -d | tar -xz -C "$folder"
+    cp "$work/programs/bin/quorlin" Tests/Machine/answers.sh "$folder"
+    mkdir -m 777 "$folder/here"
+    ok=1
+    as_stranger sh "$folder/answers.sh" "$folder/quorlin" "$folder/here/answers" --replay "$folder/record" &&
+        diff -r "$folder/answers" "$folder/here/answers" &&
+        bash Tests/Tools/quorlin/record-tools.sh "$folder/quorlin" "$folder/tools" "$folder/record" && ok=0
+    [ $ok = 1 ] || echo "  ok: this machine answers as the guest, and other tools read its record"
+    rm -rf "$folder"
+    return $ok
+}
 
 # boot JOB MACHINE PROCESSOR KERNEL-OPTIONS EMULATOR-OPTIONS...
 boot() {
@@ -50,7 +78,7 @@ boot() {
         -append "console=ttyS0 quiet panic=-1 job=$job $kernelOptions" "$@" </dev/null 2>&1 |
         tr -d '\r' >"$work/$job.log" || true
     sed -n '/^ok: /s/^/  /p' "$work/$job.log"
-    if grep -qx 'guest: done' "$work/$job.log"; then
+    if grep -qx 'guest: done' "$work/$job.log" && replays; then
         echo "$job: done in $(($(date +%s) - started)) s"
     else
         echo "$job: FAILED; its log:"

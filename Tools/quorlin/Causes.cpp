@@ -83,7 +83,10 @@ Cause_t WhyNoTable(const Steps_t& steps, const char* other) {
 
 Cause_t WhyNoAnswer(status_t status, Refusal_t refusal, const char* other) {
     const bool isRefusal = (status == 0 || status == kFailure) && refusal == Refusal_t::kRights;
-    Cause_t cause = isRefusal ? LacksRights("the system refuses it", other) : Cause_t{WordsOf(status), other};
+    const bool isMissing = (status == kFailure || status == kNotSupported) && refusal == Refusal_t::kNotRecorded;
+    Cause_t cause = isMissing   ? Cause_t{"the record doesn't have it", "try the machine itself"}
+                    : isRefusal ? LacksRights("the system refuses it", other)
+                                : Cause_t{WordsOf(status), other};
     cause.problem += " (status " + std::to_string(status) + ")";
     return cause;
 }

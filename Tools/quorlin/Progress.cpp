@@ -34,3 +34,13 @@ void ClProgress::Step() {
     }
     std::fprintf(stderr, "%zu images, %.0f a second\x1b[K", m_done, static_cast<double>(m_done) / seconds);
 }
+
+ClStage::ClStage() : m_isShown(IsStandardErrorTerminal()) {}
+
+ClStage::~ClStage() {
+    if (m_isShown) std::fputs("\r\x1b[K", stderr);
+}
+
+void ClStage::Show(std::string_view what) {
+    if (m_isShown) std::fprintf(stderr, "\rReading %.*s\x1b[K", static_cast<int>(what.size()), what.data());
+}

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <string_view>
 
 class ClProgress {
   public:
@@ -21,4 +22,18 @@ class ClProgress {
     bool m_isShown;
     size_t m_done = 0, m_total = 0;
     std::chrono::steady_clock::time_point m_begin, m_next;
+};
+
+// Shows what a run is doing, on a terminal only.
+class ClStage {
+  public:
+    ClStage();
+    ClStage(const ClStage&) = delete;
+    ClStage& operator=(const ClStage&) = delete;
+    ~ClStage();
+
+    void Show(std::string_view what);
+
+  private:
+    bool m_isShown;
 };

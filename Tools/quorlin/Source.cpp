@@ -54,6 +54,7 @@ std::vector<Option_t> Source_t::OptionsForOne() {
             {"--image", "FILE", "Read a dump, a bare table, or a folder of both; - for standard input", &images},
             flag("--sample", "Use the embedded sample table", &sample),
             flag("--sample-if-none", "Use the sample if this machine has no table", &sampleIfNone),
+            ReplayOption(&replay),
             flag("--driver", "Access this machine only through its driver", &driver),
             flag("--no-driver", "Access this machine without its driver", &noDriver),
             word("--method", "METHOD", "How to read this machine's table; without it, in this order", &method,
@@ -70,6 +71,13 @@ std::vector<Option_t> Source_t::OptionsForOne() {
     return options;
 }
 
+Option_t ReplayOption(std::string* folder) {
+    return {.name = "--replay",
+            .typeName = "DIR",
+            .help = "Answer as the recorded machine in a folder that quorlin record wrote",
+            .target = folder};
+}
+
 std::vector<Option_t> Source_t::OptionsForMany() {
     std::vector<Option_t> options = OptionsForOne();
     options.front().help =
@@ -81,10 +89,11 @@ std::vector<Option_t> Source_t::OptionsForMany() {
 
 void Source_t::Check() {
     const bool fromFiles = !images.empty() || !imageList.empty();
-    if (int{fromFiles} + int{sample} + int{sampleIfNone} > 1)
-        throw BadUsage_t{"--image, --sample and --sample-if-none exclude each other"};
-    if ((fromFiles || sample) && (driver || noDriver || !method.empty()))
-        throw BadUsage_t{"--driver, --no-driver and --method are for this machine, not for an image"};
+    const bool isReplay = !replay.empty();
+    if (int{fromFiles} + int{sample} + int{sampleIfNone} + int{isReplay} > 1)
+        throw BadUsage_t{"--image, --sample, --sample-if-none and --replay exclude each other"};
+    if ((fromFiles || sample || isReplay) && (driver || noDriver || !method.empty()))
+        throw BadUsage_t{"--driver, --no-driver and --method are for this machine, not for an image or a record"};
     if (noDriver && (driver || IsScan())) throw BadUsage_t{"--no-driver excludes --driver and --method scan"};
     if (!form.empty()) FormByName(form, &as);
     if (!version.empty() && !ParseVersion(version, &major, &minor))

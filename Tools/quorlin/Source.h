@@ -13,7 +13,7 @@ struct Source_t {
     std::string imageList;
     bool sample = false, sampleIfNone = false, verbose = false, recover = false;
     bool driver = false, noDriver = false;
-    std::string method, form, version, signatureText, color, trace;
+    std::string replay, method, form, version, signatureText, color, trace;
 
     // Set by Check.
     TableForm_t as = TableForm_t::kAny;
@@ -32,3 +32,6 @@ struct Source_t {
     // This machine's memory is the only access method.
     bool IsScan() const { return method == "scan"; }
 };
+
+// The --replay option; it fills `folder`.
+Option_t ReplayOption(std::string* folder);

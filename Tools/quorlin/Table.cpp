@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
@@ -115,6 +116,17 @@ bool ClTable::BringUpWatched(const MachineServices_t& machine) {
     return SetMachine(&services) == kSuccess && BringUp();
 }
 
+// The recorded machine takes this one's place.
+bool ClTable::BringUpRecord(const Source_t& source) {
+    m_isRecord = true;
+    if (ReplayRecord(source.replay, &m_error) != kSuccess) return false;
+    if (BringUp()) return true;
+    m_error = ReplayedRecord()->hardware.Has(kTableRecord) ? "its table can't be shown without CPUID, which it lacks"
+                                                           : "the record has no SMBIOS table";
+    m_error += "; try another record";
+    return false;
+}
+
 // With its driver first, and without it where the driver fails, unless the user chose.
 bool ClTable::BringUpThisMachine(const Source_t& source) {
     if (!source.noDriver) {
@@ -130,7 +142,8 @@ bool ClTable::BringUpThisMachine(const Source_t& source) {
 
 bool ClTable::OpenThisMachine(const Source_t& source) {
     m_name = "this machine";
-    if (BringUpThisMachine(source)) {
+    const bool isReplay = !source.replay.empty();
+    if (isReplay ? BringUpRecord(source) : BringUpThisMachine(source)) {
         GetSMBIOSVersion(&m_version[0], &m_version[1]);
         if (!source.recover) return true;
         // The same table as an image, as far as it can be read.
@@ -145,6 +158,10 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
         UseRecovered(source);
         return SetImageMachine(&m_image.source) == kSuccess && BringUp();
     }
+    if (isReplay) {
+        m_name = source.replay;
+        return false;
+    }
     if (source.sampleIfNone) {
         SayError(m_name, WhyNotThisMachine(source).problem + "; showing the embedded sample");
         if (UseSample(source)) return true;
@@ -155,7 +172,7 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
 
 bool ClTable::Open(const Source_t& source, const std::string* path) {
     Close();
-    m_isImage = m_isSample = false;
+    m_isImage = m_isSample = m_isRecord = false;
     m_error.clear();
     m_remark.clear();
     const bool isOpen = path != nullptr ? OpenImage(source, *path)
@@ -197,9 +214,10 @@ std::span<const uint8_t> ClTable::Bytes() {
 
 std::string ClTable::Form() const {
     std::string form =
-        m_isSample  ? std::string("the embedded sample")
-        : m_isImage ? "as " + m_image.FormText()
-                    : std::string(steps.scan ? "by the scan of its memory" : "by the system's firmware-table call");
+        m_isSample   ? std::string("the embedded sample")
+        : m_isImage  ? "as " + m_image.FormText()
+        : m_isRecord ? std::string("from its record")
+                     : std::string(steps.scan ? "by the scan of its memory" : "by the system's firmware-table call");
     form += ", SMBIOS " + std::to_string(Major()) + "." + std::to_string(Minor());
     if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
     return form;

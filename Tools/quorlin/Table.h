@@ -52,6 +52,7 @@ class ClTable {
     bool OpenImage(const Source_t& source, const std::string& path);
     bool OpenThisMachine(const Source_t& source);
     bool BringUpThisMachine(const Source_t& source);
+    bool BringUpRecord(const Source_t& source);
     bool BringUpWatched(const MachineServices_t& machine);
     bool UseSample(const Source_t& source);
     void UseRecovered(const Source_t& source);
@@ -60,7 +61,7 @@ class ClTable {
 
     std::unique_ptr<Quorlin> m_package;
     Image_t m_image;
-    bool m_isImage = false, m_isSample = false;
+    bool m_isImage = false, m_isSample = false, m_isRecord = false;
     SMBIOSTableImage_t* m_dump = nullptr;  // of this machine
     std::vector<uint8_t> m_recovered;
     uint8_t m_version[2] = {};

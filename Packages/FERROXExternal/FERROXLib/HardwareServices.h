@@ -3,6 +3,8 @@
 // tree only: not installed.
 #pragma once
 
+#include <vector>
+
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
 
 // Operations get arguments that the front has checked and return the statuses of FERROXLib.h. An empty slot is an
@@ -40,6 +42,9 @@ struct HardwareServices_t {
     uint32_t (*GetFirmwareTable)(uint32_t provider, uint32_t table, void* buffer, uint32_t room, bool* refused);
     // As os_IsMemory, which fills it in kThisHardware. An empty slot means that no address is known to be memory.
     bool (*IsMemory)(uint64_t address, uint64_t size);
+    // As os_ListACPITables and os_ReadACPITable, which fill them in kThisHardware.
+    std::vector<uint32_t> (*ListACPITables)();
+    bool (*ReadACPITable)(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused);
 };
 
 // This machine; each system's half defines it.
@@ -49,16 +54,19 @@ extern const HardwareServices_t kThisHardware;
 const HardwareServices_t& CurrentHardware();
 // Sets the machine in use. The library must be closed, and `hardware` must outlive its use.
 void UseHardware(const HardwareServices_t& hardware);
+// Whether the library is open.
+bool HardwareIsOpen();
 
 // Closes what a failed FERROXInitialize has left open, and releases its use of the driver, for a caller that won't
 // try again. Does nothing while the library is open.
 void EndFailedStart();
 
-// Why an operation failed with status 0 or 5.
+// Why an operation failed with status 0, 5 or 6.
 enum class Refusal_t {
     kOther,
-    kRights,    // the user lacks the rights
-    kNoDriver,  // the driver isn't installed
+    kRights,       // the user lacks the rights
+    kNoDriver,     // the driver isn't installed
+    kNotRecorded,  // the machine is a record, which doesn't have it
 };
 // The reason of the last failure on this thread. Valid until the next operation.
 Refusal_t LastRefusal();

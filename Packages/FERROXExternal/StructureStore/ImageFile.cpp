@@ -14,27 +14,20 @@ status_t Fail(std::string_view problem, std::string* error) {
     return kFailure;
 }
 
-// Reads at most kMostFileBytes and one more, which shows that the file is too large. Returns 0 or an errno.
-int ReadStream(std::FILE* file, std::vector<uint8_t>* bytes) {
+// Reads at most `most` bytes and one more, which shows that the file is too large. Returns 0 or an errno.
+int ReadStream(std::FILE* file, size_t most, std::vector<uint8_t>* bytes) {
     uint8_t block[32u << 10];
     size_t wanted, got;
     bytes->clear();
     do {
-        wanted = std::min(sizeof block, kMostFileBytes + 1 - bytes->size());
+        wanted = std::min(sizeof block, most + 1 - bytes->size());
         got = std::fread(block, 1, wanted, file);
         bytes->insert(bytes->end(), block, block + got);
-    } while (got == wanted && bytes->size() <= kMostFileBytes);
+    } while (got == wanted && bytes->size() <= most);
     return std::ferror(file) != 0 ? errno : 0;
 }
 
-int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
-    std::FILE* file = OpenFile(path, "r");
-    if (file == nullptr) return errno;
-    std::setvbuf(file, nullptr, _IONBF, 0);
-    const int problem = ReadStream(file, bytes);
-    std::fclose(file);
-    return problem;
-}
+int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) { return ReadBytes(path, kMostFileBytes, bytes); }
 
 // Returns advice for a file that the user may not read.
 std::string AdviceForAccess() {
@@ -73,6 +66,15 @@ status_t ReadFolder(const std::string& path, Image_t* image, std::string* error)
 
 }  // namespace
 
+int ReadBytes(const std::string& path, size_t most, std::vector<uint8_t>* bytes) {
+    std::FILE* file = OpenFile(path, "r");
+    if (file == nullptr) return errno;
+    std::setvbuf(file, nullptr, _IONBF, 0);
+    const int problem = ReadStream(file, most, bytes);
+    std::fclose(file);
+    return problem;
+}
+
 std::string Image_t::FormText() const {
     return std::string(NameOfForm(form)) + (isCompressed ? ", compressed with gzip" : "");
 }
@@ -96,7 +98,8 @@ status_t ImageFromBytes(std::vector<uint8_t> bytes, TableForm_t as, Image_t* ima
 status_t ReadImage(std::FILE* stream, TableForm_t as, Image_t* image, std::string* error) {
     if (as == TableForm_t::kFolder) return Fail("a stream; --as sysfs takes a folder", error);
     std::vector<uint8_t> bytes;
-    if (const int problem = ReadStream(stream, &bytes); problem != 0) return Fail(std::strerror(problem), error);
+    if (const int problem = ReadStream(stream, kMostFileBytes, &bytes); problem != 0)
+        return Fail(std::strerror(problem), error);
     return ImageFromBytes(std::move(bytes), as, image, error);
 }
 

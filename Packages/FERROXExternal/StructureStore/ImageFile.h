@@ -34,3 +34,6 @@ status_t ImageFromBytes(std::vector<uint8_t> bytes, TableForm_t as, Image_t* ima
 status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std::string* error);
 // The same from a stream, up to its end.
 status_t ReadImage(std::FILE* stream, TableForm_t as, Image_t* image, std::string* error);
+
+// Reads a file of at most `most` bytes; of a larger one, one byte more. Returns 0 or an errno.
+int ReadBytes(const std::string& path, size_t most, std::vector<uint8_t>* bytes);

@@ -58,4 +58,10 @@ extern "C" {
 // Sets the machine in use to one that has this image. It needs no driver, no rights and no particular system. There is
 // one image at a time. Status  1; 4 null source, or null table with a length above 0; 5 the store is up
 QUORLIN_API status_t SetImageMachine(const ImageSource_t* source);
+
+// Sets the machine in use, and that of the hardware library, to the recorded one in a folder that `quorlin record`
+// wrote (Docs/Record.md). It needs no driver, no rights and no particular system. The path is UTF-8. With null, both
+// are this machine again. What wasn't recorded is refused: status 6, or 5 for ACPI tables.
+// Status  1; 3 out of memory; 5 no record, a damaged one, or the store or the hardware library is up
+QUORLIN_API status_t SetReplayMachine(const char* path);
 }

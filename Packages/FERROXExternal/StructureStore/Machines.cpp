@@ -1,5 +1,6 @@
 // The machines that package and store can use.
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
@@ -21,22 +22,37 @@ status_t ReadCPUIDByInstruction(uint32_t, CPUIDRecord_t* record) {
 
 ImageSource_t imageSource = {};
 
-status_t GetImage(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
-    auto* table = static_cast<SMBIOSTableImage_t*>(os_malloc(sizeof(SMBIOSTableImage_t) + imageSource.length));
+status_t CopyImage(const ImageSource_t& source, uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    auto* table = static_cast<SMBIOSTableImage_t*>(os_malloc(sizeof(SMBIOSTableImage_t) + source.length));
     if (table == nullptr) return kNoMemory;
-    table->Length = imageSource.length;
-    if (imageSource.length != 0) std::memcpy(table->Data(), imageSource.table, imageSource.length);
-    entry[6] = imageSource.major;
-    entry[7] = imageSource.minor;
+    table->Length = source.length;
+    if (source.length != 0) std::memcpy(table->Data(), source.table, source.length);
+    entry[6] = source.major;
+    entry[7] = source.minor;
     dmiEntry[14] = 0;
     *image = table;
     return kSuccess;
+}
+
+status_t GetImage(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    return CopyImage(imageSource, entry, dmiEntry, image);
 }
 
 status_t ReadImageCPUID(uint32_t, CPUIDRecord_t* record) {
     if (record == nullptr) return kNullPointer;
     *record = {record->Reserved, imageSource.signature, 0, 0, 0};
     return kSuccess;
+}
+
+const Record_t* machineRecord = nullptr;
+
+status_t GetRecordedTable(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    if (!machineRecord->hardware.Has(kTableRecord)) return kFailure;
+    return CopyImage(machineRecord->table.source, entry, dmiEntry, image);
+}
+
+status_t ReadRecordCPUID(uint32_t processor, CPUIDRecord_t* record) {
+    return ReadRecordedCPUID(machineRecord->hardware, processor, record);
 }
 
 constexpr MachineServices_t kThisMachine = {
@@ -49,6 +65,7 @@ constexpr MachineServices_t kThisMachineWithoutDriver = {
     NothingToDo, NothingToDo, osGetStructuresDataEFI, NoTable, ReadCPUIDByInstruction,
 };
 constexpr MachineServices_t kImageMachine = {NothingToDo, NothingToDo, GetImage, NoTable, ReadImageCPUID};
+constexpr MachineServices_t kRecordedMachine = {NothingToDo, NothingToDo, GetRecordedTable, NoTable, ReadRecordCPUID};
 
 MachineServices_t currentMachine = kThisMachine;
 
@@ -76,9 +93,16 @@ status_t SetImageMachine(const ImageSource_t* source) {
     return SetMachine(&kImageMachine);
 }
 
-MachineChoice_t ChosenMachine() { return {currentMachine, imageSource}; }
+status_t SetRecordedMachine(const Record_t& record) {
+    if (StoreIsUp()) return kFailure;
+    machineRecord = &record;
+    return SetMachine(&kRecordedMachine);
+}
+
+MachineChoice_t ChosenMachine() { return {currentMachine, imageSource, machineRecord}; }
 
 void ChooseMachine(const MachineChoice_t& choice) {
     currentMachine = choice.services;
     imageSource = choice.image;
+    machineRecord = choice.record;
 }

@@ -28,9 +28,11 @@ struct TableFacts_t {
 const TableFacts_t* FactsOfTable();
 
 // The chosen machine, for callers that use another one for a while and then restore it. The store must be down.
+struct Record_t;
 struct MachineChoice_t {
     MachineServices_t services;
     ImageSource_t image;
+    const Record_t* record;
 };
 MachineChoice_t ChosenMachine();
 void ChooseMachine(const MachineChoice_t& choice);

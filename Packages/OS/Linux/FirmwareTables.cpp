@@ -51,22 +51,22 @@ int SMBIOSAnswer(std::vector<uint8_t>* answer) {
     return tableProblem;
 }
 
-// If several tables have the name, reads the first, which has a 1 after its name.
-int ACPIAnswer(uint32_t table, std::vector<uint8_t>* answer) {
+// Several tables with one name have numbers after it, from 1.
+int ACPIAnswer(uint32_t table, uint32_t place, std::vector<uint8_t>* answer) {
     char name[5] = "";
     std::memcpy(name, &table, sizeof table);
     for (const char letter : {name[0], name[1], name[2], name[3]})
         if (letter <= ' ' || letter > '~' || letter == '/' || letter == '.') return ENOENT;
     const std::string path = std::string(ACPI_FOLDER) + name;
-    const int problem = AppendFile(path.c_str(), answer);
-    return problem == ENOENT ? AppendFile((path + "1").c_str(), answer) : problem;
+    const int problem = place == 0 ? AppendFile(path.c_str(), answer) : ENOENT;
+    return problem == ENOENT ? AppendFile((path + std::to_string(place + 1)).c_str(), answer) : problem;
 }
 
 }  // namespace
 
 uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, uint32_t room, bool* refused) try {
     std::vector<uint8_t> answer;
-    const int problem = provider == kACPIProvider                   ? ACPIAnswer(table, &answer)
+    const int problem = provider == kACPIProvider                   ? ACPIAnswer(table, 0, &answer)
                         : provider == kSMBIOSProvider && table == 0 ? SMBIOSAnswer(&answer)
                                                                     : ENOENT;
     if (refused != nullptr) *refused = problem == EACCES || problem == EPERM;
@@ -78,7 +78,6 @@ uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, ui
     return 0;
 }
 
-// Several tables with one name have numbers after it.
 std::vector<uint32_t> os_ListACPITables() {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(ACPI_FOLDER), closedir);
@@ -96,4 +95,11 @@ std::vector<uint32_t> os_ListACPITables() {
         std::memcpy(&tables.back(), name.data(), sizeof(uint32_t));
     }
     return tables;
+}
+
+bool os_ReadACPITable(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused) {
+    bytes->clear();
+    const int problem = ACPIAnswer(table, place, bytes);
+    *refused = problem == EACCES || problem == EPERM;
+    return problem == 0;
 }

@@ -1,6 +1,7 @@
 #include "Packages/OS/Hmac.h"
 
 #include <sodium/crypto_auth_hmacsha256.h>
+#include <sodium/crypto_hash_sha256.h>
 #include <sys/random.h>
 
 #include <cerrno>
@@ -12,6 +13,11 @@ bool os_HmacSha256(std::span<const uint8_t> key, std::span<const uint8_t> messag
     return crypto_auth_hmacsha256_init(&state, key.data(), key.size()) == 0 &&
            crypto_auth_hmacsha256_update(&state, message.data(), message.size()) == 0 &&
            crypto_auth_hmacsha256_final(&state, mac.data()) == 0;
+}
+
+bool os_Sha256(std::span<const uint8_t> message, std::span<uint8_t, 32> hash) {
+    static_assert(crypto_hash_sha256_BYTES == hash.extent);
+    return crypto_hash_sha256(hash.data(), message.data(), message.size()) == 0;
 }
 
 bool os_FillRandom(std::span<uint8_t> key) {

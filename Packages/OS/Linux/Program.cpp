@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -80,6 +81,56 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     return made == Made_t::kYes;
 }
 
+// Writes a new file into a folder.
+static bool WriteInFolder(int folder, const NewFile_t& file) {
+    const ClDescriptor opened(
+        MoveAbove(openat(folder, file.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR)));
+    return opened.IsOpen() && WriteAll(opened.Get(), file.bytes.data(), file.bytes.size());
+}
+
+// Gives the folder its name without replacing another. Some file systems can't rename so, and there rename replaces an
+// empty folder alone.
+static bool RenameFolder(const std::string& from, const std::string& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    struct stat facts;
+    if (lstat(to.c_str(), &facts) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+// The temporary folder is removed before any signal but SIGKILL is delivered.
+bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files) {
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    const auto beforeLimit = std::signal(SIGXFSZ, SIG_IGN);
+    std::string name = path;
+    while (name.size() > 1 && name.ends_with('/')) name.pop_back();
+    std::string temporary = FolderOf(name) + ".quorlin-XXXXXX";
+    bool isWhole = false;
+    if (mkdtemp(temporary.data()) != nullptr) {
+        const ClDescriptor folder(temporary.c_str(), O_RDONLY | O_DIRECTORY);
+        isWhole = folder.IsOpen();
+        for (const NewFile_t& file : files) isWhole = isWhole && WriteInFolder(folder.Get(), file);
+        isWhole = isWhole && (fsync(folder.Get()) == 0 || errno == EINVAL) && RenameFolder(temporary, name);
+        if (!isWhole) {
+            const int problem = errno;
+            for (const NewFile_t& file : files) unlinkat(folder.Get(), file.name.c_str(), 0);
+            rmdir(temporary.c_str());
+            errno = problem;
+        }
+    }
+    const int problem = errno;
+    // A signal that is blocked waits even if it is ignored, so it must be delivered before it isn't ignored any more.
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    std::signal(SIGXFSZ, beforeLimit);
+    errno = problem;
+    return isWhole;
+}
+
 bool IsFolder(const std::string& path) {
     struct stat facts = {};
     return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
@@ -124,4 +175,15 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
         size -= static_cast<size_t>(written);
     }
     return true;
+}
+
+std::string KernelVersion() {
+    utsname system;
+    if (uname(&system) != 0) return {};
+    return std::string(system.sysname).append(" ").append(system.release);
+}
+
+const char* FirmwareKind() {
+    if (IsThere("/sys/firmware/efi")) return "UEFI";
+    return IsThere("/sys/firmware") ? "BIOS" : nullptr;
 }

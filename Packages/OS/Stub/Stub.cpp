@@ -40,6 +40,21 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     return !problem;
 }
 
+bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files) {
+    const std::string temporary = path + ".quorlin";
+    std::error_code problem;
+    if (!std::filesystem::create_directory(temporary, problem)) return false;
+    for (const NewFile_t& file : files)
+        if (!problem && !CreateWholeFile(temporary + "/" + file.name, file.bytes.data(), file.bytes.size()))
+            problem = std::make_error_code(std::errc::io_error);
+    if (!problem && IsThere(path)) problem = std::make_error_code(std::errc::file_exists);
+    if (!problem) std::filesystem::rename(temporary, path, problem);
+    std::error_code ignored;
+    if (problem) std::filesystem::remove_all(temporary, ignored);
+    errno = problem.value();
+    return !problem;
+}
+
 bool IsThere(const std::string& path) {
     std::error_code ignored;
     return std::filesystem::exists(path, ignored);
@@ -61,6 +76,10 @@ bool IsStandardErrorTerminal() { return false; }
 size_t TerminalWidth() { return 0; }
 
 const char* AdviceForRights() { return nullptr; }
+
+std::string KernelVersion() { return {}; }
+
+const char* FirmwareKind() { return nullptr; }
 
 bool WriteStandardOutput(const char* bytes, size_t size) {
     return std::fwrite(bytes, 1, size, stdout) == size && std::fflush(stdout) == 0;
@@ -84,6 +103,11 @@ uint32_t os_GetFirmwareTable(uint32_t, uint32_t, void*, uint32_t, bool* refused)
 }
 
 std::vector<uint32_t> os_ListACPITables() { return {}; }
+
+bool os_ReadACPITable(uint32_t, uint32_t, std::vector<uint8_t>*, bool* refused) {
+    *refused = false;
+    return false;
+}
 
 bool os_IsMemory(uint64_t, uint64_t) { return false; }
 
@@ -131,5 +155,7 @@ status_t os_GetCurrentDirectory(char**) { return kFailure; }
 // ---- Cryptography
 
 bool os_HmacSha256(std::span<const uint8_t>, std::span<const uint8_t>, std::span<uint8_t, 32>) { return false; }
+
+bool os_Sha256(std::span<const uint8_t>, std::span<uint8_t, 32>) { return false; }
 
 bool os_FillRandom(std::span<uint8_t>) { return false; }

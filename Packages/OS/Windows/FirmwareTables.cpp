@@ -16,3 +16,11 @@ std::vector<uint32_t> os_ListACPITables() {
     tables.resize(got > size ? 0 : got / sizeof(uint32_t));
     return tables;
 }
+
+bool os_ReadACPITable(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused) {
+    *refused = false;
+    if (place != 0) return false;
+    const uint32_t size = os_GetFirmwareTable(kACPIProvider, table, nullptr, 0, refused);
+    bytes->resize(size);
+    return size != 0 && os_GetFirmwareTable(kACPIProvider, table, bytes->data(), size, refused) == size;
+}

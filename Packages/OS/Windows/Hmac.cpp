@@ -20,21 +20,34 @@ class ClBCrypt {
         Find("BCryptOpenAlgorithmProvider", open);
         if (open != nullptr && open(&hmac, BCRYPT_SHA256_ALGORITHM, nullptr, BCRYPT_ALG_HANDLE_HMAC_FLAG) != 0)
             hmac = nullptr;
+        if (open != nullptr && open(&sha256, BCRYPT_SHA256_ALGORITHM, nullptr, 0) != 0) sha256 = nullptr;
     }
 
-    bool HasHmac() const {
-        return hmac != nullptr && createHash != nullptr && hashData != nullptr && finishHash != nullptr &&
-               destroyHash != nullptr;
+    // Computes the hash of a message by an algorithm, with a key if it takes one.
+    bool Hash(BCRYPT_ALG_HANDLE algorithm, std::span<const uint8_t> key, std::span<const uint8_t> message,
+              std::span<uint8_t, 32> hash) const {
+        BCRYPT_HASH_HANDLE state = nullptr;
+        if (algorithm == nullptr || createHash == nullptr || hashData == nullptr || finishHash == nullptr ||
+            destroyHash == nullptr ||
+            createHash(algorithm, &state, nullptr, 0, Input(key), static_cast<ULONG>(key.size()), 0) != 0)
+            return false;
+        const bool isDone = hashData(state, Input(message), static_cast<ULONG>(message.size()), 0) == 0 &&
+                            finishHash(state, hash.data(), static_cast<ULONG>(hash.size()), 0) == 0;
+        destroyHash(state);
+        return isDone;
     }
 
-    BCRYPT_ALG_HANDLE hmac = nullptr;
+    BCRYPT_ALG_HANDLE hmac = nullptr, sha256 = nullptr;
+    decltype(&BCryptGenRandom) genRandom = nullptr;
+
+  private:
     decltype(&BCryptCreateHash) createHash = nullptr;
     decltype(&BCryptHashData) hashData = nullptr;
     decltype(&BCryptFinishHash) finishHash = nullptr;
     decltype(&BCryptDestroyHash) destroyHash = nullptr;
-    decltype(&BCryptGenRandom) genRandom = nullptr;
 
-  private:
+    // The system doesn't change what it reads, though its functions don't say so.
+    static PUCHAR Input(std::span<const uint8_t> bytes) { return const_cast<PUCHAR>(bytes.data()); }
     template <class Function>
     void Find(const char* name, Function& function) {
         function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(m_library, name)));
@@ -49,21 +62,14 @@ const ClBCrypt& BCrypt() {
     return crypt;
 }
 
-// The system doesn't change what it reads, though its functions don't say so.
-PUCHAR Input(std::span<const uint8_t> bytes) { return const_cast<PUCHAR>(bytes.data()); }
-
 }  // namespace
 
 bool os_HmacSha256(std::span<const uint8_t> key, std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
-    const ClBCrypt& crypt = BCrypt();
-    BCRYPT_HASH_HANDLE hash = nullptr;
-    if (!crypt.HasHmac() ||
-        crypt.createHash(crypt.hmac, &hash, nullptr, 0, Input(key), static_cast<ULONG>(key.size()), 0) != 0)
-        return false;
-    const bool isDone = crypt.hashData(hash, Input(message), static_cast<ULONG>(message.size()), 0) == 0 &&
-                        crypt.finishHash(hash, mac.data(), static_cast<ULONG>(mac.size()), 0) == 0;
-    crypt.destroyHash(hash);
-    return isDone;
+    return BCrypt().Hash(BCrypt().hmac, key, message, mac);
+}
+
+bool os_Sha256(std::span<const uint8_t> message, std::span<uint8_t, 32> hash) {
+    return BCrypt().Hash(BCrypt().sha256, {}, message, hash);
 }
 
 bool os_FillRandom(std::span<uint8_t> key) {

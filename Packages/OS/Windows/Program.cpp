@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "Packages/OS/OS.h"
+#include "Packages/OS/OSServices.h"
 #include "Packages/OS/Windows/OwnerAccess.h"
 #include "Packages/OS/Windows/Windows.h"
 
@@ -83,11 +84,16 @@ static bool SetTemporary(HANDLE file, bool isTemporary) {
     return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition) != 0;
 }
 
+// A name in the same folder that nothing else has.
+static std::wstring TemporaryName(const std::wstring& name) {
+    return name.substr(0, name.find_last_of(L"/\\:") + 1) + L".quorlin-" + std::to_wstring(GetCurrentProcessId()) +
+           L"-" + std::to_wstring(GetTickCount());
+}
+
 // Writes a temporary file in the same folder, where a rename makes no copy, and renames it without replacing a file.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     const std::wstring name = ToWide(path);
-    const std::wstring temporary = name.substr(0, name.find_last_of(L"/\\:") + 1) + L".quorlin-" +
-                                   std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount());
+    const std::wstring temporary = TemporaryName(name);
     ClOwnerAccess access;
     SECURITY_ATTRIBUTES* const attributes = access.Attributes();
     const HANDLE file = attributes == nullptr ? INVALID_HANDLE_VALUE
@@ -103,6 +109,38 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), 0)) return true;
     if (isWhole) errno = LastErrno();
     DeleteFileW(temporary.c_str());
+    return false;
+}
+
+// Writes a new file that others can't reach, as only their owner can open its folder.
+static bool WriteInFolder(const std::wstring& path, std::span<const uint8_t> bytes, SECURITY_ATTRIBUTES* attributes) {
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, attributes, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    const bool isWritten = WriteAll(file, bytes.data(), bytes.size());
+    const DWORD error = GetLastError();
+    CloseHandle(file);
+    SetLastError(error);
+    return isWritten;
+}
+
+bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files) {
+    std::wstring name = ToWide(path);
+    while (name.size() > 1 && (name.back() == L'/' || name.back() == L'\\')) name.pop_back();
+    const std::wstring temporary = TemporaryName(name);
+    ClOwnerAccess access;
+    SECURITY_ATTRIBUTES* const attributes = access.Attributes();
+    if (attributes == nullptr || !CreateDirectoryW(temporary.c_str(), attributes)) {
+        errno = LastErrno();
+        return false;
+    }
+    bool isWhole = true;
+    for (const NewFile_t& file : files)
+        isWhole = isWhole && WriteInFolder(temporary + L"\\" + ToWide(file.name), file.bytes, attributes);
+    if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), 0)) return true;
+    errno = LastErrno();
+    for (const NewFile_t& file : files) DeleteFileW((temporary + L"\\" + ToWide(file.name)).c_str());
+    RemoveDirectoryW(temporary.c_str());
     return false;
 }
 
@@ -162,4 +200,21 @@ const char* AdviceForRights() {
     const bool isKnown = GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != FALSE;
     CloseHandle(token);
     return isKnown && elevation.TokenIsElevated == 0 ? "try as administrator" : nullptr;
+}
+
+std::string KernelVersion() {
+    char* build = nullptr;
+    if (os_ReadRegistryString(kLocalMachine, "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", "CurrentBuildNumber",
+                              &build, nullptr) != kSuccess)
+        return {};
+    std::string version = "Windows NT build ";
+    version += build;
+    os_FreeBlock(build);
+    return version;
+}
+
+// Reads a variable that doesn't exist: the error tells whether the firmware has variables at all.
+const char* FirmwareKind() {
+    if (GetFirmwareEnvironmentVariableA("", "{00000000-0000-0000-0000-000000000000}", nullptr, 0) != 0) return nullptr;
+    return GetLastError() == ERROR_INVALID_FUNCTION ? "BIOS" : "UEFI";
 }

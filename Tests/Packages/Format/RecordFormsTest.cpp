@@ -77,49 +77,44 @@ TEST(RecordForms, DamageIsNamedWithItsLine) {
     for (const char* offset : {"00", "10", "20", "30"}) space += offset + bytes;
     const std::string zero = "   0x00000000 0x00: eax=0x00000001 ebx=0x00000002 ecx=0x00000003 edx=0x00000004\n";
     const std::string apic = "0x0000001b 0 00000000fee00900\n";
-    const struct {
-        const char* what;
-        std::string (*parse)(const std::string& text);
-        std::string text, problem;
-    } kCases[] = {
-        {"bytes without text",                 Acpi,           name + "    0000: 41 42\n",            ""},
-        {"lower case, no end",                 Acpi,           name + "    0000: aa",                 ""},
-        {"bytes without a table",              Acpi,           row,                                   "line 1"},
-        {"a table without bytes",              Acpi,           name,                                  "line 1"},
-        {"two, the first empty",               Acpi,           name + "\n" + name + row,              "line 2"},
-        {"a name of five letters",             Acpi,           "FACPS @ 0x0\n" + row,                 "line 1"},
-        {"a row twice",                        Acpi,           name + row + row,                      "line 3"},
-        {"a row after a short",                Acpi,           name + "    0000: 41\n    0001: 41\n", "line 3"},
-        {"one digit",                          Acpi,           name + "    0000: 4\n",                "line 2"},
-        {"no digits",                          Acpi,           name + "    0000: 4G\n",               "line 2"},
-        {"no bytes in a row",                  Acpi,           name + "    0000:  ABC\n",             "line 2"},
-        {"a long row",                         Acpi,           name + row.substr(0,                   57) + " 00\n","line 2"},
-        {"without a segment",                                    Pci,                                space,                               ""},
-        {"with one",                                    Pci,                                         "ffff:" + space,                                        ""},
-        {"twice",                                    Pci,                                            space + "\n" + space,                                           "line 7"},
-        {"falling",                                    Pci,                                          "0001:" + space + "\n" + space,                                         "line 7"},
-        {"device 32",                                    Pci,                                        "00:20.0\n" + space.substr(24),                                       "line 1"},
-        {"function 8",                                    Pci,                                       "00:1f.8\n" + space.substr(24),                                      "line 1"},
-        {"48 bytes",                                    Pci,                                         space.substr(0,                                        24 + 3 * 52),"line 4"},
-        {"80 bytes",                            Pci,                                          space + "40" + bytes + "\n",                                                                      "line 7"                                  },
-        {"a row left out",                            Pci,                                          space.substr(0,24) + "10" + bytes,"line 2"},
-        {"17 bytes",                  Pci,                        "00:00.0\n00: 11" + bytes.substr(1),                                                                   "line 2"                                                                                                                               },
-        {"a processor", Cpuid,"CPU 0:\n" + zero,""},
-        {"no processor",                   Cpuid,                                                zero,                                                                                                                                   "line 1"                                                                                                                                                                                                                                                                                                              },
-        {"the second first",                                Cpuid,"CPU 1:\n" + zero,"line 1"},
-        {"a leaf twice",                   Cpuid,                                   "CPU 0:\n" + zero + zero,                                                                                                                                                                               "line 3"                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                       },
-        {"a register left out",            Cpuid,"CPU 0:\n" + zero.substr(0,66) + "\n","line 2"},
-        {"an empty line",          Cpuid,                               "CPU 0:\n\n" + zero,                                                                                                                                                                                                                      "line 2"                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                          },
-        {"a register",                      Msr,apic,""},
-        {"a refused one",            Msr,                                    "0x0000001b 0 refused\n",                                                                                                                                                                                                                                                                             ""                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                            },
-        {"a short value",                      Msr,"0x0000001b 0 fee00900\n","line 1"},
-        {"twice",            Msr,                         apic + apic,                                                                                                                                                                                                                                                                                                                       "line 2"                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                   },
-        {"another word",                      Msr, apic + "0x0000001c 0 refused!\n","line 2"},
-    };
-    for (const auto& c : kCases) {
-        const std::string problem = c.parse(c.text);
-        EXPECT_EQ(problem.substr(0, problem.find(':')), c.problem) << c.what << ": " << problem;
-    }
+    // The place of a problem; empty if there is none.
+    const auto place = [](const std::string& problem) { return problem.substr(0, problem.find(':')); };
+    for (const std::string& text : {name + "    0000: 41 42\n", name + "    0000: aa", name + row, std::string()})
+        EXPECT_EQ(Acpi(text), "") << text;
+    EXPECT_EQ(place(Acpi(row)), "line 1") << "bytes without a table";
+    EXPECT_EQ(place(Acpi(name)), "line 1") << "a table without bytes";
+    EXPECT_EQ(place(Acpi(name + "\n" + name + row)), "line 2") << "two, the first empty";
+    EXPECT_EQ(place(Acpi("FACPS @ 0x0\n" + row)), "line 1") << "a name of five letters";
+    EXPECT_EQ(place(Acpi(name + row + row)), "line 3") << "a row twice";
+    EXPECT_EQ(place(Acpi(name + "    0000: 41\n    0001: 41\n")), "line 3") << "a row after a short one";
+    for (const char* digits : {"4", "4G", " ABC", "", "-1"})
+        EXPECT_EQ(place(Acpi(name + "    0000: " + digits + "\n")), "line 2") << digits;
+    EXPECT_EQ(place(Acpi(name + row.substr(0, 57) + " 00\n")), "line 2") << "17 bytes";
+
+    for (const std::string& text : {space, "ffff:" + space, space + "\n0001:" + space, std::string()})
+        EXPECT_EQ(Pci(text), "") << text;
+    EXPECT_EQ(place(Pci(space + "\n" + space)), "line 7") << "twice";
+    EXPECT_EQ(place(Pci("0001:" + space + "\n" + space)), "line 7") << "falling";
+    for (const char* head : {"00:20.0\n", "00:1f.8\n", "0:00.0\n", "00:00\n", "00:00.0ISA\n", ": 00\n"})
+        EXPECT_EQ(place(Pci(head + space.substr(24))), "line 1") << head;
+    EXPECT_EQ(place(Pci(space.substr(0, 24 + 3 * 52))), "line 4") << "48 bytes";
+    EXPECT_EQ(place(Pci(space + "40" + bytes + "\n")), "line 7") << "80 bytes";
+    EXPECT_EQ(place(Pci(space.substr(0, 24) + "10" + bytes)), "line 2") << "a row left out";
+    EXPECT_EQ(place(Pci("00:00.0\n00: 11" + bytes.substr(1))), "line 2") << "17 bytes";
+
+    const std::string processor = "CPU 0:\n";
+    for (const std::string& text : {processor, processor + zero, processor + zero + "CPU 1:\n" + zero})
+        EXPECT_EQ(Cpuid(text), "") << text;
+    EXPECT_EQ(place(Cpuid(zero)), "line 1") << "no processor";
+    EXPECT_EQ(place(Cpuid("CPU 1:\n" + zero)), "line 1") << "the second first";
+    EXPECT_EQ(place(Cpuid(processor + zero + zero)), "line 3") << "a leaf twice";
+    EXPECT_EQ(place(Cpuid(processor + zero.substr(0, 66) + "\n")), "line 2") << "a register left out";
+    EXPECT_EQ(place(Cpuid(processor + "\n" + zero)), "line 2") << "an empty line";
+
+    EXPECT_EQ(Msr(apic + "0x0000001b 1 refused\n"), "");
+    EXPECT_EQ(place(Msr("0x0000001b 0 fee00900\n")), "line 1") << "a short value";
+    EXPECT_EQ(place(Msr(apic + apic)), "line 2") << "twice";
+    EXPECT_EQ(place(Msr(apic + "0x0000001c 0 refused!\n")), "line 2") << "another word";
 }
 
 // Each capability is visited once, and a list that bites its tail ends.

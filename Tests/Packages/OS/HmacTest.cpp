@@ -8,15 +8,28 @@
 
 namespace {
 
-std::string HmacOf(const std::string& key, const std::string& message) {
-    const auto bytes = [](const std::string& text) {
-        return std::span(reinterpret_cast<const uint8_t*>(text.data()), text.size());
-    };
-    uint8_t mac[32];
-    if (!os_HmacSha256(bytes(key), bytes(message), mac)) return "none";
+std::span<const uint8_t> Bytes(const std::string& text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+
+std::string Hex(std::span<const uint8_t, 32> bytes) {
     char digits[65];
-    for (size_t i = 0; i < sizeof mac; i++) std::snprintf(digits + 2 * i, 3, "%02x", mac[i]);
+    for (size_t i = 0; i < bytes.size(); i++) std::snprintf(digits + 2 * i, 3, "%02x", bytes[i]);
     return digits;
+}
+
+std::string HmacOf(const std::string& key, const std::string& message) {
+    uint8_t mac[32];
+    return os_HmacSha256(Bytes(key), Bytes(message), mac) ? Hex(mac) : "none";
+}
+
+// A case of FIPS 180-4's examples, and no bytes.
+TEST(Sha256, IsAsPublished) {
+    uint8_t hash[32];
+    ASSERT_TRUE(os_Sha256(Bytes("abc"), hash));
+    EXPECT_EQ(Hex(hash), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    ASSERT_TRUE(os_Sha256({}, hash));
+    EXPECT_EQ(Hex(hash), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
 }
 
 // Cases of RFC 4231: a short key, a shorter one, and one longer than a block.

@@ -68,7 +68,8 @@ fs::path DocsFolder() {
 // Commands that name no table read this machine, which may have none.
 std::string WithATable(const std::string& arguments) {
     const bool hasSource = arguments.starts_with(" diff ") || arguments.starts_with(" hw ") ||
-                           arguments.starts_with(" redact ") || arguments.starts_with(" doctor") ||
+                           arguments.starts_with(" redact ") || arguments.starts_with(" record ") ||
+                           arguments.starts_with(" doctor") || arguments.find("--replay") != arguments.npos ||
                            arguments.find("--sample") != arguments.npos || arguments.find("--image") != arguments.npos;
     return hasSource ? arguments : arguments + " --sample";
 }
@@ -86,6 +87,10 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
             // The command creates the file again.
             if (command.arguments.starts_with(" dump ")) fs::remove("machine.bin");
             if (command.arguments.starts_with(" redact ")) fs::remove("public.bin");
+            if (constexpr std::string_view kRecord = " record "; command.arguments.starts_with(kRecord)) {
+                const std::string rest = command.arguments.substr(kRecord.size());
+                fs::remove_all(rest.substr(0, rest.find(' ')));
+            }
             const ProgramRun_t run = RunQuorlin(WithATable(command.arguments));
             EXPECT_LE(run.exitCode, 1) << command.place << ": " << run.errors;
             EXPECT_EQ(run.errors.find("bad usage"), run.errors.npos) << command.place << ": " << run.errors;

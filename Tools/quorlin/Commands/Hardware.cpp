@@ -4,13 +4,14 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
-#include "Packages/OS/FirmwareTables.h"
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
+#include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Tools/quorlin/Causes.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Output.h"
+#include "Tools/quorlin/Source.h"
 #include "Tools/quorlin/Text.h"
 #include "Tools/quorlin/Trace.h"
 
@@ -203,9 +204,13 @@ status_t DoPort(Request_t& request) {
 
 // Lists the tables' names and sizes. Of tables with the same name the operations read the first.
 status_t ListACPITables(Request_t& request) {
-    std::vector<uint32_t> tables = os_ListACPITables();
+    NoteRefusal(Refusal_t::kOther);
+    const auto list = CurrentHardware().ListACPITables;
+    std::vector<uint32_t> tables = list != nullptr ? list() : std::vector<uint32_t>();
     if (tables.empty()) {
-        SayError("hw acpi", "this system has no ACPI tables; try quorlin hw --help");
+        SayError("hw acpi", LastRefusal() == Refusal_t::kNotRecorded
+                                ? "the record doesn't have the ACPI tables; try the machine itself"
+                                : "this system has no ACPI tables; try quorlin hw --help");
         return kReported;
     }
     request.output << "Table  Bytes\n";
@@ -329,6 +334,7 @@ class ClHw : public ClCommand {
         options.push_back({"--out", "FILE", "Write an ACPI table into this new file", &m_out});
         options.push_back({"--write", "VALUE", "Write VALUE instead of reading", &m_valueText});
         options.push_back({"--yes-write-hardware", nullptr, "Confirm that the hardware is to be written", &m_yes});
+        options.push_back(ReplayOption(&m_replay));
         options.push_back(TraceOption(&m_trace));
         return options;
     }
@@ -340,6 +346,10 @@ class ClHw : public ClCommand {
         Request_t request(m_words, output);
         CheckOptions(operation, request);
         BeginTrace(m_trace);
+        if (std::string problem; !m_replay.empty() && ReplayRecord(m_replay, &problem) != kSuccess) {
+            SayError(m_replay, problem);
+            return kExitNo;
+        }
         const status_t status = operation.run(request);
         if (status == kBadUsage) throw BadUsage_t{request.problem};
         const bool isWritten = output.Finish();
@@ -366,7 +376,7 @@ class ClHw : public ClCommand {
         if (request.writes != m_yes) throw BadUsage_t{"writing needs both --write VALUE and --yes-write-hardware"};
     }
 
-    std::string m_name, m_cpuText, m_valueText, m_out, m_trace;
+    std::string m_name, m_cpuText, m_valueText, m_out, m_replay, m_trace;
     std::vector<std::string> m_words;
     bool m_yes = false;
 };

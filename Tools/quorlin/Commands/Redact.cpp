@@ -2,19 +2,14 @@
 #include "Packages/Analysis/Redact.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 #include "Packages/Format/EntryPoint.h"
-#include "Packages/OS/Hmac.h"
-#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Formats.h"
+#include "Tools/quorlin/Key.h"
 #include "Tools/quorlin/Text.h"
 
 namespace {
-
-constexpr size_t kLeastKeyBytes = 16, kMostKeyBytes = 64u << 10, kNewKeyBytes = 32;
 
 constexpr Column_t kColumns[] = {
     {"type",  "Type"    },
@@ -41,8 +36,7 @@ class ClRedact : public ClCommand {
         });
         options.push_back({"in", "FILE", "The table: a dump, a bare table, or a folder of both", &m_in});
         options.push_back({"out", "FILE", "The new file; - for standard output", &m_out});
-        options.push_back(
-            {"--key", "FILE", "The key, 16 bytes or more; without it, a new one is made and thrown away", &m_keyFile});
+        options.push_back(KeyOption(&m_keyFile));
         options.push_back(
             {"--keep-vendor", nullptr, "Leave structures of unknown types, but for known values", &m_keepsVendor});
         options.push_back({"--list", nullptr, "List what is replaced", &m_isList});
@@ -58,44 +52,15 @@ class ClRedact : public ClCommand {
         m_source.images = {m_in};
         m_source.CheckOne();
         std::vector<uint8_t> key;
-        if (!MakeKey(&key)) return kRedactCommand.trouble;
+        if (!MakeKey(m_keyFile, &key)) return kRedactCommand.trouble;
         return ForEachTable(m_source, kRedactCommand.trouble, [&](ClTable& table) { return Redact(table, key); });
     }
 
   private:
-    // False, with a line on standard error, if there is none.
-    bool MakeKey(std::vector<uint8_t>* key) const {
-        if (m_keyFile.empty()) {
-            key->resize(kNewKeyBytes);
-            const bool isMade = os_FillRandom(*key);
-            if (!isMade) SayError("redact", "the system makes no random key; give one with --key");
-            return isMade;
-        }
-        const std::string problem = ReadKey(key);
-        if (!problem.empty()) SayError(m_keyFile, problem + "; try another key file");
-        return problem.empty();
-    }
-
-    // Returns what is wrong with the file; empty if it is a key.
-    std::string ReadKey(std::vector<uint8_t>* key) const {
-        std::FILE* file = OpenFile(m_keyFile, "r");
-        if (file == nullptr) return std::strerror(errno);
-        key->resize(kMostKeyBytes + 1);
-        key->resize(std::fread(key->data(), 1, key->size(), file));
-        const int error = std::ferror(file) != 0 ? errno : 0;
-        std::fclose(file);
-        if (error != 0) return std::strerror(error);
-        if (key->size() > kMostKeyBytes) return "larger than 64 KiB, so not a key";
-        return key->size() < kLeastKeyBytes ? "shorter than 16 bytes, so not a key" : "";
-    }
-
     int Redact(ClTable& table, const std::vector<uint8_t>& key) const {
         const std::span<const uint8_t> bytes = table.Bytes();
         std::vector<uint8_t> redacted(bytes.begin(), bytes.end());
-        const Hmac_t hmac = [&key](std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
-            return os_HmacSha256(key, message, mac);
-        };
-        if (!RedactTable(redacted, {.version = table.Version(), .keepsVendor = m_keepsVendor}, hmac)) {
+        if (!RedactTable(redacted, {.version = table.Version(), .keepsVendor = m_keepsVendor}, HmacUnder(key))) {
             SayError("redact", "the system has no HMAC-SHA-256");
             return kRedactCommand.trouble;
         }

@@ -81,6 +81,8 @@ const HardwareServices_t& CurrentHardware() { return *hardware; }
 
 void UseHardware(const HardwareServices_t& other) { hardware = &other; }
 
+bool HardwareIsOpen() { return instanceCount != 0; }
+
 Refusal_t LastRefusal() { return lastRefusal; }
 
 void NoteRefusal(Refusal_t refusal) { lastRefusal = refusal; }

@@ -26,8 +26,9 @@ bool IsTableName(const char* name) { return os_strlen(name) == 4; }
 uint32_t Fetch(const char* name, uint8_t* buffer, uint32_t room) {
     const auto get = CurrentHardware().GetFirmwareTable;
     bool refused = false;
+    NoteRefusal(Refusal_t::kOther);  // a recorded machine may note another
     const uint32_t size = get == nullptr ? 0 : get(kACPIProvider, TableIdentifier(name), buffer, room, &refused);
-    if (size == 0) NoteRefusal(refused ? Refusal_t::kRights : Refusal_t::kOther);
+    if (refused) NoteRefusal(Refusal_t::kRights);
     return size;
 }
 

@@ -591,4 +591,6 @@ const HardwareServices_t kThisHardware = {
     OSCalcNonTurbo,
     os_GetFirmwareTable,
     os_IsMemory,
+    os_ListACPITables,
+    os_ReadACPITable,
 };

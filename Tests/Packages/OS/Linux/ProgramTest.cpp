@@ -7,6 +7,7 @@
 #include <linux/seccomp.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -91,6 +92,65 @@ TEST(WholeFiles, AreAbsentIfNotWhole) {
     const std::string folder = Folder();
     EXPECT_EQ(CreateIn(folder + "file", bytes, [] { ForbidCall(kNoNamelessLinks, SECCOMP_RET_KILL_PROCESS); }), -1);
     EXPECT_TRUE(IsEmpty(folder));
+}
+
+// The result of CreateWholeFolder with two files in a child after `prepare`: 0, or errno.
+int CreateFolderIn(const std::string& path, const std::function<void()>& prepare) {
+    return InChild([&] {
+        prepare();
+        const std::vector<uint8_t> bytes(size_t{100} << 10, 'x');
+        const NewFile_t files[] = {
+            {"first",  std::span(bytes).first(10)},
+            {"second", bytes                     }
+        };
+        return CreateWholeFolder(path, files) ? 0 : errno;
+    });
+}
+
+// With and without a rename that never replaces.
+TEST(WholeFolders, BelongToTheirOwnerAndReplaceNothing) {
+    for (const bool hasRename : {true, false}) {
+        const auto prepare = [&] {
+            if (!hasRename) ForbidCall({SYS_renameat2}, SECCOMP_RET_ERRNO | EINVAL);
+        };
+        const std::string folder = Folder(), made = folder + "made";
+        EXPECT_EQ(CreateFolderIn(made + "/", prepare), 0);
+        EXPECT_EQ(ReadWholeFile(made + "/first"), std::string(10, 'x'));
+        EXPECT_EQ(ReadWholeFile(made + "/second").size(), size_t{100} << 10);
+        EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all);
+        EXPECT_EQ(fs::status(made + "/second").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+        fs::create_symlink("nowhere", folder + "link");
+        fs::create_directory(folder + "empty");
+        for (const char* taken : {"made", "link", "empty"})
+            EXPECT_EQ(CreateFolderIn(folder + taken, prepare), EEXIST) << taken;
+        EXPECT_EQ(CreateFolderIn(folder + "none/made", prepare), ENOENT);
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 3);
+        EXPECT_TRUE(IsEmpty(folder + "empty"));
+    }
+}
+
+// A file that doesn't fit, and a signal that comes meanwhile.
+TEST(WholeFolders, AreAbsentIfNotWhole) {
+    const std::string folder = Folder();
+    const auto limit = [] {
+        const rlimit size = {50 << 10, 50 << 10};
+        setrlimit(RLIMIT_FSIZE, &size);
+    };
+    EXPECT_EQ(CreateFolderIn(folder + "made", limit), EFBIG);
+    EXPECT_TRUE(IsEmpty(folder));
+    for (int delay = 20; delay <= 2000; delay += 90) {
+        CreateFolderIn(folder + "made", [delay] {
+            const itimerval soon = {
+                {0, 0    },
+                {0, delay}
+            };
+            setitimer(ITIMER_REAL, &soon, nullptr);
+        });
+        if (IsEmpty(folder)) continue;
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1) << delay;
+        EXPECT_EQ(ReadWholeFile(folder + "made/second").size(), size_t{100} << 10) << delay;
+        fs::remove_all(folder + "made");
+    }
 }
 
 // From the shell to the hardware, with an operation that needs no rights.

@@ -119,6 +119,24 @@ TEST_F(Files, NewFilesAreWholeForTheirOwnerAndReplaceNothing) {
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
 }
 
+TEST_F(Files, NewFoldersAreWholeForTheirOwnerAndReplaceNothing) {
+    const std::string name = (m_folder / "new").string();
+    const std::vector<uint8_t> bytes(3u << 20, 'x');
+    const NewFile_t files[] = {
+        {"first",  bytes                    },
+        {"second", std::span(bytes).first(5)}
+    };
+    EXPECT_TRUE(CreateWholeFolder(name + "\\", files));
+    EXPECT_EQ(ReadWholeFile(name + "/second"), "xxxxx");
+    EXPECT_EQ(fs::file_size(name + "/first"), bytes.size());
+    EXPECT_FALSE(IsForEverybody(name + "/first"));
+    EXPECT_FALSE(CreateWholeFolder(name, files));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_FALSE(CreateWholeFolder((m_folder / "none" / "new").string(), files));
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
+}
+
 TEST(Program, TakesArgumentsAsTheyWereTyped) {
     const std::string errors = testing::TempDir() + "typed";
     const std::string program = QUORLIN_PROGRAM;

@@ -1,0 +1,16 @@
+// The key of a redaction.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Packages/Analysis/Pseudonyms.h"
+#include "Tools/quorlin/CommandLine.h"
+
+// The --key option; it fills `file`.
+Option_t KeyOption(std::string* file);
+// Reads the key in a file, or makes a random one if `file` is empty. False, with a line on standard error, on failure.
+bool MakeKey(const std::string& file, std::vector<uint8_t>* key);
+// Computes HMACs under the key, which must outlive the result.
+Hmac_t HmacUnder(const std::vector<uint8_t>& key);
