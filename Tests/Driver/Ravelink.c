@@ -39,9 +39,27 @@ static NTSTATUS ReadBios(MemoryRequest_t* request) {
     return STATUS_SUCCESS;
 }
 
+// The one PCI function, at 0000:00:00.0. Others read as ones.
+static NTSTATUS ReadPCI(PCIRequest_t* request) {
+    for (Word_t i = 0; i < sizeof request->Data; i++)
+        request->Data[i] = request->Location == 0 ? (Byte_t)(request->RegisterOffset + i + 1) : 0xFF;
+    return STATUS_SUCCESS;
+}
+
+// The one register that the processors have.
+static NTSTATUS ReadMSR(MSRRecord_t* record) {
+    if (record->Msr != 0x1B) return STATUS_UNSUCCESSFUL;
+    record->HiContent = 0;
+    record->LoContent = 0xFEE00800 + record->Cpu;
+    return STATUS_SUCCESS;
+}
+
 // A request has the same size in and out.
 static NTSTATUS Answer(Word_t code, void* buffer, ULONG size) {
     if (code == kRequestReadCPUID && size == sizeof(CPUIDRequest_t)) return Cpuid(buffer);
+    if ((code == kRequestPCIRead || code == kRequestPCIReadHyperV) && size == sizeof(PCIRequest_t))
+        return ReadPCI(buffer);
+    if (code == kRequestReadMSR && size == sizeof(MSRRecord_t)) return ReadMSR(buffer);
     if (code == kRequestSystemTables && size >= sizeof(MemoryRequest_t) &&
         ((const MemoryRequest_t*)buffer)->Size == size - sizeof(MemoryRequest_t))
         return ReadBios(buffer);

@@ -235,6 +235,34 @@ TEST_F(Driver, DoctorNamesItsStateAndPutsItBack) {
     }
 }
 
+// What was recorded by the driver is replayed without it.
+TEST_F(Driver, ARecordAnswersWithoutIt) {
+    const std::string folder = testing::TempDir() + "record-driver";
+    std::filesystem::remove_all(folder);
+    const char* const kCommands[] = {"--format lines",          "hw cpuid 0 --cpu 0",      "hw pci 0000:00:00.0 3 253",
+                                     "hw pci 0000:00:00.1 0 8", "hw pci 0000:02:01.0 0 8", "hw msr read 0x1b --cpu 0",
+                                     "hw msr read 0x277"};
+    std::vector<ProgramRun_t> answers;
+    for (const char* command : kCommands) answers.push_back(RunQuorlin(command));
+    const ProgramRun_t run = RunQuorlin("record " + folder);
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    RemoveSettings();
+    for (size_t place = 0; place < answers.size(); place++) {
+        const ProgramRun_t replayed = RunQuorlin(std::string(kCommands[place]) + " --replay " + folder);
+        EXPECT_EQ(replayed.exitCode, answers[place].exitCode) << kCommands[place] << replayed.errors;
+        EXPECT_EQ(replayed.output, answers[place].output) << kCommands[place];
+        EXPECT_EQ(replayed.errors, answers[place].errors) << kCommands[place];
+    }
+    EXPECT_TRUE(Has(ReadWholeFile(folder + "/pci.txt"), "0000:00:00.0 0c0b: 0201:0403\n"));
+    ExpectNothingLeft();
+    // Without the driver, the rest is recorded.
+    std::filesystem::remove_all(folder);
+    EXPECT_EQ(RunQuorlin("record " + folder).exitCode, 0);
+    EXPECT_TRUE(Has(ReadWholeFile(folder + "/machine.json"), "\"why\": \"the driver isn't installed\""));
+    EXPECT_EQ(RunQuorlin("hw cpuid 0 --replay " + folder).output, answers[1].output);
+    EXPECT_EQ(RunQuorlin("--format lines --replay " + folder).output, answers[0].output);
+}
+
 // Reads a package several times and returns the number of this process's handles.
 DWORD HandlesAfterRounds(int count) {
     for (int round = 0; round < count; ++round) {
