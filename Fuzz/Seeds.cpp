@@ -44,6 +44,11 @@ constexpr std::string_view kOneLeaf =
     "\2"
     "CPU 0:\n   0x00000000 0x00: eax=0x00000020 ebx=0x68747541 ecx=0x444d4163 edx=0x69746e65\n"sv;
 
+constexpr std::string_view kDescription =
+    "\4{\"form\":\"quorlin "
+    "record\",\"version\":1,\"host\":\"\\u00e9\\n\",\"pci_segments\":[0],\"files\":[{\"name\":\"dmi.bin\","
+    "\"sha256\":\"0000000000000000000000000000000000000000000000000000000000000000\"}]}"sv;
+
 // An input that revealed a fault gets a row here, named after the fault, so that it doesn't come back.
 const Input_t kSeeds[] = {
     {"Table",      "empty",             ""sv                                                                     },
@@ -74,6 +79,7 @@ const Input_t kSeeds[] = {
     {"Record",     "acpi",              "\0FACP @ 0x0\n    0000: 46 41 43 50  FACP\n"sv                          },
     {"Record",     "pci",               kOneFunction                                                             },
     {"Record",     "cpuid",             kOneLeaf                                                                 },
+    {"Record",     "machine",           kDescription                                                             },
     {"Record",     "msr",
      "\3"
      "0x0000001b 0 00000000fee00900\n0x0000001b 1 refused\n"sv                                                   },

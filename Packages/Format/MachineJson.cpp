@@ -21,7 +21,7 @@ std::string Quoted(std::string_view text) {
         const Utf8Sequence_t next = NextUtf8Sequence(text);
         const auto first = static_cast<unsigned char>(text.front());
         if (!next.isValid) {
-            quoted += "\\uFFFD";
+            quoted += "\xEF\xBF\xBD";  // U+FFFD
         } else if (first == '"' || first == '\\' || first < ' ' || first == 0x7F) {
             quoted += "\\u";
             AppendHex(quoted, first, 4, true);
@@ -217,7 +217,7 @@ bool IsSha256(std::string_view text) {
 bool ReadFiles(const ClJsonReader& json, std::vector<RecordedFile_t>* files) {
     for (size_t index = 0; json.IsThere(At("files", index, ".name")); index++) {
         const RecordedFile_t file = {json.Text(At("files", index, ".name")), json.Text(At("files", index, ".sha256"))};
-        if (std::ranges::find(kRecordFiles, file.name) == std::end(kRecordFiles) || !IsSha256(file.sha256) ||
+        if (RecordFileByName(file.name) == kRecordFileCount || !IsSha256(file.sha256) ||
             std::ranges::find(*files, file.name, &RecordedFile_t::name) != files->end())
             return false;
         files->push_back(file);
@@ -226,6 +226,11 @@ bool ReadFiles(const ClJsonReader& json, std::vector<RecordedFile_t>* files) {
 }
 
 }  // namespace
+
+RecordFile_t RecordFileByName(std::string_view name) {
+    const auto* const found = std::ranges::find_if(kRecordFiles, [name](const char* each) { return name == each; });
+    return static_cast<RecordFile_t>(found - std::begin(kRecordFiles));
+}
 
 std::string WriteMachineJson(const MachineFacts_t& facts) {
     const auto number = [](uint32_t value) { return std::to_string(value); };

@@ -10,8 +10,10 @@
 inline constexpr char kMachineJson[] = "machine.json";
 // The other files of a record. The first holds the SMBIOS table as a dump (TableFile.h); each of the others has a form
 // of its own in this folder.
-inline constexpr const char* kRecordFiles[] = {"dmi.bin", "acpi.dat", "pci.txt", "cpuid.txt", "msr.txt"};
+inline constexpr char kRecordFiles[][10] = {"dmi.bin", "acpi.dat", "pci.txt", "cpuid.txt", "msr.txt"};
 enum RecordFile_t { kTableRecord, kAcpiRecord, kPciRecord, kCpuidRecord, kMsrRecord, kRecordFileCount };
+// Returns kRecordFileCount for another name.
+RecordFile_t RecordFileByName(std::string_view name);
 
 struct RecordedFile_t {
     std::string name, sha256;  // 64 digits in lower case

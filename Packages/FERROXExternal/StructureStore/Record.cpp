@@ -1,6 +1,5 @@
 #include "Packages/FERROXExternal/StructureStore/Record.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>
@@ -66,8 +65,7 @@ status_t ReadRecord(const std::string& folder, Record_t* record, std::string* er
         if (!os_Sha256(bytes, hash)) return Fail(file.name, "the system has no SHA-256", error);
         if (HexOf(hash) != file.sha256)
             return Fail(file.name, std::string("not the file that ").append(kMachineJson).append(" describes"), error);
-        const auto number = std::ranges::find(kRecordFiles, file.name) - std::begin(kRecordFiles);
-        const std::string damage = Parse(static_cast<RecordFile_t>(number), std::move(bytes), record);
+        const std::string damage = Parse(RecordFileByName(file.name), std::move(bytes), record);
         if (!damage.empty()) return Fail(file.name, damage, error);
     }
     return kSuccess;

@@ -22,11 +22,6 @@ std::span<const uint8_t> BytesOf(const std::string& text) {
     return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
 }
 
-// The place of a file in kRecordFiles.
-size_t NumberOf(std::string_view name) {
-    return static_cast<size_t>(std::ranges::find(kRecordFiles, name) - std::begin(kRecordFiles));
-}
-
 class ClRecord : public ClCommand {
   public:
     std::vector<Option_t> Options() override {
@@ -119,7 +114,7 @@ class ClRecord : public ClCommand {
                                                           : MakeDump(m_table, static_cast<uint8_t>(m_version >> 8),
                                                                      static_cast<uint8_t>(m_version & 0xFF));
         if (!dump.empty()) facts.files.push_back({kRecordFiles[kTableRecord], {}});
-        std::ranges::sort(facts.files, {}, [](const RecordedFile_t& file) { return NumberOf(file.name); });
+        std::ranges::sort(facts.files, {}, [](const RecordedFile_t& file) { return RecordFileByName(file.name); });
         const std::string texts[] = {{},
                                      WriteAcpiDat(record.tables),
                                      WritePciDump(record.functions),
@@ -127,7 +122,7 @@ class ClRecord : public ClCommand {
                                      WriteMsrDump(record.registers)};
         std::vector<NewFile_t> files;
         for (RecordedFile_t& file : facts.files) {
-            const size_t number = NumberOf(file.name);
+            const RecordFile_t number = RecordFileByName(file.name);
             const std::span<const uint8_t> bytes = number == kTableRecord ? std::span(dump) : BytesOf(texts[number]);
             std::array<uint8_t, 32> hash;
             if (!os_Sha256(bytes, hash)) {

@@ -121,7 +121,8 @@ constexpr HardwareServices_t kRecordedHardware = {
 }  // namespace
 
 bool RecordedHardware_t::Has(RecordFile_t file) const {
-    return std::ranges::find(facts.files, kRecordFiles[file], &RecordedFile_t::name) != facts.files.end();
+    return std::ranges::find(facts.files, std::string_view(kRecordFiles[file]), &RecordedFile_t::name) !=
+           facts.files.end();
 }
 
 void UseRecordedHardware(const RecordedHardware_t& recorded) {
