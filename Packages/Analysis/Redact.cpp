@@ -45,7 +45,7 @@ class ClRedaction {
         if (!m_options.keepsVendor) std::ranges::fill(m_table.subspan(end), uint8_t{0});
         for (const std::span<uint8_t>& other : others) FindForms(other, 0);
         AddForms();
-        SeekAll({m_table, m_places});
+        SeekAll({m_table, std::move(m_places)});
         for (const std::span<uint8_t>& other : others)
             SeekAll({other, std::vector<Place_t>(other.size(), Place_t::kFree)});
         return !m_pseudonyms.HasFailed();

@@ -390,6 +390,26 @@ TEST_F(StandIns, ACPITablesAreListedOncePerFile) {
     EXPECT_EQ(names, "FACP SSDT SSDT ");
 }
 
+TEST_F(StandIns, EachACPITableOfANameIsRead) {
+    for (const char* name : {"SSDT1", "SSDT2", "SSDT10", "FACP"})
+        m_firmware->Write(std::string("acpi/tables/") + name, name);
+    const auto read = [](const char* name, uint32_t place) -> std::string {
+        uint32_t number;
+        std::memcpy(&number, name, sizeof number);
+        std::vector<uint8_t> bytes;
+        bool refused = true;
+        const bool isRead = os_ReadACPITable(number, place, &bytes, &refused);
+        EXPECT_FALSE(refused) << name << place;
+        return isRead ? std::string(bytes.begin(), bytes.end()) : "none";
+    };
+    EXPECT_EQ(read("SSDT", 0), "SSDT1");
+    EXPECT_EQ(read("SSDT", 1), "SSDT2");
+    EXPECT_EQ(read("SSDT", 9), "SSDT10");
+    EXPECT_EQ(read("SSDT", 2), "none");
+    EXPECT_EQ(read("FACP", 0), "FACP");
+    EXPECT_EQ(read("FACP", 1), "none");
+}
+
 TEST_F(StandIns, MemoryIsWhatTheKernelsMapCallsMemory) {
     const std::string kMap =
         "00000000-00000fff : Reserved\n"
