@@ -50,11 +50,11 @@ class ClRecord : public ClCommand {
         if (IsThere(m_folder)) return Refuse(EEXIST);
         std::vector<uint8_t> key;
         if (m_redacts && !MakeKey(m_keyFile, &key)) return kExitNoTable;
+        if (!ReadTable()) return kExitNoTable;
         RecordedHardware_t record;
         {
             ClStage stage;
             m_recording.progress = [&stage](std::string_view what) { stage.Show(what); };
-            if (!ReadTable()) return kExitNoTable;
             record = ReadHardware(m_recording);
         }
         if (!m_tableProblem.empty())
@@ -76,7 +76,6 @@ class ClRecord : public ClCommand {
 
     // A machine without a table is recorded too. False, with a line on standard error, if there is no machine.
     bool ReadTable() {
-        m_recording.progress("the SMBIOS table");
         ClTable table;
         if (table.Open(m_source, nullptr)) {
             const std::span<const uint8_t> bytes = table.Bytes();
