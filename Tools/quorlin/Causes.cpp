@@ -1,5 +1,6 @@
 #include "Tools/quorlin/Causes.h"
 
+#include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/OS/FirmwareTables.h"
 #include "Packages/OS/Program.h"
 #include "Tools/quorlin/Output.h"
@@ -27,7 +28,7 @@ const ObstacleText_t& TextOf(Obstacle_t obstacle) { return kObstacles[static_cas
 Cause_t CPUIDFails(const char* other) { return {"its driver fails at the CPUID instruction", other}; }
 
 Cause_t WhyFirmwareFails() {
-    constexpr char kElse[] = "try --sample, or --image FILE";
+    constexpr char kElse[] = "try --sample, --image FILE";
     bool refused = false;
     if (os_GetFirmwareTable(kSMBIOSProvider, 0, nullptr, 0, &refused) == 0 && refused)
         return LacksRights("the system refuses to give its SMBIOS table", kElse);
@@ -46,6 +47,12 @@ const char* WordsOf(status_t status) {
 }
 
 }  // namespace
+
+std::string Cause_t::Text() const {
+    std::string text = problem + "; " + advice;
+    if (lacksAccess && ReplayedRecord() == nullptr) text += ", or quorlin doctor";
+    return text;
+}
 
 std::string_view WordOf(Obstacle_t obstacle) { return TextOf(obstacle).word; }
 
@@ -70,7 +77,7 @@ Cause_t WhyNoTable(const Steps_t& steps, const char* other) {
     if (steps.cpuid && *steps.cpuid != kSuccess) return CPUIDFails(other);
     if (steps.firmware == kNoMemory || steps.firmware == kSuccess || steps.scan == ScanEnd_t::kNoRoom ||
         steps.scan == ScanEnd_t::kFound)
-        return {"out of memory", "try again with more, or a smaller table"};
+        return {"out of memory", "try again with more, or a smaller table", false};
     if (steps.firmware || !steps.scan) return WhyFirmwareFails();
     switch (*steps.scan) {
         case ScanEnd_t::kNoAnchors: return {TextOf(Obstacle_t::kNoAnchors).problem, other};
@@ -83,10 +90,11 @@ Cause_t WhyNoTable(const Steps_t& steps, const char* other) {
 
 Cause_t WhyNoAnswer(status_t status, Refusal_t refusal, const char* other) {
     const bool isRefusal = (status == 0 || status == kFailure) && refusal == Refusal_t::kRights;
+    const bool lacksAccess = status == 0 || status == kFailure || status == kNotSupported;
     const bool isMissing = (status == kFailure || status == kNotSupported) && refusal == Refusal_t::kNotRecorded;
-    Cause_t cause = isMissing   ? Cause_t{"the record doesn't have it", "try the machine itself"}
+    Cause_t cause = isMissing   ? Cause_t{"the record doesn't have it", "try the machine itself", false}
                     : isRefusal ? LacksRights("the system refuses it", other)
-                                : Cause_t{WordsOf(status), other};
+                                : Cause_t{WordsOf(status), other, lacksAccess};
     cause.problem += " (status " + std::to_string(status) + ")";
     return cause;
 }

@@ -11,9 +11,11 @@
 
 struct Cause_t {
     std::string problem;
-    std::string advice;  // "try ..."
+    std::string advice;       // "try ..."
+    bool lacksAccess = true;  // to this machine, of which `quorlin doctor` tells more
 
-    std::string Text() const { return problem + "; " + advice; }
+    // Both, and where to learn more.
+    std::string Text() const;
 };
 
 // The results of bringing up this machine. A step that wasn't taken has no value.

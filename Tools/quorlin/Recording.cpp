@@ -166,7 +166,8 @@ class ClRecorder {
             m_record.processors.push_back(std::move(leaves));
         }
         if (const size_t done = m_record.processors.size(); done == 0 || done < count)
-            Unread("CPUID from processor " + std::to_string(done) + " on", WhyRefused());
+            Unread("CPUID from processor " + std::to_string(done) + " on",
+                   done == kMostProcessors ? "the hardware library numbers 256 processors" : WhyRefused());
         if (!m_record.processors.empty()) Recorded(kCpuidRecord);
     }
 

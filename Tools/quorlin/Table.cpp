@@ -54,7 +54,7 @@ status_t ReadWatchedCPUID(uint32_t processor, CPUIDRecord_t* record) {
 Cause_t WhyNotThisMachine(const Source_t& source) {
     return WhyNoTable(steps, source.IsScan() ? "try without --method"
                              : source.driver ? "try --no-driver"
-                                             : "try --sample, or --image FILE");
+                                             : "try --sample, --image FILE");
 }
 
 }  // namespace

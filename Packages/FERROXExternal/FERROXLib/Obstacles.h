@@ -34,6 +34,8 @@ enum class Way_t : uint8_t {
 struct Finding_t {
     Obstacle_t obstacle = Obstacle_t::kNone;
     std::string detail = {};  // such as a file and the system's own message; may be empty
+
+    bool operator==(const Finding_t&) const = default;
 };
 
 // Looks for what keeps this process from going a way; kNone if the system shows nothing. Changes nothing, and touches

@@ -72,17 +72,14 @@ Finding_t TryScan() {
         return end == ScanEnd_t::kFound ? kSuccess : kFailure;
     };
     const status_t status = ReadTable(scan, &detail);
-    switch (end) {
-        case ScanEnd_t::kFound:
-            if (status == kSuccess) return {Obstacle_t::kNone, detail};
-            [[fallthrough]];
-        case ScanEnd_t::kNoAnchors: return {Obstacle_t::kNoAnchors, ""};
-        case ScanEnd_t::kElsewhere: return {Obstacle_t::kNoMap, ""};
-        case ScanEnd_t::kNoRoom: throw std::bad_alloc();
-        default: break;
-    }
-    const Finding_t finding = FindObstacle(Way_t::kMemory, 0);
-    return finding.obstacle != Obstacle_t::kNone ? finding : WhyFailed(Way_t::kRAM, 0, status);
+    if (status == kSuccess) return {Obstacle_t::kNone, detail};
+    if (end == ScanEnd_t::kNoRoom) throw std::bad_alloc();
+    if (end == ScanEnd_t::kNoAnchors || end == ScanEnd_t::kFound) return {Obstacle_t::kNoAnchors, ""};
+    const Finding_t ofScan = FindObstacle(Way_t::kScan, 0);
+    if (ofScan.obstacle != Obstacle_t::kNone) return ofScan;
+    if (end == ScanEnd_t::kElsewhere) return {Obstacle_t::kNoMap, ""};
+    const Finding_t ofRAM = FindObstacle(Way_t::kRAM, 0);
+    return ofRAM.obstacle == Obstacle_t::kStrictMemory ? ofRAM : WhyFailed(Way_t::kScan, 0, status);
 }
 
 Finding_t TryACPI() {
@@ -120,7 +117,9 @@ Finding_t TryExtendedPCI() {
     constexpr uint32_t kFirst = 256;
     Word_t word;
     const status_t status = PCIExRead(0, kFirst, word.Buffer());
-    return status == kSuccess ? Finding_t{} : WhyFailed(Way_t::kExtendedPCI, 0, status);
+    if (status != kSuccess) return WhyFailed(Way_t::kExtendedPCI, 0, status);
+    const bool isThere = std::ranges::any_of(word.bytes, [](uint8_t byte) { return byte != 0xFF; });
+    return {isThere ? Obstacle_t::kNone : Obstacle_t::kNoExtended, ""};
 }
 
 Finding_t TryMSR(uint32_t processor) {
@@ -252,24 +251,26 @@ class ClDoctor : public ClCommand {
     }
 
   private:
+    static Finding_t Look(const Thing_t& thing, uint32_t processor, bool isOpen) {
+        if (processor >= kAnyProcessor) return {Obstacle_t::kNoNumber, ""};
+        if (thing.Is(kOpen) && !isOpen) return WhyFailed(thing.way, processor, kFailure);
+        return Try(thing.way, processor);
+    }
+
     // Shows what is found of a thing; processors that follow each other with the same finding as one. Returns whether
     // it gives a table.
     static bool Show(const Thing_t& thing, const ClTrial& trial, ClWriter& writer) {
-        const uint32_t count = thing.Is(kForEach) ? std::max(os_GetProcessorCount(), 1u) : 1;
-        Finding_t shown;
+        const uint32_t count = thing.Is(kForEach) ? os_GetProcessorCount() : 1;
+        Finding_t shown = Look(thing, 0, trial.IsOpen());
         uint32_t first = 0;
-        for (uint32_t processor = 0; processor <= count; processor++) {
-            Finding_t finding;
-            if (processor != count)
-                finding = thing.Is(kOpen) && !trial.IsOpen() ? WhyFailed(thing.way, processor, kFailure)
-                                                             : Try(thing.way, processor);
-            const bool isSame = finding.obstacle == shown.obstacle && finding.detail == shown.detail;
-            if (processor != 0 && (processor == count || !isSame)) {
-                Write(thing, first, processor - 1, shown, writer);
-                first = processor;
-            }
-            if (processor != count) shown = finding;
+        for (uint32_t processor = 1; processor < count; processor++) {
+            Finding_t finding = Look(thing, processor, trial.IsOpen());
+            if (finding == shown) continue;
+            Write(thing, first, processor - 1, shown, writer);
+            first = processor;
+            shown = std::move(finding);
         }
+        Write(thing, first, std::max(count, 1u) - 1, shown, writer);
         return thing.Is(kTable) && shown.obstacle == Obstacle_t::kNone;
     }
 
@@ -309,7 +310,7 @@ constexpr Command_t kDoctorCommand = {
     .description =
         "Looks at each way to what this machine has: SMBIOS and ACPI tables, memory, PCI configuration space, ports, "
         "model-specific registers, CPUID, and on Windows the driver. Says for each whether it works, or why it doesn't "
-        "and what would help. Changes nothing.",
+        "and what would help. Changes nothing. Takes no image and no record.",
     .footer =
         "Example: quorlin doctor --format json\n"
         "Exit codes: 0 an SMBIOS table can be read, 1 it can't, 2 bad usage.",

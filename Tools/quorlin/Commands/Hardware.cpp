@@ -210,7 +210,7 @@ status_t ListACPITables(Request_t& request) {
     if (tables.empty()) {
         SayError("hw acpi", LastRefusal() == Refusal_t::kNotRecorded
                                 ? "the record doesn't have the ACPI tables; try the machine itself"
-                                : "this system has no ACPI tables; try quorlin hw --help");
+                                : "this system shows no ACPI tables; try quorlin doctor");
         return kReported;
     }
     request.output << "Table  Bytes\n";

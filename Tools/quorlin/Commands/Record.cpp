@@ -134,7 +134,15 @@ class ClRecord : public ClCommand {
         const std::string machine = WriteMachineJson(facts);
         files.push_back({kMachineJson, BytesOf(machine)});
         if (!CreateWholeFolder(m_folder, files)) return Refuse(errno);
-        if (!facts.unread.empty()) SayError(m_folder, "something wasn't recorded; machine.json tells what and why");
+        if (!facts.unread.empty()) {
+            // Single tables are left out for other reasons.
+            const bool lacksAccess =
+                m_source.replay.empty() && std::ranges::any_of(facts.unread, [](const Unread_t& unread) {
+                    return !unread.what.starts_with("ACPI table ");
+                });
+            SayError(m_folder, std::string("something wasn't recorded; machine.json tells what and why") +
+                                   (lacksAccess ? ", and quorlin doctor more" : ""));
+        }
         return kExitDone;
     }
 

@@ -16,7 +16,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -32,6 +31,7 @@ namespace {
 
 constexpr off_t kTimeStampCounter = 0x10;  // a register that every processor has
 constexpr char kMemoryDevice[] = "/dev/mem";
+constexpr off_t kBIOSArea = 0xF0000, kFirstMegabyte = 0x100000;
 
 std::string Reason(std::string_view what, int error) {
     return std::string(what).append(": ").append(std::strerror(error));
@@ -49,7 +49,16 @@ bool IsThere(const char* path) { return access(path, F_OK) == 0; }
 
 bool IsRefusal(int error) { return error == EACCES || error == EPERM; }
 
+// A device file without a driver can't be opened either (ENXIO).
+bool IsAbsence(int error) { return error == ENOENT || error == ENOTDIR || error == ENXIO; }
+
 // ---- Who this process is
+
+struct Capability_t {
+    int number;
+    char name[16];
+};
+constexpr Capability_t kRawIO = {CAP_SYS_RAWIO, "CAP_SYS_RAWIO"}, kAdmin = {CAP_SYS_ADMIN, "CAP_SYS_ADMIN"};
 
 bool HasCapability(int capability) {
     __user_cap_header_struct head = {_LINUX_CAPABILITY_VERSION_3, 0};
@@ -57,30 +66,30 @@ bool HasCapability(int capability) {
     return syscall(SYS_capget, &head, data) == 0 && (data[capability / 32].effective >> capability % 32 & 1) != 0;
 }
 
-// Capabilities of another user namespace don't count for the machine. The first namespace maps all users to themselves;
-// a new one may map none.
+// Capabilities of another user namespace don't count for the machine. Such a namespace may map all users to themselves,
+// too, but only the first one has this number.
 bool IsInFirstUserNamespace() {
-    constexpr char kMap[] = "/proc/self/uid_map";
-    std::string map = StartOf(kMap);
-    std::erase(map, ' ');
-    return map == "004294967295\n" || !IsThere(kMap);  // user 0 is user 0, and so on for all 2^32 - 1
+    constexpr ino_t kFirst = 0xEFFFFFFD;
+    struct stat facts;
+    return stat("/proc/self/ns/user", &facts) != 0 || facts.st_ino == kFirst;
 }
 
 bool HasFilter() { return prctl(PR_GET_SECCOMP) == SECCOMP_MODE_FILTER; }
 
-// A container that doesn't show the firmware at all.
-bool IsBlindContainer() {
-    if (IsThere("/sys/firmware")) return false;
-    return std::getenv("container") != nullptr || IsThere("/.dockerenv") || IsThere("/run/.containerenv") ||
-           !IsInFirstUserNamespace();
+// What a refusal of something that belongs to root means. EACCES comes from a file's mode or from a security module.
+// Any other error comes from a check for the capability, or from what may refuse a process that has it.
+Finding_t WhyRefused(int error, const Capability_t& capability, std::string detail) {
+    if (!IsInFirstUserNamespace()) return {Obstacle_t::kNamespace, std::move(detail)};
+    const bool isRoot = geteuid() == 0;
+    const bool isEntitled = error != EACCES
+                                ? HasCapability(capability.number)
+                                : isRoot || HasCapability(CAP_DAC_READ_SEARCH) || HasCapability(CAP_DAC_OVERRIDE);
+    if (isEntitled) return {Obstacle_t::kPolicy, std::move(detail)};
+    if (!isRoot) return {Obstacle_t::kRights, std::move(detail)};
+    return {Obstacle_t::kCapability, std::string(capability.name).append(", ").append(detail)};
 }
 
-// What a refusal means for a process that needs this capability.
-Obstacle_t WhyRefused(int capability) {
-    if (!IsInFirstUserNamespace()) return Obstacle_t::kNamespace;
-    if (HasCapability(capability)) return Obstacle_t::kPolicy;
-    return geteuid() == 0 ? Obstacle_t::kCapability : Obstacle_t::kRights;
-}
+Finding_t WhyFileRefused(std::string_view path, int error) { return WhyRefused(EACCES, kAdmin, Reason(path, error)); }
 
 // ---- Lockdown
 
@@ -98,6 +107,7 @@ Lockdown_t ShownLockdown() {
 // core file. Returns 0, an errno, or -1 if a filter killed it.
 int AskForPort() {
     constexpr uint32_t kDiagnosticPort = 0x80;
+    std::signal(SIGCHLD, SIG_DFL);  // a process that inherited SIG_IGN can't ask how its child ended
     const pid_t child = fork();
     if (child < 0) return errno;
     if (child == 0) {
@@ -116,12 +126,14 @@ Finding_t WhyNoPorts() {
     const int error = AskForPort();
     if (error == 0) return {};
     if (error < 0) return {Obstacle_t::kSeccomp, "ioperm: the filter kills the process"};
-    if (error == ENOSYS) return {HasFilter() ? Obstacle_t::kSeccomp : Obstacle_t::kNoIoperm, Reason(kCall, error)};
+    if (error == ENOSYS && HasFilter())
+        return {Obstacle_t::kSeccomp, Reason(kCall, error).append(", perhaps by the kernel itself")};
+    if (error == ENOSYS) return {Obstacle_t::kNoIoperm, Reason(kCall, error)};
     if (error != EPERM) return {HasFilter() ? Obstacle_t::kSeccomp : Obstacle_t::kOther, Reason(kCall, error)};
     const Lockdown_t lockdown = ShownLockdown();
     if (lockdown == Lockdown_t::kOn) return {Obstacle_t::kLockdown, Reason(kCall, error)};
-    const Obstacle_t refusal = WhyRefused(CAP_SYS_RAWIO);
-    if (refusal != Obstacle_t::kPolicy) return {refusal, Reason(kCall, error)};
+    Finding_t refusal = WhyRefused(error, kRawIO, Reason(kCall, error));
+    if (refusal.obstacle != Obstacle_t::kPolicy) return refusal;
     if (HasFilter()) return {Obstacle_t::kSeccomp, Reason(kCall, error)};
     // For a process with the capability only lockdown is left, be it that the kernel doesn't show it.
     return {lockdown == Lockdown_t::kOff ? Obstacle_t::kPolicy : Obstacle_t::kLockdown, Reason(kCall, error)};
@@ -135,12 +147,13 @@ bool IsLockedDown() {
 
 // ---- Firmware tables
 
-// The innermost folder of the path that exists is a mask if it is empty and of another file system, or no folder.
+// The innermost folder of the path that exists is a mask if it is of another file system and shows nothing.
 bool IsMasked(std::string path) {
     while (!IsThere(path.c_str()) && path.rfind('/') != 0) path.resize(path.rfind('/'));
     struct statfs system;
+    if (statfs(path.c_str(), &system) != 0 || system.f_type == SYSFS_MAGIC) return false;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.c_str()), closedir);
-    if (folder == nullptr || fstatfs(dirfd(folder.get()), &system) != 0 || system.f_type == SYSFS_MAGIC) return false;
+    if (folder == nullptr) return true;
     while (const dirent* entry = readdir(folder.get()))
         if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) return false;
     return true;
@@ -168,16 +181,16 @@ Finding_t WhyNoFirmwareFile(const char* folder, const std::string& name, Obstacl
     if (file.IsOpen() && fstat(file.Get(), &facts) == 0)
         return S_ISREG(facts.st_mode) ? Finding_t{} : Finding_t{Obstacle_t::kMasked, path};
     const int error = errno;
-    if (IsRefusal(error)) return {WhyRefused(CAP_DAC_READ_SEARCH), Reason(path, error)};
-    if (error == ENOENT || error == ENOTDIR) return {WhyNotShown(folder, none), ""};
+    if (IsRefusal(error)) return WhyFileRefused(path, error);
+    if (IsAbsence(error)) return {WhyNotShown(folder, none), ""};
     return {Obstacle_t::kOther, Reason(path, error)};
 }
 
 Finding_t WhyNoSMBIOS(const char* name) {
-    const Obstacle_t none = HasDeviceTree()      ? Obstacle_t::kDeviceTree
-                            : IsBlindContainer() ? Obstacle_t::kContainer
-                            : IsGuest()          ? Obstacle_t::kGuest
-                                                 : Obstacle_t::kNoSMBIOS;
+    const Obstacle_t none = HasDeviceTree()             ? Obstacle_t::kDeviceTree
+                            : !IsThere("/sys/firmware") ? Obstacle_t::kContainer  // every kernel has that folder
+                            : IsGuest()                 ? Obstacle_t::kGuest
+                                                        : Obstacle_t::kNoSMBIOS;
     return WhyNoFirmwareFile("/sys/firmware/dmi/tables", name, none);
 }
 
@@ -193,7 +206,12 @@ Finding_t WhyNoEntryPoint() {
 Finding_t WhyNoACPI() {
     constexpr char kFolder[] = "/sys/firmware/acpi/tables";
     const std::vector<uint32_t> tables = os_ListACPITables();
-    if (tables.empty()) return {WhyNotShown(kFolder, Obstacle_t::kNoACPI), ""};
+    if (tables.empty()) {
+        const ClDescriptor folder(kFolder, O_RDONLY);
+        const int error = errno;
+        if (!folder.IsOpen() && IsRefusal(error)) return WhyFileRefused(kFolder, error);
+        return {WhyNotShown(kFolder, Obstacle_t::kNoACPI), ""};
+    }
     char name[5] = "";
     std::memcpy(name, &tables.front(), sizeof tables.front());
     return WhyNoFirmwareFile(kFolder, name, Obstacle_t::kNoACPI);
@@ -207,17 +225,25 @@ Finding_t WhyNoMemory(off_t address) {
     const ClDescriptor file(kMemoryDevice, O_RDONLY);
     if (!file.IsOpen()) {
         const int error = errno;
-        const Obstacle_t obstacle = error == ENOENT     ? Obstacle_t::kNoDevice
-                                    : !IsRefusal(error) ? Obstacle_t::kOther
-                                    : IsLockedDown()    ? Obstacle_t::kLockdown
-                                                        : WhyRefused(CAP_SYS_RAWIO);
-        return {obstacle, Reason(kMemoryDevice, error)};
+        std::string reason = Reason(kMemoryDevice, error);
+        if (IsAbsence(error)) return {Obstacle_t::kNoDevice, std::move(reason)};
+        if (!IsRefusal(error)) return {Obstacle_t::kOther, std::move(reason)};
+        if (IsLockedDown()) return {Obstacle_t::kLockdown, std::move(reason)};
+        return WhyRefused(error, kRawIO, std::move(reason));
     }
     void* view = mmap(nullptr, kPage, PROT_READ, MAP_SHARED, file.Get(), address);
     if (view == MAP_FAILED)
         return {IsRefusal(errno) ? Obstacle_t::kStrictMemory : Obstacle_t::kOther, Reason(kMemoryDevice, errno)};
     munmap(view, kPage);
     return {};
+}
+
+// The scan also needs the addresses in the map of memory, which the kernel shows as zeros to processes without rights.
+Finding_t WhyNoScan() {
+    Finding_t finding = WhyNoMemory(kBIOSArea);
+    if (finding.obstacle != Obstacle_t::kNone || !StartOf("/proc/iomem").starts_with("00000000-00000000 "))
+        return finding;
+    return WhyRefused(EPERM, kAdmin, "/proc/iomem shows no addresses");
 }
 
 // ---- PCI
@@ -228,11 +254,11 @@ Finding_t WhyNoPCI() {
     constexpr char kFunction[] = "/sys/bus/pci/devices/0000:00:00.0/config";
     const ClDescriptor file(kFunction, O_RDONLY);
     const int error = errno;
-    if (!file.IsOpen() && error == ENOENT) return {Obstacle_t::kNoPCI, ""};
-    if (!file.IsOpen())
-        return {IsRefusal(error) ? WhyRefused(CAP_SYS_ADMIN) : Obstacle_t::kOther, Reason(kFunction, error)};
+    if (!file.IsOpen() && IsAbsence(error)) return {Obstacle_t::kNoPCI, ""};
+    if (!file.IsOpen() && IsRefusal(error)) return WhyFileRefused(kFunction, error);
+    if (!file.IsOpen()) return {Obstacle_t::kOther, Reason(kFunction, error)};
     if (HasCapability(CAP_SYS_ADMIN) && IsInFirstUserNamespace()) return {};
-    return {WhyRefused(CAP_SYS_ADMIN), "only its first 64 bytes can be read"};
+    return WhyRefused(EPERM, kAdmin, "only its first 64 bytes can be read");
 }
 
 Finding_t WhyNoExtendedPCI() {
@@ -259,8 +285,8 @@ Finding_t WhyNoMSR(int processor) {
     if (file.IsOpen() && pread(file.Get(), &counter, sizeof counter, kTimeStampCounter) == sizeof counter) return {};
     const int error = errno;
     if (file.IsOpen()) return {Obstacle_t::kNoRegister, Reason(kMSRDevices, error)};
-    if (IsRefusal(error)) return {WhyRefused(CAP_SYS_RAWIO), Reason(kMSRDevices, error)};
-    if (error != ENOENT && error != ENOTDIR) return {Obstacle_t::kOther, Reason(kMSRDevices, error)};
+    if (IsRefusal(error)) return WhyRefused(error, kRawIO, Reason(kMSRDevices, error));
+    if (!IsAbsence(error)) return {Obstacle_t::kOther, Reason(kMSRDevices, error)};
     const bool isLoaded = StartOf("/proc/devices").find(" cpu/msr\n") != std::string::npos;
     return {isLoaded ? Obstacle_t::kNoDevice : Obstacle_t::kNoMSRModule, Reason(kMSRDevices, error)};
 }
@@ -273,8 +299,12 @@ Finding_t WhyNoCPUID(int processor) {
         return {};
     }
     const int error = errno;
-    if (error != EINVAL)
-        return {HasFilter() ? Obstacle_t::kSeccomp : Obstacle_t::kOther, Reason("sched_setaffinity", error)};
+    if (error != EINVAL) {
+        const Obstacle_t obstacle = HasFilter()        ? Obstacle_t::kSeccomp
+                                    : IsRefusal(error) ? Obstacle_t::kPolicy
+                                                       : Obstacle_t::kOther;
+        return {obstacle, Reason("sched_setaffinity", error)};
+    }
     const std::string path = DeviceOf(processor, "cpuid");
     const ClDescriptor file(path.c_str(), O_RDONLY);
     return {Obstacle_t::kCpuset,
@@ -284,7 +314,8 @@ Finding_t WhyNoCPUID(int processor) {
 }  // namespace
 
 Finding_t FindObstacle(Way_t way, uint32_t processor) {
-    constexpr off_t kBIOSArea = 0xF0000, kFirstMegabyte = 0x100000;
+    const int number = way == Way_t::kMSR || way == Way_t::kCPUID ? SystemProcessor(processor) : 0;
+    if (number < 0) return {Obstacle_t::kOther, "it isn't online"};
     switch (way) {
         case Way_t::kFirmwareTable: {
             Finding_t finding = WhyNoSMBIOS("DMI");
@@ -292,14 +323,14 @@ Finding_t FindObstacle(Way_t way, uint32_t processor) {
         }
         case Way_t::kEntryPoint: return WhyNoEntryPoint();
         case Way_t::kACPI: return WhyNoACPI();
-        case Way_t::kScan:
+        case Way_t::kScan: return WhyNoScan();
         case Way_t::kMemory: return WhyNoMemory(kBIOSArea);
         case Way_t::kRAM: return WhyNoMemory(kFirstMegabyte);
         case Way_t::kPCI: return WhyNoPCI();
         case Way_t::kExtendedPCI: return WhyNoExtendedPCI();
         case Way_t::kPorts: return WhyNoPorts();
-        case Way_t::kMSR: return WhyNoMSR(SystemProcessor(processor));
-        case Way_t::kCPUID: return WhyNoCPUID(SystemProcessor(processor));
+        case Way_t::kMSR: return WhyNoMSR(number);
+        case Way_t::kCPUID: return WhyNoCPUID(number);
         default: return {Obstacle_t::kNotHere, ""};  // Linux needs no driver
     }
 }
