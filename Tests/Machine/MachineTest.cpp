@@ -4,6 +4,8 @@
 #include <cpuid.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -323,4 +325,17 @@ TEST(MachineRefusals, AreStatusesAndNothingMore) {
     });
     if (result == 99) GTEST_SKIP() << "only root can become another user";
     EXPECT_EQ(result, 0);
+}
+
+// Of root, doctor names the capability that is missing.
+TEST(MachineRefusals, HaveACauseForRootToo) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can lose a capability";
+    const bool hasDevice = access("/dev/mem", F_OK) == 0;
+    const std::string output = RunPrepared({QUORLIN_PROGRAM, "doctor", "--format", "csv"}, [] {
+                                   prctl(PR_CAPBSET_DROP, CAP_SYS_RAWIO);
+                               }).output;
+    for (const std::string memory : {"\nmemory,Memory of the firmware", "\nram,Memory of the system"})
+        EXPECT_NE(output.find(memory + (hasDevice ? ",,,false,capability," : ",,,false,no-device,")), output.npos)
+            << output;
+    EXPECT_EQ(output.find(",\"CAP_SYS_RAWIO, /dev/mem: ") != output.npos, hasDevice) << output;
 }

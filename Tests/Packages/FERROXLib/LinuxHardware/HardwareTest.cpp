@@ -61,6 +61,12 @@ TEST_F(Hardware, CPUIDRunsOnTheGivenProcessor) {
     EXPECT_TRUE(CPU_EQUAL(&before, &after));
 }
 
+// It may have gone offline while doctor asked.
+TEST_F(Hardware, AProcessorThatIsNotOnlineIsNoMissingModule) {
+    for (const Way_t way : {Way_t::kMSR, Way_t::kCPUID})
+        EXPECT_EQ(FindObstacle(way, os_GetProcessorCount()).obstacle, Obstacle_t::kOther);
+}
+
 TEST_F(Hardware, ImpossibleRequestsAreRefused) {
     static ClBuffer data(16), three(3), two(2);
     static MSRRecord_t msr = {0, 255, 0x10, 1, 2};
