@@ -666,6 +666,9 @@ TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
              "the request was refused (status 0); try quorlin hw --help, or quorlin doctor\n1\n"),
         Pair(memory + nobody + QUORLIN_PROGRAM " hw mem 0xF0000 4",
              "the system refuses it (status 0); try as root, or quorlin doctor\n1\n"),
+        Pair("cd /dev && " QUORLIN_PROGRAM " record r && " QUORLIN_PROGRAM " record s --replay r",
+             "quorlin: r: something wasn't recorded; machine.json tells what and why, and quorlin doctor more\n"
+             "quorlin: s: something wasn't recorded; machine.json tells what and why\n0\n"),
         Pair(QUORLIN_PROGRAM " hw acpi", "shows no ACPI tables; try quorlin doctor\n1\n"),
         Pair(firmware + "printf 12345 >acpi/tables/FACP && printf 123 >acpi/tables/SSDT1 && cp acpi/tables/FACP "
                         "acpi/tables/SSDT2 && touch \"acpi/tables/$(printf \"A\\033[C\")\" && " QUORLIN_PROGRAM
