@@ -145,7 +145,7 @@ TEST(Replay, CommandsShowTheRecordedMachine) {
     expect("hw pci 0000:00:03.0 0 4", 0, "20 21 22 23\n", "");
     expect("hw pci 0000:00:03.0 62 4", 1, "", kMissing);
     expect("hw msr read 0x1b", 0, "00000000fee00900\n", "");
-    expect("hw msr read 0x1b --cpu 1", 1, "", "was refused");
+    expect("hw msr read 0x1b --cpu 1", 1, "", "was refused (status 0); try quorlin hw --help\n");
     expect("hw msr read 0x10", 1, "", kMissing);
     expect("hw mem 0xf0000 16", 1, "", kMissing);
     expect("hw acpi", 0, "Table  Bytes\nFACP      44\nSSDT      37  the first of 2\n", "");

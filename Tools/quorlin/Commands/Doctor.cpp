@@ -75,10 +75,10 @@ Finding_t TryScan() {
     if (status == kSuccess) return {Obstacle_t::kNone, detail};
     if (end == ScanEnd_t::kNoRoom) throw std::bad_alloc();
     if (end == ScanEnd_t::kNoAnchors || end == ScanEnd_t::kFound) return {Obstacle_t::kNoAnchors, ""};
-    const Finding_t ofScan = FindObstacle(Way_t::kScan, 0);
+    Finding_t ofScan = FindObstacle(Way_t::kScan, 0);
     if (ofScan.obstacle != Obstacle_t::kNone) return ofScan;
     if (end == ScanEnd_t::kElsewhere) return {Obstacle_t::kNoMap, ""};
-    const Finding_t ofRAM = FindObstacle(Way_t::kRAM, 0);
+    Finding_t ofRAM = FindObstacle(Way_t::kRAM, 0);
     return ofRAM.obstacle == Obstacle_t::kStrictMemory ? ofRAM : WhyFailed(Way_t::kScan, 0, status);
 }
 
