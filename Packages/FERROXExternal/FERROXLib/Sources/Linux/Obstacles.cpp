@@ -89,6 +89,7 @@ Finding_t WhyRefused(int error, const Capability_t& capability, std::string deta
     return {Obstacle_t::kCapability, std::string(capability.name).append(", ").append(detail)};
 }
 
+// The same for a file that needs no capability.
 Finding_t WhyFileRefused(std::string_view path, int error) { return WhyRefused(EACCES, kAdmin, Reason(path, error)); }
 
 // ---- Lockdown
