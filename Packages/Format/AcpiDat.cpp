@@ -7,6 +7,7 @@
 namespace {
 
 constexpr size_t kPerRow = 16, kNameSize = 4;
+constexpr size_t kMostTables = 4096;  // far more than any machine has
 
 bool IsVisible(char c) { return c > ' ' && c <= '~'; }
 
@@ -75,6 +76,7 @@ std::string ParseAcpiDat(std::string_view text, std::vector<AcpiTable_t>* tables
             if (!IsAcpiName(name) || !lines.Take(name) || !lines.Take(" @ 0x") || !lines.TakeHex(1, 16, &address) ||
                 !lines.Rest().empty())
                 return lines.Problem("not the name of a table");
+            if (tables->size() == kMostTables) return lines.Problem("too many tables");
             tables->push_back({std::string(name), {}});
             isInTable = true;
         }

@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr size_t kMostProcessors = 4096;  // far more than a recording has
+
 // Reads "   0x00000007 0x01: eax=0x00000020 ebx=...".
 bool ParseRow(ClLines& lines, CpuidLeaf_t* row) {
     uint64_t leaf, subleaf, values[4];
@@ -56,6 +58,7 @@ std::string ParseCpuidDump(std::string_view text, std::vector<CpuidLeaves_t>* pr
         if (lines.Take("CPU ")) {
             if (!lines.TakeDecimal(9, &number) || lines.Rest() != ":" || number != processors->size())
                 return lines.Problem("not the next processor");
+            if (number == kMostProcessors) return lines.Problem("too many processors");
             processors->emplace_back();
         } else if (processors->empty()) {
             return lines.Problem("not a processor");

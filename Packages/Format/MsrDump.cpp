@@ -5,6 +5,7 @@
 #include "Packages/Format/TextLines.h"
 
 constexpr std::string_view kRefused = "refused";
+constexpr size_t kMostRegisters = 1u << 20;  // far more than a recording has
 
 // Reads "0x0000001b 0 00000000fee00900" or "0x0000001b 0 refused".
 static bool ParseRow(ClLines& lines, RecordedMsr_t* row) {
@@ -44,6 +45,7 @@ std::string ParseMsrDump(std::string_view text, std::vector<RecordedMsr_t>* regi
         if (!registers->empty() &&
             std::tie(row.number, row.processor) <= std::tie(registers->back().number, registers->back().processor))
             return lines.Problem("a register out of order");
+        if (registers->size() == kMostRegisters) return lines.Problem("too many registers");
         registers->push_back(row);
     }
     return {};

@@ -13,6 +13,9 @@
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 // As fopen. Returns null, with errno set, on failure.
 std::FILE* OpenFile(const std::string& path, const char* mode);
+// Opens a plain file for reading, without waiting. Opens nothing else, as opening a device may have effects. Returns
+// null, with errno set, on failure; with EINVAL for a link, a device or a pipe.
+std::FILE* OpenPlainFile(const std::string& path);
 // Creates a file with these bytes that only its owner can read and write. It gets its name when it is complete, so that
 // a signal, a full disk or a limit on file sizes leaves no partial file. Returns false, with errno set, on failure;
 // with EEXIST if the name exists, be it as a link.

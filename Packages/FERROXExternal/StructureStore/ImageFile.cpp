@@ -27,7 +27,9 @@ int ReadStream(std::FILE* file, size_t most, std::vector<uint8_t>* bytes) {
     return std::ferror(file) != 0 ? errno : 0;
 }
 
-int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) { return ReadBytes(path, kMostFileBytes, bytes); }
+int ReadFile(const std::string& path, std::vector<uint8_t>* bytes) {
+    return ReadAndClose(OpenFile(path, "r"), kMostFileBytes, bytes);
+}
 
 // Returns advice for a file that the user may not read.
 std::string AdviceForAccess() {
@@ -66,8 +68,7 @@ status_t ReadFolder(const std::string& path, Image_t* image, std::string* error)
 
 }  // namespace
 
-int ReadBytes(const std::string& path, size_t most, std::vector<uint8_t>* bytes) {
-    std::FILE* file = OpenFile(path, "r");
+int ReadAndClose(std::FILE* file, size_t most, std::vector<uint8_t>* bytes) {
     if (file == nullptr) return errno;
     std::setvbuf(file, nullptr, _IONBF, 0);
     const int problem = ReadStream(file, most, bytes);

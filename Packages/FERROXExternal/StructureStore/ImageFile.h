@@ -35,5 +35,6 @@ status_t ReadImage(const std::string& path, TableForm_t as, Image_t* image, std:
 // The same from a stream, up to its end.
 status_t ReadImage(std::FILE* stream, TableForm_t as, Image_t* image, std::string* error);
 
-// Reads a file of at most `most` bytes; of a larger one, one byte more. Returns 0 or an errno.
-int ReadBytes(const std::string& path, size_t most, std::vector<uint8_t>* bytes);
+// Reads what OpenFile or OpenPlainFile opened, at most `most` bytes and one more, which shows that it is larger; closes
+// it. Returns 0 or an errno, that of the opening if `file` is null.
+int ReadAndClose(std::FILE* file, size_t most, std::vector<uint8_t>* bytes);

@@ -1,6 +1,7 @@
 #include "Packages/FERROXExternal/StructureStore/Record.h"
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -8,6 +9,7 @@
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/Format/TextLines.h"
 #include "Packages/OS/Hmac.h"
+#include "Packages/OS/Program.h"
 
 namespace {
 
@@ -25,6 +27,14 @@ std::string_view TextOf(const std::vector<uint8_t>& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+// Reads a file whole. Returns what is wrong; empty if nothing is.
+std::string ReadWhole(const std::string& path, size_t most, std::vector<uint8_t>* bytes) {
+    const int problem = ReadAndClose(OpenPlainFile(path), most, bytes);
+    if (problem == EINVAL) return "a link or a device, not a plain file";
+    if (problem != 0) return std::strerror(problem);
+    return bytes->size() > most ? "larger than a record may be" : "";
+}
+
 // Returns what is wrong with the file's bytes; empty if nothing is.
 std::string Parse(RecordFile_t file, std::vector<uint8_t> bytes, Record_t* record) {
     RecordedHardware_t& hardware = record->hardware;
@@ -36,8 +46,9 @@ std::string Parse(RecordFile_t file, std::vector<uint8_t> bytes, Record_t* recor
         default: break;
     }
     std::string problem;
-    if (ImageFromBytes(std::move(bytes), TableForm_t::kDump, &record->table, &problem) == kSuccess) return {};
-    return problem.substr(0, problem.find(';'));
+    if (ImageFromBytes(std::move(bytes), TableForm_t::kDump, &record->table, &problem) != kSuccess)
+        return problem.substr(0, problem.find(';'));
+    return record->table.missing == 0 ? "" : "cut short";
 }
 
 std::string HexOf(std::span<const uint8_t> bytes) {
@@ -51,22 +62,25 @@ std::string HexOf(std::span<const uint8_t> bytes) {
 status_t ReadRecord(const std::string& folder, Record_t* record, std::string* error) {
     *record = {};
     std::vector<uint8_t> bytes;
-    if (const int problem = ReadBytes(folder + "/" + kMachineJson, kMostTextBytes, &bytes); problem != 0) {
+    std::string problem = ReadWhole(folder + "/" + kMachineJson, kMostTextBytes, &bytes);
+    if (!problem.empty()) {
         *error = std::string("not a record, as its ").append(kMachineJson).append(" can't be read: ");
-        error->append(std::strerror(problem)).append("; try a folder that quorlin record wrote");
+        error->append(problem).append("; try a folder that quorlin record wrote");
         return kFailure;
     }
-    const std::string problem = ParseMachineJson(TextOf(bytes), &record->hardware.facts);
+    problem = ParseMachineJson(TextOf(bytes), &record->hardware.facts);
     if (!problem.empty()) return Fail(kMachineJson, problem, error);
+    size_t room = kMostTextBytes;  // for all files together
     for (const RecordedFile_t& file : record->hardware.facts.files) {
-        if (const int code = ReadBytes(folder + "/" + file.name, kMostTextBytes, &bytes); code != 0)
-            return Fail(file.name, std::strerror(code), error);
+        problem = ReadWhole(folder + "/" + file.name, room, &bytes);
+        if (!problem.empty()) return Fail(file.name, problem, error);
+        room -= bytes.size();
         std::array<uint8_t, 32> hash;
         if (!os_Sha256(bytes, hash)) return Fail(file.name, "the system has no SHA-256", error);
         if (HexOf(hash) != file.sha256)
             return Fail(file.name, std::string("not the file that ").append(kMachineJson).append(" describes"), error);
-        const std::string damage = Parse(RecordFileByName(file.name), std::move(bytes), record);
-        if (!damage.empty()) return Fail(file.name, damage, error);
+        problem = Parse(RecordFileByName(file.name), std::move(bytes), record);
+        if (!problem.empty()) return Fail(file.name, problem, error);
     }
     return kSuccess;
 }

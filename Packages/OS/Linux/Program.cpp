@@ -17,6 +17,19 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv,
 
 std::FILE* OpenFile(const std::string& path, const char* mode) { return OpenStreamAbove(path.c_str(), mode); }
 
+std::FILE* OpenPlainFile(const std::string& path) {
+    struct stat facts;
+    if (lstat(path.c_str(), &facts) != 0) return nullptr;
+    if (S_ISREG(facts.st_mode)) {
+        ClDescriptor file(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+        if (!file.IsOpen()) return nullptr;
+        // The name may have been replaced since it was looked at.
+        if (fstat(file.Get(), &facts) == 0 && S_ISREG(facts.st_mode)) return file.OpenStream("r");
+    }
+    errno = EINVAL;
+    return nullptr;
+}
+
 static bool WriteAll(int file, const void* bytes, size_t size) {
     const auto* next = static_cast<const char*>(bytes);
     while (size != 0) {

@@ -23,6 +23,7 @@ FILE* os_fopen(const char* path, const char* mode) {
 }
 
 std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
+std::FILE* OpenPlainFile(const std::string& path) { return std::fopen(path.c_str(), "r"); }
 
 // Writes to a temporary name and then creates a link, which never replaces a file.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {

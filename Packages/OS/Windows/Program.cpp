@@ -48,6 +48,9 @@ std::FILE* OpenFile(const std::string& path, const char* mode) {
     return _wfopen(ToWide(path).c_str(), (ToWide(mode) + L"b").c_str());
 }
 
+// Folders hold no devices or pipes.
+std::FILE* OpenPlainFile(const std::string& path) { return OpenFile(path, "r"); }
+
 // Returns the system's last error as an errno.
 static int LastErrno() {
     switch (GetLastError()) {

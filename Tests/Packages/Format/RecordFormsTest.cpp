@@ -117,6 +117,22 @@ TEST(RecordForms, DamageIsNamedWithItsLine) {
     EXPECT_EQ(place(Msr(apic + "0x0000001c 0 refused!\n")), "line 2") << "another word";
 }
 
+// A file of the size that is taken needs no more memory for its items than for its text.
+TEST(RecordForms, ItemsAreLimited) {
+    const auto number = [](size_t value) { return std::to_string(value); };
+    std::string tables, processors, registers;
+    for (size_t i = 0; i <= 4096; i++) {
+        tables += "FACP @ 0x0\n    0000: 41\n\n";
+        processors += "CPU " + number(i) + ":\n";
+    }
+    for (size_t i = 0; i <= 1u << 20; i++) registers += "0x00000010 " + number(i) + " refused\n";
+    EXPECT_EQ(Acpi(tables), "line 12289: too many tables");
+    EXPECT_EQ(Cpuid(processors), "line 4097: too many processors");
+    EXPECT_EQ(Msr(registers), "line 1048577: too many registers");
+    EXPECT_EQ(Acpi(tables.substr(0, tables.size() - 26)), "");
+    EXPECT_EQ(Cpuid(processors.substr(0, processors.find("CPU 4096"))), "");
+}
+
 // Each capability is visited once, and a list that bites its tail ends.
 TEST(RecordForms, ExtendedCapabilitiesEnd) {
     std::vector<uint8_t> bytes(4096);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <linux/seccomp.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -154,6 +155,24 @@ TEST(WholeFolders, AreAbsentIfNotWhole) {
 }
 
 // From the shell to the hardware, with an operation that needs no rights.
+// Nothing else is opened: a pipe would wait for its writer.
+TEST(PlainFiles, AreNoLinksPipesOrDevices) {
+    const std::string folder = Folder();
+    ASSERT_TRUE(CreateWholeFile(folder + "file", "text", 4));
+    fs::create_symlink("file", folder + "link");
+    fs::create_symlink("/dev/null", folder + "device");
+    ASSERT_EQ(mkfifo((folder + "pipe").c_str(), 0600), 0);
+    std::FILE* const file = OpenPlainFile(folder + "file");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(std::fgetc(file), 't');
+    std::fclose(file);
+    for (const std::string name : {"link", "device", "pipe", "", "none"}) {
+        EXPECT_EQ(OpenPlainFile(folder + name), nullptr) << name;
+        EXPECT_EQ(errno, name == "none" ? ENOENT : EINVAL) << name;
+    }
+    EXPECT_EQ(OpenPlainFile("/dev/null"), nullptr);
+}
+
 TEST(Program, ReadsHardwareFromTheShell) {
     unsigned eax, ebx, ecx, edx;
     __cpuid(0, eax, ebx, ecx, edx);
