@@ -21,8 +21,10 @@ std::vector<uint8_t> Repeated(size_t size, uint8_t first) {
 
 CpuidLeaves_t Processor(uint32_t apic) {
     return {
-        {0x00000000, 0, 1,       0x756E6547, 0x6C65746E, 0x49656E69},
+        {0x00000000, 0, 4,       0x756E6547, 0x6C65746E, 0x49656E69},
         {0x00000001, 0, 0x506E3, apic << 24, 0,          0x1F      },
+        {0x00000004, 0, 0,       0,          0,          7         },
+        {0x00000004, 1, 0,       0,          1,          7         },
     };
 }
 

@@ -6,8 +6,8 @@
 
 #include "Packages/FERROXExternal/FERROXLib/RecordedHardware.h"
 
-// A machine with two processors, a chassis by "Nord", tables named FACP and SSDT (twice), two PCI functions, and some
-// registers.
+// A machine with two processors, whose leaf 4 has sub-leaves, a chassis by "Nord", tables named FACP and SSDT (twice),
+// two PCI functions, and some registers.
 struct TestRecord_t {
     std::vector<uint8_t> table;
     RecordedHardware_t hardware;

@@ -14,29 +14,14 @@
 
 namespace {
 
-// In rising order. Reads of these have no effect.
+struct RegisterRow_t {
+    uint32_t number;
+    enum Maker_t : uint8_t { kAll, kIntel, kAMD } maker;
+};
 constexpr RegisterRow_t kRegisters[] = {
-    {0x00000010, RegisterRow_t::kAny,   "TIME_STAMP_COUNTER"  },
-    {0x00000017, RegisterRow_t::kIntel, "PLATFORM_ID"         },
-    {0x0000001B, RegisterRow_t::kAny,   "APIC_BASE"           },
-    {0x0000003A, RegisterRow_t::kIntel, "FEATURE_CONTROL"     },
-    {0x0000008B, RegisterRow_t::kIntel, "BIOS_SIGN_ID"        },
-    {0x0000008B, RegisterRow_t::kAmd,   "PATCH_LEVEL"         },
-    {0x000000CE, RegisterRow_t::kIntel, "PLATFORM_INFO"       },
-    {0x000000FE, RegisterRow_t::kAny,   "MTRRCAP"             },
-    {0x00000198, RegisterRow_t::kIntel, "PERF_STATUS"         },
-    {0x000001A0, RegisterRow_t::kIntel, "MISC_ENABLE"         },
-    {0x000001A2, RegisterRow_t::kIntel, "TEMPERATURE_TARGET"  },
-    {0x000001AD, RegisterRow_t::kIntel, "TURBO_RATIO_LIMIT"   },
-    {0x00000277, RegisterRow_t::kAny,   "PAT"                 },
-    {0x000002FF, RegisterRow_t::kAny,   "MTRR_DEF_TYPE"       },
-    {0x00000606, RegisterRow_t::kIntel, "RAPL_POWER_UNIT"     },
-    {0x00000610, RegisterRow_t::kIntel, "PKG_POWER_LIMIT"     },
-    {0x00000614, RegisterRow_t::kIntel, "PKG_POWER_INFO"      },
-    {0xC0000080, RegisterRow_t::kAny,   "EFER"                },
-    {0xC0010015, RegisterRow_t::kAmd,   "HWCR"                },
-    {0xC0010061, RegisterRow_t::kAmd,   "PSTATE_CURRENT_LIMIT"},
-    {0xC0010064, RegisterRow_t::kAmd,   "PSTATE_DEF_0"        },
+#define REGISTER(number, name, maker) {number, RegisterRow_t::k##maker},
+#include "Tools/quorlin/Registers.inc"
+#undef REGISTER
 };
 
 constexpr uint32_t kMostProcessors = kAnyProcessor;  // that have numbers of their own
@@ -77,8 +62,11 @@ class ClRecorder {
     }
 
   private:
+    // The first reason is kept: those of a replayed machine are its own.
     void Unread(std::string_view what, std::string_view why) {
-        m_record.facts.unread.push_back({std::string(what), std::string(why)});
+        std::vector<Unread_t>& unread = m_record.facts.unread;
+        if (std::ranges::find(unread, what, &Unread_t::what) == unread.end())
+            unread.push_back({std::string(what), std::string(why)});
     }
     void Recorded(RecordFile_t file) { m_record.facts.files.push_back({kRecordFiles[file], {}}); }
 
@@ -115,6 +103,7 @@ class ClRecorder {
         const std::vector<uint32_t> numbers =
             hardware.ListACPITables != nullptr ? hardware.ListACPITables() : std::vector<uint32_t>();
         if (LastRefusal() == Refusal_t::kNotRecorded) return Unread("ACPI tables", WhyRefused());
+        m_record.facts.leftOut.clear();  // of a replayed machine, which lists them
         std::vector<std::string> names;
         for (const uint32_t number : numbers) {
             AcpiTable_t table = {
@@ -141,8 +130,7 @@ class ClRecorder {
     static bool IsLicenceKey(std::string_view name) { return name == "MSDM" || name == "SLIC"; }
 
     void LeaveOut(const std::string& name, std::string_view why) {
-        std::vector<std::string>& leftOut = m_record.facts.leftOut;
-        if (std::ranges::find(leftOut, name) == leftOut.end()) leftOut.push_back(name);
+        m_record.facts.leftOut.push_back(name);
         Unread("ACPI table " + name, why);
     }
 
@@ -184,7 +172,7 @@ class ClRecorder {
             if (begin != kBasic && (last < begin || last - begin > kMostInRange)) continue;
             if (begin == 0x40000000u && !HasHypervisor(*leaves)) continue;
             for (uint32_t leaf = begin; leaf <= begin + std::min(last - begin, kMostInRange); leaf++)
-                ReadSubleaves(processor, leaf, leaves);
+                if (!ReadSubleaves(processor, leaf, leaves)) return false;
         }
         return std::ranges::find(*leaves, kSignature, &CpuidLeaf_t::leaf) != leaves->end();
     }
@@ -194,21 +182,27 @@ class ClRecorder {
         return found != leaves.end() && found->ecx >> 31 != 0;
     }
 
-    // A leaf without sub-leaves is the same for all of them. Others are read up to the first one after the last that
-    // says something.
-    void ReadSubleaves(uint32_t processor, uint32_t leaf, CpuidLeaves_t* leaves) const {
+    // A leaf that reads the same for the first sub-leaves has none, and gets one row. Others get at least two, and are
+    // read up to the first sub-leaf after the last that says something. Returns false if one can't be read.
+    bool ReadSubleaves(uint32_t processor, uint32_t leaf, CpuidLeaves_t* leaves) const {
         constexpr uint32_t kMostSubleaves = 64;
-        const size_t begin = leaves->size();
-        size_t end = begin + 1;
+        CpuidLeaves_t rows;
+        size_t count = 2;
         for (uint32_t subleaf = 0; subleaf < kMostSubleaves; subleaf++) {
             CpuidLeaf_t row;
-            if (Read(processor, leaf, subleaf, &row) != kSuccess) break;
-            leaves->push_back(row);
-            if (subleaf == 1 && IsSame(row, (*leaves)[begin])) break;
-            if (row.eax != 0 || row.ebx != 0) end = leaves->size() + 1;
+            if (Read(processor, leaf, subleaf, &row) != kSuccess) {
+                if (ReplayedRecord() == nullptr) return false;
+                break;  // the record ends here
+            }
+            rows.push_back(row);
+            if (row.eax != 0 || row.ebx != 0) count = rows.size() + 1;
+            if (rows.size() == 3 && IsSame(rows[0], rows[1]) && IsSame(rows[0], rows[2])) {
+                count = 1;
+                break;
+            }
         }
-        if (leaves->size() == begin + 2 && IsSame((*leaves)[begin + 1], (*leaves)[begin])) end = begin + 1;
-        if (leaves->size() > end) leaves->resize(end);
+        std::ranges::copy(std::span(rows).first(std::min(count, rows.size())), std::back_inserter(*leaves));
+        return true;
     }
     static bool IsSame(const CpuidLeaf_t& first, const CpuidLeaf_t& second) {
         return first.eax == second.eax && first.ebx == second.ebx && first.ecx == second.ecx && first.edx == second.edx;
@@ -303,7 +297,7 @@ class ClRecorder {
     }
 
     bool IsRecorded(const RegisterRow_t& row) const {
-        if (row.maker == RegisterRow_t::kAny) return true;
+        if (row.maker == RegisterRow_t::kAll) return true;
         const CpuidLeaves_t& leaves = m_record.processors[0];
         const bool isIntel = leaves[0].ecx == 0x6C65746E, isAmd = leaves[0].ecx == 0x444D4163;  // "ntel", "cAMD"
         return !HasHypervisor(leaves) && (row.maker == RegisterRow_t::kIntel ? isIntel : isAmd);
@@ -341,7 +335,5 @@ class ClRecorder {
 };
 
 }  // namespace
-
-std::span<const RegisterRow_t> RecordedRegisters() { return kRegisters; }
 
 RecordedHardware_t ReadHardware(const RecordingOptions_t& options) { return ClRecorder(options).Run(); }

@@ -6,16 +6,6 @@
 
 #include "Packages/FERROXExternal/FERROXLib/RecordedHardware.h"
 
-// A model-specific register that is recorded.
-struct RegisterRow_t {
-    uint32_t number;
-    // The makers whose processors have it. All but those of any maker are left out under a hypervisor, which may lack
-    // them.
-    enum Maker_t : uint8_t { kAny, kIntel, kAmd } maker;
-    char name[29];
-};
-std::span<const RegisterRow_t> RecordedRegisters();
-
 struct RecordingOptions_t {
     bool withLicenceKeys = false;
     // Is called with what is read next.

@@ -52,7 +52,9 @@ TEST_F(Replay, AnswersAsTheMachineDid) {
         {kAnyProcessor, 0, 0, kSuccess,      0x756E6547},
         {1,             1, 0, kSuccess,      1u << 24  },
         {2,             1, 0, kBadValue,     0         },
-        {0,             1, 1, kNotSupported, 0         },
+        {1,             1, 9, kSuccess,      1u << 24  }, // which has no sub-leaves
+        {0,             4, 1, kSuccess,      0         },
+        {0,             4, 2, kNotSupported, 0         },
         {0,             2, 0, kNotSupported, 0         },
     };
     for (const auto& c : kLeaves) {
@@ -175,10 +177,13 @@ TEST(Record, BadFoldersAreRefusedInOneLine) {
         has(without(file), file);
         has(damaged(file, 0, '?'), "not the file that machine.json describes");
     }
+    const std::string folder = WriteRecord("large");
+    std::filesystem::resize_file(folder + "/cpuid.txt", 64u << 20);  // more than all files may have together
+    has(folder, "cpuid.txt: larger than a record may be");
     // A file that is as described, but not of its form.
     TestRecord_t record;
     record.hardware.processors[0].push_back({0, 0, 0, 0, 0, 0});
-    has(WriteRecord("odd", record), "cpuid.txt: line 4: a leaf out of order");
+    has(WriteRecord("odd", record), "cpuid.txt: line 6: a leaf out of order");
     record = {};
     record.table.clear();
     has(WriteRecord("empty", record), "dmi.bin: ");

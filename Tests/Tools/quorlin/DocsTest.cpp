@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "Tests/Support/Program.h"
+#include "Tests/Support/Records.h"
 #include "Tests/Support/Structures.h"
 
 namespace {
@@ -119,6 +120,20 @@ TEST(Docs, EveryCauseOfDoctorIsExplained) {
         EXPECT_TRUE(cause == "none" || pages.find("| `" + cause + "` |") != pages.npos) << cause;
 }
 
+TEST(Docs, TheRecordedRegistersAreListed) {
+    std::string expected, listed;
+    for (const std::string row : {
+#define REGISTER(number, name, maker) "| `" #number "` | " #name " | " #maker " |\n",
+#include "Tools/quorlin/Registers.inc"
+#undef REGISTER
+         })
+        expected += row;
+    std::istringstream page(ReadWholeFile(QUORLIN_SOURCE_DIR "/Docs/Record.md"));
+    for (std::string line; std::getline(page, line);)
+        if (line.starts_with("| `0x")) listed += line + "\n";
+    EXPECT_EQ(listed, expected);
+}
+
 // A schema of Docs.
 class ClSchema {
   public:
@@ -157,7 +172,8 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
                               R"({"source":"a","smbios":"3.0","structures":[{"type":256,"handle":0,"instance":1,)"
                               R"("title":"","items":[]}]})",
                               R"({"source":"a","smbios":"3.0","findings":[{"rule":"new","severity":"note","what":"",)"
-                              R"("count":1,"places":[]}]})"})
+                              R"("count":1,"places":[]}]})",
+                              R"({"form":"quorlin record","version":1,"files":[]})"})
         EXPECT_NE(Problem(wrong), "") << wrong;
     // A string of all bytes, a title's structure cut short, and damage before all of it.
     const std::vector<uint8_t> table =
@@ -177,6 +193,8 @@ TEST(Docs, TheSchemaHoldsForEveryDocument) {
         EXPECT_EQ(Problem(RunQuorlin(command + std::string("--sample --format json")).output), "") << command;
     for (const char* arguments : {"redact --list --format json", "doctor --format json", "doctor --format ndjson"})
         EXPECT_EQ(Problem(RunQuorlin(arguments).output), "") << arguments;
+    EXPECT_EQ(Problem(WriteMachineJson({})), "");
+    EXPECT_EQ(Problem(ReadWholeFile(WriteRecord("described") + "/machine.json")), "");
     EXPECT_EQ(Problem(RunQuorlin("diff --sample --format json " + WriteFile("odd.bin", table)).output), "");
 }
 

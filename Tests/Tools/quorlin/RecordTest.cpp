@@ -53,8 +53,8 @@ TestRecord_t NamedMachine() {
     record.hardware.functions = {
         {0, space}
     };
-    record.hardware.processors[0][0].eax = 3;
-    record.hardware.processors[0].push_back({3, 0, 0, 0, 0x5E41A1, 0x5E41A2});
+    CpuidLeaves_t& leaves = record.hardware.processors[0];
+    leaves.insert(leaves.begin() + 2, {3, 0, 0, 0, 0x5E41A1, 0x5E41A2});
     record.hardware.facts.leftOut.clear();
     record.hardware.facts.unread.clear();
     return record;
@@ -111,7 +111,7 @@ TEST(Record, RedactedLeavesNoName) {
     EXPECT_NE(std::memcmp(&space[0x104], &oldSpace[0x104], 8), 0);
     EXPECT_EQ(std::memcmp(space.data(), oldSpace.data(), 0x104), 0);
     EXPECT_EQ(std::memcmp(&space[0x10C], &oldSpace[0x10C], 4096 - 0x10C), 0);
-    EXPECT_EQ(made.processors[0].back(), (CpuidLeaf_t{3, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(made.processors[0][2], (CpuidLeaf_t{3, 0, 0, 0, 0, 0}));
     // As redact makes it of the dump.
     const std::string dump = testing::TempDir() + "named.bin";
     fs::remove(dump);
@@ -142,13 +142,14 @@ TEST(Replay, CommandsShowTheRecordedMachine) {
     const char* const kMissing = "the record doesn't have it";
     expect("get 1 \"Serial Number\"", 0, "SN-4711\n", "");
     expect("hw cpuid 1 --cpu 1", 0, "eax 000506e3 ebx 01000000 ecx 00000000 edx 0000001f", "");
+    expect("hw cpuid 4 2", 1, "", kMissing);
     expect("hw pci 0000:00:03.0 0 4", 0, "20 21 22 23\n", "");
     expect("hw pci 0000:00:03.0 62 4", 1, "", kMissing);
     expect("hw msr read 0x1b", 0, "00000000fee00900\n", "");
     expect("hw msr read 0x1b --cpu 1", 1, "", "was refused (status 0); try quorlin hw --help\n");
     expect("hw msr read 0x10", 1, "", kMissing);
     expect("hw mem 0xf0000 16", 1, "", kMissing);
-    expect("hw acpi", 0, "Table  Bytes\nFACP      44\nSSDT      37  the first of 2\n", "");
+    expect("hw acpi", 0, "Table  Bytes\nFACP      44\nSSDT      37  the first of 2\nMSDM       -\n", "");
     expect("hw acpi NONE", 1, "", "no such thing");
     expect("hw versions", 0, "Library  03.00.0.1000\nDriver   3.1\n", "");
     expect("types --image x.bin", 2, "", "exclude each other");

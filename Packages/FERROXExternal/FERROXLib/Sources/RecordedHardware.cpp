@@ -57,10 +57,10 @@ status_t ReadExtended(uint32_t location, uint32_t offset, DataBuffer_t* buffer) 
 
 status_t ReadRegister(MSRRecord_t* record) {
     const uint32_t processor = record->Cpu == kAnyProcessor ? 0 : record->Cpu;
-    const auto found = std::ranges::find_if(current->registers, [&](const RecordedMsr_t& each) {
-        return each.number == record->Msr && each.processor == processor;
-    });
-    if (found == current->registers.end()) return NotRecorded();
+    const auto key = [](const RecordedMsr_t& each) { return uint64_t{each.number} << 32 | each.processor; };
+    const uint64_t wanted = uint64_t{record->Msr} << 32 | processor;
+    const auto found = std::ranges::lower_bound(current->registers, wanted, {}, key);
+    if (found == current->registers.end() || key(*found) != wanted) return NotRecorded();
     NoteRefusal(Refusal_t::kOther);
     if (!found->value) return 0;
     record->HiContent = static_cast<uint32_t>(*found->value >> 32);
@@ -101,13 +101,17 @@ bool ReadTable(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool
     return found != nullptr;
 }
 
+// Those that were left out too, at the end.
 std::vector<uint32_t> ListTables() {
     if (!current->Has(kAcpiRecord)) NotRecorded();
     std::vector<uint32_t> numbers;
-    for (const AcpiTable_t& table : current->tables) {
+    const auto add = [&numbers](const std::string& name) {
+        if (name.size() != sizeof(uint32_t)) return;
         numbers.emplace_back();
-        std::memcpy(&numbers.back(), table.name.data(), sizeof(uint32_t));
-    }
+        std::memcpy(&numbers.back(), name.data(), sizeof(uint32_t));
+    };
+    for (const AcpiTable_t& table : current->tables) add(table.name);
+    for (const std::string& name : current->facts.leftOut) add(name);
     return numbers;
 }
 
@@ -136,9 +140,12 @@ status_t ReadRecordedCPUID(const RecordedHardware_t& recorded, uint32_t processo
     if (number >= recorded.processors.size())
         return number >= recorded.facts.processors.value_or(UINT64_MAX) ? kBadValue : NotRecorded();
     const CpuidLeaves_t& leaves = recorded.processors[number];
-    const auto key = [](const CpuidLeaf_t& leaf) { return uint64_t{leaf.leaf} << 32 | leaf.subleaf; };
-    const auto found = std::ranges::lower_bound(leaves, uint64_t{record->Eax} << 32 | record->Ecx, {}, key);
-    if (found == leaves.end() || found->leaf != record->Eax || found->subleaf != record->Ecx) return NotRecorded();
+    const auto begin = std::ranges::lower_bound(leaves, record->Eax, {}, &CpuidLeaf_t::leaf);
+    const auto end = std::ranges::upper_bound(leaves, record->Eax, {}, &CpuidLeaf_t::leaf);
+    // A leaf without sub-leaves is recorded as sub-leaf 0, and answers so for all of them.
+    const bool isForAll = end - begin == 1 && begin->subleaf == 0;
+    const auto found = isForAll ? begin : std::ranges::find(begin, end, record->Ecx, &CpuidLeaf_t::subleaf);
+    if (found == end) return NotRecorded();
     *record = {record->Reserved, found->eax, found->ebx, found->ecx, found->edx};
     return kSuccess;
 }
