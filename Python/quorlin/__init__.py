@@ -256,7 +256,7 @@ def open(path: Union[str, "os.PathLike[str]"], version: Optional[Tuple[int, int]
     """Opens an image: a dump that begins with an entry point, a bare table, the answer of Windows' firmware-table call,
     any of them compressed with gzip; or a folder with the files smbios_entry_point and DMI. `version` is the SMBIOS
     version of a bare table, which doesn't state it."""
-    return _opened(_c.quorlin_facts_open_file, os.fspath(path).encode("utf-8", "surrogateescape"), _options(version))
+    return _opened(_c.quorlin_facts_open_file, _path(path), _options(version))
 
 
 def from_bytes(image: bytes, version: Optional[Tuple[int, int]] = None) -> Table:
@@ -264,12 +264,19 @@ def from_bytes(image: bytes, version: Optional[Tuple[int, int]] = None) -> Table
     return _opened(_c.quorlin_facts_open_memory, bytes(image), len(image), _options(version))
 
 
-def this_machine(use_driver: bool = False) -> Table:
+def this_machine(use_driver: bool = False, replay: Optional[Union[str, "os.PathLike[str]"]] = None) -> Table:
     """Opens the table of this machine, which usually needs root. With `use_driver`, goes on to physical memory if the
-    system offers no table; on Windows that installs the kernel driver."""
+    system offers no table; on Windows that installs the kernel driver. With `replay`, opens that of the recorded
+    machine in this folder, which `quorlin record` wrote."""
     options = _options(None)
     options.use_driver = use_driver
+    if replay is not None:
+        options.replay = _path(replay)
     return _opened(_c.quorlin_facts_open_machine, options)
+
+
+def _path(path: Union[str, "os.PathLike[str]"]) -> bytes:
+    return os.fspath(path).encode("utf-8", "surrogateescape")
 
 
 def _options(version: Optional[Tuple[int, int]]) -> _library.Options:

@@ -15,6 +15,7 @@ class Options(ctypes.Structure):
         ("smbios_minor", c_uint8),
         ("use_driver", c_uint8),
         ("type_148", c_uint8),
+        ("replay", c_char_p),
     ]
 
 

@@ -6,6 +6,7 @@
 Reads the sample, the tests' generated images, and the images of real machines where there are some.
 """
 import gc
+import hashlib
 import json
 import os
 import pathlib
@@ -217,6 +218,22 @@ class Package(unittest.TestCase):
             quorlin.open("/no/such/file")
         with self.assertRaisesRegex(quorlin.Error, "not a table"):
             quorlin.from_bytes(b"no table at all")
+
+    def test_recorded_machine(self):
+        with tempfile.TemporaryDirectory() as folder:
+            place = pathlib.Path(folder)
+            (place / "dmi.bin").write_bytes(run(PROGRAM, "dump", "--sample", "-"))
+            digest = hashlib.sha256((place / "dmi.bin").read_bytes()).hexdigest()
+            (place / "machine.json").write_text(json.dumps({"form": "quorlin record", "version": 1, "files": [
+                {"name": "dmi.bin", "sha256": digest}]}))
+            table = quorlin.this_machine(replay=place)
+            self.assertEqual(table.bytes, quorlin.open(place / "dmi.bin").bytes)
+            self.assertEqual(table.form, "this machine")
+            (place / "dmi.bin").write_bytes(b"")
+            with self.assertRaisesRegex(quorlin.Error, "not the file that machine.json describes"):
+                quorlin.this_machine(replay=folder)
+            with self.assertRaisesRegex(quorlin.Error, "not a record"):
+                quorlin.this_machine(replay="")
 
     def test_threads(self):
         table = quorlin.from_bytes(self.TABLE)
