@@ -22,7 +22,7 @@ fail() {
 grep -o '"name": "[^"]*", "sha256": "[^"]*"' "$record/machine.json" |
     sed 's/.*: "\(.*\)", .*: "\(.*\)"/\2  \1/' | (cd "$record" && sha256sum --quiet -c -)
 
-# ACPI: the first table of each name, byte for byte. acpixtract names them in lower case.
+# ACPI: as many tables, and the first of each name byte for byte. acpixtract names them in lower case.
 if [ -s "$record/acpi.dat" ]; then
     (cd "$work/tables" && acpixtract -a "$record/acpi.dat" >../acpixtract.log)
     while read -r name _; do
@@ -30,7 +30,8 @@ if [ -s "$record/acpi.dat" ]; then
         [ -e "$file" ] || file=${file%.dat}1.dat
         replay hw acpi "$name" --out "$work/$name"
         cmp "$work/$name" "$file" || fail "ACPI table $name"
-    done < <(replay hw acpi | sed 1d)
+    done < <(replay hw acpi | sed '1d; / -$/d')
+    [ "$(find "$work/tables" -type f | wc -l)" = "$(grep -c ' @ 0x' "$record/acpi.dat")" ] || fail "ACPI tables"
 fi
 
 # PCI: all bytes of each function.
@@ -38,18 +39,20 @@ if [ -e "$record/pci.txt" ]; then
     lspci -F "$record/pci.txt" -D -n -xxxx >"$work/lspci"
     functions=0
     while read -r place _; do
-        size=64
-        [ "$(sed -n "/^$place /,/^\$/p" "$record/pci.txt" | wc -l)" -lt 18 ] || size=256
-        replay hw pci "$place" 0 $size | tail -n 1 | tr ' ' '\n' >"$work/ours"
-        sed -n "/^$place /,/^\$/s/^[0-9a-f]*: //p" "$work/lspci" | tr ' ' '\n' | sed -n "1,${size}p" >"$work/theirs"
+        sed -n "/^$place /,/^\$/s/^[0-9a-f]*: //p" "$work/lspci" | tr ' ' '\n' >"$work/theirs"
+        replay hw pci "$place" 0 "$(wc -l <"$work/theirs")" | tr ' ' '\n' >"$work/ours"
         cmp "$work/ours" "$work/theirs" || fail "PCI function $place"
         functions=$((functions + 1))
     done < <(grep -E '^[0-9a-f]{4}:' "$record/pci.txt")
     [ $functions = "$(grep -cE '^[0-9a-f]{4}:' "$work/lspci")" ] || fail "PCI functions"
 fi
 
-# CPUID: the registers of leaves 0 and 1, and the maker, of each processor.
+# CPUID: the registers of all leaves of processor 0, of leaves 0 and 1 of each processor, and its maker.
 cpuid -r -f "$record/cpuid.txt" >"$work/cpuid"
+while read -r leaf subleaf registers; do
+    ours=$(replay hw cpuid "$leaf" "${subleaf%:}" --cpu 0 | sed 's/\(e[a-d]x\) /\1=0x/g')
+    [ "$ours" = "$registers" ] || fail "CPUID leaf $leaf $subleaf $registers: $ours"
+done < <(sed -n '/^CPU 0:/,/^CPU 1:/s/^ *0x/0x/p' "$work/cpuid")
 processors=$(grep -c '^CPU ' "$record/cpuid.txt")
 for processor in $(seq 0 $((processors - 1))); do
     for leaf in 0 1; do
@@ -60,8 +63,10 @@ for processor in $(seq 0 $((processors - 1))); do
 done
 [ "$(cpuid -f "$record/cpuid.txt" | grep -c 'vendor_id')" = "$processors" ] || fail "makers"
 
-# The table: a keyword of each of the main structures.
+# The table: as many structures, and a keyword of each of the main ones.
 if [ -e "$record/dmi.bin" ]; then
+    [ "$(replay raw | grep -c '^Handle ')" = "$(dmidecode --from-dump "$record/dmi.bin" | grep -c '^Handle ')" ] ||
+        fail "structures"
     for keyword in bios-vendor bios-version system-manufacturer system-product-name system-uuid chassis-manufacturer; do
         replay get $keyword >"$work/ours" || true
         dmidecode --from-dump "$record/dmi.bin" -s $keyword >"$work/theirs"
