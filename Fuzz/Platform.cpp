@@ -19,6 +19,7 @@ std::FILE* OpenFile(const std::string& path, const char*) {
     errno = path == "secret" ? EACCES : ENOENT;
     return nullptr;
 }
+std::FILE* OpenPlainFile(const std::string& path) { return OpenFile(path, "r"); }
 bool CreateWholeFile(const std::string&, const void*, size_t) {
     errno = EEXIST;
     return false;
