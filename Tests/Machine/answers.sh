@@ -60,7 +60,7 @@ hw cpuid 0
 hw cpuid 1 --cpu 0
 hw cpuid 1 --cpu 1
 hw cpuid 1 --cpu 9
-hw cpuid 1 9
+hw cpuid 1 9 --cpu 1
 hw cpuid 4 1
 hw cpuid 7
 hw cpuid 0xb 1 --cpu 1
