@@ -82,10 +82,13 @@ quorlin_status OpenMachine(const quorlin_options& options, const Open& open) {
     if (options.replay != nullptr) {
         Record_t record;
         std::string problem;
-        if (ReadRecord(options.replay, &record, &problem) == kSuccess)
-            return open([&record] { SetRecordedMachine(record); });
-        KeepProblem(problem);
-        return QUORLIN_NO_IMAGE;
+        if (ReadRecord(options.replay, &record, &problem) != kSuccess) {
+            KeepProblem(problem);
+            return QUORLIN_NO_IMAGE;
+        }
+        const quorlin_status status = open([&record] { SetRecordedMachine(record); });
+        if (status == QUORLIN_NO_TABLE) KeepProblem(WhyNoTable(record));
+        return status;
     }
     const quorlin_status status = open([] { SetMachine(ThisMachineWithoutDriver()); });
     if (status != QUORLIN_NO_TABLE || options.use_driver == 0) return status;

@@ -222,10 +222,22 @@ class Package(unittest.TestCase):
     def test_recorded_machine(self):
         with tempfile.TemporaryDirectory() as folder:
             place = pathlib.Path(folder)
-            (place / "dmi.bin").write_bytes(run(PROGRAM, "dump", "--sample", "-"))
-            digest = hashlib.sha256((place / "dmi.bin").read_bytes()).hexdigest()
-            (place / "machine.json").write_text(json.dumps({"form": "quorlin record", "version": 1, "files": [
-                {"name": "dmi.bin", "sha256": digest}]}))
+            files = {"dmi.bin": run(PROGRAM, "dump", "--sample", "-"),
+                     "cpuid.txt": b"CPU 0:\n   0x00000001 0x00: eax=0x000506e3 ebx=0x00000000 ecx=0x00000000 "
+                                  b"edx=0x00000000\n"}
+
+            def describe(*names):
+                listed = [{"name": name, "sha256": hashlib.sha256(files[name]).hexdigest()} for name in names]
+                (place / "machine.json").write_text(
+                    json.dumps({"form": "quorlin record", "version": 1, "files": listed}))
+
+            for name, content in files.items():
+                (place / name).write_bytes(content)
+            for names, problem in ((["dmi.bin"], "without CPUID"), (["cpuid.txt"], "the record has no SMBIOS table")):
+                describe(*names)
+                with self.assertRaisesRegex(quorlin.Error, problem):
+                    quorlin.this_machine(replay=place)
+            describe(*files)
             table = quorlin.this_machine(replay=place)
             self.assertEqual(table.bytes, quorlin.open(place / "dmi.bin").bytes)
             self.assertEqual(table.form, "this machine")

@@ -121,9 +121,7 @@ bool ClTable::BringUpRecord(const Source_t& source) {
     m_isRecord = true;
     if (ReplayRecord(source.replay, &m_error) != kSuccess) return false;
     if (BringUp()) return true;
-    m_error = ReplayedRecord()->hardware.Has(kTableRecord) ? "its table can't be shown without CPUID, which it lacks"
-                                                           : "the record has no SMBIOS table";
-    m_error += "; try another record";
+    m_error = WhyNoTable(*ReplayedRecord());
     return false;
 }
 

@@ -85,6 +85,12 @@ status_t ReadRecord(const std::string& folder, Record_t* record, std::string* er
     return kSuccess;
 }
 
+std::string WhyNoTable(const Record_t& record) {
+    return std::string(record.hardware.Has(kTableRecord) ? "its table can't be shown without CPUID, which it lacks"
+                                                         : "the record has no SMBIOS table") +
+           kTryAnother;
+}
+
 status_t ReplayRecord(const std::string& folder, std::string* error) {
     if (StoreIsUp() || HardwareIsOpen()) {
         *error = "the machine is in use; try before it is opened";

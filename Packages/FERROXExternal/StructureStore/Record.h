@@ -15,6 +15,9 @@ struct Record_t {
 // Status  1; 5: `error` says what is wrong and what to try, without the folder's name. Throws std::bad_alloc.
 status_t ReadRecord(const std::string& folder, Record_t* record, std::string* error);
 
+// Why the store finds no table in a record, and what to try.
+std::string WhyNoTable(const Record_t& record);
+
 // Sets the machine of package and store to a record, which must outlive its use, and leaves the hardware library alone.
 // Status  1; 5 the store is up
 status_t SetRecordedMachine(const Record_t& record);
