@@ -65,7 +65,6 @@ hw cpuid 4 1
 hw cpuid 7
 hw cpuid 0xb 1 --cpu 1
 hw cpuid 0xd 2
-hw cpuid 0x40000000
 hw cpuid 0x80000002
 hw cpuid 0x80000008 3
 hw pci 0000:00:00.0 0 256
