@@ -106,6 +106,12 @@ class ClJsonReader {
         return true;
     }
 
+    // Nobody asks for what is below a long path, which would be kept for each leaf.
+    static std::string Below(const std::string& path, std::string_view name) {
+        constexpr size_t kMostPath = 64;
+        return path.size() > kMostPath ? std::string(".") : std::string(path).append(".").append(name);
+    }
+
     bool Value(const std::string& path, size_t depth) {
         if (depth > kMostDepth) return false;
         if (Take('{')) return Members(path, depth);
@@ -121,7 +127,7 @@ class ClJsonReader {
         do {
             std::string name;
             if (!Take('"') || !String(&name) || !Take(':')) return false;
-            if (!Value(path.empty() ? name : std::string(path).append(".").append(name), depth + 1)) return false;
+            if (!Value(path.empty() ? std::move(name) : Below(path, name), depth + 1)) return false;
         } while (Take(','));
         return Take('}');
     }
@@ -130,7 +136,7 @@ class ClJsonReader {
         if (Take(']')) return true;
         size_t index = 0;
         do
-            if (!Value(std::string(path).append(".").append(std::to_string(index++)), depth + 1)) return false;
+            if (!Value(Below(path, std::to_string(index++)), depth + 1)) return false;
         while (Take(','));
         return Take(']');
     }

@@ -582,6 +582,15 @@ TEST_F(OnLinux, ForeignFilesAndFlawsTakeLittleMemory) {
     const std::string findings = Shell("ulimit -v 330000; " QUORLIN_PROGRAM " check --as table --format json --image " +
                                        zeros + " | tail -c 300");
     EXPECT_TRUE(Has(findings, "a length below a header's 4")) << findings;
+    // A long name over many values.
+    std::string record = R"({"form": "quorlin record", "version": 1, ")" + std::string(20000, 'a') + "\": [1";
+    for (int count = 0; count < 20000; count++) record += ",1";
+    record += "]}";
+    const fs::path folder = fs::path(TempDir()) / "foreign-record";
+    fs::create_directories(folder);
+    fs::rename(WriteFile("machine.json", {record.begin(), record.end()}), folder / "machine.json");
+    EXPECT_EQ(Shell("ulimit -v 64000; " QUORLIN_PROGRAM " --replay " + folder.string()),
+              "quorlin: " + folder.string() + ": the record has no SMBIOS table; try another record\n1\n");
 }
 
 // The configuration is in a folder that anybody may write to.
