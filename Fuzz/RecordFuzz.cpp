@@ -1,27 +1,40 @@
-// The text forms of a record: what a parser takes is written and read again, and must be the same.
-// Input: the form (1 byte), the text.
+// The text forms of a record: what a parser takes is written and read again, and must be the same. What it says is held
+// against a table.
+// Input: the form (1 byte), the text; of the description, after a NUL a table.
 #include "Fuzz/Fuzz.h"
+#include "Packages/Analysis/Hardware.h"
 #include "Packages/Format/AcpiDat.h"
 #include "Packages/Format/CpuidDump.h"
 #include "Packages/Format/MachineJson.h"
 #include "Packages/Format/MsrDump.h"
 #include "Packages/Format/PciDump.h"
+#include "Packages/Sample/Sample.h"
 
 template <class Item, class Write, class Parse>
-static void GoRound(std::string_view text, const Write& write, const Parse& parse) {
+static std::vector<Item> GoRound(std::string_view text, const Write& write, const Parse& parse) {
     std::vector<Item> items, again;
-    if (!parse(text, &items).empty()) return;
+    if (!parse(text, &items).empty()) return {};
     Require(parse(write(items), &again).empty());
     Require(again == items);
+    return items;
+}
+
+static void Verify(const HardwareFacts_t& facts, std::span<const uint8_t> table = SampleTable()) {
+    VerifyTable(table, 0x0309, facts, [&](const Verification_t& each) {
+        Require(!each.claim.empty() && !each.hardware.empty() && each.offset < table.size());
+    });
 }
 
 // Texts that aren't UTF-8 change when they are written first.
 static void GoRoundDescription(std::string_view text) {
     MachineFacts_t facts;
-    if (!ParseMachineJson(text, &facts).empty()) return;
+    const std::string_view json = text.substr(0, text.find('\0'));
+    if (!ParseMachineJson(json, &facts).empty()) return;
     const std::string written = WriteMachineJson(facts);
     Require(ParseMachineJson(written, &facts).empty());
     Require(WriteMachineJson(facts) == written);
+    text.remove_prefix(std::min(json.size() + 1, text.size()));
+    Verify(HardwareFactsOf(facts, {}, {}, {}), {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -29,10 +42,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto form = input.Take<uint8_t>();
     const std::vector<uint8_t> bytes = input.Rest();
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    MachineFacts_t machine;
+    machine.segments = {0};
     switch (form % 5) {
-        case 0: GoRound<AcpiTable_t>(text, WriteAcpiDat, ParseAcpiDat); break;
-        case 1: GoRound<PciFunction_t>(text, WritePciDump, ParsePciDump); break;
-        case 2: GoRound<CpuidLeaves_t>(text, WriteCpuidDump, ParseCpuidDump); break;
+        case 0: Verify(HardwareFactsOf(machine, {}, GoRound<AcpiTable_t>(text, WriteAcpiDat, ParseAcpiDat), {})); break;
+        case 1:
+            Verify(HardwareFactsOf(machine, {}, {}, GoRound<PciFunction_t>(text, WritePciDump, ParsePciDump)));
+            break;
+        case 2: {
+            const auto processors = GoRound<CpuidLeaves_t>(text, WriteCpuidDump, ParseCpuidDump);
+            machine.processors = processors.size();
+            Verify(HardwareFactsOf(machine, processors, {}, {}));
+            break;
+        }
         case 4: GoRoundDescription(text); break;
         default: GoRound<RecordedMsr_t>(text, WriteMsrDump, ParseMsrDump); break;
     }

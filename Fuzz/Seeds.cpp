@@ -46,8 +46,12 @@ constexpr std::string_view kOneLeaf =
 
 constexpr std::string_view kDescription =
     "\4{\"form\":\"quorlin "
-    "record\",\"version\":1,\"host\":\"\\u00e9\\n\",\"pci_segments\":[0],\"files\":[{\"name\":\"dmi.bin\","
-    "\"sha256\":\"0000000000000000000000000000000000000000000000000000000000000000\"}]}"sv;
+    "record\",\"version\":1,\"host\":\"\\u00e9\\n\",\"pci_segments\":[0],\"tpm\":2,\"threads\":1,\"memory_map\":[{"
+    "\"begin\":0,\"end\":65535}],\"files\":[{\"name\":\"dmi.bin\","
+    "\"sha256\":\"0000000000000000000000000000000000000000000000000000000000000000\"}]}"
+    "\0\x2B\x0A\0\0INTC\2\0\0\0"
+    "\x13\x0F\1\0\0\0\0\0\xFF\xFF\1\0\0\0\1\0\0"
+    "\x7F\4\2\0\0"sv;
 
 // An input that revealed a fault gets a row here, named after the fault, so that it doesn't come back.
 const Input_t kSeeds[] = {

@@ -14,6 +14,7 @@ struct Value_t {
     bool isReference;
     uint64_t number;
     std::string_view string;  // of a text, in the structure
+    std::string_view word;    // of a code
     uint16_t offset;
     uint16_t size;
 };
@@ -25,8 +26,9 @@ class ClValues {
     // Adds a fact, unless it is in a list.
     void Add(const Fact_t& fact) {
         if (fact.record < 0)
-            m_values.push_back(
-                {fact.Key(), fact.state, fact.isReference, fact.number, fact.string, fact.offset, fact.size});
+            m_values.push_back({fact.Key(), fact.state, fact.isReference, fact.number, fact.string,
+                                fact.kind == FactKind_t::kCode ? fact.text : std::string_view(), fact.offset,
+                                fact.size});
     }
     // Null if the structure doesn't have the fact.
     const Value_t* Find(std::string_view key) const {

@@ -13,6 +13,21 @@ constexpr std::string_view kForm = "quorlin record";
 constexpr uint64_t kVersion = 1;
 constexpr size_t kMostBytes = 1u << 20, kMostDepth = 16;
 
+// Numbers of the system's, as they are named in the file.
+struct Known_t {
+    char name[14];
+    std::optional<uint64_t> SystemFacts_t::*member;
+};
+constexpr Known_t kKnown[] = {
+    {"packages",      &SystemFacts_t::packages    },
+    {"cores",         &SystemFacts_t::cores       },
+    {"threads",       &SystemFacts_t::threads     },
+    {"base_mhz",      &SystemFacts_t::baseSpeed   },
+    {"max_mhz",       &SystemFacts_t::maxSpeed    },
+    {"tpm",           &SystemFacts_t::tpm         },
+    {"usable_memory", &SystemFacts_t::usableMemory},
+};
+
 // ---- Writing
 
 std::string Quoted(std::string_view text) {
@@ -219,6 +234,27 @@ bool IsSha256(std::string_view text) {
     return text.size() == 64 && text.find_first_not_of("0123456789abcdef") == text.npos;
 }
 
+// Returns false if an item isn't a range of addresses, or not a resource.
+bool ReadKnown(const ClJsonReader& json, SystemFacts_t* known) {
+    for (const Known_t& each : kKnown) known->*each.member = json.Number(each.name);
+    for (size_t index = 0; json.IsThere(At("memory_map", index, ".begin")); index++) {
+        const auto begin = json.Number(At("memory_map", index, ".begin")),
+                   end = json.Number(At("memory_map", index, ".end"));
+        if (!begin || !end || *end < *begin) return false;
+        known->memoryMap.push_back({*begin, *end});
+    }
+    for (size_t index = 0; json.IsThere(At("firmware_resources", index, ".id")); index++) {
+        const auto type = json.Number(At("firmware_resources", index, ".type")),
+                   version = json.Number(At("firmware_resources", index, ".version"));
+        if (!type || !version || *type > UINT32_MAX || *version > UINT32_MAX) return false;
+        known->resources.push_back({json.Text(At("firmware_resources", index, ".id")), static_cast<uint32_t>(*type),
+                                    static_cast<uint32_t>(*version)});
+    }
+    for (size_t index = 0; json.IsThere(At("network_addresses", index)); index++)
+        known->networkAddresses.push_back(json.Text(At("network_addresses", index)));
+    return true;
+}
+
 // Returns false if an item isn't one of the record's files with its hash, or if one is there twice.
 bool ReadFiles(const ClJsonReader& json, std::vector<RecordedFile_t>* files) {
     for (size_t index = 0; json.IsThere(At("files", index, ".name")); index++) {
@@ -248,6 +284,14 @@ std::string WriteMachineJson(const MachineFacts_t& facts) {
         return std::string("{\"what\": ").append(Quoted(item.what)).append(", \"why\": ").append(Quoted(item.why)) +
                "}";
     };
+    const auto area = [](const MemoryArea_t& item) {
+        return std::string("{\"begin\": ").append(std::to_string(item.begin)).append(", \"end\": ") +
+               std::to_string(item.end) + "}";
+    };
+    const auto resource = [](const FirmwareResource_t& item) {
+        return std::string("{\"id\": ").append(Quoted(item.id)).append(", \"type\": ") + std::to_string(item.type) +
+               ", \"version\": " + std::to_string(item.version) + "}";
+    };
     constexpr char kItem[] = "\n    ";
     std::string text = "{\n";
     const auto add = [&text](std::string_view name, std::string_view value) {
@@ -263,6 +307,10 @@ std::string WriteMachineJson(const MachineFacts_t& facts) {
     add("firmware", QuotedOrNull(facts.firmware));
     add("processors", NumberOrNull(facts.processors));
     add("memory", NumberOrNull(facts.memory));
+    for (const Known_t& each : kKnown) add(each.name, NumberOrNull(facts.known.*each.member));
+    add("memory_map", ListOf(facts.known.memoryMap, kItem, area));
+    add("firmware_resources", ListOf(facts.known.resources, kItem, resource));
+    add("network_addresses", ListOf(facts.known.networkAddresses, "", Quoted));
     add("versions", ListOf(facts.versions, "", number));
     add("pci_segments", ListOf(facts.segments, "", number));
     add("pci_extended", facts.hasExtendedSpace ? "true" : "false");
@@ -292,7 +340,8 @@ std::string ParseMachineJson(std::string_view text, MachineFacts_t* facts) {
         facts->leftOut.push_back(json.Text(At("acpi_left_out", index)));
     for (size_t index = 0; json.IsThere(At("unread", index, ".what")); index++)
         facts->unread.push_back({json.Text(At("unread", index, ".what")), json.Text(At("unread", index, ".why"))});
-    if (!ReadNumbers(json, "versions", &facts->versions) || !ReadNumbers(json, "pci_segments", &facts->segments))
+    if (!ReadKnown(json, &facts->known) || !ReadNumbers(json, "versions", &facts->versions) ||
+        !ReadNumbers(json, "pci_segments", &facts->segments))
         return "a number that isn't one";
     return ReadFiles(json, &facts->files) ? std::string() : "a file that no record has, or without its SHA-256";
 }

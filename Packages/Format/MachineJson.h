@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Packages/Format/SystemFacts.h"
+
 inline constexpr char kMachineJson[] = "machine.json";
 // The other files of a record. The first holds the SMBIOS table as a dump (TableFile.h); each of the others has a form
 // of its own in this folder.
@@ -29,6 +31,7 @@ struct MachineFacts_t {
     bool isRedacted = false;
     std::string system, kernel, host, firmware;  // empty if unknown
     std::optional<uint64_t> processors, memory;  // their number; bytes
+    SystemFacts_t known;
     // Of the driver and its libraries for PCI, ports and processors; empty if the hardware library couldn't be opened.
     std::vector<uint32_t> versions;
     std::vector<uint32_t> segments;    // PCI segments of which all functions are recorded

@@ -1,7 +1,8 @@
-// Writes the page of the rules of check: write_checks > Docs/Checks.md
+// Writes the pages of the rules of check and of verify: write_checks check > Docs/Checks.md
 //
 // With a file it compares the file with what it would write.
 #include "Packages/Analysis/Rules.h"
+#include "Packages/Analysis/Verify.h"
 #include "Tools/docs/Page.h"
 
 namespace {
@@ -28,11 +29,31 @@ std::string ChecksPage() {
     return text;
 }
 
+std::string VerifyPage() {
+    std::string text =
+        "# Rules of verify\n\n"
+        "The program `write_checks` writes this page from the rules' own table; a test compares them. Ids never "
+        "change.\n"
+        "[Program.md](Program.md#verify) says how the verdicts are to be read.\n\n"
+        "| rule | what the firmware claims | where the hardware says it | what contradicts |\n|---|---|---|---|\n";
+    for (const VerifyRule_t id : kVerifyRules) {
+        const VerifyRow_t row = VerifyRowOf(id);
+        text.append("| ").append(row.id).append(" | ").append(Sentence(row.claim)).append(" | ");
+        text.append(Sentence(row.source)).append(" | ").append(Sentence(row.contradicts)).append(" |\n");
+    }
+    return text;
+}
+
 }  // namespace
 
 int main(int count, char** values) {
-    const std::string text = ChecksPage();
-    if (count == 2) return HasContent(values[1], text, "write_checks") ? 0 : 1;
+    const std::string_view page = count > 1 ? values[1] : "";
+    if (page != "check" && page != "verify") {
+        std::cerr << "usage: write_checks check|verify [FILE]\n";
+        return 2;
+    }
+    const std::string text = page == "check" ? ChecksPage() : VerifyPage();
+    if (count == 3) return HasContent(values[2], text, "write_checks") ? 0 : 1;
     std::cout << text;
     return 0;
 }

@@ -10,6 +10,7 @@
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Processors.h"
 #include "Packages/OS/Program.h"
+#include "Packages/OS/SystemFacts.h"
 #include "Tools/quorlin/Causes.h"
 
 namespace {
@@ -94,6 +95,10 @@ class ClRecorder {
         if (const uint32_t count = os_GetProcessorCount(); count != 0) facts.processors = count;
         uint64_t memory = 0;
         if (os_GetMemorySize(&memory) == kSuccess) facts.memory = memory;
+        facts.known = ReadSystemFacts();
+        if (facts.known.memoryMap.empty())
+            Unread("memory map",
+                   AdviceForRights() != nullptr ? "the user lacks the rights" : "the system doesn't tell it");
     }
 
     void ReadTables() {

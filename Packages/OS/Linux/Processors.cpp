@@ -16,11 +16,13 @@ namespace {
 constexpr uint32_t kGroupSize = 64;
 constexpr uint32_t kMostGroups = 4;
 
-// Calls visit(processor) for each active processor in ascending order, until it returns false.
-template <typename Visit>
-void ForEachActive(Visit visit) {
+constexpr char kActive[] = "/sys/devices/system/cpu/online";
+
+}  // namespace
+
+void ForEachProcessor(const char* path, const std::function<bool(int processor)>& visit) {
     char list[4096] = "";
-    if (std::FILE* file = OpenStreamAbove("/sys/devices/system/cpu/online", "re")) {
+    if (std::FILE* file = OpenStreamAbove(path, "re")) {
         if (std::fgets(list, sizeof list, file) == nullptr) list[0] = '\0';
         std::fclose(file);
     }
@@ -36,11 +38,9 @@ void ForEachActive(Visit visit) {
     }
 }
 
-}  // namespace
-
 int SystemProcessor(uint32_t logical) {
     int found = -1;
-    ForEachActive([&](int processor) {
+    ForEachProcessor(kActive, [&](int processor) {
         if (logical-- != 0) return true;
         found = processor;
         return false;
@@ -50,7 +50,7 @@ int SystemProcessor(uint32_t logical) {
 
 uint32_t os_GetProcessorCount() {
     uint32_t count = 0;
-    ForEachActive([&](int) { return ++count != 0; });
+    ForEachProcessor(kActive, [&](int) { return ++count != 0; });
     return count;
 }
 

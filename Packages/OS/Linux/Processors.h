@@ -4,9 +4,14 @@
 #include <sched.h>
 
 #include <cstdint>
+#include <functional>
 
 // Returns the kernel's number of a processor from its logical number; -1 if there is none.
 int SystemProcessor(uint32_t logical);
+
+// Calls visit(processor) for each processor of a list of the kernel's, such as /sys/devices/system/cpu/online, in
+// ascending order, until it returns false. Without the file, the processors are numbered from 0.
+void ForEachProcessor(const char* list, const std::function<bool(int processor)>& visit);
 
 // A set of as many processors as a kernel can support.
 class ClProcessorSet {

@@ -13,6 +13,7 @@
 #include "Packages/OS/OSServices.h"
 #include "Packages/OS/Processors.h"
 #include "Packages/OS/Program.h"
+#include "Packages/OS/SystemFacts.h"
 
 // ---- A program's files and streams
 
@@ -152,6 +153,8 @@ status_t os_GetMachineName(char**) { return kNotSupported; }
 status_t os_GetMemorySize(uint64_t*) { return kFailure; }
 
 status_t os_GetCurrentDirectory(char**) { return kFailure; }
+
+SystemFacts_t ReadSystemFacts() { return {}; }
 
 // ---- Cryptography
 

@@ -20,12 +20,22 @@ TEST(MachineJson, ComesBackAsItWas) {
         .firmware = "UEFI",
         .processors = 0,
         .memory = UINT64_MAX,
-        .versions = {1,                 UINT32_MAX       },
-        .segments = {0,                 0xFFFF           },
+        .known = {.packages = 1,
+                  .cores = 2,
+                  .threads = 4,
+                  .baseSpeed = 5,
+                  .maxSpeed = 6,
+                  .tpm = 0,
+                  .usableMemory = 7,
+                  .memoryMap = {{0, 0}, {0x100000, UINT64_MAX}},
+                  .resources = {{"0f2a3c44-0000-4000-8000-0102030405ab", 1, UINT32_MAX}},
+                  .networkAddresses = {"021dc3884ef1", "x"}},
+        .versions = {1,                            UINT32_MAX                                },
+        .segments = {0,                         0xFFFF},
         .hasExtendedSpace = true,
-        .leftOut = {"MSDM",            "a\"b\\"         },
-        .files = {{"dmi.bin", hash}, {"msr.txt", hash}},
-        .unread = {{"x", "y"},        {"z", ""}        }
+        .leftOut = {"MSDM", "a\"b\\"  },
+        .files = {{"dmi.bin", hash},    {"msr.txt", hash}},
+        .unread = {{"x", "y"},           {"z", ""}            }
     };
     EXPECT_EQ(ParseMachineJson(WriteMachineJson(facts), &again), "");
     EXPECT_EQ(again, facts);
@@ -85,6 +95,8 @@ TEST(MachineJson, RefusesWhatIsNone) {
               "a file t");
     EXPECT_EQ(Problem(With(R"(, "pci_segments": ["0"]})")), "a number");
     EXPECT_EQ(Problem(With(R"(, "pci_segments": [4294967296]})")), "a number");
+    EXPECT_EQ(Problem(With(R"(, "memory_map": [{"begin": 2, "end": 1}]})")), "a number");
+    EXPECT_EQ(Problem(With(R"(, "firmware_resources": [{"id": "x", "type": 1, "version": -1}]})")), "a number");
     EXPECT_EQ(Problem(std::string(2u << 20, ' ')), "larger t");
 }
 

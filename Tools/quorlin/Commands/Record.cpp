@@ -97,6 +97,10 @@ class ClRecord : public ClCommand {
         MachineFacts_t& facts = record.facts;
         facts.isRedacted = true;
         facts.host.clear();
+        if (!facts.known.networkAddresses.empty()) {
+            facts.known.networkAddresses.clear();
+            facts.unread.push_back({"network addresses", "they identify the machine, and were left out"});
+        }
         std::erase_if(record.tables, [&](const AcpiTable_t& table) {
             if (!IsNamingTable(table.name)) return false;
             facts.leftOut.push_back(table.name);

@@ -90,7 +90,7 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
     add("no decoder, many structures", Filled("", Structure(200, "")));
     std::vector<std::vector<std::string>> commands;
     for (const char* format : {"lines", "text", "json", "csv"}) commands.push_back({"show", "--format", format});
-    for (const char* command : {"types", "summary", "facts", "check", "raw"}) commands.push_back({command});
+    for (const char* command : {"types", "summary", "facts", "check", "verify", "raw"}) commands.push_back({command});
     commands.insert(commands.end(),
                     {
                         {"explain", "0-255"},
