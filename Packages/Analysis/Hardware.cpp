@@ -125,8 +125,11 @@ void AddTables(std::span<const AcpiTable_t> tables, const std::vector<std::strin
         facts->tpm = 1;
     else if (!isLeftOut("TPM2") && !isLeftOut("TCPA"))
         facts->tpm = 0;
-    if (const AcpiTable_t* spmi = Find(tables, "SPMI"); spmi != nullptr && spmi->bytes.size() >= kSpmiSize)
-        facts->ipmi = {spmi->bytes[36], Read<uint64_t>(spmi->bytes, 52)};
+    if (const AcpiTable_t* spmi = Find(tables, "SPMI"); spmi != nullptr && spmi->bytes.size() >= kSpmiSize) {
+        const uint8_t interface = spmi->bytes[36];
+        if (const auto address = Read<uint64_t>(spmi->bytes, 52); interface != 0 && address != 0)
+            facts->ipmi = {interface, address};
+    }
     for (const char* name : {"FACP", "DSDT"})
         if (const AcpiTable_t* table = Find(tables, name); table != nullptr && table->bytes.size() >= kAcpiHead)
             if (const auto revision = Read<uint32_t>(table->bytes, kRevision); revision != 0)
@@ -160,7 +163,8 @@ HardwareFacts_t HardwareFactsOf(const MachineFacts_t& machine, std::span<const C
     const SystemFacts_t& known = machine.known;
     AddProcessors(processors, &facts);
     facts.threads = known.threads;
-    if (processors.size() == machine.processors) {
+    // Those that are offline can't be asked.
+    if (processors.size() == machine.processors && processors.size() == known.threads.value_or(processors.size())) {
         CountProcessors(processors, &facts);
         AddCaches(processors, &facts);
     }

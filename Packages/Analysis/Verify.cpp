@@ -13,12 +13,12 @@ namespace {
 
 // Codes and bits of the standard's tables.
 constexpr uint64_t kCentralProcessor = 3, kPopulated = 1u << 6, kDisabledByUser = 2, kDisabledByFirmware = 3;
-constexpr uint64_t kInUse = 4, kSystemMemory = 3, kUefiBit = 1u << 3, kExternal = 1, kDeviceEnabled = 0x80;
+constexpr uint64_t kInUse = 4, kUefiBit = 1u << 3, kExternal = 1, kDeviceEnabled = 0x80;
 constexpr uint64_t kInstructionCache = 3, kSerialInterface = 4;
 constexpr uint32_t kSettings = 1u << 9 | 1u << 18 | 1u << 28;  // feature flags that settings change: APIC, PSN, HTT
 constexpr uint64_t kLiberty = 4;                               // how far a hypervisor's numbers may be off
 
-constexpr char kNotAvailable[] = "not available";
+constexpr char kNotAvailable[] = "not available", kHypervisor[] = "as the hypervisor likes";
 
 std::string MHz(uint64_t speed) { return std::to_string(speed) + " MHz"; }
 
@@ -77,20 +77,31 @@ class ClVerify {
         : m_table(table), m_version(version), m_hardware(hardware), m_report(report), m_handles(table) {}
 
     void Run() {
-        for (const TableStructure_t& structure : ClWalk(m_table)) {
-            m_structure = &structure;
-            m_values.Clear();
-            m_facts.Begin(structure, {.version = m_version, .handles = &m_handles});
-            while (m_facts.Next()) m_values.Add(*m_facts);
-            VerifyStructure();
-        }
-        m_structure = nullptr;
+        // What others refer to comes first, wherever it is in the table.
+        constexpr int kMemoryArray = 16, kMemoryDevice = 17;
+        Walk(kMemoryArray, [this] { AddArray(); });
+        Walk(kMemoryDevice, [this] { AddDevice(); });
+        Walk(kAllTypes, [this] { VerifyStructure(); });
         VerifyCounts();
         for (const auto& [level, claim] : m_levels) VerifyCaches(level, claim);
         VerifyMemory();
     }
 
   private:
+    static constexpr int kAllTypes = -1;
+
+    void Walk(int type, auto&& verify) {
+        for (const TableStructure_t& structure : ClWalk(m_table)) {
+            if (type != kAllTypes && structure.Type() != type) continue;
+            m_structure = &structure;
+            m_values.Clear();
+            m_facts.Begin(structure, {.version = m_version, .handles = &m_handles});
+            while (m_facts.Next()) m_values.Add(*m_facts);
+            verify();
+        }
+        m_structure = nullptr;
+    }
+
     void VerifyStructure() {
         switch (m_structure->Type()) {
             case 0:
@@ -101,10 +112,6 @@ class ClVerify {
             case 4: VerifyProcessor(); break;
             case 7: AddCache(); break;
             case 9: VerifySlot(); break;
-            case 16:
-                if (m_values.Number("use") == kSystemMemory) m_systemArrays.insert(m_structure->Handle());
-                break;
-            case 17: AddDevice(); break;
             case 19:
             case 20: VerifyRange(); break;
             case 38: VerifyIpmi(); break;
@@ -251,14 +258,21 @@ class ClVerify {
         const uint64_t threads = m_values.Number("threads").value_or(cores);
         const uint64_t enabled = m_values.Number("cores_enabled").value_or(cores);
         m_knowsCores = m_knowsCores && cores != 0;
+        m_knowsThreads = m_knowsThreads && m_values.Number("threads");
         m_cores += cores;
+        m_coresEnabled += enabled;
         m_threads += threads;
-        if (cores != 0) m_enabled += m_values.Number("thread_enabled").value_or(enabled * threads / cores);
+        // Without their number, those of the enabled cores, of which settings may leave one to a core.
+        const auto threadsEnabled = m_values.Number("thread_enabled");
+        const uint64_t most = cores == 0 ? 0 : std::min(threads, enabled * ((threads + cores - 1) / cores));
+        m_enabledLeast += threadsEnabled.value_or(enabled);
+        m_enabledMost += threadsEnabled.value_or(most);
         VerifyIdentity();
         VerifyFamily();
-        constexpr uint64_t kSocketsMost = 4, kSlack = 2;  // a socket may take faster processors
-        VerifySpeed(VerifyRule_t::kMaxSpeed, "max_speed", kSocketsMost);
-        VerifySpeed(VerifyRule_t::kCurrentSpeed, "current_speed", kSlack);
+        // A socket may take faster processors, and a processor may start at its lowest speed.
+        constexpr uint64_t kSocketsMost = 4, kSlack = 2, kSlowest = 8;
+        VerifySpeed(VerifyRule_t::kMaxSpeed, "max_speed", kSlack, kSocketsMost);
+        VerifySpeed(VerifyRule_t::kCurrentSpeed, "current_speed", kSlowest, kSlack);
     }
 
     void VerifyIdentity() {
@@ -278,7 +292,12 @@ class ClVerify {
         const HardwareFacts_t::Identity_t& first = m_hardware.identities[0];
         if (signature != 0)
             Judge(VerifyRule_t::kSignature, hasSignature, id->key, claims[0], CodeText(first.signature));
-        if (features != 0) Judge(VerifyRule_t::kFeatures, hasFeatures, id->key, claims[1], CodeText(first.features));
+        if (features == 0) return;
+        const std::string real = CodeText(first.features);
+        if (!hasFeatures && m_hardware.isVirtual)  // also for the system that runs the hypervisor
+            CantTell(VerifyRule_t::kFeatures, id->key, claims[1], std::string(real).append(", ").append(kHypervisor));
+        else
+            Judge(VerifyRule_t::kFeatures, hasFeatures, id->key, claims[1], real);
     }
 
     static bool HasOneOf(std::string_view family, auto... names) {
@@ -301,42 +320,64 @@ class ClVerify {
             Judge(VerifyRule_t::kFamily, saysIntel == isIntel, family->key, family->word, m_hardware.vendor);
     }
 
-    // Speeds change while a machine runs, and firmware rounds them.
-    void VerifySpeed(VerifyRule_t rule, std::string_view key, uint64_t most) {
+    // Speeds change while a machine runs, and firmware rounds them. A processor's fastest speed may be far above the
+    // base speed, and the one that it has now may be any.
+    void VerifySpeed(VerifyRule_t rule, std::string_view key, uint64_t least, uint64_t most) {
         const auto claim = m_values.Number(key);
-        const auto base = m_hardware.baseSpeed ? m_hardware.baseSpeed : m_hardware.maxSpeed;
+        const uint64_t known = m_hardware.baseSpeed.value_or(0), maximum = m_hardware.maxSpeed.value_or(0);
+        const uint64_t base = known != 0 ? known : maximum, fastest = std::max(known, maximum);
         if (!claim || *claim == 0) return;
-        if (!base || *base == 0) return CantTell(rule, key, MHz(*claim), m_hardware.whyNoProcessors);
-        const uint64_t fastest = std::max(*base, m_hardware.maxSpeed.value_or(0));
-        const uint64_t least = m_hardware.isVirtual ? kLiberty : 2;
-        if (m_hardware.isVirtual) most = std::max(most, kLiberty);
-        std::string speeds = MHz(*base);
-        if (fastest != *base) speeds.append(" to ").append(MHz(fastest));
-        Judge(rule, *claim >= *base / least && *claim <= fastest * most, key, MHz(*claim), speeds);
+        if (base == 0) return CantTell(rule, key, MHz(*claim), m_hardware.whyNoProcessors);
+        if (m_hardware.isVirtual || known == 0 || maximum == 0) {
+            least = std::max(least, kLiberty);
+            most = std::max(most, kLiberty);
+        }
+        std::string speeds = MHz(base);
+        if (fastest != base) speeds.append(" to ").append(MHz(fastest));
+        Judge(rule, *claim >= base / least && *claim <= fastest * most, key, MHz(*claim), speeds);
     }
 
-    void VerifyCount(VerifyRule_t rule, uint64_t claim, std::optional<uint64_t> hardware, bool isFree,
-                     std::string_view why) {
-        const std::string text = std::to_string(claim);
-        if (!hardware)
-            CantTell(rule, {}, text, why);
-        else if (claim != *hardware && isFree)
-            CantTell(rule, {}, text, std::to_string(*hardware) + ", as the hypervisor likes");
-        else
-            Judge(rule, claim == *hardware, {}, text, std::to_string(*hardware));
+    // A number that differs contradicts, unless there is an excuse.
+    void VerifyCount(VerifyRule_t rule, const std::string& claim, std::optional<uint64_t> hardware, bool agrees,
+                     std::string_view excuse, std::string_view why) {
+        if (!hardware) return CantTell(rule, {}, claim, why);
+        std::string text = std::to_string(*hardware);
+        if (agrees || excuse.empty()) return Judge(rule, agrees, {}, claim, text);
+        CantTell(rule, {}, claim, text.append(", ").append(excuse));
+    }
+
+    // The system may be told to use fewer than the firmware gives it, and a hypervisor may add some.
+    bool UsesAll() const {
+        return m_hardware.threads && m_hardware.enabled && *m_hardware.threads == *m_hardware.enabled;
     }
 
     void VerifyCounts() {
         if (m_sockets == 0) return;
-        // The system may be told to use fewer than the firmware gives it.
-        const bool usesAll = !m_hardware.threads || !m_hardware.enabled || *m_hardware.threads >= *m_hardware.enabled;
-        const auto inUse = [usesAll](std::optional<uint64_t> count) { return usesAll ? count : std::nullopt; };
-        const std::string why = usesAll ? "" : "the system doesn't use all processors";
-        VerifyCount(VerifyRule_t::kSockets, m_sockets, inUse(m_hardware.packages), m_hardware.isVirtual, why);
+        constexpr std::string_view kThreadsOff = "as settings may turn threads off";
+        const std::string_view excuse = !UsesAll() ? "but the system may not use just those that the firmware enabled"
+                                        : m_hardware.isVirtual ? kHypervisor
+                                                               : "";
+        const auto is = [](std::optional<uint64_t> hardware, uint64_t claim) { return hardware == claim; };
+        const HardwareFacts_t& real = m_hardware;
+        VerifyCount(VerifyRule_t::kSockets, std::to_string(m_sockets), real.packages, is(real.packages, m_sockets),
+                    excuse, {});
         if (!m_knowsCores) return;
-        VerifyCount(VerifyRule_t::kCores, m_cores, inUse(m_hardware.cores), m_hardware.isVirtual, why);
-        VerifyCount(VerifyRule_t::kThreads, m_threads, inUse(m_hardware.threads), false, why);
-        VerifyCount(VerifyRule_t::kEnabled, m_enabled, m_hardware.enabled, false, m_hardware.whyNoTables);
+        std::string cores = std::to_string(m_cores);
+        if (m_coresEnabled != m_cores) cores.append(", ").append(std::to_string(m_coresEnabled)).append(" enabled");
+        VerifyCount(VerifyRule_t::kCores, cores, real.cores, is(real.cores, m_cores) || is(real.cores, m_coresEnabled),
+                    excuse, {});
+        if (!m_knowsThreads) return;
+        // Some firmware counts the threads that a processor has, whatever the settings.
+        const uint64_t threads = real.threads.value_or(0), enabled = real.enabled.value_or(0);
+        const bool someAreOff = threads < m_threads && (threads == m_coresEnabled || m_coresEnabled < m_cores);
+        VerifyCount(VerifyRule_t::kThreads, std::to_string(m_threads), real.threads, is(real.threads, m_threads),
+                    !UsesAll()   ? excuse
+                    : someAreOff ? kThreadsOff
+                                 : "",
+                    {});
+        VerifyCount(VerifyRule_t::kEnabled, std::to_string(m_enabledMost), real.enabled,
+                    enabled == m_enabledLeast || enabled == m_enabledMost,
+                    enabled >= m_enabledLeast && enabled <= m_enabledMost ? kThreadsOff : "", real.whyNoTables);
     }
 
     void AddCache() {
@@ -376,26 +417,41 @@ class ClVerify {
         for (const uint64_t claimed : {claim.all, claim.data, claim.largest})
             for (const uint64_t real : {all.all, all.data, all.largest, one.all, one.data, one.largest})
                 agrees |= claimed == real || claimed * sockets == real;
-        const std::string real =
-            all.all == 0 ? "none" : SizeText(all.all) + " in all, " + SizeText(one.largest) + " in one";
+        const std::string real = SizeText(all.all) + " in all, " + SizeText(one.largest) + " in one";
         const bool isNear = claim.largest > one.largest / kLiberty && claim.largest < all.all * kLiberty;
-        if (!agrees && m_hardware.isVirtual && isNear)
-            CantTell(VerifyRule_t::kCacheSize, {}, text, real + ", as the hypervisor likes");
+        if (all.all == 0)  // CPUID doesn't list caches at the memory
+            CantTell(VerifyRule_t::kCacheSize, {}, text, "CPUID has none of this level");
+        else if (!agrees && (!UsesAll() || m_coresEnabled != m_cores))
+            CantTell(VerifyRule_t::kCacheSize, {}, text, real + ", but not all processors are in use");
+        else if (!agrees && m_hardware.isVirtual && isNear)
+            CantTell(VerifyRule_t::kCacheSize, {}, text, std::string(real).append(", ").append(kHypervisor));
         else
             Judge(VerifyRule_t::kCacheSize, agrees, {}, text, real);
     }
 
     // ---- Memory
 
+    void AddArray() {
+        constexpr uint64_t kVideoMemory = 4, kCacheMemory = 7;
+        const auto use = m_values.Number("use");
+        if (use && *use >= kVideoMemory && *use <= kCacheMemory) m_otherArrays.insert(m_structure->Handle());
+    }
+
+    // Whether the handle with this key is one of these.
+    bool RefersTo(std::string_view key, const std::set<uint16_t>& handles) const {
+        const auto handle = m_values.Number(key);
+        return handle && handles.contains(static_cast<uint16_t>(*handle));
+    }
+
     void AddDevice() {
         const Value_t* size = m_values.Find("memory_size");
-        const auto array = m_values.Number("physical_memory_array_handle");
-        const bool isKnown = size != nullptr && size->state != FactState_t::kUnknown;
-        const bool isOther =
-            array && !m_systemArrays.empty() && !m_systemArrays.contains(static_cast<uint16_t>(*array));
-        if (isOther || m_values.Number("non_volatile_size").value_or(0) != 0) return;
-        m_knowsMemory = m_knowsMemory && isKnown;
-        m_memory += m_values.Number("memory_size").value_or(0);
+        if (RefersTo("physical_memory_array_handle", m_otherArrays)) return;
+        m_knowsMemory = m_knowsMemory && size != nullptr && size->state != FactState_t::kUnknown;
+        const uint64_t all = m_values.Number("memory_size").value_or(0);
+        m_installed += all;
+        // The system's memory is the volatile part.
+        m_memory +=
+            m_values.Number("non_volatile_size").value_or(0) == 0 ? all : m_values.Number("volatile_size").value_or(0);
     }
 
     // What firmware and graphics take for themselves in most machines.
@@ -406,17 +462,29 @@ class ClVerify {
         const std::string claim = SizeText(m_memory);
         if (!m_hardware.memory) return CantTell(VerifyRule_t::kMemorySize, {}, claim, {});
         const uint64_t memory = *m_hardware.memory;
-        if (memory < m_memory && m_memory - memory > Kept(m_memory) && memory >= m_memory / 4)
-            CantTell(VerifyRule_t::kMemorySize, {}, claim, SizeText(memory) + "; graphics may have the rest");
+        const bool isPart = memory < m_memory / 4, isLess = memory < m_memory && m_memory - memory > Kept(m_memory);
+        const std::string real = SizeText(memory);
+        if (m_hardware.isVirtual && (memory > m_memory || isPart))
+            CantTell(VerifyRule_t::kMemorySize, {}, claim, std::string(real).append(", ").append(kHypervisor));
+        else if (isPart && m_hardware.memoryMap.empty())
+            CantTell(VerifyRule_t::kMemorySize, {}, claim, real + "; the system may use a part of it");
+        else if (isLess && !isPart)
+            CantTell(VerifyRule_t::kMemorySize, {}, claim, real + "; graphics may have the rest");
         else
-            Judge(VerifyRule_t::kMemorySize, memory <= m_memory && memory >= m_memory / 4, {}, claim, SizeText(memory));
+            Judge(VerifyRule_t::kMemorySize, memory <= m_memory && !isPart, {}, claim, real);
     }
 
-    // A range may have a hole for devices. Some firmware counts addresses as if there were none.
+    // A range may have a hole for devices. Some firmware counts addresses as if there were none, or those of memory
+    // that the system doesn't have as such: a mirror's, or persistent memory's.
     void VerifyRange() {
         constexpr std::string_view kKey = "range_start";
         const auto begin = m_values.Number(kKey), end = m_values.Number("range_end");
-        if (!begin || !end || *end < *begin) return;
+        if (!begin || !end || *end <= *begin) return;
+        if (RefersTo("memory_array_mapped_address_handle", m_otherRanges)) return;
+        if (RefersTo("memory_array_handle", m_otherArrays)) {
+            m_otherRanges.insert(m_structure->Handle());
+            return;
+        }
         const std::string claim = CodeText(*begin) + " to " + CodeText(*end);
         if (m_hardware.memoryMap.empty()) return CantTell(VerifyRule_t::kMappedRange, kKey, claim, m_hardware.whyNoMap);
         uint64_t covered = 0, all = 0;
@@ -425,6 +493,7 @@ class ClVerify {
             if (first <= last) covered += last - first + 1;
             all += area.end - area.begin + 1;
         }
+        all = std::max(all, m_installed);
         Judge(VerifyRule_t::kMappedRange, covered > (*end - *begin) / 4 || *end < all + Kept(all), kKey, claim,
               SizeText(covered) + " of it are memory");
     }
@@ -470,7 +539,13 @@ class ClVerify {
             Judge(rule, true, kKey, claim, "a device of class " + CodeText(each.classCode >> 8));
             return &each;
         }
-        Judge(rule, false, kKey, claim, "no device");
+        const bool hasBus = std::ranges::any_of(m_hardware.functions, [&](const HardwareFacts_t::Function_t& each) {
+            return each.segment == place.segment && each.bus == place.bus;
+        });
+        if (hasBus)
+            Judge(rule, false, kKey, claim, "no device");
+        else  // a device that was removed or is hidden, or a system that numbers buses itself
+            CantTell(rule, kKey, claim, "nothing on its bus, which may have another number now");
         return nullptr;
     }
 
@@ -494,7 +569,10 @@ class ClVerify {
         if (type == nullptr || word == nullptr || (type->number & kDeviceEnabled) == 0 || !place) return;
         const auto* const function = VerifyFunction(VerifyRule_t::kOnBoardDevice, *place, "enabled, " + TextOf(*place));
         const std::optional<uint32_t> expected = ClassOf(type->number & ~kDeviceEnabled);
+        constexpr uint32_t kBridge = 6;
         if (function == nullptr || !expected) return;
+        if (function->classCode >> 16 == kBridge)
+            return CantTell(VerifyRule_t::kOnBoardClass, kKey, word->word, "the bridge above it");
         Judge(VerifyRule_t::kOnBoardClass, function->classCode >> 16 == *expected, kKey, word->word,
               "class " + CodeText(function->classCode >> 8));
     }
@@ -507,10 +585,11 @@ class ClVerify {
     const TableStructure_t* m_structure = nullptr;
     ClFacts m_facts;
     ClValues m_values;
-    uint64_t m_sockets = 0, m_cores = 0, m_threads = 0, m_enabled = 0, m_memory = 0;
-    bool m_knowsCores = true, m_knowsMemory = true;
+    uint64_t m_sockets = 0, m_cores = 0, m_coresEnabled = 0, m_threads = 0, m_enabledLeast = 0, m_enabledMost = 0;
+    uint64_t m_memory = 0, m_installed = 0;
+    bool m_knowsCores = true, m_knowsThreads = true, m_knowsMemory = true;
     std::map<uint64_t, Level_t> m_levels;
-    std::set<uint16_t> m_systemArrays;
+    std::set<uint16_t> m_otherArrays, m_otherRanges;  // of video memory, flash and the like
 };
 
 }  // namespace

@@ -15,5 +15,5 @@ struct TestRecord_t {
 };
 
 // Writes the record into a new folder of the test's, "record-" and the suffix, in place of an older one. Returns its
-// path.
+// path. A list that is empty has no file.
 std::string WriteRecord(const std::string& suffix, TestRecord_t record = {});

@@ -45,7 +45,7 @@ void AddProcessors(SystemFacts_t* facts) {
     facts->cores = cores.size();
 }
 
-// The kernel's driver for frequencies knows them. Without one, processors have one speed.
+// The kernel's driver for frequencies knows them. Without one, the kernel shows the base speed or the one of now.
 void AddSpeeds(SystemFacts_t* facts) {
     constexpr uint64_t kPerMHz = 1000;
     if (const auto most = ReadNumber(PROCESSORS "cpu0/cpufreq/cpuinfo_max_freq", "%" SCNu64)) {
@@ -61,7 +61,7 @@ void AddSpeeds(SystemFacts_t* facts) {
     while (file != nullptr && speed == 0 && std::fgets(line, sizeof line, file) != nullptr)
         std::sscanf(line, "cpu MHz : %" SCNu64, &speed);
     if (file != nullptr) std::fclose(file);
-    if (speed != 0) facts->baseSpeed = facts->maxSpeed = speed;
+    if (speed != 0) facts->maxSpeed = speed;
 }
 
 // The firmware's map; without it, the kernel's. Without rights, the kernel's has no addresses.

@@ -60,6 +60,13 @@ TEST(Hardware, ProcessorsAndCachesAreCounted) {
     EXPECT_FALSE(facts.cores);
     EXPECT_TRUE(facts.caches.empty());
     EXPECT_EQ(facts.whyNoProcessors, "why");
+    // Nor of a machine that has more of them offline.
+    machine = {};
+    machine.processors = 8;
+    machine.known.threads = 9;
+    facts = HardwareFactsOf(machine, processors, {}, {});
+    EXPECT_FALSE(facts.cores);
+    EXPECT_TRUE(facts.caches.empty());
     // What the system counts comes first.
     machine.known.packages = machine.known.cores = 3;
     EXPECT_EQ(HardwareFactsOf(machine, processors, {}, {}).cores, 3u);
@@ -88,6 +95,9 @@ TEST(Hardware, TablesSayWhatTheFirmwareGives) {
         facts = HardwareFactsOf({}, {}, cut, {});
         EXPECT_LE(facts.enabled.value_or(0), 1u) << size;
     }
+    // Zeros are no management controller, and an entry without a size ends the list.
+    Put(tables[1], 36, {0});
+    EXPECT_FALSE(HardwareFactsOf({}, {}, tables, {}).ipmi);
     Put(tables[0], 44, {0, 0});
     EXPECT_EQ(HardwareFactsOf({}, {}, tables, {}).enabled, std::nullopt);
     // No list is no proof that there is no TPM.

@@ -121,11 +121,12 @@ TEST(Verify, EachLieIsAContradiction) {
         Lie("QV0103", byte(4, 6, 0x6B)),
         Lie("QV0105 QV0106 QV0107",
             [](Structures_t& all) {
-                all.at(4).Bytes(0x23, {8, 8, 16});
+                all.at(4).Bytes(0x23, {16, 16, 32});
             }),
+        Lie("QV0106 QV0107", byte(4, 0x25, 4)),
         Lie("QV0107", byte(4, 0x24, 2)),
         Lie("QV0108", word(4, 0x14, 13000)),
-        Lie("QV0109", word(4, 0x16, 400)),
+        Lie("QV0109", word(4, 0x16, 300)),
         Lie("QV0201", word(7, 9, 96)),
         Lie("QV0301", word(17, 12, 0x7FFE)),
         Lie("QV0301", word(17, 12, 4096)),
@@ -154,10 +155,112 @@ TEST(Verify, AHypervisorMayChooseItsSockets) {
     machine.cores = 8;
     EXPECT_EQ(Rules(BytesOf(Claims()), machine, Verdict_t::kContradicts), "");
     EXPECT_EQ(Rules(BytesOf(Claims()), machine, Verdict_t::kCantTell), "QV0104 QV0105");
-    machine.threads = machine.enabled = 4;
+    machine.threads = machine.enabled = 2;
     EXPECT_EQ(Rules(BytesOf(Claims()), machine, Verdict_t::kContradicts), "QV0106 QV0107");
     machine.enabled = 8;
-    EXPECT_EQ(Rules(BytesOf(Claims()), machine, Verdict_t::kContradicts), "") << "a system that uses half of them";
+    EXPECT_EQ(Rules(BytesOf(Claims()), machine, Verdict_t::kContradicts), "") << "a system that uses a few of them";
+    machine.threads = 16;
+    EXPECT_EQ(Rules(BytesOf(Claims()), machine, Verdict_t::kContradicts), "") << "processors that were added";
+}
+
+// What may differ although the firmware tells the truth, with the rules that then can't tell.
+TEST(Verify, HonestMachinesDiffer) {
+    const auto expect = [](const char* what, const char* rules, const auto& change) {
+        Structures_t all = Claims();
+        HardwareFacts_t machine = Machine();
+        change(all, machine);
+        EXPECT_EQ(Rules(BytesOf(all), machine, Verdict_t::kContradicts), "") << what;
+        EXPECT_EQ(Rules(BytesOf(all), machine, Verdict_t::kCantTell), rules) << what;
+    };
+    expect("one thread to a core, by settings", "QV0106",
+           [](Structures_t&, HardwareFacts_t& machine) { machine.threads = machine.enabled = 4; });
+    expect("cores that settings turn off", "QV0106 QV0201", [](Structures_t& all, HardwareFacts_t& machine) {
+        all.at(4).Byte(0x24, 2);
+        machine.cores = 2;
+        machine.threads = machine.enabled = 4;
+        machine.caches[0].count = machine.caches[1].count = 2;
+        all.at(7).Word(7, 256).Word(9, 256);
+    });
+    expect("two kinds of cores, some of them off", "QV0106 QV0107", [](Structures_t& all, HardwareFacts_t& machine) {
+        all.at(4).Bytes(0x23, {10, 6, 12});
+        machine.cores = 6;
+        machine.threads = machine.enabled = 8;
+    });
+    expect("a system that doesn't use all processors", "QV0104 QV0105 QV0106 QV0201",
+           [](Structures_t&, HardwareFacts_t& machine) {
+               machine.packages = machine.cores = machine.threads = 2;
+               machine.caches[0].count = machine.caches[1].count = 1;
+               machine.caches[0].size = machine.caches[1].size = 16384;
+           });
+    expect("no ACPI tables", "QV0105 QV0106 QV0107", [](Structures_t&, HardwareFacts_t& machine) {
+        machine.cores = machine.threads = 2;
+        machine.enabled.reset();
+    });
+    expect("threads that the firmware doesn't count", "",
+           [](Structures_t& all, HardwareFacts_t&) { all.at(4).Byte(0x25, 0); });
+    expect("features that a hypervisor hides", "QV0102", [](Structures_t&, HardwareFacts_t& machine) {
+        machine.isVirtual = true;
+        machine.identities[0].features = 0x1F8BFBFF & ~0x00200000u;
+    });
+    expect("a processor without identification", "",
+           [](Structures_t& all, HardwareFacts_t&) { all.at(4).Qword(8, 0); });
+    expect("a slow processor with a fast turbo, whose base speed isn't known", "",
+           [](Structures_t& all, HardwareFacts_t& machine) {
+               all.at(4).Word(0x14, 800).Word(0x16, 800);
+               machine.baseSpeed = 0;
+           });
+    expect("a turbo that the system doesn't know", "", [](Structures_t& all, HardwareFacts_t& machine) {
+        all.at(4).Word(0x14, 6000).Word(0x16, 6000);
+        machine.maxSpeed.reset();
+    });
+    expect("a processor that started at its lowest speed", "",
+           [](Structures_t& all, HardwareFacts_t&) { all.at(4).Word(0x16, 400); });
+    expect("a cache at the memory", "QV0201", [](Structures_t& all, HardwareFacts_t&) { all.at(7).Word(5, 0x0183); });
+    expect("memory added by the hypervisor", "QV0301", [](Structures_t&, HardwareFacts_t& machine) {
+        machine.isVirtual = true;
+        machine.memory = 1ull << 40;
+    });
+    expect("a system that uses little of its memory", "QV0302 QV0301", [](Structures_t&, HardwareFacts_t& machine) {
+        machine.memoryMap.clear();
+        machine.memory = 1ull << 30;
+    });
+    expect("a range that isn't filled in", "", [](Structures_t& all, HardwareFacts_t&) { all.at(19).Dword(8, 0); });
+    expect("a device that was removed with its bus", "QV0401 QV0403",
+           [](Structures_t&, HardwareFacts_t& machine) { machine.functions.clear(); });
+    expect("a device after a bridge", "QV0404",
+           [](Structures_t&, HardwareFacts_t& machine) { machine.functions[1].classCode = 0x060400; });
+}
+
+// Memory of other arrays isn't the system's, wherever they are in the table, and persistent memory is none.
+TEST(Verify, OnlySystemMemoryCounts) {
+    const std::vector<ClStructureBuilder> kStructures = {
+        ClStructureBuilder(17, 0x28, 0x1101).Word(4, 0x1001).Word(12, 4096),
+        ClStructureBuilder(16, 0x17, 0x1001).Bytes(4, {3, 5, 3}),
+        ClStructureBuilder(19, 0x1F, 0x1301).Dword(4, 0x3FFFC000).Dword(8, 0x3FFFFFFF).Word(12, 0x1001).Byte(14, 1),
+        ClStructureBuilder(20, 0x23, 0x1401)
+            .Dword(4, 0x3FFFC000)
+            .Dword(8, 0x3FFFFFFF)
+            .Word(12, 0x1101)
+            .Word(14, 0x1301),
+        ClStructureBuilder(17, 0x28, 0x1100).Word(4, 0x1000).Word(12, 8192),
+        ClStructureBuilder(16, 0x17, 0x1000).Bytes(4, {3, 3, 3}),
+        // Half of it is the system's, and the other half persistent.
+        ClStructureBuilder(17, 0x54, 0x1102)
+            .Word(4, 0x1000)
+            .Word(12, 16384)
+            .Qword(0x34, 8ull << 30)
+            .Qword(0x3C, 8ull << 30),
+        ClStructureBuilder(19, 0x1F, 0x1300).Dword(8, 0x017FFFFF).Word(12, 0x1000).Byte(14, 1),
+    };
+    HardwareFacts_t machine;
+    machine.memoryMap = {
+        {0x100000, 0xBFFFFFFF}
+    };
+    machine.memory = 15ull << 30;
+    EXPECT_EQ(Rules(TableOf(kStructures), machine, Verdict_t::kAgrees), "QV0302 QV0301");
+    EXPECT_EQ(Rules(TableOf(kStructures), machine, Verdict_t::kContradicts), "");
+    machine.memory = 17ull << 30;
+    EXPECT_EQ(Rules(TableOf(kStructures), machine, Verdict_t::kContradicts), "QV0301");
 }
 
 }  // namespace

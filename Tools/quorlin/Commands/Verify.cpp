@@ -2,6 +2,7 @@
 #include "Packages/Analysis/Verify.h"
 
 #include "Packages/Analysis/Hardware.h"
+#include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/Standard/Texts.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Formats.h"
@@ -56,9 +57,16 @@ class ClVerifyCommand : public ClCommand {
     }
 
     int Run() override {
+        // A table of its own may be held against a recorded machine.
+        std::string record;
+        if (!m_source.images.empty() || m_source.sample) record.swap(m_source.replay);
         m_source.CheckOne();
+        if (std::string problem; !record.empty() && ReplayRecord(record, &problem) != kSuccess) {
+            SayError(record, problem);
+            return kVerifyCommand.trouble;
+        }
         return WriteTables(m_source, m_format.Chosen(), kList, kVerifyCommand.trouble,
-                           [this](ClTable& table, ClWriter& writer) { return Verify(table, writer); });
+                           [](ClTable& table, ClWriter& writer) { return Verify(table, writer); });
     }
 
   private:

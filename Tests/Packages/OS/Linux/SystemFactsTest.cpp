@@ -49,8 +49,8 @@ TEST_F(SystemFacts, ProcessorsAreCountedWhenAllAreOnline) {
 
 TEST_F(SystemFacts, SpeedsAreThoseOfTheFrequencyDriver) {
     const SystemFacts_t fixed = ReadSystemFacts();
-    EXPECT_EQ(fixed.baseSpeed, fixed.maxSpeed) << "of /proc/cpuinfo";
-    EXPECT_GT(fixed.baseSpeed.value_or(0), 100u);
+    EXPECT_GT(fixed.maxSpeed.value_or(0), 100u) << "of /proc/cpuinfo";
+    EXPECT_FALSE(fixed.baseSpeed);
     m_sys->Write("devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq", "4200000\n");
     EXPECT_EQ(ReadSystemFacts().maxSpeed, 4200u);
     EXPECT_FALSE(ReadSystemFacts().baseSpeed);
