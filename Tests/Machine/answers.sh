@@ -55,6 +55,10 @@ diff redacted
 diff redacted --format json
 diff redacted --format ndjson
 diff redacted --format csv
+verify
+verify --format json
+verify --format ndjson
+verify --format csv
 dump -
 hw cpuid 0
 hw cpuid 1 --cpu 0

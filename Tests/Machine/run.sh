@@ -7,7 +7,7 @@
 set -eu
 cd "$(dirname "$0")/../.."
 work=$PWD/build/machine
-jobs=${*:-pc q35 sample sm3 lockdown uefi}
+jobs=${*:-pc q35 sample sm3 lockdown uefi efi}
 
 cmake/install-packages.sh g++ cmake ninja-build libsodium-dev rapidjson-dev zlib1g-dev libgtest-dev qemu-system-x86 \
     seabios ovmf busybox-static xz-utils acpica-tools pciutils cpuid dmidecode
@@ -21,7 +21,7 @@ cmake --build "$work/programs" --target quorlin_program MachineTest LinuxHardwar
     tail -40 "$work/build.log"
     exit 1
 }
-rm -rf "$work/root" "$work/sample"
+rm -rf "$work/root" "$work/sample" "$work/claims"
 mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work/sample"
 # The sample without the entry point and the End-of-Table structure, which the emulator adds; and a file for each
 # structure.
@@ -32,9 +32,11 @@ mkdir -p "$work/root/bin" "$work/root/etc" "$work/root$work/programs/bin" "$work
         [ ! -s "$work/sample/$offset" ] || echo "-smbios file=$work/sample/$offset"
     done >"$work/sample/options"
 sample="-smp 2,sockets=5,maxcpus=5 $(cat "$work/sample/options")"  # the emulator requires a socket for each processor
+claims=$(Tests/Machine/claims.sh "$work/claims")
 for program in quorlin MachineTest LinuxHardwareTest OSTest; do cp "$work/programs/bin/$program" "$work/root/bin"; done
 cp /bin/busybox "$work/root/bin"
-cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init Tests/Machine/answers.sh "$work/root"
+cp "$work/kernel/msr.ko" "$work/sample/table" Tests/Machine/init Tests/Machine/answers.sh Tests/Machine/lies.sh \
+    "$work/root"
 ln -s /bin/quorlin "$work/root$work/programs/bin/quorlin"  # where the tests expect it
 chmod 755 "$work/root/init"
 printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >"$work/root/etc/passwd"
@@ -57,11 +59,13 @@ replays() {
     folder=$(mktemp -d)
     chmod 755 "$folder"
     sed -n '/^record: begin/,/^record: end/p' "$work/$job.log" | sed '1d;$d' | base64 -d | tar -xz -C "$folder"
-    cp "$work/programs/bin/quorlin" Tests/Machine/answers.sh "$folder"
+    cp "$work/programs/bin/quorlin" Tests/Machine/answers.sh Tests/Machine/lies.sh "$folder"
     mkdir -m 777 "$folder/here"
     ok=1
     as_stranger test ! -e /sys/firmware &&
         as_stranger sh "$folder/answers.sh" "$folder/quorlin" "$folder/here/answers" --replay "$folder/record" &&
+        { [ ! -d "$folder/answers/lies" ] || as_stranger sh "$folder/lies.sh" "$folder/quorlin" \
+            "$folder/here/answers/lies" "[!u]*" --replay "$folder/record"; } &&
         diff -r "$folder/answers" "$folder/here/answers" &&
         as_stranger "$folder/quorlin" record "$folder/here/copy" --replay "$folder/record" 2>/dev/null &&
         diff -r "$folder/record" "$folder/here/copy" &&
@@ -76,7 +80,7 @@ boot() {
     job=$1 machine=$2 processor=$3 kernelOptions=$4
     shift 4
     started=$(date +%s)
-    timeout 120 qemu-system-x86_64 -nographic -no-reboot -net none -m 512 -machine "$machine" -cpu "$processor" \
+    timeout 180 qemu-system-x86_64 -nographic -no-reboot -net none -m 512 -machine "$machine" -cpu "$processor" \
         -kernel "$work/kernel/$kernel" -initrd "$work/initramfs" \
         -append "console=ttyS0 quiet panic=-1 job=$job $kernelOptions" "$@" </dev/null 2>&1 |
         tr -d '\r' >"$work/$job.log" || true
@@ -97,8 +101,10 @@ for name in $jobs; do
     case $name in
     pc) boot pc pc "$plain" "" -smp 2 -smbios type=1,manufacturer=Quorlin,product=Guest ;;
     q35)
-        boot q35 q35 "$plain,-hypervisor" "" -smp 2 -device pcie-root-port,id=rp -device virtio-rng-pci,bus=rp \
-            -smbios type=1,manufacturer=Quorlin,product=Guest
+        # Without a hypervisor all claims are judged. Only this maker's processors show caches.
+        # shellcheck disable=SC2086  # words are options
+        boot q35 q35 "$plain,vendor=GenuineIntel,-hypervisor" "" -smp 2 $claims \
+            -smbios type=1,manufacturer=Quorlin,product=Guest -smbios type=4,max-speed=3000,current-speed=3000
         ;;
     sample)
         # shellcheck disable=SC2086  # words are options
@@ -111,6 +117,11 @@ for name in $jobs; do
         # shellcheck disable=SC2086
         boot uefi q35 "$plain" "" -bios /usr/share/ovmf/OVMF.fd $sample -device pcie-root-port,id=rp \
             -device virtio-rng-pci,bus=rp
+        kernel=vmlinux
+        ;;
+    efi)
+        kernel=vmlinuz
+        boot efi q35 "$plain" "" -smp 2 -bios /usr/share/ovmf/OVMF.fd
         kernel=vmlinux
         ;;
     *)
