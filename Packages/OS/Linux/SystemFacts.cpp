@@ -1,7 +1,7 @@
 #include "Packages/OS/SystemFacts.h"
 
 #include <algorithm>
-#include <cinttypes>
+#include <charconv>
 #include <cstring>
 #include <set>
 
@@ -23,10 +23,24 @@ std::string ReadLine(const std::string& path) {
     return line;
 }
 
-// `format` has one conversion, such as SCNu64.
-std::optional<uint64_t> ReadNumber(const std::string& path, const char* format) {
+// Takes a number, hexadecimal with "0x" before it or in base 16, after blanks.
+std::optional<uint64_t> TakeNumber(std::string_view& text, int base = 10) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    if (text.starts_with("0x")) {
+        text.remove_prefix(2);
+        base = 16;
+    }
     uint64_t number = 0;
-    return std::sscanf(ReadLine(path).c_str(), format, &number) == 1 ? std::optional(number) : std::nullopt;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    if (error != std::errc()) return std::nullopt;
+    text.remove_prefix(static_cast<size_t>(end - text.data()));
+    return number;
+}
+
+std::optional<uint64_t> ReadNumber(const std::string& path) {
+    const std::string line = ReadLine(path);
+    std::string_view text = line;
+    return TakeNumber(text);
 }
 
 void AddProcessors(SystemFacts_t* facts) {
@@ -48,18 +62,21 @@ void AddProcessors(SystemFacts_t* facts) {
 // The kernel's driver for frequencies knows them. Without one, the kernel shows the base speed or the one of now.
 void AddSpeeds(SystemFacts_t* facts) {
     constexpr uint64_t kPerMHz = 1000;
-    if (const auto most = ReadNumber(PROCESSORS "cpu0/cpufreq/cpuinfo_max_freq", "%" SCNu64)) {
+    if (const auto most = ReadNumber(PROCESSORS "cpu0/cpufreq/cpuinfo_max_freq")) {
         facts->maxSpeed = *most / kPerMHz;
-        facts->baseSpeed = ReadNumber(PROCESSORS "cpu0/acpi_cppc/nominal_freq", "%" SCNu64);
-        if (const auto base = ReadNumber(PROCESSORS "cpu0/cpufreq/base_frequency", "%" SCNu64))
-            facts->baseSpeed = *base / kPerMHz;
+        facts->baseSpeed = ReadNumber(PROCESSORS "cpu0/acpi_cppc/nominal_freq");
+        if (const auto base = ReadNumber(PROCESSORS "cpu0/cpufreq/base_frequency")) facts->baseSpeed = *base / kPerMHz;
         return;
     }
     char line[256];
     std::FILE* file = OpenStreamAbove("/proc/cpuinfo", "re");
     uint64_t speed = 0;
-    while (file != nullptr && speed == 0 && std::fgets(line, sizeof line, file) != nullptr)
-        std::sscanf(line, "cpu MHz : %" SCNu64, &speed);
+    while (file != nullptr && speed == 0 && std::fgets(line, sizeof line, file) != nullptr) {
+        std::string_view text = line;
+        if (!text.starts_with("cpu MHz")) continue;
+        text.remove_prefix(std::min(text.find(':') + 1, text.size()));
+        speed = TakeNumber(text).value_or(0);
+    }
     if (file != nullptr) std::fclose(file);
     if (speed != 0) facts->maxSpeed = speed;
 }
@@ -69,17 +86,19 @@ void AddMemoryMap(SystemFacts_t* facts) {
     ClFolder folder("/sys/firmware/memmap");
     while (const char* name = folder.Next()) {
         const std::string row = std::string("/sys/firmware/memmap/") + name;
-        const auto begin = ReadNumber(row + "/start", "%" SCNx64), end = ReadNumber(row + "/end", "%" SCNx64);
+        const auto begin = ReadNumber(row + "/start"), end = ReadNumber(row + "/end");
         if (begin && end && *begin < *end && ReadLine(row + "/type") == "System RAM")
             facts->memoryMap.push_back({*begin, *end});
     }
     char line[256];
     std::FILE* file = facts->memoryMap.empty() ? OpenStreamAbove("/proc/iomem", "re") : nullptr;
     while (file != nullptr && std::fgets(line, sizeof line, file) != nullptr) {
-        MemoryArea_t area;
-        if (line[0] != ' ' && std::strstr(line, " : System RAM\n") != nullptr &&
-            std::sscanf(line, "%" SCNx64 "-%" SCNx64, &area.begin, &area.end) == 2 && area.begin < area.end)
-            facts->memoryMap.push_back(area);
+        if (line[0] == ' ' || std::strstr(line, " : System RAM\n") == nullptr) continue;
+        std::string_view text = line;
+        const auto begin = TakeNumber(text, 16);
+        text.remove_prefix(std::min<size_t>(text.size(), 1));  // a dash
+        const auto end = TakeNumber(text, 16);
+        if (begin && end && *begin < *end) facts->memoryMap.push_back({*begin, *end});
     }
     if (file != nullptr) std::fclose(file);
     std::ranges::sort(facts->memoryMap, {}, &MemoryArea_t::begin);
@@ -90,8 +109,7 @@ void AddResources(SystemFacts_t* facts) {
     ClFolder folder(kRows);
     while (const char* name = folder.Next()) {
         const std::string row = std::string(kRows) + "/" + name;
-        const auto type = ReadNumber(row + "/fw_type", "%" SCNu64),
-                   version = ReadNumber(row + "/fw_version", "%" SCNu64);
+        const auto type = ReadNumber(row + "/fw_type"), version = ReadNumber(row + "/fw_version");
         if (type && version)
             facts->resources.push_back(
                 {ReadLine(row + "/fw_class"), static_cast<uint32_t>(*type), static_cast<uint32_t>(*version)});
@@ -125,6 +143,6 @@ SystemFacts_t ReadSystemFacts() {
     AddMemoryMap(&facts);
     AddResources(&facts);
     AddNetworkAddresses(&facts);
-    facts.tpm = ReadNumber("/sys/class/tpm/tpm0/tpm_version_major", "%" SCNu64);
+    facts.tpm = ReadNumber("/sys/class/tpm/tpm0/tpm_version_major");
     return facts;
 }

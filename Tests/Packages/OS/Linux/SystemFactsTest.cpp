@@ -2,6 +2,7 @@
 #include "Packages/OS/SystemFacts.h"
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 
 #include <optional>
 
@@ -70,6 +71,20 @@ TEST_F(SystemFacts, TheMemoryMapIsTheFirmwares) {
         {0x100000, 0xBFFFFFFF}
     };
     EXPECT_EQ(ReadSystemFacts().memoryMap, kMap);
+}
+
+TEST_F(SystemFacts, WithoutTheFirmwaresMapItIsTheKernels) {
+    m_sys->Write("iomem",
+                 "00000000-00000fff : Reserved\n00001000-0009fbff : System RAM\n"
+                 "100000000-23fffffff : System RAM\n  123a00000-124a01fff : Kernel code\n"
+                 "00000000-00000000 : System RAM\n");
+    ASSERT_EQ(mount("/sys/iomem", "/proc/iomem", nullptr, MS_BIND, nullptr), 0);
+    const std::vector<MemoryArea_t> kMap = {
+        {0x1000,      0x9FBFF    },
+        {0x100000000, 0x23FFFFFFF}
+    };
+    EXPECT_EQ(ReadSystemFacts().memoryMap, kMap);
+    umount("/proc/iomem");
 }
 
 TEST_F(SystemFacts, FirmwareTpmAndNetwork) {
