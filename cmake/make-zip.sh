@@ -10,10 +10,13 @@ DESTDIR='' cmake --install "$build" --prefix "$build/zip/$name" >/dev/null
 mkdir -p "$build/zip/$name/Docs"
 cp Docs/Windows.md "$build/zip/$name/README.md"
 cp CHANGELOG.md SECURITY.md "$build/zip/$name"
-for document in Program.md Record.md Formats.md json-schema.json Checks.md Verify.md Facts.md facts-schema.json \
-    Items.md Library.md Containers.md Trace.md examples; do
+for document in Program.md Record.md Linux.md Formats.md json-schema.json Checks.md Verify.md Facts.md \
+    facts-schema.json Items.md Library.md Containers.md Trace.md examples; do
     cp -r "Docs/$document" "$build/zip/$name/Docs"
 done
+# The page on Windows is the README here.
+sed -i 's/](Linux\.md/](Docs\/Linux.md/' "$build/zip/$name/README.md"
+sed -i 's/](Windows\.md/](..\/README.md/' "$build/zip/$name/Docs/"*.md
 cd "$build/zip"
 # An archive contains times and modes, which must not depend on the build or on the user's umask.
 find "$name" -exec touch -d "@${SOURCE_DATE_EPOCH:-1767225600}" {} +
