@@ -164,7 +164,8 @@ HardwareFacts_t HardwareFactsOf(const MachineFacts_t& machine, std::span<const C
     AddProcessors(processors, &facts);
     facts.threads = known.threads;
     // Those that are offline can't be asked.
-    if (processors.size() == machine.processors && processors.size() == known.threads.value_or(processors.size())) {
+    const size_t count = processors.size();
+    if (count != 0 && count == machine.processors && count == known.threads.value_or(count)) {
         CountProcessors(processors, &facts);
         AddCaches(processors, &facts);
     }

@@ -67,6 +67,8 @@ TEST(Hardware, ProcessorsAndCachesAreCounted) {
     facts = HardwareFactsOf(machine, processors, {}, {});
     EXPECT_FALSE(facts.cores);
     EXPECT_TRUE(facts.caches.empty());
+    machine.processors = 0;
+    EXPECT_FALSE(HardwareFactsOf(machine, {}, {}, {}).cores);
     // What the system counts comes first.
     machine.known.packages = machine.known.cores = 3;
     EXPECT_EQ(HardwareFactsOf(machine, processors, {}, {}).cores, 3u);
