@@ -7,6 +7,7 @@
 #include <set>
 
 #include "Packages/Analysis/Values.h"
+#include "Packages/Format/Ascii.h"
 #include "Packages/Standard/Texts.h"
 
 namespace {
@@ -192,8 +193,7 @@ class ClVerify {
 
     static std::string Lower(std::string_view text) {
         std::string lower(text);
-        for (char& c : lower)
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+        std::ranges::transform(lower, lower.begin(), LowerCase);
         return lower;
     }
 
@@ -279,25 +279,25 @@ class ClVerify {
         const Value_t* id = m_values.Find("processor_id");
         if (id == nullptr || id->state != FactState_t::kValue || id->size != 8) return;
         const auto signature = static_cast<uint32_t>(id->number), features = static_cast<uint32_t>(id->number >> 32);
-        const std::string claims[] = {CodeText(signature), CodeText(features)};
-        if (m_hardware.identities.empty()) {
-            CantTell(VerifyRule_t::kSignature, id->key, claims[0], m_hardware.whyNoProcessors);
-            return CantTell(VerifyRule_t::kFeatures, id->key, claims[1], m_hardware.whyNoProcessors);
-        }
-        bool hasSignature = false, hasFeatures = false;
-        for (const HardwareFacts_t::Identity_t& each : m_hardware.identities) {
-            hasSignature |= each.signature == signature;
-            hasFeatures |= ((each.features ^ features) & ~kSettings) == 0;
-        }
-        const HardwareFacts_t::Identity_t& first = m_hardware.identities[0];
-        if (signature != 0)
-            Judge(VerifyRule_t::kSignature, hasSignature, id->key, claims[0], CodeText(first.signature));
-        if (features == 0) return;
-        const std::string real = CodeText(first.features);
-        if (!hasFeatures && m_hardware.isVirtual)  // also for the system that runs the hypervisor
-            CantTell(VerifyRule_t::kFeatures, id->key, claims[1], std::string(real).append(", ").append(kHypervisor));
+        VerifyIdentity(VerifyRule_t::kSignature, id->key, signature, &HardwareFacts_t::Identity_t::signature, 0, false);
+        // A hypervisor hides some, also from the system that runs it.
+        VerifyIdentity(VerifyRule_t::kFeatures, id->key, features, &HardwareFacts_t::Identity_t::features, kSettings,
+                       m_hardware.isVirtual);
+    }
+
+    // Bits of `free` may differ. Zero is no claim.
+    void VerifyIdentity(VerifyRule_t rule, std::string_view key, uint32_t claim,
+                        uint32_t HardwareFacts_t::Identity_t::*part, uint32_t free, bool isExcused) {
+        if (claim == 0) return;
+        const std::vector<HardwareFacts_t::Identity_t>& all = m_hardware.identities;
+        if (all.empty()) return CantTell(rule, key, CodeText(claim), m_hardware.whyNoProcessors);
+        const bool agrees =
+            std::ranges::any_of(all, [&](const auto& each) { return ((each.*part ^ claim) & ~free) == 0; });
+        const std::string real = CodeText(all[0].*part);
+        if (!agrees && isExcused)
+            CantTell(rule, key, CodeText(claim), std::string(real).append(", ").append(kHypervisor));
         else
-            Judge(VerifyRule_t::kFeatures, hasFeatures, id->key, claims[1], real);
+            Judge(rule, agrees, key, CodeText(claim), real);
     }
 
     static bool HasOneOf(std::string_view family, auto... names) {

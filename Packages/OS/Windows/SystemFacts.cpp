@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "Packages/Format/Ascii.h"
 #include "Packages/OS/Processors.h"
 // winsock2.h must come before windows.h.
 #include <winsock2.h>
@@ -70,7 +71,7 @@ void AddResources(SystemFacts_t* facts) {
         if (!type || !version) continue;
         std::string id = name;  // in braces
         std::erase_if(id, [](char c) { return c == '{' || c == '}'; });
-        std::ranges::transform(id, id.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
+        std::ranges::transform(id, id.begin(), LowerCase);
         facts->resources.push_back({id, static_cast<uint32_t>(*type), static_cast<uint32_t>(*version)});
     }
     RegCloseKey(key);
