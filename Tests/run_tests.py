@@ -111,7 +111,8 @@ def main():
     preset = sys.argv[1]
     results = ROOT / "build" / preset / "results"
     shutil.rmtree(results, ignore_errors=True)
-    failed = subprocess.run(["ctest", "--preset", preset, *sys.argv[2:]], cwd=ROOT).returncode
+    command = ["ctest", "--preset", preset, "--parallel", str(os.cpu_count()), *sys.argv[2:]]
+    failed = subprocess.run(command, cwd=ROOT).returncode
     return 1 if report(results, preset) else failed
 
 
