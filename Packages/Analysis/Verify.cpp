@@ -23,13 +23,6 @@ constexpr char kNotAvailable[] = "not available", kHypervisor[] = "as the hyperv
 
 std::string MHz(uint64_t speed) { return std::to_string(speed) + " MHz"; }
 
-// The lanes of a code of the data bus width; 0 for another bus.
-uint32_t LanesOf(uint64_t width) {
-    constexpr uint8_t kFirst = 0x08;
-    constexpr uint8_t kLanes[] = {1, 2, 4, 8, 12, 16, 32};
-    return width >= kFirst && width - kFirst < std::size(kLanes) ? kLanes[width - kFirst] : 0;
-}
-
 std::string LanesText(uint32_t lanes) { return std::string("x").append(std::to_string(lanes)); }
 
 // The PCI class of a type of on-board device; none for types that have several, or no PCI.
@@ -603,6 +596,20 @@ VerifyRow_t VerifyRowOf(VerifyRule_t rule) {
 #undef VERIFY
     }
     return {};
+}
+
+uint32_t LanesOf(uint64_t width) {
+    constexpr uint8_t kFirst = 0x08;
+    constexpr uint8_t kLanes[] = {1, 2, 4, 8, 12, 16, 32};
+    return width >= kFirst && width - kFirst < std::size(kLanes) ? kLanes[width - kFirst] : 0;
+}
+
+std::string_view VerdictWord(Verdict_t verdict) {
+    switch (verdict) {
+        case Verdict_t::kAgrees: return "agrees";
+        case Verdict_t::kContradicts: return "contradicts";
+        default: return "can't tell";
+    }
 }
 
 void VerifyTable(std::span<const uint8_t> table, uint16_t version, const HardwareFacts_t& hardware,

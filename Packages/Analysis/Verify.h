@@ -73,6 +73,8 @@ struct VerifyRow_t {
 VerifyRow_t VerifyRowOf(VerifyRule_t rule);
 
 enum class Verdict_t : uint8_t { kAgrees, kContradicts, kCantTell };
+// "agrees", "contradicts" and "can't tell".
+std::string_view VerdictWord(Verdict_t verdict);
 
 // The texts live for the call that reports it.
 struct Verification_t {
@@ -84,6 +86,9 @@ struct Verification_t {
     std::string_view claim;             // what the firmware says
     std::string_view hardware;          // what the hardware says; of kCantTell, why that says nothing
 };
+
+// The lanes of a code of a slot's data bus width; 0 for another bus.
+uint32_t LanesOf(uint64_t width);
 
 // Reports a verdict for each claim that the table makes.
 void VerifyTable(std::span<const uint8_t> table, uint16_t version, const HardwareFacts_t& hardware,

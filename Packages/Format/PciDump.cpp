@@ -40,17 +40,23 @@ uint32_t PciOrder(uint32_t location) {
     return (location & 0xFFFF0000) | (location & 0xFF) << 8 | (location >> 8 & 31) << 3 | (location >> 13 & 7);
 }
 
+std::string PciAddress(uint32_t location) {
+    std::string text;
+    AppendHex(text, location >> 16, 4);
+    text += ':';
+    AppendHex(text, location & 0xFF, 2);
+    text += ':';
+    AppendHex(text, location >> 8 & 31, 2);
+    text += '.';
+    AppendHex(text, location >> 13 & 7, 1);
+    return text;
+}
+
 std::string WritePciDump(std::span<const PciFunction_t> functions) {
     std::string text;
     for (const PciFunction_t& function : functions) {
         const std::vector<uint8_t>& bytes = function.bytes;
-        AppendHex(text, function.location >> 16, 4);
-        text += ':';
-        AppendHex(text, function.location & 0xFF, 2);
-        text += ':';
-        AppendHex(text, function.location >> 8 & 31, 2);
-        text += '.';
-        AppendHex(text, function.location >> 13 & 7, 1);
+        text += PciAddress(function.location);
         // As lspci -n: class, vendor and device.
         text += ' ';
         AppendHex(text, uint32_t{bytes[11]} << 8 | bytes[10], 4);

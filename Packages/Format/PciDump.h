@@ -16,6 +16,9 @@ struct PciFunction_t {
 // A number that sorts locations by segment, bus, device and function.
 uint32_t PciOrder(uint32_t location);
 
+// Segment, bus, device and function, such as "0000:00:1f.3".
+std::string PciAddress(uint32_t location);
+
 // Functions must be in rising order.
 std::string WritePciDump(std::span<const PciFunction_t> functions);
 // Takes what lspci writes, with and without segments. Returns what is wrong, with the line's number, or an empty text.

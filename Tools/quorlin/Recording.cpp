@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "Packages/Analysis/RedactMachine.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/OS/OS.h"
@@ -12,6 +13,8 @@
 #include "Packages/OS/Program.h"
 #include "Packages/OS/SystemFacts.h"
 #include "Tools/quorlin/Causes.h"
+#include "Tools/quorlin/Key.h"
+#include "Tools/quorlin/Output.h"
 
 namespace {
 
@@ -342,3 +345,24 @@ class ClRecorder {
 }  // namespace
 
 RecordedHardware_t ReadHardware(const RecordingOptions_t& options) { return ClRecorder(options).Run(); }
+
+bool RedactHardware(std::span<uint8_t> table, const RedactOptions_t& options, const std::vector<uint8_t>& key,
+                    RecordedHardware_t& hardware) {
+    MachineFacts_t& facts = hardware.facts;
+    facts.isRedacted = true;
+    facts.host.clear();
+    if (!facts.known.networkAddresses.empty()) {
+        facts.known.networkAddresses.clear();
+        facts.unread.push_back({"network addresses", "they identify the machine, and were left out"});
+    }
+    std::erase_if(hardware.tables, [&](const AcpiTable_t& each) {
+        if (!IsNamingTable(each.name)) return false;
+        facts.leftOut.push_back(each.name);
+        facts.unread.push_back({"ACPI table " + each.name, "it identifies the machine, and was left out"});
+        return true;
+    });
+    const bool isDone =
+        RedactMachine(table, options, HmacUnder(key), hardware.tables, hardware.functions, hardware.processors);
+    if (!isDone) SayError("redact", kNoHmac);
+    return isDone;
+}

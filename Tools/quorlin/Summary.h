@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Packages/Standard/Facts.h"
@@ -84,6 +85,13 @@ struct Summary_t {
 };
 
 Summary_t SummaryOf(std::span<const uint8_t> table, const FactOptions_t& options);
+
+// Its parts as lines for people; a part of which nothing is known has none.
+struct SummarySection_t {
+    std::string_view name;
+    std::vector<std::string> lines;
+};
+std::vector<SummarySection_t> SectionsOf(const Summary_t& summary);
 
 // The sum over all groups of count, used or free.
 template <class Kind>

@@ -2,27 +2,16 @@
 #include <map>
 #include <tuple>
 
-#include "Packages/Analysis/Findings.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Findings.h"
 #include "Tools/quorlin/Formats.h"
 #include "Tools/quorlin/NameList.h"
 #include "Tools/quorlin/Text.h"
-#include "Tools/quorlin/Types.h"
 
 namespace {
 
 constexpr List_t kList = {.name = "findings", .columns = kFindingColumns, .innerName = "places"};
 constexpr Choice_t kSeverities[] = {{"error"}, {"warning"}, {"note"}};
-
-// "Memory Device (type 17), Memory Type", or as much of it as there is.
-std::string SubjectOf(const FindingGroup_t& group) {
-    if (group.type < 0) return "";
-    std::string text(NameOfType(static_cast<uint8_t>(group.type)));
-    text.append(" (type ").append(std::to_string(group.type)).append(")");
-    if (!group.name.empty()) text.append(", ").append(group.name);
-    return text;
-}
 
 // A text as it is, or in quotes if blanks at its ends would be lost.
 std::string Quoted(const std::string& text) {
@@ -113,16 +102,7 @@ class ClCheckCommand : public ClCommand {
         const RuleChoice_t choice = Choice();
         return WriteTables(m_source, m_format.Chosen(), kList, kCheckCommand.trouble,
                            [&](ClTable& table, ClWriter& writer) {
-                               const Image_t* image = table.Image();
-                               const CheckedTable_t checked = {
-                                   .bytes = table.Bytes(),
-                                   .version = table.Version(),
-                                   .checksumsFit = image == nullptr || image->checksumsFit,
-                                   .missing = image == nullptr ? 0 : image->missing,
-                                   .structures = image == nullptr ? uint16_t{0} : image->structures,
-                                   .largest = image == nullptr ? uint16_t{0} : image->largest,
-                               };
-                               const std::vector<FindingGroup_t> groups = FindGroups(checked, choice);
+                               const std::vector<FindingGroup_t> groups = FindGroups(Checked(table), choice);
                                ClColumns* people = writer.People();
                                uint64_t count = 0;
                                for (const FindingGroup_t& group : groups) {

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Packages/Analysis/RedactMachine.h"
 #include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/Format/TextLines.h"
 #include "Packages/OS/Hmac.h"
@@ -59,10 +58,8 @@ class ClRecord : public ClCommand {
         }
         if (!m_tableProblem.empty())
             record.facts.unread.insert(record.facts.unread.begin(), {"SMBIOS table", m_tableProblem});
-        if (m_redacts && !Redact(record, key)) {
-            SayError("record", "the system has no HMAC-SHA-256");
+        if (m_redacts && !RedactHardware(m_table, {.version = m_version, .keepsVendor = m_keepsVendor}, key, record))
             return kExitNoTable;
-        }
         return Write(record);
     }
 
@@ -91,24 +88,6 @@ class ClRecord : public ClCommand {
         m_tableProblem = table.Error().substr(0, table.Error().find(';'));
         if (m_tableProblem.empty()) m_tableProblem = "it is empty or larger than 4 MiB";
         return true;
-    }
-
-    bool Redact(RecordedHardware_t& record, const std::vector<uint8_t>& key) {
-        MachineFacts_t& facts = record.facts;
-        facts.isRedacted = true;
-        facts.host.clear();
-        if (!facts.known.networkAddresses.empty()) {
-            facts.known.networkAddresses.clear();
-            facts.unread.push_back({"network addresses", "they identify the machine, and were left out"});
-        }
-        std::erase_if(record.tables, [&](const AcpiTable_t& table) {
-            if (!IsNamingTable(table.name)) return false;
-            facts.leftOut.push_back(table.name);
-            facts.unread.push_back({"ACPI table " + table.name, "it identifies the machine, and was left out"});
-            return true;
-        });
-        return RedactMachine(m_table, {.version = m_version, .keepsVendor = m_keepsVendor}, HmacUnder(key),
-                             record.tables, record.functions, record.processors);
     }
 
     int Write(RecordedHardware_t& record) {

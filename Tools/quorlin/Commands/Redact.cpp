@@ -61,7 +61,7 @@ class ClRedact : public ClCommand {
         const std::span<const uint8_t> bytes = table.Bytes();
         std::vector<uint8_t> redacted(bytes.begin(), bytes.end());
         if (!RedactTable(redacted, {.version = table.Version(), .keepsVendor = m_keepsVendor}, HmacUnder(key))) {
-            SayError("redact", "the system has no HMAC-SHA-256");
+            SayError("redact", kNoHmac);
             return kRedactCommand.trouble;
         }
         return WriteFileOrStream(m_out, DumpOf(table, redacted)) ? kExitDone : kRedactCommand.trouble;

@@ -15,18 +15,10 @@ constexpr Column_t kColumns[] = {{"rule"}, {"verdict"}, {"type"},     {"handle"}
                                  {"what"}, {"claim"},   {"hardware"}, {"reason"}, {"read_from"}};
 constexpr List_t kList = {.name = "verdicts", .columns = kColumns};
 
-const char* WordOf(Verdict_t verdict) {
-    switch (verdict) {
-        case Verdict_t::kAgrees: return "agrees";
-        case Verdict_t::kContradicts: return "contradicts";
-        default: return "can't tell";
-    }
-}
-
 void ShowToPeople(const Verification_t& verification, ClColumns& people) {
     const VerifyRow_t row = VerifyRowOf(verification.rule);
     std::string line(row.id);
-    line.append(" ").append(WordOf(verification.verdict)).append(": ").append(row.claim);
+    line.append(" ").append(VerdictWord(verification.verdict)).append(": ").append(row.claim);
     line.append(": ").append(verification.claim);
     if (verification.structure != nullptr)
         line.append("; handle ").append(HandleText(verification.structure->Handle()));
@@ -44,7 +36,7 @@ void WriteRow(const Verification_t& verification, ClWriter& writer) {
         offset = uint64_t{verification.offset};
     }
     (verification.verdict == Verdict_t::kCantTell ? reason : hardware) = verification.hardware;
-    writer.Row({row.id, WordOf(verification.verdict), type, handle, key, offset, row.claim, verification.claim,
+    writer.Row({row.id, VerdictWord(verification.verdict), type, handle, key, offset, row.claim, verification.claim,
                 hardware, reason, row.source});
 }
 
