@@ -53,6 +53,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         RequireHarmless(platform.output);
         RequireHarmless(platform.errors);
     }
+    for (const bool isComparison : {false, true}) {
+        Arguments_t arguments = {"report", "-", "--as", "table", "table"};
+        if (isComparison) arguments.emplace_back("other");
+        RunOnPlatform(arguments);
+        RequireHarmless(platform.output);
+        RequireHarmless(platform.errors);
+    }
     // The dump must contain the table that was read.
     Require(RunOnPlatform({"dump", "-", "--as", "table", "--image", "table"}) == 0);
     const std::vector<uint8_t> dump(platform.output.begin(), platform.output.end());

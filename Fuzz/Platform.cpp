@@ -46,6 +46,7 @@ bool WriteStandardOutput(const char* bytes, size_t size) {
 
 std::string KernelVersion() { return "Linux"; }
 const char* FirmwareKind() { return nullptr; }
+std::FILE* OpenPciNames() { return nullptr; }
 
 // The linker replaces FERROXInitialize by this (--wrap), so that no input reaches the hardware.
 extern "C" status_t __wrap_FERROXInitialize();

@@ -50,3 +50,5 @@ const char* AdviceForRights();
 std::string KernelVersion();
 // Returns what kind of firmware started the system: "UEFI" or "BIOS"; null if that is unknown.
 const char* FirmwareKind();
+// Opens the system's list of the names of PCI devices, pci.ids. Returns null if it has none.
+std::FILE* OpenPciNames();

@@ -200,3 +200,9 @@ const char* FirmwareKind() {
     if (IsThere("/sys/firmware/efi")) return "UEFI";
     return IsThere("/sys/firmware") ? "BIOS" : nullptr;
 }
+
+std::FILE* OpenPciNames() {
+    for (const char* path : {"/usr/share/misc/pci.ids", "/usr/share/hwdata/pci.ids"})
+        if (std::FILE* file = OpenFile(path, "r"); file != nullptr) return file;
+    return nullptr;
+}

@@ -83,6 +83,8 @@ std::string KernelVersion() { return {}; }
 
 const char* FirmwareKind() { return nullptr; }
 
+std::FILE* OpenPciNames() { return nullptr; }
+
 bool WriteStandardOutput(const char* bytes, size_t size) {
     return std::fwrite(bytes, 1, size, stdout) == size && std::fflush(stdout) == 0;
 }

@@ -221,3 +221,5 @@ const char* FirmwareKind() {
     if (GetFirmwareEnvironmentVariableA("", "{00000000-0000-0000-0000-000000000000}", nullptr, 0) != 0) return nullptr;
     return GetLastError() == ERROR_INVALID_FUNCTION ? "BIOS" : "UEFI";
 }
+
+std::FILE* OpenPciNames() { return nullptr; }

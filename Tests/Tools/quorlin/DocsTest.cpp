@@ -70,7 +70,9 @@ fs::path DocsFolder() {
 std::string WithATable(const std::string& arguments) {
     const bool hasSource = arguments.starts_with(" diff ") || arguments.starts_with(" hw ") ||
                            arguments.starts_with(" redact ") || arguments.starts_with(" record ") ||
-                           arguments.starts_with(" doctor") || arguments.find("--replay") != arguments.npos ||
+                           arguments.starts_with(" doctor") ||
+                           (arguments.starts_with(" report ") && arguments.find("machine.bin") != arguments.npos) ||
+                           arguments.find("--replay") != arguments.npos ||
                            arguments.find("--sample") != arguments.npos || arguments.find("--image") != arguments.npos;
     return hasSource ? arguments : arguments + " --sample";
 }
@@ -88,8 +90,9 @@ TEST(Docs, EveryCommandRunsAndPrintsWhatTheySay) {
             // The command creates the file again.
             if (command.arguments.starts_with(" dump ")) fs::remove("machine.bin");
             if (command.arguments.starts_with(" redact ")) fs::remove("public.bin");
-            if (constexpr std::string_view kRecord = " record "; command.arguments.starts_with(kRecord)) {
-                const std::string rest = command.arguments.substr(kRecord.size());
+            for (const std::string_view writes : {" record ", " report "}) {
+                if (!command.arguments.starts_with(writes)) continue;
+                const std::string rest = command.arguments.substr(writes.size());
                 fs::remove_all(rest.substr(0, rest.find(' ')));
             }
             const ProgramRun_t run = RunQuorlin(WithATable(command.arguments));
