@@ -43,14 +43,23 @@ suites_of() { sed -n 's/^# suites: *//p' "$1"; }
 
 build_suites() {
     local targets=()
-    for suite in "$@"; do targets+=("${suite}Test"); done
+    for suite in "$@"; do
+        if [ "$suite" = browser ]; then targets+=(quorlin_program write_images); else targets+=("${suite}Test"); fi
+    done
     nice cmake --build "$build" -j "$jobs" --target "${targets[@]}"
 }
 
 run_suites() {
     rm -rf "$build/scratch" && mkdir -p "$build/scratch"
-    local names="$*"
-    nice ctest --test-dir "$build" -R "^(${names// /|})\$" --timeout "$most_seconds" \
+    local suite names=
+    for suite in "$@"; do
+        if [ "$suite" = browser ]; then
+            nice "$source/Tests/Report/run.sh" "$build/bin" "$build/report" || return
+        else
+            names+="${names:+|}$suite"
+        fi
+    done
+    [ -z "$names" ] || nice ctest --test-dir "$build" -R "^($names)\$" --timeout "$most_seconds" \
         --output-on-failure --no-tests=error
 }
 
@@ -96,7 +105,8 @@ try() {
         return
     fi
     local failed
-    mapfile -t failed < <(grep -o '\[  FAILED  \] [A-Za-z0-9_/]*\.[A-Za-z0-9_/]*' "$log" | cut -c 14- | sort -u)
+    mapfile -t failed < <(sed -nE -e 's/^\[  FAILED  \] ([A-Za-z0-9_/]*\.[A-Za-z0-9_/]*).*/\1/p' \
+        -e 's/^(FAIL|ERROR): (\w+) .*/\2/p' "$log" | sort -u)
     if [ ${#failed[@]} = 0 ]; then
         echo "killed (crash or timeout)"
     else
