@@ -50,7 +50,7 @@ build_suites() {
 }
 
 run_suites() {
-    rm -rf "$build/scratch" && mkdir -p "$build/scratch"
+    find "$build/scratch" -mindepth 2 -delete
     local suite names=
     for suite in "$@"; do
         if [ "$suite" = browser ]; then
