@@ -27,7 +27,7 @@ compare() {
 # Runs each command on one table, and show in each format.
 compare_table() {
     for format in lines text json ndjson csv; do compare "$@" --format $format; done
-    for command in types "find serial" "get 1 Manufacturer" raw check; do
+    for command in types "find serial" "get 1 Manufacturer" raw check "report -"; do
         # shellcheck disable=SC2086  # a command and its arguments
         compare $command "$@"
     done

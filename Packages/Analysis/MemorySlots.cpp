@@ -18,12 +18,6 @@ bool IsUpper(char c) { return c >= 'A' && c <= 'Z'; }
 bool IsLower(char c) { return c >= 'a' && c <= 'z'; }
 bool IsLetter(char c) { return IsUpper(c) || IsLower(c); }
 
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(), LowerCase);
-    return lower;
-}
-
 // A run of letters or of digits in a locator.
 struct Word_t {
     std::string_view text;
@@ -51,7 +45,7 @@ std::vector<Word_t> WordsOf(std::string_view locator) {
             continue;
         }
         const std::string_view text = locator.substr(begin, at - begin);
-        words.push_back({text, Lower(text)});
+        words.push_back({text, LowerCaseText(text)});
     }
     // "DIMMA" is "DIMM" and "A".
     for (size_t i = 0; i < words.size(); i++) {
@@ -104,10 +98,7 @@ std::string ChannelOf(const std::vector<Word_t>& words) {
 std::string TextOf(const ClValues& values, std::string_view key) {
     const Value_t* value = values.Find(key);
     if (value == nullptr || value->state != FactState_t::kValue) return {};
-    std::string_view text = value->word.empty() ? value->string : value->word;
-    while (text.ends_with(' ')) text.remove_suffix(1);
-    while (text.starts_with(' ')) text.remove_prefix(1);
-    return std::string(text);
+    return std::string(WithoutBlanks(value->word.empty() ? value->string : value->word));
 }
 
 bool Is(const Value_t* value, FactState_t state) { return value != nullptr && value->state == state; }
@@ -153,9 +144,7 @@ class ClSlots {
         for (const TableStructure_t& structure : ClWalk(table)) {
             const uint8_t type = structure.Type();
             if (type < 16 || (type > 18 && type != 33)) continue;
-            ClValues values;
-            ClFacts facts(structure, options);
-            while (facts.Next()) values.Add(*facts);
+            const ClValues values(structure, options);
             if (type == 16) AddArray(structure, values);
             if (type == 17) AddSlot(structure, values);
             if (type == 18 || type == 33) AddError(structure, values);

@@ -22,6 +22,11 @@ struct Value_t {
 // Its texts are views of the structure and of the standard's tables.
 class ClValues {
   public:
+    ClValues() = default;
+    ClValues(const TableStructure_t& structure, const FactOptions_t& options) {
+        ClFacts facts(structure, options);
+        while (facts.Next()) Add(*facts);
+    }
     void Clear() { m_values.clear(); }
     // Adds a fact, unless it is in a list.
     void Add(const Fact_t& fact) {

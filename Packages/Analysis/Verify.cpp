@@ -167,7 +167,7 @@ class ClVerify {
         constexpr uint64_t kNumber32 = 2, kUefiId = 1;
         constexpr std::string_view kKey = "firmware_version", kPrefix = "0x";
         std::string_view version = m_values.Text(kKey);
-        const std::string id = Lower(m_values.Text("firmware_id"));
+        const std::string id = LowerCaseText(m_values.Text("firmware_id"));
         if (version.empty() || m_values.Number("version_format") != kNumber32 ||
             m_values.Number("firmware_id_format") != kUefiId)
             return;
@@ -184,12 +184,6 @@ class ClVerify {
         Judge(VerifyRule_t::kComponentVersion, number == resource->version, kKey, version, CodeText(resource->version));
     }
 
-    static std::string Lower(std::string_view text) {
-        std::string lower(text);
-        std::ranges::transform(lower, lower.begin(), LowerCase);
-        return lower;
-    }
-
     // A UUID of version 1 ends with a network address, or with a random one, which has the bit of groups. Some firmware
     // has an address there whatever the version.
     void VerifyUuid() {
@@ -198,7 +192,7 @@ class ClVerify {
         const Value_t* uuid = m_values.Find("uuid");
         if (uuid == nullptr || uuid->state != FactState_t::kValue || uuid->size != kSize) return;
         const uint8_t* bytes = m_structure->data + uuid->offset;
-        const std::string node = Lower(HexDigits({bytes + kNode, kNodeSize}));
+        const std::string node = LowerCaseText(HexDigits({bytes + kNode, kNodeSize}));
         const uint8_t version = (m_version < 0x0206 ? bytes[6] : bytes[7]) >> 4;
         if (std::ranges::find(m_hardware.networkAddresses, node) != m_hardware.networkAddresses.end())
             Judge(VerifyRule_t::kUuid, true, uuid->key, node, node);

@@ -2,9 +2,15 @@
 #pragma once
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 constexpr char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+inline std::string LowerCaseText(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) c = LowerCase(c);
+    return lower;
+}
 
 // Compare without regard to the case of letters.
 inline bool EqualsIgnoringCase(std::string_view first, std::string_view second) {

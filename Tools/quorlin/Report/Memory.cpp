@@ -5,7 +5,6 @@
 #include "Packages/Analysis/Values.h"
 #include "Packages/Standard/Texts.h"
 #include "Tools/quorlin/Report/Sections.h"
-#include "Tools/quorlin/Summary.h"
 
 namespace {
 
@@ -239,9 +238,7 @@ void PutOldModules(const ClStructures& structures, ClHtml& html) {
         if (entry.structure.Type() != 6) continue;
         if (isFirst) html << "<div class=\"slots\">\n";
         isFirst = false;
-        ClValues values;
-        ClFacts facts(entry.structure, structures.Options());
-        while (facts.Next()) values.Add(*facts);
+        const ClValues values(entry.structure, structures.Options());
         const std::string label(values.Text("socket_designation"));
         const auto size = values.Number("installed_module_size");
         Box_t box = EmptyBox(label.empty() ? Filled(kTextUnnamedSlot, {HandleText(entry.structure.Handle())}) : label);
@@ -263,7 +260,7 @@ void PutOldModules(const ClStructures& structures, ClHtml& html) {
 
 void WriteMemory(const Report_t& report, const ClStructures& structures, ClHtml& html) {
     const std::vector<MemoryArray_t> arrays = MemoryArraysOf(report.table.bytes, structures.Options());
-    const Summary_t summary = SummaryOf(report.table.bytes, {.version = report.table.version});
+    const Summary_t& summary = structures.Summary();
     std::string total;
     if (summary.memoryInstalled) total = Filled(kTextMemoryTotal, {SizeText(*summary.memoryInstalled)});
     if (summary.memoryMaximum) total = Joined(total, Filled(kTextMemoryMost, {SizeText(*summary.memoryMaximum)}), ", ");

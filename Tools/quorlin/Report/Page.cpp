@@ -6,13 +6,13 @@
 #include "Packages/Standard/Texts.h"
 #include "Tools/quorlin/Report/Files.h"
 #include "Tools/quorlin/Report/Sections.h"
-#include "Tools/quorlin/Summary.h"
 #include "Tools/quorlin/Text.h"
 
 ClStructures::ClStructures(const NamedTable_t& table)
     : m_table(table.bytes),
       m_handles(table.bytes),
-      m_options{.version = table.version, .handles = &m_handles, .listsAbsent = false} {
+      m_options{.version = table.version, .handles = &m_handles, .listsAbsent = false},
+      m_summary(SummaryOf(table.bytes, {.version = table.version})) {
     uint32_t counts[256] = {};
     for (const TableStructure_t& structure : ClWalk(m_table)) {
         const auto number = static_cast<uint32_t>(m_all.size());
@@ -70,13 +70,6 @@ void BeginHead(std::initializer_list<ReportText_t> headings, ClHtml& html) {
         html.Text(TextOf(heading));
     }
     html << "<tbody>\n";
-}
-
-void PutPair(std::string_view name, std::string_view value, ClHtml& html) {
-    if (value.empty()) return;
-    html << "<dt>";
-    html.Text(name) << "<dd>";
-    html.Text(value) << "\n";
 }
 
 std::string Cut(std::string_view text, size_t characters) {
@@ -153,7 +146,7 @@ class ClPage {
 
     // Maker and product.
     std::string MachineName() const {
-        const Product_t product = SummaryOf(m_report.table.bytes, {.version = m_report.table.version}).system.product;
+        const Product_t& product = m_structures.Summary().system.product;
         const std::string& maker = product.manufacturer;
         std::string name = product.name.starts_with(maker) || maker.empty() ? product.name
                            : product.name.empty()                           ? maker
@@ -183,10 +176,9 @@ class ClPage {
 
 }  // namespace
 
-void WriteSummary(const Report_t& report, const ClStructures&, ClHtml& html) {
-    const Summary_t summary = SummaryOf(report.table.bytes, {.version = report.table.version});
+void WriteSummary(const Report_t&, const ClStructures& structures, ClHtml& html) {
     html << "<dl>\n";
-    for (const SummarySection_t& section : SectionsOf(summary)) {
+    for (const SummarySection_t& section : SectionsOf(structures.Summary())) {
         if (section.lines.empty()) continue;
         html << "<dt>";
         html.Text(section.name) << "\n";
@@ -198,7 +190,7 @@ void WriteSummary(const Report_t& report, const ClStructures&, ClHtml& html) {
     html << "</dl>\n";
 }
 
-// The facts of a structure that people know what to do with: words, and numbers with a unit.
+// The facts of a structure that people know what to do with: words, fillers too, and numbers with a unit.
 static void PutCard(const ClStructures::Entry_t& entry, const FactOptions_t& options, ClHtml& html) {
     html << "<div class=\"card\"><h3>";
     PutLink(&entry, FindStandardType(entry.structure.Type()).Name(), html);
@@ -209,9 +201,18 @@ static void PutCard(const ClStructures::Entry_t& entry, const FactOptions_t& opt
         const bool isWord = fact.kind != FactKind_t::kNumber && fact.kind != FactKind_t::kBits &&
                             fact.kind != FactKind_t::kHandle && fact.kind != FactKind_t::kList &&
                             fact.kind != FactKind_t::kBytes;
-        const bool isShown =
-            fact.IsValue() && fact.record < 0 && (isWord || (fact.unit != Unit_t::kNone && fact.number != 0));
-        if (isShown) PutPair(fact.Name(), ShownValue(facts, fact), html);
+        const bool isMeasure = fact.IsValue() && fact.unit != Unit_t::kNone && fact.number != 0;
+        const bool isFiller = fact.state == FactState_t::kFiller;
+        if (fact.record >= 0 || !(isMeasure || (isWord && (fact.IsValue() || isFiller)))) continue;
+        const std::string value = isFiller ? PlainValue(facts, fact) : ShownValue(facts, fact);
+        if (value.empty()) continue;
+        html << "<dt>";
+        html.Text(fact.Name());
+        if (isFiller)
+            html << "<dd class=filler>";
+        else
+            html << "<dd>";
+        html.Text(value) << "\n";
     }
     html << "</dl></div>\n";
 }

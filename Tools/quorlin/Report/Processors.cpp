@@ -24,15 +24,8 @@ struct Kind_t {
     auto operator<=>(const Kind_t&) const = default;
 };
 
-ClValues ValuesOf(const ClStructures::Entry_t& entry, const FactOptions_t& options) {
-    ClValues values;
-    ClFacts facts(entry.structure, options);
-    while (facts.Next()) values.Add(*facts);
-    return values;
-}
-
 Kind_t KindOf(const ClStructures::Entry_t& entry, const ClStructures& structures) {
-    const ClValues values = ValuesOf(entry, structures.Options());
+    const ClValues values(entry.structure, structures.Options());
     Kind_t kind;
     kind.isThere = (values.Number("status").value_or(kPopulated) & kPopulated) != 0;
     if (!kind.isThere) return kind;
@@ -48,7 +41,7 @@ Kind_t KindOf(const ClStructures::Entry_t& entry, const ClStructures& structures
         const auto handle = values.Number(key);
         const ClStructures::Entry_t* cache = handle ? structures.WithHandle(static_cast<uint16_t>(*handle)) : nullptr;
         if (cache == nullptr || cache->structure.Type() != 7) continue;
-        const ClValues of = ValuesOf(*cache, structures.Options());
+        const ClValues of(cache->structure, structures.Options());
         const auto level = of.Number("cache_level"), size = of.Number("cache_size");
         if (level && size && *size != 0) kind.caches.push_back({Filled(kTextCacheLevel, *level), *size});
     }

@@ -12,8 +12,9 @@
 #include "Tools/quorlin/Html.h"
 #include "Tools/quorlin/Report/Page.h"
 #include "Tools/quorlin/Report/Texts.h"
+#include "Tools/quorlin/Summary.h"
 
-// The structures of the report's table, in their order.
+// The structures of the report's table, in their order, and its summary.
 class ClStructures {
   public:
     struct Entry_t {
@@ -29,6 +30,7 @@ class ClStructures {
 
     const std::vector<Entry_t>& All() const { return m_all; }
     std::span<const uint8_t> Table() const { return m_table; }
+    const Summary_t& Summary() const { return m_summary; }
     // How its facts are read.
     const FactOptions_t& Options() const { return m_options; }
     // The structure that these bytes are in, or the first one with this handle. Null if there is none.
@@ -42,6 +44,7 @@ class ClStructures {
     std::span<const uint8_t> m_table;
     ClHandles m_handles;
     FactOptions_t m_options;
+    Summary_t m_summary;
     std::vector<Entry_t> m_all;
     std::unordered_map<uint16_t, uint32_t> m_byHandle;
 };
@@ -57,8 +60,6 @@ std::string DesignationOf(const ClStructures::Entry_t& entry, const FactOptions_
 void BeginTable(std::string_view label, std::initializer_list<ReportText_t> headings, ClHtml& html);
 // The same without scrolling.
 void BeginHead(std::initializer_list<ReportText_t> headings, ClHtml& html);
-// A term and its description in a <dl>; nothing for an empty one.
-void PutPair(std::string_view name, std::string_view value, ClHtml& html);
 // A text cut to so many characters, for where it doesn't wrap.
 std::string Cut(std::string_view text, size_t characters);
 
