@@ -47,3 +47,14 @@ Hmac_t HmacUnder(const std::vector<uint8_t>& key) {
         return os_HmacSha256(key, message, mac);
     };
 }
+
+void RedactChoice_t::AddOptions(const char* help, std::vector<Option_t>& options) {
+    options.push_back({"--redact", nullptr, help, &isWanted});
+    options.push_back(KeyOption(&keyFile));
+    options.push_back({"--keep-vendor", nullptr,
+                       "With --redact: leave structures of unknown types, but for known values", &keepsVendor});
+}
+
+void RedactChoice_t::Check() const {
+    if (!isWanted && (!keyFile.empty() || keepsVendor)) throw BadUsage_t{"--key and --keep-vendor are for --redact"};
+}

@@ -31,24 +31,18 @@ class ClRecord : public ClCommand {
                    name != "--trace" && name != "--verbose";
         });
         options.push_back({"dir", "DIR", "The new folder", &m_folder, true});
-        options.push_back({"--redact", nullptr, "Leave out or replace what tells the machine from others", &m_redacts});
-        options.push_back(KeyOption(&m_keyFile));
-        options.push_back({"--keep-vendor", nullptr,
-                           "With --redact: leave structures of unknown types, but for known "
-                           "values",
-                           &m_keepsVendor});
+        m_redaction.AddOptions("Leave out or replace what tells the machine from others", options);
         options.push_back(
             {"--with-licence-keys", nullptr, "Record the ACPI tables MSDM and SLIC too", &m_recording.withLicenceKeys});
         return options;
     }
 
     int Run() override {
-        if (!m_redacts && (!m_keyFile.empty() || m_keepsVendor))
-            throw BadUsage_t{"--key and --keep-vendor are for --redact"};
+        m_redaction.Check();
         m_source.CheckOne();
         if (IsThere(m_folder)) return Refuse(EEXIST);
         std::vector<uint8_t> key;
-        if (m_redacts && !MakeKey(m_keyFile, &key)) return kExitNoTable;
+        if (m_redaction.isWanted && !MakeKey(m_redaction.keyFile, &key)) return kExitNoTable;
         if (!ReadTable()) return kExitNoTable;
         RecordedHardware_t record;
         {
@@ -58,7 +52,8 @@ class ClRecord : public ClCommand {
         }
         if (!m_tableProblem.empty())
             record.facts.unread.insert(record.facts.unread.begin(), {"SMBIOS table", m_tableProblem});
-        if (m_redacts && !RedactHardware(m_table, {.version = m_version, .keepsVendor = m_keepsVendor}, key, record))
+        if (m_redaction.isWanted &&
+            !RedactHardware(m_table, {.version = m_version, .keepsVendor = m_redaction.keepsVendor}, key, record))
             return kExitNoTable;
         return Write(record);
     }
@@ -130,8 +125,8 @@ class ClRecord : public ClCommand {
     }
 
     Source_t m_source;
-    std::string m_folder, m_keyFile, m_tableProblem;
-    bool m_redacts = false, m_keepsVendor = false;
+    std::string m_folder, m_tableProblem;
+    RedactChoice_t m_redaction;
     RecordingOptions_t m_recording;
     std::vector<uint8_t> m_table;
     uint16_t m_version = 0;

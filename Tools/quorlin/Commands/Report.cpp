@@ -21,21 +21,15 @@ class ClReport : public ClCommand {
         options.push_back({"out", "FILE", "The new file; - for standard output", &m_out, true});
         options.push_back({"image", "FILE", "An image to read, as --image takes it; two show what differs between them",
                            &m_source.images});
-        options.push_back({"--redact", nullptr, "Replace what tells the machine from others", &m_redacts});
-        options.push_back(KeyOption(&m_keyFile));
-        options.push_back({"--keep-vendor", nullptr,
-                           "With --redact: leave structures of unknown types, but for known "
-                           "values",
-                           &m_keepsVendor});
+        m_redaction.AddOptions("Replace what tells the machine from others", options);
         return options;
     }
 
     int Run() override {
-        if (!m_redacts && (!m_keyFile.empty() || m_keepsVendor))
-            throw BadUsage_t{"--key and --keep-vendor are for --redact"};
+        m_redaction.Check();
         if (m_source.images.size() > 2) throw BadUsage_t{"give one image, or two to compare"};
         m_source.Check();
-        if (m_redacts && !MakeKey(m_keyFile, &m_key)) return kReportCommand.trouble;
+        if (m_redaction.isWanted && !MakeKey(m_redaction.keyFile, &m_key)) return kReportCommand.trouble;
         const bool isComparison = m_source.images.size() == 2;
         if (isComparison) {
             Source_t first = m_source;
@@ -63,8 +57,8 @@ class ClReport : public ClCommand {
         const std::span<const uint8_t> bytes = table.Bytes();
         kept.bytes.assign(bytes.begin(), bytes.end());
         kept.table = {kept.bytes, table.Version(), NameOf(table)};
-        if (!m_redacts) return true;
-        const RedactOptions_t options = {.version = table.Version(), .keepsVendor = m_keepsVendor};
+        if (!m_redaction.isWanted) return true;
+        const RedactOptions_t options = {.version = table.Version(), .keepsVendor = m_redaction.keepsVendor};
         if (m_hardware) return RedactHardware(kept.bytes, options, m_key, *m_hardware);
         const bool isDone = RedactTable(kept.bytes, options, HmacUnder(m_key));
         if (!isDone) SayError("redact", kNoHmac);
@@ -75,7 +69,7 @@ class ClReport : public ClCommand {
     std::string NameOf(const ClTable& table) const {
         if (!m_source.replay.empty()) return std::string(TextOf(kTextRecord));
         if (table.Image() == nullptr) return table.Name();
-        if (m_redacts) return std::string(TextOf(kTextRedactedImage));
+        if (m_redaction.isWanted) return std::string(TextOf(kTextRedactedImage));
         const std::string& path = table.Name();
         return path.substr(path.find_last_of("/\\") + 1);
     }
@@ -87,7 +81,7 @@ class ClReport : public ClCommand {
         }
         Kept_t kept;
         if (!Keep(table, kept)) return kReportCommand.trouble;
-        Report_t report = {.table = kept.table, .checked = Checked(table), .isRedacted = m_redacts};
+        Report_t report = {.table = kept.table, .checked = Checked(table), .isRedacted = m_redaction.isWanted};
         report.checked.bytes = kept.bytes;
         if (m_hardware) report.hardware = &*m_hardware;
         if (isComparison) report.base = &m_base.table;
@@ -97,8 +91,8 @@ class ClReport : public ClCommand {
     }
 
     Source_t m_source;
-    std::string m_out, m_keyFile;
-    bool m_redacts = false, m_keepsVendor = false;
+    std::string m_out;
+    RedactChoice_t m_redaction;
     std::vector<uint8_t> m_key;
     std::optional<RecordedHardware_t> m_hardware;  // of a machine's own table
     Kept_t m_base;
