@@ -4,14 +4,15 @@
 # user with sudo, and without make, runs ./run.
 #
 # Needs root or sudo, the right to mount and to create device files (most containers refuse both), the network, and 2 GB
-# in the temporary folder.
+# in the temporary folder. With CCACHE_DIR the compiler takes objects from that cache, and the machine has ccache too.
+# The tree lies where it lies here, as objects depend on its path.
 set -eu
 case ${1:-} in
 '')
     cd "$(dirname "$0")/.."
     cmake/install-packages.sh debootstrap git
     sudo=
-    [ "$(id -u)" = 0 ] || sudo='sudo --preserve-env=http_proxy,https_proxy,no_proxy'
+    [ "$(id -u)" = 0 ] || sudo='sudo --preserve-env=http_proxy,https_proxy,no_proxy,CCACHE_DIR'
     $sudo unshare --mount --pid --fork true || { echo "bare-machine: no right to mount here" >&2; exit 1; }
     work=$(mktemp -d)
     trap '$sudo rm -rf "$work"' EXIT
@@ -25,7 +26,8 @@ inside)
     root=$2/root
     [ -n "${http_proxy:-}" ] || eval "$(apt-config shell http_proxy Acquire::http::Proxy)"
     [ -z "${http_proxy:-}" ] || export http_proxy
-    "$(dirname "$0")/debian-root.sh" bookworm "$root"
+    tree=$PWD
+    "$(dirname "$0")/debian-root.sh" bookworm "$root" ${CCACHE_DIR:+ccache}
     # Lets apt use the same sources.
     rm "$root/etc/apt/sources.list"
     for item in sources.list sources.list.d auth.conf auth.conf.d trusted.gpg trusted.gpg.d keyrings; do
@@ -41,17 +43,30 @@ inside)
     mount -t proc proc "$root/proc"
     mount --rbind /sys "$root/sys"
     mount -t devpts devpts "$root/dev/pts"
-    mkdir "$root/tree"
-    tar -x -C "$root/tree" -f "$2/tree.tar"
+    mkdir -p "$root$tree"
+    tar -x -C "$root$tree" -f "$2/tree.tar"
+    # The user reaches the tree, wherever it is.
+    folder=$tree
+    while [ "$folder" != / ]; do
+        chmod a+rx "$root$folder"
+        folder=$(dirname "$folder")
+    done
+    cache=
+    if [ -n "${CCACHE_DIR:-}" ]; then
+        mkdir "$root/ccache"
+        mount --bind "$CCACHE_DIR" "$root/ccache"
+        cache="CCACHE_DIR=/ccache CCACHE_BASEDIR=$tree"
+        cache="$cache CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache"
+    fi
     cp "$0" "$root/bare-machine"
     # In a chroot the kernel would refuse new user namespaces and private mounts.
     cd "$root"
     pivot_root . .
     umount -l .
     cd /
-    # shellcheck disable=SC2086  # nothing, or one word
+    # shellcheck disable=SC2086  # nothing, or words
     exec env -i HOME=/root LANG=C.UTF-8 PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
-        ${http_proxy:+"http_proxy=$http_proxy"} sh /bare-machine commands
+        ${http_proxy:+"http_proxy=$http_proxy"} $cache sh /bare-machine commands "$tree"
     ;;
 commands)
     ! command -v make git g++ || { echo "bare-machine: this machine isn't bare" >&2; exit 1; }
@@ -61,7 +76,7 @@ commands)
         echo "bare-machine: $* shows no items" >&2
         return 1
     }
-    cd /tree
+    cd "$2"
     shows_items ./run
     ./test
 
