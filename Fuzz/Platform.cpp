@@ -24,10 +24,19 @@ bool CreateWholeFile(const std::string&, const void*, size_t) {
     errno = EEXIST;
     return false;
 }
-bool CreateWholeFolder(const std::string&, std::span<const NewFile_t>) {
-    errno = EEXIST;
-    return false;
+struct ClNewFolder::State_t {};
+ClNewFolder::ClNewFolder(const std::string&) { platform.folder.clear(); }
+ClNewFolder::~ClNewFolder() = default;
+size_t ClNewFolder::AddFile(const std::string& name) {
+    platform.folder.push_back({name, ""});
+    return platform.folder.size() - 1;
 }
+bool ClNewFolder::Append(size_t file, std::span<const uint8_t> bytes) {
+    platform.folder[file].second.append(bytes.begin(), bytes.end());
+    return true;
+}
+bool ClNewFolder::Finish() { return true; }
+int ClNewFolder::Problem() const { return 0; }
 bool IsFolder(const std::string& path) {
     const auto inside = platform.files.lower_bound(path + "/");
     return inside != platform.files.end() && inside->first.starts_with(path + "/");

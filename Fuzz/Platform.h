@@ -4,6 +4,8 @@
 
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Fuzz/Fuzz.h"
 #include "Tools/quorlin/Commands.h"
@@ -12,6 +14,7 @@ struct Platform_t {
     std::map<std::string, std::string> files;  // by path; a folder exists if a file in it does
     size_t terminalWidth = 0;                  // 0: standard output isn't a terminal
     std::string output, errors;
+    std::vector<std::pair<std::string, std::string>> folder;  // that was made: the names and bytes of its files
 };
 extern Platform_t platform;
 

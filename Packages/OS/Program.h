@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -20,14 +21,32 @@ std::FILE* OpenPlainFile(const std::string& path);
 // a signal, a full disk or a limit on file sizes leaves no partial file. Returns false, with errno set, on failure;
 // with EEXIST if the name exists, be it as a link.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size);
-// A file of a new folder.
-struct NewFile_t {
-    std::string name;
-    std::span<const uint8_t> bytes;
+// A new folder with files that only its owner can read and write. Like the files of CreateWholeFile, it gets its name
+// when it is complete, and a signal, Ctrl-C or a failure leaves nothing. After a failure nothing more is written.
+// A process can make one folder at a time.
+class ClNewFolder {
+  public:
+    // Creates the folder with a temporary name next to `path`.
+    explicit ClNewFolder(const std::string& path);
+    // Removes the folder unless it is complete.
+    ~ClNewFolder();
+    ClNewFolder(const ClNewFolder&) = delete;
+    ClNewFolder& operator=(const ClNewFolder&) = delete;
+
+    // Creates a file, and returns its number: how many there were before.
+    size_t AddFile(const std::string& name);
+    // Appends bytes to a file, unbuffered. False after a failure.
+    bool Append(size_t file, std::span<const uint8_t> bytes);
+    // Gives the complete folder its name. False on failure; the problem is EEXIST if the name exists.
+    bool Finish();
+    // The errno of the first failure, or 0.
+    int Problem() const;
+
+    struct State_t;  // the system's part
+
+  private:
+    std::unique_ptr<State_t> m_state;
 };
-// Creates a folder with these files that only its owner can read and write. Like the files of CreateWholeFile, it gets
-// its name when it is complete. False, with errno set, on failure; with EEXIST if the name exists.
-bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files);
 bool IsFolder(const std::string& path);
 // Whether the name exists.
 bool IsThere(const std::string& path);

@@ -54,10 +54,14 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output) {
     }
 }
 
+void SayNotMade(const std::string& path, int problem) {
+    SayError(path, problem == EEXIST ? std::string("exists already, and nothing is overwritten; try another name")
+                                     : std::string(std::strerror(problem)) + "; try another name or place");
+}
+
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes) {
     if (CreateWholeFile(path, bytes.data(), bytes.size())) return true;
-    SayError(path, errno == EEXIST ? std::string("exists already, and nothing is overwritten; try another name")
-                                   : std::string(std::strerror(errno)) + "; try another name or place");
+    SayNotMade(path, errno);
     return false;
 }
 

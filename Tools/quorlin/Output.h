@@ -50,6 +50,8 @@ class ClOutput {
 
 // "quorlin: SUBJECT: MESSAGE" on standard error.
 void SayError(std::string_view subject, std::string_view message);
+// Says why a file or folder can't be made; `problem` is an errno.
+void SayNotMade(const std::string& path, int problem);
 inline constexpr char kOutOfMemory[] = "out of memory; try again with more, or a smaller table";
 
 // Writes a hex dump, sixteen bytes a line.

@@ -39,9 +39,11 @@ static bool WriteAll(int file, const void* bytes, size_t size) {
         next += written;
         size -= static_cast<size_t>(written);
     }
-    // Some file systems notice only now that they are full; others don't support fsync.
-    return fsync(file) == 0 || errno == EINVAL;
+    return true;
 }
+
+// Some file systems notice only now that they are full; others don't support fsync.
+static bool Sync(int file) { return fsync(file) == 0 || errno == EINVAL; }
 
 // Returns the folder of a path with its last slash; "./" if it has none.
 static std::string FolderOf(const std::string& path) {
@@ -59,29 +61,47 @@ static Made_t LinkResult(bool isLinked) {
 static Made_t CreateNameless(const std::string& path, const void* bytes, size_t size) {
     const ClDescriptor file(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY, S_IRUSR | S_IWUSR);
     if (!file.IsOpen()) return Made_t::kNotThisWay;
-    if (!WriteAll(file.Get(), bytes, size)) return Made_t::kNo;
+    if (!WriteAll(file.Get(), bytes, size) || !Sync(file.Get())) return Made_t::kNo;
     const std::string itself = "/proc/self/fd/" + std::to_string(file.Get());
     return LinkResult(linkat(AT_FDCWD, itself.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0);
 }
 
+// Keeps signals from being delivered to this thread.
+class ClNoSignals {
+  public:
+    ClNoSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    ~ClNoSignals() {
+        const int problem = errno;
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+        errno = problem;
+    }
+    ClNoSignals(const ClNoSignals&) = delete;
+    ClNoSignals& operator=(const ClNoSignals&) = delete;
+
+  private:
+    sigset_t m_before;
+};
+
 // Uses a temporary name, which is removed before any signal but SIGKILL is delivered.
 static Made_t CreateNamed(const std::string& path, const void* bytes, size_t size) {
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
+    const ClNoSignals noSignals;
     std::string temporary = FolderOf(path) + ".quorlin-XXXXXX";
     Made_t made = Made_t::kNo;
     const ClDescriptor file(MoveAbove(mkostemp(temporary.data(), O_CLOEXEC)));
     if (file.IsOpen()) {
         // link and renameat2 don't replace files. Some file systems support only one of them.
-        if (WriteAll(file.Get(), bytes, size)) made = LinkResult(link(temporary.c_str(), path.c_str()) == 0);
+        if (WriteAll(file.Get(), bytes, size) && Sync(file.Get()))
+            made = LinkResult(link(temporary.c_str(), path.c_str()) == 0);
         if (made == Made_t::kNotThisWay)
             made = LinkResult(renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0);
         const int problem = errno;
         unlink(temporary.c_str());
         errno = problem;
     }
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return made;
 }
 
@@ -92,13 +112,6 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     if (made == Made_t::kNotThisWay) made = CreateNamed(path, bytes, size);
     std::signal(SIGXFSZ, before);
     return made == Made_t::kYes;
-}
-
-// Writes a new file into a folder.
-static bool WriteInFolder(int folder, const NewFile_t& file) {
-    const ClDescriptor opened(
-        MoveAbove(openat(folder, file.name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR)));
-    return opened.IsOpen() && WriteAll(opened.Get(), file.bytes.data(), file.bytes.size());
 }
 
 // Gives the folder its name without replacing another. Some file systems can't rename so, and there rename replaces an
@@ -114,35 +127,114 @@ static bool RenameFolder(const std::string& from, const std::string& to) {
     return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
-// The temporary folder is removed before any signal but SIGKILL is delivered.
-bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files) {
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    const auto beforeLimit = std::signal(SIGXFSZ, SIG_IGN);
-    std::string name = path;
-    while (name.size() > 1 && name.ends_with('/')) name.pop_back();
-    std::string temporary = FolderOf(name) + ".quorlin-XXXXXX";
-    bool isWhole = false;
-    if (mkdtemp(temporary.data()) != nullptr) {
-        const ClDescriptor folder(temporary.c_str(), O_RDONLY | O_DIRECTORY);
-        isWhole = folder.IsOpen();
-        for (const NewFile_t& file : files) isWhole = isWhole && WriteInFolder(folder.Get(), file);
-        isWhole = isWhole && (fsync(folder.Get()) == 0 || errno == EINVAL) && RenameFolder(temporary, name);
-        if (!isWhole) {
-            const int problem = errno;
-            for (const NewFile_t& file : files) unlinkat(folder.Get(), file.name.c_str(), 0);
-            rmdir(temporary.c_str());
-            errno = problem;
-        }
+struct ClNewFolder::State_t {
+    struct File_t {
+        std::string name;
+        int descriptor;
+    };
+
+    ~State_t() {
+        for (const File_t& file : files) close(file.descriptor);
+        close(folder);
     }
-    const int problem = errno;
-    // A signal that is blocked waits even if it is ignored, so it must be delivered before it isn't ignored any more.
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    std::signal(SIGXFSZ, beforeLimit);
-    errno = problem;
-    return isWhole;
+    // Only calls that a signal handler may make.
+    void Remove() const {
+        for (const File_t& file : files) unlinkat(folder, file.name.c_str(), 0);
+        rmdir(temporary.c_str());
+    }
+    // Keeps the errno of the first step that failed. Returns whether all steps were done.
+    bool Step(bool isDone) {
+        if (!isDone && problem == 0) problem = errno;
+        return problem == 0;
+    }
+
+    std::string name, temporary;
+    int folder = -1;
+    std::vector<File_t> files;
+    int problem = 0;
+};
+
+// Signals that end the process unless it ignores or handles them.
+static constexpr int kEnds[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGALRM,   SIGTERM,
+                                SIGXCPU, SIGUSR1, SIGUSR2, SIGVTALRM, SIGPROF};
+static const ClNewFolder::State_t* newFolder = nullptr;
+
+// Removes the new folder, and ends the process as the signal would have. It interrupts only code that leaves the state
+// of the folder alone.
+static void EndWithoutFolder(int signal) {
+    newFolder->Remove();
+    raise(signal);
 }
+
+static void SetEnds(void (*from)(int), void (*to)(int)) {
+    struct sigaction action = {};
+    action.sa_handler = to;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigfillset(&action.sa_mask);
+    for (const int signal : kEnds) {
+        struct sigaction present;
+        if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == from)
+            sigaction(signal, &action, nullptr);
+    }
+}
+
+ClNewFolder::ClNewFolder(const std::string& path) : m_state(std::make_unique<State_t>()) {
+    const ClNoSignals noSignals;
+    State_t& state = *m_state;
+    state.name = path;
+    while (state.name.size() > 1 && state.name.ends_with('/')) state.name.pop_back();
+    state.temporary = FolderOf(state.name) + ".quorlin-XXXXXX";
+    if (!state.Step(mkdtemp(state.temporary.data()) != nullptr)) return;
+    state.folder = OpenAbove(state.temporary.c_str(), O_RDONLY | O_DIRECTORY);
+    state.Step(state.folder >= 0);
+    newFolder = &state;
+    SetEnds(SIG_DFL, EndWithoutFolder);
+}
+
+// Leaves the folder as it is.
+static void LetGo() {
+    SetEnds(EndWithoutFolder, SIG_DFL);
+    newFolder = nullptr;
+}
+
+ClNewFolder::~ClNewFolder() {
+    if (newFolder == nullptr) return;
+    const ClNoSignals noSignals;
+    newFolder->Remove();
+    LetGo();
+}
+
+size_t ClNewFolder::AddFile(const std::string& name) {
+    const ClNoSignals noSignals;
+    State_t& state = *m_state;
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    const int file = state.problem == 0 ? MoveAbove(openat(state.folder, name.c_str(), kFlags, S_IRUSR | S_IWUSR)) : -1;
+    state.Step(file >= 0);
+    state.files.push_back({name, file});
+    return state.files.size() - 1;
+}
+
+bool ClNewFolder::Append(size_t file, std::span<const uint8_t> bytes) {
+    if (m_state->problem != 0) return false;
+    // Makes a write beyond the limit of file sizes fail instead of killing the process.
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    m_state->Step(WriteAll(m_state->files[file].descriptor, bytes.data(), bytes.size()));
+    std::signal(SIGXFSZ, before);
+    return m_state->problem == 0;
+}
+
+bool ClNewFolder::Finish() {
+    State_t& state = *m_state;
+    for (const State_t::File_t& file : state.files)
+        if (state.problem == 0) state.Step(Sync(file.descriptor));
+    if (state.problem != 0 || !state.Step(Sync(state.folder))) return false;
+    const ClNoSignals noSignals;
+    if (!state.Step(RenameFolder(state.temporary, state.name))) return false;
+    LetGo();
+    return true;
+}
+
+int ClNewFolder::Problem() const { return m_state->problem; }
 
 bool IsFolder(const std::string& path) {
     struct stat facts = {};

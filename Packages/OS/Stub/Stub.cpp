@@ -42,20 +42,50 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     return !problem;
 }
 
-bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files) {
-    const std::string temporary = path + ".quorlin";
+struct ClNewFolder::State_t {
+    std::string name, temporary;
+    std::vector<std::FILE*> files;
+    int problem = 0;
+    bool isWhole = false;
+};
+
+ClNewFolder::ClNewFolder(const std::string& path) : m_state(new State_t{path, path + ".quorlin", {}}) {
     std::error_code problem;
-    if (!std::filesystem::create_directory(temporary, problem)) return false;
-    for (const NewFile_t& file : files)
-        if (!problem && !CreateWholeFile(temporary + "/" + file.name, file.bytes.data(), file.bytes.size()))
-            problem = std::make_error_code(std::errc::io_error);
-    if (!problem && IsThere(path)) problem = std::make_error_code(std::errc::file_exists);
-    if (!problem) std::filesystem::rename(temporary, path, problem);
-    std::error_code ignored;
-    if (problem) std::filesystem::remove_all(temporary, ignored);
-    errno = problem.value();
-    return !problem;
+    if (!std::filesystem::create_directory(m_state->temporary, problem)) m_state->problem = EEXIST;
 }
+
+ClNewFolder::~ClNewFolder() {
+    for (std::FILE* file : m_state->files)
+        if (file != nullptr) std::fclose(file);
+    std::error_code ignored;
+    if (!m_state->isWhole) std::filesystem::remove_all(m_state->temporary, ignored);
+}
+
+size_t ClNewFolder::AddFile(const std::string& name) {
+    m_state->files.push_back(std::fopen((m_state->temporary + "/" + name).c_str(), "wbx"));
+    if (m_state->files.back() == nullptr) m_state->problem = EIO;
+    return m_state->files.size() - 1;
+}
+
+bool ClNewFolder::Append(size_t file, std::span<const uint8_t> bytes) {
+    if (m_state->problem == 0 && std::fwrite(bytes.data(), 1, bytes.size(), m_state->files[file]) != bytes.size())
+        m_state->problem = EIO;
+    return m_state->problem == 0;
+}
+
+bool ClNewFolder::Finish() {
+    for (std::FILE* file : m_state->files)
+        if (m_state->problem == 0 && std::fflush(file) != 0) m_state->problem = EIO;
+    if (m_state->problem == 0 && IsThere(m_state->name)) m_state->problem = EEXIST;
+    if (m_state->problem != 0) return false;
+    std::error_code problem;
+    std::filesystem::rename(m_state->temporary, m_state->name, problem);
+    m_state->problem = problem.value();
+    m_state->isWhole = !problem;
+    return m_state->isWhole;
+}
+
+int ClNewFolder::Problem() const { return m_state->problem; }
 
 bool IsThere(const std::string& path) {
     std::error_code ignored;

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 
 #include "Packages/OS/OS.h"
 #include "Packages/OS/OSServices.h"
@@ -78,7 +79,7 @@ static bool WriteAll(HANDLE file, const void* bytes, size_t size) {
         next += written;
         size -= written;
     }
-    return FlushFileBuffers(file) != 0;
+    return true;
 }
 
 // Sets whether the file is deleted when its handle is closed, however the process ends.
@@ -106,7 +107,8 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
         errno = LastErrno();
         return false;
     }
-    const bool isWhole = SetTemporary(file, true) && WriteAll(file, bytes, size) && SetTemporary(file, false);
+    const bool isWhole =
+        SetTemporary(file, true) && WriteAll(file, bytes, size) && FlushFileBuffers(file) && SetTemporary(file, false);
     if (!isWhole) errno = LastErrno();
     CloseHandle(file);
     if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), 0)) return true;
@@ -115,37 +117,109 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     return false;
 }
 
-// Writes a new file that others can't reach, as only their owner can open its folder.
-static bool WriteInFolder(const std::wstring& path, std::span<const uint8_t> bytes, SECURITY_ATTRIBUTES* attributes) {
-    const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, attributes, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    const bool isWritten = WriteAll(file, bytes.data(), bytes.size());
-    const DWORD error = GetLastError();
-    CloseHandle(file);
-    SetLastError(error);
-    return isWritten;
+struct ClNewFolder::State_t {
+    struct File_t {
+        std::wstring name;
+        HANDLE handle;
+    };
+
+    ~State_t() { Close(); }
+    void Close() {
+        for (File_t& file : files)
+            if (file.handle != INVALID_HANDLE_VALUE) CloseHandle(std::exchange(file.handle, INVALID_HANDLE_VALUE));
+    }
+    void Remove() {
+        Close();
+        for (const File_t& file : files) DeleteFileW(file.name.c_str());
+        RemoveDirectoryW(temporary.c_str());
+    }
+    // Keeps the errno of the first step that failed. Returns whether all steps were done.
+    bool Step(bool isDone) {
+        if (!isDone && problem == 0) problem = LastErrno();
+        return problem == 0;
+    }
+
+    std::wstring name, temporary;
+    ClOwnerAccess access;
+    std::vector<File_t> files;
+    int problem = 0;
+};
+
+static ClNewFolder::State_t* newFolder = nullptr;
+static SRWLOCK newFolderLock = SRWLOCK_INIT;
+
+class ClNewFolderLock {
+  public:
+    ClNewFolderLock() { AcquireSRWLockExclusive(&newFolderLock); }
+    ~ClNewFolderLock() { ReleaseSRWLockExclusive(&newFolderLock); }
+    ClNewFolderLock(const ClNewFolderLock&) = delete;
+    ClNewFolderLock& operator=(const ClNewFolderLock&) = delete;
+};
+
+// For Ctrl-C and its like, in a thread of its own. Keeps the lock, so that nothing more is written until the process
+// ends.
+static BOOL WINAPI EndWithoutFolder(DWORD) {
+    AcquireSRWLockExclusive(&newFolderLock);
+    if (newFolder != nullptr) newFolder->Remove();
+    return FALSE;
 }
 
-bool CreateWholeFolder(const std::string& path, std::span<const NewFile_t> files) {
-    std::wstring name = ToWide(path);
-    while (name.size() > 1 && (name.back() == L'/' || name.back() == L'\\')) name.pop_back();
-    const std::wstring temporary = TemporaryName(name);
-    ClOwnerAccess access;
-    SECURITY_ATTRIBUTES* const attributes = access.Attributes();
-    if (attributes == nullptr || !CreateDirectoryW(temporary.c_str(), attributes)) {
-        errno = LastErrno();
-        return false;
-    }
-    bool isWhole = true;
-    for (const NewFile_t& file : files)
-        isWhole = isWhole && WriteInFolder(temporary + L"\\" + ToWide(file.name), file.bytes, attributes);
-    if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), 0)) return true;
-    errno = LastErrno();
-    for (const NewFile_t& file : files) DeleteFileW((temporary + L"\\" + ToWide(file.name)).c_str());
-    RemoveDirectoryW(temporary.c_str());
-    return false;
+ClNewFolder::ClNewFolder(const std::string& path) : m_state(std::make_unique<State_t>()) {
+    const ClNewFolderLock lock;
+    State_t& state = *m_state;
+    state.name = ToWide(path);
+    while (state.name.size() > 1 && (state.name.back() == L'/' || state.name.back() == L'\\')) state.name.pop_back();
+    state.temporary = TemporaryName(state.name);
+    SECURITY_ATTRIBUTES* const attributes = state.access.Attributes();
+    if (!state.Step(attributes != nullptr && CreateDirectoryW(state.temporary.c_str(), attributes) != 0)) return;
+    newFolder = &state;
+    SetConsoleCtrlHandler(EndWithoutFolder, TRUE);
 }
+
+// Leaves the folder as it is.
+static void LetGo() {
+    SetConsoleCtrlHandler(EndWithoutFolder, FALSE);
+    newFolder = nullptr;
+}
+
+ClNewFolder::~ClNewFolder() {
+    const ClNewFolderLock lock;
+    if (newFolder == nullptr) return;
+    newFolder->Remove();
+    LetGo();
+}
+
+size_t ClNewFolder::AddFile(const std::string& name) {
+    const ClNewFolderLock lock;
+    State_t& state = *m_state;
+    const std::wstring path = state.temporary + L"\\" + ToWide(name);
+    const HANDLE file = state.problem == 0 ? CreateFileW(path.c_str(), GENERIC_WRITE, 0, state.access.Attributes(),
+                                                         CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)
+                                           : INVALID_HANDLE_VALUE;
+    state.Step(file != INVALID_HANDLE_VALUE);
+    state.files.push_back({path, file});
+    return state.files.size() - 1;
+}
+
+bool ClNewFolder::Append(size_t file, std::span<const uint8_t> bytes) {
+    const ClNewFolderLock lock;
+    State_t& state = *m_state;
+    return state.problem == 0 && state.Step(WriteAll(state.files[file].handle, bytes.data(), bytes.size()));
+}
+
+bool ClNewFolder::Finish() {
+    const ClNewFolderLock lock;
+    State_t& state = *m_state;
+    for (const State_t::File_t& file : state.files)
+        if (state.problem == 0) state.Step(FlushFileBuffers(file.handle) != 0);
+    if (state.problem != 0) return false;
+    state.Close();
+    if (!state.Step(MoveFileExW(state.temporary.c_str(), state.name.c_str(), 0) != 0)) return false;
+    LetGo();
+    return true;
+}
+
+int ClNewFolder::Problem() const { return m_state->problem; }
 
 bool IsFolder(const std::string& path) {
     const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/Format/TextLines.h"
@@ -60,9 +59,7 @@ class ClRecord : public ClCommand {
 
   private:
     int Refuse(int problem) const {
-        SayError(m_folder, problem == EEXIST
-                               ? std::string("exists already, and nothing is overwritten; try another name")
-                               : std::string(std::strerror(problem)) + "; try another name or place");
+        SayNotMade(m_folder, problem);
         return kExitNoTable;
     }
 
@@ -97,7 +94,7 @@ class ClRecord : public ClCommand {
                                      WritePciDump(record.functions),
                                      WriteCpuidDump(record.processors),
                                      WriteMsrDump(record.registers)};
-        std::vector<NewFile_t> files;
+        ClNewFolder folder(m_folder);
         for (RecordedFile_t& file : facts.files) {
             const RecordFile_t number = RecordFileByName(file.name);
             const std::span<const uint8_t> bytes = number == kTableRecord ? std::span(dump) : BytesOf(texts[number]);
@@ -107,11 +104,11 @@ class ClRecord : public ClCommand {
                 return kExitNoTable;
             }
             for (const uint8_t byte : hash) AppendHex(file.sha256, byte, 2);
-            files.push_back({file.name, bytes});
+            folder.Append(folder.AddFile(file.name), bytes);
         }
         const std::string machine = WriteMachineJson(facts);
-        files.push_back({kMachineJson, BytesOf(machine)});
-        if (!CreateWholeFolder(m_folder, files)) return Refuse(errno);
+        folder.Append(folder.AddFile(kMachineJson), BytesOf(machine));
+        if (!folder.Finish()) return Refuse(folder.Problem());
         if (!facts.unread.empty()) {
             // Single tables are left out for other reasons.
             const bool lacksAccess =

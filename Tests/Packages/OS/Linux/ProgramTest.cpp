@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 
 #include "Tests/Support/Linux/Processes.h"
@@ -95,21 +96,21 @@ TEST(WholeFiles, AreAbsentIfNotWhole) {
     EXPECT_TRUE(IsEmpty(folder));
 }
 
-// The result of CreateWholeFolder with two files in a child after `prepare`: 0, or errno.
+// Makes a folder with two files in a child after `prepare`, writing the second one in pieces. Returns 0, or errno.
 int CreateFolderIn(const std::string& path, const std::function<void()>& prepare) {
     return InChild([&] {
         prepare();
-        const std::vector<uint8_t> bytes(size_t{100} << 10, 'x');
-        const NewFile_t files[] = {
-            {"first",  std::span(bytes).first(10)},
-            {"second", bytes                     }
-        };
-        return CreateWholeFolder(path, files) ? 0 : errno;
+        const std::vector<uint8_t> bytes(size_t{10} << 10, 'x');
+        ClNewFolder folder(path);
+        const size_t first = folder.AddFile("first"), second = folder.AddFile("second");
+        folder.Append(first, std::span(bytes).first(10));
+        for (int piece = 0; piece < 10; piece++) folder.Append(second, bytes);
+        return folder.Finish() ? 0 : folder.Problem();
     });
 }
 
 // With and without a rename that never replaces.
-TEST(WholeFolders, BelongToTheirOwnerAndReplaceNothing) {
+TEST(NewFolders, BelongToTheirOwnerAndReplaceNothing) {
     for (const bool hasRename : {true, false}) {
         const auto prepare = [&] {
             if (!hasRename) ForbidCall({SYS_renameat2}, SECCOMP_RET_ERRNO | EINVAL);
@@ -131,7 +132,7 @@ TEST(WholeFolders, BelongToTheirOwnerAndReplaceNothing) {
 }
 
 // A file that doesn't fit, and a signal that comes meanwhile.
-TEST(WholeFolders, AreAbsentIfNotWhole) {
+TEST(NewFolders, AreAbsentIfNotWhole) {
     const std::string folder = Folder();
     const auto limit = [] {
         const rlimit size = {50 << 10, 50 << 10};
@@ -150,6 +151,36 @@ TEST(WholeFolders, AreAbsentIfNotWhole) {
         if (IsEmpty(folder)) continue;
         EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1) << delay;
         EXPECT_EQ(ReadWholeFile(folder + "made/second").size(), size_t{100} << 10) << delay;
+        fs::remove_all(folder + "made");
+    }
+}
+
+// A signal that ends the process removes the folder first, one that is ignored doesn't, and afterwards a signal ends
+// the process as before.
+TEST(NewFolders, GoWithTheirProcess) {
+    const std::string folder = Folder();
+    const auto endBy = [&](int signal, void (*handler)(int), bool isFinished) {
+        const pid_t child = fork();
+        if (child == 0) {
+            std::signal(signal, handler);
+            ClNewFolder made(folder + "made");
+            made.AddFile("file");
+            if (isFinished) made.Finish();
+            raise(signal);
+            _exit(made.Finish() ? 0 : made.Problem());
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return status;
+    };
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EQ(WTERMSIG(endBy(signal, SIG_DFL, false)), signal);
+        EXPECT_TRUE(IsEmpty(folder)) << signal;
+        EXPECT_EQ(endBy(signal, SIG_IGN, false), 0);
+        EXPECT_TRUE(fs::exists(folder + "made/file")) << signal;
+        fs::remove_all(folder + "made");
+        EXPECT_EQ(WTERMSIG(endBy(signal, SIG_DFL, true)), signal);
+        EXPECT_TRUE(fs::exists(folder + "made/file")) << signal;
         fs::remove_all(folder + "made");
     }
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -122,18 +123,21 @@ TEST_F(Files, NewFilesAreWholeForTheirOwnerAndReplaceNothing) {
 TEST_F(Files, NewFoldersAreWholeForTheirOwnerAndReplaceNothing) {
     const std::string name = (m_folder / "new").string();
     const std::vector<uint8_t> bytes(3u << 20, 'x');
-    const NewFile_t files[] = {
-        {"first",  bytes                    },
-        {"second", std::span(bytes).first(5)}
+    // Returns 0, or errno.
+    const auto create = [&](const std::string& path) {
+        ClNewFolder folder(path);
+        const size_t first = folder.AddFile("first"), second = folder.AddFile("second");
+        folder.Append(first, bytes);
+        for (const char* piece : {"xx", "yyy"})
+            folder.Append(second, {reinterpret_cast<const uint8_t*>(piece), std::strlen(piece)});
+        return folder.Finish() ? 0 : folder.Problem();
     };
-    EXPECT_TRUE(CreateWholeFolder(name + "\\", files));
-    EXPECT_EQ(ReadWholeFile(name + "/second"), "xxxxx");
+    EXPECT_EQ(create(name + "\\"), 0);
+    EXPECT_EQ(ReadWholeFile(name + "/second"), "xxyyy");
     EXPECT_EQ(fs::file_size(name + "/first"), bytes.size());
     EXPECT_FALSE(IsForEverybody(name + "/first"));
-    EXPECT_FALSE(CreateWholeFolder(name, files));
-    EXPECT_EQ(errno, EEXIST);
-    EXPECT_FALSE(CreateWholeFolder((m_folder / "none" / "new").string(), files));
-    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(create(name), EEXIST);
+    EXPECT_EQ(create((m_folder / "none" / "new").string()), ENOENT);
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
 }
 
