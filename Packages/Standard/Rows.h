@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "Packages/Standard/Key.h"
 #include "Packages/Standard/Standard.h"
 
 // Turns "2.3.1" into 231h and "3.9" into 390h. "<=2.3.1" is in the oldest text at hand, so it may be older.
@@ -326,24 +327,11 @@ class ClPacker {
         return offset;
     }
 
-    // Adds the name in snake_case, without what is in parentheses.
+    // Adds the key of a name.
     constexpr uint16_t AddKey(std::string_view name) {
         const size_t offset = m_packed.textSize;
         Put(0);
-        bool isInside = false;
-        bool isPending = false;
-        for (const char c : name) {
-            if (c == '(') isInside = true;
-            const bool isUpper = c >= 'A' && c <= 'Z';
-            if (!isInside && (isUpper || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'))) {
-                if (isPending && m_packed.textSize != offset + 1) Put('_');
-                isPending = false;
-                Put(isUpper ? static_cast<char>(c - 'A' + 'a') : c);
-            } else {
-                isPending = true;
-            }
-            if (c == ')') isInside = false;
-        }
+        PutKey(name, [this](char c) { Put(c); });
         m_packed.texts[offset] = static_cast<char>(m_packed.textSize - offset - 1);
         Put('\0');
         return static_cast<uint16_t>(offset);

@@ -39,7 +39,7 @@ int WriteTables(const Source_t& source, const Format_t& format, const List_t& li
     ClOutput output;
     const std::unique_ptr<ClWriter> writer = format.make(output, source.IsFleet());
     const auto write = [&](ClTable& table) {
-        const std::string version = std::to_string(table.Major()) + "." + std::to_string(table.Minor());
+        const std::string version = table.VersionText();
         Members_t members = {
             {"source", table.Name()},
             {"smbios", version     }

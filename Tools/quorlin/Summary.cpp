@@ -36,6 +36,10 @@ class ClValues {
         const Known_t number = Number(key);
         return number == 0u ? Known_t() : number;
     }
+    FactState_t State(std::string_view key) const {
+        const Value_t* value = Find(key);
+        return value == nullptr ? FactState_t::kAbsent : value->state;
+    }
     // A text or the word of a code, without blanks around it and with single ones inside.
     std::string Text(std::string_view key) const {
         const Value_t* value = Find(key);
@@ -128,8 +132,8 @@ class ClCollector {
     }
 
     static Product_t ProductOf(const ClValues& values) {
-        return {values.Text("manufacturer"), values.Text("product_name"), values.Text("version"),
-                values.Text("serial_number"), values.Text("asset_tag")};
+        return {values.Text("manufacturer"),  values.Text("product_name"), values.Text("version"),
+                values.Text("serial_number"), values.Text("asset_tag"),    values.State("serial_number")};
     }
 
     void TakeFirmware(const ClValues& values) {
@@ -146,7 +150,8 @@ class ClCollector {
     }
 
     void TakeSystem(const ClValues& values) {
-        m_summary.system = {ProductOf(values), values.Text("uuid"), values.Text("sku_number"), values.Text("family")};
+        m_summary.system = {ProductOf(values), values.Text("uuid"), values.Text("sku_number"), values.Text("family"),
+                            values.State("uuid")};
     }
 
     // The motherboard, wherever it is among the boards, or else the first board.

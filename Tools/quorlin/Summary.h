@@ -16,11 +16,13 @@ using Known_t = std::optional<uint64_t>;
 
 struct Product_t {
     std::string manufacturer, name, version, serialNumber, assetTag;
+    std::optional<FactState_t> serialNumberState;  // none if there is no such structure
 };
 
 struct System_t {
     Product_t product;
     std::string uuid, skuNumber, family;
+    std::optional<FactState_t> uuidState;
 };
 
 struct Chassis_t {

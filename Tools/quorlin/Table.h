@@ -37,6 +37,9 @@ class ClTable {
     // The same as 0304h for 3.4.
     uint16_t Version() const { return static_cast<uint16_t>(Major() << 8 | Minor()); }
 
+    // "3.4".
+    std::string VersionText() const { return std::to_string(Major()) + "." + std::to_string(Minor()); }
+
     // The file, "sample" or "this machine".
     const std::string& Name() const { return m_name; }
     // What is wrong and what to try.

@@ -4,6 +4,7 @@
 #include "Packages/Format/Structures.h"
 #include "Tools/quorlin/Commands.h"
 #include "Tools/quorlin/Formats.h"
+#include "Tools/quorlin/Rows/Rows.h"
 #include "Tools/quorlin/Types.h"
 
 namespace {
@@ -30,11 +31,16 @@ class ClFactsCommand : public ClCommand {
         options.push_back({"--where", nullptr, "In text, offsets, bytes and states as well", &m_choice.showsWhere});
         options.push_back({"--absent", nullptr, "Also the fields that a structure is too short for", &m_listsAbsent});
         options.push_back(m_format.Option());
+        options.push_back({"--rows", "DIR", "Write all tables into a new folder, as CSV files of typed rows", &m_rows});
         return options;
     }
 
     int Run() override {
         m_source.Check();
+        if (!m_rows.empty()) {
+            CheckRows();
+            return WriteRows(m_source, m_rows);
+        }
         m_format.Check(m_source);
         CheckFactKeys(m_choice.keys);
         const std::vector<uint8_t> types = TypesByName(m_typeNames);
@@ -65,11 +71,19 @@ class ClFactsCommand : public ClCommand {
     }
 
   private:
+    // Rows have all facts, whatever else is wanted.
+    void CheckRows() const {
+        if (m_format.IsGiven() || !m_typeNames.empty() || !m_handleText.empty() || !m_choice.keys.empty() ||
+            m_choice.isFull || m_choice.showsWhere || m_listsAbsent)
+            throw BadUsage_t{"--rows takes no --type, --handle, --key, --full, --where, --absent and --format"};
+    }
+
     Source_t m_source;
     std::vector<std::string> m_typeNames;
     std::string m_handleText;
     FactChoice_t m_choice;
     bool m_listsAbsent = false;
+    std::string m_rows;
     ClFormatOption m_format{kFactLists};
 };
 

@@ -1,10 +1,8 @@
-// CSV by RFC 4180: commas, lines that end in CR and LF, a header line. Control characters become blanks and invalid
-// bytes U+FFFD, so that a line is a row for every reader.
-#include <algorithm>
+// CSV by RFC 4180, with a header line.
 #include <charconv>
 
 #include "Tools/quorlin/Formats.h"
-#include "Tools/quorlin/Text.h"
+#include "Tools/quorlin/Formats/CsvPieces.h"
 
 namespace {
 
@@ -22,7 +20,7 @@ class ClCsvWriter : public ClWriter {
         if (m_hasMany) text += "image,";
         for (const Column_t& column : list.columns)
             text.append(&column == list.columns.data() ? "" : ",").append(column.name);
-        text += "\r\n";
+        text += kCsvLineEnd;
     }
 
     void Row(std::initializer_list<Cell_t> cells, std::span<const Row_t> inner) override {
@@ -34,7 +32,7 @@ class ClCsvWriter : public ClWriter {
     // `outer` has the cells for the empty ones of `cells`.
     void PutRow(std::span<const Cell_t> cells, std::span<const Cell_t> outer) {
         if (m_hasMany) {
-            PutText(m_image);
+            AppendCsvCell(m_output.Text(), m_image);
             m_output.Text() += ',';
         }
         for (size_t column = 0; column < m_columns; column++) {
@@ -44,34 +42,18 @@ class ClCsvWriter : public ClWriter {
             else if (column < outer.size())
                 Put(outer[column]);
         }
-        m_output << "\r\n";
+        m_output << kCsvLineEnd;
     }
 
     void Put(const Cell_t& cell) {
         if (const auto* text = std::get_if<std::string_view>(&cell)) {
-            PutText(*text);
+            AppendCsvCell(m_output.Text(), *text);
         } else if (const auto* number = std::get_if<uint64_t>(&cell)) {
             char digits[20];
             m_output.Text().append(digits, std::to_chars(digits, std::end(digits), *number).ptr);
         } else if (const auto* truth = std::get_if<bool>(&cell)) {
             m_output.Text() += *truth ? "true" : "false";
         }
-    }
-
-    void PutText(std::string_view cell) {
-        std::string& text = m_output.Text();
-        if (IsPlain(cell, '"', ',')) {
-            text += Trimmed(cell);
-            return;
-        }
-        const size_t begin = text.size();
-        AppendPrintable(text, cell);
-        const std::string_view plain = std::string_view(text).substr(begin);
-        if (plain.find('"') == plain.npos && plain.find(',') == plain.npos) return;
-        std::string quoted = "\"";
-        for (const char character : plain) quoted.append(character == '"' ? 2 : 1, character);
-        text.resize(begin);
-        text.append(quoted).append("\"");
     }
 
     bool m_hasMany, m_hasHeader = false;

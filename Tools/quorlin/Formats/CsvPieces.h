@@ -1,0 +1,26 @@
+// Pieces of CSV by RFC 4180. Control characters become blanks and invalid bytes U+FFFD, so that a line is a row for
+// every reader.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "Tools/quorlin/Text.h"
+
+inline constexpr std::string_view kCsvLineEnd = "\r\n";
+
+// Appends a text as a cell, in quotes where they are needed. An empty text is an empty cell.
+inline void AppendCsvCell(std::string& out, std::string_view cell) {
+    if (IsPlain(cell, '"', ',')) {
+        out += Trimmed(cell);
+        return;
+    }
+    const size_t begin = out.size();
+    AppendPrintable(out, cell);
+    const std::string_view plain = std::string_view(out).substr(begin);
+    if (plain.find('"') == plain.npos && plain.find(',') == plain.npos) return;
+    std::string quoted = "\"";
+    for (const char character : plain) quoted.append(character == '"' ? 2 : 1, character);
+    out.resize(begin);
+    out.append(quoted).append("\"");
+}
