@@ -68,31 +68,71 @@ bool IsBlank(std::string_view text) {
     return std::ranges::all_of(text, [](unsigned char c) { return c <= ' '; });
 }
 
-class ClCheck {
-  public:
-    ClCheck(const CheckedTable_t& table, const Report_t& report)
-        : m_table(table), m_report(report), m_handles(table.bytes), m_memory(table.bytes) {}
+}  // namespace
 
-    void Run() {
+class ClTableCheck::ClCheck {
+  public:
+    ClCheck(const CheckedTable_t& table, const ReportFinding_t& report)
+        : m_table(table), m_report(report), m_handles(table.bytes), m_memory(table.bytes) {
         const auto end = static_cast<uint32_t>(m_table.bytes.size());
         if (!m_table.checksumsFit) SayOfTable(RuleId_t::kChecksum, 0, "", "");
         if (m_table.missing != 0)
             SayOfTable(RuleId_t::kTableCutOff, end, std::to_string(end) + " bytes",
                        std::to_string(uint64_t{end} + m_table.missing) + " bytes");
-        bool isEnded = false;
-        uint32_t count = 0;
-        for (const TableStructure_t& structure : ClWalk(m_table.bytes)) {
-            m_structure = &structure;
-            CheckStructure();
-            count++;
-            isEnded = structure.Type() == kEndOfTable;
-            // What comes after it may be made up, so nothing more can be told.
-            if (structure.Length() < kHeaderSize) return;
+    }
+
+    FactOptions_t Options() const { return {.version = m_table.version, .handles = &m_handles}; }
+
+    void Begin(const TableStructure_t& structure, const ClFacts& facts) {
+        m_takesFacts = false;
+        if (m_isOver) return;
+        m_structure = &structure;
+        m_facts = &facts;
+        m_count++;
+        m_isEnded = structure.Type() == kEndOfTable;
+        m_types.set(structure.Type());
+        m_isOver = structure.Length() < kHeaderSize;
+        if (!CheckLength()) return;
+        if (m_seen[structure.Handle()])
+            Say(RuleId_t::kSameHandle, "", 2, 2, HandleText(structure.Handle()), "a handle of its own");
+        m_seen.set(structure.Handle());
+        m_values.Clear();
+        m_takesFacts = true;
+    }
+
+    void Take(const Fact_t& fact) {
+        if (!m_takesFacts) return;
+        CheckFact(fact);
+        m_values.Add(fact);
+    }
+
+    void End() {
+        if (!m_takesFacts) return;
+        const uint8_t type = m_structure->Type();
+        for (const RequiredText_t& text : kRequiredTexts) {
+            const Value_t* value = text.type == type ? m_values.Find(text.key) : nullptr;
+            if (value != nullptr && value->state == FactState_t::kNone)
+                Say(RuleId_t::kMissingText, text.key, "string number 0", "a text");
         }
-        if (m_table.structures != 0 && m_table.structures != count)
+        switch (type) {
+            case 0: CheckFirmware(); break;
+            case 4: CheckProcessor(); break;
+            case 7: CheckCache(); break;
+            case 17: CheckModule(); break;
+            case 19:
+            case 20: CheckRange(); break;
+            default: break;
+        }
+        m_memory.Add(*m_structure, m_values);
+    }
+
+    void Finish() {
+        if (m_isOver) return;
+        const auto end = static_cast<uint32_t>(m_table.bytes.size());
+        if (m_table.structures != 0 && m_table.structures != m_count)
             SayOfTable(RuleId_t::kStructureCount, end, std::to_string(m_table.structures) + " structures",
-                       std::to_string(count) + " structures");
-        if (!isEnded && m_table.version >= kEndRequired) SayOfTable(RuleId_t::kNoEnd, end, "", "");
+                       std::to_string(m_count) + " structures");
+        if (!m_isEnded && m_table.version >= kEndRequired) SayOfTable(RuleId_t::kNoEnd, end, "", "");
         if (m_table.version >= kStructuresRequired)
             for (const uint8_t type : kRequired)
                 if (!m_types[type])
@@ -118,36 +158,6 @@ class ClCheck {
         Say(rule, key, value->offset, value->size, found, expected);
     }
 
-    void CheckStructure() {
-        const uint8_t type = m_structure->Type();
-        m_types.set(type);
-        if (!CheckLength()) return;
-        if (m_seen[m_structure->Handle()])
-            Say(RuleId_t::kSameHandle, "", 2, 2, HandleText(m_structure->Handle()), "a handle of its own");
-        m_seen.set(m_structure->Handle());
-        m_values.Clear();
-        m_facts.Begin(*m_structure, {.version = m_table.version, .handles = &m_handles});
-        while (m_facts.Next()) {
-            CheckFact(*m_facts);
-            m_values.Add(*m_facts);
-        }
-        for (const RequiredText_t& text : kRequiredTexts) {
-            const Value_t* value = text.type == type ? m_values.Find(text.key) : nullptr;
-            if (value != nullptr && value->state == FactState_t::kNone)
-                Say(RuleId_t::kMissingText, text.key, "string number 0", "a text");
-        }
-        switch (type) {
-            case 0: CheckFirmware(); break;
-            case 4: CheckProcessor(); break;
-            case 7: CheckCache(); break;
-            case 17: CheckModule(); break;
-            case 19:
-            case 20: CheckRange(); break;
-            default: break;
-        }
-        m_memory.Add(*m_structure, m_values);
-    }
-
     // False if there is nothing more to check.
     bool CheckLength() {
         const uint32_t length = m_structure->Length();
@@ -162,15 +172,26 @@ class ClCheck {
         if (m_table.largest != 0 && m_structure->size > m_table.largest + 2u)
             Say(RuleId_t::kLargestStructure, "", 0, 0, std::to_string(m_structure->size) + " bytes",
                 std::to_string(m_table.largest) + " bytes or less");
-        const uint8_t type = m_structure->Type();
-        const uint32_t least = LeastLength(type);
-        const uint32_t usual =
-            OptionalPart(type) != nullptr ? least : LengthAt(FindStandardType(type), LevelOf(m_table.version));
+        const auto [least, usual] = LengthsOf(m_structure->Type());
         if (length < least)
             Say(RuleId_t::kTooShort, "", 1, 1, std::to_string(length), std::to_string(least) + " or more");
         else if (length < usual)
             Say(RuleId_t::kShortForVersion, "", 1, 1, std::to_string(length), std::to_string(usual) + " or more");
         return true;
+    }
+
+    struct Lengths_t {
+        uint16_t least, usual;
+    };
+    const Lengths_t& LengthsOf(uint8_t type) {
+        Lengths_t& lengths = m_lengths[type];
+        if (lengths.least == 0) {
+            const uint32_t least = LeastLength(type);
+            const uint32_t usual =
+                OptionalPart(type) != nullptr ? least : LengthAt(FindStandardType(type), LevelOf(m_table.version));
+            lengths = {static_cast<uint16_t>(least), static_cast<uint16_t>(usual)};
+        }
+        return lengths;
     }
 
     void CheckFact(const Fact_t& fact) {
@@ -191,7 +212,7 @@ class ClCheck {
             case FactState_t::kBroken:
                 if (isString)
                     say(RuleId_t::kNoSuchString, std::to_string(fact.number),
-                        std::to_string(m_facts.Strings().Count()) + " or less");
+                        std::to_string(m_facts->Strings().Count()) + " or less");
                 else if (fact.kind == FactKind_t::kHandle && m_handles.Has(static_cast<uint16_t>(fact.number), {}))
                     say(RuleId_t::kWrongType, HandleText(static_cast<uint16_t>(fact.number)), TypesOf(fact));
                 else if (fact.kind == FactKind_t::kHandle)
@@ -222,7 +243,7 @@ class ClCheck {
 
     // The codes that the standard assigns.
     std::string CodesOf(const Fact_t& fact) const {
-        const std::span<const StandardCode_t> codes = m_facts.Type().Codes(*fact.field);
+        const std::span<const StandardCode_t> codes = m_facts->Type().Codes(*fact.field);
         if (fact.kind != FactKind_t::kCode || codes.empty()) return "a number that the standard doesn't reserve";
         std::string text = "an assigned code from ";
         return text.append(CodeText(codes.front().first)).append(" to ").append(CodeText(codes.back().last));
@@ -231,7 +252,7 @@ class ClCheck {
     // The types that a handle may refer to.
     std::string TypesOf(const Fact_t& fact) const {
         std::string text;
-        for (const StandardCode_t& type : m_facts.Type().Codes(*fact.field))
+        for (const StandardCode_t& type : m_facts->Type().Codes(*fact.field))
             text += (text.empty() ? "a structure of type " : " or ") + std::to_string(type.first);
         return text.empty() ? "the handle of a structure" : text;
     }
@@ -293,20 +314,40 @@ class ClCheck {
     }
 
     const CheckedTable_t& m_table;
-    const Report_t& m_report;
+    const ReportFinding_t& m_report;
     const ClHandles m_handles;
     ClMemory m_memory;
     std::bitset<256> m_types;
-    std::bitset<0x10000> m_seen;  // handles
+    std::bitset<0x10000> m_seen;    // handles
+    Lengths_t m_lengths[256] = {};  // by type; 0 until they are needed
     const TableStructure_t* m_structure = nullptr;
-    ClFacts m_facts;
+    const ClFacts* m_facts = nullptr;
     ClValues m_values;
+    uint32_t m_count = 0;
+    bool m_isEnded = false;
+    bool m_takesFacts = false;
+    bool m_isOver = false;  // after a Length below the header's: what comes after it may be made up
 };
 
-}  // namespace
+ClTableCheck::ClTableCheck(const CheckedTable_t& table, const ReportFinding_t& report)
+    : m_check(std::make_unique<ClCheck>(table, report)) {}
+ClTableCheck::~ClTableCheck() = default;
+FactOptions_t ClTableCheck::Options() const { return m_check->Options(); }
+void ClTableCheck::Begin(const TableStructure_t& structure, const ClFacts& facts) { m_check->Begin(structure, facts); }
+void ClTableCheck::Take(const Fact_t& fact) { m_check->Take(fact); }
+void ClTableCheck::End() { m_check->End(); }
+void ClTableCheck::Finish() { m_check->Finish(); }
 
-void CheckTable(const CheckedTable_t& table, const std::function<void(const Finding_t&)>& report) {
-    std::make_unique<ClCheck>(table, report)->Run();
+void CheckTable(const CheckedTable_t& table, const ReportFinding_t& report) {
+    ClTableCheck check(table, report);
+    ClFacts facts;
+    for (const TableStructure_t& structure : ClWalk(table.bytes)) {
+        facts.Begin(structure, check.Options());
+        check.Begin(structure, facts);
+        while (facts.Next()) check.Take(*facts);
+        check.End();
+    }
+    check.Finish();
 }
 
 uint32_t LeastLength(uint8_t type) {

@@ -3,12 +3,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "Packages/Analysis/Rules.h"
 #include "Packages/Format/Structures.h"
+#include "Packages/Standard/Facts.h"
 
 struct CheckedTable_t {
     std::span<const uint8_t> bytes;
@@ -30,9 +32,33 @@ struct Finding_t {
     std::string_view expected;  // may be empty
 };
 
+using ReportFinding_t = std::function<void(const Finding_t&)>;
+
 // Checks a table, and reports the findings one by one, in the order of the structures, as a table may have millions.
 // Needs memory for each structure, but none for each finding.
-void CheckTable(const CheckedTable_t& table, const std::function<void(const Finding_t&)>& report);
+void CheckTable(const CheckedTable_t& table, const ReportFinding_t& report);
+
+// The same for a caller that reads the facts of all structures anyway: Begin, Take with each fact, and End for each
+// structure, then Finish. Table and report must outlive it.
+class ClTableCheck {
+  public:
+    ClTableCheck(const CheckedTable_t& table, const ReportFinding_t& report);
+    ~ClTableCheck();
+    ClTableCheck(const ClTableCheck&) = delete;
+    ClTableCheck& operator=(const ClTableCheck&) = delete;
+
+    // How the facts have to be read.
+    FactOptions_t Options() const;
+    // `facts` has begun with the structure. Both must live until End.
+    void Begin(const TableStructure_t& structure, const ClFacts& facts);
+    void Take(const Fact_t& fact);
+    void End();
+    void Finish();
+
+  private:
+    class ClCheck;
+    std::unique_ptr<ClCheck> m_check;
+};
 
 // Returns the least Length of a structure of this type, by the first level of the standard that has it. A header's for
 // an unknown type.

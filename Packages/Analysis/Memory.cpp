@@ -56,12 +56,12 @@ std::span<const ClMemory::Device_t> ClMemory::DevicesOf(const Array_t& array) co
 }
 
 void ClMemory::Say(RuleId_t rule, const TableStructure_t& structure, std::string_view key, const std::string& found,
-                   const std::string& expected, const Report_t& report) const {
+                   const std::string& expected, const ReportFinding_t& report) const {
     const auto offset = static_cast<uint32_t>(structure.data - m_table.data());
     report({rule, &structure, key, offset, 0, found, expected});
 }
 
-void ClMemory::Report(const Report_t& report) {
+void ClMemory::Report(const ReportFinding_t& report) {
     // Devices of one array are found by a search.
     std::ranges::stable_sort(m_devices, {}, &Device_t::array);
     std::ranges::stable_sort(m_ranges, {}, [](const Range_t& range) { return std::pair(range.array, range.begin); });
@@ -71,7 +71,7 @@ void ClMemory::Report(const Report_t& report) {
     ReportSerials(report);
 }
 
-void ClMemory::ReportArray(const Array_t& array, const Report_t& report) const {
+void ClMemory::ReportArray(const Array_t& array, const ReportFinding_t& report) const {
     const std::span<const Device_t> devices = DevicesOf(array);
     const size_t count = devices.size();
     if (array.devices && *array.devices != count)
@@ -92,7 +92,7 @@ void ClMemory::ReportArray(const Array_t& array, const Report_t& report) const {
 }
 
 // Arrays may share a range, in which their memory takes turns, so that only the whole can be compared.
-void ClMemory::ReportMapped(const Report_t& report) {
+void ClMemory::ReportMapped(const ReportFinding_t& report) {
     constexpr uint64_t kBelowOneMiB = 0x100000;  // where firmware may leave out addresses that aren't memory
     std::bitset<0x10000> isSystem;               // by handle
     uint64_t installed = 0, mapped = 0, end = 0;
@@ -117,7 +117,7 @@ void ClMemory::ReportMapped(const Report_t& report) {
             SizeText(installed) + " installed", report);
 }
 
-void ClMemory::ReportOverlaps(const Report_t& report) {
+void ClMemory::ReportOverlaps(const ReportFinding_t& report) {
     for (size_t i = 1; i < m_ranges.size(); i++) {
         const Range_t &first = m_ranges[i - 1], &second = m_ranges[i];
         if (first.array == second.array && second.begin <= first.end)
@@ -126,7 +126,7 @@ void ClMemory::ReportOverlaps(const Report_t& report) {
     }
 }
 
-void ClMemory::ReportSerials(const Report_t& report) {
+void ClMemory::ReportSerials(const ReportFinding_t& report) {
     std::erase_if(m_devices, [](const Device_t& device) { return device.size == 0 || device.serial.empty(); });
     std::ranges::stable_sort(m_devices, {},
                              [](const Device_t& device) { return std::pair(device.maker, device.serial); });

@@ -3,7 +3,6 @@
 
 #include <bitset>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,8 +11,6 @@
 #include "Packages/Analysis/Check.h"
 #include "Packages/Analysis/Values.h"
 
-using Report_t = std::function<void(const Finding_t&)>;
-
 class ClMemory {
   public:
     explicit ClMemory(std::span<const uint8_t> table) : m_table(table) {}
@@ -21,7 +18,7 @@ class ClMemory {
     // Adds a structure of type 16, 17 or 19.
     void Add(const TableStructure_t& structure, const ClValues& values);
     // Compares what was added.
-    void Report(const Report_t& report);
+    void Report(const ReportFinding_t& report);
 
   private:
     struct Array_t {
@@ -44,12 +41,12 @@ class ClMemory {
     };
 
     std::span<const Device_t> DevicesOf(const Array_t& array) const;
-    void ReportArray(const Array_t& array, const Report_t& report) const;
-    void ReportMapped(const Report_t& report);
-    void ReportOverlaps(const Report_t& report);
-    void ReportSerials(const Report_t& report);
+    void ReportArray(const Array_t& array, const ReportFinding_t& report) const;
+    void ReportMapped(const ReportFinding_t& report);
+    void ReportOverlaps(const ReportFinding_t& report);
+    void ReportSerials(const ReportFinding_t& report);
     void Say(RuleId_t rule, const TableStructure_t& structure, std::string_view key, const std::string& found,
-             const std::string& expected, const Report_t& report) const;
+             const std::string& expected, const ReportFinding_t& report) const;
 
     std::span<const uint8_t> m_table;
     std::vector<Array_t> m_arrays;
