@@ -1,6 +1,7 @@
 #include "Tools/quorlin/Summary.h"
 
 #include <algorithm>
+#include <forward_list>
 #include <map>
 #include <set>
 #include <utility>
@@ -17,10 +18,10 @@ constexpr uint64_t kMotherboard = 0x0A;
 class ClValues {
   public:
     ClValues(const TableStructure_t& structure, const FactOptions_t& options) {
+        m_values.reserve(64);
         ClFacts facts(structure, options);
         while (facts.Next())
-            if (facts->record < 0)
-                m_values.push_back({facts->Key(), facts->state, facts->number, std::string(facts->text)});
+            if (facts->record < 0) m_values.push_back({facts->Key(), facts->state, facts->number, Kept(*facts)});
     }
 
     bool Has(std::string_view key, FactState_t state) const {
@@ -61,14 +62,21 @@ class ClValues {
         std::string_view key;
         FactState_t state;
         uint64_t number;
-        std::string text;
+        std::string_view text;
     };
+    // The text, which must outlive the walk. Some texts are made for the fact at hand.
+    std::string_view Kept(const Fact_t& fact) {
+        const bool isMade = fact.kind == FactKind_t::kUuid || fact.kind == FactKind_t::kDate ||
+                            fact.kind == FactKind_t::kVersion || (fact.kind == FactKind_t::kText && fact.isDerived);
+        return isMade ? m_made.emplace_front(fact.text) : fact.text;
+    }
     const Value_t* Find(std::string_view key) const {
         const auto place = std::ranges::find(m_values, key, &Value_t::key);
         return place == m_values.end() ? nullptr : &*place;
     }
 
     std::vector<Value_t> m_values;
+    std::forward_list<std::string> m_made;
 };
 
 // Counts equal things, in the order in which they come.

@@ -2,6 +2,7 @@
 // every reader.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -20,7 +21,12 @@ inline void AppendCsvCell(std::string& out, std::string_view cell) {
     const std::string_view plain = std::string_view(out).substr(begin);
     if (plain.find('"') == plain.npos && plain.find(',') == plain.npos) return;
     std::string quoted = "\"";
-    for (const char character : plain) quoted.append(character == '"' ? 2 : 1, character);
+    for (size_t at = 0; at < plain.size();) {
+        const size_t quote = std::min(plain.find('"', at), plain.size() - 1);
+        quoted += plain.substr(at, quote + 1 - at);
+        if (plain[quote] == '"') quoted += '"';
+        at = quote + 1;
+    }
     out.resize(begin);
     out.append(quoted).append("\"");
 }

@@ -29,52 +29,60 @@ size_t PlaceOf(const StandardType_t& type, const StandardType_t& columns, const 
 
 }  // namespace
 
-void ClFactRows::Write(uint64_t record, const TableStructure_t& structure, uint32_t instance,
-                       const FactOptions_t& options) {
-    m_facts.Begin(structure, options);
-    if (HasDataset(structure.Type())) WriteFacts(record, structure, instance);
-    WriteStrings(record, structure);
+void ClFactRows::Write(std::string_view record, const TableStructure_t& structure, uint32_t instance,
+                       ClTableCheck& check) {
+    m_begin.assign(record).append(",");
+    AppendDigits(m_begin, structure.Handle());
+    m_facts.Begin(structure, check.Options());
+    check.Begin(structure, m_facts);
+    if (HasDataset(structure.Type())) {
+        WriteFacts(structure, instance, check);
+    } else {
+        while (m_facts.Next()) check.Take(*m_facts);
+    }
+    check.End();
+    WriteStrings(structure);
 }
 
-void ClFactRows::WriteFacts(uint64_t record, const TableStructure_t& structure, uint32_t instance) {
+void ClFactRows::WriteFacts(const TableStructure_t& structure, uint32_t instance, ClTableCheck& check) {
     const StandardType_t columns = FindStandardType(structure.Type());
-    ClRow row(m_files.Row(structure.Type()));
-    row.Number(record);
-    row.Number(structure.Handle());
-    row.Number(instance);
+    std::string& row = m_files.Row(structure.Type());
+    row.append(m_begin).append(",");
+    AppendDigits(row, instance);
     size_t written = 0;
+    // Begins the cell at a place, after those that are NULL.
+    const auto begin = [&](size_t place) {
+        row.append(place + 1 - written, ',');
+        written = place + 1;
+    };
     bool isInList = false;
     const auto endList = [&] {
         if (!isInList) return;
         m_list += m_record < 0 ? "[]" : "}]";
-        row.Text(m_list);
-        written++;
+        AppendText(row, m_list);
         isInList = false;
     };
     while (const Fact_t* fact = m_facts.NextFact()) {
+        check.Take(*fact);
         if (fact->record >= 0) {
             if (isInList) AddToList(*fact);
             continue;
         }
         endList();
         if (!IsShown(*fact)) continue;
-        const size_t place = PlaceOf(m_facts.Type(), columns, *fact);
-        row.Nulls(place - written);
-        written = place;
-        if (fact->kind == FactKind_t::kList) {
+        begin(PlaceOf(m_facts.Type(), columns, *fact));
+        if (IsNumber(*fact)) {
+            AppendNumber(row, *fact);
+        } else if (fact->kind == FactKind_t::kList) {
             isInList = true;
             m_list.clear();
             m_record = -1;
-            continue;
+        } else {
+            AppendText(row, TextOf(*fact));
         }
-        written++;
-        if (IsNumber(*fact))
-            AppendNumber(row.Next(), *fact);
-        else
-            row.Text(TextOf(*fact));
     }
     endList();
-    row.Nulls(columns.topFields - written);
+    row.append(columns.topFields - written, ',');
     m_files.EndRow(structure.Type());
 }
 
@@ -88,7 +96,10 @@ void ClFactRows::AddToList(const Fact_t& fact) {
     m_list.append("\"").append(fact.Key()).append("\":");
     const auto quote = [this](std::string_view text) {
         m_list += '"';
-        AppendJson(m_list, text);
+        if (IsPlain(text, '"', '\\'))
+            m_list += text;
+        else
+            AppendJson(m_list, text);
         m_list += '"';
     };
     if (!IsShown(fact)) {
@@ -123,15 +134,18 @@ std::string_view ClFactRows::TextOf(const Fact_t& fact) {
     return m_text;
 }
 
-void ClFactRows::WriteStrings(uint64_t record, const TableStructure_t& structure) {
+void ClFactRows::WriteStrings(const TableStructure_t& structure) {
     const ClStrings& strings = m_facts.Strings();
+    if (strings.Count() == 0) return;
+    m_begin += ',';
+    AppendDigits(m_begin, unsigned{structure.Type()});
+    m_begin += ',';
     for (uint32_t number = 1; number <= strings.Count(); number++) {
-        ClRow row(m_files.Row(kStrings));
-        row.Number(record);
-        row.Number(structure.Handle());
-        row.Number(unsigned{structure.Type()});
-        row.Number(number);
-        row.Text(strings.Get(number));
+        std::string& row = m_files.Row(kStrings);
+        row += m_begin;
+        AppendDigits(row, number);
+        row += ',';
+        AppendText(row, strings.Get(number));
         m_files.EndRow(kStrings);
     }
 }

@@ -4,23 +4,25 @@
 #include <string>
 #include <string_view>
 
-#include "Packages/Standard/Facts.h"
+#include "Packages/Analysis/Check.h"
 #include "Tools/quorlin/Rows/Files.h"
 
 class ClFactRows {
   public:
     explicit ClFactRows(ClRowFiles& files) : m_files(files) {}
 
-    void Write(uint64_t record, const TableStructure_t& structure, uint32_t instance, const FactOptions_t& options);
+    // `record` is the first cell of each row. The check takes the facts as they are read.
+    void Write(std::string_view record, const TableStructure_t& structure, uint32_t instance, ClTableCheck& check);
 
   private:
-    void WriteFacts(uint64_t record, const TableStructure_t& structure, uint32_t instance);
+    void WriteFacts(const TableStructure_t& structure, uint32_t instance, ClTableCheck& check);
     void AddToList(const Fact_t& fact);
     std::string_view TextOf(const Fact_t& fact);
-    void WriteStrings(uint64_t record, const TableStructure_t& structure);
+    void WriteStrings(const TableStructure_t& structure);
 
     ClRowFiles& m_files;
     ClFacts m_facts;
+    std::string m_begin;  // of all rows of the structure: record and handle
     std::string m_text, m_list;
     int m_record = -1;  // of the list
 };

@@ -16,6 +16,13 @@ void AppendDigits(std::string& out, Integer number) {
     out.append(digits, std::to_chars(digits, std::end(digits), number).ptr);
 }
 
+// An empty text is in quotes, as an empty cell is NULL.
+inline void AppendText(std::string& out, std::string_view text) {
+    const size_t begin = out.size();
+    AppendCsvCell(out, text);
+    if (out.size() == begin) out += "\"\"";
+}
+
 // Appends cells, with a comma before each but the row's first.
 class ClRow {
   public:
@@ -30,12 +37,7 @@ class ClRow {
     void Nulls(size_t count) {
         for (; count != 0; count--) Next();
     }
-    // An empty text is in quotes, as an empty cell is NULL.
-    void Text(std::string_view text) {
-        const size_t begin = Next().size();
-        AppendCsvCell(m_row, text);
-        if (m_row.size() == begin) m_row += "\"\"";
-    }
+    void Text(std::string_view text) { AppendText(Next(), text); }
     template <class Integer>
     void Number(Integer number) {
         AppendDigits(Next(), number);

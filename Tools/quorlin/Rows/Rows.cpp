@@ -25,11 +25,11 @@ std::array<uint8_t, 32> HashOf(std::span<const uint8_t> bytes) {
 }
 
 // The first 63 bits of the name's hash: the same in each run, and never negative.
-uint64_t RecordOf(std::string_view name) {
+std::string RecordOf(std::string_view name) {
     const std::array<uint8_t, 32> hash = HashOf({reinterpret_cast<const uint8_t*>(name.data()), name.size()});
     uint64_t record = 0;
     for (size_t place = 0; place < sizeof record; place++) record = record << 8 | hash[place];
-    return record >> 1;
+    return std::to_string(record >> 1);
 }
 
 std::string DigitsOf(std::span<const uint8_t> hash) {
@@ -41,6 +41,7 @@ std::string DigitsOf(std::span<const uint8_t> hash) {
 class ClMachineRow : public ClRow {
   public:
     using ClRow::ClRow;
+    void Record(std::string_view record) { Next() += record; }
     void State(std::optional<FactState_t> state) { Known(state ? StateName(*state) : std::string_view()); }
 };
 
@@ -50,17 +51,21 @@ class ClRowWriter {
 
     void Write(ClTable& table) {
         if (m_files.Problem() != 0) throw Stop_t{nullptr};
-        const std::span<const uint8_t> bytes = table.Bytes();
-        const uint64_t record = RecordOf(table.Name());
-        const ClHandles handles(bytes);
-        const FactOptions_t options = {.version = table.Version(), .handles = &handles};
-        uint32_t structures = 0, counts[256] = {};
-        for (const TableStructure_t& structure : ClWalk(bytes)) {
+        m_record = RecordOf(table.Name());
+        const CheckedTable_t checked = Checked(table);
+        uint32_t counts[std::size(kRules)] = {};
+        const ReportFinding_t report = [&](const Finding_t& finding) {
+            // Of each rule not more than check shows.
+            if (counts[static_cast<size_t>(finding.rule)]++ < kMostPlaces) WriteFinding(finding);
+        };
+        ClTableCheck check(checked, report);
+        uint32_t structures = 0, instances[256] = {};
+        for (const TableStructure_t& structure : ClWalk(checked.bytes)) {
             structures++;
-            m_facts.Write(record, structure, ++counts[structure.Type()], options);
+            m_facts.Write(m_record, structure, ++instances[structure.Type()], check);
         }
-        WriteFindings(record, Checked(table));
-        WriteMachine(record, table, structures, options);
+        check.Finish();
+        WriteMachine(table, structures, check.Options());
     }
 
     void Reject(const ClTable& table) {
@@ -77,34 +82,29 @@ class ClRowWriter {
     int Problem() const { return m_files.Problem(); }
 
   private:
-    // Errors and warnings, and of each rule not more than check shows.
-    void WriteFindings(uint64_t record, const CheckedTable_t& table) {
-        uint32_t counts[std::size(kRules)] = {};
-        CheckTable(table, [&](const Finding_t& finding) {
-            const Rule_t rule = RuleOf(finding.rule);
-            if (rule.severity == Severity_t::kNote || counts[static_cast<size_t>(finding.rule)]++ >= kMostPlaces)
-                return;
-            m_message.clear();
-            if (!finding.key.empty()) m_message.append(finding.key).append(": ");
-            m_message += rule.what;
-            if (!finding.found.empty()) m_message.append(": ").append(finding.found);
-            if (!finding.expected.empty()) m_message.append("; expected ").append(finding.expected);
-            ClRow row(m_files.Row(kFindings));
-            row.Number(record);
-            row.Text(rule.id);
-            row.Text(SeverityWord(rule.severity));
-            if (finding.structure != nullptr) {
-                row.Number(finding.structure->Handle());
-                row.Number(unsigned{finding.structure->Type()});
-            } else {
-                row.Nulls(2);
-            }
-            row.Text(m_message);
-            m_files.EndRow(kFindings);
-        });
+    void WriteFinding(const Finding_t& finding) {
+        const Rule_t rule = RuleOf(finding.rule);
+        if (rule.severity == Severity_t::kNote) return;
+        m_message.clear();
+        if (!finding.key.empty()) m_message.append(finding.key).append(": ");
+        m_message += rule.what;
+        if (!finding.found.empty()) m_message.append(": ").append(finding.found);
+        if (!finding.expected.empty()) m_message.append("; expected ").append(finding.expected);
+        ClRow row(m_files.Row(kFindings));
+        row.Next() += m_record;
+        row.Text(rule.id);
+        row.Text(SeverityWord(rule.severity));
+        if (finding.structure != nullptr) {
+            row.Number(finding.structure->Handle());
+            row.Number(unsigned{finding.structure->Type()});
+        } else {
+            row.Nulls(2);
+        }
+        row.Text(m_message);
+        m_files.EndRow(kFindings);
     }
 
-    void WriteMachine(uint64_t record, ClTable& table, uint32_t structures, const FactOptions_t& options) {
+    void WriteMachine(ClTable& table, uint32_t structures, const FactOptions_t& options) {
         const std::span<const uint8_t> bytes = table.Bytes();
         const Summary_t summary = SummaryOf(bytes, options);
         ClMachineRow row(m_files.Row(kMachines));
@@ -116,7 +116,7 @@ class ClRowWriter {
 
     ClRowFiles m_files;
     ClFactRows m_facts{m_files};
-    std::string m_message;
+    std::string m_record, m_message;
     uint64_t m_rejects = 0;
 };
 
