@@ -3,6 +3,9 @@
 
 #include <rapidjson/document.h>
 
+#include <charconv>
+#include <map>
+
 #include "Fuzz/Fuzz.h"
 
 // The code points of a text. Invalid UTF-8 is a finding.
@@ -76,4 +79,55 @@ inline void RequireCsv(std::string_view text) {
     Require(text.empty() || text.ends_with("\r\n"));
     Require(plain.find('\n') == plain.npos);
     RequireHarmless(plain);
+}
+
+// The cells of a row of CSV.
+inline std::vector<std::string> CellsOf(std::string_view row) {
+    std::vector<std::string> cells(1);
+    bool isQuoted = false;
+    for (const char c : row) {
+        if (c == '"')
+            isQuoted = !isQuoted;
+        else if (c == ',' && !isQuoted)
+            cells.emplace_back();
+        else
+            cells.back() += c;
+    }
+    return cells;
+}
+
+// Calls `take` with each row of CSV.
+template <class Take>
+void ForEachRow(std::string_view text, Take take) {
+    for (size_t end; (end = text.find("\r\n")) != text.npos; text.remove_prefix(end + 2)) take(text.substr(0, end));
+}
+
+// The files must be CSV with the columns that columns.csv lists, and numbers where it says so.
+inline void RequireRows(const std::vector<std::pair<std::string, std::string>>& files) {
+    std::map<std::string, std::vector<std::vector<std::string>>> columns;  // by file; dataset, name, type
+    for (const auto& [name, text] : files) RequireCsv(text);
+    ForEachRow(files[0].second, [&](std::string_view row) {
+        const std::vector<std::string> cells = CellsOf(row);
+        columns[cells[0] + ".csv"].push_back(cells);
+    });
+    for (const auto& [name, text] : std::span(files).subspan(1)) {
+        const std::vector<std::vector<std::string>>& types = columns[name];
+        bool isHead = true;
+        ForEachRow(text, [&](std::string_view row) {
+            const std::vector<std::string> cells = CellsOf(row);
+            Require(cells.size() == types.size());
+            for (size_t place = 0; place < cells.size(); place++) {
+                if (isHead) Require(cells[place] == types[place][1]);
+                if (isHead || cells[place].empty() || !types[place][2].ends_with("INT")) continue;
+                const bool isSigned = types[place][2] == "BIGINT";
+                int64_t number;
+                uint64_t large;
+                const char *begin = cells[place].data(), *end = begin + cells[place].size();
+                const auto result = isSigned ? std::from_chars(begin, end, number) : std::from_chars(begin, end, large);
+                Require(result.ec == std::errc() && result.ptr == end);
+            }
+            isHead = false;
+        });
+        Require(!isHead);
+    }
 }

@@ -43,6 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     RunFormats({"types"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"facts"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"facts", "--full", "--where", "--absent"}, {"text", "json"});
+    Require(RunOnPlatform({"facts", "--rows", "rows", "--as", "table", "--image", "table"}) <= 1);
+    RequireRows(platform.folder);
     RunFormats({"find", "e"}, {"text", "json", "ndjson", "csv"});
     RunFormats({"check"}, {"text", "json", "ndjson", "csv", "sarif"});
     RunFormats({"diff", "table", "other"}, {"text", "json", "ndjson", "csv"});

@@ -50,7 +50,7 @@ ProgramRun_t RunWithLimit(const std::string& folder, int times, __rlimit_resourc
 // An image takes about 4 KB, which must not add up.
 TEST(Rows, OfThousandsTakeLittleMemory) {
     const std::string folder = Folder();
-    const rlim_t most = IsSanitized() ? RLIM_INFINITY : rlim_t{14} << 20;
+    const rlim_t most = IsSanitized() ? RLIM_INFINITY : rlim_t{10} << 20;
     const ProgramRun_t run = RunWithLimit(folder, 300, RLIMIT_AS, most);
     EXPECT_EQ(run.exitCode, 0) << run.errors;
     const std::string machines = ReadWholeFile(folder + "/rows/machines.csv");
