@@ -24,6 +24,7 @@ bool CreateWholeFile(const std::string&, const void*, size_t) {
     errno = EEXIST;
     return false;
 }
+bool ReplaceWholeFile(const std::string&, const void*, size_t) { return true; }
 struct ClNewFolder::State_t {};
 ClNewFolder::ClNewFolder(const std::string&) { platform.folder.clear(); }
 ClNewFolder::~ClNewFolder() = default;

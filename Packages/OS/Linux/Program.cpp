@@ -86,18 +86,18 @@ class ClNoSignals {
     sigset_t m_before;
 };
 
-// Uses a temporary name, which is removed before any signal but SIGKILL is delivered.
-static Made_t CreateNamed(const std::string& path, const void* bytes, size_t size) {
+// Writes the file with a temporary name, which is removed before any signal but SIGKILL is delivered. `name` gives it
+// its own name.
+template <class Name>
+static Made_t CreateNamed(const std::string& path, const void* bytes, size_t size, mode_t mode, Name name) {
     const ClNoSignals noSignals;
     std::string temporary = FolderOf(path) + ".quorlin-XXXXXX";
     Made_t made = Made_t::kNo;
     const ClDescriptor file(MoveAbove(mkostemp(temporary.data(), O_CLOEXEC)));
     if (file.IsOpen()) {
-        // link and renameat2 don't replace files. Some file systems support only one of them.
-        if (WriteAll(file.Get(), bytes, size) && Sync(file.Get()))
-            made = LinkResult(link(temporary.c_str(), path.c_str()) == 0);
-        if (made == Made_t::kNotThisWay)
-            made = LinkResult(renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0);
+        // File systems without modes refuse to set one.
+        const bool isSet = fchmod(file.Get(), mode) == 0 || errno == EPERM;
+        if (isSet && WriteAll(file.Get(), bytes, size) && Sync(file.Get())) made = name(temporary.c_str());
         const int problem = errno;
         unlink(temporary.c_str());
         errno = problem;
@@ -109,7 +109,28 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     // Makes a write beyond the limit of file sizes fail instead of killing the process.
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     Made_t made = CreateNameless(path, bytes, size);
-    if (made == Made_t::kNotThisWay) made = CreateNamed(path, bytes, size);
+    if (made == Made_t::kNotThisWay)
+        made = CreateNamed(path, bytes, size, S_IRUSR | S_IWUSR, [&path](const char* temporary) {
+            // link and renameat2 don't replace files. Some file systems support only one of them.
+            const Made_t linked = LinkResult(link(temporary, path.c_str()) == 0);
+            if (linked != Made_t::kNotThisWay) return linked;
+            return LinkResult(renameat2(AT_FDCWD, temporary, AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0);
+        });
+    std::signal(SIGXFSZ, before);
+    return made == Made_t::kYes;
+}
+
+bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size) {
+    struct stat facts;
+    if (lstat(path.c_str(), &facts) == 0 && !S_ISREG(facts.st_mode)) {
+        errno = EEXIST;
+        return false;
+    }
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    constexpr mode_t kForAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
+    const Made_t made = CreateNamed(path, bytes, size, kForAll, [&path](const char* temporary) {
+        return std::rename(temporary, path.c_str()) == 0 ? Made_t::kYes : Made_t::kNo;
+    });
     std::signal(SIGXFSZ, before);
     return made == Made_t::kYes;
 }

@@ -26,8 +26,9 @@ FILE* os_fopen(const char* path, const char* mode) {
 std::FILE* OpenFile(const std::string& path, const char* mode) { return std::fopen(path.c_str(), mode); }
 std::FILE* OpenPlainFile(const std::string& path) { return std::fopen(path.c_str(), "r"); }
 
-// Writes to a temporary name and then creates a link, which never replaces a file.
-bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
+// Writes to a temporary name. `name` gives the file its own.
+template <class Name>
+static bool MakeWholeFile(const std::string& path, const void* bytes, size_t size, Name name) {
     const std::string temporary = path + ".quorlin";
     std::FILE* file = std::fopen(temporary.c_str(), "wbx");
     if (file == nullptr) return false;
@@ -36,10 +37,29 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     if (std::fclose(file) != 0 || !isWritten)
         problem = std::make_error_code(std::errc::io_error);
     else
-        std::filesystem::create_hard_link(temporary, path, problem);
+        name(temporary, problem);
     std::remove(temporary.c_str());
     errno = problem.value();
     return !problem;
+}
+
+// Creates a link, which never replaces a file.
+bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
+    return MakeWholeFile(path, bytes, size, [&path](const std::string& temporary, std::error_code& problem) {
+        std::filesystem::create_hard_link(temporary, path, problem);
+    });
+}
+
+bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size) {
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::symlink_status(path, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        errno = EEXIST;
+        return false;
+    }
+    return MakeWholeFile(path, bytes, size, [&path](const std::string& temporary, std::error_code& problem) {
+        std::filesystem::rename(temporary, path, problem);
+    });
 }
 
 struct ClNewFolder::State_t {

@@ -94,15 +94,13 @@ static std::wstring TemporaryName(const std::wstring& name) {
            L"-" + std::to_wstring(GetTickCount());
 }
 
-// Writes a temporary file in the same folder, where a rename makes no copy, and renames it without replacing a file.
-bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
+// Writes a temporary file in the same folder, where a rename makes no copy, and renames it.
+static bool MakeWholeFile(const std::string& path, const void* bytes, size_t size, SECURITY_ATTRIBUTES* attributes,
+                          DWORD howToRename) {
     const std::wstring name = ToWide(path);
     const std::wstring temporary = TemporaryName(name);
-    ClOwnerAccess access;
-    SECURITY_ATTRIBUTES* const attributes = access.Attributes();
-    const HANDLE file = attributes == nullptr ? INVALID_HANDLE_VALUE
-                                              : CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, attributes,
-                                                            CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, attributes, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         errno = LastErrno();
         return false;
@@ -111,10 +109,29 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
         SetTemporary(file, true) && WriteAll(file, bytes, size) && FlushFileBuffers(file) && SetTemporary(file, false);
     if (!isWhole) errno = LastErrno();
     CloseHandle(file);
-    if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), 0)) return true;
+    if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), howToRename)) return true;
     if (isWhole) errno = LastErrno();
     DeleteFileW(temporary.c_str());
     return false;
+}
+
+bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
+    ClOwnerAccess access;
+    SECURITY_ATTRIBUTES* const attributes = access.Attributes();
+    if (attributes != nullptr) return MakeWholeFile(path, bytes, size, attributes, 0);
+    errno = LastErrno();
+    return false;
+}
+
+// Who can read the file is up to its folder.
+bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size) {
+    const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
+    constexpr DWORD kNotPlain = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE;
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kNotPlain) != 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return MakeWholeFile(path, bytes, size, nullptr, MOVEFILE_REPLACE_EXISTING);
 }
 
 struct ClNewFolder::State_t {

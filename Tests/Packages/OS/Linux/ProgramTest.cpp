@@ -96,6 +96,45 @@ TEST(WholeFiles, AreAbsentIfNotWhole) {
     EXPECT_TRUE(IsEmpty(folder));
 }
 
+// A link's target stays, and so does the old file if the new one doesn't fit or the process ends.
+TEST(WholeFiles, ReplaceAPlainFileForAllUsers) {
+    const std::string folder = Folder(), file = folder + "file", bytes(size_t{100} << 10, 'x');
+    const auto replace = [&](const std::string& path, const std::function<void()>& prepare) {
+        return InChild([&] {
+            prepare();
+            return ReplaceWholeFile(path, bytes.data(), bytes.size()) ? 0 : errno;
+        });
+    };
+    const auto nothing = [] { umask(077); };
+    const auto limited = [] {
+        const rlimit limit = {4096, 4096};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    };
+    constexpr auto kReadableByAll =
+        fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read | fs::perms::others_read;
+    EXPECT_EQ(replace(file, limited), EFBIG);
+    EXPECT_TRUE(IsEmpty(folder));
+    EXPECT_EQ(replace(file, nothing), 0);
+    EXPECT_EQ(ReadWholeFile(file), bytes);
+    EXPECT_EQ(fs::status(file).permissions(), kReadableByAll);
+
+    const std::string old = folder + "old", link = folder + "link", pipe = folder + "pipe";
+    ASSERT_TRUE(CreateWholeFile(old, "old", 3));
+    fs::create_symlink("old", link);
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(replace(old, limited), EFBIG);
+    EXPECT_EQ(replace(old, [] { ForbidCall({SYS_rename}, SECCOMP_RET_ERRNO | EIO); }), EIO);
+    for (const std::string& other : {link, pipe, folder}) EXPECT_EQ(replace(other, nothing), EEXIST) << other;
+    EXPECT_EQ(replace(folder + "none/file", nothing), ENOENT);
+    EXPECT_EQ(ReadWholeFile(old), "old");
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 4) << "a temporary file";
+    EXPECT_EQ(replace(folder + "mode", [] { ForbidCall({SYS_fchmod}, SECCOMP_RET_ERRNO | EPERM); }), 0);
+    EXPECT_EQ(replace(old, nothing), 0);
+    EXPECT_EQ(ReadWholeFile(old), bytes);
+    EXPECT_EQ(fs::status(old).permissions(), kReadableByAll);
+}
+
 // Makes a folder with two files in a child after `prepare`, writing the second one in pieces. Returns 0, or errno.
 int CreateFolderIn(const std::string& path, const std::function<void()>& prepare) {
     return InChild([&] {

@@ -120,6 +120,24 @@ TEST_F(Files, NewFilesAreWholeForTheirOwnerAndReplaceNothing) {
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
 }
 
+TEST_F(Files, PlainFilesAreReplacedForEverybody) {
+    const std::string name = (m_folder / "file").string();
+    EXPECT_TRUE(ReplaceWholeFile(name, "longer", 6));
+    EXPECT_TRUE(ReplaceWholeFile(name, "new", 3));
+    EXPECT_EQ(ReadWholeFile(name), "new");
+    EXPECT_TRUE(IsForEverybody(name));
+    EXPECT_FALSE(ReplaceWholeFile(m_folder.string(), "new", 3));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_FALSE(ReplaceWholeFile((m_folder / "none" / "file").string(), "new", 3));
+    EXPECT_EQ(errno, ENOENT);
+    // Open without sharing.
+    const HANDLE open = CreateFileW((m_folder / "file").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_FALSE(ReplaceWholeFile(name, "other", 5));
+    CloseHandle(open);
+    EXPECT_EQ(ReadWholeFile(name), "new");
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
+}
+
 TEST_F(Files, NewFoldersAreWholeForTheirOwnerAndReplaceNothing) {
     const std::string name = (m_folder / "new").string();
     const std::vector<uint8_t> bytes(3u << 20, 'x');
