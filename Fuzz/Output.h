@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <map>
+#include <set>
 
 #include "Fuzz/Fuzz.h"
 
@@ -129,5 +130,35 @@ inline void RequireRows(const std::vector<std::pair<std::string, std::string>>& 
             isHead = false;
         });
         Require(!isHead);
+    }
+}
+
+// The text must be in Prometheus' text format, each family in one piece, and no two samples may have the same labels.
+inline void RequireMetrics(std::string_view text) {
+    RequireHarmless(text);
+    std::set<std::string_view> families, series;
+    std::string_view family;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        Require(line.size() < text.size());
+        text.remove_prefix(line.size() + 1);
+        const bool isHelp = line.starts_with("# HELP "), isType = line.starts_with("# TYPE ");
+        if (isHelp) family = line.substr(7, line.find(' ', 7) - 7);
+        if (isHelp) Require(families.insert(family).second);
+        if (isType) Require(line.substr(7, family.size()) == family && line.substr(7 + family.size()) == " gauge");
+        if (isHelp || isType) continue;
+        Require(!family.empty() && line.starts_with(family));
+        size_t at = family.size();
+        for (char before = '{'; at < line.size() && line[at] == before; before = ',') {
+            at = line.find_first_not_of("abcdefghijklmnopqrstuvwxyz_", at + 1);
+            Require(at != line.npos && line.substr(at).starts_with("=\""));
+            for (at += 2; Require(at < line.size()), line[at] != '"'; at++)
+                if (line[at] == '\\') Require(++at < line.size() && (line[at] == '\\' || line[at] == '"'));
+            at++;
+        }
+        if (at != family.size()) Require(line.substr(at++).starts_with('}'));
+        Require(series.insert(line.substr(0, at)).second);
+        Require(line.substr(at).starts_with(' ') && at + 1 < line.size());
+        Require(line.find_first_not_of("0123456789", at + 1) == line.npos);
     }
 }

@@ -55,6 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         RequireHarmless(platform.output);
         RequireHarmless(platform.errors);
     }
+    Require(RunOnPlatform({"metrics", "--as", "table", "--image", "table"}) == 0);
+    RequireMetrics(platform.output);
     for (const bool isComparison : {false, true}) {
         Arguments_t arguments = {"report", "-", "--as", "table", "table"};
         if (isComparison) arguments.emplace_back("other");

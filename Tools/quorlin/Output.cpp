@@ -71,3 +71,10 @@ bool WriteFileOrStream(const std::string& path, std::span<const uint8_t> bytes) 
     output << std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return output.Finish();
 }
+
+bool ReplaceFile(const std::string& path, std::string_view text) {
+    if (ReplaceWholeFile(path, text.data(), text.size())) return true;
+    SayError(path, errno == EEXIST ? std::string("is no plain file, and nothing else is replaced; try another name")
+                                   : std::string(std::strerror(errno)) + "; try another name or place");
+    return false;
+}

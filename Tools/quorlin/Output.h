@@ -61,3 +61,6 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes);
 // The same, but to standard output for "-".
 bool WriteFileOrStream(const std::string& path, std::span<const uint8_t> bytes);
+// Writes a file that all users can read, in place of a plain file with the name, whole or not at all. False, with a
+// line on standard error, if it can't be written.
+bool ReplaceFile(const std::string& path, std::string_view text);

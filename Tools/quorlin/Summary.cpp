@@ -90,6 +90,10 @@ class ClGroups {
         group.count++;
         return group;
     }
+    // The same, for what is in a place.
+    void CountIn(Place_t& place, const Kind& kind) {
+        place.group = static_cast<size_t>(&Count(kind) - m_groups.data());
+    }
     Groups_t<Kind> Take() { return std::move(m_groups); }
 
   private:
@@ -104,7 +108,7 @@ class ClCollector {
         // Only now is it known which sockets and arrays these belong to.
         for (const TableStructure_t& structure : ClWalk(table)) {
             if (structure.Type() == 7) TakeCache(structure.Handle(), {structure, options});
-            if (structure.Type() == 17) TakeDevice({structure, options});
+            if (structure.Type() == 17) TakeDevice(structure.Handle(), {structure, options});
         }
         m_summary.processors = m_processors.Take();
         m_summary.caches = m_caches.Take();
@@ -131,8 +135,8 @@ class ClCollector {
             case 3:
                 if (isFirst) TakeChassis(values);
                 break;
-            case 4: TakeProcessor(values); break;
-            case 6: TakeOldModule(values); break;
+            case 4: TakeProcessor(structure.Handle(), values); break;
+            case 6: TakeOldModule(structure.Handle(), values); break;
             case 9: TakeSlot(values); break;
             case 16: TakeArray(structure.Handle(), values); break;
             default: break;
@@ -176,13 +180,13 @@ class ClCollector {
         m_summary.chassis.product.assetTag = values.Text("asset_tag_number");
     }
 
-    void TakeProcessor(const ClValues& values) {
+    void TakeProcessor(uint16_t handle, const ClValues& values) {
         if (values.Number("processor_type").value_or(kCentralProcessor) != kCentralProcessor) return;
-        m_summary.sockets++;
+        m_summary.sockets.push_back({handle, values.Text("socket_designation"), {}, {}});
         const bool isThere = values.HasBit("status", 6);
         for (const char* key : {"l1_cache_handle", "l2_cache_handle", "l3_cache_handle"})
-            if (const Known_t handle = values.Number(key); handle)
-                (isThere ? m_cachesInUse : m_cachesOfEmptySockets).insert(*handle);
+            if (const Known_t cache = values.Number(key); cache)
+                (isThere ? m_cachesInUse : m_cachesOfEmptySockets).insert(*cache);
         if (!isThere) return;
         Processor_t processor = {
             .name = values.Text("processor_version"),
@@ -197,7 +201,7 @@ class ClCollector {
         // Counts that contradict each other are none.
         if (processor.coresEnabled > processor.cores) processor.coresEnabled.reset();
         if (processor.threads < processor.cores) processor.threads.reset();
-        m_processors.Count(processor);
+        m_processors.CountIn(m_summary.sockets.back(), processor);
     }
 
     void TakeCache(uint16_t handle, const ClValues& values) {
@@ -232,13 +236,14 @@ class ClCollector {
         if (m_summary.errorCorrection.empty() && correction != "None") m_summary.errorCorrection = correction;
     }
 
-    void TakeDevice(const ClValues& values) {
-        const Known_t handle = values.Number("physical_memory_array_handle");
+    void TakeDevice(uint16_t handle, const ClValues& values) {
+        const Known_t array = values.Number("physical_memory_array_handle");
         const std::string type = values.Text("memory_type");
-        if ((handle && m_otherArrays.contains(*handle)) || type == "FLASH" || type == "ROM") return;
-        m_summary.memorySlots++;
+        if ((array && m_otherArrays.contains(*array)) || type == "FLASH" || type == "ROM") return;
+        Places_t& slots = m_summary.memorySlots;
+        slots.push_back({handle, values.Text("device_locator"), values.Text("bank_locator"), {}});
         if (values.Has("size", FactState_t::kNone) && !values.Number("memory_size")) return;
-        m_modules.Count({
+        const Module_t module = {
             .size = values.Positive("memory_size"),
             .type = type,
             .formFactor = values.Text("form_factor"),
@@ -246,20 +251,21 @@ class ClCollector {
             .partNumber = values.Text("part_number"),
             .speed = values.Positive("memory_speed"),
             .configuredSpeed = values.Positive("configured_speed"),
-        });
+        };
+        m_modules.CountIn(slots.back(), module);
     }
 
     // Tables from before 2.1 have no other memory.
-    void TakeOldModule(const ClValues& values) {
-        m_oldSlots++;
+    void TakeOldModule(uint16_t handle, const ClValues& values) {
+        m_oldSlots.push_back({handle, values.Text("socket_designation"), {}, {}});
         Module_t module = {};
         module.size = values.Number("installed_module_size");
-        if (module.size) m_oldModules.Count(module);
+        if (module.size) m_oldModules.CountIn(m_oldSlots.back(), module);
     }
 
     void FinishMemory() {
-        const bool isOld = m_summary.memorySlots == 0;
-        if (isOld) m_summary.memorySlots = m_oldSlots;
+        const bool isOld = m_summary.memorySlots.empty();
+        if (isOld) m_summary.memorySlots = std::move(m_oldSlots);
         m_summary.modules = (isOld ? m_oldModules : m_modules).Take();
         m_summary.memoryInstalled = Total(m_summary.modules, &Module_t::size);
         if (m_isMaximumKnown && m_maximum != 0 && m_maximum >= m_summary.memoryInstalled.value_or(0))
@@ -270,7 +276,8 @@ class ClCollector {
     bool m_hasType[18] = {};
     bool m_hasMotherboard = false;
     std::set<uint64_t> m_cachesInUse, m_cachesOfEmptySockets, m_otherArrays;
-    uint64_t m_maximum = 0, m_oldSlots = 0;
+    uint64_t m_maximum = 0;
+    Places_t m_oldSlots;
     bool m_isMaximumKnown = true;
     ClGroups<Processor_t> m_processors;
     ClGroups<Cache_t> m_caches;

@@ -3,6 +3,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <span>
 #include <string>
@@ -71,15 +72,24 @@ struct Group_t {
 template <class Kind>
 using Groups_t = std::vector<Group_t<Kind>>;
 
+// A socket for a processor or a slot for a module.
+struct Place_t {
+    uint16_t handle;
+    std::string name, bank;       // as on the board
+    std::optional<size_t> group;  // of what is in it
+};
+// A deque, as a table may have very many.
+using Places_t = std::deque<Place_t>;
+
 struct Summary_t {
     System_t system;
     Chassis_t chassis;
     Product_t board;
     Firmware_t firmware;
-    uint64_t sockets = 0;
+    Places_t sockets;
     Groups_t<Processor_t> processors;
     Groups_t<Cache_t> caches;
-    uint64_t memorySlots = 0;
+    Places_t memorySlots;
     Known_t memoryInstalled, memoryMaximum;
     std::string errorCorrection;
     Groups_t<Module_t> modules;

@@ -82,10 +82,11 @@ Lines_t ProcessorLines(const Summary_t& summary) {
     const uint64_t count = Sum(summary.processors, &Group_t<Processor_t>::count);
     if (count == 0) return {};
     Lines_t lines;
-    if (summary.sockets > 1)
-        lines.push_back(Joined({std::to_string(count) + " of " + std::to_string(summary.sockets) + " sockets used",
-                                With("", Total(summary.processors, &Processor_t::cores), " cores"),
-                                With("", Total(summary.processors, &Processor_t::threads), " threads")}));
+    if (summary.sockets.size() > 1)
+        lines.push_back(
+            Joined({std::to_string(count) + " of " + std::to_string(summary.sockets.size()) + " sockets used",
+                    With("", Total(summary.processors, &Processor_t::cores), " cores"),
+                    With("", Total(summary.processors, &Processor_t::threads), " threads")}));
     const auto line = [](const Group_t<Processor_t>& group) -> std::string {
         const Processor_t& each = group.kind;
         const std::string name = each.name.empty() ? NameOf(each.manufacturer, each.family) : each.name;
@@ -125,13 +126,14 @@ std::string TypeAndSpeed(const Module_t& module) {
 }
 
 Lines_t MemoryLines(const Summary_t& summary) {
-    if (summary.memorySlots == 0 && !summary.memoryMaximum) return {};
+    if (summary.memorySlots.empty() && !summary.memoryMaximum) return {};
     const uint64_t used = Sum(summary.modules, &Group_t<Module_t>::count);
-    Lines_t lines = {Joined({SizeOf(summary.memoryInstalled, " installed"), SizeOf(summary.memoryMaximum, " maximum"),
-                             summary.memorySlots == 0
-                                 ? ""
-                                 : std::to_string(used) + " of " + std::to_string(summary.memorySlots) + " slots used",
-                             summary.errorCorrection})};
+    Lines_t lines = {
+        Joined({SizeOf(summary.memoryInstalled, " installed"), SizeOf(summary.memoryMaximum, " maximum"),
+                summary.memorySlots.empty()
+                    ? ""
+                    : std::to_string(used) + " of " + std::to_string(summary.memorySlots.size()) + " slots used",
+                summary.errorCorrection})};
     const auto line = [](const Group_t<Module_t>& group) -> std::string {
         const Module_t& each = group.kind;
         const std::string formFactor =

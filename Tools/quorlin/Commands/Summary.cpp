@@ -143,20 +143,20 @@ Members_t MembersOf(const Summary_t& summary) {
     const Known_t cores = Total(summary.processors, &Processor_t::cores);
     const Known_t threads = Total(summary.processors, &Processor_t::threads);
     Members_t processors = {
-        {"sockets", Node(summary.sockets)   },
-        {"used",    Node(used)              },
-        {"cores",   Node(cores)             },
-        {"threads", Node(threads)           },
-        {"models",  Node(summary.processors)},
+        {"sockets", Node(summary.sockets.size())},
+        {"used",    Node(used)                  },
+        {"cores",   Node(cores)                 },
+        {"threads", Node(threads)               },
+        {"models",  Node(summary.processors)    },
     };
     Members_t memory = {
-        {"installed",        Node(summary.memoryInstalled)      },
-        {"maximum",          Node(summary.memoryMaximum)        },
-        {"slots",            Node(summary.memorySlots)          },
-        {"used",             Node(modules)                      },
-        {"free",             Node(summary.memorySlots - modules)},
-        {"error_correction", Node(summary.errorCorrection)      },
-        {"modules",          Node(summary.modules)              },
+        {"installed",        Node(summary.memoryInstalled)             },
+        {"maximum",          Node(summary.memoryMaximum)               },
+        {"slots",            Node(summary.memorySlots.size())          },
+        {"used",             Node(modules)                             },
+        {"free",             Node(summary.memorySlots.size() - modules)},
+        {"error_correction", Node(summary.errorCorrection)             },
+        {"modules",          Node(summary.modules)                     },
     };
     return {
         {"system",     Node(MembersOf(summary.system))  },

@@ -76,13 +76,16 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
     add("11, counts of what isn't there", Filled("", Structure(11, "\xFF")));
     add("11, many strings", Structure(11, "\xFF", Repeated("a\0"s, most / 2) + "\0"s));
     add("11, a long string of quotes", Structure(11, "\1", std::string(most, '"') + "\0\0"s));
-    const std::string languages = "\xFF" + std::string(17, 1);
+    const std::string languages = std::string(1, '\xFF').append(17, 1);
     add("13, counts of what isn't there", Filled("", Structure(13, languages)));
     add("13, many languages", Structure(13, languages, Repeated("enus\0"s, most / 5) + "\0"s));
     add("14, groups that all name the same", Filled(versions, Structure(14, "\0\xDD\0\0"s)));
     add("14, names that show nothing", Filled(disabled, Structure(14, "\0\xDD\0\0"s)));
     add("14, groups of what isn't there", Filled("", Structure(14, "\0"s + Repeated("\xDD\0\0"s, 83))));
     add("15, counts of what isn't there", Filled("", Structure(15, std::string(19, '\xFF'))));
+    add("17, slots with nothing", Filled("", Structure(17, std::string(8, '\0'))));
+    const std::string module = std::string(8, '\0').append(74, '\1');
+    add("17, modules with long names", Filled("", Structure(17, module, std::string(1800, '\xFF') + "\0\0"s)));
     add("148", Filled("", Structure(148, number, "9999\0\0"s)));
     add("148, a long string", Filled("", Structure(148, number, std::string(3000, '9') + "\0\0"s)));
     add("221, records among the strings", Filled("", Structure(221, "\xFF", std::string(1800, 'a') + "\0\0"s)));
@@ -94,7 +97,8 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
                       rows = testing::TempDir() + "worst-rows";
     std::vector<std::vector<std::string>> commands;
     for (const char* format : {"lines", "text", "json", "csv"}) commands.push_back({"show", "--format", format});
-    for (const char* command : {"types", "summary", "facts", "check", "verify", "raw"}) commands.push_back({command});
+    for (const char* command : {"types", "summary", "facts", "check", "verify", "raw", "metrics"})
+        commands.push_back({command});
     commands.insert(commands.end(), {
                                         {"explain", "0-255"},
                                         {       "find",   "none"       },
