@@ -16,14 +16,14 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 trap 'exit 1' HUP INT TERM
 root=$work/root
-Tests/debian-root.sh "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)" "$root" python3
+Tests/debian-root.sh "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)" "$root" python3,systemd
 
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 "$@"; }
 
-# Lists the root's files, without dpkg's records, logs and the loader's cache.
+# Lists the root's files, without dpkg's records, logs, the loader's cache, and what lasts until the next boot.
 files() {
-    (cd "$root" && find . -path ./var/lib/dpkg -prune -o -path ./var/log -prune -o -path ./var/cache -prune -o -print) |
-        LC_ALL=C sort
+    (cd "$root" && find . -path ./var/lib/dpkg -prune -o -path ./var/log -prune -o -path ./var/cache -prune -o \
+        -path ./run -prune -o -print) | LC_ALL=C sort
 }
 
 files >"$work/before"
@@ -52,6 +52,20 @@ for file in man/man1/quorlin.1.gz man/man3/quorlin.3.gz bash-completion/completi
     zsh/vendor-completions/_quorlin fish/vendor_completions.d/quorlin.fish doc/libquorlin-dev/examples/items.c; do
     [ -e "$root/usr/share/$file" ] || fail "no /usr/share/$file"
 done
+
+# The timer is there, and only its user enables it. There is no table in the root folder, so the service fails with 1; a
+# wrong option would be 2.
+[ "$(inside systemctl is-enabled quorlin-metrics.timer || true)" = disabled ] || fail 'the timer is enabled'
+inside systemd-analyze verify --man=no quorlin-metrics.service quorlin-metrics.timer >"$work/log" 2>&1 ||
+    fail "the units: $(cat "$work/log")"
+[ ! -s "$work/log" ] || fail "the units: $(cat "$work/log")"
+command=$(sed -n 's/^ExecStart=//p' "$root/lib/systemd/system/quorlin-metrics.service")
+status=0
+# shellcheck disable=SC2086  # its words
+inside $command >"$work/log" 2>&1 || status=$?
+[ "$status" = 1 ] || fail "$command: $status, $(cat "$work/log")"
+grep -q 'no SMBIOS table' "$work/log" || fail "$command: $(cat "$work/log")"
+inside systemctl --quiet enable quorlin-metrics.timer
 
 inside dpkg --purge python3-quorlin libquorlin-dev libquorlin1 >"$work/log" 2>&1 ||
     fail "purging the library: $(cat "$work/log")"
