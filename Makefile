@@ -2,6 +2,8 @@
 BUILD_PACKAGES = g++ make cmake ninja-build libsodium-dev rapidjson-dev zlib1g-dev
 TEST_PACKAGES = libgtest-dev pkg-config python3 zsh fish acpica-tools pciutils cpuid dmidecode
 WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
+METRICS_PACKAGES = curl
+ANSIBLE_PACKAGES = ansible-core python3
 REPORT_PACKAGES = chromium chromium-driver python3-selenium poppler-utils pci.ids
 WINE_PACKAGES = wine googletest python3
 BENCH_PACKAGES = libbenchmark-dev valgrind strace time python3
@@ -15,8 +17,8 @@ DMI = /sys/firmware/dmi/tables/DMI
 # Uses sudo if only root can read the table.
 AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || echo sudo)
 
-.PHONY: build run test test-long test-machine test-sarif test-report stub asan tsan coverage windows test-windows \
-	install deb zip bench fuzz format lint hooks clean
+.PHONY: build run test test-long test-machine test-sarif test-report test-metrics test-ansible stub asan tsan coverage \
+	windows test-windows install deb zip bench fuzz format lint hooks clean
 .DEFAULT_GOAL := build
 
 build:
@@ -115,6 +117,20 @@ test-report:
 	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
 	@cmake --build --preset release --target quorlin_program write_images
 	@Tests/Report/run.sh build/release/bin build/release/report
+
+# The metrics of many tables, by promtool and node_exporter.
+test-metrics:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(METRICS_PACKAGES)
+	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
+	@cmake --build --preset release --target quorlin_program write_images
+	@Tests/Metrics/run.sh build/release/bin build/metrics
+
+# The fact and the role that installs it, by Ansible on this machine, in a scratch folder.
+test-ansible:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(ANSIBLE_PACKAGES)
+	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
+	@cmake --build --preset release --target quorlin_program
+	@Tests/Ansible/run.sh build/release/bin
 
 # Times, then instructions, memory and system calls of whole runs. The best of many short repetitions in random order
 # gives figures that can be compared on a busy machine. Containers of a million entries take minutes; run them with

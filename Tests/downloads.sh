@@ -26,3 +26,4 @@ says() {
 
 says 'Could not download or install: no-such-package' cmake/install-packages.sh no-such-package
 says 'linux-image-6.1.0-1-amd64 could not be downloaded' Tests/Machine/kernel.sh "$work/kernel"
+says 'prometheus could not be downloaded' Tests/Metrics/run.sh "$work" "$work/tools"
