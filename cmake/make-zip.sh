@@ -10,9 +10,9 @@ DESTDIR='' cmake --install "$build" --prefix "$build/zip/$name" >/dev/null
 mkdir -p "$build/zip/$name/Docs"
 cp Docs/Windows.md "$build/zip/$name/README.md"
 cp CHANGELOG.md SECURITY.md "$build/zip/$name"
-for document in Program.md Report.md report-memory.png report-structure.png Record.md Linux.md Formats.md \
-    json-schema.json Checks.md Verify.md Facts.md facts-schema.json Items.md Library.md Containers.md Trace.md \
-    examples; do
+for document in Program.md Report.md report-memory.png report-structure.png Monitoring.md Record.md Linux.md \
+    Formats.md json-schema.json Checks.md Verify.md Facts.md facts-schema.json Items.md Library.md Containers.md \
+    Trace.md examples; do
     cp -r "Docs/$document" "$build/zip/$name/Docs"
 done
 # The page on Windows is the README here.

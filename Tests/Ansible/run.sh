@@ -18,7 +18,7 @@ ln -s /usr/bin/* "$scratch/tools"
 rm -f "$scratch/tools/quorlin"
 facts=$scratch/etc/facts.d
 clean=(env -i "PATH=$scratch/bin:$scratch/tools" "HOME=$scratch/home" LC_ALL=C.UTF-8
-    ANSIBLE_ROLES_PATH="$here/../../Ansible/roles" ANSIBLE_LOCALHOST_WARNING=False ANSIBLE_INVENTORY_UNPARSED_WARNING=False)
+    ANSIBLE_ROLES_PATH="$here/../../Ansible/roles")
 local=(-i 'localhost,' -c local -e ansible_python_interpreter=/usr/bin/python3)
 
 # Runs the program in its place, or something else.
