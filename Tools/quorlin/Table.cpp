@@ -222,7 +222,7 @@ std::string ClTable::Form() const {
 }
 
 int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work,
-                 const std::function<void(const ClTable&)>& failed) {
+                 const std::function<void(const ClTable&)>& failed, bool* isComplete) {
     // Never destroyed: freeing the last image piece by piece would be a good part of a short run.
     static ClTable& table = *new ClTable;
     int exitCode = kExitDone;
@@ -261,6 +261,7 @@ int ForEachTable(const Source_t& source, int trouble, const std::function<int(Cl
         progress.Step();
     }
     if (names.Problem().empty()) return exitCode;
+    if (isComplete != nullptr) *isComplete = false;
     SayError(source.imageList, names.Problem() + "; try another list, or - to give the names on standard input");
     return trouble;
 }

@@ -72,8 +72,9 @@ class ClTable {
 };
 
 // Brings up each table that `source` names, one after the other, and runs `work` on it, which returns an exit code. A
-// table that can't be brought up is passed to `failed`, and counts as `trouble`. Returns the highest exit code.
+// table that can't be brought up is passed to `failed`, and counts as `trouble`. Returns the highest exit code. Of a
+// list that can't be read to its end, says why and sets `isComplete`, unless it is null, to false.
 int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work,
-                 const std::function<void(const ClTable&)>& failed);
+                 const std::function<void(const ClTable&)>& failed, bool* isComplete = nullptr);
 // The same, with errors and remarks on standard error.
 int ForEachTable(const Source_t& source, int trouble, const std::function<int(ClTable&)>& work);

@@ -136,6 +136,11 @@ TEST(Rows, AreRefused) {
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_NE(run.errors.find("try another name or place"), run.errors.npos) << run.errors;
     EXPECT_EQ(CountEntries(), entries);
+    // The first name is one, but not the whole list.
+    const std::string list = WriteFile("no-list", {'n', 'o', 'n', 'e', '\n', 0});
+    EXPECT_EQ(RunQuorlin("facts --rows " + folder + " --image-list " + list).exitCode, 1);
+    EXPECT_FALSE(fs::exists(folder));
+    fs::remove(list);
     fs::create_directory(folder);
     EXPECT_EQ(RunQuorlin("facts --sample --rows " + folder).exitCode, 1);
     EXPECT_TRUE(fs::is_empty(folder));
@@ -149,7 +154,7 @@ TEST(Rows, OfSeveralTables) {
     const ProgramRun_t run = RunQuorlin("facts " + image + " " + bad + " --rows " + folder + " --image-list " +
                                         WriteFile("list", std::vector<uint8_t>(list.begin(), list.end())));
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_NE(run.errors.find("2 of the images can't be read"), run.errors.npos) << run.errors;
+    EXPECT_NE(run.errors.find("2 of the tables can't be read"), run.errors.npos) << run.errors;
     const std::string rejects = ReadWholeFile(folder + "/rejects.csv");
     EXPECT_NE(rejects.find("source,reason\r\n\"" + bad + "\","), rejects.npos) << rejects;
     EXPECT_NE(rejects.find("\r\n" + testing::TempDir() + "none.bin,No such file"), rejects.npos) << rejects;

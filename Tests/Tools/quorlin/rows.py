@@ -122,7 +122,7 @@ def main():
     names = "".join(f"{image}\n" for image in [*images, rejected])
     result = run("facts", "--rows", FOLDER / "rows", "--image-list", "-", input=names)
     assert result.returncode == 1 and result.stdout == "", result
-    assert result.stderr.count("\n") == 1 and "1 of the images can't be read" in result.stderr, result.stderr
+    assert result.stderr.count("\n") == 1 and "1 of the tables can't be read" in result.stderr, result.stderr
 
     datasets = {path.stem: dataset(path.stem) for path in (FOLDER / "rows").iterdir()}
     _, schema = datasets.pop("columns")

@@ -123,12 +123,13 @@ class ClRowWriter {
 }  // namespace
 
 int WriteRows(const Source_t& source, const std::string& folder) {
-    if (IsThere(folder)) {
-        SayNotMade(folder, EEXIST);
+    ClRowWriter writer(folder);
+    if (const int problem = IsThere(folder) ? EEXIST : writer.Problem(); problem != 0) {
+        SayNotMade(folder, problem);
         return kExitNoTable;
     }
-    ClRowWriter writer(folder);
-    int exitCode = kExitDone;
+    int exitCode = kExitNoTable;
+    bool isComplete = true;
     try {
         exitCode = ForEachTable(
             source, kExitNoTable,
@@ -136,19 +137,17 @@ int WriteRows(const Source_t& source, const std::string& folder) {
                 writer.Write(table);
                 return kExitDone;
             },
-            [&](const ClTable& table) { writer.Reject(table); });
+            [&](const ClTable& table) { writer.Reject(table); }, &isComplete);
     } catch (const Stop_t& stop) {
-        exitCode = kExitNoTable;
-        if (stop.why != nullptr) {
-            SayError("rows", stop.why);
-            return exitCode;
-        }
+        if (stop.why != nullptr) SayError("rows", stop.why);
+        isComplete = stop.why == nullptr;
     }
+    if (!isComplete) return kExitNoTable;
     if (!writer.Finish()) {
         SayNotMade(folder, writer.Problem());
         return kExitNoTable;
     }
     if (writer.Rejects() != 0)
-        SayError(folder, std::to_string(writer.Rejects()) + " of the images can't be read; rejects.csv tells why");
+        SayError(folder, std::to_string(writer.Rejects()) + " of the tables can't be read; rejects.csv tells why");
     return exitCode;
 }
