@@ -1,0 +1,2 @@
+export const kQueryHelp = () => 'TODO\n';
+export async function query() {}
