@@ -1,0 +1,84 @@
+// The lake as views of DuckDB, made when a statement names them.
+import * as sql from './sql.mjs';
+
+// Serial numbers as one text. Escaping keeps different ones different.
+const escaped = (column) => `replace(replace(coalesce(${column}, ''), '%', '%25'), '/', '%2F')`;
+
+// Which machine an image is of: see README.md. This and the queries are in SQL that Spark, Trino and ClickHouse take.
+const kShared = `
+    SELECT uuid FROM machines WHERE uuid IS NOT NULL GROUP BY uuid
+    HAVING min(system_serial_number) <> max(system_serial_number)
+        OR (count(system_serial_number) = 0 AND min(board_serial_number) <> max(board_serial_number))
+        OR (count(system_serial_number) = 0 AND count(board_serial_number) = 0
+            AND min(chassis_serial_number) <> max(chassis_serial_number))`;
+const kHasUuid = 'm.uuid IS NOT NULL AND s.uuid IS NULL';
+const kHasSerial = 'coalesce(m.system_serial_number, m.board_serial_number, m.chassis_serial_number) IS NOT NULL';
+const kIdentities = `
+    SELECT m.day, m.record,
+           CASE WHEN ${kHasUuid} THEN 'uuid:' || m.uuid
+                WHEN ${kHasSerial} THEN 'serial:' || ${escaped('coalesce(m.system_manufacturer, m.board_manufacturer)')}
+                    || '/' || ${escaped('m.system_serial_number')} || '/' || ${escaped('m.board_serial_number')}
+                    || '/' || ${escaped('m.chassis_serial_number')}
+                ELSE 'table:' || m.table_sha256 END AS machine_id,
+           CASE WHEN ${kHasUuid} THEN 'uuid' WHEN ${kHasSerial} THEN 'serial' ELSE 'table' END AS identified_by
+    FROM machines m LEFT JOIN (${kShared}) s ON m.uuid = s.uuid`;
+export const kDerived = { identities: kIdentities };
+
+// The words of a statement that may be names.
+const wordsOf = (statement) => new Set(statement.toLowerCase().match(/\w+/g));
+
+export class Views {
+    constructor(connection, lake) {
+        this.connection = connection;
+        this.lake = lake;
+        this.parts = lake.parts('machines');
+        this.made = new Set();
+        const newest = this.parts.at(-1);
+        this.empties = new Map(); // dataset -> its columns as SQL
+        this.newest = newest;
+    }
+
+    days() {
+        return [...new Set(this.parts.map(({ day }) => day))];
+    }
+
+    async readNames() {
+        const rows = await this.connection.runAndReadAll(
+            `SELECT dataset, string_agg('NULL::' || type || ' AS "' || "column" || '"', ', ')
+             FROM (${this.#select('columns', [this.newest])}) GROUP BY dataset`);
+        for (const [dataset, columns] of rows.getRows()) this.empties.set(dataset, columns);
+    }
+
+    names() {
+        return [...new Set([...this.empties.keys(), ...this.lake.datasets(), ...Object.keys(kDerived)])].sort();
+    }
+
+    // Makes the views that a statement may name. `all` makes all, for statements that list them.
+    async make(statement) {
+        const words = wordsOf(statement);
+        const all = words.has('show') || words.has('information_schema') || words.has('duckdb_views');
+        for (const name of this.names()) if (all || words.has(name)) await this.#makeOne(name);
+    }
+
+    async #makeOne(name) {
+        if (this.made.has(name)) return;
+        this.made.add(name);
+        if (Object.hasOwn(kDerived, name)) {
+            await this.make(kDerived[name]);
+            await this.connection.run(`CREATE VIEW ${sql.name(name)} AS ${kDerived[name]}`);
+            return;
+        }
+        // Only what is whole: the shard's machines are put in place last.
+        const has = new Set(this.lake.parts(name).map(({ day, shard }) => `${day} ${shard}`));
+        const parts = this.parts.filter(({ day, shard }) => has.has(`${day} ${shard}`));
+        const select = parts.length > 0 ? this.#select(name, parts)
+            : `SELECT ${this.empties.get(name)}, NULL::DATE AS day, NULL::VARCHAR AS shard WHERE false`;
+        await this.connection.run(`CREATE VIEW ${sql.name(name)} AS ${select}`);
+    }
+
+    #select(name, parts) {
+        const files = parts.map((part) => sql.text(`${this.lake.folderOf(name, part)}/*.parquet`)).join(', ');
+        return `SELECT * FROM read_parquet([${files}], union_by_name = true, hive_partitioning = true,
+                                           hive_types = {'day': DATE, 'shard': VARCHAR})`;
+    }
+}
