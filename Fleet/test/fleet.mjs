@@ -39,7 +39,7 @@ const firmwareOf = (model, level) => ({
 
 // The modules of a machine at the start: 8 slots, from the first one on.
 function firstModules(index, model) {
-    const isNameless = index % 40 === 9;
+    const isNameless = index % 41 === 9;
     const bytes = model.gib * kGiB;
     const modules = [];
     for (let slot = 0; slot < 8; slot++) {
@@ -53,7 +53,7 @@ function firstModules(index, model) {
             configuredSpeed: 3200,
         });
     }
-    if (index % 401 === 13) modules[1].serial = modules[0].serial;
+    if (index % 411 === 13) modules[1].serial = modules[0].serial;
     if (model.product === 'Tower' && index % 5 === 0) modules[0].configuredSpeed = 4800;
     return modules;
 }
@@ -65,7 +65,7 @@ function secondModules(index, model) {
     const modules = firstModules(index, model);
     const fresh = () => ({ ...firstModules(index, model)[0], serial: `N${digits(index, 8)}`, configuredSpeed: 3200 });
     const free = modules.indexOf(null);
-    switch (index % 40) {
+    switch (index % 41) {
         case 1: // lost
             modules[0] = null;
             break;
@@ -103,7 +103,7 @@ export class Fleet {
 
     // One image for each machine that is there on that day, 0 or 1.
     isThere(index, day) {
-        return index % 40 !== (day === 0 ? 8 : 7);
+        return index % 41 !== (day === 0 ? 8 : 7);
     }
     nameOf(index) {
         return `${digits(Math.floor(index / 1000), 5)}/m${digits(index, 8)}.bin`;
