@@ -17,8 +17,9 @@ DMI = /sys/firmware/dmi/tables/DMI
 # Uses sudo if only root can read the table.
 AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || echo sudo)
 
-.PHONY: build run test test-long test-machine test-sarif test-report test-metrics test-ansible stub asan tsan coverage \
-	windows test-windows install deb zip bench fuzz format lint hooks clean
+.PHONY: build run test test-long test-machine test-sarif test-report test-metrics test-ansible test-fleet \
+	test-fleet-engines test-fleet-million fleet-program stub asan tsan coverage windows test-windows install deb zip \
+	bench fuzz format lint hooks clean
 .DEFAULT_GOAL := build
 
 build:
@@ -131,6 +132,25 @@ test-ansible:
 	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
 	@cmake --build --preset release --target quorlin_program
 	@Tests/Ansible/run.sh build/release/bin
+
+# The fleet tool: its queries against the truth of a made fleet, kills, shards, and what users see.
+test-fleet: fleet-program
+	@Fleet/test/run.sh build/release/bin build/fleet queries.test.mjs ingest.test.mjs command_line.test.mjs
+
+# The same queries by another engine, which is a large package.
+test-fleet-engines: fleet-program
+	@Fleet/test/run.sh build/release/bin build/fleet engines.test.mjs
+
+# FLEET_TABLES tables a day, with figures. A million take about 20 minutes and 10 GB.
+FLEET_TABLES = 1000000
+test-fleet-million: fleet-program
+	@FLEET_TABLES=$(FLEET_TABLES) Fleet/test/run.sh build/release/bin build/fleet scale.test.mjs
+
+fleet-program:
+	@$(INSTALL) $(BUILD_PACKAGES)
+	@command -v npm >/dev/null || $(INSTALL) nodejs npm
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --target quorlin_program
 
 # Times, then instructions, memory and system calls of whole runs. The best of many short repetitions in random order
 # gives figures that can be compared on a busy machine. Containers of a million entries take minutes; run them with

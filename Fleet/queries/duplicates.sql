@@ -1,4 +1,4 @@
--- UUIDs and serial numbers that more than one machine, or more than one memory module, has on a day.
+-- UUIDs and serial numbers that more than one machine or memory module has on a day.
 WITH candidates AS (
     SELECT 'UUID' AS kind, NULL AS manufacturer, uuid AS value, source
     FROM machines WHERE day = {day}

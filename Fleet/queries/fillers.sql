@@ -1,4 +1,4 @@
--- Identities that firmware was delivered with and nobody replaced, or that are missing, by model, on a day.
+-- Identities that nobody set (fillers and missing ones), by model, on a day.
 WITH candidates AS (
     SELECT 'UUID' AS field, uuid_state AS state, system_manufacturer, system_product
     FROM machines WHERE day = {day}

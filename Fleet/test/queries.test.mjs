@@ -43,25 +43,28 @@ async function equals(expected, ...words) {
     assert.deepEqual(sorted(relative(await query(lake, ...words))), sorted(expected));
 }
 
+const kAtATime = { concurrency: 2 };
 for (const day of [0, 1]) {
     const machines = days[day];
-    test(`queries of ${day === 1 ? 'the newest day' : 'a day'}`, async (t) => {
-        const words = day === 1 ? [] : ['--day', kDates[day]];
-        await t.test('inventory', () => equals(truth.inventory(machines, idOf), ...words, 'inventory'));
-        await t.test('models', () => equals(truth.models(machines), ...words, 'models'));
-        await t.test('firmware', () => equals(truth.firmware(machines), ...words, 'firmware'));
-        await t.test('duplicates', () => equals(truth.duplicates(machines), ...words, 'duplicates'));
-        await t.test('fillers', () => equals(truth.fillers(machines), ...words, 'fillers'));
-        await t.test('outliers', () => equals(truth.outliers(machines, idOf), ...words, 'outliers'));
-        await t.test('findings', async () => {
-            const rows = await query(lake, ...words, 'findings');
-            assert.deepEqual(sorted(without(rows, 'example')), sorted(truth.findings(machines)));
-        });
-        await t.test('find', async () => {
-            const machine = machines.find(({ systemSerial }) => systemSerial === kPlantedSerial);
-            await equals([{ machine_id: idOf(machine), source: machine.name, type: 1, handle: 1, number: 3, string: kPlantedSerial }],
-                ...words, '--text', kPlantedSerial, 'find');
-        });
+    const words = day === 1 ? [] : ['--day', kDates[day]];
+    test(`queries of ${day === 1 ? 'the newest day' : 'a day'}`, kAtATime, async (t) => {
+        await Promise.all([
+            t.test('inventory', () => equals(truth.inventory(machines, idOf), ...words, 'inventory')),
+            t.test('models', () => equals(truth.models(machines), ...words, 'models')),
+            t.test('firmware', () => equals(truth.firmware(machines), ...words, 'firmware')),
+            t.test('duplicates', () => equals(truth.duplicates(machines), ...words, 'duplicates')),
+            t.test('fillers', () => equals(truth.fillers(machines), ...words, 'fillers')),
+            t.test('outliers', () => equals(truth.outliers(machines, idOf), ...words, 'outliers')),
+            t.test('findings', async () => {
+                const rows = await query(lake, ...words, 'findings');
+                assert.deepEqual(sorted(without(rows, 'example')), sorted(truth.findings(machines)));
+            }),
+            t.test('find', () => {
+                const machine = machines.find(({ systemSerial }) => systemSerial === kPlantedSerial);
+                return equals([{ machine_id: idOf(machine), source: machine.name, type: 1, handle: 1, number: 3,
+                    string: kPlantedSerial }], ...words, '--text', kPlantedSerial, 'find');
+            }),
+        ]);
     });
 }
 

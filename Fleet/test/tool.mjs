@@ -4,6 +4,9 @@ import { once } from 'node:events';
 import fs from 'node:fs';
 import path from 'node:path';
 import { fileURLToPath } from 'node:url';
+import { DuckDBInstance } from '@duckdb/node-api';
+import { Lake } from '../lake.mjs';
+import { Views } from '../views.mjs';
 
 export const kTool = fileURLToPath(new URL('../quorlin-fleet', import.meta.url));
 export const kQuorlin = process.env.QUORLIN;
@@ -42,10 +45,21 @@ export async function query(lake, ...words) {
     return JSON.parse(out);
 }
 
-// What a lake has: for each dataset the number of its rows and a sum over them, whatever their order and shard.
-export async function contents(lake) {
-    const datasets = (await query(lake, 'SELECT DISTINCT dataset FROM columns')).map(({ dataset }) => dataset).sort();
-    return query(lake, datasets.map((name) =>
-        `SELECT '${name}' AS dataset, count(*) AS count, sum(CAST(hash(t) AS HUGEINT)) AS sum
-         FROM (SELECT * EXCLUDE (shard) FROM "${name}") t`).join(' UNION ALL '));
+// What a lake has: for each dataset the number of its rows and a sum over them, whatever their order and shard. Null
+// for an empty lake. It reads as query does, without a process of its own, as there are many to read.
+export async function contents(folder) {
+    const lake = new Lake(folder);
+    if (lake.parts('machines').length === 0) return null;
+    const instance = await DuckDBInstance.create(':memory:');
+    const connection = await instance.connect();
+    const views = new Views(connection, lake);
+    await views.readNames();
+    const selects = views.names().filter((name) => !['columns', 'identities'].includes(name)).map((name) =>
+        `SELECT '${name}', count(*), sum(CAST(hash(t) AS HUGEINT)) FROM (SELECT * EXCLUDE (shard) FROM "${name}") t`);
+    const statement = selects.join(' UNION ALL ');
+    await views.make(statement);
+    const rows = (await connection.runAndReadAll(statement)).getRows();
+    connection.closeSync();
+    instance.closeSync();
+    return rows.map((row) => row.map(String));
 }
