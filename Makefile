@@ -135,16 +135,17 @@ test-ansible:
 
 # The fleet tool: its queries against the truth of a made fleet, kills, shards, and what users see.
 test-fleet: fleet-program
-	@Fleet/test/run.sh build/release/bin build/fleet queries.test.mjs ingest.test.mjs command_line.test.mjs
+	@Fleet/test/run.sh build/release/bin build/fleet node --test --test-reporter=spec \
+		test/queries.test.mjs test/ingest.test.mjs test/command_line.test.mjs
 
 # The same queries by another engine, which is a large package.
 test-fleet-engines: fleet-program
-	@Fleet/test/run.sh build/release/bin build/fleet engines.test.mjs
+	@Fleet/test/run.sh build/release/bin build/fleet node --test --test-reporter=spec test/engines.test.mjs
 
 # FLEET_TABLES tables a day, with figures. A million take about 20 minutes and 10 GB.
 FLEET_TABLES = 1000000
 test-fleet-million: fleet-program
-	@FLEET_TABLES=$(FLEET_TABLES) Fleet/test/run.sh build/release/bin build/fleet scale.test.mjs
+	@Fleet/test/run.sh build/release/bin build/fleet node test/scale.mjs $(FLEET_TABLES)
 
 fleet-program:
 	@$(INSTALL) $(BUILD_PACKAGES)

@@ -23,6 +23,7 @@ Usage: quorlin-fleet query --lake LAKE [OPTIONS] NAME|SQL
 
   --lake LAKE      The lake's folder
   --format FORMAT  table (for people), json or csv (default: table)
+  --print          Print the SQL of a ready-made query, for other engines, and don't run it
 ${Object.entries(kParameters).map(([name, help]) => `  --${`${name} ${name.toUpperCase()}`.padEnd(15)}${help}\n`).join('')}
 Ready-made queries:
 ${[...kNamed].map(([name, { help }]) => `  ${name.padEnd(17)}${help}\n`).join('')}
@@ -33,6 +34,7 @@ view identities tells which machine an image is of: day, record, machine_id.
 const kOptions = {
     lake: { type: 'string' },
     format: { type: 'string', default: 'table' },
+    print: { type: 'boolean', default: false },
     ...Object.fromEntries(Object.keys(kParameters).map((name) => [name, { type: 'string' }])),
 };
 const kMemory = '1GB';
@@ -97,6 +99,7 @@ export async function query(words) {
                 views.names().join(', '));
         }
         statement = statementOf(statement, valuesOf(parameters, options, views.days()));
+        if (options.print) return void process.stdout.write(statement);
         await views.make(statement);
         await writeResult(await run(connection, statement), options.format);
     } finally {

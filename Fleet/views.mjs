@@ -1,28 +1,10 @@
-// The lake as views of DuckDB, made when a statement names them.
+// The lake as views of DuckDB, made when a statement names them. The files views/NAME.sql and the ready-made queries are in
+// SQL that Spark, Trino and ClickHouse take, too.
+import fs from 'node:fs';
 import * as sql from './sql.mjs';
 
-// Serial numbers as one text. Escaping keeps different ones different.
-const escaped = (column) => `replace(replace(coalesce(${column}, ''), '%', '%25'), '/', '%2F')`;
-
-// Which machine an image is of: see README.md. This and the queries are in SQL that Spark, Trino and ClickHouse take.
-const kShared = `
-    SELECT uuid FROM machines WHERE uuid IS NOT NULL GROUP BY uuid
-    HAVING min(system_serial_number) <> max(system_serial_number)
-        OR (count(system_serial_number) = 0 AND min(board_serial_number) <> max(board_serial_number))
-        OR (count(system_serial_number) = 0 AND count(board_serial_number) = 0
-            AND min(chassis_serial_number) <> max(chassis_serial_number))`;
-const kHasUuid = 'm.uuid IS NOT NULL AND s.uuid IS NULL';
-const kHasSerial = 'coalesce(m.system_serial_number, m.board_serial_number, m.chassis_serial_number) IS NOT NULL';
-const kIdentities = `
-    SELECT m.day, m.record,
-           CASE WHEN ${kHasUuid} THEN 'uuid:' || m.uuid
-                WHEN ${kHasSerial} THEN 'serial:' || ${escaped('coalesce(m.system_manufacturer, m.board_manufacturer)')}
-                    || '/' || ${escaped('m.system_serial_number')} || '/' || ${escaped('m.board_serial_number')}
-                    || '/' || ${escaped('m.chassis_serial_number')}
-                ELSE 'table:' || m.table_sha256 END AS machine_id,
-           CASE WHEN ${kHasUuid} THEN 'uuid' WHEN ${kHasSerial} THEN 'serial' ELSE 'table' END AS identified_by
-    FROM machines m LEFT JOIN (${kShared}) s ON m.uuid = s.uuid`;
-export const kDerived = { identities: kIdentities };
+const read = (name) => fs.readFileSync(new URL(`views/${name}.sql`, import.meta.url), 'utf8');
+const kDerived = { identities: read('identities') };
 
 // The words of a statement that may be names.
 const wordsOf = (statement) => new Set(statement.toLowerCase().match(/\w+/g));

@@ -18,14 +18,18 @@ modules AS (
     WHERE day IN ({from}, {to}) AND memory_size > 0
 ),
 old_modules AS (
-    SELECT u.machine_id, v.record AS other_record, m.*
+    SELECT u.machine_id AS machine_id, v.record AS other_record, m.record AS record, m.slot AS slot,
+           m.manufacturer AS manufacturer, m.serial_number AS serial_number, m.part_number AS part_number,
+           m.memory_size AS memory_size, m.module AS module
     FROM modules m
     JOIN unique_machines u ON u.record = m.record AND u.day = {from}
     LEFT JOIN unique_machines v ON v.machine_id = u.machine_id AND v.day = {to}
     WHERE m.day = {from}
 ),
 new_modules AS (
-    SELECT u.machine_id, v.record AS other_record, m.*
+    SELECT u.machine_id AS machine_id, v.record AS other_record, m.record AS record, m.slot AS slot,
+           m.manufacturer AS manufacturer, m.serial_number AS serial_number, m.part_number AS part_number,
+           m.memory_size AS memory_size, m.module AS module
     FROM modules m
     JOIN unique_machines u ON u.record = m.record AND u.day = {to}
     LEFT JOIN unique_machines v ON v.machine_id = u.machine_id AND v.day = {from}
@@ -62,14 +66,18 @@ new_ones AS (
     FROM come c
     LEFT JOIN moved m ON m.manufacturer = c.manufacturer AND m.serial_number = c.serial_number AND m.place = c.place
     WHERE m.place IS NULL AND c.other_record IS NOT NULL
+),
+changes AS (
+    SELECT 'moved' AS change, from_machine AS machine_id, from_slot AS slot, manufacturer, serial_number, part_number,
+           memory_size, to_machine AS new_machine_id, to_slot AS new_slot, NULL AS new_manufacturer,
+           NULL AS new_serial_number, NULL AS new_part_number, NULL AS new_memory_size
+    FROM moved
+    UNION ALL
+    SELECT CASE WHEN n.machine_id IS NULL THEN 'lost' WHEN g.machine_id IS NULL THEN 'added' ELSE 'replaced' END,
+           coalesce(g.machine_id, n.machine_id), coalesce(g.slot, n.slot), g.manufacturer, g.serial_number,
+           g.part_number, g.memory_size, NULL, NULL, n.manufacturer, n.serial_number, n.part_number, n.memory_size
+    FROM gone_for_good g FULL JOIN new_ones n ON n.machine_id = g.machine_id AND n.slot = g.slot AND n.turn = g.turn
 )
-SELECT 'moved' AS change, from_machine AS machine_id, from_slot AS slot, manufacturer, serial_number, part_number,
-       memory_size, to_machine AS new_machine_id, to_slot AS new_slot, NULL AS new_manufacturer,
-       NULL AS new_serial_number, NULL AS new_part_number, NULL AS new_memory_size
-FROM moved
-UNION ALL
-SELECT CASE WHEN n.machine_id IS NULL THEN 'lost' WHEN g.machine_id IS NULL THEN 'added' ELSE 'replaced' END,
-       coalesce(g.machine_id, n.machine_id), coalesce(g.slot, n.slot), g.manufacturer, g.serial_number, g.part_number,
-       g.memory_size, NULL, NULL, n.manufacturer, n.serial_number, n.part_number, n.memory_size
-FROM gone_for_good g FULL JOIN new_ones n ON n.machine_id = g.machine_id AND n.slot = g.slot AND n.turn = g.turn
+SELECT *
+FROM changes
 ORDER BY change, machine_id, slot, serial_number, new_serial_number

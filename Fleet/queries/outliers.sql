@@ -27,17 +27,17 @@ levels AS (
     GROUP BY system_manufacturer, system_product, property, value
 ),
 totals AS (
-    SELECT system_manufacturer, system_product, property, sum(machines) AS machines
+    SELECT system_manufacturer, system_product, property, sum(machines) AS total
     FROM levels
     GROUP BY system_manufacturer, system_product, property
     HAVING sum(machines) >= 3
 ),
 majorities AS (
-    SELECT l.system_manufacturer, l.system_product, l.property, l.value, l.machines, t.machines AS total
+    SELECT l.system_manufacturer, l.system_product, l.property, l.value, l.machines, t.total AS total
     FROM levels l JOIN totals t
       ON t.system_manufacturer = l.system_manufacturer AND t.system_product = l.system_product
      AND t.property = l.property
-    WHERE l.value IS NOT NULL AND l.machines * 2 > t.machines
+    WHERE l.value IS NOT NULL AND l.machines * 2 > t.total
 )
 SELECT i.machine_id, p.system_manufacturer, p.system_product, p.property, p.value, a.value AS majority,
        a.machines AS majority_machines, a.total AS model_machines

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs tests of quorlin-fleet in a folder of their own, with the packages of the lock files.
+# Runs a command in a copy of the fleet tool with the packages of its lock file.
 #
-#     run.sh BIN FOLDER TEST...    BIN has quorlin; a TEST is a file here
+#     run.sh BIN FOLDER COMMAND...    BIN has quorlin; FOLDER gets the copy
 set -euo pipefail
 QUORLIN=$(realpath "$1")/quorlin
 here=$(cd "$(dirname "$0")" && pwd)
@@ -18,14 +18,12 @@ install() {
     (cd "$2" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error)
     cp "$2/package-lock.json" "$2/installed"
 }
-install "$here/.." "$folder"
 cd "$here/.."
-rm -rf "$folder"/{test,queries,scratch} "$folder"/*.mjs
-cp -R test queries ./*.mjs quorlin-fleet "$folder"
+rm -rf "$folder"/{test,queries,views,scratch} "$folder"/*.mjs
+install . "$folder"
+if [[ "$*" == *engines* ]]; then install test/engines "$folder/engines"; fi
+cp -R test queries views ./*.mjs quorlin-fleet README.md "$folder"
 mkdir "$FLEET_SCRATCH"
 cd "$folder"
-if [ -f test/engines/package.json ]; then for test in "$@"; do
-    if [ "$test" = engines.test.mjs ]; then install test/engines "$folder/engines"; fi
-done; fi
-node --test --test-reporter=spec "${@/#/test/}"
+"$@"
 rm -rf "$FLEET_SCRATCH"
