@@ -40,6 +40,9 @@ const kOptions = {
     quorlin: { type: 'string', default: 'quorlin' },
 };
 const kMemory = '512MB';
+const kNamesMark = 'quorlin_fleet_names'; // in the metadata of machines: the hash of the names
+
+const say = (line) => process.stderr.write(`${line}\n`);
 
 function parseShard(text) {
     const [, number, count] = /^(\d+)\/(\d+)$/.exec(text)?.map(Number) ?? [];
@@ -51,10 +54,11 @@ function parseShard(text) {
 // A time as SQL's text of a timestamp in UTC.
 function parseTime(text) {
     const form = /^\d{4}-\d\d-\d\d([T ]\d\d:\d\d(:\d\d(\.\d{1,6})?)?(Z|[+-]\d\d:\d\d)?)?$/;
-    const hasZone = /(Z|[+-]\d\d:\d\d)$/.test(text.slice(10));
-    const time = form.test(text) ? new Date(text.length > 10 && !hasZone ? `${text.replace(' ', 'T')}Z` : text.replace(' ', 'T')) : NaN;
-    // The clock of Date turns 30 February into 1 or 2 March.
-    const isDay = !Number.isNaN(+time) && new Date(`${text.slice(0, 10)}T00:00Z`).toISOString().startsWith(text.slice(0, 10));
+    const day = text.slice(0, 10), clock = text.slice(11) || '00:00';
+    const hasZone = /(Z|[+-]\d\d:\d\d)$/.test(clock);
+    const time = new Date(`${day}T${clock}${hasZone ? '' : 'Z'}`);
+    // Date would take 30 February for a day in March.
+    const isDay = form.test(text) && !Number.isNaN(+time) && new Date(`${day}T00:00Z`).toISOString().startsWith(day);
     if (!isDay) throw new BadUsage(`--at: '${text}' is not a time such as 2026-11-26T06:30:00Z`);
     return time.toISOString().replace('T', ' ').replace('Z', '');
 }
@@ -108,9 +112,11 @@ class Shard {
         const finished = new Map();
         if (JSON.stringify(before) === JSON.stringify(plan)) {
             for (const batch of namesIn(this.path('done')))
-                if (!batch.endsWith('.new')) finished.set(batch, JSON.parse(fs.readFileSync(this.path('done', batch), 'utf8')));
+                if (!batch.endsWith('.new'))
+                    finished.set(batch, JSON.parse(fs.readFileSync(this.path('done', batch), 'utf8')));
         } else {
-            for (const name of ['plan.json', 'tree', 'done']) fs.rmSync(this.path(name), { recursive: true, force: true });
+            for (const name of ['plan.json', 'tree', 'done'])
+                fs.rmSync(this.path(name), { recursive: true, force: true });
         }
         fs.rmSync(this.path('rows'), { recursive: true, force: true });
         for (const name of ['tree', 'done', 'rows']) fs.mkdirSync(this.path(name), { recursive: true });
@@ -225,7 +231,7 @@ async function placedNames(lake, part) {
     const connection = await instance.connect();
     try {
         const reader = await connection.runAndReadAll(
-            `SELECT decode(value) FROM parquet_kv_metadata(${sql.text(file)}) WHERE decode(key) = 'quorlin_fleet_names'`);
+            `SELECT decode(value) FROM parquet_kv_metadata(${sql.text(file)}) WHERE decode(key) = '${kNamesMark}'`);
         return reader.getRows()[0]?.[0] ?? '';
     } finally {
         connection.closeSync();
@@ -237,10 +243,11 @@ async function placedNames(lake, part) {
 function refuseOtherShards(lake, { day }, count) {
     const staged = namesIn(path.join(lake.folder, kStaging))
         .map((name) => /^day=(.{10}),shard=(\d+-of-\d+)$/.exec(name)).filter((match) => match)
-        .map(([, itsDay, shard]) => ({ day: itsDay, shard }));
+        .map(([, itsDay, shard]) => ({ day: itsDay, shard, where: ', unfinished in .staging' }));
     const other = [...lake.parts('machines'), ...staged]
         .find((part) => part.day === day && Number(part.shard.split('-of-')[1]) !== count);
-    if (other) throw new Failure(`${day} is being kept in another number of shards: there is ${other.shard}`);
+    if (!other) return;
+    throw new Failure(`${day} is kept in another number of shards: there is ${other.shard}${other.where ?? ''}`);
 }
 
 async function runBatches(shard, names, plan, finished, options, workers) {
@@ -258,7 +265,7 @@ async function runBatches(shard, names, plan, finished, options, workers) {
         threads: String(Math.min(workers, 4)), memory_limit: kMemory, temp_directory: temporary,
         preserve_insertion_order: 'false', autoinstall_known_extensions: 'false',
     });
-    const loader = new Loader(shard.path('tree'), plan.at, { quorlin_fleet_names: names.sha256 });
+    const loader = new Loader(shard.path('tree'), plan.at, { [kNamesMark]: names.sha256 });
     let failure = null;
     const work = async () => {
         const connection = await instance.connect();
@@ -268,7 +275,8 @@ async function runBatches(shard, names, plan, finished, options, workers) {
             const rows = shard.path('rows', `${batch}.${process.pid}`);
             try {
                 shard.clearBatch(batch);
-                await writeRows(options.quorlin, bytesOf(shard.path('names'), names.starts[index], names.starts[index + 1]), rows);
+                const [from, to] = names.starts.slice(index, index + 2);
+                await writeRows(options.quorlin, bytesOf(shard.path('names'), from, to), rows);
                 const counts = await loader.load(connection, rows, batch);
                 shard.finishBatch(batch, counts);
                 finished.set(batch, counts);
@@ -293,7 +301,7 @@ export async function ingest(words) {
     const lake = new Lake(required(options, 'out'));
     const shardOption = parseShard(options.shard);
     const workers = positive(options, 'workers', 1024);
-    const plan = { batch: positive(options, 'batch', 1_000_000), at: options.at === undefined ? undefined : parseTime(options.at) };
+    const plan = { batch: positive(options, 'batch', 1_000_000), at: options.at && parseTime(options.at) };
     const day = (plan.at ?? new Date().toISOString()).slice(0, 10);
     const part = { day, shard: `${shardOption.number}-of-${shardOption.count}` };
     for (const signal of ['SIGINT', 'SIGTERM']) process.once(signal, endWith);
@@ -318,7 +326,7 @@ export async function ingest(words) {
             if (shard.plan() === null) shard.remove();
             if (placed !== names.sha256)
                 throw new Failure(`${day} has other images in shard ${part.shard}; --replace takes these instead`);
-            process.stderr.write(`${day}, shard ${part.shard} is in the lake already; --replace reads the images again\n`);
+            say(`${day}, shard ${part.shard} is in the lake already; --replace reads the images again`);
             return;
         }
         plan.names = names.sha256;
@@ -328,8 +336,8 @@ export async function ingest(words) {
         const sum = (key) => [...finished.values()].reduce((total, counts) => total + counts[key], 0);
         const tables = sum('machines');
         const perTable = tables === 0 ? '' : `, ${Math.round(sum('bytes') / tables)} bytes a table`;
-        process.stderr.write(`${day}, shard ${part.shard}: ${tables} tables, ${sum('rejects')} rejects, `
-            + `${Math.round(progress.rate())} images a second${perTable}\n`);
+        say(`${day}, shard ${part.shard}: ${tables} tables, ${sum('rejects')} rejects, ` +
+            `${Math.round(progress.rate())} images a second${perTable}`);
     } finally {
         unlock();
     }

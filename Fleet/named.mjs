@@ -19,5 +19,5 @@ export const kNamed = new Map(fs.readdirSync(kFolder).filter((file) => file.ends
 // The statement with its parameters as literals: then only files of the days that it names are read.
 export function statementOf(statement, values) {
     if (Object.keys(values).length === 0) return statement;
-    return statement.replace(kParameter, (_, name) => name === 'text' ? sql.text(values[name]) : sql.date(values[name]));
+    return statement.replace(kParameter, (_, name) => (name === 'text' ? sql.text : sql.date)(values[name]));
 }

@@ -16,6 +16,8 @@ const kParameters = {
     text: 'What find looks for',
 };
 
+const helpLine = (what, help) => `  ${what.padEnd(17)}${help}\n`;
+
 export const kQueryHelp = () => `Queries a lake. Nothing is written into it.
 Usage: quorlin-fleet query --lake LAKE [OPTIONS] NAME|SQL
 
@@ -24,9 +26,9 @@ Usage: quorlin-fleet query --lake LAKE [OPTIONS] NAME|SQL
   --lake LAKE      The lake's folder
   --format FORMAT  table (for people), json or csv (default: table)
   --print          Print the SQL of a ready-made query, for other engines, and don't run it
-${Object.entries(kParameters).map(([name, help]) => `  --${`${name} ${name.toUpperCase()}`.padEnd(15)}${help}\n`).join('')}
+${Object.entries(kParameters).map(([name, help]) => helpLine(`--${name} ${name.toUpperCase()}`, help)).join('')}
 Ready-made queries:
-${[...kNamed].map(([name, { help }]) => `  ${name.padEnd(17)}${help}\n`).join('')}
+${[...kNamed].map(([name, { help }]) => helpLine(name, help)).join('')}
 Datasets: machines, strings, findings, rejects, columns, and one for each structure type, such as memory_device. The
 view identities tells which machine an image is of: day, record, machine_id.
 `;
@@ -95,8 +97,8 @@ export async function query(words) {
             const name = statement.trim().toLowerCase();
             if (kNamed.has(name)) ({ statement, parameters } = kNamed.get(name));
             else if (views.names().includes(name)) statement = `SELECT * FROM "${name}"`;
-            else throw new BadUsage(`no query or dataset is called '${name}'; there are ${[...kNamed.keys()].join(', ')}, ` +
-                views.names().join(', '));
+            else throw new BadUsage(`no query or dataset is called '${name}'; there are ` +
+                [...kNamed.keys(), ...views.names()].join(', '));
         }
         statement = statementOf(statement, valuesOf(parameters, options, views.days()));
         if (options.print) return void process.stdout.write(statement);

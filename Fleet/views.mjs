@@ -1,5 +1,5 @@
-// The lake as views of DuckDB, made when a statement names them. The files views/NAME.sql and the ready-made queries are in
-// SQL that Spark, Trino and ClickHouse take, too.
+// The lake as views of DuckDB, made when a statement names them. The files views/NAME.sql and the ready-made queries
+// are in SQL that Spark, Trino and ClickHouse take, too.
 import fs from 'node:fs';
 import * as sql from './sql.mjs';
 

@@ -20,7 +20,8 @@ function statements(lake, datasets) {
     const view = all.find((text) => text.startsWith('CREATE VIEW machines'));
     const others = all.filter((text) => !text.startsWith('CREATE VIEW'));
     const identities = fs.readFileSync(path.join(top, 'views/identities.sql'), 'utf8');
-    return [...others, ...datasets.map((name) => view.replaceAll('machines', name)), `CREATE VIEW identities AS ${identities}`];
+    const views = datasets.map((name) => view.replaceAll('machines', name));
+    return [...others, ...views, `CREATE VIEW identities AS ${identities}`];
 }
 
 // One form of the values of both.
@@ -31,16 +32,17 @@ test('the same answers by ClickHouse', async (t) => {
     const folder = scratch('engines');
     const lake = path.join(folder, 'lake');
     for (const day of [0, 1]) {
-        generate(path.join(folder, String(day)), new Fleet(1000), day);
-        fs.writeFileSync(path.join(folder, String(day), 'empty.bin'), '');
+        const images = path.join(folder, String(day));
+        generate(images, new Fleet(1000), day);
+        fs.writeFileSync(path.join(images, 'empty.bin'), '');
         for (const shard of ['1/2', '2/2'])
-            await ingest(lake, '--at', `2026-11-2${day}T12:30:00`, '--shard', shard, '--batch', '200', path.join(folder, String(day)));
+            await ingest(lake, '--at', `2026-11-2${day}T12:30:00`, '--shard', shard, '--batch', '200', images);
     }
     const session = new Session(path.join(folder, 'clickhouse'));
     t.after(() => session.cleanup());
     const datasets = fs.readdirSync(lake).filter((name) => !name.startsWith('.'));
     for (const statement of statements(lake, datasets)) session.query(statement);
-    const ask = (statement) => session.query(statement, 'JSONCompactEachRow').trim().split('\n').map((line) => JSON.parse(line));
+    const ask = (statement) => JSON.parse(session.query(statement, 'JSONCompact')).data;
 
     const names = fs.readdirSync(path.join(top, 'queries')).map((file) => file.slice(0, -4));
     for (const name of names)
@@ -52,7 +54,8 @@ test('the same answers by ClickHouse', async (t) => {
             assert.deepEqual(sorted(ask(out)), sorted(rows.map(Object.values)));
         });
     await t.test('datasets', async () => {
-        const statement = datasets.map((name) => `SELECT '${name}' AS dataset, count(*) AS count FROM "${name}"`).join(' UNION ALL ');
+        const counts = datasets.map((name) => `SELECT '${name}' AS dataset, count(*) AS count FROM "${name}"`);
+        const statement = counts.join(' UNION ALL ');
         assert.deepEqual(sorted(ask(statement)), sorted((await query(lake, statement)).map(Object.values)));
     });
 });

@@ -6,7 +6,7 @@ const kGiB = 2 ** 30;
 // Three firmware levels each, and how many of eight slots have a module.
 const kModels = [
     { maker: 'Alder Systems', product: 'A100', sockets: 2, cores: 16, modules: 8, gib: 16, chassis: 0x17 },
-    { maker: 'Alder Systems', product: 'A200 "quoted", with comma', sockets: 2, cores: 32, modules: 4, gib: 32, chassis: 0x17 },
+    { maker: 'Alder Systems', product: 'A "2", new', sockets: 2, cores: 32, modules: 4, gib: 32, chassis: 0x17 },
     { maker: 'Birch Computing', product: 'Blade 7', sockets: 1, cores: 24, modules: 4, gib: 32, chassis: 0x1c },
     { maker: 'Cedar GmbH & Co', product: 'Tower', sockets: 1, cores: 8, modules: 4, gib: 8, chassis: 0x07 },
     { maker: 'Cedar GmbH & Co', product: 'A100', sockets: 1, cores: 4, modules: 8, gib: 8, chassis: 0x03 },
@@ -53,7 +53,7 @@ function firstModules(index, model) {
             configuredSpeed: 3200,
         });
     }
-    if (index % 411 === 13) modules[1].serial = modules[0].serial;
+    if (index % 401 === 13) modules[1].serial = modules[0].serial;
     if (model.product === 'Tower' && index % 5 === 0) modules[0].configuredSpeed = 4800;
     return modules;
 }
@@ -142,7 +142,8 @@ export class Fleet {
             processors,
             cores: processors * model.cores,
             threads: processors * model.cores * 2,
-            slots: modules.map((module, slot) => ({ locator: `DIMM ${'ABCDEFGH'[slot]}`, bank: `Bank ${slot >> 2}`, module })),
+            slots: modules.map((module, slot) =>
+                ({ locator: `DIMM ${'ABCDEFGH'[slot]}`, bank: `Bank ${slot >> 2}`, module })),
             memoryModules: installed.length,
             memoryBytes: installed.reduce((sum, module) => sum + module.bytes, 0),
         };

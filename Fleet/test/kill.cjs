@@ -9,7 +9,8 @@ const { syncBuiltinESMExports } = require('node:module');
 function kindOf(operation, words) {
     const names = words.filter((word) => typeof word === 'string')
         .map((word) => word.replace(/^.*\.staging\/?/, '~/').replace(/^.*\/lake\//, 'lake/')
-            .replace(/day=[\d-]+,shard=\d+-of-\d+/, 'SHARD').replace(/day=[\d-]+/, 'DAY').replace(/shard=\d+-of-\d+/, 'K')
+            .replace(/day=[\d-]+,shard=\d+-of-\d+/, 'SHARD')
+            .replace(/day=[\d-]+/, 'DAY').replace(/shard=\d+-of-\d+/, 'K')
             .replace(/\d{6}(\.\d+)?/, 'BATCH').replace(/(tree|lake|old|BATCH)\/(?!machines)[a-z_]+/, '$1/DATASET'));
     return [operation, ...names].join(' ');
 }

@@ -24,14 +24,14 @@ before(async () => {
     for (const day of [0, 1]) {
         const images = path.join(folder, String(day));
         generate(images, kFleet, day);
-        if (day === 1) for (const [name, [content]] of Object.entries(kRejects)) fs.writeFileSync(path.join(images, name), content);
+        const rejects = day === 1 ? Object.entries(kRejects) : [];
+        for (const [name, [content]] of rejects) fs.writeFileSync(path.join(images, name), content);
         await ingest(lake, '--at', kDates[day], '--batch', '300', images);
     }
 });
 
 // Rows that don't depend on the folder, and that sort alike.
 const sorted = (rows) => rows.map((row) => JSON.stringify(row)).sort();
-const without = (rows, ...columns) => rows.map((row) => Object.fromEntries(Object.entries(row).filter(([key]) => !columns.includes(key))));
 function relative(rows) {
     const strip = (value) => typeof value === 'string' && value.startsWith(folder) ? value.slice(folder.length + 3)
         : typeof value === 'string' && value.startsWith('table:') ? 'table:' : value;
@@ -57,7 +57,7 @@ for (const day of [0, 1]) {
             t.test('outliers', () => equals(truth.outliers(machines, idOf), ...words, 'outliers')),
             t.test('findings', async () => {
                 const rows = await query(lake, ...words, 'findings');
-                assert.deepEqual(sorted(without(rows, 'example')), sorted(truth.findings(machines)));
+                assert.deepEqual(sorted(rows.map(({ example, ...row }) => row)), sorted(truth.findings(machines)));
             }),
             t.test('find', () => {
                 const machine = machines.find(({ systemSerial }) => systemSerial === kPlantedSerial);
@@ -80,21 +80,24 @@ test('modules, forwards and backwards', async (t) => {
 });
 
 test('days', async () => {
-    assert.deepEqual(await query(lake, 'days'), days.map((machines, day) => ({
-        day: kDates[day], shards: 1, machines: machines.length, first_at: `${kDates[day]} 00:00:00`, last_at: `${kDates[day]} 00:00:00`,
-    })));
+    const expected = days.map((machines, day) => ({ day: kDates[day], shards: 1, machines: machines.length,
+        first_at: `${kDates[day]} 00:00:00`, last_at: `${kDates[day]} 00:00:00` }));
+    assert.deepEqual(await query(lake, 'days'), expected);
 });
 
 test('rejects are exact', async () => {
     const rows = await query(lake, 'SELECT source, reason, CAST(day AS VARCHAR) AS day FROM rejects ORDER BY source');
-    assert.deepEqual(rows.map(({ source, day }) => [path.basename(source), day]), Object.keys(kRejects).map((name) => [name, kDates[1]]));
+    assert.deepEqual(rows.map(({ source }) => path.basename(source)), Object.keys(kRejects));
+    assert.ok(rows.every(({ day }) => day === kDates[1]));
     rows.forEach(({ reason }, place) => assert.match(reason, new RegExp(Object.values(kRejects)[place][1])));
 });
 
 test('typed columns', async () => {
     const modules = days[1].flatMap(({ slots }) => slots);
-    const [row] = await query(lake, `SELECT count(*) AS slots, sum(memory_size) AS bytes, count(serial_number) AS serials
-                                     FROM memory_device WHERE day = DATE '${kDates[1]}'`);
-    assert.deepEqual(row, { slots: modules.length, bytes: modules.reduce((sum, { module }) => sum + (module?.bytes ?? 0), 0),
-        serials: modules.filter(({ module }) => module?.serial).length });
+    const [row] = await query(lake, `
+        SELECT count(*) AS slots, sum(memory_size) AS bytes, count(serial_number) AS serials
+        FROM memory_device WHERE day = DATE '${kDates[1]}'`);
+    const bytes = modules.reduce((sum, { module }) => sum + (module?.bytes ?? 0), 0);
+    const serials = modules.filter(({ module }) => module?.serial).length;
+    assert.deepEqual(row, { slots: modules.length, bytes, serials });
 });

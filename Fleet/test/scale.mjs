@@ -95,7 +95,8 @@ async function lakeTotals(lake, day) {
     const date = `day = DATE '${kDates[day]}'`;
     const [row] = await query(lake, `
         SELECT m.machines, d.slots, d.modules, d.bytes, p.processors, m.cores, m.uuids, m.serials
-        FROM (SELECT count(*) AS machines, sum(cores) AS cores, count(uuid) AS uuids, count(system_serial_number) AS serials
+        FROM (SELECT count(*) AS machines, sum(cores) AS cores, count(uuid) AS uuids,
+                     count(system_serial_number) AS serials
               FROM machines WHERE ${date}) m,
              (SELECT count(*) AS slots, count(memory_size) AS modules, sum(memory_size) AS bytes
               FROM memory_device WHERE ${date}) d,
@@ -110,21 +111,24 @@ checkSpace();
 const folder = scratch('scale');
 const lake = path.join(folder, 'lake'), images = path.join(folder, 'images');
 for (const day of [0, 1]) {
+    // Files that are overwritten go to the disk at once, which takes far longer.
+    fs.rmSync(images, { recursive: true, force: true });
     const start = performance.now();
     const made = generate(images, fleet, day);
-    for (let index = 0; index < count; index++)
-        if (!fleet.isThere(index, day)) fs.rmSync(path.join(images, fleet.nameOf(index)), { force: true });
     const seconds = (performance.now() - start) / 1000;
-    report(`day ${day + 1}: images made`, made.count, `${Math.round(made.bytes / made.count)} bytes each, ${seconds.toFixed(0)} s`);
+    const name = `day ${day + 1}`;
+    const each = Math.round(made.bytes / made.count);
+    report(`${name}: images made`, made.count, `${each} bytes each, ${seconds.toFixed(0)} s`);
 
     const before = fs.existsSync(lake) ? sizeOf(lake) : { bytes: 0, files: 0 };
     const run = await measure(ingestWords(lake, ['--workers', '2', '--at', kDates[day], images]));
     const after = sizeOf(lake);
     const peaks = tenths(run.samples);
-    report(`day ${day + 1}: ingested`, made.count, `${run.seconds.toFixed(1)} s, ${Math.round(made.count / run.seconds)} tables a second`);
-    report(`day ${day + 1}: Parquet`, after.bytes - before.bytes,
+    const rate = Math.round(made.count / run.seconds);
+    report(`${name}: ingested`, made.count, `${run.seconds.toFixed(1)} s, ${rate} tables a second`);
+    report(`${name}: Parquet`, after.bytes - before.bytes,
         `${((after.bytes - before.bytes) / made.count).toFixed(0)} bytes a table, ${after.files - before.files} files`);
-    report(`day ${day + 1}: peak memory`, `${mib(peak(peaks))} MiB`, `by tenths of the run: ${peaks.map(mib).join(', ')}`);
+    report(`${name}: peak memory`, `${mib(peak(peaks))} MiB`, `by tenths of the run: ${peaks.map(mib).join(', ')}`);
     assert.ok(peak(peaks) <= kMostMemory, 'ingest takes at most 2 GiB');
     if (count >= 100_000)
         assert.ok(peak(peaks.slice(5)) <= 1.5 * peak(peaks.slice(0, 5)), 'the memory of ingest is flat');
@@ -132,7 +136,7 @@ for (const day of [0, 1]) {
     assert.deepEqual(await query(lake, 'SELECT count(*) AS rejects FROM rejects'), [{ rejects: 0 }]);
 }
 const found = await query(lake, '--text', kPlantedSerial, 'find');
-assert.deepEqual(found.map(({ source, type }) => [path.relative(images, source), type]), [[fleet.nameOf(fleet.planted), 1]]);
+assert.deepEqual(found.map(({ source }) => path.relative(images, source)), [fleet.nameOf(fleet.planted)]);
 
 for (const file of fs.readdirSync(new URL('../queries/', import.meta.url)).sort()) {
     const name = file.slice(0, -4);

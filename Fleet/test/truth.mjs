@@ -57,25 +57,25 @@ function modulesOf(machine) {
 
 export function duplicates(machines) {
     const candidates = machines.flatMap((machine) => [
-        { kind: 'UUID', manufacturer: null, value: machine.uuid, source: machine.name },
-        { kind: 'system serial number', manufacturer: machine.maker, value: machine.systemSerial, source: machine.name },
-        { kind: 'board serial number', manufacturer: machine.maker, value: machine.boardSerial, source: machine.name },
-        { kind: 'chassis serial number', manufacturer: machine.maker, value: machine.chassisSerial, source: machine.name },
-        ...modulesOf(machine).map(({ maker, serial }) =>
-            ({ kind: 'memory module serial number', manufacturer: maker, value: serial, source: machine.name })),
-    ]);
+        ['UUID', null, machine.uuid],
+        ['system serial number', machine.maker, machine.systemSerial],
+        ['board serial number', machine.maker, machine.boardSerial],
+        ['chassis serial number', machine.maker, machine.chassisSerial],
+        ...modulesOf(machine).map(({ maker, serial }) => ['memory module serial number', maker, serial]),
+    ].map(([kind, manufacturer, value]) => ({ kind, manufacturer, value, source: machine.name })));
     return groups(candidates.filter(({ value }) => value !== null), (c) => [c.kind, c.manufacturer, c.value])
         .filter((its) => its.length > 1).map((its) => {
             const sources = its.map(({ source }) => source).sort();
-            const { kind, manufacturer, value } = its[0];
-            return { kind, manufacturer, value, uses: its.length, first_source: sources[0], last_source: sources.at(-1) };
+            const { source, ...what } = its[0];
+            return { ...what, uses: its.length, first_source: sources[0], last_source: sources.at(-1) };
         });
 }
 
 export function collisions(days, dates, idOf) {
     const rows = days.flatMap((machines, day) => machines.map((machine) => ({ ...machine, date: dates[day] })))
         .filter((machine) => machine.uuid !== null && !idOf(machine).startsWith('uuid:'));
-    return groups(rows, (m) => [m.uuid, m.systemSerial, m.boardSerial, m.chassisSerial, m.maker, m.product]).map((its) => ({
+    const keyOf = (m) => [m.uuid, m.systemSerial, m.boardSerial, m.chassisSerial, m.maker, m.product];
+    return groups(rows, keyOf).map((its) => ({
         uuid: its[0].uuid, ...model(its[0]), system_serial_number: its[0].systemSerial,
         board_serial_number: its[0].boardSerial, chassis_serial_number: its[0].chassisSerial, machine_id: idOf(its[0]),
         first_day: its[0].date, last_day: its.at(-1).date, images: its.length,
@@ -84,7 +84,8 @@ export function collisions(days, dates, idOf) {
 
 export function fillers(machines) {
     const fields = [['UUID', 'uuid', 'uuidBytes'], ['system serial number', 'systemSerial', 'systemSerialText'],
-        ['board serial number', 'boardSerial', 'boardSerialText'], ['chassis serial number', 'chassisSerial', 'chassisSerialText']];
+        ['board serial number', 'boardSerial', 'boardSerialText'],
+        ['chassis serial number', 'chassisSerial', 'chassisSerialText']];
     const rows = fields.flatMap(([field, value, text]) => machines.filter((machine) => machine[value] === null)
         .map((machine) => ({ field, state: machine[text] === null ? 'none' : 'filler', ...model(machine) })));
     return groups(rows, (row) => row).map((its) => ({ ...its[0], machines: its.length }));
@@ -108,13 +109,15 @@ export function findings(machines) {
 }
 
 export function outliers(machines, idOf) {
-    const properties = { firmware_version: (m) => m.firmware.version, processors: (m) => m.processors, cores: (m) => m.cores,
-        threads: (m) => m.threads, memory_bytes: (m) => m.memoryBytes, memory_modules: (m) => m.memoryModules,
-        memory_slots: (m) => m.slots.length };
+    const properties = { firmware_version: (m) => m.firmware.version, processors: (m) => m.processors,
+        cores: (m) => m.cores, threads: (m) => m.threads, memory_bytes: (m) => m.memoryBytes,
+        memory_modules: (m) => m.memoryModules, memory_slots: (m) => m.slots.length };
     return groups(machines, model).filter((its) => its.length >= 3).flatMap((its) =>
         Object.entries(properties).flatMap(([property, valueOf]) => {
             const majority = groups(its, valueOf).find((same) => same.length * 2 > its.length);
-            return majority === undefined ? [] : its.filter((machine) => valueOf(machine) !== valueOf(majority[0])).map((machine) => ({
+            if (majority === undefined) return [];
+            const others = its.filter((machine) => valueOf(machine) !== valueOf(majority[0]));
+            return others.map((machine) => ({
                 machine_id: idOf(machine), ...model(machine), property, value: String(valueOf(machine)),
                 majority: String(valueOf(majority[0])), majority_machines: majority.length, model_machines: its.length,
             }));
@@ -123,8 +126,8 @@ export function outliers(machines, idOf) {
 
 // Follows each module and each slot from the first day to the second, one by one.
 export function modules([first, second], idOf) {
-    const uniques = (machines) => new Map(groups(machines, idOf).filter((its) => its.length === 1).map(([m]) => [idOf(m), m]));
-    const days = [uniques(first), uniques(second)];
+    const uniques = (machines) => groups(machines, idOf).filter((its) => its.length === 1).map(([m]) => [idOf(m), m]);
+    const days = [new Map(uniques(first)), new Map(uniques(second))];
     const lists = days.map((machines) => [...machines.entries()].sort(([a], [b]) => a < b ? -1 : 1)
         .flatMap(([id, machine]) => modulesOf(machine).map((module) => ({ ...module, id }))));
     const nameOf = ({ maker, serial, part, bytes }) => [maker, serial ?? `${part} ${bytes}`];
@@ -138,8 +141,8 @@ export function modules([first, second], idOf) {
         [`${prefix}part_number`]: null, [`${prefix}memory_size`]: null });
     const rows = [];
     for (const old of [...gone]) {
-        const now = old.serial === null ? undefined : come.find((module) => module.serial === old.serial && module.maker === old.maker);
-        if (now === undefined) continue;
+        const now = come.find((module) => module.serial === old.serial && module.maker === old.maker);
+        if (old.serial === null || now === undefined) continue;
         gone.splice(gone.indexOf(old), 1);
         come.splice(come.indexOf(now), 1);
         rows.push({ change: 'moved', machine_id: old.id, slot: old.slot, ...part(old, ''), new_machine_id: now.id,
@@ -149,8 +152,9 @@ export function modules([first, second], idOf) {
         if (!days[1].has(old.id)) continue;
         const now = come.find((module) => module.id === old.id && module.slot === old.slot);
         if (now !== undefined) come.splice(come.indexOf(now), 1);
-        rows.push({ change: now === undefined ? 'lost' : 'replaced', machine_id: old.id, slot: old.slot, ...part(old, ''),
-            new_machine_id: null, new_slot: null, ...(now === undefined ? none('new_') : part(now, 'new_')) });
+        const change = now === undefined ? 'lost' : 'replaced';
+        rows.push({ change, machine_id: old.id, slot: old.slot, ...part(old, ''), new_machine_id: null, new_slot: null,
+            ...(now === undefined ? none('new_') : part(now, 'new_')) });
     }
     for (const now of come)
         if (days[0].has(now.id))

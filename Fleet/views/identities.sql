@@ -4,13 +4,15 @@ SELECT m.day, m.record,
        CASE WHEN m.uuid IS NOT NULL AND s.uuid IS NULL THEN 'uuid:' || m.uuid
             WHEN coalesce(m.system_serial_number, m.board_serial_number, m.chassis_serial_number) IS NOT NULL
             -- Escaped, so that different serial numbers stay different.
-            THEN 'serial:' || replace(replace(coalesce(m.system_manufacturer, m.board_manufacturer, ''), '%', '%25'), '/', '%2F')
+            THEN 'serial:'
+                 || replace(replace(coalesce(m.system_manufacturer, m.board_manufacturer, ''), '%', '%25'), '/', '%2F')
                  || '/' || replace(replace(coalesce(m.system_serial_number, ''), '%', '%25'), '/', '%2F')
                  || '/' || replace(replace(coalesce(m.board_serial_number, ''), '%', '%25'), '/', '%2F')
                  || '/' || replace(replace(coalesce(m.chassis_serial_number, ''), '%', '%25'), '/', '%2F')
             ELSE 'table:' || m.table_sha256 END AS machine_id,
        CASE WHEN m.uuid IS NOT NULL AND s.uuid IS NULL THEN 'uuid'
-            WHEN coalesce(m.system_serial_number, m.board_serial_number, m.chassis_serial_number) IS NOT NULL THEN 'serial'
+            WHEN coalesce(m.system_serial_number, m.board_serial_number, m.chassis_serial_number) IS NOT NULL
+            THEN 'serial'
             ELSE 'table' END AS identified_by
 FROM machines m
 LEFT JOIN (
