@@ -39,7 +39,7 @@ const kOptions = {
     batch: { type: 'string', default: '10000' },
     quorlin: { type: 'string', default: 'quorlin' },
 };
-const kMemory = '512MB';
+const kMemory = { least: 512, eachWorker: 192 }; // MB, for DuckDB
 const kNamesMark = 'quorlin_fleet_names'; // in the metadata of machines: the hash of the names
 
 const say = (line) => process.stderr.write(`${line}\n`);
@@ -70,8 +70,7 @@ async function lock(file) {
     const locked = await Promise.race([
         once(holder.stdout, 'data').then(() => true),
         once(holder, 'exit').then(() => false),
-        once(holder, 'error').then(([error]) => { throw error; }),
-    ]);
+    ]).catch((error) => { throw new Failure(`can't lock the shard: ${error.message}`); });
     if (!locked) throw new Failure('another ingest of this shard and day is running');
     return () => holder.stdin.end();
 }
@@ -262,7 +261,8 @@ async function runBatches(shard, names, plan, finished, options, workers) {
 
     const temporary = shard.path('rows', 'duckdb');
     const instance = await DuckDBInstance.create(':memory:', {
-        threads: String(Math.min(workers, 4)), memory_limit: kMemory, temp_directory: temporary,
+        threads: String(workers), memory_limit: `${Math.max(kMemory.least, kMemory.eachWorker * workers)}MB`,
+        temp_directory: temporary,
         preserve_insertion_order: 'false', autoinstall_known_extensions: 'false',
     });
     const loader = new Loader(shard.path('tree'), plan.at, { [kNamesMark]: names.sha256 });
