@@ -62,8 +62,8 @@ async function killAtEach(steps, prepare, itsWords, check) {
             const [place, step] = next;
             const lake = newLake(`kill-${place}`);
             await prepare(lake);
-            const { signal } = await runHooked(lake, { KILL_AT: step }, itsWords);
-            assert.equal(signal, 'SIGKILL', step);
+            const { signal, err } = await runHooked(lake, { KILL_AT: step }, itsWords);
+            assert.equal(signal, 'SIGKILL', `${step}: ${err}`);
             await check(lake, step);
             await ingest(lake, ...itsWords);
             assert.deepEqual(await contents(lake), whole, `the rows after a kill at ${step}`);
