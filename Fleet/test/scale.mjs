@@ -135,7 +135,8 @@ for (const day of [0, 1]) {
     assert.deepEqual(await query(lake, 'SELECT count(*) AS rejects FROM rejects'), [{ rejects: 0 }]);
 }
 const found = await query(lake, '--text', kPlantedSerial, 'find');
-assert.deepEqual(found.map(({ source }) => path.relative(path.join(folder, '1'), source)), [fleet.nameOf(fleet.planted)]);
+assert.deepEqual(found.map(({ source }) => path.relative(path.join(folder, '1'), source)),
+    [fleet.nameOf(fleet.planted)]);
 
 for (const file of fs.readdirSync(new URL('../queries/', import.meta.url)).sort()) {
     const name = file.slice(0, -4);
