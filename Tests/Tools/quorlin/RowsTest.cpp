@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 // A path in the test's folder at which nothing is.
 std::string NewFolder() {
-    const std::string path = testing::TempDir() + "rows";
+    const std::string path = testing::TempDir() + "rows-new";
     fs::remove_all(path);
     return path;
 }
@@ -46,7 +46,7 @@ std::vector<uint8_t> OddTable() {
 }
 
 TEST(Rows, OfAnOddTable) {
-    const std::string image = WriteFile("odd.bin", DumpOf(OddTable(), 2, 1)), folder = NewFolder();
+    const std::string image = WriteFile("rows-odd.bin", DumpOf(OddTable(), 2, 1)), folder = NewFolder();
     const ProgramRun_t run = RunQuorlin("facts --rows " + folder + " " + image);
     ASSERT_EQ(run.exitCode, 0) << run.errors;
     EXPECT_EQ(run.output + run.errors, "");
@@ -137,7 +137,7 @@ TEST(Rows, AreRefused) {
     EXPECT_NE(run.errors.find("try another name or place"), run.errors.npos) << run.errors;
     EXPECT_EQ(CountEntries(), entries);
     // The first name is one, but not the whole list.
-    const std::string list = WriteFile("no-list", {'n', 'o', 'n', 'e', '\n', 0});
+    const std::string list = WriteFile("rows-no-list", {'n', 'o', 'n', 'e', '\n', 0});
     EXPECT_EQ(RunQuorlin("facts --rows " + folder + " --image-list " + list).exitCode, 1);
     EXPECT_FALSE(fs::exists(folder));
     fs::remove(list);
@@ -149,15 +149,15 @@ TEST(Rows, AreRefused) {
 
 // Several sources; the record of each comes from its name alone.
 TEST(Rows, OfSeveralTables) {
-    const std::string folder = NewFolder(), image = WriteFile("odd.bin", DumpOf(OddTable(), 2, 1));
-    const std::string bad = WriteFile("bad,image", {1, 2, 3}), list = testing::TempDir() + "none.bin\n";
+    const std::string folder = NewFolder(), image = WriteFile("rows-odd.bin", DumpOf(OddTable(), 2, 1));
+    const std::string bad = WriteFile("rows-bad,image", {1, 2, 3}), list = testing::TempDir() + "rows-none.bin\n";
     const ProgramRun_t run = RunQuorlin("facts " + image + " " + bad + " --rows " + folder + " --image-list " +
-                                        WriteFile("list", std::vector<uint8_t>(list.begin(), list.end())));
+                                        WriteFile("rows-list", std::vector<uint8_t>(list.begin(), list.end())));
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_NE(run.errors.find("2 of the tables can't be read"), run.errors.npos) << run.errors;
     const std::string rejects = ReadWholeFile(folder + "/rejects.csv");
     EXPECT_NE(rejects.find("source,reason\r\n\"" + bad + "\","), rejects.npos) << rejects;
-    EXPECT_NE(rejects.find("\r\n" + testing::TempDir() + "none.bin,No such file"), rejects.npos) << rejects;
+    EXPECT_NE(rejects.find("\r\n" + testing::TempDir() + "rows-none.bin,No such file"), rejects.npos) << rejects;
     const std::string machines = ReadWholeFile(folder + "/machines.csv");
     EXPECT_EQ(std::ranges::count(machines, '\n'), 2);
     const std::string sample = NewFolder();
