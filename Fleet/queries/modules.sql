@@ -3,12 +3,19 @@
 -- A module is its maker and serial number; without a serial number, it is known by its slot, part number and size only.
 -- Machines that are away on one of the days lose and gain nothing, but modules may move from and to them. Machines
 -- whose identity isn't unique on a day are left out.
+-- Only machines whose tables differ are looked at, as most don't change from day to day.
 WITH unique_machines AS (
-    SELECT day, machine_id, min(record) AS record
-    FROM identities
-    WHERE day IN ({from}, {to})
-    GROUP BY day, machine_id
+    SELECT i.day AS day, i.machine_id AS machine_id, min(i.record) AS record, min(m.table_sha256) AS table_sha256
+    FROM identities i JOIN machines m ON m.day = i.day AND m.record = i.record
+    WHERE i.day IN ({from}, {to}) AND m.day IN ({from}, {to})
+    GROUP BY i.day, i.machine_id
     HAVING count(*) = 1
+),
+changed AS (
+    SELECT coalesce(o.machine_id, n.machine_id) AS machine_id, o.record AS old_record, n.record AS new_record
+    FROM (SELECT * FROM unique_machines WHERE day = {from}) o
+    FULL JOIN (SELECT * FROM unique_machines WHERE day = {to}) n ON n.machine_id = o.machine_id
+    WHERE o.record IS NULL OR n.record IS NULL OR o.table_sha256 <> n.table_sha256
 ),
 modules AS (
     SELECT day, record, coalesce(device_locator, '') || ' ' || coalesce(bank_locator, '') AS slot,
@@ -18,21 +25,17 @@ modules AS (
     WHERE day IN ({from}, {to}) AND memory_size > 0
 ),
 old_modules AS (
-    SELECT u.machine_id AS machine_id, v.record AS other_record, m.record AS record, m.slot AS slot,
+    SELECT c.machine_id AS machine_id, c.new_record AS other_record, m.record AS record, m.slot AS slot,
            m.manufacturer AS manufacturer, m.serial_number AS serial_number, m.part_number AS part_number,
            m.memory_size AS memory_size, m.module AS module
-    FROM modules m
-    JOIN unique_machines u ON u.record = m.record AND u.day = {from}
-    LEFT JOIN unique_machines v ON v.machine_id = u.machine_id AND v.day = {to}
+    FROM modules m JOIN changed c ON c.old_record = m.record
     WHERE m.day = {from}
 ),
 new_modules AS (
-    SELECT u.machine_id AS machine_id, v.record AS other_record, m.record AS record, m.slot AS slot,
+    SELECT c.machine_id AS machine_id, c.old_record AS other_record, m.record AS record, m.slot AS slot,
            m.manufacturer AS manufacturer, m.serial_number AS serial_number, m.part_number AS part_number,
            m.memory_size AS memory_size, m.module AS module
-    FROM modules m
-    JOIN unique_machines u ON u.record = m.record AND u.day = {to}
-    LEFT JOIN unique_machines v ON v.machine_id = u.machine_id AND v.day = {from}
+    FROM modules m JOIN changed c ON c.new_record = m.record
     WHERE m.day = {to}
 ),
 gone AS (
