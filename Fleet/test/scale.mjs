@@ -150,4 +150,4 @@ for (const file of fs.readdirSync(new URL('../queries/', import.meta.url)).sort(
 
 console.log('\n| what | count | figures |\n|---|---:|---|');
 for (const row of rows) console.log(`| ${row.join(' | ')} |`);
-console.log(`\nAll counts are exact, and the planted serial number was found, in ${count} tables a day.`);
+console.log(`\nAll counts are exact, and the planted serial number was found, in the tables of ${count} machines.`);
