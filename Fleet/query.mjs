@@ -25,6 +25,7 @@ Usage: quorlin-fleet query --lake LAKE [OPTIONS] NAME|SQL
 
   --lake LAKE      The lake's folder
   --format FORMAT  table (for people), json or csv (default: table)
+  --memory SIZE    How much memory DuckDB may take, such as 8GB (default: 1GB); what doesn't fit goes to the disk
   --print          Print the SQL of a ready-made query, for other engines, and don't run it
 ${Object.entries(kParameters).map(([name, help]) => helpLine(`--${name} ${name.toUpperCase()}`, help)).join('')}
 Ready-made queries:
@@ -36,10 +37,10 @@ view identities tells which machine an image is of: day, record, machine_id.
 const kOptions = {
     lake: { type: 'string' },
     format: { type: 'string', default: 'table' },
+    memory: { type: 'string', default: '1GB' },
     print: { type: 'boolean', default: false },
     ...Object.fromEntries(Object.keys(kParameters).map((name) => [name, { type: 'string' }])),
 };
-const kMemory = '1GB';
 const kOneSelect = 'a query is one SELECT';
 
 function openLake(folder) {
@@ -81,11 +82,13 @@ export async function query(words) {
     const options = parseWords(words, kOptions, 'name of a query or SQL, in quotes');
     if (!Object.hasOwn(kFormats, options.format))
         throw new BadUsage(`--format: '${options.format}' is not table, json or csv`);
+    if (!/^[1-9]\d*(\.\d+)?[MG]B$/.test(options.memory))
+        throw new BadUsage(`--memory: '${options.memory}' is not a size such as 8GB`);
     const lake = openLake(required(options, 'lake'));
     // A folder for what doesn't fit into memory; DuckDB makes and removes it.
     const temporary = path.join(os.tmpdir(), `quorlin-fleet-${process.pid}`);
     const instance = await DuckDBInstance.create(':memory:', {
-        memory_limit: kMemory, temp_directory: temporary,
+        memory_limit: options.memory, temp_directory: temporary,
         autoinstall_known_extensions: 'false', autoload_known_extensions: 'false',
     });
     const connection = await instance.connect();

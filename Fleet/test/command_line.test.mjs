@@ -45,6 +45,8 @@ test('errors are one line, with exit code 1, or 2 for bad usage', async (t) => {
         [1, /the lake is empty/, ['query', '--lake', empty, 'models']],
         [2, /no query or dataset is called 'nonsense'.*firmware.*memory_device/, select(['nonsense'])],
         [2, /'xml' is not table, json or csv/, select(['--format', 'xml', 'models'])],
+        [2, /--memory: '1'/, select(['--memory', '1', 'models'])],
+        [1, /Out of Memory/, select(['--memory', '1MB', 'inventory'])],
         [2, /--text is missing/, select(['find'])],
         [2, /has no --from/, select(['--from', '2026-11-26', 'models'])],
         [1, /nothing of 2026-11-27; it has 2026-11-26/, select(['--day', '2026-11-27', 'models'])],
