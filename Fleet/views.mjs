@@ -15,9 +15,7 @@ export class Views {
         this.lake = lake;
         this.parts = lake.parts('machines');
         this.made = new Set();
-        const newest = this.parts.at(-1);
         this.empties = new Map(); // dataset -> its columns as SQL
-        this.newest = newest;
     }
 
     days() {
@@ -27,7 +25,7 @@ export class Views {
     async readNames() {
         const rows = await this.connection.runAndReadAll(
             `SELECT dataset, string_agg('NULL::' || type || ' AS "' || "column" || '"', ', ')
-             FROM (${this.#select('columns', [this.newest])}) GROUP BY dataset`);
+             FROM (${this.#select('columns', this.parts.slice(-1))}) GROUP BY dataset`);
         for (const [dataset, columns] of rows.getRows()) this.empties.set(dataset, columns);
     }
 

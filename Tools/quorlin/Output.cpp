@@ -74,7 +74,9 @@ bool WriteFileOrStream(const std::string& path, std::span<const uint8_t> bytes) 
 
 bool ReplaceFile(const std::string& path, std::string_view text) {
     if (ReplaceWholeFile(path, text.data(), text.size())) return true;
-    SayError(path, errno == EEXIST ? std::string("is no plain file, and nothing else is replaced; try another name")
-                                   : std::string(std::strerror(errno)) + "; try another name or place");
+    if (errno == EEXIST)
+        SayError(path, "is no plain file, and nothing else is replaced; try another name");
+    else
+        SayNotMade(path, errno);
     return false;
 }

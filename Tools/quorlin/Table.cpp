@@ -216,7 +216,7 @@ std::string ClTable::Form() const {
         : m_isImage  ? "as " + m_image.FormText()
         : m_isRecord ? std::string("from its record")
                      : std::string(steps.scan ? "by the scan of its memory" : "by the system's firmware-table call");
-    form += ", SMBIOS " + std::to_string(Major()) + "." + std::to_string(Minor());
+    form += ", SMBIOS " + VersionText();
     if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
     return form;
 }

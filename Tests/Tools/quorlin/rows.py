@@ -204,7 +204,6 @@ def check_image(image, rows, columns):
 
     # The machine.
     summary = json.loads(run("summary", "--format", "json", "--image", image).stdout)
-    print(summary) if "-v" in sys.argv else None
     check_machine(machine, summary, document)
 
 
@@ -220,6 +219,9 @@ def check_machine(machine, summary, document):
         "chassis_type": chassis["type"], "firmware_vendor": firmware["vendor"],
         "firmware_version": firmware["version"], "firmware_date": firmware["release_date"],
         "firmware_release": firmware["release"],
+        "processors": summary["processors"]["used"], "cores": summary["processors"]["cores"],
+        "threads": summary["processors"]["threads"], "memory_bytes": summary["memory"]["installed"],
+        "memory_modules": summary["memory"]["used"], "memory_slots": summary["memory"]["slots"],
     }
     for column, value in wanted.items():
         assert machine[column] == known(value), (column, machine[column], value)
