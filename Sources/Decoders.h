@@ -13,7 +13,7 @@ class ClDescription {
     // Says how the fields of a decoder's own function read. Comes before the rows.
     virtual void Explain(ClText (*render)(const Field_t& field), std::string_view words) = 0;
     // `when` says which structures have the items; all, if it is empty.
-    virtual void Rows(std::span<const ItemRow_t> rows, std::string_view when = {}) = 0;
+    virtual void Rows(const Rows_t& rows, std::string_view when = {}) = 0;
     // An item without a row. `where` is its offset, or empty.
     virtual void Item(std::string_view key, std::string_view where, std::string_view words) = 0;
     // The words of an enumeration or a bit list that no row refers to.
@@ -28,17 +28,17 @@ class ClDescription {
 #include "Sources/Types.def"
 
 // Defines the decoder of a type whose items are those of its rows, and no others.
-#define DECODER_OF_ROWS(number, rows)                                                  \
-    namespace {                                                                        \
-    class ClSMBIOSType##number final : public ClSMBIOSType {                           \
-      public:                                                                          \
-        ClSMBIOSType##number() : ClSMBIOSType(number) {}                               \
-        void PrintStructure(const uint8_t* pData) override { PrintRows(rows, pData); } \
-    };                                                                                 \
-    }                                                                                  \
+#define DECODER_OF_ROWS(number, rows)                                                            \
+    namespace {                                                                                  \
+    class ClSMBIOSType##number final : public ClSMBIOSType {                                     \
+      public:                                                                                    \
+        ClSMBIOSType##number() : ClSMBIOSType(number) {}                                         \
+        void PrintStructure(const uint8_t* pData) override { PrintRows(RowsOf<rows>(), pData); } \
+    };                                                                                           \
+    }                                                                                            \
     ClSMBIOSType* NewType##number(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType##number; }
 
 // The same with its description, if no rendering needs to be explained.
 #define ROWS_DECODER(number, rows) \
     DECODER_OF_ROWS(number, rows)  \
-    void DescribeType##number(ClDescription& description) { description.Rows(rows); }
+    void DescribeType##number(ClDescription& description) { description.Rows(RowsOf<rows>()); }

@@ -54,6 +54,10 @@ class ClItemList {
     // Whether Add copies the texts that an item refers to, for a list that may outlive them.
     void KeepTexts(bool keeps) { m_keepsTexts = keeps; }
     // Throws std::bad_alloc if memory runs out.
+    void AddLasting(std::string_view key, const ClText& value, const ItemFacts_t& facts) {
+        m_items.push_back({key, Lasting(value), facts});
+    }
+    // The same for a key that need not outlive the list.
     void Add(const ClText& key, const ClText& value, const ItemFacts_t& facts) {
         m_items.push_back({Lasting(key), Lasting(value), facts});
     }

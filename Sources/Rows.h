@@ -1,7 +1,8 @@
 // The rows of decoders and their renderings.
 //
 // A row is a line of a structure's field list, in output order, and its last cell says how the field reads as text. A
-// field with logic of its own has a small function, and its row looks like every other row.
+// field with logic of its own has a small function, and its row looks like every other row. The library keeps packed
+// rows: PackedRows.h.
 #pragma once
 
 #include <algorithm>
@@ -12,21 +13,9 @@
 #include <string>
 #include <string_view>
 
+#include "Sources/PackedRows.h"
 #include "Sources/Structure.h"
 #include "Sources/Text.h"
-
-struct CodeText_t {
-    uint32_t code;  // the value, or the bit's number in a bit list
-    uint8_t size = 0;
-    // Characters in place of a pointer, which would cost a relocation at start-up.
-    char characters[75] = {};
-
-    constexpr CodeText_t(uint32_t number, std::string_view text)
-        : code(number), size(static_cast<uint8_t>(text.size())) {
-        std::ranges::copy(text, characters);
-    }
-    constexpr std::string_view Text() const { return {characters, size}; }
-};
 
 // Returns the text of `code`, or `otherwise` for a code that the table doesn't contain. Expects rising codes, and is
 // fastest for tables without gaps.
@@ -44,22 +33,27 @@ consteval bool IsRising(std::span<const CodeText_t> table) {
 }
 
 class ClSMBIOSType;
-struct ItemRow_t;
 
 // What a rendering works on: the structure, the field's row, and the decoder for what depends on the machine.
 struct Field_t {
     const ClStructure& structure;
-    const ItemRow_t& row;
+    const Rows_t& rows;
+    const PackedRow_t& row;
     const ClSMBIOSType& decoder;
+    size_t offset;
 
-    inline uint8_t Byte() const;
-    inline uint16_t Word() const;
-    inline uint32_t Dword() const;
-    inline uint64_t Qword() const;
+    uint8_t Byte() const { return structure.Byte(offset); }
+    uint16_t Word() const { return structure.Word(offset); }
+    uint32_t Dword() const { return structure.Dword(offset); }
+    uint64_t Qword() const { return structure.Qword(offset); }
+    // Those of the rendering.
+    std::string_view Text() const { return rows.Text(row.text); }
+    std::span<const CodeText_t> Table() const { return rows.Table(row); }
+    uint32_t Number() const { return row.number; }
 };
 
 struct Rendering_t {
-    ClText (*render)(const Field_t& field);  // null: the row opens a sub-group
+    Render_t render;                         // null: the row opens a sub-group
     std::span<const CodeText_t> table = {};  // of an enumeration or bit list
     std::string_view text = {};              // an error word, a unit, or what else the rendering needs
     uint32_t number = 0;                     // of hexadecimal digits, or a bit's number
@@ -70,11 +64,6 @@ struct ItemRow_t {
     size_t offset;
     Rendering_t rendering;
 };
-
-inline uint8_t Field_t::Byte() const { return structure.Byte(row.offset); }
-inline uint16_t Field_t::Word() const { return structure.Word(row.offset); }
-inline uint32_t Field_t::Dword() const { return structure.Dword(row.offset); }
-inline uint64_t Field_t::Qword() const { return structure.Qword(row.offset); }
 
 // Hexadecimal without leading zeros and without a closing "h".
 std::string PlainHex(uint64_t value);
@@ -113,6 +102,24 @@ ClText ShowDeviceNumber(const Field_t& field);
 ClText ShowFunctionNumber(const Field_t& field);
 ClText ShowBit8(const Field_t& field);
 ClText ShowBit32(const Field_t& field);
+
+// The renderings that packed rows share. Null is that of rows that open a sub-group.
+inline constexpr Render_t kSharedRenders[] = {
+    nullptr,         ShowDec8,         ShowDec16,         ShowDec32,        ShowHex8,         ShowHex16,
+    ShowHex32,       ShowHex64,        ShowString,        ShowStringOrNone, ShowFixedText,    ShowEnum8,
+    ShowEnumOfBits8, ShowEnumOfBits16, ShowBitWords8,     ShowBitWords16,   ShowYesNo8,       ShowYesNo16,
+    ShowYesNo32,     ShowParsedString, ShowDec16WithUnit, ShowDec16AndHex,  ShowDeviceNumber, ShowFunctionNumber,
+    ShowBit8,        ShowBit32,
+};
+
+// The row as it was written, without the decoder that reads by it.
+inline ItemRow_t UnpackedRow(const Rows_t& rows, const PackedRow_t& row) {
+    const size_t own = row.render - std::size(kSharedRenders);
+    const Render_t render = row.render < std::size(kSharedRenders) ? kSharedRenders[row.render] : rows.renders[own];
+    return {
+        rows.Text(row.key), row.offset, {render, rows.Table(row), rows.Text(row.text), row.number}
+    };
+}
 
 inline constexpr Rendering_t Group{nullptr};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};

@@ -20,17 +20,15 @@ void TraceNullData(int type, const char* message) {
     PACKAGE_TRACE(source, function, kError, "%s", message);
 }
 
-// Drops the item if memory runs out; the items after it are still added.
-template <class Work>
-void OrDrop(Work addItem) {
-    try {
-        addItem();
-    } catch (const std::bad_alloc&) {
-        TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData");
-    }
-}
+constexpr ItemRow_t kHeaderRows[] = {
+    {"Type",   0x00, Dec8 },
+    {"Length", 0x01, Dec8 },
+    {"Handle", 0x02, Dec16},
+};
 
 }  // namespace
+
+void ClSMBIOSType::TraceDrop() { TRACE("Fill_String_Data", kError, "\nNULL Pointer: pData"); }
 
 void ClSMBIOSType::Fill_String_Data(ClText key, ClText value, uint8_t group) {
     const ItemKind_t kind = group == 0             ? ItemKind_t::kItem
@@ -90,11 +88,6 @@ void ClSMBIOSType::BeginStructure(const uint8_t* pData) {
 }
 
 bool ClSMBIOSType::PrintHead(const uint8_t* pData, const char* nullTrace) {
-    static constexpr ItemRow_t kHeaderRows[] = {
-        {"Type",   0x00, Dec8 },
-        {"Length", 0x01, Dec8 },
-        {"Handle", 0x02, Dec16},
-    };
     BeginStructure(pData);
     if (m_row.head != Head_t::kFirstTitle || m_instanceCounter == 1)
         OrDrop([&] { m_items->Add(m_row.Title(), {}, m_structure.As(ItemKind_t::kTitle)); });
@@ -102,7 +95,7 @@ bool ClSMBIOSType::PrintHead(const uint8_t* pData, const char* nullTrace) {
         TraceNullData(m_row.type, nullTrace);
         return false;
     }
-    if (m_row.head == Head_t::kHeader) PrintItems(kHeaderRows, ClStructure::FixedBytes(pData, 4));
+    if (m_row.head == Head_t::kHeader) PrintItems(RowsOf<kHeaderRows>(), ClStructure::FixedBytes(pData, 4));
     return true;
 }
 
@@ -110,27 +103,25 @@ ClStructure ClSMBIOSType::View(const uint8_t* pData) const {
     return m_row.view == View_t::kWholeRecord ? ClStructure::WholeRecord(pData) : ClStructure::FormattedArea(pData);
 }
 
-void ClSMBIOSType::PrintRows(std::span<const ItemRow_t> rows, const uint8_t* pData) {
+void ClSMBIOSType::PrintRows(const Rows_t& rows, const uint8_t* pData) {
     if (PrintHead(pData)) PrintItems(rows, View(pData));
 }
 
-void ClSMBIOSType::PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure) {
-    for (const ItemRow_t& row : rows) {
+void ClSMBIOSType::PrintItems(const Rows_t& rows, const ClStructure& structure, size_t shift) {
+    for (const PackedRow_t& row : rows.rows) {
+        const size_t own = row.render - std::size(kSharedRenders);
+        const Render_t render = row.render < std::size(kSharedRenders) ? kSharedRenders[row.render] : rows.renders[own];
         OrDrop([&] {
-            if (row.rendering.render == nullptr)
-                m_items->Add(row.key, {}, m_structure.As(ItemKind_t::kGroup));
+            if (render == nullptr)
+                m_items->AddLasting(rows.Text(row.key), {}, m_structure.As(ItemKind_t::kGroup));
             else
-                m_items->Add(row.key, row.rendering.render({structure, row, *this}), m_structure);
+                m_items->AddLasting(rows.Text(row.key), render({structure, rows, row, *this, row.offset + shift}),
+                                    m_structure);
         });
     }
 }
 
 void ClSMBIOSType::PrintStrings(std::string_view key, uint8_t count, const ClStructure& structure) {
     ClStringWalk strings(structure.Data());
-    for (uint8_t left = count; left > 0; left--) {
-        const ItemRow_t string[] = {
-            {key, 0, FixedText(strings.NextText())},
-        };
-        PrintItems(string, structure);
-    }
+    for (uint8_t left = count; left > 0; left--) Fill_String_Data(key, strings.NextText(), 0);
 }

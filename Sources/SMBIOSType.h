@@ -3,13 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <new>
 #include <string>
 #include <string_view>
 
 #include "Packages/OS/Status.h"
 #include "Sources/Items.h"
-#include "Sources/Rows.h"
+#include "Sources/RowPacker.h"
 #include "Sources/Types.h"
 
 // Base of the decoders. A decoder serves all structures of one type during one GetTypes of a package.
@@ -53,15 +53,27 @@ class ClSMBIOSType {
     // The structure in the view of its type.
     ClStructure View(const uint8_t* pData) const;
     // PrintHead, then the items of `rows`.
-    void PrintRows(std::span<const ItemRow_t> rows, const uint8_t* pData);
-    void PrintItems(std::span<const ItemRow_t> rows, const ClStructure& structure);
+    void PrintRows(const Rows_t& rows, const uint8_t* pData);
+    // `shift` moves the offsets of the rows, for those of an entry after the first.
+    void PrintItems(const Rows_t& rows, const ClStructure& structure, size_t shift = 0);
     // Items of one key for strings 1 to `count` of the area.
     void PrintStrings(std::string_view key, uint8_t count, const ClStructure& structure);
+    // Adds an item. If memory runs out, the item is dropped; the items after it are still added.
+    template <class Work>
+    static void OrDrop(Work addItem) {
+        try {
+            addItem();
+        } catch (const std::bad_alloc&) {
+            TraceDrop();
+        }
+    }
 
     uint32_t m_processorSignature = 0;  // given to the decoders of types 4 and 148 only
     int32_t m_instanceCounter = 0;
 
   private:
+    static void TraceDrop();
+
     const TypeRow_t& m_row;
     ClItemList m_ownItems;
     ClItemList* m_items = &m_ownItems;

@@ -83,12 +83,12 @@ class ClSMBIOSType0 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kVersion, structure);
+        PrintItems(RowsOf<kVersion>(), structure);
         if (structure.Byte(0x05) == 0) {
             PACKAGE_TRACE("Sources\\SMBIOSType000", "ClSMBIOSType0::PrintStructure", kError, "\nBIOS Version is empty");
             return;
         }
-        PrintItems(kItems, structure);
+        PrintItems(RowsOf<kItems>(), structure);
     }
 };
 
@@ -101,6 +101,6 @@ void DescribeType0(ClDescription& description) {
     description.Explain(ShowRelease,
                         "lower-case hexadecimal and `h`, then decimal in parentheses, as in "
                         "`1ah (26)`; `255 (Not Supported)` for 255");
-    description.Rows(kVersion);
-    description.Rows(kItems, "Structures in which the number of the version string isn't 0");
+    description.Rows(RowsOf<kVersion>());
+    description.Rows(RowsOf<kItems>(), "Structures in which the number of the version string isn't 0");
 }

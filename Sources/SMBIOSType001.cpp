@@ -20,7 +20,7 @@ ClText ShowUuid(const Field_t& field) {
     std::string text;
     for (size_t place = 0; place < 16; place++) {
         if (place != 0) text += ' ';
-        text += PlainHex(field.structure.Byte(field.row.offset + place));
+        text += PlainHex(field.structure.Byte(field.offset + place));
     }
     return text;
 }
@@ -46,5 +46,5 @@ void DescribeType1(ClDescription& description) {
     description.Explain(ShowUuid,
                         "the 16 bytes in the order of the structure, each in lower-case hexadecimal without a "
                         "leading zero, joined by blanks");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

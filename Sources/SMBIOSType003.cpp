@@ -115,5 +115,5 @@ void DescribeType3(ClDescription& description) {
                         "bit 7: set `Present`, clear `Not Present or Unknown`; `None` if the whole byte is 0");
     description.Explain(ShowHeight, "whole centimetres in decimal, then ` cm`; `Unspecified` for 0");
     description.Explain(ShowCount, "decimal; `Unspecified` for 0");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

@@ -125,7 +125,7 @@ ClText ShowFamily16(const Field_t& field) {
 }
 
 ClText ShowProcessorId(const Field_t& field) {
-    const size_t offset = field.row.offset;
+    const size_t offset = field.offset;
     return ClSMBIOSType::GetHexString(field.structure.Dword(offset + 4), 8) + ' ' +
            ClSMBIOSType::GetHexString(field.structure.Dword(offset), 1);
 }
@@ -147,7 +147,7 @@ ClText ShowCacheHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
     std::string text = std::to_string(handle);
     if (text.size() < 2) text.insert(0, 1, '0');
-    return text.append(handle == 0xFFFF ? field.row.rendering.text : " ");
+    return text.append(handle == 0xFFFF ? field.Text() : " ");
 }
 
 ClText ShowCharacteristics(const Field_t& field) {
@@ -211,7 +211,7 @@ std::string ClSMBIOSType4::GetProcessorCharacteristicsString(uint16_t characteri
     return text;
 }
 
-void ClSMBIOSType4::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+void ClSMBIOSType4::PrintStructure(const uint8_t* pData) { PrintRows(RowsOf<kItems>(), pData); }
 
 ClSMBIOSType* NewType4(const DecoderInput_t& input) {
     return new (std::nothrow) ClSMBIOSType4(input.processorSignature);
@@ -234,6 +234,6 @@ void DescribeType4(ClDescription& description) {
         "of 0, 1 and 2 counts: 5.0, 3.3, 2.9; else `None`");
     description.Explain(ShowCharacteristics, "the words of the set bits without a separator; `None` for 0");
     description.Explain(ShowCacheHandle, kHandleWords);
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
     description.Words("Processor Characteristics", kCharacteristics, true);
 }

@@ -118,7 +118,7 @@ std::string_view ClSMBIOSType7::GetAssociativityString(uint8_t associativity) {
     return WordOf(Associativity, associativity);
 }
 
-void ClSMBIOSType7::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+void ClSMBIOSType7::PrintStructure(const uint8_t* pData) { PrintRows(RowsOf<kItems>(), pData); }
 
 ClSMBIOSType* NewType7(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType7; }
 
@@ -130,7 +130,7 @@ void DescribeType7(ClDescription& description) {
     description.Explain(CacheSize.render,
                         "bits 0 to 14 are the size in KB, or in 64 KB with bit 15 set: decimal and ` K` up to 1024 "
                         "KB, else in MB with ` M`");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
     description.Words("Cache Configuration: location", kLocations);
     description.Words("Cache Configuration: operational mode", kModes);
 }

@@ -109,8 +109,8 @@ std::string_view ClSMBIOSType8::GetConnectorTypeString(uint8_t type) { return Wo
 
 std::string_view ClSMBIOSType8::GetPortTypeString(uint8_t type) { return WordOf(PortType, type); }
 
-void ClSMBIOSType8::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+void ClSMBIOSType8::PrintStructure(const uint8_t* pData) { PrintRows(RowsOf<kItems>(), pData); }
 
 ClSMBIOSType* NewType8(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType8; }
 
-void DescribeType8(ClDescription& description) { description.Rows(kItems); }
+void DescribeType8(ClDescription& description) { description.Rows(RowsOf<kItems>()); }

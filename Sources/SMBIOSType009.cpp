@@ -182,18 +182,18 @@ std::string ClSMBIOSType9::GetSlotCharacteristics2String(uint8_t characteristics
 void ClSMBIOSType9::PrintStructure(const uint8_t* pData) {
     if (!PrintHead(pData)) return;
     const ClStructure structure = View(pData);
-    PrintItems(kItems, structure);
+    PrintItems(RowsOf<kItems>(), structure);
     if (HasAddress(structure.Byte(0x05)))
-        PrintItems(kAddress, structure);
+        PrintItems(RowsOf<kAddress>(), structure);
     else
-        PrintItems(kNoAddress, structure);
+        PrintItems(RowsOf<kNoAddress>(), structure);
 }
 
 ClSMBIOSType* NewType9(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType9; }
 
 void DescribeType9(ClDescription& description) {
     description.Explain(ShowSlotId, "hexadecimal, 2 digits or more; `None` for 0");
-    description.Rows(kItems);
-    description.Rows(kAddress, "Slot types 06h, 0Fh, 12h and A5h to AAh");
-    description.Rows(kNoAddress, "All other slot types");
+    description.Rows(RowsOf<kItems>());
+    description.Rows(RowsOf<kAddress>(), "Slot types 06h, 0Fh, 12h and A5h to AAh");
+    description.Rows(RowsOf<kNoAddress>(), "All other slot types");
 }

@@ -1,6 +1,4 @@
 // On Board Devices Information (the SMBIOS standard, type 10).
-#include <array>
-
 #include "Sources/Decoders.h"
 #include "Sources/SharedWords.h"
 
@@ -16,11 +14,11 @@ ClText ShowDeviceType(const Field_t& field) {
 constexpr Rendering_t DeviceType{ShowDeviceType, kOnboardDeviceTypes};
 constexpr size_t kEntries = 0x04, kEntrySize = 2;
 
-std::array<ItemRow_t, 2> EntryRows(size_t entry) {
-    return {
-        {{"Device Type", entry, DeviceType}, {"Description String", entry + 1, StringOrNone}}
-    };
-}
+// Of the first entry.
+constexpr ItemRow_t kItems[] = {
+    {"Device Type",        0x04, DeviceType  },
+    {"Description String", 0x05, StringOrNone},
+};
 
 class ClSMBIOSType10 final : public ClSMBIOSType {
   public:
@@ -29,7 +27,7 @@ class ClSMBIOSType10 final : public ClSMBIOSType {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
         for (size_t entry = kEntries; structure.Holds(entry, kEntrySize); entry += kEntrySize)
-            PrintItems(EntryRows(entry), structure);
+            PrintItems(RowsOf<kItems>(), structure, entry - kEntries);
     }
 };
 
@@ -41,5 +39,5 @@ void DescribeType10(ClDescription& description) {
     description.Explain(
         ShowDeviceType,
         "bit 7: set `Enabled, `, clear `Disabled, `; then bits 0 to 6: a word of the list, else `Error: Invalid Type`");
-    description.Rows(EntryRows(kEntries), "Each device of two bytes in the formatted area");
+    description.Rows(RowsOf<kItems>(), "Each device of two bytes in the formatted area");
 }

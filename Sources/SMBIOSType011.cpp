@@ -15,7 +15,7 @@ class ClSMBIOSType11 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kItems, structure);
+        PrintItems(RowsOf<kItems>(), structure);
         PrintStrings(kStringKey, structure.Byte(0x04), structure);
     }
 };
@@ -25,6 +25,6 @@ class ClSMBIOSType11 final : public ClSMBIOSType {
 ClSMBIOSType* NewType11(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType11; }
 
 void DescribeType11(ClDescription& description) {
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
     description.Item(kStringKey, {}, "string; one item for each");
 }

@@ -15,7 +15,7 @@ class ClSMBIOSType12 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kItems, structure);
+        PrintItems(RowsOf<kItems>(), structure);
         PrintStrings(kStringKey, structure.Byte(0x04), structure);
     }
 };
@@ -25,6 +25,6 @@ class ClSMBIOSType12 final : public ClSMBIOSType {
 ClSMBIOSType* NewType12(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType12; }
 
 void DescribeType12(ClDescription& description) {
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
     description.Item(kStringKey, {}, "string; one item for each");
 }

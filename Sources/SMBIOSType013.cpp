@@ -4,7 +4,7 @@
 namespace {
 
 struct LanguageName_t {
-    std::string_view code, name;
+    char code[6], name[24];
 };
 
 // In the order of the search: French of a country comes before the other language of that country.
@@ -64,16 +64,11 @@ ClText ShowCurrentLanguage(const Field_t& field) {
     return LanguageText(ClSMBIOSType::GetString(current, field.structure.Data()), "(Language(s) not set)");
 }
 
-ClText ShowLanguage(const Field_t& field) {
-    return LanguageText(field.row.rendering.text.data(), " (Language(s) not set)");
-}
-
 ClText ShowFlags(const Field_t& field) {
     const bool hasFlags = static_cast<const ClSMBIOSType13&>(field.decoder).IsVersion21OrLater();
     return hasFlags ? ClSMBIOSType::GetHexString(field.Byte(), 2) : "None";
 }
 
-constexpr Rendering_t Language(std::string_view text) { return {ShowLanguage, {}, text}; }
 constexpr Rendering_t CurrentLanguage{ShowCurrentLanguage}, Flags{ShowFlags};
 
 constexpr std::string_view kLanguageKey = "Language";
@@ -100,14 +95,11 @@ std::string ClSMBIOSType13::GetLanguageName(const char* ccStr) {
 void ClSMBIOSType13::PrintStructure(const uint8_t* pData) {
     if (!PrintHead(pData)) return;
     const ClStructure structure = View(pData);
-    PrintItems(kItems, structure);
+    PrintItems(RowsOf<kItems>(), structure);
     ClStringWalk languages(pData);
-    for (uint8_t left = structure.Byte(0x04); left > 0; left--) {
-        const ItemRow_t language[] = {
-            {kLanguageKey, 0, Language(languages.NextText())},
-        };
-        PrintItems(language, structure);
-    }
+    for (uint8_t left = structure.Byte(0x04); left > 0; left--)
+        OrDrop(
+            [&] { Fill_String_Data(kLanguageKey, LanguageText(languages.NextText(), " (Language(s) not set)"), 0); });
 }
 
 ClSMBIOSType* NewType13(const DecoderInput_t& input) {
@@ -120,7 +112,7 @@ void DescribeType13(ClDescription& description) {
         "string in lower case, then its language in parentheses; `(Invalid Current Language)` for a number that isn't "
         "one of the installable languages; `(Language(s) not set)` for a string that begins with a parenthesis");
     description.Explain(ShowFlags, "hexadecimal, 2 digits; `None` in tables of versions before 2.1");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
     description.Item(
         kLanguageKey, {},
         "string in lower case, then its language in parentheses; ` (Language(s) not set)` for one that begins "

@@ -6,7 +6,7 @@ namespace {
 // The shortest structure of the later form, whose descriptors of log types follow at this offset. The form of
 // version 2.0 ends before the header format.
 constexpr uint8_t kLengthWithDescriptors = 0x17;
-constexpr size_t kDescriptorCount = 0x15, kDescriptors = 0x17, kDescriptorSize = 2;
+constexpr size_t kDescriptorCount = 0x15, kDescriptorSize = 2;
 
 // Bits of the log status.
 constexpr uint8_t kAreaValid = 0x01, kAreaFull = 0x02;
@@ -58,9 +58,10 @@ constexpr ItemRow_t kLaterItems[] = {
     {"Length of each Log Type Descriptor",       0x16, Hex8           },
 };
 
-constexpr ItemRow_t DescriptorRow(size_t offset) {
-    return {"List of Supported Event Log Type Descriptors", offset, Descriptor};
-}
+// The first one.
+constexpr ItemRow_t kDescriptor[] = {
+    {"List of Supported Event Log Type Descriptors", 0x17, Descriptor},
+};
 
 class ClSMBIOSType15 final : public ClSMBIOSType {
   public:
@@ -68,15 +69,12 @@ class ClSMBIOSType15 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kItems, structure);
+        PrintItems(RowsOf<kItems>(), structure);
         if (structure.Length() < kLengthWithDescriptors) return;
-        PrintItems(kLaterItems, structure);
+        PrintItems(RowsOf<kLaterItems>(), structure);
         // The structure states the length of a descriptor, but every descriptor is read as two bytes.
-        size_t offset = kDescriptors;
-        for (uint8_t left = structure.Byte(kDescriptorCount); left > 0; left--, offset += kDescriptorSize) {
-            const ItemRow_t row = DescriptorRow(offset);
-            PrintItems({&row, 1}, structure);
-        }
+        for (uint8_t place = 0; place < structure.Byte(kDescriptorCount); place++)
+            PrintItems(RowsOf<kDescriptor>(), structure, place * kDescriptorSize);
     }
 };
 
@@ -94,8 +92,7 @@ void DescribeType15(ClDescription& description) {
     description.Explain(ShowDescriptor,
                         "two tabs, then the log type and the format of its variable data, each in "
                         "hexadecimal of 2 digits, separated by a blank");
-    description.Rows(kItems);
-    description.Rows(kLaterItems, "Structures of 17h bytes or more");
-    const ItemRow_t row = DescriptorRow(kDescriptors);
-    description.Rows({&row, 1}, "Each descriptor of two bytes of these structures");
+    description.Rows(RowsOf<kItems>());
+    description.Rows(RowsOf<kLaterItems>(), "Structures of 17h bytes or more");
+    description.Rows(RowsOf<kDescriptor>(), "Each descriptor of two bytes of these structures");
 }

@@ -69,12 +69,12 @@ constexpr ItemRow_t kItems[] = {
 
 std::string_view ClSMBIOSType16::GetLocationString(uint8_t location) { return WordOf(Location, location); }
 
-void ClSMBIOSType16::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+void ClSMBIOSType16::PrintStructure(const uint8_t* pData) { PrintRows(RowsOf<kItems>(), pData); }
 
 ClSMBIOSType* NewType16(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType16; }
 
 void DescribeType16(ClDescription& description) {
     description.Explain(ShowHalves,
                         "the high half, a blank, then the low half, each in hexadecimal of 4 digits or more");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

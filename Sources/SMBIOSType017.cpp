@@ -159,7 +159,7 @@ ClText ClSMBIOSType17::GetCleanPartNumber(std::string_view partNumber) {
     return text;
 }
 
-void ClSMBIOSType17::PrintStructure(const uint8_t* pData) { PrintRows(kItems, pData); }
+void ClSMBIOSType17::PrintStructure(const uint8_t* pData) { PrintRows(RowsOf<kItems>(), pData); }
 
 ClSMBIOSType* NewType17(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType17; }
 
@@ -171,5 +171,5 @@ void DescribeType17(ClDescription& description) {
     description.Explain(ShowExtendedSize,
                         "decimal, right-aligned in 8 characters, then ` MB`, if the size is 7FFFh; else `0`");
     description.Explain(ShowKnown, kKnownWords);
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

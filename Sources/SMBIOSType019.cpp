@@ -29,5 +29,5 @@ void DescribeType19(ClDescription& description) {
     description.Explain(
         ShowExtendedAddress,
         "the high half without an `h`, a blank, then the low half, each in hexadecimal of 4 digits or more");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

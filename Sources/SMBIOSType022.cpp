@@ -36,5 +36,5 @@ void DescribeType22(ClDescription& description) {
     description.Explain(
         ShowDate,
         "day (bits 0 to 4), month (bits 5 to 8) and year (bits 9 to 15, from 1980) in decimal, joined by `/`");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

@@ -24,9 +24,9 @@ class ClSMBIOSType27 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kItems, structure);
-        if (structure.Length() > 12) PrintItems(kNominalSpeed, structure);
-        if (structure.Length() >= 15) PrintItems(kDescription, structure);
+        PrintItems(RowsOf<kItems>(), structure);
+        if (structure.Length() > 12) PrintItems(RowsOf<kNominalSpeed>(), structure);
+        if (structure.Length() >= 15) PrintItems(RowsOf<kDescription>(), structure);
     }
 };
 
@@ -35,7 +35,7 @@ class ClSMBIOSType27 final : public ClSMBIOSType {
 ClSMBIOSType* NewType27(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType27; }
 
 void DescribeType27(ClDescription& description) {
-    description.Rows(kItems);
-    description.Rows(kNominalSpeed, "Structures of more than 12 bytes");
-    description.Rows(kDescription, "Structures of 15 bytes or more");
+    description.Rows(RowsOf<kItems>());
+    description.Rows(RowsOf<kNominalSpeed>(), "Structures of more than 12 bytes");
+    description.Rows(RowsOf<kDescription>(), "Structures of 15 bytes or more");
 }

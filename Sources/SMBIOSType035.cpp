@@ -23,8 +23,8 @@ class ClSMBIOSType35 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kDescription, structure);
-        if (structure.Word(kThresholdHandle) == kNoThreshold) PrintItems(kThreshold, structure);
+        PrintItems(RowsOf<kDescription>(), structure);
+        if (structure.Word(kThresholdHandle) == kNoThreshold) PrintItems(RowsOf<kThreshold>(), structure);
     }
 };
 
@@ -33,6 +33,6 @@ class ClSMBIOSType35 final : public ClSMBIOSType {
 ClSMBIOSType* NewType35(const DecoderInput_t&) { return new (std::nothrow) ClSMBIOSType35; }
 
 void DescribeType35(ClDescription& description) {
-    description.Rows(kDescription);
-    description.Rows(kThreshold, "Structures with the handle FFFFh");
+    description.Rows(RowsOf<kDescription>());
+    description.Rows(RowsOf<kThreshold>(), "Structures with the handle FFFFh");
 }

@@ -101,13 +101,13 @@ class ClSMBIOSType38 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kInterface, structure);
+        PrintItems(RowsOf<kInterface>(), structure);
         const uint8_t modifier = structure.Byte(kModifier);
         if (modifier != 0) {
-            PrintItems(kModifierBits, structure);
-            PrintItems((modifier & 1) != 0 ? kLevelTriggered : kEdgeTriggered, structure);
+            PrintItems(RowsOf<kModifierBits>(), structure);
+            PrintItems((modifier & 1) != 0 ? RowsOf<kLevelTriggered>() : RowsOf<kEdgeTriggered>(), structure);
         }
-        PrintItems(kInterrupt, structure);
+        PrintItems(RowsOf<kInterrupt>(), structure);
     }
 };
 
@@ -117,9 +117,9 @@ ClSMBIOSType* NewType38(const DecoderInput_t&) { return new (std::nothrow) ClSMB
 
 void DescribeType38(ClDescription& description) {
     description.Explain(ShowRevision, "`Revision `, then the two hexadecimal digits of the byte, joined by a point");
-    description.Rows(kInterface);
-    description.Rows(kModifierBits, "Structures in which the byte at 10h isn't 0");
-    description.Rows(kLevelTriggered, "Those of them with bit 0 set");
-    description.Rows(kEdgeTriggered, "Those of them with bit 0 clear");
-    description.Rows(kInterrupt, "All structures");
+    description.Rows(RowsOf<kInterface>());
+    description.Rows(RowsOf<kModifierBits>(), "Structures in which the byte at 10h isn't 0");
+    description.Rows(RowsOf<kLevelTriggered>(), "Those of them with bit 0 set");
+    description.Rows(RowsOf<kEdgeTriggered>(), "Those of them with bit 0 clear");
+    description.Rows(RowsOf<kInterrupt>(), "All structures");
 }

@@ -47,7 +47,7 @@ ClText ShowUnitGroup(const Field_t& field) {
 
 ClText ShowHandle(const Field_t& field) {
     const uint16_t handle = field.Word();
-    return handle == 0xFFFF ? ClText(field.row.rendering.text) : ClSMBIOSType::GetHexString(handle, 4);
+    return handle == 0xFFFF ? ClText(field.Text()) : ClSMBIOSType::GetHexString(handle, 4);
 }
 
 constexpr Rendering_t UnitGroup{ShowUnitGroup}, MilliWatts = Dec16WithUnit(" milliWatts");
@@ -90,5 +90,5 @@ void DescribeType39(ClDescription& description) {
         "hexadecimal, 2 digits, then ` Power supply is not a member of a redundant power unit` for 0, else "
         "` Redundancy. At least one other power supply will be enumerated with the same value`");
     description.Explain(ShowHandle, kHandleWords);
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

@@ -108,9 +108,9 @@ class ClSMBIOSType130 final : public ClSMBIOSType {
     void PrintStructure(const uint8_t* pData) override {
         if (!PrintHead(pData)) return;
         const ClStructure structure = View(pData);
-        PrintItems(kSignature, structure);
-        PrintItems(structure.Byte(kCapability) == 1 ? kCapable : kNotCapable, structure);
-        PrintItems(kFeatures, structure);
+        PrintItems(RowsOf<kSignature>(), structure);
+        PrintItems(structure.Byte(kCapability) == 1 ? RowsOf<kCapable>() : RowsOf<kNotCapable>(), structure);
+        PrintItems(RowsOf<kFeatures>(), structure);
     }
 };
 
@@ -120,8 +120,8 @@ ClSMBIOSType* NewType130(const DecoderInput_t&) { return new (std::nothrow) ClSM
 
 void DescribeType130(ClDescription& description) {
     description.Explain(ShowSignature, "string, numbered by all 32 bits; number 0 is the first one");
-    description.Rows(kSignature);
-    description.Rows(kCapable, "Structures with 1 at 08h");
-    description.Rows(kNotCapable, "Structures with another value there");
-    description.Rows(kFeatures, "All structures");
+    description.Rows(RowsOf<kSignature>());
+    description.Rows(RowsOf<kCapable>(), "Structures with 1 at 08h");
+    description.Rows(RowsOf<kNotCapable>(), "Structures with another value there");
+    description.Rows(RowsOf<kFeatures>(), "All structures");
 }

@@ -20,12 +20,12 @@ ClText ShowVersion(const Field_t& field) {
     std::string text;
     for (size_t part = 0; part < 4; part++) {
         if (part != 0) text += '.';
-        text += std::to_string(field.structure.Word(field.row.offset + part * sizeof(uint16_t)));
+        text += std::to_string(field.structure.Word(field.offset + part * sizeof(uint16_t)));
     }
     return text;
 }
 
-ClText ShowMasked(const Field_t& field) { return "0x" + PlainUpperHex(field.Dword() & field.row.rendering.number); }
+ClText ShowMasked(const Field_t& field) { return "0x" + PlainUpperHex(field.Dword() & field.Number()); }
 
 ClText ShowDevice(const Field_t& field) { return "0x" + PlainUpperHex(field.Dword() >> 3 & 0x1F); }
 
@@ -78,5 +78,5 @@ void DescribeType131(ClDescription& description) {
     description.Explain(ShowVersion, "four words in decimal, joined by points");
     description.Explain(ShowDevice, "bits 3 to 7, shifted down, as `0x` and hexadecimal digits");
     description.Explain(ShowMasked, "the bits of the mask, not shifted, as `0x` and hexadecimal digits");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
 }

@@ -174,14 +174,14 @@ constexpr CodeText_t kTvlPmics[] = {
 };
 static_assert(IsRising(kTvlPmics));
 
-// What a translator traces for a text that it can't read; null for no trace.
+// What a translator traces for a text that it can't read; empty for no trace.
 struct TextTraces_t {
-    const char* function;
-    const char* nullText;
-    const char* badNumber;
+    char function[48];
+    char nullText[28];
+    char badNumber[56];
 };
 
-constexpr TextTraces_t kBoardTypeTraces = {"ClSMBIOSType148::GetBoardTypeString", "\npBoardTyper is NULL", nullptr};
+constexpr TextTraces_t kBoardTypeTraces = {"ClSMBIOSType148::GetBoardTypeString", "\npBoardTyper is NULL", ""};
 constexpr TextTraces_t kBoardRevTraces = {"ClSMBIOSType148::GetBoardRevString", "\npBoardRev is NULL",
                                           "\npBoardRev is not having proper interger value"};
 constexpr TextTraces_t kCPUFlavorTraces = {"ClSMBIOSType148::GetCPUFlavorString", "\npCpuFlavor is NULL",
@@ -190,7 +190,7 @@ constexpr TextTraces_t kMaxCoreCStateTraces = {"ClSMBIOSType148::GetMaxCoreCStat
                                                "\npMaxCoreCState is not having proper interger value"};
 constexpr TextTraces_t kBootModeTraces = {"ClSMBIOSType148::GetBootMode", "\npBootMode is NULL",
                                           "\npBootMode is not having proper interger value"};
-constexpr TextTraces_t kSecureBootTraces = {"ClSMBIOSType148::GetSecureBootStatus", "\npSecureBoot is NULL", nullptr};
+constexpr TextTraces_t kSecureBootTraces = {"ClSMBIOSType148::GetSecureBootStatus", "\npSecureBoot is NULL", ""};
 constexpr TextTraces_t kCadrelTraces = {"ClSMBIOSType148::GetCadrelStatus", "\npCadrelStatus is NULL",
                                         "\npCadrelStatus is not having proper interger value"};
 constexpr TextTraces_t kCPUTurboTraces = {"ClSMBIOSType148::GetCPUTurboStatus", "\npCPUTurbo is NULL",
@@ -224,7 +224,7 @@ bool ReadNumber(const char* text, const TextTraces_t& traces, int32_t* number) {
         return false;
     }
     if (ParseNumber(text, 10, number) == Parsed::kNumber) return true;
-    if (traces.badNumber != nullptr) TRACE(traces.function, traces.badNumber);
+    if (traces.badNumber[0] != '\0') TRACE(traces.function, traces.badNumber);
     return false;
 }
 
@@ -281,46 +281,73 @@ constexpr std::string_view kRevisionWords =
     "string with a decimal number: a revision of that board, then the number in lower-case hexadecimal in parentheses; "
     "`Unknown FAB`, `Unknown MRN FAB` or `Unknown DNM FAB` for others; nothing for an unknown board of the third "
     "family; `Board Revision is not valid` without a number";
-constexpr Translation_t Text{Call<Decoder_t::GetPrintableString>, "string"};
-constexpr Translation_t BoardType{Call<&Decoder_t::GetBoardTypeString>, kBoardWords};
-constexpr Translation_t BoardRevision{Call<&Decoder_t::GetBoardRevString>, kRevisionWords};
-constexpr Translation_t PMIC{
-    Call<&Decoder_t::GetPMICString>,
-    "string of two characters, a point and two characters. One half is the number of the chip in hexadecimal: its "
-    "word, the number in parentheses and the other half; `PR1.4 (3)` for `1F.B3` on revision 3 of board 241; `ERR` for "
-    "other chips; `PMIC String is not valid` for a shorter string"};
-constexpr Translation_t SecureBoot{Call<Decoder_t::GetSecureBootStatus>, kSettingWords, kOffOn};
-constexpr Translation_t BootMode{Call<Decoder_t::GetBootMode>, kSettingWords, kBootModes};
-constexpr Translation_t Cadrel{Call<Decoder_t::GetCadrelStatus>, kSettingWords, kOffOn};
-constexpr Translation_t CPUTurbo{Call<Decoder_t::GetCPUTurboStatus>, kSettingWords, kOffOnAuto};
-constexpr Translation_t GfxTurbo{Call<Decoder_t::GetGfxTurboStatus>, kSettingWords, kOffOnAuto};
-constexpr Translation_t MaxCState{Call<Decoder_t::GetMaxCState>, kSettingWords, kMaxCStates};
-constexpr Translation_t MaxPkgCState{Call<Decoder_t::GetMaxPkgCState>, kSettingWords, kMaxPkgCStates};
-constexpr Translation_t S0ix{Call<Decoder_t::GetS0ix>, kSettingWords, kOffOn};
-constexpr Translation_t RC6{Call<Decoder_t::GetRC6>, kSettingWords, kOffOn};
-constexpr Translation_t MaxCoreCState{Call<Decoder_t::GetMaxCoreCState>, kSettingWords, kMaxCoreCStates,
-                                      "\nGetMaxCoreCState Failed"};
-// A string without a number other than 0 is shown as it is.
-constexpr Translation_t BoardTypeIfNumber{
-    CallIfNumber<&Decoder_t::GetBoardTypeString>,
-    "as BoardType if the string begins with a number other than 0, else the string"};
-constexpr Translation_t BoardRevisionIfNumber{
-    CallIfNumber<&Decoder_t::GetBoardRevString>,
-    "as BoardRev if the string begins with a number other than 0, else the string"};
-constexpr Translation_t CPUFlavorIfNumber{
-    CallIfNumber<Decoder_t::GetCPUFlavorString>,
-    "if the string begins with a decimal number other than 0: a word of the list, else `Unknown CPU Flavor`, then the "
-    "number in lower-case hexadecimal in parentheses; else the string",
-    kCpuFlavors, "\nGetCPUFlavorString Failed"};
+// The translations of the layouts. Those ...IfNumber show a string without a number other than 0 as it is.
+enum Translator_t : uint8_t {
+    Text,
+    BoardType,
+    BoardRevision,
+    PMIC,
+    SecureBoot,
+    BootMode,
+    Cadrel,
+    CPUTurbo,
+    GfxTurbo,
+    MaxCState,
+    MaxPkgCState,
+    S0ix,
+    RC6,
+    MaxCoreCState,
+    BoardTypeIfNumber,
+    BoardRevisionIfNumber,
+    CPUFlavorIfNumber,
+};
+
+Translation_t TranslationBy(Translator_t translator) {
+    switch (translator) {
+        case Text: return {Call<Decoder_t::GetPrintableString>, "string"};
+        case BoardType: return {Call<&Decoder_t::GetBoardTypeString>, kBoardWords};
+        case BoardRevision: return {Call<&Decoder_t::GetBoardRevString>, kRevisionWords};
+        case PMIC:
+            return {Call<&Decoder_t::GetPMICString>,
+                    "string of two characters, a point and two characters. One half is the number of the chip in "
+                    "hexadecimal: its word, the number in parentheses and the other half; `PR1.4 (3)` for `1F.B3` on "
+                    "revision 3 of board 241; `ERR` for other chips; `PMIC String is not valid` for a shorter string"};
+        case SecureBoot: return {Call<Decoder_t::GetSecureBootStatus>, kSettingWords, kOffOn};
+        case BootMode: return {Call<Decoder_t::GetBootMode>, kSettingWords, kBootModes};
+        case Cadrel: return {Call<Decoder_t::GetCadrelStatus>, kSettingWords, kOffOn};
+        case CPUTurbo: return {Call<Decoder_t::GetCPUTurboStatus>, kSettingWords, kOffOnAuto};
+        case GfxTurbo: return {Call<Decoder_t::GetGfxTurboStatus>, kSettingWords, kOffOnAuto};
+        case MaxCState: return {Call<Decoder_t::GetMaxCState>, kSettingWords, kMaxCStates};
+        case MaxPkgCState: return {Call<Decoder_t::GetMaxPkgCState>, kSettingWords, kMaxPkgCStates};
+        case S0ix: return {Call<Decoder_t::GetS0ix>, kSettingWords, kOffOn};
+        case RC6: return {Call<Decoder_t::GetRC6>, kSettingWords, kOffOn};
+        case MaxCoreCState:
+            return {Call<Decoder_t::GetMaxCoreCState>, kSettingWords, kMaxCoreCStates, "\nGetMaxCoreCState Failed"};
+        case BoardTypeIfNumber:
+            return {CallIfNumber<&Decoder_t::GetBoardTypeString>,
+                    "as BoardType if the string begins with a number other than 0, else the string"};
+        case BoardRevisionIfNumber:
+            return {CallIfNumber<&Decoder_t::GetBoardRevString>,
+                    "as BoardRev if the string begins with a number other than 0, else the string"};
+        case CPUFlavorIfNumber:
+            return {CallIfNumber<Decoder_t::GetCPUFlavorString>,
+                    "if the string begins with a decimal number other than 0: a word of the list, else `Unknown CPU "
+                    "Flavor`, then the number in lower-case hexadecimal in parentheses; else the string",
+                    kCpuFlavors, "\nGetCPUFlavorString Failed"};
+    }
+    return {};
+}
 
 // Layouts with fixed keys. Some keys without a string become group items.
 constexpr uint8_t kPlainItem = 0, kGroupItem = 1;
 
 struct FieldRow_t {
-    std::string_view key;
+    char key[16];  // characters in place of a pointer, which would cost a relocation at start-up
     uint8_t offset;
-    const Translation_t& translation;
+    Translator_t translator;
     uint8_t groupWithoutString;
+
+    std::string_view Key() const { return key; }
 };
 
 // The byte at kLayout selects the layout of a board; in the layout of a platform it is the first field.
@@ -393,7 +420,7 @@ constexpr size_t kPlatform = 4;
 
 struct PairRow_t {
     uint8_t valueOffset;
-    const Translation_t& translation;
+    Translator_t translator;
 };
 
 // A pair whose key has no string gives no item. A text without a number where one is needed ends the structure.
@@ -449,12 +476,12 @@ void ClSMBIOSType148::PrintStructureExt(const uint8_t* pData) {
     for (const FieldRow_t& row : structure.Byte(kLayout) == kBoardLayout ? board : platform) {
         const uint8_t number = structure.Byte(row.offset);
         if (number == 0) {
-            Fill_String_Data(row.key, "None", row.groupWithoutString);
+            Fill_String_Data(row.Key(), "None", row.groupWithoutString);
             continue;
         }
         std::string value;
-        row.translation.translate(*this, GetString(number, pData), &value);
-        Fill_String_Data(row.key, value, 0);
+        TranslationBy(row.translator).translate(*this, GetString(number, pData), &value);
+        Fill_String_Data(row.Key(), value, 0);
     }
 }
 
@@ -465,9 +492,10 @@ status_t ClSMBIOSType148::PrintStructureExtEx(const uint8_t* pData) {
     for (const PairRow_t& pair : kPairs) {
         const uint8_t key = structure.Byte(pair.valueOffset - 1u), number = structure.Byte(pair.valueOffset);
         if (key == 0) continue;
+        const Translation_t translation = TranslationBy(pair.translator);
         std::string value = "None";
-        if (number != 0 && pair.translation.translate(*this, GetString(number, pData), &value) != kSuccess) {
-            TRACE("ClSMBIOSType148::PrintStructureExtEx", pair.translation.failureTrace);
+        if (number != 0 && translation.translate(*this, GetString(number, pData), &value) != kSuccess) {
+            TRACE("ClSMBIOSType148::PrintStructureExtEx", translation.failureTrace);
             return kFailure;
         }
         Fill_String_Data(GetPrintableString(GetString(key, pData)), value, 0);
@@ -580,9 +608,10 @@ static void DescribeFields(ClDescription& description, std::span<const FieldRow_
         const std::string_view none = row.groupWithoutString == kGroupItem
                                           ? "; `None`, as a group item, without a string"
                                           : "; `None` without a string";
+        const Translation_t translation = TranslationBy(row.translator);
         description.Item(row.key, ClSMBIOSType::GetHexString(row.offset, 2),
-                         std::string(row.translation.words).append(none));
-        if (!row.translation.table.empty()) description.Words(row.key, row.translation.table);
+                         std::string(translation.words).append(none));
+        if (!translation.table.empty()) description.Words(row.key, translation.table);
     }
 }
 
@@ -598,9 +627,10 @@ void DescribeType148(ClDescription& description) {
     for (const PairRow_t& row : kPairs) {
         const std::string at = ClSMBIOSType::GetHexString(row.valueOffset, 2),
                           keyAt = ClSMBIOSType::GetHexString(row.valueOffset - 1u, 2);
+        const Translation_t translation = TranslationBy(row.translator);
         description.Item("(the string numbered at " + keyAt + ")", at,
-                         std::string(row.translation.words).append("; `None` without a string"));
-        if (!row.translation.table.empty()) description.Words("Value at " + at, row.translation.table);
+                         std::string(translation.words).append("; `None` without a string"));
+        if (!translation.table.empty()) description.Words("Value at " + at, translation.table);
     }
     description.Words("Boards of the processor 30670h", kMrnBoards);
     description.Words("Boards of the processor 406C0h", kDnmBoards);

@@ -25,7 +25,7 @@ class ClSMBIOSType222 final : public ClSMBIOSType {
   private:
     void GetCheckPointInfo(const uint8_t* pData) {
         const ClStructure structure = View(pData);
-        PrintItems(kItems, structure);
+        PrintItems(RowsOf<kItems>(), structure);
         PrintStrings(kStringKey, 1, structure);
     }
 };
@@ -36,6 +36,6 @@ ClSMBIOSType* NewType222(const DecoderInput_t&) { return new (std::nothrow) ClSM
 
 void DescribeType222(ClDescription& description) {
     description.Explain(ShowPort, "`0X` and hexadecimal digits");
-    description.Rows(kItems);
+    description.Rows(RowsOf<kItems>());
     description.Item(kStringKey, {}, "the first string");
 }

@@ -31,18 +31,11 @@ constexpr TypeRow_t kTypes[] = {
 static_assert(std::ranges::is_sorted(kTypes, std::ranges::less_equal{}, &TypeRow_t::type));
 
 // Types whose structures give no items, not even a title.
-class ClSMBIOSTypeWithoutItems : public ClSMBIOSType {
+class ClSMBIOSTypeWithoutItems final : public ClSMBIOSType {
   public:
     using ClSMBIOSType::ClSMBIOSType;
-    void PrintStructure(const uint8_t*) final {}
+    void PrintStructure(const uint8_t*) override {}
 };
-
-#define NO_ITEMS(number, name)                                           \
-    class ClSMBIOSType##number final : public ClSMBIOSTypeWithoutItems { \
-      public:                                                            \
-        ClSMBIOSType##number() : ClSMBIOSTypeWithoutItems(number) {}     \
-    };
-#include "Sources/Types.def"
 
 }  // namespace
 
@@ -70,7 +63,7 @@ ClSMBIOSType* NewDecoder(uint8_t type, const DecoderInput_t& input) {
     // clang-format off
     switch (type) {
 #define DECODER(number, ...) case number: return NewType##number(input);
-#define NO_ITEMS(number, name) case number: return new (std::nothrow) ClSMBIOSType##number;
+#define NO_ITEMS(number, name) case number: return new (std::nothrow) ClSMBIOSTypeWithoutItems(number);
 #include "Sources/Types.def"
         default: return nullptr;
     }

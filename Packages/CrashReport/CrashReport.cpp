@@ -11,7 +11,7 @@ namespace {
 
 struct Cause_t {
     uint32_t code;
-    const char* text;
+    char text[36];
 };
 
 constexpr Cause_t kCauses[] = {

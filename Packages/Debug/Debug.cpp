@@ -198,7 +198,7 @@ struct Header_t {
 
 struct LevelTag_t {
     uint32_t level;
-    const char* tag;
+    char tag[12];
 };
 
 // In the order in which a header shows them.

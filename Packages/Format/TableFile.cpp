@@ -11,7 +11,9 @@ namespace {
 
 struct FormName_t {
     TableForm_t form;
-    std::string_view name;
+    char name[8];
+
+    constexpr std::string_view Name() const { return name; }
 };
 constexpr FormName_t kFormNames[] = {
     {TableForm_t::kAny,           "any"    },
@@ -151,10 +153,10 @@ Counts_t CountStructures(std::span<const uint8_t> table) {
 
 }  // namespace
 
-std::string_view NameOfForm(TableForm_t form) { return std::ranges::find(kFormNames, form, &FormName_t::form)->name; }
+std::string_view NameOfForm(TableForm_t form) { return std::ranges::find(kFormNames, form, &FormName_t::form)->Name(); }
 
 bool FormByName(std::string_view name, TableForm_t* form) {
-    const auto* row = std::ranges::find(kFormNames, name, &FormName_t::name);
+    const auto* row = std::ranges::find(kFormNames, name, &FormName_t::Name);
     if (row == std::end(kFormNames)) return false;
     *form = row->form;
     return true;

@@ -73,10 +73,11 @@ class ClPage final : public ClDescription {
         m_explanations[render] = words;
     }
 
-    void Rows(std::span<const ItemRow_t> rows, std::string_view when) override {
+    void Rows(const Rows_t& rows, std::string_view when) override {
         if (!when.empty()) m_items += "\n"s.append(std::string(when)) + (when.ends_with('.') ? "\n" : ":\n");
         if (!when.empty() || m_items.empty()) m_items += "\n| key | offset | reads as |\n|---|---|---|\n";
-        for (const ItemRow_t& row : rows) {
+        for (const PackedRow_t& packed : rows.rows) {
+            const ItemRow_t row = UnpackedRow(rows, packed);
             Item(row.key, Hex(row.offset, 2), WordsOf(row));
             const bool isBit = row.rendering.render == ShowBit8 || row.rendering.render == ShowBit32;
             if (row.rendering.table.empty() || isBit) continue;

@@ -59,11 +59,14 @@ std::string Option_t::Help() const {
 }
 
 bool ParseCommandLine(std::span<const Option_t> options, const Arguments_t& arguments) {
-    std::vector<char*> words = {const_cast<char*>("quorlin")};
+    std::vector<char*> words;
+    words.reserve(arguments.size() + 2);
+    words.push_back(const_cast<char*>("quorlin"));
     for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
     const auto count = static_cast<int>(words.size());
     words.push_back(nullptr);
     std::vector<option> known;
+    known.reserve(options.size() + 2);
     std::string letters = ":h";
     for (const Option_t& option : options) {
         if (option.IsArgument()) continue;

@@ -11,16 +11,20 @@ namespace {
 // The words that table printers have for types, each with its types.
 constexpr Choice_t kWords[] = {{"bios"},   {"system"}, {"baseboard"}, {"chassis"}, {"processor"},
                                {"memory"}, {"cache"},  {"connector"}, {"slot"}};
-constexpr std::initializer_list<uint8_t> kTypesOfWords[] = {
-    {0,   13},
-    {1,   12, 15, 23, 32},
-    {2,10, 41},
-    {3},
-    {4  },
-    {5,   6, 16, 17},
-    {7  },
-    {8  },
-    {9},
+struct TypesOfWord_t {
+    uint8_t count;
+    uint8_t types[5];
+};
+constexpr TypesOfWord_t kTypesOfWords[] = {
+    {2, {0, 13}            },
+    {5, {1, 12, 15, 23, 32}},
+    {3, {2, 10, 41}        },
+    {1, {3}                },
+    {1, {4}                },
+    {4, {5, 6, 16, 17}     },
+    {1, {7}                },
+    {1, {8}                },
+    {1, {9}                },
 };
 static_assert(std::size(kWords) == std::size(kTypesOfWords));
 
@@ -31,7 +35,8 @@ bool AddTypes(std::string_view part, std::vector<uint8_t>* types) {
     };
     for (size_t place = 0; place < std::size(kWords); place++) {
         if (!EqualsIgnoringCase(part, kWords[place].word)) continue;
-        for (const uint8_t type : kTypesOfWords[place]) add(type);
+        const TypesOfWord_t& row = kTypesOfWords[place];
+        for (const uint8_t type : std::span(row.types, row.count)) add(type);
         return true;
     }
     const size_t dash = std::min(part.find('-'), part.size());
