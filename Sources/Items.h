@@ -44,8 +44,20 @@ struct Item_t {
     // Appends the key as text: a title with its instance number from the second on, and kGroupMark unless it is a
     // kItem.
     void AppendKey(std::string& text) const;
+    // Writes the item as a line, `"KEY", "VALUE"`, whose value is without quotes. Returns the place after it.
+    char* PutLine(char* place) const;
+    // At least what PutLine writes.
+    size_t MostLineBytes() const { return key.size() + value.size() + kMostMarks.size() + kQuotes.size(); }
     // A title as text, without kGroupMark: "TEXT {Type N}", "TEXT {Type N}_2".
     std::string Title() const;
+
+  private:
+    static constexpr std::string_view kMostMarks = "_4294967295#GROUPNAME", kQuotes = "\"\", \"\"";
+
+    char* PutKey(char* place) const {
+        return facts.kind == ItemKind_t::kItem ? PutText(place, key) : PutMarkedKey(place);
+    }
+    char* PutMarkedKey(char* place) const;
 };
 
 // Items in the order in which they were added.

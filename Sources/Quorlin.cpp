@@ -78,41 +78,10 @@ status_t Quorlin::GetItemByName(std::string name) {
     return kBadValue;
 }
 
-namespace {
-
-void AppendQuoted(std::string_view key, std::string_view value, std::string& text) {
-    constexpr std::string_view kMiddle = "\", \"";
-    if (value == " ") value = {};
-    const size_t begin = text.size();
-    text.resize(begin + key.size() + value.size() + kMiddle.size() + 2);
-    char* place = text.data() + begin;
-    *place++ = '"';
-    place = std::copy_n(key.data(), key.size(), place);
-    place = std::copy_n(kMiddle.data(), kMiddle.size(), place);
-    if (value.find('"') == value.npos) {
-        place = std::copy_n(value.data(), value.size(), place);
-        *place = '"';
-    } else {
-        place = std::remove_copy(value.begin(), value.end(), place, '"');
-        *place++ = '"';
-        text.resize(static_cast<size_t>(place - text.data()));
-    }
-}
-
-// An item whose key as text isn't its key. Such items are rare, and their code would slow down all others.
-[[gnu::noinline]] void AppendMarked(const Item_t& item, std::string& text) {
-    std::string key;
-    item.AppendKey(key);
-    AppendQuoted(key, item.value, text);
-}
-
-}  // namespace
-
 void Quorlin::AppendLine(const Item_t& item, std::string& text) {
-    if (item.facts.kind == ItemKind_t::kItem)
-        AppendQuoted(item.key, item.value, text);
-    else
-        AppendMarked(item, text);
+    const size_t begin = text.size();
+    text.resize(begin + item.MostLineBytes());
+    text.resize(static_cast<size_t>(item.PutLine(text.data() + begin) - text.data()));
 }
 
 status_t Quorlin::GetNextItem(std::string& text) {

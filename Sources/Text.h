@@ -3,11 +3,42 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
+
+// Copies a text, and returns the place after it. Most texts are so short that a call of memcpy would cost more.
+inline char* PutText(char* place, std::string_view text) {
+    const char* const from = text.data();
+    const size_t size = text.size();
+    // The first and the last bytes, which may overlap.
+    const auto copyEnds = [=]<size_t kBytes>(std::integral_constant<size_t, kBytes>) {
+        char first[kBytes], last[kBytes];
+        std::memcpy(first, from, kBytes);
+        std::memcpy(last, from + size - kBytes, kBytes);
+        std::memcpy(place, first, kBytes);
+        std::memcpy(place + size - kBytes, last, kBytes);
+    };
+    if (size > 32) {
+        std::memcpy(place, from, size);
+    } else if (size >= 16) {
+        copyEnds(std::integral_constant<size_t, 16>());
+    } else if (size >= 8) {
+        copyEnds(std::integral_constant<size_t, 8>());
+    } else if (size >= 4) {
+        copyEnds(std::integral_constant<size_t, 4>());
+    } else if (size != 0) {
+        place[0] = from[0];
+        place[size / 2] = from[size / 2];
+        place[size - 1] = from[size - 1];
+    }
+    return place + size;
+}
 
 // The text of a key or a value on its way into a list. It either owns its characters, or refers to text that outlives
 // all items: a literal, a word of a table, a string of a record (the store keeps its records while a package has
@@ -37,8 +68,7 @@ class ClTextArena {
     std::string_view Keep(std::string_view text) {
         if (text.size() > m_left) Grow(text.size());
         char* place = m_next;
-        std::copy_n(text.data(), text.size(), place);
-        m_next += text.size();
+        m_next = PutText(place, text);
         m_left -= text.size();
         return {place, text.size()};
     }
