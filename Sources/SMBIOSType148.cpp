@@ -82,7 +82,11 @@ constexpr CodeText_t kMrnProductRevisions[] = {
 };
 static_assert(IsRising(kMrnProductRevisions));
 
+enum class Line_t { kNone, kMrn, kDnm, kTvl };
+
+// A family of processors, and the words for its boards.
 struct Family_t {
+    Line_t line;
     std::span<const CodeText_t> boards;
     std::string_view otherBoard;            // the word for a board that isn't listed
     std::span<const CodeText_t> revisions;  // of the listed boards
@@ -90,18 +94,14 @@ struct Family_t {
     std::string_view revisionOfOtherBoard;  // empty: no text at all
 };
 
-constexpr Family_t kMrn{kMrnBoards, "Unknown MRN BOARD", kFabs, "Unknown FAB", "Unknown MRN FAB"};
-constexpr Family_t kDnm{kDnmBoards, "Unknown DNM BOARD", kFabs, "Unknown DNM FAB", "Unknown FAB"};
-constexpr Family_t kTvl{kTvlBoards, "Unknown TVL BOARD", kTvlFabs, "Unknown DNM FAB", {}};
-constexpr Family_t kNoFamily{{}, "Unknown BOARD", {}, {}, "Unknown FAB"};
-
-const Family_t& FamilyOf(uint32_t processorSignature) {
+Family_t FamilyOf(uint32_t processorSignature) {
+    using enum Line_t;
     switch (processorSignature) {
-        case 0x30670: return kMrn;
-        case 0x406C0: return kDnm;
+        case 0x30670: return {kMrn, kMrnBoards, "Unknown MRN BOARD", kFabs, "Unknown FAB", "Unknown MRN FAB"};
+        case 0x406C0: return {kDnm, kDnmBoards, "Unknown DNM BOARD", kFabs, "Unknown DNM FAB", "Unknown FAB"};
         case 0x506C0:
-        case 0x706A0: return kTvl;
-        default: return kNoFamily;
+        case 0x706A0: return {kTvl, kTvlBoards, "Unknown TVL BOARD", kTvlFabs, "Unknown DNM FAB", {}};
+        default: return {kNone, {}, "Unknown BOARD", {}, {}, "Unknown FAB"};
     }
 }
 
@@ -461,7 +461,7 @@ void ClSMBIOSType148::PrintStructure(const uint8_t* pData) {
     }
     PrintHead(pData);
     try {
-        if (&FamilyOf(m_processorSignature) != &kTvl)
+        if (FamilyOf(m_processorSignature).line != Line_t::kTvl)
             PrintStructureExt(pData);
         else if (PrintStructureExtEx(pData) != kSuccess)
             TRACE("ClSMBIOSType148::PrintStructure", "\nPrintStructureExtEx Failed");
@@ -521,7 +521,7 @@ std::string ClSMBIOSType148::GetBoardTypeString(const char* text) {
     int32_t number = 0;
     if (!ReadNumber(text, kBoardTypeTraces, &number)) return "BoardType is not valid";
     BoardId = static_cast<uint32_t>(number);
-    const Family_t& family = FamilyOf(m_processorSignature);
+    const Family_t family = FamilyOf(m_processorSignature);
     return std::string(TextOf(family.boards, BoardId, family.otherBoard)) + GetHexSuffix(BoardId, 2);
 }
 
@@ -529,9 +529,9 @@ std::string ClSMBIOSType148::GetBoardRevString(const char* text) {
     int32_t number = 0;
     if (!ReadNumber(text, kBoardRevTraces, &number)) return "Board Revision is not valid";
     BoardRev = static_cast<uint32_t>(number);
-    const Family_t& family = FamilyOf(m_processorSignature);
+    const Family_t family = FamilyOf(m_processorSignature);
     std::string_view label = family.revisionOfOtherBoard;
-    if (&family == &kMrn && BoardId == kMrnProductBoard)
+    if (family.line == Line_t::kMrn && BoardId == kMrnProductBoard)
         label = TextOf(kMrnProductRevisions, BoardRev, family.otherRevision);
     else if (!TextOf(family.boards, BoardId, {}).empty())
         label = TextOf(family.revisions, BoardRev, family.otherRevision);
@@ -545,7 +545,7 @@ std::string ClSMBIOSType148::GetPMICString(const char* text) {
     const std::string_view pmic = text;
     if (pmic.size() < 3 || pmic[2] != '.') return std::string(kNoWord);
     if (pmic.size() < 5) return "PMIC String is not valid";
-    const bool isTvl = &FamilyOf(m_processorSignature) == &kTvl;
+    const bool isTvl = FamilyOf(m_processorSignature).line == Line_t::kTvl;
     std::string_view chip = pmic.substr(0, 2), other = pmic.substr(3, 2);
     // Revision 3 of the product board has a later revision, which only its chip identifies.
     if (!isTvl && BoardId == kMrnProductBoard && BoardRev == 3 && chip == "1F" && other == "B3")

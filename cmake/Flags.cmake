@@ -32,6 +32,11 @@ if(QUORLIN_FUZZ)
   target_compile_options(quorlin_flags INTERFACE -fsanitize=fuzzer-no-link
     -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/Fuzz/Ignored.txt)
 endif()
+
+# For classes that no host sees, and that nothing casts by their type: their type information is only relocations at
+# start-up. The sanitizers need it.
+set(quorlin_without_rtti $<$<NOT:$<BOOL:${QUORLIN_SANITIZE}>>:-fno-rtti>)
+
 if(WIN32)
   # The library must not depend on MinGW's own DLLs.
   target_link_options(quorlin_flags INTERFACE -static -fstack-protector-strong

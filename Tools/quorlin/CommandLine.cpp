@@ -16,7 +16,7 @@ std::string Listed(Choices_t choices, bool withRemarks) {
     for (const Choice_t& choice : choices) {
         if (&choice != choices.data()) text += &choice == &choices.back() ? " or " : ", ";
         text += choice.word;
-        if (withRemarks && choice.remark != nullptr) text.append(" (").append(choice.remark).append(")");
+        if (withRemarks && choice.remark[0] != '\0') text.append(" (").append(choice.remark).append(")");
     }
     return text;
 }

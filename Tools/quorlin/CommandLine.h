@@ -10,10 +10,10 @@
 
 using Arguments_t = std::vector<std::string>;
 
-// A word that an option takes as its value.
+// A word that an option takes as its value. Characters in place of pointers, which would cost relocations at start-up.
 struct Choice_t {
-    const char* word;
-    const char* remark = nullptr;  // what it means, where the word alone doesn't say it
+    char word[24];
+    char remark[40] = "";  // what it means, where the word alone doesn't say it
 };
 using Choices_t = std::span<const Choice_t>;
 

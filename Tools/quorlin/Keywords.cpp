@@ -10,41 +10,42 @@
 namespace {
 
 struct Keyword_t {
-    char word[24];
+    Choice_t choice;
     uint8_t type;
     char key[40];  // of the fact
 };
 constexpr auto kKeywords = std::to_array<Keyword_t>({
-    {"bios-vendor",             0, "vendor"                              },
-    {"bios-version",            0, "firmware_version"                    },
-    {"bios-release-date",       0, "firmware_release_date"               },
-    {"bios-revision",           0, "platform_firmware_release"           },
-    {"firmware-revision",       0, "embedded_controller_firmware_release"},
-    {"system-manufacturer",     1, "manufacturer"                        },
-    {"system-product-name",     1, "product_name"                        },
-    {"system-version",          1, "version"                             },
-    {"system-serial-number",    1, "serial_number"                       },
-    {"system-uuid",             1, "uuid"                                },
-    {"system-sku-number",       1, "sku_number"                          },
-    {"system-family",           1, "family"                              },
-    {"baseboard-manufacturer",  2, "manufacturer"                        },
-    {"baseboard-product-name",  2, "product"                             },
-    {"baseboard-version",       2, "version"                             },
-    {"baseboard-serial-number", 2, "serial_number"                       },
-    {"baseboard-asset-tag",     2, "asset_tag"                           },
-    {"chassis-manufacturer",    3, "manufacturer"                        },
-    {"chassis-type",            3, "chassis_type"                        },
-    {"chassis-version",         3, "version"                             },
-    {"chassis-serial-number",   3, "serial_number"                       },
-    {"chassis-asset-tag",       3, "asset_tag_number"                    },
-    {"processor-family",        4, "family"                              },
-    {"processor-manufacturer",  4, "processor_manufacturer"              },
-    {"processor-version",       4, "processor_version"                   },
-    {"processor-frequency",     4, "current_speed"                       },
+    {{"bios-vendor"},             0, "vendor"                              },
+    {{"bios-version"},            0, "firmware_version"                    },
+    {{"bios-release-date"},       0, "firmware_release_date"               },
+    {{"bios-revision"},           0, "platform_firmware_release"           },
+    {{"firmware-revision"},       0, "embedded_controller_firmware_release"},
+    {{"system-manufacturer"},     1, "manufacturer"                        },
+    {{"system-product-name"},     1, "product_name"                        },
+    {{"system-version"},          1, "version"                             },
+    {{"system-serial-number"},    1, "serial_number"                       },
+    {{"system-uuid"},             1, "uuid"                                },
+    {{"system-sku-number"},       1, "sku_number"                          },
+    {{"system-family"},           1, "family"                              },
+    {{"baseboard-manufacturer"},  2, "manufacturer"                        },
+    {{"baseboard-product-name"},  2, "product"                             },
+    {{"baseboard-version"},       2, "version"                             },
+    {{"baseboard-serial-number"}, 2, "serial_number"                       },
+    {{"baseboard-asset-tag"},     2, "asset_tag"                           },
+    {{"chassis-manufacturer"},    3, "manufacturer"                        },
+    {{"chassis-type"},            3, "chassis_type"                        },
+    {{"chassis-version"},         3, "version"                             },
+    {{"chassis-serial-number"},   3, "serial_number"                       },
+    {{"chassis-asset-tag"},       3, "asset_tag_number"                    },
+    {{"processor-family"},        4, "family"                              },
+    {{"processor-manufacturer"},  4, "processor_manufacturer"              },
+    {{"processor-version"},       4, "processor_version"                   },
+    {{"processor-frequency"},     4, "current_speed"                       },
 });
 
 const Keyword_t* FindKeyword(const std::string& word) {
-    const auto place = std::ranges::find_if(kKeywords, [&](const Keyword_t& keyword) { return word == keyword.word; });
+    const auto place =
+        std::ranges::find_if(kKeywords, [&](const Keyword_t& keyword) { return word == keyword.choice.word; });
     return place == kKeywords.end() ? nullptr : &*place;
 }
 
@@ -92,16 +93,18 @@ std::string KeywordText(const ClFacts& facts, const Fact_t& fact) {
 
 }  // namespace
 
-std::vector<Choice_t> KeywordChoices() {
-    std::vector<Choice_t> choices;
-    choices.reserve(kKeywords.size());
-    for (const Keyword_t& keyword : kKeywords) choices.push_back({keyword.word});
-    return choices;
+Choices_t KeywordChoices() {
+    static constexpr auto kChoices = [] {
+        std::array<Choice_t, kKeywords.size()> choices = {};
+        std::ranges::transform(kKeywords, choices.begin(), &Keyword_t::choice);
+        return choices;
+    }();
+    return kChoices;
 }
 
 std::string KeywordList() {
     std::string list;
-    for (const Keyword_t& keyword : kKeywords) list.append(list.empty() ? "" : ", ").append(keyword.word);
+    for (const Keyword_t& keyword : kKeywords) list.append(list.empty() ? "" : ", ").append(keyword.choice.word);
     return list;
 }
 

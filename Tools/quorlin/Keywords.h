@@ -2,13 +2,12 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "Tools/quorlin/CommandLine.h"
 #include "Tools/quorlin/Source.h"
 
 // All keywords.
-std::vector<Choice_t> KeywordChoices();
+Choices_t KeywordChoices();
 // All keywords in one line, with ", " between them.
 std::string KeywordList();
 bool IsKeyword(const std::string& word);

@@ -19,9 +19,10 @@
 using Cell_t = std::variant<std::monostate, std::string_view, uint64_t, bool>;
 using Row_t = std::vector<Cell_t>;
 
+// Characters in place of pointers, which would cost relocations at start-up.
 struct Column_t {
-    const char* name;
-    const char* heading = nullptr;  // in a table for people, which leaves out columns without one
+    char name[16];
+    char heading[16] = "";  // in a table for people, which leaves out columns without one
 };
 
 // A list's name and the columns of its rows.

@@ -16,7 +16,7 @@ class ClGet : public ClCommand {
   public:
     std::vector<Option_t> Options() override {
         std::vector<Option_t> options = m_source.OptionsForOne();
-        m_choices = KeywordChoices();
+        m_choices.assign(KeywordChoices().begin(), KeywordChoices().end());
         m_choices.insert(m_choices.end(), TypeWords().begin(), TypeWords().end());
         m_help = "A keyword, or the structure's type, as --type takes it elsewhere. Keywords: " + KeywordList();
         options.push_back({.name = "keyword|type",

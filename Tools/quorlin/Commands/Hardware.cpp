@@ -1,6 +1,5 @@
 // quorlin hw: the operations of the hardware library.
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstring>
 
@@ -290,39 +289,35 @@ status_t DoVersions(Request_t& request) {
 }
 
 struct Operation_t {
-    const char* name;
+    Choice_t name;
     size_t leastWords, mostWords;  // after the name
     bool canWrite, takesCpu, takesOut;
     status_t (*run)(Request_t& request);
 };
 constexpr Operation_t kOperations[] = {
-    {"cpuid",    1, 2, false, true,  false, DoCPUID   },
-    {"pci",      3, 3, false, false, false, DoPCI     },
-    {"mem",      2, 2, true,  false, false, DoMemory  },
-    {"msr",      2, 2, true,  true,  false, DoMSR     },
-    {"port",     3, 3, true,  false, false, DoPort    },
-    {"acpi",     0, 1, false, false, true,  DoACPI    },
-    {"segments", 0, 0, false, false, false, DoSegments},
-    {"versions", 0, 0, false, false, false, DoVersions},
+    {{"cpuid"},    1, 2, false, true,  false, DoCPUID   },
+    {{"pci"},      3, 3, false, false, false, DoPCI     },
+    {{"mem"},      2, 2, true,  false, false, DoMemory  },
+    {{"msr"},      2, 2, true,  true,  false, DoMSR     },
+    {{"port"},     3, 3, true,  false, false, DoPort    },
+    {{"acpi"},     0, 1, false, false, true,  DoACPI    },
+    {{"segments"}, 0, 0, false, false, false, DoSegments},
+    {{"versions"}, 0, 0, false, false, false, DoVersions},
 };
 
-constexpr auto kNames = [] {
-    std::array<Choice_t, std::size(kOperations)> names = {};
-    for (size_t place = 0; place < names.size(); place++) names[place].word = kOperations[place].name;
-    return names;
-}();
 constexpr Choice_t kDirections[] = {{"read"}, {"write"}};
 
 class ClHw : public ClCommand {
   public:
     std::vector<Option_t> Options() override {
         std::vector<Option_t> options;
+        for (const Operation_t& operation : kOperations) m_names.push_back(operation.name);
         options.push_back({.name = "operation",
                            .typeName = "OPERATION",
                            .help = "The operation",
                            .target = &m_name,
                            .required = true,
-                           .choices = kNames});
+                           .choices = m_names});
         options.push_back({.name = "argument",
                            .typeName = "ARGUMENT",
                            .help = "What the operation needs",
@@ -341,7 +336,7 @@ class ClHw : public ClCommand {
 
     int Run() override {
         const Operation_t& operation =
-            *std::ranges::find_if(kOperations, [&](const Operation_t& each) { return m_name == each.name; });
+            *std::ranges::find_if(kOperations, [&](const Operation_t& each) { return m_name == each.name.word; });
         ClOutput output;
         Request_t request(m_words, output);
         CheckOptions(operation, request);
@@ -376,6 +371,7 @@ class ClHw : public ClCommand {
         if (request.writes != m_yes) throw BadUsage_t{"writing needs both --write VALUE and --yes-write-hardware"};
     }
 
+    std::vector<Choice_t> m_names;
     std::string m_name, m_cpuText, m_valueText, m_out, m_replay, m_trace;
     std::vector<std::string> m_words;
     bool m_yes = false;

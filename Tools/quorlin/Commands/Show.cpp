@@ -34,13 +34,12 @@ class ClShow : public ClCommand {
         options.push_back({"file", "FILE", "Images to read, as --image takes them", &m_source.images});
         options.push_back(TypeOption(&m_typeNames));
         options.push_back(m_format.Option());
-        m_keywords = KeywordChoices();
         options.push_back({.name = "--string",
                            .typeName = "KEYWORD",
                            .help = "Only the value of a keyword, like quorlin get",
                            .target = &m_keyword,
                            .letter = 's',
-                           .choices = m_keywords});
+                           .choices = KeywordChoices()});
         options.push_back({"--version", nullptr, "Print the version", &m_wantsVersion});
         return options;
     }
@@ -78,7 +77,6 @@ class ClShow : public ClCommand {
   private:
     Source_t m_source;
     std::vector<std::string> m_typeNames;
-    std::vector<Choice_t> m_keywords;
     std::string m_keyword;
     ClFormatOption m_format{kStructures};
     bool m_wantsVersion = false;

@@ -14,7 +14,7 @@ constexpr Column_t kColumns[] = {
     {"type",    "Type" },
     {"count",   "Count"},
     {"title",   "Title"},
-    {"decoded", nullptr},
+    {"decoded"},
 };
 constexpr List_t kList = {.name = "types", .columns = kColumns};
 

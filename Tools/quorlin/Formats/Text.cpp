@@ -34,7 +34,7 @@ class ClTextWriter : public ClWriter {
         m_list = &list;
         std::string line;
         for (const Column_t& column : list.columns)
-            if (column.heading != nullptr) line.append(line.empty() ? "" : "  ").append(column.heading);
+            if (column.heading[0] != '\0') line.append(line.empty() ? "" : "  ").append(column.heading);
         if (!line.empty()) m_columns.Line(0, line);
     }
 
@@ -43,15 +43,14 @@ class ClTextWriter : public ClWriter {
         std::string line;
         const Column_t* column = m_list->columns.data();
         for (const Cell_t& cell : cells) {
-            const char* heading = column++->heading;
-            if (heading == nullptr) continue;
+            const std::string_view heading = column++->heading;
+            if (heading.empty()) continue;
             if (!line.empty()) line += "  ";
             if (const auto* text = std::get_if<std::string_view>(&cell)) line += *text;
             if (const auto* truth = std::get_if<bool>(&cell)) line += *truth ? "yes" : "no";
             if (const auto* number = std::get_if<uint64_t>(&cell)) {
                 const std::string digits = std::to_string(*number);
-                const size_t width = std::string_view(heading).size();
-                line.append(width - std::min(width, digits.size()), ' ').append(digits);
+                line.append(heading.size() - std::min(heading.size(), digits.size()), ' ').append(digits);
             }
         }
         if (!line.empty()) m_columns.Line(0, line);
