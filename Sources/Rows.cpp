@@ -14,7 +14,7 @@ static std::string HexDigits(uint64_t value, uint32_t width, const char* alphabe
     return text;
 }
 
-std::string PlainHex(uint64_t value) { return HexDigits(value, 1, "0123456789abcdef"); }
+std::string PlainHex(uint64_t value, uint32_t width) { return HexDigits(value, width, "0123456789abcdef"); }
 
 std::string PlainUpperHex(uint64_t value) { return HexDigits(value, 1, "0123456789ABCDEF"); }
 

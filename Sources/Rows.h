@@ -65,8 +65,8 @@ struct ItemRow_t {
     Rendering_t rendering;
 };
 
-// Hexadecimal without leading zeros and without a closing "h".
-std::string PlainHex(uint64_t value);
+// Hexadecimal, zero-filled to `width` digits, without a closing "h".
+std::string PlainHex(uint64_t value, uint32_t width = 1);
 std::string PlainUpperHex(uint64_t value);
 // Uppercase, zero-filled to `width` digits (a longer value is not cut), with a closing "h".
 std::string HexText(uint64_t value, uint32_t width);

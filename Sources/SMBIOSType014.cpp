@@ -1,6 +1,5 @@
 // Group Associations (the SMBIOS standard, type 14). A group only points to firmware version structures: its items are
 // the versions that its members have.
-#include <cstdio>
 #include <cstring>
 #include <new>
 #include <vector>
@@ -23,10 +22,9 @@ constexpr size_t kGroupItems = 0x05, kGroupItemSize = 3;
 constexpr size_t kTypeWordSize = sizeof(uint32_t);
 
 ClText VersionText(const VersionRecord_t& record) {
-    char text[48];
-    std::snprintf(text, sizeof text, " %02x.%02x.%02x.%04x", record.parts[0], record.parts[1], record.parts[2],
-                  record.lastPart);
-    return std::string(text);
+    std::string text = " ";
+    for (const uint8_t part : record.parts) text.append(PlainHex(part, 2)).append(".");
+    return text.append(PlainHex(record.lastPart, 4));
 }
 
 class ClSMBIOSType14 final : public ClSMBIOSType {

@@ -512,9 +512,7 @@ std::string ClSMBIOSType148::GetPrintableString(const char* text) {
 }
 
 std::string ClSMBIOSType148::GetHexSuffix(uint32_t value, uint32_t width) {
-    const std::string digits = PlainHex(value);
-    const size_t zeros = width > digits.size() ? width - digits.size() : 0;
-    return " (" + std::string(zeros, '0') + digits + ")";
+    return std::string(" (").append(PlainHex(value, width)).append(")");
 }
 
 std::string ClSMBIOSType148::GetBoardTypeString(const char* text) {
