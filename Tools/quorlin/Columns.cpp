@@ -48,28 +48,28 @@ ClColumns::ClColumns(ClOutput& output) : m_output(output), m_width(TerminalWidth
 }
 
 void ClColumns::Heading(std::string_view text) {
-    if (m_begun) m_output << "\n";
+    if (m_begun) m_output << '\n';
     m_output << m_headingBegin;
     Put(0, 2, text);
-    m_output << m_headingEnd << "\n";
+    m_output << m_headingEnd << '\n';
     m_begun = true;
 }
 
 void ClColumns::Line(size_t indent, std::string_view text) {
     m_output.Pad(indent);
     Put(indent, indent + 2, text);
-    m_output << "\n";
+    m_output << '\n';
     m_begun = true;
 }
 
-size_t ClColumns::Put(size_t column, size_t next, std::string_view text) {
+size_t ClColumns::PutBroken(size_t column, size_t next, std::string_view text) {
     m_text.clear();
     AppendPrintable(m_text, text);
     std::string_view rest = m_text;
-    while (m_width != 0) {
+    for (;;) {
         const size_t end = BreakAt(rest, std::max(m_width - std::min(column, m_width), kLeastValue));
         if (end == rest.size()) break;
-        m_output << rest.substr(0, end) << "\n";
+        m_output << rest.substr(0, end) << '\n';
         m_output.Pad(next);
         rest.remove_prefix(end);
         column = next;
@@ -87,17 +87,16 @@ void ClColumns::Finish(size_t indent) {
     for (const auto& [key, value] : m_block) {
         m_output.Pad(indent);
         const size_t end = Put(indent, indent + 2, key);
-        if (!value.empty() && end + 2 <= column) {
-            m_output.Pad(column - end);
-            Put(column, column, value);
-        } else if (!value.empty() && m_width == 0) {
-            m_output << "  " << Printable(value);
-        } else if (!value.empty()) {
-            m_output << "\n";
-            m_output.Pad(column);
+        if (!value.empty()) {
+            if (end + 2 <= column)
+                m_output.Pad(column - end);
+            else if (m_width == 0)
+                m_output.Pad(2);
+            else
+                (m_output << '\n').Pad(column);
             Put(column, column, value);
         }
-        m_output << "\n";
+        m_output << '\n';
         m_begun = true;
     }
     m_block.clear();

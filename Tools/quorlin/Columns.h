@@ -27,13 +27,16 @@ class ClColumns {
 
   private:
     // Writes a text that begins at `column` and continues at `next`. Returns the column where it ends.
-    size_t Put(size_t column, size_t next, std::string_view text);
+    size_t Put(size_t column, size_t next, std::string_view text) {
+        return m_width == 0 ? column + m_output.PutPrintable(text) : PutBroken(column, next, text);
+    }
+    // The same, with line breaks where the terminal needs them.
+    size_t PutBroken(size_t column, size_t next, std::string_view text);
 
     ClOutput& m_output;
     std::vector<std::pair<std::string_view, std::string_view>> m_block;
     std::string m_text;
     size_t m_width;  // of the terminal; 0 for other outputs, where no line is broken
     bool m_begun = false;
-    const char* m_headingBegin = "";
-    const char* m_headingEnd = "";
+    std::string_view m_headingBegin, m_headingEnd;
 };

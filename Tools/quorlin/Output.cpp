@@ -7,18 +7,34 @@
 
 #include "Packages/OS/Program.h"
 #include "Tools/quorlin/CommandLine.h"
-#include "Tools/quorlin/Text.h"
 
 void ClOutput::Flush() {
-    if (!m_failed && !WriteStandardOutput(m_text.data(), m_text.size())) {
+    const size_t size = m_size - m_room;
+    if (!m_failed && !WriteStandardOutput(m_block.get(), size)) {
         m_failed = true;
         m_error = errno;
     }
-    m_text.clear();
+    m_end = m_block.get();
+    m_room = m_size;
+}
+
+void ClOutput::MakeRoom(size_t size) {
+    if (m_room != m_size) Flush();
+    if (size <= m_size) return;
+    const size_t newSize = std::max(size, kBlock);
+    m_block = std::make_unique_for_overwrite<char[]>(newSize);
+    m_size = m_room = newSize;
+    m_end = m_block.get();
+}
+
+size_t ClOutput::PutCleaned(std::string_view text) {
+    const std::string printable = Printable(text);
+    *this << printable;
+    return printable.size();
 }
 
 bool ClOutput::Finish() {
-    if (!m_text.empty()) Flush();
+    if (m_room != m_size) Flush();
     if (!m_failed || m_error == EPIPE) return true;
     SayError("standard output", std::string(std::strerror(m_error)) + "; try another place for the output");
     return false;
@@ -47,8 +63,7 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output) {
         }
         output.Pad(3 * (kPerLine - line.size()) + 2);
         for (const uint8_t byte : line) {
-            const char character = byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.';
-            output << std::string_view(&character, 1);
+            output << (byte >= 0x20 && byte < 0x7F ? static_cast<char>(byte) : '.');
         }
         output << "\n";
     }

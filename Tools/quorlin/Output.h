@@ -1,10 +1,16 @@
 // Standard output in large blocks, errors in one line.
 #pragma once
 
+#include <algorithm>
+#include <charconv>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "Tools/quorlin/Text.h"
 
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitNoTable = 1;
@@ -16,21 +22,53 @@ inline constexpr int kExitTrouble = 2;
 // Collects text and writes it in blocks. After a write failed, the rest is dropped and Finish returns false.
 class ClOutput {
   public:
-    ClOutput() { m_text.reserve(kBlock + kMargin); }
-
-    // What is collected so far, to append to. Call FlushWhenFull afterwards.
-    std::string& Text() { return m_text; }
-    void FlushWhenFull() {
-        if (m_text.size() >= kBlock) Flush();
+    // Room for `size` bytes at the end of the text. They belong to it once SetEnd is called with the place after them.
+    char* Room(size_t size) {
+        if (size > m_room) MakeRoom(size);
+        return m_end;
+    }
+    void SetEnd(char* end) {
+        m_room -= static_cast<size_t>(end - m_end);
+        m_end = end;
     }
     ClOutput& operator<<(std::string_view text) {
-        m_text += text;
-        FlushWhenFull();
+        if (text.empty()) return *this;
+        char* place = Room(text.size());
+        std::memcpy(place, text.data(), text.size());
+        SetEnd(place + text.size());
+        return *this;
+    }
+    ClOutput& operator<<(char character) {
+        char* place = Room(1);
+        *place = character;
+        SetEnd(place + 1);
+        return *this;
+    }
+    ClOutput& Number(uint64_t number) {
+        constexpr size_t kMostDigits = 20;
+        char* place = Room(kMostDigits);
+        SetEnd(std::to_chars(place, place + kMostDigits, number).ptr);
         return *this;
     }
     ClOutput& Pad(size_t count) {
-        m_text.append(count, ' ');
+        constexpr size_t kUsual = 16;  // a known number of blanks takes no call
+        char* place = Room(std::max(count, kUsual));
+        std::memset(place, ' ', kUsual);
+        if (count > kUsual) std::memset(place + kUsual, ' ', count - kUsual);
+        SetEnd(place + count);
         return *this;
+    }
+    // Writes a text if it is plain, and otherwise nothing. Returns whether it is.
+    template <char... specials>
+    bool Plain(std::string_view text) {
+        char* end = CopyPlain<specials...>(Room(text.size()), text);
+        if (end != nullptr) SetEnd(end);
+        return end != nullptr;
+    }
+    // Writes what AppendPrintable appends, and returns its size.
+    size_t PutPrintable(std::string_view text) {
+        const std::string_view trimmed = Trimmed(text);
+        return Plain(trimmed) ? trimmed.size() : PutCleaned(trimmed);
     }
     // Whether a write failed, so that more output is useless.
     bool Failed() const { return m_failed; }
@@ -39,11 +77,15 @@ class ClOutput {
     bool Finish();
 
   private:
-    static constexpr size_t kBlock = 64u << 10, kMargin = 4u << 10;
+    static constexpr size_t kBlock = 64u << 10;
 
     void Flush();
+    void MakeRoom(size_t size);
+    size_t PutCleaned(std::string_view text);
 
-    std::string m_text;
+    std::unique_ptr<char[]> m_block;
+    char* m_end = nullptr;
+    size_t m_size = 0, m_room = 0;  // of the block, and what is left of it
     bool m_failed = false;
     int m_error = 0;
 };

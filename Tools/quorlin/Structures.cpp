@@ -10,8 +10,9 @@ namespace {
 std::string_view TitleText(std::string_view title) { return title.substr(0, title.rfind(" {Type ")); }
 
 std::string SpacedDigits(std::span<const uint8_t> bytes) {
-    std::string text;
-    for (const uint8_t byte : bytes) text.append(text.empty() ? "" : " ").append(HexDigits({&byte, 1}));
+    const std::string digits = HexDigits(bytes);
+    std::string text(bytes.empty() ? 0 : 3 * bytes.size() - 1, ' ');
+    for (size_t place = 0; place < bytes.size(); place++) digits.copy(&text[3 * place], 2, 2 * place);
     return text;
 }
 
@@ -42,11 +43,6 @@ std::string Structure_t::Heading() const {
         return heading;
     }
     return heading.append(", handle ").append(HandleText(handle));
-}
-
-ShownItem_t Structure_t::Item(size_t index) const {
-    const Item_t& item = items[index];
-    return {Trimmed(item.key), Trimmed(item.value), item.facts.kind == ItemKind_t::kGroup};
 }
 
 void VisitStructures(Quorlin& package, std::span<const uint8_t> types,

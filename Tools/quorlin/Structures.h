@@ -9,6 +9,7 @@
 
 #include "Sources/Quorlin.h"
 #include "Sources/SMBIOSType.h"
+#include "Tools/quorlin/Text.h"
 
 // An item as it is shown: without the blanks at the end of its texts.
 struct ShownItem_t {
@@ -31,7 +32,10 @@ struct Structure_t {
     // Title, type and handle; empty for a structure without a title.
     std::string Heading() const;
     size_t EndItem() const { return items.Size(); }
-    ShownItem_t Item(size_t index) const;
+    ShownItem_t Item(size_t index) const {
+        const Item_t& item = items[index];
+        return {Trimmed(item.key), Trimmed(item.value), item.facts.kind == ItemKind_t::kGroup};
+    }
     // The bytes of an undecoded structure's formatted area.
     std::span<const uint8_t> Bytes() const { return {data, data[1]}; }
 };

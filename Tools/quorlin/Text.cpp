@@ -1,8 +1,6 @@
 #include "Tools/quorlin/Text.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "Packages/Format/Utf8.h"
 
@@ -46,33 +44,6 @@ size_t SequenceLength(std::string_view text) {
     return next.isValid ? next.size : 0;
 }
 
-std::string_view Trimmed(std::string_view text) {
-    while (text.ends_with(' ')) text.remove_suffix(1);
-    return text;
-}
-
-// Tests eight bytes at once: the high bit of a byte's test is set unless the byte is plain. A borrow or a carry from a
-// lower byte can only make the test too strict.
-bool IsPlain(std::string_view text, char first, char second) {
-    constexpr uint64_t kOnes = 0x0101010101010101, kHighs = kOnes << 7;
-    const uint64_t firsts = kOnes * static_cast<uint8_t>(first), seconds = kOnes * static_cast<uint8_t>(second);
-    const auto test = [firsts, seconds](uint64_t bytes) {
-        return (bytes | (bytes - kOnes * 0x20) | (bytes + kOnes) | ((bytes ^ firsts) - kOnes) |
-                ((bytes ^ seconds) - kOnes)) &
-               kHighs;
-    };
-    uint64_t bytes = kOnes * 'a', bad = 0;
-    const char* at = text.data();
-    size_t size = text.size();
-    for (; size >= sizeof bytes; size -= sizeof bytes, at += sizeof bytes) {
-        std::memcpy(&bytes, at, sizeof bytes);
-        bad |= test(bytes);
-    }
-    bytes = kOnes * 'a';
-    if (size != 0) std::memcpy(&bytes, at, size);
-    return (bad | test(bytes)) == 0;
-}
-
 // The rare text that isn't plain. Apart from the plain case, which it would slow down.
 [[gnu::noinline]] static void AppendCleaned(std::string& out, std::string_view text) {
     const size_t begin = out.size();
@@ -84,10 +55,7 @@ bool IsPlain(std::string_view text, char first, char second) {
 }
 
 void AppendPrintable(std::string& out, std::string_view text) {
-    if (IsPlain(text))
-        out += Trimmed(text);
-    else
-        AppendCleaned(out, text);
+    if (!AppendPlain(out, Trimmed(text))) AppendCleaned(out, text);
 }
 
 std::string Printable(std::string_view text) {

@@ -1,6 +1,7 @@
 #include "Tools/quorlin/Types.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "Sources/Quorlin.h"
 #include "Sources/Types.h"
@@ -89,8 +90,9 @@ std::vector<uint8_t> SweptTypes() {
 }
 
 std::vector<uint8_t> AllTypes(bool onDemand) {
-    std::vector<uint8_t> types;
-    for (unsigned type = 0; type < 256; type++)
-        if (onDemand || !IsOnDemand(static_cast<uint8_t>(type))) types.push_back(static_cast<uint8_t>(type));
+    std::vector<uint8_t> types(256);
+    std::iota(types.begin(), types.end(), uint8_t{0});
+    for (const TypeRow_t& row : TypeRows())
+        if (row.sweep == Sweep_t::kOnDemand && !onDemand) std::erase(types, row.type);
     return types;
 }

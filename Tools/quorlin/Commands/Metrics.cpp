@@ -28,7 +28,7 @@ void AppendEscaped(std::string& out, std::string_view text) {
 // Writes families of gauges. A family without samples isn't written.
 class ClGauges {
   public:
-    ClGauges(ClOutput& output, bool isFlushed) : m_output(output), m_isFlushed(isFlushed) {}
+    explicit ClGauges(std::string& out) : m_out(out) {}
 
     void Begin(const char* name, const char* help) {
         m_name = name;
@@ -39,21 +39,19 @@ class ClGauges {
     // values.
     void Sample(Known_t value, const Labels_t& labels = {}) {
         if (!value) return;
-        std::string& out = m_output.Text();
         if (!std::exchange(m_hasSamples, true)) {
-            out.append("# HELP ").append(m_name).append(" ").append(m_help);
-            out.append("\n# TYPE ").append(m_name).append(" gauge\n");
+            m_out.append("# HELP ").append(m_name).append(" ").append(m_help);
+            m_out.append("\n# TYPE ").append(m_name).append(" gauge\n");
         }
-        out += m_name;
+        m_out += m_name;
         char before = '{';
         for (const Label_t& label : labels) {
-            out.append(1, std::exchange(before, ',')).append(label.name).append("=\"");
-            AppendEscaped(out, label.value);
-            out += '"';
+            m_out.append(1, std::exchange(before, ',')).append(label.name).append("=\"");
+            AppendEscaped(m_out, label.value);
+            m_out += '"';
         }
-        if (!labels.empty()) out += '}';
-        out.append(" ").append(std::to_string(*value)).append("\n");
-        if (m_isFlushed) m_output.FlushWhenFull();
+        if (!labels.empty()) m_out += '}';
+        m_out.append(" ").append(std::to_string(*value)).append("\n");
     }
     // Writes a sample of 1, unless nothing is known of `details`.
     void Info(Labels_t labels, const Labels_t& details) {
@@ -64,8 +62,7 @@ class ClGauges {
     }
 
   private:
-    ClOutput& m_output;
-    const bool m_isFlushed;
+    std::string& m_out;
     const char *m_name = nullptr, *m_help = nullptr;
     bool m_hasSamples = false;
 };
@@ -204,12 +201,12 @@ class ClMetrics : public ClCommand {
         m_source.CheckOne();
         return ForEachTable(m_source, kMetricsCommand.trouble, [&](ClTable& table) {
             table.ClosePackage();
-            const bool isFile = m_out != kStandardStream;
-            ClOutput output;
-            ClGauges gauges(output, !isFile);
+            std::string text;
+            ClGauges gauges(text);
             WriteSummary(SummaryOf(table.Bytes(), {.version = table.Version()}), gauges);
             WriteFindings(Checked(table), gauges);
-            const bool isDone = isFile ? ReplaceFile(m_out, output.Text()) : output.Finish();
+            ClOutput output;
+            const bool isDone = m_out == kStandardStream ? (output << text).Finish() : ReplaceFile(m_out, text);
             return isDone ? kExitDone : kMetricsCommand.trouble;
         });
     }

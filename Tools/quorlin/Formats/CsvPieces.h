@@ -12,10 +12,7 @@ inline constexpr std::string_view kCsvLineEnd = "\r\n";
 
 // Appends a text as a cell, in quotes where they are needed. An empty text is an empty cell.
 inline void AppendCsvCell(std::string& out, std::string_view cell) {
-    if (IsPlain(cell, '"', ',')) {
-        out += Trimmed(cell);
-        return;
-    }
+    if (AppendPlain<'"', ','>(out, Trimmed(cell))) return;
     const size_t begin = out.size();
     AppendPrintable(out, cell);
     const std::string_view plain = std::string_view(out).substr(begin);

@@ -1,10 +1,8 @@
 // What JSON documents are written from.
 #pragma once
 
-#include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -14,13 +12,10 @@
 // JSON pieces. Invalid UTF-8 is replaced by U+FFFD; the functions that write text return whether they replaced any.
 class ClJson {
   public:
-    explicit ClJson(ClOutput& output) : m_output(output), m_writer(m_buffer) {}
+    explicit ClJson(ClOutput& output) : m_output(output), m_writer(m_stream) {}
 
     void BeginObject() { m_writer.StartObject(); }
-    void EndObject() {
-        m_writer.EndObject();
-        FlushIfLarge();
-    }
+    void EndObject() { m_writer.EndObject(); }
     void BeginList(const char* name) {
         Name(name);
         BeginList();
@@ -29,18 +24,18 @@ class ClJson {
     void EndList() { m_writer.EndArray(); }
 
     // A name of our own: printable ASCII without quotes.
-    void Name(std::string_view name) { Quoted(name); }
-    bool Text(std::string_view text) {
-        if (IsPlainJson(text)) {
-            Quoted(text);
-            return false;
-        }
-        std::string escaped;
-        const bool isReplaced = AppendJson(escaped, text);
-        Quoted(escaped);
-        return isReplaced;
+    void Name(std::string_view name) {
+        Separate(rapidjson::kStringType);
+        m_output << '"' << name << '"';
     }
-    void Number(uint64_t number) { m_writer.Uint64(number); }
+    bool Text(std::string_view text) {
+        Separate(rapidjson::kStringType);
+        return PutText(text);
+    }
+    void Number(uint64_t number) {
+        Separate(rapidjson::kNumberType);
+        m_output.Number(number);
+    }
     void Signed(int64_t number) { m_writer.Int64(number); }
     void Null() { m_writer.Null(); }
     void Truth(bool truth) { m_writer.Bool(truth); }
@@ -54,59 +49,49 @@ class ClJson {
 
     // {"key": KEY, "value": VALUE}, with "replaced" for either.
     void Pair(std::string_view key, std::string_view value) {
-        if (IsPlainJson(key) && IsPlainJson(value)) {
-            // Most pairs, in one step.
-            constexpr std::string_view kBegin = R"({"key":")", kMiddle = R"(","value":")", kEnd = R"("})";
-            Separate(rapidjson::kObjectType);
-            char* at = m_buffer.Push(kBegin.size() + key.size() + kMiddle.size() + value.size() + kEnd.size());
-            Copy(kEnd, Copy(value, Copy(kMiddle, Copy(key, Copy(kBegin, at)))));
-            FlushIfLarge();
-            return;
-        }
-        BeginObject();
-        const bool keyReplaced = Member("key", key), valueReplaced = Member("value", value);
-        MarkReplaced(keyReplaced || valueReplaced);
-        EndObject();
+        Separate(rapidjson::kObjectType);
+        m_output << R"({"key":)";
+        bool isReplaced = PutText(key);
+        m_output << R"(,"value":)";
+        isReplaced |= PutText(value);
+        m_output << (isReplaced ? R"(,"replaced":true})" : "}");
     }
 
     // Starts a new line inside a document, for human readers.
-    void Break() { m_buffer.Put('\n'); }
+    void Break() { m_output << '\n'; }
     // Ends a document and its line.
     void End() {
-        m_buffer.Put('\n');
-        Flush();
-        m_writer.Reset(m_buffer);
+        m_output << '\n';
+        m_writer.Reset(m_stream);
     }
 
   private:
-    static bool IsPlainJson(std::string_view text) { return IsPlain(text, '"', '\\'); }
+    // Where the library's writer puts its characters.
+    struct Stream_t {
+        using Ch = char;
+        ClOutput& output;
+        void Put(char character) { output << character; }
+        void Flush() {}
+    };
 
     // Writes the comma or colon that a value of this type needs before it, and counts the value.
     void Separate(rapidjson::Type type) { m_writer.RawValue("", 0, type); }
 
-    void Quoted(std::string_view escaped) {
-        Separate(rapidjson::kStringType);
-        char* at = m_buffer.Push(escaped.size() + 2);
-        Copy("\"", Copy(escaped, Copy("\"", at)));
+    // Writes a text in quotes.
+    bool PutText(std::string_view text) {
+        m_output << '"';
+        bool isReplaced = false;
+        if (!m_output.Plain<'"', '\\'>(text)) {
+            m_escaped.clear();
+            isReplaced = AppendJson(m_escaped, text);
+            m_output << m_escaped;
+        }
+        m_output << '"';
+        return isReplaced;
     }
-
-    // Returns the place after the copy.
-    static char* Copy(std::string_view text, char* at) {
-        if (!text.empty()) std::memcpy(at, text.data(), text.size());
-        return at + text.size();
-    }
-
-    void FlushIfLarge() {
-        if (m_buffer.GetSize() >= kLarge) Flush();
-    }
-    void Flush() {
-        m_output << std::string_view(m_buffer.GetString(), m_buffer.GetSize());
-        m_buffer.Clear();
-    }
-
-    static constexpr size_t kLarge = 64u << 10;
 
     ClOutput& m_output;
-    rapidjson::StringBuffer m_buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> m_writer;
+    Stream_t m_stream{m_output};
+    rapidjson::Writer<Stream_t> m_writer;
+    std::string m_escaped;
 };

@@ -1,7 +1,6 @@
 // Each item on a line of its own, as the library gives it.
 #include "Packages/OS/Program.h"
 #include "Tools/quorlin/Formats.h"
-#include "Tools/quorlin/Text.h"
 
 namespace {
 
@@ -14,20 +13,25 @@ class ClLinesWriter : public ClWriter {
 
     void Structure(const Structure_t& structure) override {
         for (size_t index = 0; index < structure.items.Size() && !m_output.Failed(); index++) {
-            if (m_isTerminal) {
-                std::string line;
-                Quorlin::AppendLine(structure.items[index], line);
-                m_output << Printable(line) << "\n";
-            } else {
-                Quorlin::AppendLine(structure.items[index], m_output.Text());
-                m_output.Text() += '\n';
-                m_output.FlushWhenFull();
-            }
+            Quorlin::AppendLine(structure.items[index], m_text);
+            if (m_isTerminal) m_text = Printable(m_text);
+            m_text += '\n';
+            if (m_isTerminal || m_text.size() >= kEnough) Put();
         }
     }
 
+    void End() override { Put(); }
+
   private:
+    static constexpr size_t kEnough = 4096;
+
+    void Put() {
+        m_output << m_text;
+        m_text.clear();
+    }
+
     bool m_isTerminal;
+    std::string m_text;  // lines that aren't written yet
 };
 
 std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique<ClLinesWriter>(output); }

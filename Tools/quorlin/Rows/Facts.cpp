@@ -96,10 +96,7 @@ void ClFactRows::AddToList(const Fact_t& fact) {
     m_list.append("\"").append(fact.Key()).append("\":");
     const auto quote = [this](std::string_view text) {
         m_list += '"';
-        if (IsPlain(text, '"', '\\'))
-            m_list += text;
-        else
-            AppendJson(m_list, text);
+        if (!AppendPlain<'"', '\\'>(m_list, text)) AppendJson(m_list, text);
         m_list += '"';
     };
     if (!IsShown(fact)) {
