@@ -13,25 +13,21 @@ class ClLinesWriter : public ClWriter {
 
     void Structure(const Structure_t& structure) override {
         for (size_t index = 0; index < structure.items.Size() && !m_output.Failed(); index++) {
-            Quorlin::AppendLine(structure.items[index], m_text);
-            if (m_isTerminal) m_text = Printable(m_text);
-            m_text += '\n';
-            if (m_isTerminal || m_text.size() >= kEnough) Put();
+            const Item_t& item = structure.items[index];
+            char* const place = m_output.Room(item.MostLineBytes() + 1);
+            char* end = item.PutLine(place);
+            if (m_isTerminal) {
+                m_output.PutPrintable(std::string(place, end));
+                m_output << '\n';
+            } else {
+                *end++ = '\n';
+                m_output.SetEnd(end);
+            }
         }
     }
 
-    void End() override { Put(); }
-
   private:
-    static constexpr size_t kEnough = 4096;
-
-    void Put() {
-        m_output << m_text;
-        m_text.clear();
-    }
-
     bool m_isTerminal;
-    std::string m_text;  // lines that aren't written yet
 };
 
 std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique<ClLinesWriter>(output); }
