@@ -1,4 +1,5 @@
 // The store: opening and closing, making records from the table, and lookups.
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -8,6 +9,7 @@
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/Format/Structures.h"
 #include "Packages/OS/Memory.h"
+#include "Packages/OS/MemoryGuard.h"
 #include "Packages/OS/OS.h"
 
 DebugHandle_t storeTraceHandle = nullptr;
@@ -44,20 +46,45 @@ int32_t CompareRecords(const void* first, const void* second) {
     return RecordType(first) == RecordType(second) ? 0 : -1;
 }
 
+// Records live until the store is closed, so they share blocks.
+struct RecordBlock_t {
+    RecordBlock_t* older;
+    size_t left;  // bytes that no record has
+};
+constexpr size_t kBlockBytes = 16 * 1024;
+RecordBlock_t* newestBlock = nullptr;
+
+// Returns room for a record that goes to no other one. Null if memory runs out.
+uint8_t* RoomForRecord(size_t bytes) {
+    constexpr size_t kAlignment = 8;
+    const size_t room = (bytes + kGuardBytes + kAlignment - 1) / kAlignment * kAlignment;
+    if (newestBlock == nullptr || newestBlock->left < room) {
+        const size_t left = std::max(room, kBlockBytes);
+        auto* block = static_cast<RecordBlock_t*>(os_malloc(sizeof(RecordBlock_t) + left));
+        if (block == nullptr) return nullptr;
+        *block = {newestBlock, left};
+        newestBlock = block;
+        ForbidBytes(block + 1, left);
+    }
+    newestBlock->left -= room;
+    auto* record = reinterpret_cast<uint8_t*>(newestBlock + 1) + newestBlock->left;
+    AllowBytes(record, bytes);
+    return record;
+}
+
 // Empties the list and releases all records. Retries once if `Pop` can't take the lock.
 void ReleaseRecords() {
     void* last;
     for (TypeRecords_t& type : recordsOfType) {
-        for (uint32_t place = 0; place < type.count; place++) {
+        for (uint32_t place = 0; place < type.count; place++)
             if (Pop(mySMBIOSLinkedListHdl, &last) != kSuccess) Pop(mySMBIOSLinkedListHdl, &last);
-            if (place == 0 || type.records[place] != type.records[place - 1]) os_free(type.records[place]);
-        }
         os_free(type.records);
         type = {};
     }
+    while (newestBlock != nullptr) os_free(std::exchange(newestBlock, newestBlock->older));
 }
 
-// Appends a record. On failure the caller still owns it.
+// Appends a record.
 status_t StoreRecord(uint8_t* record) {
     TypeRecords_t& type = recordsOfType[RecordType(record)];
     if (type.count == type.room) {
@@ -75,7 +102,7 @@ status_t StoreRecord(uint8_t* record) {
 // Returns a new record: the type word, `atHand` bytes of a structure, and zeros up to `bodySize`; null if out of
 // memory.
 uint8_t* NewRecord(uint32_t type, const uint8_t* bytes, size_t atHand, size_t bodySize) {
-    auto* record = static_cast<uint8_t*>(os_malloc(sizeof type + bodySize));
+    uint8_t* record = RoomForRecord(sizeof type + bodySize);
     if (record == nullptr) return nullptr;
     std::memcpy(record, &type, sizeof type);
     std::memcpy(record + sizeof type, bytes, atHand);
@@ -115,7 +142,6 @@ status_t ParseFixedStruct(const TableStructure_t& structure, uint8_t bytes, std:
     }
     if (StoreRecord(record) != kSuccess) {
         TRACE(function, kErrorExit, "%s", insertTrace);
-        os_free(record);
         return kFailure;
     }
     return kSuccess;
@@ -147,7 +173,6 @@ status_t ParseDefaultStruct(const TableStructure_t& structure) {
     }
     if (StoreRecord(record) != kSuccess) {
         TRACE("ParseDefaultStruct", kErrorExit, "Error Inserting mySMBIOSStructPtr ... Exiting");
-        os_free(record);
         return kFailure;
     }
     return kSuccess;
