@@ -44,7 +44,8 @@ struct Item_t {
     // Appends the key as text: a title with its instance number from the second on, and kGroupMark unless it is a
     // kItem.
     void AppendKey(std::string& text) const;
-    // Writes the item as a line, `"KEY", "VALUE"`, whose value is without quotes. Returns the place after it.
+    // Writes the item as GetNextItem returns it, `"KEY", "VALUE"`, whose value is without quotes. Returns the place
+    // after it.
     char* PutLine(char* place) const;
     // At least what PutLine writes.
     size_t MostLineBytes() const { return key.size() + value.size() + kMostMarks.size() + kQuotes.size(); }

@@ -78,24 +78,19 @@ status_t Quorlin::GetItemByName(std::string name) {
     return kBadValue;
 }
 
-void Quorlin::AppendLine(const Item_t& item, std::string& text) {
-    const size_t begin = text.size();
-    text.resize(begin + item.MostLineBytes());
-    text.resize(static_cast<size_t>(item.PutLine(text.data() + begin) - text.data()));
-}
-
 status_t Quorlin::GetNextItem(std::string& text) {
     if (m_cursor >= m_items->Size()) {
         TRACE("GetNextItem", kInfo, "\nNo more items");
         return kFailure;
     }
-    text.clear();
+    const Item_t& item = Item(m_cursor);
     try {
-        AppendLine(Item(m_cursor), text);
+        text.resize(item.MostLineBytes());
     } catch (const std::bad_alloc&) {
         TRACE("GetNextItem", kError, "\nNULL Pointer:");
         return kNoMemory;
     }
+    text.resize(static_cast<size_t>(item.PutLine(text.data()) - text.data()));
     m_cursor++;
     return kSuccess;
 }

@@ -71,8 +71,6 @@ class Quorlin : public BaseAbstraction {
 
     // Initialize without the crash report, for this tree's own hosts.
     status_t BringUp();
-    // Appends an item to `text` as GetNextItem returns it.
-    static void AppendLine(const Item_t& item, std::string& text);
     // An item without a copy, for this tree's own hosts; it is valid until the next GetTypes or UnInitialize. Expects
     // an index below GetItemCount.
     const Item_t& Item(uint32_t index) const;

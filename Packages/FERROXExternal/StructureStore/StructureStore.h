@@ -1,10 +1,9 @@
 // The structure store: reads the table once for all packages of the process, and keeps one record for each structure.
 //
-// Record     The type as a 32-bit word, then the body, which a decoder gets. The body of types 0 to 2 is a parsed
-// record
+// Record     The type as a 32-bit word, then the body, which a decoder gets. The body of types 0 to 2 is a parsed one
 //            (ParsedRecords.h). Any other body is the structure itself: formatted area, string area, double NUL, and
-//            after that kSpareBytes zeros. However broken the table is, a body has as many bytes as its
-//            Length says, and its string area ends in a double NUL. Source: the SMBIOS standard, "structure standards".
+//            after that kSpareBytes zeros. However broken the table is, a body has as many bytes as its Length says,
+//            and its string area ends in a double NUL. Source: the SMBIOS standard, "structure standards".
 // Ownership  The store owns its records from the first LibSMBIOSInit to the last LibSMBIOSExit. They don't change
 //            meanwhile. The caller releases what a function allocates for it, with os_FreeBlock.
 // Threads    LibSMBIOSInit and LibSMBIOSExit must not run at the same time as any other function of the store. Lookups
