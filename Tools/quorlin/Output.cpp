@@ -9,22 +9,20 @@
 #include "Tools/quorlin/CommandLine.h"
 
 void ClOutput::Flush() {
-    const size_t size = m_size - m_room;
-    if (!m_failed && !WriteStandardOutput(m_block.get(), size)) {
+    if (!m_failed && !WriteStandardOutput(m_block.get(), static_cast<size_t>(m_end - m_block.get()))) {
         m_failed = true;
         m_error = errno;
     }
     m_end = m_block.get();
-    m_room = m_size;
 }
 
 void ClOutput::MakeRoom(size_t size) {
-    if (m_room != m_size) Flush();
-    if (size <= m_size) return;
-    const size_t newSize = std::max(size, kBlock);
-    m_block = std::make_unique_for_overwrite<char[]>(newSize);
-    m_size = m_room = newSize;
+    Flush();
+    if (size <= static_cast<size_t>(m_limit - m_end)) return;
+    const size_t blockSize = std::max(size, kBlock);
+    m_block = std::make_unique_for_overwrite<char[]>(blockSize);
     m_end = m_block.get();
+    m_limit = m_end + blockSize;
 }
 
 size_t ClOutput::PutCleaned(std::string_view text) {
@@ -34,7 +32,7 @@ size_t ClOutput::PutCleaned(std::string_view text) {
 }
 
 bool ClOutput::Finish() {
-    if (m_room != m_size) Flush();
+    Flush();
     if (!m_failed || m_error == EPIPE) return true;
     SayError("standard output", std::string(std::strerror(m_error)) + "; try another place for the output");
     return false;

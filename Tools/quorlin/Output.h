@@ -24,13 +24,10 @@ class ClOutput {
   public:
     // Room for `size` bytes at the end of the text. They belong to it once SetEnd is called with the place after them.
     char* Room(size_t size) {
-        if (size > m_room) MakeRoom(size);
+        if (size > static_cast<size_t>(m_limit - m_end)) MakeRoom(size);
         return m_end;
     }
-    void SetEnd(char* end) {
-        m_room -= static_cast<size_t>(end - m_end);
-        m_end = end;
-    }
+    void SetEnd(char* end) { m_end = end; }
     ClOutput& operator<<(std::string_view text) {
         if (text.empty()) return *this;
         char* place = Room(text.size());
@@ -84,8 +81,7 @@ class ClOutput {
     size_t PutCleaned(std::string_view text);
 
     std::unique_ptr<char[]> m_block;
-    char* m_end = nullptr;
-    size_t m_size = 0, m_room = 0;  // of the block, and what is left of it
+    char *m_end = nullptr, *m_limit = nullptr;  // of the text, and of the block
     bool m_failed = false;
     int m_error = 0;
 };

@@ -350,6 +350,8 @@ std::string TableFacts_t::Remark() const {
     return text;
 }
 
+bool StoreHasType(uint8_t type) { return recordsOfType[type].count != 0; }
+
 const TableFacts_t* FactsOfTable() { return StoreIsUp() ? &tableFacts : nullptr; }
 
 status_t GetSMBIOSVersion(uint8_t* major, uint8_t* minor) {

@@ -27,6 +27,9 @@ struct TableFacts_t {
 // The facts of the table in the store; null while the store is down.
 const TableFacts_t* FactsOfTable();
 
+// Whether the store has structures of a type.
+bool StoreHasType(uint8_t type);
+
 // The chosen machine, for callers that use another one for a while and then restore it. The store must be down.
 struct Record_t;
 struct MachineChoice_t {
