@@ -289,20 +289,20 @@ status_t DoVersions(Request_t& request) {
 }
 
 struct Operation_t {
-    Choice_t name;
+    char name[12];
     size_t leastWords, mostWords;  // after the name
     bool canWrite, takesCpu, takesOut;
     status_t (*run)(Request_t& request);
 };
 constexpr Operation_t kOperations[] = {
-    {{"cpuid"},    1, 2, false, true,  false, DoCPUID   },
-    {{"pci"},      3, 3, false, false, false, DoPCI     },
-    {{"mem"},      2, 2, true,  false, false, DoMemory  },
-    {{"msr"},      2, 2, true,  true,  false, DoMSR     },
-    {{"port"},     3, 3, true,  false, false, DoPort    },
-    {{"acpi"},     0, 1, false, false, true,  DoACPI    },
-    {{"segments"}, 0, 0, false, false, false, DoSegments},
-    {{"versions"}, 0, 0, false, false, false, DoVersions},
+    {"cpuid",    1, 2, false, true,  false, DoCPUID   },
+    {"pci",      3, 3, false, false, false, DoPCI     },
+    {"mem",      2, 2, true,  false, false, DoMemory  },
+    {"msr",      2, 2, true,  true,  false, DoMSR     },
+    {"port",     3, 3, true,  false, false, DoPort    },
+    {"acpi",     0, 1, false, false, true,  DoACPI    },
+    {"segments", 0, 0, false, false, false, DoSegments},
+    {"versions", 0, 0, false, false, false, DoVersions},
 };
 
 constexpr Choice_t kDirections[] = {{"read"}, {"write"}};
@@ -311,7 +311,8 @@ class ClHw : public ClCommand {
   public:
     std::vector<Option_t> Options() override {
         std::vector<Option_t> options;
-        for (const Operation_t& operation : kOperations) m_names.push_back(operation.name);
+        for (const Operation_t& operation : kOperations)
+            std::ranges::copy(operation.name, m_names.emplace_back(Choice_t{""}).word);
         options.push_back({.name = "operation",
                            .typeName = "OPERATION",
                            .help = "The operation",
@@ -336,7 +337,7 @@ class ClHw : public ClCommand {
 
     int Run() override {
         const Operation_t& operation =
-            *std::ranges::find_if(kOperations, [&](const Operation_t& each) { return m_name == each.name.word; });
+            *std::ranges::find_if(kOperations, [&](const Operation_t& each) { return m_name == each.name; });
         ClOutput output;
         Request_t request(m_words, output);
         CheckOptions(operation, request);
