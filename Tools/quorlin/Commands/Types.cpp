@@ -11,10 +11,10 @@
 namespace {
 
 constexpr Column_t kColumns[] = {
-    {"type",   "Type"},
-    {"count",        "Count"},
-    {"title","Title"},
-    {"decoded" },
+    {"type",    "Type" },
+    {"count",   "Count"},
+    {"title",   "Title"},
+    {"decoded", ""     },
 };
 constexpr List_t kList = {.name = "types", .columns = kColumns};
 

@@ -3,10 +3,10 @@
 
 #include <rapidjson/writer.h>
 
-#include <cstring>
 #include <string>
 #include <string_view>
 
+#include "Sources/Text.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Text.h"
 
@@ -31,7 +31,7 @@ class ClJson {
     }
     bool Text(std::string_view text) {
         Separate(rapidjson::kStringType);
-        return PutText(text);
+        return PutQuoted(text);
     }
     void Number(uint64_t number) {
         Separate(rapidjson::kNumberType);
@@ -54,16 +54,16 @@ class ClJson {
         // Most pairs, in one step.
         constexpr std::string_view kBegin = R"({"key":")", kMiddle = R"(","value":")", kEnd = R"("})";
         char* place = m_output.Room(kBegin.size() + key.size() + kMiddle.size() + value.size() + kEnd.size());
-        char* end = CopyPlain<'"', '\\'>(Copy(kBegin, place), key);
-        if (end != nullptr) end = CopyPlain<'"', '\\'>(Copy(kMiddle, end), value);
+        char* end = CopyPlain<'"', '\\'>(PutText(place, kBegin), key);
+        if (end != nullptr) end = CopyPlain<'"', '\\'>(PutText(end, kMiddle), value);
         if (end != nullptr) {
-            m_output.SetEnd(Copy(kEnd, end));
+            m_output.SetEnd(PutText(end, kEnd));
             return;
         }
         m_output << R"({"key":)";
-        bool isReplaced = PutText(key);
+        bool isReplaced = PutQuoted(key);
         m_output << R"(,"value":)";
-        isReplaced |= PutText(value);
+        isReplaced |= PutQuoted(value);
         m_output << (isReplaced ? R"(,"replaced":true})" : "}");
     }
 
@@ -88,13 +88,9 @@ class ClJson {
     void Separate(rapidjson::Type type) { m_writer.RawValue("", 0, type); }
 
     // Returns the place after the copy.
-    static char* Copy(std::string_view text, char* place) {
-        std::memcpy(place, text.data(), text.size());
-        return place + text.size();
-    }
 
     // Writes a text in quotes.
-    bool PutText(std::string_view text) {
+    bool PutQuoted(std::string_view text) {
         m_output << '"';
         bool isReplaced = false;
         if (!m_output.Plain<'"', '\\'>(text)) {
