@@ -5,23 +5,31 @@
 #include <vector>
 
 #include "CInterface/Opening.h"
-#include "Sources/SMBIOSType.h"
+#include "Sources/Items.h"
+#include "Sources/Types.h"
 
 #define QUORLIN_TEXT(number) #number
 #define QUORLIN_VERSION_TEXT(major, minor, patch) QUORLIN_TEXT(major) "." QUORLIN_TEXT(minor) "." QUORLIN_TEXT(patch)
 
 namespace {
 
+// An item whose key begins at `text` in the table's texts, and whose value begins `value` bytes later.
 struct TableItem_t {
-    std::string key, value;
+    size_t text;
+    uint32_t value;
     uint32_t structure;
     uint32_t kind;
 };
+
+// A small table needs no more.
+constexpr size_t kUsualItems = 256, kUsualTexts = 8 << 10;
 
 }  // namespace
 
 struct quorlin_table {
     std::vector<TableItem_t> items;
+    std::string texts;   // keys and values in the order of the items, each with its NUL
+    uint32_t title = 0;  // number of the last title
     uint32_t cursor = 0;
     uint8_t major = 0, minor = 0;
     std::string form, remark;
@@ -32,24 +40,41 @@ namespace {
 static_assert(QUORLIN_OK == kSuccess && QUORLIN_BAD_VALUE == kBadValue && QUORLIN_NO_MEMORY == kNoMemory &&
               QUORLIN_NULL_POINTER == kNullPointer && QUORLIN_NO_TABLE == kFailure);
 
-uint32_t KindOf(const Item_t& item) {
-    switch (item.facts.kind) {
-        case ItemKind_t::kTitle: return QUORLIN_STRUCTURE;
-        case ItemKind_t::kGroup: return QUORLIN_GROUP;
-        default: return QUORLIN_ITEM;
-    }
+uint32_t KindOf(const Item_t& item) { return item.facts.kind == ItemKind_t::kGroup ? QUORLIN_GROUP : QUORLIN_ITEM; }
+
+// Appends a title. Its value is empty.
+void CopyTitle(const Item_t& title, quorlin_table* table) {
+    std::string& texts = table->texts;
+    const size_t key = texts.size();
+    title.AppendKey(texts);
+    texts.resize(texts.size() - kGroupMark.size());
+    const auto value = static_cast<uint32_t>(texts.size() + 1 - key);
+    texts.append(2, '\0');
+    table->title = static_cast<uint32_t>(table->items.size());
+    table->items.push_back({key, value, table->title, QUORLIN_STRUCTURE});
 }
 
-void CopyItems(ClPackageInUse& package, quorlin_table* table) {
-    const uint32_t count = package->GetItemCount();
-    table->items.reserve(count);
-    uint32_t structure = 0;
-    for (uint32_t index = 0; index < count; index++) {
-        const Item_t& item = package->Item(index);
-        const uint32_t kind = KindOf(item);
-        if (kind == QUORLIN_STRUCTURE) structure = index;
-        table->items.push_back({kind == QUORLIN_STRUCTURE ? item.Title() : std::string(item.key),
-                                std::string(item.value), structure, kind});
+// Copies a text and a NUL to `place`, and returns the place after them.
+char* CopyText(std::string_view text, char* place) {
+    place += text.copy(place, text.size());
+    *place = '\0';
+    return place + 1;
+}
+
+// Appends the items of a structure. Its title, if it has one, is the first.
+void CopyItems(const ClItemList& items, quorlin_table* table) {
+    size_t first = 0;
+    if (items.Size() != 0 && items[0].facts.kind == ItemKind_t::kTitle) CopyTitle(items[first++], table);
+    size_t key = table->texts.size(), size = key;
+    for (size_t index = first; index < items.Size(); index++)
+        size += items[index].key.size() + items[index].value.size() + 2;
+    table->texts.resize(size);
+    char* const texts = table->texts.data();
+    for (size_t index = first; index < items.Size(); index++) {
+        const Item_t& item = items[index];
+        const auto value = static_cast<uint32_t>(item.key.size() + 1);
+        table->items.push_back({key, value, table->title, KindOf(item)});
+        key = static_cast<size_t>(CopyText(item.value, CopyText(item.key, texts + key)) - texts);
     }
 }
 
@@ -66,19 +91,33 @@ void DescribeTable(const Image_t* image, quorlin_table* table) {
     if (!facts.hasEnd) AddRemark(&table->remark, "no End-of-Table structure ends it");
 }
 
+// The types that a table shows, in the order of its items.
+std::vector<uint8_t> TypesFor(const quorlin_options& wanted) {
+    std::vector<uint8_t> types;
+    types.reserve(TypeRows().size());
+    for (const TypeRow_t& row : TypeRows())
+        if (row.sweep == Sweep_t::kSwept) types.push_back(row.type);
+    if (wanted.type_148 != 0) types.push_back(148);
+    return types;
+}
+
 // Makes a handle of the items of the machine that `choose` selects; `image` is null for this machine.
 template <class Choose>
 quorlin_status Open(quorlin_table** out, const quorlin_options& wanted, const Image_t* image, const Choose& choose) {
-    ClPackageInUse package(Quorlin::kSweep);
+    ClPackageInUse package;
     if (package.IsBusy()) return QUORLIN_BUSY;
     choose();
-    status_t status = package->BringUp();
-    if (status == kSuccess && wanted.type_148 != 0) status = package->GetTypes(148);
-    if (package->HadTooManyItems()) return QUORLIN_TOO_MANY_ITEMS;
-    if (status != kSuccess) return QUORLIN_NO_TABLE;
+    if (package->BringUp() != kSuccess) return QUORLIN_NO_TABLE;
     auto table = std::make_unique<quorlin_table>();
     DescribeTable(image, table.get());
-    CopyItems(package, table.get());
+    table->items.reserve(kUsualItems);
+    table->texts.reserve(kUsualTexts);
+    const status_t status = package->VisitTypes(TypesFor(wanted), [&](const uint8_t*, const ClItemList& items) {
+        CopyItems(items, table.get());
+        return true;
+    });
+    if (package->HadTooManyItems()) return QUORLIN_TOO_MANY_ITEMS;
+    if (status != kSuccess) return QUORLIN_NO_TABLE;
     *out = table.release();
     return QUORLIN_OK;
 }
@@ -90,9 +129,10 @@ quorlin_status OpenImage(quorlin_table** out, const quorlin_options& wanted, quo
     return Open(out, wanted, &image, [&image] { SetImageMachine(&image.source); });
 }
 
-void Show(const quorlin_table& table, uint32_t index, quorlin_item* item) {
-    const TableItem_t& shown = table.items[index];
-    *item = {shown.key.c_str(), shown.value.c_str(), index, shown.structure, shown.kind};
+quorlin_item Shown(const quorlin_table& table, uint32_t index) {
+    const TableItem_t& item = table.items[index];
+    const char* key = table.texts.data() + item.text;
+    return {key, key + item.value, index, item.structure, item.kind};
 }
 
 }  // namespace
@@ -136,7 +176,7 @@ const char* quorlin_remark(const quorlin_table* table) { return table == nullptr
 quorlin_status quorlin_next(quorlin_table* table, quorlin_item* item) {
     if (table == nullptr || item == nullptr) return QUORLIN_NULL_POINTER;
     if (table->cursor >= table->items.size()) return QUORLIN_NO_MORE;
-    Show(*table, table->cursor++, item);
+    *item = Shown(*table, table->cursor++);
     return QUORLIN_OK;
 }
 
@@ -153,19 +193,20 @@ uint32_t quorlin_count(const quorlin_table* table) {
 quorlin_status quorlin_get(const quorlin_table* table, uint32_t index, quorlin_item* item) {
     if (table == nullptr || item == nullptr) return QUORLIN_NULL_POINTER;
     if (index >= table->items.size()) return QUORLIN_BAD_VALUE;
-    Show(*table, index, item);
+    *item = Shown(*table, index);
     return QUORLIN_OK;
 }
 
 const char* quorlin_value(const quorlin_table* table, uint32_t index) {
-    return index < quorlin_count(table) ? table->items[index].value.c_str() : nullptr;
+    return index < quorlin_count(table) ? Shown(*table, index).value : nullptr;
 }
 
 quorlin_status quorlin_find(const quorlin_table* table, const char* key, uint32_t from, quorlin_item* item) {
     if (table == nullptr || key == nullptr || item == nullptr) return QUORLIN_NULL_POINTER;
+    const std::string_view wanted = key;
     for (uint32_t index = from; index < table->items.size(); index++) {
-        if (table->items[index].key != key) continue;
-        Show(*table, index, item);
+        if (wanted != Shown(*table, index).key) continue;
+        *item = Shown(*table, index);
         return QUORLIN_OK;
     }
     return QUORLIN_NO_MORE;

@@ -18,8 +18,6 @@ struct quorlin_fact_walk {
 
 namespace {
 
-constexpr uint8_t kNoItems = 127;  // for a package that decodes nothing
-
 constexpr bool Is(uint32_t number, auto value) { return number == static_cast<uint32_t>(value); }
 static_assert(Is(QUORLIN_NUMBER, FactKind_t::kNumber) && Is(QUORLIN_TEXT, FactKind_t::kText) &&
               Is(QUORLIN_CODE, FactKind_t::kCode) && Is(QUORLIN_BITS, FactKind_t::kBits) &&
@@ -69,7 +67,7 @@ quorlin_status FinishImage(quorlin_status status, std::unique_ptr<quorlin_fact_t
 // Copies the table of the machine that `choose` selects.
 template <class Choose>
 quorlin_status CopyMachine(quorlin_fact_table& table, const Choose& choose) {
-    ClPackageInUse package(kNoItems);
+    ClPackageInUse package;
     if (package.IsBusy()) return QUORLIN_BUSY;
     choose();
     if (package->BringUp() != kSuccess) return QUORLIN_NO_TABLE;

@@ -1,5 +1,6 @@
 #include "CInterface/Opening.h"
 
+#include "Packages/Debug/Debug.h"
 #include "Packages/OS/OS.h"
 
 namespace {
@@ -7,6 +8,7 @@ namespace {
 std::mutex opening;
 
 constexpr uint8_t kUsualMajor = 3;
+constexpr uint8_t kNoSweep = 127;  // a type without items
 
 // For quorlin_last_error: the problem, or only the status if nothing more is known. They have no destructor, because
 // that would keep the library loaded until the thread ends.
@@ -21,6 +23,14 @@ Image_t ImageWith(const quorlin_options& options) {
     image.source.minor = options.smbios_minor;
     if (options.smbios_major == 0 && options.smbios_minor == 0) image.source.major = kUsualMajor;
     return image;
+}
+
+// Keeps the trace handles of package and store open from the first opening on, so that later openings find the
+// configuration and the log files as the first one did, and needn't set them up.
+void KeepTrace() {
+    static DebugHandle_t package = nullptr, store = nullptr;
+    if (package == nullptr) DebugLibInit("Quorlin", &package);
+    if (store == nullptr) DebugLibInit("SMBIOSDbgHdl", &store);
 }
 
 }  // namespace
@@ -52,8 +62,10 @@ void AddRemark(std::string* remark, const std::string& text) {
     if (!text.empty()) remark->append(remark->empty() ? "" : "; ").append(text);
 }
 
-ClPackageInUse::ClPackageInUse(uint8_t types) : m_lock(opening), m_package(types), m_isBusy(StoreIsUp()) {
-    if (!m_isBusy) m_chosen = ChosenMachine();
+ClPackageInUse::ClPackageInUse() : m_lock(opening), m_package(kNoSweep), m_isBusy(StoreIsUp()) {
+    if (m_isBusy) return;
+    KeepTrace();
+    m_chosen = ChosenMachine();
 }
 
 ClPackageInUse::~ClPackageInUse() {

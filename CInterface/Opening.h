@@ -59,7 +59,7 @@ void AddRemark(std::string* remark, const std::string& text);
 // a time; others wait. Restores the chosen machine, and leaves the host's crash filter alone.
 class ClPackageInUse {
   public:
-    explicit ClPackageInUse(uint8_t types);
+    ClPackageInUse();
     ClPackageInUse(const ClPackageInUse&) = delete;
     ClPackageInUse& operator=(const ClPackageInUse&) = delete;
     ~ClPackageInUse();

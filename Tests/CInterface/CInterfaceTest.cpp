@@ -1,7 +1,9 @@
 // The C interface: items, statuses, independent handles, and what an opened table changes in the process.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <set>
 #include <string>
@@ -9,6 +11,7 @@
 #include <vector>
 
 #include "CInterface/quorlin_c.h"
+#include "Packages/Debug/Debug.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
 #include "Packages/Sample/Sample.h"
 #include "Sources/Quorlin.h"
@@ -217,6 +220,24 @@ TEST(CInterface, RefusesATableOfTooManyItems) {
     EXPECT_EQ(quorlin_open_memory(bytes.data(), bytes.size(), nullptr, &table), QUORLIN_TOO_MANY_ITEMS);
     EXPECT_EQ(quorlin_open_memory(bytes.data(), bytes.size(), nullptr, &table), QUORLIN_TOO_MANY_ITEMS);
     EXPECT_EQ(table, nullptr);
+}
+
+// The configuration is read once in a process, and closing the last trace handle forgets it.
+TEST(CInterface, TracesLaterOpeningsLikeTheFirst) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process without handles
+    const auto traced = [] {
+        testing::internal::CaptureStdout();
+        Open(TableOf({kSystem}));
+        const std::string text = testing::internal::GetCapturedStdout();
+        return std::count(text.begin(), text.end(), '\n');
+    };
+    const auto traceTwice = [&] {
+        if (DebugUseConfigText("Global:SyncFlag<Y>;Quorlin:TraceType<In>;SMBIOSDbgHdl:TraceType<In>") != kSuccess)
+            return 2;
+        const auto first = traced(), second = traced();
+        return first > 2 && second == first ? 0 : 1;
+    };
+    EXPECT_EXIT(std::exit(traceTwice()), testing::ExitedWithCode(0), "");
 }
 
 TEST(CInterface, RefusesWhatIsNoTable) {

@@ -76,6 +76,7 @@ uint8_t* RoomForRecord(size_t bytes) {
 void ReleaseRecords() {
     void* last;
     for (TypeRecords_t& type : recordsOfType) {
+        if (type.records == nullptr) continue;
         for (uint32_t place = 0; place < type.count; place++)
             if (Pop(mySMBIOSLinkedListHdl, &last) != kSuccess) Pop(mySMBIOSLinkedListHdl, &last);
         os_free(type.records);

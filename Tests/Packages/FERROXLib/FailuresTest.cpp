@@ -77,8 +77,10 @@ TEST_F(Failures, OfAnyCallUnderAHost) {
             if (machine.hasOther) Machine().OtherProcess(1);
         };
         start();
-        const std::string before = Machine().State();
         ASSERT_EQ(SetMachine(ThisMachine()), kSuccess);
+        machine.read();  // opens the trace handles that the C interface keeps
+        start();
+        const std::string before = Machine().State();
         const uint32_t whole = machine.read();
         ASSERT_GT(whole, 100u) << machine.what;
         const size_t calls = Machine().calls.size();
