@@ -1,4 +1,5 @@
 // The C interface: a package that is opened, copied into a handle and closed at once.
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,9 +14,9 @@
 
 namespace {
 
-// An item whose key begins at `text` in the table's texts, and whose value begins `value` bytes later.
+// An item whose key begins at `key` in the table's texts, and whose value begins `value` bytes later.
 struct TableItem_t {
-    size_t text;
+    size_t key;
     uint32_t value;
     uint32_t structure;
     uint32_t kind;
@@ -56,24 +57,25 @@ void CopyTitle(const Item_t& title, quorlin_table* table) {
 
 // Copies a text and a NUL to `place`, and returns the place after them.
 char* CopyText(std::string_view text, char* place) {
-    place += text.copy(place, text.size());
+    place = std::copy_n(text.data(), text.size(), place);
     *place = '\0';
     return place + 1;
 }
 
 // Appends the items of a structure. Its title, if it has one, is the first.
 void CopyItems(const ClItemList& items, quorlin_table* table) {
-    size_t first = 0;
-    if (items.Size() != 0 && items[0].facts.kind == ItemKind_t::kTitle) CopyTitle(items[first++], table);
+    const bool hasTitle = items.Size() != 0 && items[0].facts.kind == ItemKind_t::kTitle;
+    if (hasTitle) CopyTitle(items[0], table);
+    const size_t first = hasTitle ? 1 : 0, count = items.Size();
     size_t key = table->texts.size(), size = key;
-    for (size_t index = first; index < items.Size(); index++)
-        size += items[index].key.size() + items[index].value.size() + 2;
+    for (size_t index = first; index < count; index++) size += items[index].key.size() + items[index].value.size() + 2;
     table->texts.resize(size);
     char* const texts = table->texts.data();
-    for (size_t index = first; index < items.Size(); index++) {
+    const uint32_t title = table->title;
+    for (size_t index = first; index < count; index++) {
         const Item_t& item = items[index];
         const auto value = static_cast<uint32_t>(item.key.size() + 1);
-        table->items.push_back({key, value, table->title, KindOf(item)});
+        table->items.push_back({key, value, title, KindOf(item)});
         key = static_cast<size_t>(CopyText(item.value, CopyText(item.key, texts + key)) - texts);
     }
 }
@@ -131,7 +133,7 @@ quorlin_status OpenImage(quorlin_table** out, const quorlin_options& wanted, quo
 
 quorlin_item Shown(const quorlin_table& table, uint32_t index) {
     const TableItem_t& item = table.items[index];
-    const char* key = table.texts.data() + item.text;
+    const char* key = table.texts.data() + item.key;
     return {key, key + item.value, index, item.structure, item.kind};
 }
 
