@@ -57,7 +57,7 @@ void CopyTitle(const Item_t& title, quorlin_table* table) {
 
 // Copies a text and a NUL to `place`, and returns the place after them.
 char* CopyText(std::string_view text, char* place) {
-    place = std::copy_n(text.data(), text.size(), place);
+    place = PutText(place, text);
     *place = '\0';
     return place + 1;
 }

@@ -127,6 +127,7 @@ status_t Quorlin::VisitTypes(std::span<const uint8_t> types, const Visit_t& visi
     BeginCount(0);
     status_t status = kSuccess;
     for (const uint8_t type : types) {
+        if (!StoreHasType(type)) continue;
         status = DecodeType(type, items, &visit);
         if (status == kNoMemory) break;
     }

@@ -1,10 +1,5 @@
 #include "Tools/quorlin/Structures.h"
 
-#include <algorithm>
-#include <iterator>
-#include <vector>
-
-#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/Standard/Texts.h"
 #include "Sources/Types.h"
 #include "Tools/quorlin/Text.h"
@@ -55,9 +50,7 @@ void VisitStructures(Quorlin& package, std::span<const uint8_t> types,
     uint32_t count = 0, lastType = 256;
     std::string title;
     ClItemList rawItems;
-    std::vector<uint8_t> present;
-    std::ranges::copy_if(types, std::back_inserter(present), StoreHasType);
-    package.VisitTypes(present, [&](const uint8_t* data, const ClItemList& items) {
+    package.VisitTypes(types, [&](const uint8_t* data, const ClItemList& items) {
         const uint8_t type = data[0];
         if (type != lastType) {
             lastType = type;
