@@ -19,7 +19,7 @@ AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || e
 
 .PHONY: build run test test-long test-machine test-sarif test-report test-metrics test-ansible test-fleet \
 	test-fleet-engines test-fleet-million fleet-program stub asan tsan coverage windows test-windows install deb zip \
-	bench fuzz format lint hooks clean
+	bench guard guard-update fuzz format lint hooks clean
 .DEFAULT_GOAL := build
 
 build:
@@ -154,20 +154,29 @@ fleet-program:
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release --target quorlin_program
 
-# Times, then instructions, memory and system calls of whole runs. The best of many short repetitions in random order
-# gives figures that can be compared on a busy machine. Containers of a million entries take minutes; run them with
-# build/bench/bin/quorlin_bench --benchmark_filter=1000000.
-BENCH_OPTIONS = --benchmark_repetitions=20 --benchmark_min_time=0.02 --benchmark_enable_random_interleaving=true \
+# Measures the program and dmidecode in one run, and writes Docs/Performance.md from that. The images are those in the
+# folder QUORLIN_BENCH_IMAGES, else in ../shared/tables, else generated. Containers with a million entries take minutes;
+# run them with build/bench/bin/quorlin_bench --benchmark_filter=1000000.
+BENCH_OPTIONS = --benchmark_repetitions=10 --benchmark_min_time=0.02 --benchmark_enable_random_interleaving=true \
 	--benchmark_display_aggregates_only=true --benchmark_filter=-1000000
+BENCH_IMAGES = $(or $(QUORLIN_BENCH_IMAGES),$(wildcard ../shared/tables),build/bench/images)
 bench:
-	@$(INSTALL) $(BUILD_PACKAGES) $(BENCH_PACKAGES)
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(BENCH_PACKAGES)
 	@cmake --preset bench >/dev/null
-	@cmake --build --preset bench
-	@build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json --benchmark_out_format=json $(BENCH_OPTIONS)
-	@Benchmarks/instructions.sh >build/bench/instructions.txt
-	@Benchmarks/memory.sh >build/bench/memory.txt
-	@Benchmarks/syscalls.sh >build/bench/syscalls.txt
-	@cat build/bench/instructions.txt build/bench/memory.txt build/bench/syscalls.txt
+	@cmake --build --preset bench --target quorlin_bench quorlin_limit quorlin_program quorlin_walk write_images
+	@mkdir -p build/bench/images && build/bench/bin/write_images build/bench/images
+	@Benchmarks/bench.py build/bench/bin $(BENCH_IMAGES) >build/bench/figures.txt
+	@QUORLIN_BENCH_IMAGES=$(BENCH_IMAGES) build/bench/bin/quorlin_bench --benchmark_out=build/bench/bench.json \
+		--benchmark_out_format=json $(BENCH_OPTIONS)
+	@Benchmarks/write_performance.py build/bench/figures.txt build/bench/bench.json >build/bench/Performance.md
+	@mv build/bench/Performance.md Docs/Performance.md
+
+# The instructions of ten runs, divided by those of dmidecode, against the ratios that are committed.
+guard guard-update:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) valgrind
+	@cmake --preset release -DQUORLIN_TESTS=ON >/dev/null
+	@cmake --build --preset release --target quorlin_program write_images
+	@python3 -B Benchmarks/guard.py build/release/bin Benchmarks/ratios.txt $(if $(filter guard-update,$@),--update)
 
 # Runs each fuzzer for FUZZ_SECONDS, two at a time. A finding fails the run.
 FUZZ_SECONDS = 60

@@ -2,9 +2,8 @@
 """Compares two files of results: compare.py BEFORE AFTER [LIMIT]
 
 Prints how each figure has changed. Fails if one has grown by LIMIT percent (default 10) or more, or is missing. A file
-comes from quorlin_bench --benchmark_out=FILE --benchmark_out_format=json, or from instructions.sh, memory.sh or
-syscalls.sh: lines with a name, a unit and a number. The best of several repetitions counts, as other load on the
-machine can only add time.
+comes from quorlin_bench --benchmark_out=FILE --benchmark_out_format=json, or from bench.py: lines with a name, a unit
+and a number. The best of several repetitions counts, as other load on the machine can only add time.
 """
 
 import json
