@@ -35,7 +35,9 @@ endif()
 
 # For classes that no host sees, and that nothing casts by their type: their type information is only relocations at
 # start-up. The sanitizers need it.
-set(quorlin_without_rtti $<$<NOT:$<BOOL:${QUORLIN_SANITIZE}>>:-fno-rtti>)
+if(NOT QUORLIN_SANITIZE)
+  set(quorlin_without_rtti -fno-rtti)
+endif()
 
 if(WIN32)
   # The library must not depend on MinGW's own DLLs.
