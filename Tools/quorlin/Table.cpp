@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "Packages/CrashReport/CrashReport.h"
 #include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/Memory.h"
@@ -73,7 +74,7 @@ bool ClTable::UseSample(const Source_t& source) {
     m_image.source = {table.data(), static_cast<uint32_t>(table.size()), 3, 0, source.signature};
     m_isSample = true;
     m_name = "sample";
-    return SetImageMachine(&m_image.source) == kSuccess && BringUp();
+    return SetImageMachine(&m_image.source) == kSuccess;
 }
 
 void ClTable::AddRemark(const std::string& text) {
@@ -102,8 +103,7 @@ bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
     if (status != kSuccess) return false;
     AddRemark(m_image.Remark());
     UseRecovered(source);
-    if (SetImageMachine(&m_image.source) == kSuccess && BringUp()) return true;
-    throw std::bad_alloc();  // nothing else can be missing
+    return SetImageMachine(&m_image.source) == kSuccess;
 } catch (const std::bad_alloc&) {
     m_error = kOutOfMemory;
     return false;
@@ -154,7 +154,7 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
                           cpuid.Eax};
         Close();
         UseRecovered(source);
-        return SetImageMachine(&m_image.source) == kSuccess && BringUp();
+        return SetImageMachine(&m_image.source) == kSuccess;
     }
     if (isReplay) {
         m_name = source.replay;
@@ -170,6 +170,7 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
 
 bool ClTable::Open(const Source_t& source, const std::string* path) {
     Close();
+    InstallCrashReport();  // as a package does that is brought up
     m_isImage = m_isSample = m_isRecord = false;
     m_error.clear();
     m_remark.clear();
@@ -182,7 +183,7 @@ bool ClTable::Open(const Source_t& source, const std::string* path) {
         m_version[1] = m_image.source.minor;
     }
     const bool saysCut = m_isImage && m_image.missing != 0;
-    if (const TableFacts_t& facts = *FactsOfTable();
+    if (const TableFacts_t facts = StoreIsUp() ? *FactsOfTable() : FactsOf(Bytes());
         facts.brokenAt != TableFacts_t::kNowhere && !source.recover && !(saysCut && facts.isCut))
         AddRemark(facts.Remark() + ", so what comes after it may be made up; try --recover");
     if (source.verbose) SayError(m_name, "read " + Form());

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <new>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,8 +28,12 @@ class ClTable {
     // Whether the table is a machine's own, not an image or the sample.
     bool IsThisMachine() const { return !m_isImage && !m_isSample; }
 
-    // A package on the table that has decoded nothing so far.
-    Quorlin& Package() { return *m_package; }
+    // A package on the table that has decoded nothing so far. An image's is brought up by the first call, as most
+    // commands read the bytes alone. Throws std::bad_alloc.
+    Quorlin& Package() {
+        if (m_package == nullptr && !BringUp()) throw std::bad_alloc();
+        return *m_package;
+    }
     bool HadTooManyItems() const { return m_package != nullptr && m_package->HadTooManyItems(); }
     // The table's bytes, which live until Close. Empty without memory.
     std::span<const uint8_t> Bytes();

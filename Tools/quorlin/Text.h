@@ -44,14 +44,6 @@ char* CopyPlain(char* place, std::string_view text) {
         copyAll(uint8_t{});
     return found == 0 ? place + text.size() : nullptr;
 }
-// The text without blanks at its end.
-inline std::string_view Trimmed(std::string_view text) {
-    while (text.ends_with(' ')) text.remove_suffix(1);
-    return text;
-}
-// Appends `text` without blanks at its end. Invalid bytes become U+FFFD. Control characters, line separators and marks
-// that change the direction of text become blanks.
-void AppendPrintable(std::string& out, std::string_view text);
 // Appends `text` if it is plain, and otherwise nothing. Returns whether it is.
 template <char... specials>
 bool AppendPlain(std::string& out, std::string_view text) {
@@ -61,6 +53,14 @@ bool AppendPlain(std::string& out, std::string_view text) {
     out.resize(begin);
     return false;
 }
+// The text without blanks at its end.
+inline std::string_view Trimmed(std::string_view text) {
+    while (text.ends_with(' ')) text.remove_suffix(1);
+    return text;
+}
+// Appends `text` without blanks at its end. Invalid bytes become U+FFFD. Control characters, line separators and marks
+// that change the direction of text become blanks.
+void AppendPrintable(std::string& out, std::string_view text);
 std::string Printable(std::string_view text);
 // Appends `text` as the inside of a JSON string. Invalid bytes become U+FFFD, and what steers a terminal \uXXXX.
 // Returns whether there were invalid bytes.

@@ -180,11 +180,17 @@ status_t ParseDefaultStruct(const TableStructure_t& structure) {
 }
 
 // Notes the first broken structure.
-void NoteBroken(const TableStructure_t& structure, uint32_t offset) {
-    if (tableFacts.brokenAt != TableFacts_t::kNowhere) return;
+void NoteBroken(const TableStructure_t& structure, uint32_t offset, TableFacts_t& facts) {
+    if (facts.brokenAt != TableFacts_t::kNowhere) return;
     if (structure.size != 0 && structure.Length() >= kHeaderSize && structure.IsWhole()) return;
-    tableFacts.brokenAt = offset;
-    tableFacts.isCut = structure.size == 0 || structure.Length() >= kHeaderSize;
+    facts.brokenAt = offset;
+    facts.isCut = structure.size == 0 || structure.Length() >= kHeaderSize;
+}
+
+// Notes what comes after the last structure: an End-of-Table structure, or less than a header.
+void NoteEnd(std::span<const uint8_t> table, uint32_t offset, TableFacts_t& facts) {
+    facts.hasEnd = offset < facts.length && table[offset] == kEndOfTable;
+    if (offset < facts.length && !facts.hasEnd) NoteBroken({&table[offset], 0}, offset, facts);
 }
 
 // Stores a structure. One that is equal to the last of its type shares its record, so that repeated filler in a broken
@@ -209,7 +215,7 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
     uint32_t offset = 0;
     for (const TableStructure_t& structure : ClWalk({table, length})) {
         if (structure.Type() == kEndOfTable) break;
-        NoteBroken(structure, offset);
+        NoteBroken(structure, offset, tableFacts);
         TRACE("ParseAllStructures", kInfo, "The present type is 0x%x myHeaderPtr->Length = 0x%x", structure.Type(),
               structure.Length());
         const status_t status = ParseStructure(structure, lastOfType[structure.Type()]);
@@ -222,9 +228,7 @@ status_t ParseAllStructures(uint32_t length, const uint8_t* table) {
         }
         offset += structure.size;
     }
-    // The rest is an End-of-Table structure, or shorter than a header.
-    tableFacts.hasEnd = offset < length && table[offset] == kEndOfTable;
-    if (offset < length && !tableFacts.hasEnd) NoteBroken({table + offset, 0}, offset);
+    NoteEnd({table, length}, offset, tableFacts);
     return kSuccess;
 }
 
@@ -354,6 +358,18 @@ std::string TableFacts_t::Remark() const {
 bool StoreHasType(uint8_t type) { return recordsOfType[type].count != 0; }
 
 const TableFacts_t* FactsOfTable() { return StoreIsUp() ? &tableFacts : nullptr; }
+
+TableFacts_t FactsOf(std::span<const uint8_t> table) {
+    TableFacts_t facts = {.length = static_cast<uint32_t>(table.size())};
+    uint32_t offset = 0;
+    for (const TableStructure_t& structure : ClWalk(table)) {
+        if (structure.Type() == kEndOfTable) break;
+        NoteBroken(structure, offset, facts);
+        offset += structure.size;
+    }
+    NoteEnd(table, offset, facts);
+    return facts;
+}
 
 status_t GetSMBIOSVersion(uint8_t* major, uint8_t* minor) {
     if (major == nullptr || minor == nullptr) return kNullPointer;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
@@ -26,6 +27,8 @@ struct TableFacts_t {
 };
 // The facts of the table in the store; null while the store is down.
 const TableFacts_t* FactsOfTable();
+// The facts of a table that needn't be in the store, but for its version.
+TableFacts_t FactsOf(std::span<const uint8_t> table);
 
 // Whether the store has structures of a type.
 bool StoreHasType(uint8_t type);

@@ -87,7 +87,7 @@ class ClCsvWriter : public ClWriter {
     bool m_hasMany, m_hasHeader = false;
     std::string_view m_image;
     size_t m_columns = 0;
-    std::string m_shared;
+    std::string m_shared;  // the cells that rows of a structure share
 };
 
 std::unique_ptr<ClWriter> Make(ClOutput& output, bool hasMany) {

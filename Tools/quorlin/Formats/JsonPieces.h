@@ -87,9 +87,7 @@ class ClJson {
     // Writes the comma or colon that a value of this type needs before it, and counts the value.
     void Separate(rapidjson::Type type) { m_writer.RawValue("", 0, type); }
 
-    // Returns the place after the copy.
-
-    // Writes a text in quotes.
+    // Writes a text in quotes, and returns whether bytes of it were replaced.
     bool PutQuoted(std::string_view text) {
         m_output << '"';
         bool isReplaced = false;
