@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <tuple>
 
 #include "Packages/Standard/Texts.h"
 
@@ -27,17 +28,7 @@ void ClMemory::Add(const TableStructure_t& structure, const ClValues& values) {
                                 correction == kSingleBitEcc || correction == kMultiBitEcc});
             break;
         }
-        case 17: {
-            const Value_t* size = values.Find("memory_size");
-            const uint64_t total = values.Number("total_width").value_or(0);
-            const uint64_t data = values.Number("data_width").value_or(0);
-            m_devices.push_back(
-                {structure, handle("physical_memory_array_handle"), values.Number("memory_size").value_or(0),
-                 size != nullptr && size->state != FactState_t::kUnknown,
-                 values.Number("non_volatile_size").value_or(0) != 0, total > data && data != 0 ? total - data : 0,
-                 values.Text("manufacturer"), values.Text("serial_number")});
-            break;
-        }
+        case 17: AddDevice(structure, handle("physical_memory_array_handle"), values); break;
         case 19: {
             const auto begin = values.Number("range_start"), end = values.Number("range_end");
             if (begin && end && *begin <= *end)
@@ -48,11 +39,24 @@ void ClMemory::Add(const TableStructure_t& structure, const ClValues& values) {
     }
 }
 
-std::span<const ClMemory::Device_t> ClMemory::DevicesOf(const Array_t& array) const {
-    const uint16_t handle = array.structure.Handle();
-    const auto begin = std::ranges::lower_bound(m_devices, handle, {}, &Device_t::array);
-    const auto end = std::ranges::upper_bound(m_devices, handle, {}, &Device_t::array);
-    return {begin, end};
+void ClMemory::AddDevice(const TableStructure_t& structure, uint16_t array, const ClValues& values) {
+    const Value_t* known = values.Find("memory_size");
+    const uint64_t size = values.Number("memory_size").value_or(0);
+    const uint64_t total = values.Number("total_width").value_or(0);
+    const uint64_t data = values.Number("data_width").value_or(0);
+    Devices_t& devices = m_devices[array];
+    devices.count++;
+    devices.installed += size;
+    devices.hasUnknownSize |= known == nullptr || known->state == FactState_t::kUnknown;
+    devices.hasPersistent |= values.Number("non_volatile_size").value_or(0) != 0;
+    devices.hasCheckBits |= total > data && data != 0;
+    const std::string_view serial = values.Text("serial_number");
+    if (size != 0 && !serial.empty()) m_serials.push_back({structure, array, values.Text("manufacturer"), serial});
+}
+
+ClMemory::Devices_t ClMemory::DevicesOf(const Array_t& array) const {
+    const auto found = m_devices.find(array.structure.Handle());
+    return found != m_devices.end() ? found->second : Devices_t();
 }
 
 void ClMemory::Say(RuleId_t rule, const TableStructure_t& structure, std::string_view key, const std::string& found,
@@ -62,8 +66,6 @@ void ClMemory::Say(RuleId_t rule, const TableStructure_t& structure, std::string
 }
 
 void ClMemory::Report(const ReportFinding_t& report) {
-    // Devices of one array are found by a search.
-    std::ranges::stable_sort(m_devices, {}, &Device_t::array);
     std::ranges::stable_sort(m_ranges, {}, [](const Range_t& range) { return std::pair(range.array, range.begin); });
     for (const Array_t& array : m_arrays) ReportArray(array, report);
     ReportOverlaps(report);
@@ -72,21 +74,14 @@ void ClMemory::Report(const ReportFinding_t& report) {
 }
 
 void ClMemory::ReportArray(const Array_t& array, const ReportFinding_t& report) const {
-    const std::span<const Device_t> devices = DevicesOf(array);
-    const size_t count = devices.size();
-    if (array.devices && *array.devices != count)
+    const Devices_t devices = DevicesOf(array);
+    if (array.devices && *array.devices != devices.count)
         Say(RuleId_t::kDeviceCount, array.structure, "number_of_memory_devices", std::to_string(*array.devices),
-            std::to_string(count) + " structures of type 17 refer to the array", report);
-    uint64_t installed = 0;
-    bool hasCheckBits = false;
-    for (const Device_t& device : devices) {
-        installed += device.size;
-        hasCheckBits |= device.checkBits != 0;
-    }
-    if (array.capacity && *array.capacity != 0 && installed > *array.capacity)
+            std::to_string(devices.count) + " structures of type 17 refer to the array", report);
+    if (array.capacity && *array.capacity != 0 && devices.installed > *array.capacity)
         Say(RuleId_t::kMoreThanMaximum, array.structure, "capacity", SizeText(*array.capacity),
-            SizeText(installed) + " are installed", report);
-    if (array.isSystem && array.hasEcc && installed != 0 && !hasCheckBits)
+            SizeText(devices.installed) + " are installed", report);
+    if (array.isSystem && array.hasEcc && devices.installed != 0 && !devices.hasCheckBits)
         Say(RuleId_t::kEccWidth, array.structure, "memory_error_correction", "ECC",
             "a total width above the data width in its devices", report);
 }
@@ -99,10 +94,9 @@ void ClMemory::ReportMapped(const ReportFinding_t& report) {
     for (const Array_t& array : m_arrays) {
         if (!array.isSystem) continue;
         isSystem.set(array.structure.Handle());
-        for (const Device_t& device : DevicesOf(array)) {
-            if (!device.isSizeKnown || device.isPersistent) return;
-            installed += device.size;
-        }
+        const Devices_t devices = DevicesOf(array);
+        if (devices.hasUnknownSize || devices.hasPersistent) return;
+        installed += devices.installed;
     }
     std::erase_if(m_ranges, [&](const Range_t& range) { return !isSystem[range.array]; });
     std::ranges::sort(m_ranges, {}, &Range_t::begin);
@@ -127,13 +121,12 @@ void ClMemory::ReportOverlaps(const ReportFinding_t& report) {
 }
 
 void ClMemory::ReportSerials(const ReportFinding_t& report) {
-    std::erase_if(m_devices, [](const Device_t& device) { return device.size == 0 || device.serial.empty(); });
-    std::ranges::stable_sort(m_devices, {},
-                             [](const Device_t& device) { return std::pair(device.maker, device.serial); });
+    std::ranges::stable_sort(m_serials, {},
+                             [](const Serial_t& each) { return std::tuple(each.maker, each.serial, each.array); });
     // In the order of the table, which doesn't depend on what the serial numbers are.
-    std::vector<std::pair<const Device_t*, const Device_t*>> pairs;
-    for (size_t i = 1; i < m_devices.size(); i++) {
-        const Device_t &first = m_devices[i - 1], &second = m_devices[i];
+    std::vector<std::pair<const Serial_t*, const Serial_t*>> pairs;
+    for (size_t i = 1; i < m_serials.size(); i++) {
+        const Serial_t &first = m_serials[i - 1], &second = m_serials[i];
         if (first.maker == second.maker && first.serial == second.serial) pairs.emplace_back(&second, &first);
     }
     std::ranges::sort(pairs, {}, [](const auto& pair) { return pair.first->structure.data; });

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "Packages/Analysis/Check.h"
@@ -26,12 +27,15 @@ class ClMemory {
         std::optional<uint64_t> devices, capacity;
         bool isSystem, hasEcc;
     };
-    struct Device_t {
+    // The devices of an array together, as a table may have very many.
+    struct Devices_t {
+        uint64_t count = 0, installed = 0;
+        bool hasUnknownSize = false, hasPersistent = false, hasCheckBits = false;
+    };
+    // The serial number of a device with a size.
+    struct Serial_t {
         TableStructure_t structure;
         uint16_t array;
-        uint64_t size;  // 0 if there is none, or if it isn't known
-        bool isSizeKnown, isPersistent;
-        uint64_t checkBits;
         std::string_view maker, serial;
     };
     struct Range_t {
@@ -40,7 +44,8 @@ class ClMemory {
         uint64_t begin, end;
     };
 
-    std::span<const Device_t> DevicesOf(const Array_t& array) const;
+    void AddDevice(const TableStructure_t& structure, uint16_t array, const ClValues& values);
+    Devices_t DevicesOf(const Array_t& array) const;
     void ReportArray(const Array_t& array, const ReportFinding_t& report) const;
     void ReportMapped(const ReportFinding_t& report);
     void ReportOverlaps(const ReportFinding_t& report);
@@ -51,6 +56,7 @@ class ClMemory {
     std::span<const uint8_t> m_table;
     std::vector<Array_t> m_arrays;
     std::bitset<0x10000> m_known;  // handles of arrays; of several with one handle the first one counts
-    std::vector<Device_t> m_devices;
+    std::unordered_map<uint16_t, Devices_t> m_devices;  // by the handle of their array
+    std::vector<Serial_t> m_serials;
     std::vector<Range_t> m_ranges;
 };

@@ -12,6 +12,7 @@ namespace {
 
 constexpr uint64_t kErrorUnknown = 2, kErrorNone = 3;  // codes of the standard's table
 constexpr uint16_t kNoArray = 0xFFFF;
+constexpr size_t kMostLocator = 256;  // what comes after so many bytes names no place
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsUpper(char c) { return c >= 'A' && c <= 'Z'; }
@@ -25,6 +26,16 @@ struct Word_t {
     bool IsNumber() const { return IsDigit(text[0]); }
     bool IsOneLetter() const { return text.size() == 1 && IsLetter(text[0]); }
 };
+
+// "DIMMA" is "DIMM" and "A".
+void AddWord(std::string_view text, std::vector<Word_t>& words) {
+    const std::string lower = LowerCaseText(text);
+    size_t end = text.size();
+    for (const std::string_view prefix : {"dimm", "channel"})
+        if (end == prefix.size() + 1 && lower.starts_with(prefix)) end = prefix.size();
+    words.push_back({text.substr(0, end), lower.substr(0, end)});
+    if (end != text.size()) words.push_back({text.substr(end), lower.substr(end)});
+}
 
 // Splits at everything else, between letters and digits, and where "Controller0ChannelADimm0" begins another word.
 std::vector<Word_t> WordsOf(std::string_view locator) {
@@ -44,17 +55,7 @@ std::vector<Word_t> WordsOf(std::string_view locator) {
         } else {
             continue;
         }
-        const std::string_view text = locator.substr(begin, at - begin);
-        words.push_back({text, LowerCaseText(text)});
-    }
-    // "DIMMA" is "DIMM" and "A".
-    for (size_t i = 0; i < words.size(); i++) {
-        for (const std::string_view prefix : {"dimm", "channel"}) {
-            if (words[i].lower.size() != prefix.size() + 1 || !words[i].lower.starts_with(prefix)) continue;
-            const Word_t letter = {words[i].text.substr(prefix.size()), words[i].lower.substr(prefix.size())};
-            words[i] = {words[i].text.substr(0, prefix.size()), std::string(prefix)};
-            words.insert(words.begin() + static_cast<ptrdiff_t>(i) + 1, letter);
-        }
+        AddWord(locator.substr(begin, at - begin), words);
     }
     return words;
 }
@@ -225,7 +226,8 @@ class ClSlots {
 }  // namespace
 
 SlotPlace_t PlaceOfSlot(std::string_view locator, std::string_view bank) {
-    const std::vector<Word_t> own = WordsOf(locator), other = WordsOf(bank);
+    const std::vector<Word_t> own = WordsOf(locator.substr(0, kMostLocator)),
+                              other = WordsOf(bank.substr(0, kMostLocator));
     SlotPlace_t place;
     // Both locators may name the processor in their own way; what comes with the channel counts.
     place.channel = ChannelOf(other);

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -21,10 +22,13 @@ std::FILE* OpenPlainFile(const std::string& path);
 // a signal, a full disk or a limit on file sizes leaves no partial file. Returns false, with errno set, on failure;
 // with EEXIST if the name exists, be it as a link.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size);
-// The same for a file that all users can read, which replaces a plain file with the name. The file that is there stays
-// as it is on failure; with EEXIST if it is a link, a folder, a device or a pipe. The temporary name ends unlike that
-// of a file that other programs look for.
-bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size);
+// The same for a file that all users can read, which replaces a plain file with the name. `write` makes it piece by
+// piece, by calls of its argument; after one returned false, more are useless. The file that is there stays as it is on
+// failure; with EEXIST if it is a link, a folder, a device or a pipe. The temporary name ends unlike that of a file
+// that other programs look for.
+using AppendBytes_t = std::function<bool(const void* bytes, size_t size)>;
+using WritePieces_t = std::function<void(const AppendBytes_t& append)>;
+bool ReplaceWholeFile(const std::string& path, const WritePieces_t& write);
 // A new folder with files that only its owner can read and write. Like the files of CreateWholeFile, it gets its name
 // when it is complete, and a signal, Ctrl-C or a failure leaves nothing. After a failure nothing more is written.
 // A process can make one folder at a time.

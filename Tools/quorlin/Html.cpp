@@ -1,5 +1,6 @@
 #include "Tools/quorlin/Html.h"
 
+#include "Tools/quorlin/Report/Texts.h"
 #include "Tools/quorlin/Text.h"
 
 static std::string_view EscapeOf(char character) {
@@ -24,6 +25,13 @@ void AppendHtml(std::string& out, std::string_view text) {
         escape.empty() ? escaped += character : escaped += escape;
     }
     out.replace(begin, out.npos, escaped);
+}
+
+void ClHtml::Cut(std::string_view text) {
+    size_t end = kMostText;
+    while (end > kMostText - 4 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) end--;  // whole characters
+    AppendHtml(m_out, text.substr(0, end));
+    AppendHtml(m_out, Filled(kTextMoreBytes, text.size() - end));
 }
 
 std::string Base64(std::span<const uint8_t> bytes) {

@@ -26,9 +26,9 @@ class ClHtml {
     ClHtml& operator<<(const char (&markup)[size]) {
         return Raw(markup);
     }
-    // Without blanks at its end.
+    // Without blanks at its end. Of a text as long as no machine has one, the begin, and how many bytes are left out.
     ClHtml& Text(std::string_view text) {
-        AppendHtml(m_out, text);
+        text.size() <= kMostText ? AppendHtml(m_out, text) : Cut(text);
         return *this;
     }
     ClHtml& Number(uint64_t number) {
@@ -46,5 +46,9 @@ class ClHtml {
     std::string Take() { return std::move(m_out); }
 
   private:
+    static constexpr size_t kMostText = 64u << 10;
+
+    void Cut(std::string_view text);
+
     std::string m_out;
 };

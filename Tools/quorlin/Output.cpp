@@ -85,8 +85,8 @@ bool WriteFileOrStream(const std::string& path, std::span<const uint8_t> bytes) 
     return output.Finish();
 }
 
-bool ReplaceFile(const std::string& path, std::string_view text) {
-    if (ReplaceWholeFile(path, text.data(), text.size())) return true;
+bool ReplaceFile(const std::string& path, const WritePieces_t& write) {
+    if (ReplaceWholeFile(path, write)) return true;
     if (errno == EEXIST)
         SayError(path, "is no plain file, and nothing else is replaced; try another name");
     else

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "Packages/OS/Program.h"
 #include "Tools/quorlin/Text.h"
 
 inline constexpr int kExitDone = 0;
@@ -99,6 +100,6 @@ void ShowBytes(std::span<const uint8_t> bytes, ClOutput& output);
 bool WriteNewFile(const std::string& path, std::span<const uint8_t> bytes);
 // The same, but to standard output for "-".
 bool WriteFileOrStream(const std::string& path, std::span<const uint8_t> bytes);
-// Writes a file that all users can read, in place of a plain file with the name, whole or not at all. False, with a
-// line on standard error, if it can't be written.
-bool ReplaceFile(const std::string& path, std::string_view text);
+// Writes a file that all users can read, in place of a plain file with the name, piece by piece, whole or not at all.
+// False, with a line on standard error, if it can't be written.
+bool ReplaceFile(const std::string& path, const WritePieces_t& write);

@@ -41,20 +41,13 @@ class ClValues {
         const Value_t* value = Find(key);
         return value == nullptr ? FactState_t::kAbsent : value->state;
     }
-    // A text or the word of a code, without blanks around it and with single ones inside.
-    std::string Text(std::string_view key) const {
+    // A text as it is, or the word of a code. Made texts are gone with these values.
+    std::string_view View(std::string_view key) const {
         const Value_t* value = Find(key);
-        std::string text;
-        if (value == nullptr || value->state != FactState_t::kValue || value->text == "Other") return text;
-        for (const char c : value->text) {
-            if (c != ' ')
-                text += c;
-            else if (!text.empty() && text.back() != ' ')
-                text += ' ';
-        }
-        if (text.ends_with(' ')) text.pop_back();
-        return text;
+        const bool isKnown = value != nullptr && value->state == FactState_t::kValue && value->text != "Other";
+        return isKnown ? value->text : std::string_view();
     }
+    std::string Text(std::string_view key) const { return WithSingleBlanks(View(key)); }
     bool HasBit(std::string_view key, unsigned bit) const { return Number(key).value_or(0) >> bit & 1; }
 
   private:
@@ -83,22 +76,29 @@ class ClValues {
 template <class Kind>
 class ClGroups {
   public:
-    Group_t<Kind>& Count(const Kind& kind) {
-        const auto [place, isNew] = m_places.try_emplace(kind, m_groups.size());
-        if (isNew) m_groups.push_back({kind});
-        Group_t<Kind>& group = m_groups[place->second];
-        group.count++;
-        return group;
-    }
+    Group_t<Kind>& Count(const Kind& kind) { return m_groups[NumberOf(kind)]; }
     // The same, for what is in a place.
-    void CountIn(Place_t& place, const Kind& kind) {
-        place.group = static_cast<size_t>(&Count(kind) - m_groups.data());
-    }
+    void CountIn(Place_t& place, const Kind& kind) { place.group = NumberOf(kind); }
     Groups_t<Kind> Take() { return std::move(m_groups); }
 
   private:
+    struct IsLess_t {
+        bool operator()(const Kind* a, const Kind* b) const { return *a < *b; }
+    };
+
+    // The number of the kind's group, in which one more is counted.
+    uint32_t NumberOf(const Kind& kind) {
+        auto place = m_numbers.find(&kind);
+        if (place == m_numbers.end()) {
+            m_groups.push_back({kind});
+            place = m_numbers.emplace(&m_groups.back().kind, static_cast<uint32_t>(m_groups.size() - 1)).first;
+        }
+        m_groups[place->second].count++;
+        return place->second;
+    }
+
     Groups_t<Kind> m_groups;
-    std::map<Kind, size_t> m_places;
+    std::map<const Kind*, uint32_t, IsLess_t> m_numbers;
 };
 
 class ClCollector {
@@ -182,7 +182,7 @@ class ClCollector {
 
     void TakeProcessor(uint16_t handle, const ClValues& values) {
         if (values.Number("processor_type").value_or(kCentralProcessor) != kCentralProcessor) return;
-        m_summary.sockets.push_back({handle, values.Text("socket_designation"), {}, {}});
+        m_summary.sockets.push_back({.handle = handle, .name = values.View("socket_designation"), .bank = {}});
         const bool isThere = values.HasBit("status", 6);
         for (const char* key : {"l1_cache_handle", "l2_cache_handle", "l3_cache_handle"})
             if (const Known_t cache = values.Number(key); cache)
@@ -241,7 +241,7 @@ class ClCollector {
         const std::string type = values.Text("memory_type");
         if ((array && m_otherArrays.contains(*array)) || type == "FLASH" || type == "ROM") return;
         Places_t& slots = m_summary.memorySlots;
-        slots.push_back({handle, values.Text("device_locator"), values.Text("bank_locator"), {}});
+        slots.push_back({.handle = handle, .name = values.View("device_locator"), .bank = values.View("bank_locator")});
         if (values.Has("size", FactState_t::kNone) && !values.Number("memory_size")) return;
         const Module_t module = {
             .size = values.Positive("memory_size"),
@@ -257,7 +257,7 @@ class ClCollector {
 
     // Tables from before 2.1 have no other memory.
     void TakeOldModule(uint16_t handle, const ClValues& values) {
-        m_oldSlots.push_back({handle, values.Text("socket_designation"), {}, {}});
+        m_oldSlots.push_back({.handle = handle, .name = values.View("socket_designation"), .bank = {}});
         Module_t module = {};
         module.size = values.Number("installed_module_size");
         if (module.size) m_oldModules.CountIn(m_oldSlots.back(), module);
@@ -286,6 +286,18 @@ class ClCollector {
 };
 
 }  // namespace
+
+std::string WithSingleBlanks(std::string_view text) {
+    std::string single;
+    for (const char c : text) {
+        if (c != ' ')
+            single += c;
+        else if (!single.empty() && single.back() != ' ')
+            single += ' ';
+    }
+    if (single.ends_with(' ')) single.pop_back();
+    return single;
+}
 
 Summary_t SummaryOf(std::span<const uint8_t> table, const FactOptions_t& options) {
     return ClCollector().Collect(table, options);

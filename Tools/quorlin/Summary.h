@@ -63,23 +63,26 @@ struct Slot_t {
     auto operator<=>(const Slot_t&) const = default;
 };
 
-// Equal things, and how many there are.
+// Equal things, and how many there are. Deques, as a table may have very many.
 template <class Kind>
 struct Group_t {
     Kind kind;
     uint64_t count = 0, used = 0, free = 0;
 };
 template <class Kind>
-using Groups_t = std::vector<Group_t<Kind>>;
+using Groups_t = std::deque<Group_t<Kind>>;
 
 // A socket for a processor or a slot for a module.
 struct Place_t {
+    static constexpr uint32_t kEmpty = ~0u;
+
     uint16_t handle;
-    std::string name, bank;       // as on the board
-    std::optional<size_t> group;  // of what is in it
+    uint32_t group = kEmpty;      // of what is in it
+    std::string_view name, bank;  // as on the board: bytes of the table, for WithSingleBlanks
 };
-// A deque, as a table may have very many.
 using Places_t = std::deque<Place_t>;
+// Without blanks around a text, and with single ones inside.
+std::string WithSingleBlanks(std::string_view text);
 
 struct Summary_t {
     System_t system;
@@ -96,6 +99,7 @@ struct Summary_t {
     Groups_t<Slot_t> slots;
 };
 
+// Has views of the table, which must outlive it.
 Summary_t SummaryOf(std::span<const uint8_t> table, const FactOptions_t& options);
 
 // Its parts as lines for people; a part of which nothing is known has none.

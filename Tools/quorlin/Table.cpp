@@ -204,6 +204,11 @@ void ClTable::ClosePackage() {
     DestroySmbiosPackageForKovr(m_package.release());
 }
 
+void ClTable::CloseLargePackage() {
+    constexpr size_t kLarge = 256u << 10;
+    if (Bytes().size() > kLarge) ClosePackage();
+}
+
 std::span<const uint8_t> ClTable::Bytes() {
     if (m_isImage || m_isSample) return {m_image.source.table, m_image.source.length};
     uint8_t entry[kEntryBufferSize] = {};

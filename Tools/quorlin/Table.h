@@ -25,6 +25,8 @@ class ClTable {
     void Close();
     // Takes down the package, which takes much more memory than the bytes. They stay.
     void ClosePackage();
+    // The same for a large table only, as that of a small one takes more time to take down than memory.
+    void CloseLargePackage();
     // Whether the table is a machine's own, not an image or the sample.
     bool IsThisMachine() const { return !m_isImage && !m_isSample; }
 

@@ -86,21 +86,35 @@ class ClNoSignals {
     sigset_t m_before;
 };
 
-// Writes the file with a temporary name, which is removed before any signal but SIGKILL is delivered. `name` gives it
-// its own name.
-template <class Name>
-static Made_t CreateNamed(const std::string& path, const void* bytes, size_t size, mode_t mode, Name name) {
+// Removes a name, even after an exception.
+class ClTemporaryName {
+  public:
+    explicit ClTemporaryName(const std::string& name) : m_name(name) {}
+    ~ClTemporaryName() {
+        const int problem = errno;
+        unlink(m_name.c_str());
+        errno = problem;
+    }
+    ClTemporaryName(const ClTemporaryName&) = delete;
+    ClTemporaryName& operator=(const ClTemporaryName&) = delete;
+
+  private:
+    const std::string& m_name;
+};
+
+// Writes the file with a temporary name, which is removed before any signal but SIGKILL is delivered. `write` writes
+// its bytes, and `name` gives it its own name.
+template <class Write, class Name>
+static Made_t CreateNamed(const std::string& path, mode_t mode, Write write, Name name) {
     const ClNoSignals noSignals;
     std::string temporary = FolderOf(path) + ".quorlin-XXXXXX";
     Made_t made = Made_t::kNo;
     const ClDescriptor file(MoveAbove(mkostemp(temporary.data(), O_CLOEXEC)));
     if (file.IsOpen()) {
+        const ClTemporaryName removed(temporary);
         // File systems without modes refuse to set one.
         const bool isSet = fchmod(file.Get(), mode) == 0 || errno == EPERM;
-        if (isSet && WriteAll(file.Get(), bytes, size) && Sync(file.Get())) made = name(temporary.c_str());
-        const int problem = errno;
-        unlink(temporary.c_str());
-        errno = problem;
+        if (isSet && write(file.Get()) && Sync(file.Get())) made = name(temporary.c_str());
     }
     return made;
 }
@@ -110,17 +124,19 @@ bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     Made_t made = CreateNameless(path, bytes, size);
     if (made == Made_t::kNotThisWay)
-        made = CreateNamed(path, bytes, size, S_IRUSR | S_IWUSR, [&path](const char* temporary) {
-            // link and renameat2 don't replace files. Some file systems support only one of them.
-            const Made_t linked = LinkResult(link(temporary, path.c_str()) == 0);
-            if (linked != Made_t::kNotThisWay) return linked;
-            return LinkResult(renameat2(AT_FDCWD, temporary, AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0);
-        });
+        made = CreateNamed(
+            path, S_IRUSR | S_IWUSR, [&](int file) { return WriteAll(file, bytes, size); },
+            [&path](const char* temporary) {
+                // link and renameat2 don't replace files. Some file systems support only one of them.
+                const Made_t linked = LinkResult(link(temporary, path.c_str()) == 0);
+                if (linked != Made_t::kNotThisWay) return linked;
+                return LinkResult(renameat2(AT_FDCWD, temporary, AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0);
+            });
     std::signal(SIGXFSZ, before);
     return made == Made_t::kYes;
 }
 
-bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size) {
+bool ReplaceWholeFile(const std::string& path, const WritePieces_t& write) {
     struct stat facts;
     if (lstat(path.c_str(), &facts) == 0 && !S_ISREG(facts.st_mode)) {
         errno = EEXIST;
@@ -128,9 +144,20 @@ bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size) {
     }
     const auto before = std::signal(SIGXFSZ, SIG_IGN);
     constexpr mode_t kForAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
-    const Made_t made = CreateNamed(path, bytes, size, kForAll, [&path](const char* temporary) {
-        return std::rename(temporary, path.c_str()) == 0 ? Made_t::kYes : Made_t::kNo;
-    });
+    const Made_t made = CreateNamed(
+        path, kForAll,
+        [&write](int file) {
+            int problem = 0;
+            write([&](const void* bytes, size_t size) {
+                if (problem == 0 && !WriteAll(file, bytes, size)) problem = errno;
+                return problem == 0;
+            });
+            errno = problem;
+            return problem == 0;
+        },
+        [&path](const char* temporary) {
+            return std::rename(temporary, path.c_str()) == 0 ? Made_t::kYes : Made_t::kNo;
+        });
     std::signal(SIGXFSZ, before);
     return made == Made_t::kYes;
 }

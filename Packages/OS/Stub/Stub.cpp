@@ -28,12 +28,16 @@ std::FILE* OpenPlainFile(const std::string& path) { return std::fopen(path.c_str
 
 // Writes to a temporary name. `name` gives the file its own.
 template <class Name>
-static bool MakeWholeFile(const std::string& path, const void* bytes, size_t size, Name name) {
+static bool MakeWholeFile(const std::string& path, const WritePieces_t& write, Name name) {
     const std::string temporary = path + ".quorlin";
     std::FILE* file = std::fopen(temporary.c_str(), "wbx");
     if (file == nullptr) return false;
     std::error_code problem;
-    const bool isWritten = std::fwrite(bytes, 1, size, file) == size;
+    bool isWritten = true;
+    write([&](const void* bytes, size_t size) {
+        isWritten = isWritten && std::fwrite(bytes, 1, size, file) == size;
+        return isWritten;
+    });
     if (std::fclose(file) != 0 || !isWritten)
         problem = std::make_error_code(std::errc::io_error);
     else
@@ -45,19 +49,20 @@ static bool MakeWholeFile(const std::string& path, const void* bytes, size_t siz
 
 // Creates a link, which never replaces a file.
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
-    return MakeWholeFile(path, bytes, size, [&path](const std::string& temporary, std::error_code& problem) {
+    const auto write = [&](const AppendBytes_t& append) { append(bytes, size); };
+    return MakeWholeFile(path, write, [&path](const std::string& temporary, std::error_code& problem) {
         std::filesystem::create_hard_link(temporary, path, problem);
     });
 }
 
-bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size) {
+bool ReplaceWholeFile(const std::string& path, const WritePieces_t& write) {
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::symlink_status(path, ignored);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         errno = EEXIST;
         return false;
     }
-    return MakeWholeFile(path, bytes, size, [&path](const std::string& temporary, std::error_code& problem) {
+    return MakeWholeFile(path, write, [&path](const std::string& temporary, std::error_code& problem) {
         std::filesystem::rename(temporary, path, problem);
     });
 }

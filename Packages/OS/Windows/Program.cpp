@@ -95,7 +95,7 @@ static std::wstring TemporaryName(const std::wstring& name) {
 }
 
 // Writes a temporary file in the same folder, where a rename makes no copy, and renames it.
-static bool MakeWholeFile(const std::string& path, const void* bytes, size_t size, SECURITY_ATTRIBUTES* attributes,
+static bool MakeWholeFile(const std::string& path, const WritePieces_t& write, SECURITY_ATTRIBUTES* attributes,
                           DWORD howToRename) {
     const std::wstring name = ToWide(path);
     const std::wstring temporary = TemporaryName(name);
@@ -105,33 +105,39 @@ static bool MakeWholeFile(const std::string& path, const void* bytes, size_t siz
         errno = LastErrno();
         return false;
     }
-    const bool isWhole =
-        SetTemporary(file, true) && WriteAll(file, bytes, size) && FlushFileBuffers(file) && SetTemporary(file, false);
-    if (!isWhole) errno = LastErrno();
+    int problem = 0;
+    const auto step = [&problem](bool isDone) {
+        if (problem == 0 && !isDone) problem = LastErrno();
+        return problem == 0;
+    };
+    if (step(SetTemporary(file, true)))
+        write([&](const void* bytes, size_t size) { return problem == 0 && step(WriteAll(file, bytes, size)); });
+    const bool isWhole = problem == 0 && step(FlushFileBuffers(file)) && step(SetTemporary(file, false));
     CloseHandle(file);
-    if (isWhole && MoveFileExW(temporary.c_str(), name.c_str(), howToRename)) return true;
-    if (isWhole) errno = LastErrno();
+    if (isWhole && step(MoveFileExW(temporary.c_str(), name.c_str(), howToRename))) return true;
     DeleteFileW(temporary.c_str());
+    errno = problem;
     return false;
 }
 
 bool CreateWholeFile(const std::string& path, const void* bytes, size_t size) {
     ClOwnerAccess access;
     SECURITY_ATTRIBUTES* const attributes = access.Attributes();
-    if (attributes != nullptr) return MakeWholeFile(path, bytes, size, attributes, 0);
+    const auto write = [&](const AppendBytes_t& append) { append(bytes, size); };
+    if (attributes != nullptr) return MakeWholeFile(path, write, attributes, 0);
     errno = LastErrno();
     return false;
 }
 
 // Who can read the file is up to its folder.
-bool ReplaceWholeFile(const std::string& path, const void* bytes, size_t size) {
+bool ReplaceWholeFile(const std::string& path, const WritePieces_t& write) {
     const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
     constexpr DWORD kNotPlain = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE;
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kNotPlain) != 0) {
         errno = EEXIST;
         return false;
     }
-    return MakeWholeFile(path, bytes, size, nullptr, MOVEFILE_REPLACE_EXISTING);
+    return MakeWholeFile(path, write, nullptr, MOVEFILE_REPLACE_EXISTING);
 }
 
 struct ClNewFolder::State_t {

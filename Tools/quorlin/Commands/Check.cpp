@@ -102,6 +102,7 @@ class ClCheckCommand : public ClCommand {
         const RuleChoice_t choice = Choice();
         return WriteTables(m_source, m_format.Chosen(), kList, kCheckCommand.trouble,
                            [&](ClTable& table, ClWriter& writer) {
+                               table.CloseLargePackage();
                                const std::vector<FindingGroup_t> groups = FindGroups(Checked(table), choice);
                                ClColumns* people = writer.People();
                                uint64_t count = 0;

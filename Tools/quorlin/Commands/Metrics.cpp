@@ -1,5 +1,7 @@
 // quorlin metrics: one machine for Prometheus, in its text format 0.0.4.
-#include <map>
+#include <algorithm>
+#include <functional>
+#include <unordered_map>
 #include <utility>
 
 #include "Packages/Standard/Texts.h"
@@ -25,10 +27,12 @@ void AppendEscaped(std::string& out, std::string_view text) {
     }
 }
 
-// Writes families of gauges. A family without samples isn't written.
+// Writes families of gauges, in large blocks. A family without samples isn't written.
 class ClGauges {
   public:
-    explicit ClGauges(std::string& out) : m_out(out) {}
+    using Write_t = std::function<void(std::string_view text)>;
+
+    explicit ClGauges(Write_t write) : m_write(std::move(write)) {}
 
     void Begin(const char* name, const char* help) {
         m_name = name;
@@ -39,60 +43,79 @@ class ClGauges {
     // values.
     void Sample(Known_t value, const Labels_t& labels = {}) {
         if (!value) return;
+        std::string& out = m_text;
         if (!std::exchange(m_hasSamples, true)) {
-            m_out.append("# HELP ").append(m_name).append(" ").append(m_help);
-            m_out.append("\n# TYPE ").append(m_name).append(" gauge\n");
+            out.append("# HELP ").append(m_name).append(" ").append(m_help);
+            out.append("\n# TYPE ").append(m_name).append(" gauge\n");
         }
-        m_out += m_name;
+        out += m_name;
         char before = '{';
         for (const Label_t& label : labels) {
-            m_out.append(1, std::exchange(before, ',')).append(label.name).append("=\"");
-            AppendEscaped(m_out, label.value);
-            m_out += '"';
+            out.append(1, std::exchange(before, ',')).append(label.name).append("=\"");
+            AppendEscaped(out, label.value);
+            out += '"';
         }
-        if (!labels.empty()) m_out += '}';
-        m_out.append(" ").append(std::to_string(*value)).append("\n");
+        if (!labels.empty()) out += '}';
+        out.append(" ").append(std::to_string(*value)).append("\n");
+        if (out.size() >= kBlock) Flush();
     }
-    // Writes a sample of 1, unless nothing is known of `details`.
-    void Info(Labels_t labels, const Labels_t& details) {
-        bool isKnown = false;
-        for (const Label_t& detail : details) isKnown |= !detail.value.empty();
-        labels.insert(labels.end(), details.begin(), details.end());
-        if (isKnown) Sample(1, labels);
+    // Writes what is left.
+    void Flush() {
+        m_write(m_text);
+        m_text.clear();
     }
 
   private:
-    std::string& m_out;
+    static constexpr size_t kBlock = 64u << 10;
+
+    const Write_t m_write;
+    std::string m_text;
     const char *m_name = nullptr, *m_help = nullptr;
     bool m_hasSamples = false;
 };
 
-Labels_t LabelsOf(const Module_t&, const Place_t& slot, std::string_view handle) {
+// The value of an info sample; none if nothing is known.
+Known_t OneIfKnown(const Labels_t& details) {
+    const bool isKnown = std::ranges::any_of(details, [](const Label_t& each) { return !each.value.empty(); });
+    return isKnown ? Known_t(1) : std::nullopt;
+}
+
+// What a place is called.
+struct PlaceTexts_t {
+    std::string name, bank, handle;
+};
+
+Labels_t LabelsOf(const Module_t&, const PlaceTexts_t& slot) {
     return {
-        {"slot",   slot.name},
-        {"bank",   slot.bank},
-        {"handle", handle   }
+        {"slot",   slot.name  },
+        {"bank",   slot.bank  },
+        {"handle", slot.handle}
     };
 }
-Labels_t LabelsOf(const Processor_t&, const Place_t& socket, std::string_view handle) {
+Labels_t LabelsOf(const Processor_t&, const PlaceTexts_t& socket) {
     return {
-        {"socket", socket.name},
-        {"handle", handle     }
+        {"socket", socket.name  },
+        {"handle", socket.handle}
     };
 }
 
-// Calls `take` with what is in each place, and the place's labels. Firmware may give places the same name and handle,
-// so the second one's handle is "1100h-2".
+// Calls `take` with what is in each place, and a function that writes a sample with the place's labels and others.
 template <class Kind, class Take>
-void ForEach(const Places_t& places, const Groups_t<Kind>& groups, Take take) {
-    std::map<uint16_t, uint64_t> counts;
+void ForEach(const Places_t& places, const Groups_t<Kind>& groups, ClGauges& gauges, Take take) {
+    std::unordered_map<uint16_t, uint64_t> counts;
     for (const Place_t& place : places) {
         const uint64_t count = ++counts[place.handle];
-        if (!place.group) continue;
-        std::string handle = HandleText(place.handle);
-        if (count > 1) handle.append("-").append(std::to_string(count));
-        const Kind& kind = groups[*place.group].kind;
-        take(kind, LabelsOf(kind, place, handle));
+        if (place.group == Place_t::kEmpty) continue;
+        const Kind& kind = groups[place.group].kind;
+        take(kind, [&](Known_t value, const Labels_t& details = {}) {
+            if (!value) return;
+            PlaceTexts_t texts = {WithSingleBlanks(place.name), WithSingleBlanks(place.bank), HandleText(place.handle)};
+            // Firmware may give places the same name and handle, so the second one's handle is "1100h-2".
+            if (count > 1) texts.handle.append("-").append(std::to_string(count));
+            Labels_t labels = LabelsOf(kind, texts);
+            labels.insert(labels.end(), details.begin(), details.end());
+            gauges.Sample(value, labels);
+        });
     }
 }
 
@@ -101,9 +124,9 @@ template <class Kind>
 void WriteNumber(const char* name, const char* help, const Places_t& places, const Groups_t<Kind>& groups,
                  Known_t Kind::*number, uint64_t factor, ClGauges& gauges) {
     gauges.Begin(name, help);
-    ForEach(places, groups, [&](const Kind& kind, const Labels_t& labels) {
+    ForEach(places, groups, gauges, [&](const Kind& kind, auto sample) {
         const Known_t value = kind.*number;
-        gauges.Sample(value ? Known_t(*value * factor) : value, labels);
+        sample(value ? Known_t(*value * factor) : value);
     });
 }
 
@@ -122,14 +145,14 @@ void WriteMemory(const Summary_t& summary, ClGauges& gauges) {
                 "Speed at which the module in a slot runs.", slots, summary.modules, &Module_t::configuredSpeed,
                 kMillion, gauges);
     gauges.Begin("quorlin_memory_module_info", "The module in a slot.");
-    ForEach(slots, summary.modules, [&](const Module_t& module, const Labels_t& labels) {
+    ForEach(slots, summary.modules, gauges, [](const Module_t& module, auto sample) {
         const Labels_t details = {
             {"type",         module.type        },
             {"form_factor",  module.formFactor  },
             {"manufacturer", module.manufacturer},
             {"part_number",  module.partNumber  }
         };
-        gauges.Info(labels, details);
+        sample(OneIfKnown(details), details);
     });
 }
 
@@ -147,13 +170,13 @@ void WriteProcessors(const Summary_t& summary, ClGauges& gauges) {
     write("quorlin_processor_boot_speed_hertz", "Speed at which the processor was started.", &Processor_t::speed,
           kMillion);
     gauges.Begin("quorlin_processor_info", "The processor in a socket.");
-    ForEach(sockets, summary.processors, [&](const Processor_t& processor, const Labels_t& labels) {
+    ForEach(sockets, summary.processors, gauges, [](const Processor_t& processor, auto sample) {
         const Labels_t details = {
             {"manufacturer", processor.manufacturer},
             {"version",      processor.name        },
             {"family",       processor.family      }
         };
-        gauges.Info(labels, details);
+        sample(OneIfKnown(details), details);
     });
 }
 
@@ -165,7 +188,7 @@ void WriteFirmware(const Firmware_t& firmware, ClGauges& gauges) {
         {"release",      firmware.release},
         {"release_date", firmware.date   }
     };
-    gauges.Info({}, details);
+    gauges.Sample(OneIfKnown(details), details);
 }
 
 void WriteSummary(const Summary_t& summary, ClGauges& gauges) {
@@ -201,17 +224,26 @@ class ClMetrics : public ClCommand {
         m_source.CheckOne();
         return ForEachTable(m_source, kMetricsCommand.trouble, [&](ClTable& table) {
             table.ClosePackage();
-            std::string text;
-            ClGauges gauges(text);
-            WriteSummary(SummaryOf(table.Bytes(), {.version = table.Version()}), gauges);
-            WriteFindings(Checked(table), gauges);
+            if (m_out != kStandardStream) {
+                const bool isDone = ReplaceFile(m_out, [&](const AppendBytes_t& append) {
+                    Write(table, [&](std::string_view text) { append(text.data(), text.size()); });
+                });
+                return isDone ? kExitDone : kMetricsCommand.trouble;
+            }
             ClOutput output;
-            const bool isDone = m_out == kStandardStream ? (output << text).Finish() : ReplaceFile(m_out, text);
-            return isDone ? kExitDone : kMetricsCommand.trouble;
+            Write(table, [&](std::string_view text) { output << text; });
+            return output.Finish() ? kExitDone : kMetricsCommand.trouble;
         });
     }
 
   private:
+    static void Write(ClTable& table, const ClGauges::Write_t& write) {
+        ClGauges gauges(write);
+        WriteSummary(SummaryOf(table.Bytes(), {.version = table.Version()}), gauges);
+        WriteFindings(Checked(table), gauges);
+        gauges.Flush();
+    }
+
     Source_t m_source;
     std::string m_out{kStandardStream};
 };

@@ -83,6 +83,7 @@ class ClReport : public ClCommand {
         if (!Keep(table, kept)) return kReportCommand.trouble;
         Report_t report = {.table = kept.table, .checked = Checked(table), .isRedacted = m_redaction.isWanted};
         report.checked.bytes = kept.bytes;
+        table.CloseLargePackage();
         if (m_hardware) report.hardware = &*m_hardware;
         if (isComparison) report.base = &m_base.table;
         const std::string page = MakeReport(report);

@@ -1,6 +1,7 @@
 // quorlin summary: the machine on one screen.
 #include "Tools/quorlin/Summary.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Tools/quorlin/Commands.h"
@@ -130,11 +131,28 @@ Members_t MembersOf(const Group_t<Slot_t>& group) {
     };
 }
 
+// The groups of a list that are shown. No machine has as many, but a broken table may have hundreds of thousands.
+constexpr size_t kMostGroups = 1000;
+
 template <class Kind>
 Node_t Node(const Groups_t<Kind>& groups) {
     Node_t::List_t list;
-    for (const Group_t<Kind>& group : groups) list.push_back(Node(MembersOf(group)));
+    for (size_t i = 0; i < std::min(groups.size(), kMostGroups); i++) list.push_back(Node(MembersOf(groups[i])));
     return {std::move(list)};
+}
+
+// How many groups the lists don't show; no members if they show all.
+Members_t LeftOut(const Summary_t& summary) {
+    const auto left = [](size_t size) { return size - std::min(size, kMostGroups); };
+    const size_t models = left(summary.processors.size()), caches = left(summary.caches.size());
+    const size_t modules = left(summary.modules.size()), slots = left(summary.slots.size());
+    if (models + caches + modules + slots == 0) return {};
+    return {
+        {"models",  Node(models) },
+        {"caches",  Node(caches) },
+        {"modules", Node(modules)},
+        {"slots",   Node(slots)  },
+    };
 }
 
 Members_t MembersOf(const Summary_t& summary) {
@@ -158,7 +176,7 @@ Members_t MembersOf(const Summary_t& summary) {
         {"error_correction", Node(summary.errorCorrection)             },
         {"modules",          Node(summary.modules)                     },
     };
-    return {
+    Members_t members = {
         {"system",     Node(MembersOf(summary.system))  },
         {"chassis",    Node(MembersOf(summary.chassis)) },
         {"board",      Node(MembersOf(summary.board))   },
@@ -168,6 +186,9 @@ Members_t MembersOf(const Summary_t& summary) {
         {"memory",     Node(std::move(memory))          },
         {"slots",      Node(summary.slots)              },
     };
+    if (Members_t leftOut = LeftOut(summary); !leftOut.empty())
+        members.push_back({"left_out", Node(std::move(leftOut))});
+    return members;
 }
 
 class ClSummaryCommand : public ClCommand {
@@ -184,6 +205,7 @@ class ClSummaryCommand : public ClCommand {
         m_format.Check(m_source);
         return WriteTables(m_source, m_format.Chosen(), kNoList, kSummaryCommand.trouble,
                            [](ClTable& table, ClWriter& writer) {
+                               table.CloseLargePackage();
                                const Summary_t summary = SummaryOf(table.Bytes(), {.version = table.Version()});
                                if (ClColumns* people = writer.People(); people != nullptr)
                                    ShowToPeople(summary, *people);

@@ -132,14 +132,24 @@ void WriteDifferences(const Report_t& report, const ClStructures& structures, Cl
     html.Text(TextOf(kTextDifferences)) << "</h2>\n<p>";
     html.Text(Filled(kTextDifferencesIntro, {report.base->name, report.table.name})) << "</p>\n";
     ClHtml rows;
+    uint64_t leftOut = 0;
     DiffTables({report.base->bytes, report.base->version, {}}, {report.table.bytes, report.table.version, {}},
-               [&](const Difference_t& difference) { PutDifference(difference, structures, rows); });
+               [&](const Difference_t& difference) {
+                   if (rows.Out().size() < kMostOfDifferences)
+                       PutDifference(difference, structures, rows);
+                   else
+                       leftOut++;
+               });
     if (rows.Out().empty()) {
         html << "<p>";
         html.Text(TextOf(kTextNoDifferences)) << "</p>\n";
     } else {
         BeginTable(TextOf(kTextDifferences), {kTextChange, kTextStructure, kTextFact, kTextBefore, kTextAfter}, html);
         html.Markup(rows) << "</table></div>\n";
+    }
+    if (leftOut != 0) {
+        html << "<p><strong>";
+        html.Text(Filled(kTextMoreDifferences, leftOut)) << "</strong></p>\n";
     }
     html << "</section>\n";
 }

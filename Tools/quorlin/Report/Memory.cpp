@@ -258,8 +258,8 @@ void PutOldModules(const ClStructures& structures, ClHtml& html) {
 
 }  // namespace
 
-void WriteMemory(const Report_t& report, const ClStructures& structures, ClHtml& html) {
-    const std::vector<MemoryArray_t> arrays = MemoryArraysOf(report.table.bytes, structures.Options());
+void WriteMemory(const Report_t&, const ClStructures& structures, ClHtml& html) {
+    const std::vector<MemoryArray_t> arrays = MemoryArraysOf(structures.Shown(), structures.Options());
     const Summary_t& summary = structures.Summary();
     std::string total;
     if (summary.memoryInstalled) total = Filled(kTextMemoryTotal, {SizeText(*summary.memoryInstalled)});

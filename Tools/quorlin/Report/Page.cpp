@@ -15,11 +15,19 @@ ClStructures::ClStructures(const NamedTable_t& table)
       m_summary(SummaryOf(table.bytes, {.version = table.version})) {
     uint32_t counts[256] = {};
     for (const TableStructure_t& structure : ClWalk(m_table)) {
+        const auto offset = static_cast<uint32_t>(structure.data - m_table.data());
+        if (offset >= kMostShownBytes) {
+            m_leftOut++;
+            continue;
+        }
         const auto number = static_cast<uint32_t>(m_all.size());
-        m_all.push_back(
-            {structure, static_cast<uint32_t>(structure.data - m_table.data()), number, ++counts[structure.Type()]});
+        m_all.push_back({structure, offset, number, ++counts[structure.Type()]});
         m_byHandle.try_emplace(structure.Handle(), number);
     }
+}
+
+std::span<const uint8_t> ClStructures::Shown() const {
+    return m_table.first(m_all.empty() ? 0 : m_all.back().offset + m_all.back().structure.size);
 }
 
 const ClStructures::Entry_t* ClStructures::At(uint32_t offset) const {
@@ -70,6 +78,13 @@ void BeginHead(std::initializer_list<ReportText_t> headings, ClHtml& html) {
         html.Text(TextOf(heading));
     }
     html << "<tbody>\n";
+}
+
+void PutLeftOut(const ClStructures& structures, ClHtml& html) {
+    const size_t size = structures.Table().size();
+    if (size <= kMostShownBytes) return;
+    html << "<p><strong>";
+    html.Text(Filled(kTextLeftOut, structures.LeftOut(), size - kMostShownBytes)) << "</strong></p>\n";
 }
 
 std::string Cut(std::string_view text, size_t characters) {
@@ -159,7 +174,8 @@ class ClPage {
         const std::string level = std::to_string(version >> 8) + "." + std::to_string(version & 0xFF);
         m_html << "<p>";
         m_html.Text(Filled(kTextSmbios, {level})) << " \u00B7 ";
-        m_html.Text(Filled(kTextStructureCount, m_structures.All().size(), m_report.table.bytes.size())) << " \u00B7 ";
+        const size_t count = m_structures.All().size() + m_structures.LeftOut();
+        m_html.Text(Filled(kTextStructureCount, count, m_report.table.bytes.size())) << " \u00B7 ";
         m_html.Text(TextOf(kTextSource)) << ": ";
         m_html.Text(m_report.table.name);
         if (m_report.isRedacted) {
@@ -167,6 +183,7 @@ class ClPage {
             m_html.Text(TextOf(kTextRedacted)) << "</strong>";
         }
         m_html << "</p>\n";
+        PutLeftOut(m_structures, m_html);
     }
 
     const Report_t& m_report;

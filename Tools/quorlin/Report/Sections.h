@@ -14,7 +14,13 @@
 #include "Tools/quorlin/Report/Texts.h"
 #include "Tools/quorlin/Summary.h"
 
-// The structures of the report's table, in their order, and its summary.
+// What a page shows of a table: the structures that begin in its first bytes, about twice as many as a table of version
+// 2 can have. Each gives some 60 bytes of the page, and broken ones up to 200.
+inline constexpr uint32_t kMostShownBytes = 128u << 10;
+// Bytes of the page for what differs from another table, or a little more.
+inline constexpr size_t kMostOfDifferences = 4u << 20;
+
+// The structures of the report's table that the page shows, in their order, and the summary of the whole table.
 class ClStructures {
   public:
     struct Entry_t {
@@ -29,11 +35,15 @@ class ClStructures {
     ClStructures& operator=(const ClStructures&) = delete;
 
     const std::vector<Entry_t>& All() const { return m_all; }
+    // How many structures of the table come after them.
+    uint32_t LeftOut() const { return m_leftOut; }
     std::span<const uint8_t> Table() const { return m_table; }
+    // The table up to the end of the last one.
+    std::span<const uint8_t> Shown() const;
     const Summary_t& Summary() const { return m_summary; }
     // How its facts are read.
     const FactOptions_t& Options() const { return m_options; }
-    // The structure that these bytes are in, or the first one with this handle. Null if there is none.
+    // The structure that these bytes are in, or the first one with this handle. Null if the page shows none.
     const Entry_t* At(uint32_t offset) const;
     const Entry_t* WithHandle(uint16_t handle) const;
     const Entry_t* Of(const TableStructure_t& structure) const {
@@ -46,6 +56,7 @@ class ClStructures {
     FactOptions_t m_options;
     Summary_t m_summary;
     std::vector<Entry_t> m_all;
+    uint32_t m_leftOut = 0;
     std::unordered_map<uint16_t, uint32_t> m_byHandle;
 };
 
@@ -60,6 +71,8 @@ std::string DesignationOf(const ClStructures::Entry_t& entry, const FactOptions_
 void BeginTable(std::string_view label, std::initializer_list<ReportText_t> headings, ClHtml& html);
 // The same without scrolling.
 void BeginHead(std::initializer_list<ReportText_t> headings, ClHtml& html);
+// What the page leaves out of the table, if it does.
+void PutLeftOut(const ClStructures& structures, ClHtml& html);
 // A text cut to so many characters, for where it doesn't wrap.
 std::string Cut(std::string_view text, size_t characters);
 

@@ -145,7 +145,7 @@ class ClRows {
     }
 
     void Write() {
-        const auto size = static_cast<uint32_t>(m_structures.Table().size());
+        const auto size = static_cast<uint32_t>(std::min<size_t>(m_structures.Table().size(), kMostShownBytes));
         for (uint32_t begin = 0; begin < size; begin += kRow) WriteRow(begin, std::min(size - begin, kRow));
     }
 
@@ -223,10 +223,12 @@ class ClRows {
 
 void WriteStructures(const Report_t&, const ClStructures& structures, ClHtml& html) {
     for (const ClStructures::Entry_t& entry : structures.All()) PutStructure(structures, entry, html);
+    PutLeftOut(structures, html);
 }
 
 void WriteRaw(const Report_t&, const ClStructures& structures, ClHtml& html) {
     BeginTable(TextOf(kTextRaw), {kTextOffset, kTextBytes, kTextCharacters, kTextFacts}, html);
     ClRows(structures, html).Write();
     html << "</table></div>\n";
+    PutLeftOut(structures, html);
 }

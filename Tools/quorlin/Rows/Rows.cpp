@@ -51,6 +51,7 @@ class ClRowWriter {
 
     void Write(ClTable& table) {
         if (m_files.Problem() != 0) throw Stop_t{nullptr};
+        table.CloseLargePackage();
         m_record = RecordOf(table.Name());
         const CheckedTable_t checked = Checked(table);
         uint32_t counts[std::size(kRules)] = {};

@@ -102,7 +102,11 @@ TEST(WholeFiles, ReplaceAPlainFileForAllUsers) {
     const auto replace = [&](const std::string& path, const std::function<void()>& prepare) {
         return InChild([&] {
             prepare();
-            return ReplaceWholeFile(path, bytes.data(), bytes.size()) ? 0 : errno;
+            const auto write = [&bytes](const AppendBytes_t& append) {
+                for (size_t at = 0; at < bytes.size(); at += 1000)
+                    append(&bytes[at], std::min<size_t>(1000, bytes.size() - at));
+            };
+            return ReplaceWholeFile(path, write) ? 0 : errno;
         });
     };
     const auto nothing = [] { umask(077); };

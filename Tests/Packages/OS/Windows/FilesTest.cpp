@@ -122,17 +122,18 @@ TEST_F(Files, NewFilesAreWholeForTheirOwnerAndReplaceNothing) {
 
 TEST_F(Files, PlainFilesAreReplacedForEverybody) {
     const std::string name = (m_folder / "file").string();
-    EXPECT_TRUE(ReplaceWholeFile(name, "longer", 6));
-    EXPECT_TRUE(ReplaceWholeFile(name, "new", 3));
+    const auto pieces = [](const AppendBytes_t& append) { append("ne", 2) && append("w", 1); };
+    EXPECT_TRUE(ReplaceWholeFile(name, [](const AppendBytes_t& append) { append("longer", 6); }));
+    EXPECT_TRUE(ReplaceWholeFile(name, pieces));
     EXPECT_EQ(ReadWholeFile(name), "new");
     EXPECT_TRUE(IsForEverybody(name));
-    EXPECT_FALSE(ReplaceWholeFile(m_folder.string(), "new", 3));
+    EXPECT_FALSE(ReplaceWholeFile(m_folder.string(), pieces));
     EXPECT_EQ(errno, EEXIST);
-    EXPECT_FALSE(ReplaceWholeFile((m_folder / "none" / "file").string(), "new", 3));
+    EXPECT_FALSE(ReplaceWholeFile((m_folder / "none" / "file").string(), pieces));
     EXPECT_EQ(errno, ENOENT);
     // Open without sharing.
     const HANDLE open = CreateFileW((m_folder / "file").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    EXPECT_FALSE(ReplaceWholeFile(name, "other", 5));
+    EXPECT_FALSE(ReplaceWholeFile(name, pieces));
     CloseHandle(open);
     EXPECT_EQ(ReadWholeFile(name), "new");
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()), 1);
