@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <unordered_map>
 #include <utility>
 
 #include "Packages/Format/Ascii.h"
@@ -79,6 +80,12 @@ uint64_t MixBytes(uint64_t hash, const void* bytes, size_t size) {
 // The text that a text of any form is compared by.
 std::string_view TextOf(const Fact_t& fact) {
     return fact.kind == FactKind_t::kText && fact.field->form == Form_t::kText ? fact.string : fact.text;
+}
+
+// Where a text is cut that has `most` bytes at most, so that no UTF-8 character is cut.
+size_t WholeCharacters(std::string_view text, size_t most) {
+    while (most != 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80) most--;
+    return most;
 }
 
 bool IsTextKind(FactKind_t kind) {
@@ -182,13 +189,33 @@ struct ClDiffTable::Parts_t {
         return text;
     }
 
-    // Its locators or designations.
+    // Its locators or designations. Reads no more of the structure.
     std::string PlaceOf(uint32_t i) {
         std::string place;
-        ForEachFact(i, [&](const Fact_t& fact, uint32_t, uint8_t role) {
-            const std::string_view text = (role & kPlace) != 0 && fact.IsValue() ? WithoutBlanks(fact.string) : "";
+        if (!HasPlace(TypeOf(i))) return place;
+        places.Begin(At(i), {.version = version});
+        const std::vector<uint8_t>& known = Roles(places.Type());
+        const auto isPlace = [](uint8_t role) { return (role & kPlace) != 0; };
+        const auto last = std::find_if(known.rbegin(), known.rend(), isPlace);
+        const auto end = static_cast<size_t>(known.rend() - last);
+        while (const Fact_t* fact = places.NextFact()) {
+            const auto number = static_cast<size_t>(fact->field - places.Type().fields.data());
+            if (number >= end) break;
+            if (!isPlace(known[number]) || (known[number] & kIgnored) != 0 || !fact->IsValue()) continue;
+            const std::string_view text = WithoutBlanks(fact->string);
             if (!text.empty()) place.append(place.empty() ? "" : ", ").append(text);
-        });
+        }
+        return place;
+    }
+
+    // The same for a reference, cut if it is very long. Very many references may lead to one structure.
+    const std::string& ShortPlaceOf(uint32_t i) {
+        constexpr size_t kMostBytes = 64, kMostKnown = 1u << 16;
+        if (shortPlaces.size() >= kMostKnown) shortPlaces.clear();
+        const auto [entry, isNew] = shortPlaces.try_emplace(i);
+        std::string& place = entry->second;
+        if (isNew) place = PlaceOf(i);
+        if (place.size() > kMostBytes + 3) place = place.substr(0, WholeCharacters(place, kMostBytes)) + "...";
         return place;
     }
 
@@ -239,6 +266,8 @@ struct ClDiffTable::Parts_t {
     std::vector<uint64_t> color;     // all facts of it and of the structures around it
     std::vector<uint8_t> roles[256];
     Walk_t walk;  // the last one of ForEachFact
+    ClFacts places;
+    std::unordered_map<uint32_t, std::string> shortPlaces;
 
   private:
     std::vector<uint8_t> FindRoles(const StandardType_t& type) const {
@@ -495,7 +524,7 @@ class ClDiff {
             std::string text = ShownValue(walk.facts, Fact());
             if (Fact().kind != FactKind_t::kHandle || !Fact().IsValue()) return text;
             const uint32_t target = m_parts.Target(Fact());
-            const std::string place = target == kNone ? "" : m_parts.PlaceOf(target);
+            const std::string& place = target == kNone ? m_none : m_parts.ShortPlaceOf(target);
             return place.empty() ? text : text.append(" (").append(place).append(")");
         }
 
@@ -506,6 +535,7 @@ class ClDiff {
 
       private:
         Parts_t& m_parts;
+        const std::string m_none;
         TableStructure_t m_structure;
         bool m_isMoved;
         uint32_t m_list = 0;

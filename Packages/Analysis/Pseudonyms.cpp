@@ -43,8 +43,8 @@ std::string_view AlphabetOf(char c, bool isPunctuationReplaced) {
     if (c >= '0' && c <= '9') return kDigits;
     if (c >= 'a' && c <= 'z') return kLetters;
     if (static_cast<unsigned char>(c) >= 0x80) return {kHighBytes.data(), kHighBytes.size()};
-    const bool isPunctuation = kPunctuation.find(c) != std::string_view::npos;
-    return isPunctuation && isPunctuationReplaced ? kPunctuation : std::string_view();
+    const bool isPunctuation = isPunctuationReplaced && kPunctuation.find(c) != std::string_view::npos;
+    return isPunctuation ? kPunctuation : std::string_view();
 }
 
 bool IsEmpty(std::span<const uint8_t> bytes) {
@@ -112,48 +112,81 @@ std::string UuidText(const Uuid_t& uuid) {
     return text;
 }
 
+std::string& ClRecent::Find(std::string_view text, bool* isNew) {
+    constexpr size_t kFirst = 64;
+    if (m_taken >= m_entries.size() && m_entries.size() < m_most) {
+        m_entries = std::vector<Entry_t>(m_entries.empty() ? kFirst : 4 * m_entries.size());
+        m_taken = 0;
+    }
+    Entry_t& entry = m_entries[std::hash<std::string_view>()(text) & (m_entries.size() - 1)];
+    *isNew = !entry.isUsed || entry.text != text;
+    if (*isNew) {
+        entry.text = text;
+        entry.isUsed = true;
+        m_taken++;
+    }
+    return entry.made;
+}
+
+ClPseudonyms::Mac_t ClPseudonyms::MacOf(std::string_view message) {
+    Mac_t mac = {};
+    const std::span all(reinterpret_cast<const uint8_t*>(message.data()), message.size());
+    m_hasFailed = m_hasFailed || !m_hmac(all, mac);
+    return mac;
+}
+
 // Draws as many bytes as are needed from the HMAC of a message.
-void ClPseudonyms::Draw(std::string message, std::span<uint8_t> bytes) {
-    std::array<uint8_t, 32> mac = {};
-    const auto compute = [&] {
-        const std::span all(reinterpret_cast<const uint8_t*>(message.data()), message.size());
-        m_hasFailed = m_hasFailed || !m_hmac(all, mac);
-    };
-    compute();
+void ClPseudonyms::Draw(std::string_view message, std::span<uint8_t> bytes) {
+    Mac_t mac = MacOf(message);
     if (bytes.size() <= mac.size()) {
         std::copy_n(mac.begin(), bytes.size(), bytes.begin());
         return;
     }
     const std::string seed(mac.begin(), mac.end());
     for (uint32_t block = 0; !bytes.empty(); block++) {
-        message = seed;
-        for (uint32_t shift = 0; shift < 32; shift += 8) message += static_cast<char>(block >> shift & 0xFF);
-        compute();
+        std::string next = seed;
+        for (uint32_t shift = 0; shift < 32; shift += 8) next += static_cast<char>(block >> shift & 0xFF);
+        mac = MacOf(next);
         const size_t size = std::min(bytes.size(), mac.size());
         std::copy_n(mac.begin(), size, bytes.begin());
         bytes = bytes.subspan(size);
     }
 }
 
+// The same for messages of which many are equal, if a table has very many short texts.
+void ClPseudonyms::DrawOften(std::string_view message, std::span<uint8_t> bytes) {
+    constexpr int kMostVain = 100000;
+    if (m_vainSearches > kMostVain) return Draw(message, bytes);
+    bool isNew = false;
+    std::string& drawn = m_draws.Find(message, &isNew);
+    m_vainSearches += isNew ? 1 : -1;
+    if (isNew) {
+        Draw(message, bytes);
+        drawn.assign(bytes.begin(), bytes.end());
+    } else {
+        std::ranges::copy(drawn, bytes.begin());
+    }
+}
+
 // A Feistel network of five rounds. The last two undo the first two, and the one between them changes the first symbol
 // in any case, so that no value stays what it is. `context` is what the permutation depends on besides the key.
-void ClPseudonyms::Permute(std::span<uint8_t> symbols, std::span<const uint16_t> radices, const std::string& context) {
+void ClPseudonyms::Permute(std::span<uint8_t> symbols, std::span<const uint16_t> radices, std::string_view context) {
     constexpr char kLast = 4;
+    constexpr size_t kFew = 2;  // so few symbols are the same in many texts
     const size_t half = (symbols.size() + 1) / 2;
-    std::vector<uint8_t> drawn;
     for (char round = 0; round <= kLast; round++) {
         const bool isFirstHalf = round % 2 == 0;
         const std::span<uint8_t> changed = isFirstHalf ? symbols.first(half) : symbols.subspan(half);
         const std::span<uint8_t> other = isFirstHalf ? symbols.subspan(half) : symbols.first(half);
         const std::span<const uint16_t> sizes = isFirstHalf ? radices.first(half) : radices.subspan(half);
         if (changed.empty()) continue;
-        std::string message = context;
-        message += std::min(round, static_cast<char>(kLast - round));
-        message.append(other.begin(), other.end());
-        drawn.resize(changed.size());
-        Draw(std::move(message), drawn);
+        m_message = context;
+        m_message += std::min(round, static_cast<char>(kLast - round));
+        m_message.append(other.begin(), other.end());
+        m_drawn.resize(changed.size());
+        half <= kFew + 1 && other.size() <= kFew ? DrawOften(m_message, m_drawn) : Draw(m_message, m_drawn);
         for (size_t i = 0; i < changed.size(); i++) {
-            auto step = static_cast<uint32_t>(drawn[i] % sizes[i]);
+            auto step = static_cast<uint32_t>(m_drawn[i] % sizes[i]);
             // Steps without a common divisor pass through all symbols, so that some are no fillers.
             if (round == kLast / 2 && i == 0)
                 while (std::gcd(step, uint32_t{sizes[i]}) != 1) step++;
@@ -168,25 +201,25 @@ std::string ClPseudonyms::LowerText(const std::string& text) {
         return HexText(MacAddress(address), text.substr(2, 1));
     if (Uuid_t uuid; text.size() == kUuidText && BeginsWithUuid(text, &uuid)) return UuidText(Uuid(uuid));
     const bool isPunctuationReplaced = std::ranges::none_of(text, [](char c) { return !AlphabetOf(c, false).empty(); });
-    std::vector<uint8_t> symbols;
-    std::vector<uint16_t> radices;
-    std::string context(1, kTextMark);
+    m_symbols.clear();
+    m_radices.clear();
+    m_context = kTextMark;
     for (const char c : text) {
         const std::string_view alphabet = AlphabetOf(c, isPunctuationReplaced);
-        context += alphabet.empty() ? c : alphabet[0];
+        m_context += alphabet.empty() ? c : alphabet[0];
         if (alphabet.empty()) continue;
-        symbols.push_back(static_cast<uint8_t>(alphabet.find(c)));
-        radices.push_back(static_cast<uint16_t>(alphabet.size()));
+        m_symbols.push_back(static_cast<uint8_t>(alphabet.find(c)));
+        m_radices.push_back(static_cast<uint16_t>(alphabet.size()));
     }
-    context += '\0';
-    if (symbols.empty()) return text;  // of control characters and DEL
+    m_context += '\0';
+    if (m_symbols.empty()) return text;  // of control characters and DEL
     std::string pseudonym = text;
     do {
-        Permute(symbols, radices, context);
+        Permute(m_symbols, m_radices, m_context);
         size_t next = 0;
         for (char& c : pseudonym)
             if (const std::string_view alphabet = AlphabetOf(c, isPunctuationReplaced); !alphabet.empty())
-                c = alphabet[symbols[next++]];
+                c = alphabet[m_symbols[next++]];
     } while (IsFiller(pseudonym) && !m_hasFailed);
     return pseudonym;
 }
@@ -195,9 +228,10 @@ void ClPseudonyms::Text(std::span<char> text) {
     const std::string before(text.begin(), text.end());
     std::string lower = before;
     std::ranges::transform(lower, lower.begin(), LowerCase);
-    auto [entry, isNew] = m_texts.try_emplace(lower);
-    if (isNew) entry->second = LowerText(lower);
-    std::ranges::copy(entry->second, text.begin());
+    bool isNew = false;
+    std::string& pseudonym = m_texts.Find(lower, &isNew);
+    if (isNew) pseudonym = LowerText(lower);
+    std::ranges::copy(pseudonym, text.begin());
     TakeLetterCase(before, text);
 }
 
@@ -219,7 +253,8 @@ MacAddress_t ClPseudonyms::MacAddress(const MacAddress_t& address) {
 void ClPseudonyms::Bytes(std::span<uint8_t> bytes) {
     if (IsEmpty(bytes)) return;
     const std::string message = Message(kBytesMark, bytes);
-    auto [entry, isNew] = m_bytes.try_emplace(message);
+    bool isNew = false;
+    std::string& pseudonym = m_bytes.Find(message, &isNew);
     if (isNew) {
         if (bytes.size() > kMostPermutedBytes) {
             Draw(message, bytes);
@@ -228,7 +263,7 @@ void ClPseudonyms::Bytes(std::span<uint8_t> bytes) {
             do Permute(bytes, radices, Message(kBytesMark, {}));
             while (IsEmpty(bytes) && !m_hasFailed);
         }
-        entry->second.assign(bytes.begin(), bytes.end());
+        pseudonym.assign(bytes.begin(), bytes.end());
     }
-    std::ranges::copy(entry->second, bytes.begin());
+    std::ranges::copy(pseudonym, bytes.begin());
 }

@@ -11,7 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "Packages/Format/Ascii.h"
 
@@ -20,6 +20,25 @@ using Hmac_t = std::function<bool(std::span<const uint8_t> message, std::span<ui
 
 using Uuid_t = std::array<uint8_t, 16>;
 using MacAddress_t = std::array<uint8_t, 6>;
+
+// Remembers texts and what was made of them, each at one place, where a new one takes the place of an old one. So it
+// takes no more memory for very many texts, and none is lost but time.
+class ClRecent {
+  public:
+    // With so many places at most, a power of two.
+    explicit ClRecent(size_t most) : m_most(most) {}
+    // Returns what was made of a text, to be filled if it `isNew`.
+    std::string& Find(std::string_view text, bool* isNew);
+
+  private:
+    struct Entry_t {
+        std::string text, made;
+        bool isUsed = false;
+    };
+    const size_t m_most;
+    std::vector<Entry_t> m_entries;
+    size_t m_taken = 0;  // places since the last growth
+};
 
 class ClPseudonyms {
   public:
@@ -41,13 +60,23 @@ class ClPseudonyms {
     bool HasFailed() const { return m_hasFailed; }
 
   private:
-    void Draw(std::string message, std::span<uint8_t> bytes);
-    void Permute(std::span<uint8_t> symbols, std::span<const uint16_t> radices, const std::string& context);
+    using Mac_t = std::array<uint8_t, 32>;
+
+    Mac_t MacOf(std::string_view message);
+    void Draw(std::string_view message, std::span<uint8_t> bytes);
+    void Permute(std::span<uint8_t> symbols, std::span<const uint16_t> radices, std::string_view context);
+    void DrawOften(std::string_view message, std::span<uint8_t> bytes);
     std::string LowerText(const std::string& text);
 
     const Hmac_t& m_hmac;
     bool m_hasFailed = false;
-    std::unordered_map<std::string, std::string> m_texts, m_bytes;  // values and their pseudonyms
+    ClRecent m_texts{1u << 12}, m_bytes{1u << 12};  // values and their pseudonyms
+    ClRecent m_draws{1u << 16};                     // messages of short texts, and what was drawn
+    int m_vainSearches = 0;                         // in it, above those that found something
+    // Of the text at hand. They keep their memory.
+    std::string m_context, m_message;
+    std::vector<uint8_t> m_symbols, m_drawn;
+    std::vector<uint16_t> m_radices;
 };
 
 // Gives a text in lower case the letter case of another one that is as long.

@@ -43,9 +43,9 @@ bool MakeKey(const std::string& file, std::vector<uint8_t>* key) {
 }
 
 Hmac_t HmacUnder(const std::vector<uint8_t>& key) {
-    return [&key](std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
-        return os_HmacSha256(key, message, mac);
-    };
+    const auto ready = std::make_shared<const ClHmacKey>(key);
+    return
+        [ready](std::span<const uint8_t> message, std::span<uint8_t, 32> mac) { return ready->Compute(message, mac); };
 }
 
 void RedactChoice_t::AddOptions(const char* help, std::vector<Option_t>& options) {

@@ -13,7 +13,7 @@ Option_t KeyOption(std::string* file);
 // Reads the key in a file, or makes a random one if `file` is empty. False, with a line on standard error, on failure.
 bool MakeKey(const std::string& file, std::vector<uint8_t>* key);
 inline constexpr char kNoHmac[] = "the system has no HMAC-SHA-256";
-// Computes HMACs under the key, which must outlive the result.
+// Computes HMACs under the key.
 Hmac_t HmacUnder(const std::vector<uint8_t>& key);
 
 // For commands that redact on request: --redact and the options that go with it.

@@ -6,12 +6,22 @@
 
 #include <cerrno>
 
-bool os_HmacSha256(std::span<const uint8_t> key, std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
+struct ClHmacKey::State_t {
+    crypto_auth_hmacsha256_state begun;  // with the key taken in
+    bool isReady;
+};
+
+// These functions need no start of the library.
+ClHmacKey::ClHmacKey(std::span<const uint8_t> key) : m_state(std::make_unique<State_t>()) {
+    m_state->isReady = crypto_auth_hmacsha256_init(&m_state->begun, key.data(), key.size()) == 0;
+}
+
+ClHmacKey::~ClHmacKey() = default;
+
+bool ClHmacKey::Compute(std::span<const uint8_t> message, std::span<uint8_t, 32> mac) const {
     static_assert(crypto_auth_hmacsha256_BYTES == mac.extent);
-    // These functions need no start of the library.
-    crypto_auth_hmacsha256_state state;
-    return crypto_auth_hmacsha256_init(&state, key.data(), key.size()) == 0 &&
-           crypto_auth_hmacsha256_update(&state, message.data(), message.size()) == 0 &&
+    crypto_auth_hmacsha256_state state = m_state->begun;
+    return m_state->isReady && crypto_auth_hmacsha256_update(&state, message.data(), message.size()) == 0 &&
            crypto_auth_hmacsha256_final(&state, mac.data()) == 0;
 }
 

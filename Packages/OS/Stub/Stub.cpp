@@ -215,7 +215,10 @@ SystemFacts_t ReadSystemFacts() { return {}; }
 
 // ---- Cryptography
 
-bool os_HmacSha256(std::span<const uint8_t>, std::span<const uint8_t>, std::span<uint8_t, 32>) { return false; }
+struct ClHmacKey::State_t {};
+ClHmacKey::ClHmacKey(std::span<const uint8_t>) {}
+ClHmacKey::~ClHmacKey() = default;
+bool ClHmacKey::Compute(std::span<const uint8_t>, std::span<uint8_t, 32>) const { return false; }
 
 bool os_Sha256(std::span<const uint8_t>, std::span<uint8_t, 32>) { return false; }
 

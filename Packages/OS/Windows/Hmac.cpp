@@ -1,5 +1,7 @@
 #include "Packages/OS/Hmac.h"
 
+#include <vector>
+
 #include "Packages/OS/Windows/Windows.h"
 // Needs the types of the other.
 #include <bcrypt.h>
@@ -64,8 +66,17 @@ const ClBCrypt& BCrypt() {
 
 }  // namespace
 
-bool os_HmacSha256(std::span<const uint8_t> key, std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
-    return BCrypt().Hash(BCrypt().hmac, key, message, mac);
+struct ClHmacKey::State_t {
+    std::vector<uint8_t> key;
+};
+
+ClHmacKey::ClHmacKey(std::span<const uint8_t> key)
+    : m_state(std::make_unique<State_t>(std::vector<uint8_t>(key.begin(), key.end()))) {}
+
+ClHmacKey::~ClHmacKey() = default;
+
+bool ClHmacKey::Compute(std::span<const uint8_t> message, std::span<uint8_t, 32> mac) const {
+    return BCrypt().Hash(BCrypt().hmac, m_state->key, message, mac);
 }
 
 bool os_Sha256(std::span<const uint8_t> message, std::span<uint8_t, 32> hash) {
