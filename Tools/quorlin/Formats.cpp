@@ -10,17 +10,24 @@ constexpr const Format_t* kFormats[] = {
 #undef FORMAT
 };
 
+Choice_t ChoiceOf(const Format_t& format) {
+    Choice_t choice = {""};
+    std::ranges::copy(format.name, choice.word);
+    std::ranges::copy(format.remark, choice.remark);
+    return choice;
+}
+
 }  // namespace
 
 Option_t ClFormatOption::Option() {
     m_choices.reserve(std::size(kFormats));
     for (const Format_t* format : kFormats)
-        if ((format->contents & m_content) != 0) m_choices.push_back(format->name);
+        if ((format->contents & m_content) != 0) m_choices.push_back(ChoiceOf(*format));
     return {.name = "--format", .typeName = "FORMAT", .help = "How to write", .target = &m_name, .choices = m_choices};
 }
 
 const Format_t& ClFormatOption::Chosen() const {
-    const auto isChosen = [this](const Format_t* format) { return m_name == format->name.word; };
+    const auto isChosen = [this](const Format_t* format) { return m_name == format->name; };
     const auto chosen = std::ranges::find_if(kFormats, isChosen);
     return chosen == std::end(kFormats) ? *kFormats[0] : **chosen;
 }
@@ -30,7 +37,7 @@ void ClFormatOption::Check(const Source_t& source) const {
     std::string names;
     for (const Format_t* format : kFormats)
         if (format->takesMany && (format->contents & m_content) != 0)
-            names.append(names.empty() ? "" : " or ").append(format->name.word);
+            names.append(names.empty() ? "" : " or ").append(format->name);
     throw BadUsage_t{"several images need --format " + names};
 }
 

@@ -24,9 +24,10 @@ enum Content_t : uint8_t {
 };
 
 struct Format_t {
-    Choice_t name;       // with its remark in help texts
-    uint8_t contents;    // bits of Content_t
-    bool takesMany;      // documents of several tables may follow each other
+    char name[8];
+    char remark[20] = "";  // in help texts
+    uint8_t contents;      // bits of Content_t
+    bool takesMany;        // documents of several tables may follow each other
     bool reportsErrors;  // remarks and tables that can't be read are in the output, so standard error doesn't have them
     bool isSweep;        // shows only what the library's own sweep gives
     // hasMany tells whether there are several tables, so that documents have to name theirs.

@@ -97,7 +97,7 @@ std::unique_ptr<ClWriter> Make(ClOutput& output, bool hasMany) {
 }  // namespace
 
 constexpr Format_t kCsvFormat = {
-    .name = {"csv"},
+    .name = "csv",
     .contents = kAnyContent,
     .takesMany = true,
     .reportsErrors = false,

@@ -260,7 +260,7 @@ std::unique_ptr<ClWriter> MakeNdjson(ClOutput& output, bool) { return std::make_
 }  // namespace
 
 constexpr Format_t kJsonFormat = {
-    .name = {"json"},
+    .name = "json",
     .contents = kAnyContent | kObjects,
     .takesMany = false,
     .reportsErrors = false,
@@ -269,7 +269,7 @@ constexpr Format_t kJsonFormat = {
 };
 
 constexpr Format_t kNdjsonFormat = {
-    .name = {"ndjson"},
+    .name = "ndjson",
     .contents = kAnyContent | kObjects,
     .takesMany = true,
     .reportsErrors = true,

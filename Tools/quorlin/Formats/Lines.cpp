@@ -35,7 +35,8 @@ std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique
 }  // namespace
 
 constexpr Format_t kLinesFormat = {
-    .name = {"lines", "one item a line"},
+    .name = "lines",
+    .remark = "one item a line",
     .contents = kStructures,
     .takesMany = false,
     .reportsErrors = false,

@@ -126,7 +126,7 @@ std::unique_ptr<ClWriter> MakeSarif(ClOutput& output, bool) { return std::make_u
 }  // namespace
 
 constexpr Format_t kSarifFormat = {
-    .name = {"sarif"},
+    .name = "sarif",
     .contents = kFindings,
     .takesMany = false,
     .reportsErrors = false,

@@ -114,7 +114,8 @@ std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique
 }  // namespace
 
 constexpr Format_t kTextFormat = {
-    .name = {"text", "for people"},
+    .name = "text",
+    .remark = "for people",
     .contents = kAnyContent | kObjects,
     .takesMany = false,
     .reportsErrors = false,
