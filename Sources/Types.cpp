@@ -54,11 +54,6 @@ std::string_view NameOfType(uint8_t type) {
     return row == nullptr ? "Unknown"sv : row->Name();
 }
 
-bool IsOnDemand(uint8_t type) {
-    const TypeRow_t* row = FindType(type);
-    return row != nullptr && row->sweep == Sweep_t::kOnDemand;
-}
-
 ClSMBIOSType* NewDecoder(uint8_t type, const DecoderInput_t& input) {
     // clang-format off
     switch (type) {

@@ -35,8 +35,6 @@ std::span<const TypeRow_t> TypeRows();
 const TypeRow_t* FindType(uint8_t type);
 // The standard's name of a type, or what the standard says of types that it doesn't define.
 std::string_view NameOfType(uint8_t type);
-// Whether a type is decoded only when a host asks for it.
-bool IsOnDemand(uint8_t type);
 
 // What some decoders depend on besides their structures.
 struct DecoderInput_t {

@@ -30,9 +30,12 @@ std::string HandleText(uint16_t handle) {
 }
 
 std::string HexDigits(std::span<const uint8_t> bytes) {
-    std::string text;
-    text.reserve(2 * bytes.size());
-    for (const uint8_t byte : bytes) text.append({kDigits[byte >> 4], kDigits[byte & 15]});
+    std::string text(2 * bytes.size(), '0');
+    char* place = text.data();
+    for (const uint8_t byte : bytes) {
+        *place++ = kDigits[byte >> 4];
+        *place++ = kDigits[byte & 15];
+    }
     return text;
 }
 
