@@ -127,6 +127,18 @@ TEST(Summary, OfOldAndEmptyTables) {
     EXPECT_EQ(RunQuorlin("summary " + none).output, "");
 }
 
+// JSON has so many groups at most, and says how many more there are.
+TEST(Summary, OfTooManyKinds) {
+    std::vector<ClStructureBuilder> table;
+    for (uint16_t size = 1; size <= 1003; size++) table.push_back(ClStructureBuilder(17, 0x15, size).Word(0x0C, size));
+    const std::string image = WriteFile("kinds.bin", DumpOf(TableOf(table), 3, 4, 32));
+    const std::string json = RunQuorlin("summary --format ndjson " + image).output;
+    EXPECT_NE(json.find(R"("used":1003,)"), json.npos);
+    EXPECT_NE(json.find(R"("size":1048576000,)"), json.npos);
+    EXPECT_EQ(json.find(R"("size":1049624576,)"), json.npos);
+    EXPECT_NE(json.find(R"("left_out":{"models":0,"caches":0,"modules":3,"slots":0}})"), json.npos);
+}
+
 TEST(Get, KeywordsAndKeys) {
     const std::string image =
         " --image " +

@@ -148,12 +148,14 @@ TEST(WorstTables, TakeNoMoreThanTheirSizeAllows) {
 // The two bytes of a number.
 std::string Word(size_t number) { return {static_cast<char>(number & 0xFF), static_cast<char>(number >> 8 & 0xFF)}; }
 
+// A structure with another handle.
+std::string Renamed(std::string structure, const std::string& handle) { return structure.replace(2, 2, handle); }
+
 // A table of the structures that `make` makes of the numbers from 0 on, with these numbers as handles, after `head`.
 std::string Numbered(const std::function<std::string(size_t)>& make, const std::string& head = "") {
     std::string table = head;
     for (size_t i = 0;; i++) {
-        std::string structure = make(i);
-        structure.replace(2, 2, Word(i));
+        const std::string structure = Renamed(make(i), Word(i));
         if (table.size() + structure.size() + kEnd > tableBytes) break;
         table += structure;
     }
@@ -173,98 +175,82 @@ std::string Changed(std::string table) {
     return table;
 }
 
-// Commands that don't show the table itself must cost little for whatever a file has in it. Each has its worst here.
+// Runs commands on a table that is the worst for them. TABLE stands for its file, CHANGED for that of the same table
+// with other digits, and FILE for a new file.
+void ExpectLittle(const char* what, const std::string& table, const std::vector<const char*>& commands) {
+    const auto write = [](const char* name, const std::string& bytes) {
+        return WriteFile(name, std::vector<uint8_t>(bytes.begin(), bytes.end()));
+    };
+    const std::string path = write("worst.bin", table), changed = write("worst-changed.bin", Changed(table));
+    const std::string file = testing::TempDir() + "worst-new", output = testing::TempDir() + "worst.out";
+    for (const char* command : commands) {
+        std::vector<std::string> words;
+        bool namesTable = false;
+        std::istringstream text(command);
+        for (std::string word; text >> word;) {
+            namesTable |= word == "TABLE";
+            words.push_back(word == "TABLE" ? path : word == "CHANGED" ? changed : word == "FILE" ? file : word);
+        }
+        words.insert(words.end(), {"--as", "table"});
+        if (!namesTable) words.insert(words.end(), {"--image", path});
+        fs::remove_all(file);
+        const Cost_t cost = CostOf(words, output);
+        ASSERT_TRUE(cost.exitCode == 0 || cost.exitCode == 1) << what << ": " << command;
+        EXPECT_LT(cost.bytes, mostBytes) << what << ": " << command;
+        // Twice what it may be on a machine that does nothing else.
+        EXPECT_LT(cost.seconds, isLong ? 4 : 1) << what << ": " << command;
+    }
+}
+
+// Commands that don't show the table itself must cost little for whatever a file has in it.
 TEST(WorstTables, CostLittleWhereTheTableIsNotShown) {
     if (IsSanitized()) GTEST_SKIP() << "a sanitizer takes memory and time of its own";
-    const std::string long1 = std::string(tableBytes / 4, 'A') + "\0\0"s;
-    const std::string refers = Structure(2, "\1\0\0\0\0\0\0\0\0\x0A\x74"s + Repeated("00", 116), "b\0\0"s);
-    const std::string locator = std::string(8, '\0') + Word(1024) + "\x09\0\1\1\x1A\0"s;
-    std::string target = Structure(17, locator, long1);
-    target.replace(2, 2, "00");
-    std::string self = Structure(17, "\5\0"s);
-    self.replace(2, 2, "\5\0"s);
-    const struct {
-        const char* what;
-        std::function<std::string()> make;
-        std::vector<const char*> commands;
-    } kCases[] = {
-        {"17, no fields",
-         [] { return Numbered([](size_t) { return Structure(17, ""); }); },
-         {"check", "check --format sarif", "summary", "types", "metrics", "metrics --out FILE", "report FILE TABLE",
-          "report FILE TABLE CHANGED", "facts --rows FILE", "redact TABLE FILE", "diff TABLE CHANGED", "get 17 none"}                                                                                               },
-        {"17, each unlike the others",
-         [] {
-             return Numbered([](size_t i) {
-                 const auto form = static_cast<char>(i / 0x7FFE % 16 + 1);
-                 return Structure(17, std::string(8, '\0') + Word(i % 0x7FFE + 1) + std::string(1, form));
-             });
-         },                                                                                                         {"summary --format json", "metrics --out FILE", "report FILE TABLE", "facts --rows FILE"}       },
-        {"7, each unlike the others",
-         [] {
-             return Numbered([](size_t i) {
-                 const auto level = static_cast<char>(0x80 | (i / 0x8000 % 8));
-                 return Structure(7, "\0"s + level + "\1\xFF\x7F"s + Word(i % 0x7FFF + 1));
-             });
-         },                                                                                                         {"summary --format json", "check"}                                                              },
-        {"1, a long text of control bytes",
-         [] {
-             const std::string fields = "\1\1\1\1"s + std::string(16, '\0') + "\6\1\1"s;
-             return Structure(1, fields, std::string(tableBytes - 64, '\1') + "\0\0"s) + Structure(127, "");
-         },                                                                                                         {"check --format json", "check --format sarif", "report FILE TABLE", "get 1 serial_number"}     },
-        {"17, long locators",
-         [=] { return Structure(17, locator, Repeated("DIMMA_", tableBytes / 8) + "\0\0"s) + Structure(127, ""); },
-         {"report FILE TABLE", "metrics"}                                                                                                                                                                           },
-        {"2, all refer to other ones",
-         [] {
-             return Numbered([](size_t i) {
-                 std::string handles;
-                 for (size_t place = 0; place < 116; place++) handles += Word(i + place);
-                 return Structure(2, "\1\0\0\0\0\0\0\0\0\x0A\x74"s + handles, "b\0\0"s);
-             });
-         },                                                                                                         {"diff TABLE CHANGED", "diff TABLE CHANGED --format json", "report FILE TABLE CHANGED", "check"}},
-        {"2, all refer to a long text",
-         [=] { return Filled(target + target.substr(0, 2) + "01" + target.substr(4), refers); },
-         {"diff TABLE CHANGED", "report FILE TABLE CHANGED"}                                                                                                                                                        },
-        {"17, one handle, and all refer to it",
-         [=] { return Filled("", self); },
-         {"check", "diff TABLE TABLE", "metrics", "get 17 none"}                                                                                                                                                    },
-        {"200, many short strings",
-         [] {
-             std::string strings;
-             for (size_t i = 0; strings.size() + 64 < tableBytes; i++) strings += Hex(i) + "\0"s;
-             return Structure(200, "", strings + "\0"s) + Structure(127, "");
-         },                                                                                                         {"redact TABLE FILE", "check"}                                                                  },
-        {"1, many serial numbers",
-         [] {
-             return Numbered([](size_t i) {
-                 return Structure(1, "\0\0\0\1"s + std::string(16, static_cast<char>(i)), "SN" + Hex(i) + "\0\0"s);
-             });
-         },                                                                                                         {"redact TABLE FILE", "report FILE TABLE --redact"}                                             },
+    ExpectLittle(
+        "17, no fields", Numbered([](size_t) { return Structure(17, ""); }),
+        {"check", "check --format sarif", "summary", "types", "metrics", "metrics --out FILE", "report FILE TABLE",
+         "report FILE TABLE CHANGED", "facts --rows FILE", "redact TABLE FILE", "diff TABLE CHANGED", "get 17 none"});
+    const auto module = [](size_t i) {
+        const auto form = static_cast<char>(i / 0x7FFE % 16 + 1);
+        return Structure(17, std::string(8, '\0') + Word(i % 0x7FFE + 1) + std::string(1, form));
     };
-    const std::string file = testing::TempDir() + "worst-new", output = testing::TempDir() + "worst.out";
-    for (const auto& [what, make, commands] : kCases) {
-        const auto write = [](const char* name, const std::string& table) {
-            return WriteFile(name, std::vector<uint8_t>(table.begin(), table.end()));
-        };
-        const std::string path = write("worst.bin", make()), changed = write("worst-changed.bin", Changed(make()));
-        for (const std::string command : commands) {
-            std::vector<std::string> words;
-            bool namesTable = false;
-            std::istringstream text(command);
-            for (std::string word; text >> word;) {
-                namesTable |= word == "TABLE";
-                words.push_back(word == "TABLE" ? path : word == "CHANGED" ? changed : word == "FILE" ? file : word);
-            }
-            words.insert(words.end(), {"--as", "table"});
-            if (!namesTable) words.insert(words.end(), {"--image", path});
-            fs::remove_all(file);
-            const Cost_t cost = CostOf(words, output);
-            ASSERT_TRUE(cost.exitCode == 0 || cost.exitCode == 1) << what << ": " << command;
-            EXPECT_LT(cost.bytes, mostBytes) << what << ": " << command;
-            // Twice what it is on a machine that does nothing else.
-            EXPECT_LT(cost.seconds, isLong ? 4 : 1) << what << ": " << command;
-        }
-    }
+    ExpectLittle("17, each unlike the others", Numbered(module),
+                 {"summary --format json", "metrics --out FILE", "report FILE TABLE", "facts --rows FILE"});
+    const auto cache = [](size_t i) {
+        const auto level = static_cast<char>(0x80 | (i / 0x8000 % 8));
+        return Structure(7, "\0"s + level + "\1\xFF\x7F"s + Word(i % 0x7FFF + 1));
+    };
+    ExpectLittle("7, each unlike the others", Numbered(cache), {"summary --format json", "check"});
+    const std::string system = "\1\1\1\1"s + std::string(16, '\0') + "\6\1\1"s;
+    ExpectLittle("1, a long text of control bytes",
+                 Structure(1, system, std::string(tableBytes - 64, '\1') + "\0\0"s) + Structure(127, ""),
+                 {"check --format json", "check --format sarif", "report FILE TABLE", "get 1 serial_number"});
+    const std::string slot = std::string(8, '\0') + Word(1024) + "\x09\0\1\1\x1A\0"s;
+    ExpectLittle("17, a long locator",
+                 Structure(17, slot, Repeated("DIMMA_", tableBytes / 8) + "\0\0"s) + Structure(127, ""),
+                 {"report FILE TABLE", "metrics"});
+    const std::string board = "\1\0\0\0\0\0\0\0\0\x0A\x74"s;  // with 116 handles
+    const auto refersToMany = [&board](size_t i) {
+        std::string handles;
+        for (size_t place = 0; place < 116; place++) handles += Word(i + place);
+        return Structure(2, board + handles, "b\0\0"s);
+    };
+    ExpectLittle("2, handles of many others", Numbered(refersToMany),
+                 {"diff TABLE CHANGED", "diff TABLE CHANGED --format json", "report FILE TABLE CHANGED", "check"});
+    const std::string target = Structure(17, slot, std::string(tableBytes / 4, 'A') + "\0\0"s);
+    ExpectLittle(
+        "2, handles of long texts",
+        Filled(Renamed(target, "00") + Renamed(target, "01"), Structure(2, board + Repeated("00", 116), "b\0\0"s)),
+        {"diff TABLE CHANGED", "report FILE TABLE CHANGED"});
+    ExpectLittle("17, one handle that all refer to", Filled("", Structure(17, "\1\0"s)),
+                 {"check", "diff TABLE TABLE", "metrics", "get 17 none"});
+    std::string strings;
+    for (size_t i = 0; strings.size() + 64 < tableBytes; i++) strings += Hex(i) + "\0"s;
+    ExpectLittle("200, many short strings", Structure(200, "", strings + "\0"s) + Structure(127, ""),
+                 {"redact TABLE FILE", "check"});
+    const auto serial = [](size_t i) {
+        return Structure(1, "\0\0\0\1"s + std::string(16, static_cast<char>(i)), "SN" + Hex(i) + "\0\0"s);
+    };
+    ExpectLittle("1, many serial numbers", Numbered(serial), {"redact TABLE FILE", "report FILE TABLE --redact"});
 }
 
 }  // namespace
