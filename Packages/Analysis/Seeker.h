@@ -25,6 +25,7 @@ class ClSeeker {
     static constexpr uint32_t kFilterBits = 22;
 
     struct Entry_t {
+        uint64_t begin;  // of the text, as BeginOf has it, so that most comparisons need nothing else
         uint32_t place;  // of the text in m_texts; the pseudonym comes after it
         uint32_t size;
         int32_t shorter;  // the longest other entry that this one begins with; below 0 if there is none
@@ -32,6 +33,11 @@ class ClSeeker {
 
     static size_t Hash(uint64_t first) { return first * 0x9E3779B97F4A7C15u >> (64 - kFilterBits); }
 
+    // The first 8 bytes, the first one highest, and zeros for those that aren't there.
+    static uint64_t BeginOf(std::string_view text);
+    bool IsLess(uint64_t begin, std::string_view text, const Entry_t& entry) const {
+        return begin != entry.begin ? begin < entry.begin : text < TextOf(entry);
+    }
     std::string_view TextOf(const Entry_t& entry) const { return {m_texts.data() + entry.place, entry.size}; }
     // The entry itself or the longest one that it begins with, of those that `bytes` begin with.
     int32_t FirstOf(int32_t entry, std::string_view bytes) const;
