@@ -23,7 +23,7 @@ SHOWN = (
     "gigabyte-b760m-ds3h-gen5",
     "kvm-qemu-old",
 )
-SHOWN_OF_GENERATED = ("newest", "odd-strings", "repeated-handles", "missing-page", "old-laptop")
+SHOWN_OF_GENERATED = ("newest", "odd-strings", "repeated-handles", "no-end", "old-laptop")
 DMIDECODE = "/usr/sbin/dmidecode"
 FLEET, COUNTED = 10_000, 1_000  # images of a fleet, and of those whose instructions are counted
 MIB = 1 << 20
