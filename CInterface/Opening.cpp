@@ -1,7 +1,6 @@
 #include "CInterface/Opening.h"
 
 #include "Packages/Debug/Debug.h"
-#include "Packages/OS/OS.h"
 
 namespace {
 
@@ -37,9 +36,7 @@ void KeepTrace() {
 
 quorlin_status KeepOutcome(quorlin_status status) { return lastStatus = status; }
 
-void KeepProblem(const std::string& problem) {
-    os_snprintf(lastProblem, sizeof lastProblem, sizeof lastProblem - 1, "%s", problem.c_str());
-}
+void KeepProblem(const std::string& problem) { lastProblem[problem.copy(lastProblem, sizeof lastProblem - 1)] = '\0'; }
 
 quorlin_status ReadFileImage(const char* path, const quorlin_options& options, Image_t* image) {
     *image = ImageWith(options);
