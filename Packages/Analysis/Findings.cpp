@@ -30,6 +30,12 @@ std::string MakersOf(const CheckedTable_t& table) {
     return makers;
 }
 
+std::string CutText(std::string_view text) {
+    if (text.size() <= kMostFoundBytes) return std::string(text);
+    const std::string left = std::to_string(text.size() - kMostFoundBytes);
+    return std::string(text.substr(0, kMostFoundBytes)).append("... and ").append(left).append(" more bytes");
+}
+
 std::string_view NameOf(uint8_t type, std::string_view key) {
     const StandardType_t table = FindStandardType(type);
     for (const StandardField_t& field : table.fields)
@@ -101,7 +107,7 @@ std::vector<FindingGroup_t> FindGroups(const CheckedTable_t& table, const RuleCh
         const uint16_t handle = finding.structure == nullptr ? uint16_t{0} : finding.structure->Handle();
         const size_t shown = std::min<size_t>(finding.size, kMostBytes);
         group.places.push_back({handle, finding.offset, finding.size,
-                                HexDigits(table.bytes.subspan(finding.offset, shown)), std::string(finding.found),
+                                HexDigits(table.bytes.subspan(finding.offset, shown)), CutText(finding.found),
                                 std::string(finding.expected)});
     });
     std::erase_if(groups, [&](const FindingGroup_t& group) { return !choice.Wants(group.rule, group.type, makers); });

@@ -48,7 +48,8 @@ struct FindingGroup_t {
 };
 
 inline constexpr size_t kMostPlaces = 256;
-inline constexpr size_t kMostBytes = 64;  // of a place
+inline constexpr size_t kMostBytes = 64;              // of a place
+inline constexpr size_t kMostFoundBytes = 16u << 10;  // of `found`; a longer text ends with how many bytes are left out
 
 // Checks a table. The groups are in the order of their first findings, errors before warnings before notes.
 std::vector<FindingGroup_t> FindGroups(const CheckedTable_t& table, const RuleChoice_t& choice);

@@ -47,7 +47,12 @@ class ClValues {
         const bool isKnown = value != nullptr && value->state == FactState_t::kValue && value->text != "Other";
         return isKnown ? value->text : std::string_view();
     }
-    std::string Text(std::string_view key) const { return WithSingleBlanks(View(key)); }
+    // No text of a machine is as long as those that are cut.
+    std::string Text(std::string_view key) const {
+        constexpr size_t kMost = 16u << 10;
+        const std::string_view text = View(key);
+        return text.size() <= kMost ? WithSingleBlanks(text) : WithSingleBlanks(text.substr(0, kMost)) + "...";
+    }
     bool HasBit(std::string_view key, unsigned bit) const { return Number(key).value_or(0) >> bit & 1; }
 
   private:

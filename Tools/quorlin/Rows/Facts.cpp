@@ -79,6 +79,7 @@ void ClFactRows::WriteFacts(const TableStructure_t& structure, uint32_t instance
             m_record = -1;
         } else {
             AppendText(row, TextOf(*fact));
+            m_files.FlushWhenFull(structure.Type());
         }
     }
     endList();

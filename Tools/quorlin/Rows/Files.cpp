@@ -20,9 +20,12 @@ ClRowFiles::ClRowFiles(const std::string& path) : m_folder(path) {
 }
 
 void ClRowFiles::EndRow(size_t dataset) {
-    File_t& file = m_files[dataset];
-    file.text += kCsvLineEnd;
-    if (file.text.size() >= kBlock) Flush(file);
+    m_files[dataset].text += kCsvLineEnd;
+    FlushWhenFull(dataset);
+}
+
+void ClRowFiles::FlushWhenFull(size_t dataset) {
+    if (File_t& file = m_files[dataset]; file.text.size() >= kBlock) Flush(file);
 }
 
 void ClRowFiles::Flush(File_t& file) {

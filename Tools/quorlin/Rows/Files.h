@@ -15,6 +15,8 @@ class ClRowFiles {
     // Where the next row of a dataset is appended; EndRow ends it.
     std::string& Row(size_t dataset) { return m_files[dataset].text; }
     void EndRow(size_t dataset);
+    // Writes what a row has so far if it is long.
+    void FlushWhenFull(size_t dataset);
     // Writes what is left and gives the folder its name. False on failure; Problem then tells why.
     bool Finish();
     // The errno of the first failure, after which more rows are useless, or 0.

@@ -224,6 +224,9 @@ TEST(WorstTables, CostLittleWhereTheTableIsNotShown) {
     ExpectLittle("1, a long text of control bytes",
                  Structure(1, system, std::string(tableBytes - 64, '\1') + "\0\0"s) + Structure(127, ""),
                  {"check --format json", "check --format sarif", "report FILE TABLE", "get 1 serial_number"});
+    ExpectLittle("1, a long text of invalid bytes",
+                 Structure(1, system, std::string(tableBytes - 64, '\xFF') + "\0\0"s) + Structure(127, ""),
+                 {"summary --format json", "facts --rows FILE", "report FILE TABLE"});
     const std::string slot = std::string(8, '\0') + Word(1024) + "\x09\0\1\1\x1A\0"s;
     ExpectLittle("17, a long locator",
                  Structure(17, slot, Repeated("DIMMA_", tableBytes / 8) + "\0\0"s) + Structure(127, ""),
