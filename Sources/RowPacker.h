@@ -23,7 +23,7 @@ class ClRowPacker {
                 .offset = static_cast<uint16_t>(row.offset),
                 .words = static_cast<uint16_t>(rendering.table.size()),
                 .render = PlaceOf(rendering.render),
-                .table = PlaceIn(m_tables, m_tableCount, rendering.table.data()),
+                .table = PlaceOf(rendering.table),
             };
         }
     }
@@ -42,15 +42,26 @@ class ClRowPacker {
     }
 
     consteval uint8_t PlaceOf(Render_t render) {
-        const auto* const shared = std::ranges::find(kSharedRenders, render);
-        if (shared != std::end(kSharedRenders)) return static_cast<uint8_t>(shared - kSharedRenders);
+        for (size_t place = 0; place < std::size(kSharedRenders); place++)
+            if (AreSame(kSharedRenders[place], render)) return static_cast<uint8_t>(place);
         return static_cast<uint8_t>(std::size(kSharedRenders) + PlaceIn(m_renders, m_renderCount, render));
+    }
+
+    // With sanitizers not all pointers can be compared at compile time. Then equal ones have places of their own.
+    template <class Value>
+    static consteval bool AreSame(Value first, Value second) {
+        return __builtin_constant_p(first == second) && first == second;
+    }
+
+    // A row without words has the place of any table.
+    consteval uint8_t PlaceOf(std::span<const CodeText_t> table) {
+        return table.empty() ? uint8_t{0} : PlaceIn(m_tables, m_tableCount, table.data());
     }
 
     template <class Value>
     static consteval uint8_t PlaceIn(Value* list, size_t& count, Value value) {
         size_t place = 0;
-        while (place < count && list[place] != value) place++;
+        while (place < count && !AreSame(list[place], value)) place++;
         if (place == count) list[count++] = value;
         return static_cast<uint8_t>(place);
     }

@@ -32,6 +32,7 @@ std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t
 
 static ClText ShowHex(const Field_t& field, uint64_t value) { return HexText(value, field.Number()); }
 
+ClText ShowGroup(const Field_t&) { return {}; }
 ClText ShowDec8(const Field_t& field) { return std::to_string(field.Byte()); }
 ClText ShowDec16(const Field_t& field) { return std::to_string(field.Word()); }
 ClText ShowDec32(const Field_t& field) { return std::to_string(field.Dword()); }

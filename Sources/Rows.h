@@ -53,7 +53,7 @@ struct Field_t {
 };
 
 struct Rendering_t {
-    Render_t render;                         // null: the row opens a sub-group
+    Render_t render;
     std::span<const CodeText_t> table = {};  // of an enumeration or bit list
     std::string_view text = {};              // an error word, a unit, or what else the rendering needs
     uint32_t number = 0;                     // of hexadecimal digits, or a bit's number
@@ -77,6 +77,7 @@ std::string BitsText(std::span<const CodeText_t> table, uint32_t value, uint32_t
 std::string BitsOrNone(std::span<const CodeText_t> table, uint32_t value, uint32_t count);
 
 // The renderings that decoders share. The number in a name is the field's width in bits.
+ClText ShowGroup(const Field_t& field);  // of a row that opens a sub-group, which has no value
 ClText ShowDec8(const Field_t& field);
 ClText ShowDec16(const Field_t& field);
 ClText ShowDec32(const Field_t& field);
@@ -103,9 +104,9 @@ ClText ShowFunctionNumber(const Field_t& field);
 ClText ShowBit8(const Field_t& field);
 ClText ShowBit32(const Field_t& field);
 
-// The renderings that packed rows share. Null is that of rows that open a sub-group.
+// The renderings that packed rows share.
 inline constexpr Render_t kSharedRenders[] = {
-    nullptr,         ShowDec8,         ShowDec16,         ShowDec32,        ShowHex8,         ShowHex16,
+    ShowGroup,       ShowDec8,         ShowDec16,         ShowDec32,        ShowHex8,         ShowHex16,
     ShowHex32,       ShowHex64,        ShowString,        ShowStringOrNone, ShowFixedText,    ShowEnum8,
     ShowEnumOfBits8, ShowEnumOfBits16, ShowBitWords8,     ShowBitWords16,   ShowYesNo8,       ShowYesNo16,
     ShowYesNo32,     ShowParsedString, ShowDec16WithUnit, ShowDec16AndHex,  ShowDeviceNumber, ShowFunctionNumber,
@@ -121,7 +122,7 @@ inline ItemRow_t UnpackedRow(const Rows_t& rows, const PackedRow_t& row) {
     };
 }
 
-inline constexpr Rendering_t Group{nullptr};
+inline constexpr Rendering_t Group{ShowGroup};
 inline constexpr Rendering_t Dec8{ShowDec8}, Dec16{ShowDec16}, Dec32{ShowDec32};
 // Hex8, Hex16, Hex32 and Hex64 zero-fill to the width of their field; the others to the number of digits named.
 inline constexpr Rendering_t Hex8{ShowHex8, {}, {}, 2}, Hex16{ShowHex16, {}, {}, 4}, Hex32{ShowHex32, {}, {}, 8},

@@ -112,11 +112,8 @@ void ClSMBIOSType::PrintItems(const Rows_t& rows, const ClStructure& structure, 
         const size_t own = row.render - std::size(kSharedRenders);
         const Render_t render = row.render < std::size(kSharedRenders) ? kSharedRenders[row.render] : rows.renders[own];
         OrDrop([&] {
-            if (render == nullptr)
-                m_items->AddLasting(rows.Text(row.key), {}, m_structure.As(ItemKind_t::kGroup));
-            else
-                m_items->AddLasting(rows.Text(row.key), render({structure, rows, row, *this, row.offset + shift}),
-                                    m_structure);
+            const ItemFacts_t facts = render == ShowGroup ? m_structure.As(ItemKind_t::kGroup) : m_structure;
+            m_items->AddLasting(rows.Text(row.key), render({structure, rows, row, *this, row.offset + shift}), facts);
         });
     }
 }

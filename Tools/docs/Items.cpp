@@ -37,7 +37,7 @@ std::string YesNoText(const Rendering_t& rendering) {
 std::optional<std::string> SharedWords(const Rendering_t& rendering) {
     const auto is = [&](auto... shows) { return ((rendering.render == shows) || ...); };
     const std::string otherwise = rendering.text.empty() ? "" : ", else "s.append(Code(rendering.text));
-    if (rendering.render == nullptr) return "opens a sub-group";
+    if (rendering.render == ShowGroup) return "opens a sub-group";
     if (is(ShowDec8, ShowDec16, ShowDec32)) return "decimal";
     if (is(ShowHex8)) return Digits(rendering.number > 2 ? " or more" : "", rendering.number);
     if (is(ShowHex16)) return Digits(rendering.number != 4 ? " or more" : "", rendering.number);
