@@ -36,7 +36,8 @@ std::unique_ptr<ClWriter> Make(ClOutput& output, bool) { return std::make_unique
 }  // namespace
 
 constexpr Format_t kDummyFormat = {
-    .name = {"dummyformat", "for a test"},
+    .name = "dummyformat",
+    .remark = "for a test",
     .contents = kAnyContent,
     .takesMany = false,
     .reportsErrors = false,

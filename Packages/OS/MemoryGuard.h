@@ -13,10 +13,12 @@
 #endif
 
 #ifdef QUORLIN_HAS_ASAN
-#include <sanitizer/asan_interface.h>
+// The sanitizer's own.
+extern "C" void __asan_poison_memory_region(const volatile void* bytes, size_t size);
+extern "C" void __asan_unpoison_memory_region(const volatile void* bytes, size_t size);
 inline constexpr size_t kGuardBytes = 16;  // to leave between two things in a block
-inline void ForbidBytes(void* bytes, size_t size) { ASAN_POISON_MEMORY_REGION(bytes, size); }
-inline void AllowBytes(void* bytes, size_t size) { ASAN_UNPOISON_MEMORY_REGION(bytes, size); }
+inline void ForbidBytes(void* bytes, size_t size) { __asan_poison_memory_region(bytes, size); }
+inline void AllowBytes(void* bytes, size_t size) { __asan_unpoison_memory_region(bytes, size); }
 #else
 inline constexpr size_t kGuardBytes = 0;
 inline void ForbidBytes(void*, size_t) {}

@@ -24,7 +24,7 @@ enum Content_t : uint8_t {
 };
 
 struct Format_t {
-    char name[8];
+    char name[12];
     char remark[20] = "";  // in help texts
     uint8_t contents;      // bits of Content_t
     bool takesMany;        // documents of several tables may follow each other
