@@ -14,8 +14,8 @@
 
 #ifdef QUORLIN_HAS_ASAN
 // The sanitizer's own.
-extern "C" void __asan_poison_memory_region(const volatile void* bytes, size_t size);
-extern "C" void __asan_unpoison_memory_region(const volatile void* bytes, size_t size);
+extern "C" void __asan_poison_memory_region(void* bytes, size_t size);
+extern "C" void __asan_unpoison_memory_region(void* bytes, size_t size);
 inline constexpr size_t kGuardBytes = 16;  // to leave between two things in a block
 inline void ForbidBytes(void* bytes, size_t size) { __asan_poison_memory_region(bytes, size); }
 inline void AllowBytes(void* bytes, size_t size) { __asan_unpoison_memory_region(bytes, size); }
