@@ -60,8 +60,7 @@ ClHandles::ClHandles(std::span<const uint8_t> table) {
         m_handles.push_back(static_cast<uint32_t>(structure.Handle()) << 8 | structure.Type());
     std::ranges::sort(m_handles);
     // Of many structures with one handle and type one is enough, and a search takes no longer for them.
-    const auto repeated = std::ranges::unique(m_handles);
-    m_handles.erase(repeated.begin(), repeated.end());
+    m_handles.erase(std::unique(m_handles.begin(), m_handles.end()), m_handles.end());
 }
 
 bool ClHandles::Has(uint16_t handle, std::span<const StandardCode_t> types) const {

@@ -51,7 +51,7 @@ struct RecordBlock_t {
     RecordBlock_t* older;
     size_t left;  // bytes that no record has
 };
-constexpr size_t kBlockBytes = 16 * 1024;
+constexpr size_t kBlockBytes = 16u << 10;
 RecordBlock_t* newestBlock = nullptr;
 
 // Returns room for a record that goes to no other one. Null if memory runs out.
