@@ -107,9 +107,9 @@ quorlin_status quorlin_redact(const quorlin_fact_table* table, const void* key, 
         const std::span<const uint8_t> bytes = BytesOf(*table);
         const std::span<uint8_t> copy(static_cast<uint8_t*>(out), bytes.size());
         std::ranges::copy(bytes, copy.begin());
-        const std::span<const uint8_t> secret(static_cast<const uint8_t*>(key), key_size);
-        const Hmac_t hmac = [secret](std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
-            return os_HmacSha256(secret, message, mac);
+        const ClHmacKey secret({static_cast<const uint8_t*>(key), key_size});
+        const Hmac_t hmac = [&secret](std::span<const uint8_t> message, std::span<uint8_t, 32> mac) {
+            return secret.Compute(message, mac);
         };
         const bool isDone = RedactTable(copy, {.version = VersionOf(*table), .keepsVendor = keep_vendor != 0}, hmac);
         return quorlin_status{isDone ? QUORLIN_OK : QUORLIN_NO_TABLE};
