@@ -84,8 +84,8 @@ def small(count):
 
 
 def worst_tables(program, work, most):
-    """Tables of at most `most` bytes: the sample's structures, small ones, and processors without a field, which show
-    all their items nevertheless."""
+    """Tables of at most `most` bytes: the sample's structures, small ones, processors without a field, which show all
+    their items nevertheless, and one vendor's structure of short texts, all of which need a pseudonym."""
     checked([program, "dump", "--sample", work / f"sample-{most}"])
     sample = list(structures_of((work / f"sample-{most}").read_bytes()[32:]))
     usual, place = bytearray(), 0
@@ -93,7 +93,8 @@ def worst_tables(program, work, most):
         usual += sample[place % len(sample)]
         place += 1
     bare = b"".join(struct.pack("<BBHH", 4, 4, place % 65536, 0) for place in range(most // 6))
-    return {"usual": bytes(usual), "small": small(most // 11), "bare": bare}
+    texts = struct.pack("<BBHB", 200, 5, 0, 0) + b"".join(b"%05x\0" % place for place in range(most // 6 - 1)) + b"\0"
+    return {"usual": bytes(usual), "small": small(most // 11), "bare": bare, "texts": texts}
 
 
 def write_dump(path, table):
@@ -225,6 +226,8 @@ class Bench:
                 ("metrics", ["metrics", "--image", dump]),
                 ("summary", ["summary", "--image", dump]),
                 ("diff", ["diff", dump, other]),
+                ("rows", ["facts", "--rows", self.work / f"4M-{kind}-rows", "--image", dump]),
+                ("redact", ["redact", dump, self.work / f"4M-{kind}-redacted"]),
             ):
                 self.measure(f"4M/{kind}/{name}", [self.program, *command])
 

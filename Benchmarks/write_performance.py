@@ -184,18 +184,19 @@ def hostile(figures):
 
 
 def worst(figures):
-    kinds = ("usual", "small", "bare")
+    kinds = ("usual", "small", "bare", "texts")
     commands = list(dict.fromkeys(name.split("/")[1] for name in figures.names("4M")))
     cell = lambda kind, command: (f"{figures[f'4M/{kind}/{command}', 'seconds']:.2f} / "
                                   f"{mebibytes(figures[f'4M/{kind}/{command}', 'kilobytes'])}")
-    return table(["command", "the sample's structures", "small structures", "processors without a field"],
+    return table(["command", "the sample's structures", "small structures", "processors without a field",
+                  "a vendor's short texts"],
                  [[f"`{command}`"] + [cell(kind, command) for kind in kinds] for command in commands])
 
 
 def small_tables(figures):
     rows = []
     for kind, words in (("usual", "the sample's structures"), ("small", "small structures of all types, in turn"),
-                        ("bare", "processors without a field")):
+                        ("bare", "processors without a field"), ("texts", "a vendor's short texts")):
         least, most = figures.range_of(f"64K/{kind}", "kilobytes")
         rows.append([words, f"{mebibytes(least)} – {mebibytes(most)}"])
     return table(["table of 64 KiB", "peak in MiB"], rows)
