@@ -113,13 +113,14 @@ inline constexpr Render_t kSharedRenders[] = {
     ShowBit8,        ShowBit32,
 };
 
-// The row as it was written, without the decoder that reads by it.
+inline Render_t RenderOf(const Rows_t& rows, const PackedRow_t& row) {
+    constexpr size_t kShared = std::size(kSharedRenders);
+    return row.render < kShared ? kSharedRenders[row.render] : rows.renders[row.render - kShared];
+}
+// A packed row as it was written.
 inline ItemRow_t UnpackedRow(const Rows_t& rows, const PackedRow_t& row) {
-    const size_t own = row.render - std::size(kSharedRenders);
-    const Render_t render = row.render < std::size(kSharedRenders) ? kSharedRenders[row.render] : rows.renders[own];
-    return {
-        rows.Text(row.key), row.offset, {render, rows.Table(row), rows.Text(row.text), row.number}
-    };
+    const Rendering_t rendering = {RenderOf(rows, row), rows.Table(row), rows.Text(row.text), row.number};
+    return {rows.Text(row.key), row.offset, rendering};
 }
 
 inline constexpr Rendering_t Group{ShowGroup};
