@@ -104,7 +104,8 @@ ClText ShowFunctionNumber(const Field_t& field);
 ClText ShowBit8(const Field_t& field);
 ClText ShowBit32(const Field_t& field);
 
-// The renderings that packed rows share.
+// The renderings that packed rows share. ShowGroup has the place kGroupPlace.
+inline constexpr uint8_t kGroupPlace = 0;
 inline constexpr Render_t kSharedRenders[] = {
     ShowGroup,       ShowDec8,         ShowDec16,         ShowDec32,        ShowHex8,         ShowHex16,
     ShowHex32,       ShowHex64,        ShowString,        ShowStringOrNone, ShowFixedText,    ShowEnum8,

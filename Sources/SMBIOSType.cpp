@@ -109,10 +109,13 @@ void ClSMBIOSType::PrintRows(const Rows_t& rows, const uint8_t* pData) {
 
 void ClSMBIOSType::PrintItems(const Rows_t& rows, const ClStructure& structure, size_t shift) {
     for (const PackedRow_t& row : rows.rows) {
-        const Render_t render = RenderOf(rows, row);
         OrDrop([&] {
-            const ItemFacts_t facts = render == ShowGroup ? m_structure.As(ItemKind_t::kGroup) : m_structure;
-            m_items->AddLasting(rows.Text(row.key), render({structure, rows, row, *this, row.offset + shift}), facts);
+            if (row.render == kGroupPlace)
+                m_items->AddLasting(rows.Text(row.key), {}, m_structure.As(ItemKind_t::kGroup));
+            else
+                m_items->AddLasting(rows.Text(row.key),
+                                    RenderOf(rows, row)({structure, rows, row, *this, row.offset + shift}),
+                                    m_structure);
         });
     }
 }
