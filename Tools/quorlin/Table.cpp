@@ -64,7 +64,7 @@ bool ClTable::BringUp() {
     BaseAbstraction* created = CreateSmbiosPackageForKovr(kNoSweep);
     if (created == nullptr) throw std::bad_alloc();
     m_package.reset(static_cast<Quorlin*>(created));
-    if (m_package->Initialize() == kSuccess) return true;
+    if (m_package->BringUp() == kSuccess) return true;
     Close();
     return false;
 }
@@ -170,7 +170,7 @@ bool ClTable::OpenThisMachine(const Source_t& source) {
 
 bool ClTable::Open(const Source_t& source, const std::string* path) {
     Close();
-    InstallCrashReport();  // as a package does that is brought up
+    InstallCrashReport();  // here, as not every command brings up a package
     m_isImage = m_isSample = m_isRecord = false;
     m_error.clear();
     m_remark.clear();
