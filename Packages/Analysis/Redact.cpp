@@ -313,6 +313,7 @@ class ClRedaction {
     }
 
     static void Overwrite(Ground_t& ground, size_t begin, size_t step, bool isText, std::string pseudonym) {
+        constexpr uint8_t kDel = 0x7F;
         if (isText) {
             std::string before;
             for (size_t i = 0; i < pseudonym.size(); i++) before += static_cast<char>(ground.bytes[begin + i * step]);
@@ -326,7 +327,7 @@ class ClRedaction {
             // Strings keep their ends and their control bytes, and get no others.
             if (place == Place_t::kFree || isText)
                 byte = next;
-            else if (byte > ' ')
+            else if (byte > ' ' && byte != kDel)
                 byte = next | 0x80;
         }
     }

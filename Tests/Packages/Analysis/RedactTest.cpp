@@ -286,6 +286,25 @@ TEST(Redact, EveryOneOfSecretsThatTouchIsReplaced) {
     }
 }
 
+// A string that has the bytes of a UUID in it.
+TEST(Redact, StringsKeepTheirControlCharacters) {
+    const std::string uuid = BytesByHex("01417f424344454647481f4a4b4c4d80");
+    ClStructureBuilder system(1, 0x1B, 0x0100), strings(11, 5, 0x0B00);
+    Put(system, 8, uuid);
+    strings.Byte(4, 1).Strings({uuid});
+    const Bytes_t redacted = Redacted({"control characters", TableOf({system, strings})});
+    for (const OwnFact_t& fact : FactsOf(redacted, 0x0300)) {
+        if (fact.type != 11 || fact.key != "string") continue;
+        ASSERT_EQ(fact.value.size(), uuid.size());
+        for (size_t i = 0; i < uuid.size(); i++) {
+            const bool isControl = uuid[i] == '\x01' || uuid[i] == '\x7F' || uuid[i] == '\x1F';
+            EXPECT_EQ(fact.value[i] == uuid[i], isControl) << i;
+        }
+        return;
+    }
+    FAIL() << "no string";
+}
+
 TEST(Pseudonyms, ShortValuesArePermuted) {
     const Hmac_t hmac = HmacUnder("a key for the tests");
     ClPseudonyms pseudonyms(hmac);
