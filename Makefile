@@ -5,6 +5,8 @@ WINDOWS_PACKAGES = g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 METRICS_PACKAGES = curl
 ANSIBLE_PACKAGES = ansible-core python3
 REPORT_PACKAGES = chromium chromium-driver python3-selenium poppler-utils pci.ids
+ARM64_PACKAGES = g++-aarch64-linux-gnu qemu-user-static
+ARM64_LIBRARIES = libsodium-dev zlib1g-dev
 WINE_PACKAGES = wine googletest python3
 BENCH_PACKAGES = libbenchmark-dev valgrind strace time python3
 FUZZ_PACKAGES = clang
@@ -18,7 +20,7 @@ DMI = /sys/firmware/dmi/tables/DMI
 AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || echo sudo)
 
 .PHONY: build run test test-long test-machine test-sarif test-report test-metrics test-ansible test-fleet \
-	test-fleet-engines test-fleet-million fleet-program stub asan tsan coverage windows test-windows install deb zip \
+	test-fleet-engines test-fleet-million fleet-program stub asan tsan coverage arm64 windows test-windows install deb zip \
 	bench guard guard-update fuzz format lint hooks clean
 .DEFAULT_GOAL := build
 
@@ -81,6 +83,13 @@ windows:
 	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES)
 	@cmake --preset windows >/dev/null
 	@cmake --build --preset windows
+
+# For Linux on ARM64, cross-built. The libraries for it are unpacked into the build folder.
+arm64:
+	@$(INSTALL) $(BUILD_PACKAGES) $(ARM64_PACKAGES)
+	@cmake/arm64-packages.sh build/arm64-packages $(ARM64_LIBRARIES)
+	@cmake --preset arm64 >/dev/null
+	@cmake --build --preset arm64
 
 # The same tests as Windows programs under Wine, and the tests of the service and its driver.
 test-windows:

@@ -80,6 +80,7 @@ Cause_t WhyNoTable(const Steps_t& steps, const char* other) {
         return {"out of memory", "try again with more, or a smaller table", false};
     if (steps.firmware || !steps.scan) return WhyFirmwareFails();
     switch (*steps.scan) {
+        case ScanEnd_t::kNoArea: return {"this architecture has no BIOS area to scan", other, false};
         case ScanEnd_t::kNoAnchors: return {TextOf(Obstacle_t::kNoAnchors).problem, other};
         case ScanEnd_t::kElsewhere: return {TextOf(Obstacle_t::kNoMap).problem, other};
         default:
@@ -92,7 +93,9 @@ Cause_t WhyNoAnswer(status_t status, Refusal_t refusal, const char* other) {
     const bool isRefusal = (status == 0 || status == kFailure) && refusal == Refusal_t::kRights;
     const bool lacksAccess = status == 0 || status == kFailure || status == kNotSupported;
     const bool isMissing = (status == kFailure || status == kNotSupported) && refusal == Refusal_t::kNotRecorded;
+    const bool isForeign = status == kNotSupported && refusal == Refusal_t::kArchitecture;
     Cause_t cause = isMissing   ? Cause_t{"the record doesn't have it", "try the machine itself", false}
+                    : isForeign ? Cause_t{TextOf(Obstacle_t::kArchitecture).problem, "try an x86 machine", false}
                     : isRefusal ? LacksRights("the system refuses it", other)
                                 : Cause_t{WordsOf(status), other, lacksAccess};
     cause.problem += " (status " + std::to_string(status) + ")";

@@ -36,10 +36,13 @@ struct Buffer_t {
 };
 
 const char* WhyRefused() {
-    return LastRefusal() == Refusal_t::kRights        ? "the user lacks the rights"
-           : LastRefusal() == Refusal_t::kNotRecorded ? "it wasn't recorded"
-           : LastRefusal() == Refusal_t::kNoDriver    ? "the driver isn't installed"
-                                                      : "the system refuses it";
+    switch (LastRefusal()) {
+        case Refusal_t::kRights: return "the user lacks the rights";
+        case Refusal_t::kNotRecorded: return "it wasn't recorded";
+        case Refusal_t::kNoDriver: return "the driver isn't installed";
+        case Refusal_t::kArchitecture: return "this architecture doesn't have it";
+        default: return "the system refuses it";
+    }
 }
 
 class ClRecorder {

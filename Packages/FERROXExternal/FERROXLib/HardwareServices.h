@@ -45,6 +45,8 @@ struct HardwareServices_t {
     // As os_ListACPITables and os_ReadACPITable, which fill them in kThisHardware.
     std::vector<uint32_t> (*ListACPITables)();
     bool (*ReadACPITable)(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused);
+    // Whether there is a BIOS area below 1 MiB. An empty slot means that there is. Without it nothing is read there.
+    bool (*HasBIOSArea)();
 };
 
 // This machine; each system's half defines it.
@@ -64,9 +66,10 @@ void EndFailedStart();
 // Why an operation failed with status 0, 5 or 6.
 enum class Refusal_t {
     kOther,
-    kRights,       // the user lacks the rights
-    kNoDriver,     // the driver isn't installed
-    kNotRecorded,  // the machine is a record, which doesn't have it
+    kRights,        // the user lacks the rights
+    kNoDriver,      // the driver isn't installed
+    kNotRecorded,   // the machine is a record, which doesn't have it
+    kArchitecture,  // the machine's architecture doesn't have it
 };
 // The reason of the last failure on this thread. Valid until the next operation.
 Refusal_t LastRefusal();

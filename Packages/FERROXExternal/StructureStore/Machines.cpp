@@ -1,5 +1,7 @@
 // The machines that package and store can use.
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
+
+#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/Record.h"
 #include "Packages/FERROXExternal/StructureStore/StoreParts.h"
 #include "Packages/OS/Memory.h"
@@ -17,6 +19,14 @@ status_t ReadCPUIDByInstruction(uint32_t, CPUIDRecord_t* record) {
     uint32_t registers[4] = {record->Eax, record->Ebx, record->Ecx, record->Edx};
     os_ReadCPUID(registers);
     *record = {record->Reserved, registers[0], registers[1], registers[2], registers[3]};
+    return kSuccess;
+}
+
+// A processor without the instruction has the signature 0.
+status_t ReadCPUIDIfThere(uint32_t processor, CPUIDRecord_t* record) {
+    const status_t status = ReadCPUID(processor, record);
+    if (status != kNotSupported || LastRefusal() != Refusal_t::kArchitecture) return status;
+    *record = {};
     return kSuccess;
 }
 
@@ -56,10 +66,10 @@ status_t ReadRecordCPUID(uint32_t processor, CPUIDRecord_t* record) {
 }
 
 constexpr MachineServices_t kThisMachine = {
-    FERROXInitialize, FERROXTerminate, osGetStructuresDataEFI, osGetStructuresDataNonEFI, ReadCPUID,
+    FERROXInitialize, FERROXTerminate, osGetStructuresDataEFI, osGetStructuresDataNonEFI, ReadCPUIDIfThere,
 };
 constexpr MachineServices_t kThisMachineByScan = {
-    FERROXInitialize, FERROXTerminate, NoTable, osGetStructuresDataNonEFI, ReadCPUID,
+    FERROXInitialize, FERROXTerminate, NoTable, osGetStructuresDataNonEFI, ReadCPUIDIfThere,
 };
 constexpr MachineServices_t kThisMachineWithoutDriver = {
     NothingToDo, NothingToDo, osGetStructuresDataEFI, NoTable, ReadCPUIDByInstruction,

@@ -46,6 +46,7 @@ void ChooseMachine(const MachineChoice_t& choice);
 // How a scan of physical memory for the table ended.
 enum class ScanEnd_t {
     kFound,
+    kNoArea,      // the machine's architecture has no BIOS area
     kNoRoom,      // out of memory
     kUnreadable,  // the hardware library refused to read
     kNoAnchors,   // the memory has no _SM_ or no _DMI_ entry point

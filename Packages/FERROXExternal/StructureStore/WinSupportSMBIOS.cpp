@@ -50,6 +50,10 @@ void ScanBlock(const uint8_t* block, uint32_t address, uint8_t* entry, bool* ent
 
 // Reads the BIOS area in blocks, until both entry points are found.
 ScanEnd_t FindEntryPoints(uint8_t* entry, uint8_t* dmiEntry) {
+    if (const auto hasBIOSArea = CurrentHardware().HasBIOSArea; hasBIOSArea != nullptr && !hasBIOSArea()) {
+        TRACE("osGetStructuresDataNonEFI", kErrorExit, "This machine has no BIOS area, and none is read");
+        return ScanEnd_t::kNoArea;
+    }
     auto* block = static_cast<DataBuffer_t*>(os_malloc(sizeof(DataBuffer_t) + kBlockSize));
     if (block == nullptr) {
         TRACE("osGetStructuresDataNonEFI", kErrorExit, "Error Allocating memory");

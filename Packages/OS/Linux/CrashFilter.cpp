@@ -8,11 +8,12 @@
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
-#include <ucontext.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+
+#include "Packages/OS/Linux/Trap.h"
 
 namespace {
 
@@ -20,64 +21,36 @@ constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP};
 
 std::atomic<CrashFilter_t> theFilter = nullptr;
 
-// The processor's exception numbers, and bits of a page fault's error code.
-constexpr greg_t kStackFault = 12, kGeneralProtection = 13, kPageFault = 14;
-constexpr greg_t kIsPresent = 1, kIsWrite = 2, kIsFetch = 16;
-
-// Kinds of access, as in Fault_t::Information[0].
-constexpr uint64_t kRead = 0, kWrite = 1, kUnknown = 2, kExecute = 8;
 // Causes of a page error.
 constexpr uint64_t kEndOfFile = 0xC0000011, kDeviceDataError = 0xC000009C;
 
-// Whether only the kernel may use the instruction: hlt, cli, sti, in, out, and the two-byte instructions for caches,
-// descriptor tables, control registers and MSRs. The processor has fetched it, so its bytes can be read.
-bool IsPrivileged(const uint8_t* code) {
-    constexpr uint8_t kOperandSize = 0x66, kRepeatNot = 0xF2, kRepeat = 0xF3;
-    while (*code == kOperandSize || *code == kRepeatNot || *code == kRepeat || (*code & 0xF0) == 0x40) code++;
-    const uint8_t first = code[0];
-    if (first == 0x0F) {
-        const uint8_t second = code[1];
-        // lgdt and lidt, which have a memory operand
-        const bool isTableLoad = second == 0x01 && (code[2] >> 4 == 1 || code[2] >> 4 == 5 || code[2] >> 4 == 9);
-        return second == 0x30 || second == 0x32 || (second >= 0x20 && second <= 0x23) || second == 0x06 ||
-               second == 0x08 || second == 0x09 || isTableLoad;
-    }
-    return first == 0xF4 || first == 0xFA || first == 0xFB || (first >= 0xE4 && first <= 0xE7) ||
-           (first >= 0xEC && first <= 0xEF) || (first >= 0x6C && first <= 0x6F);
-}
-
-uint64_t AccessOf(greg_t error) {
-    return (error & kIsFetch) != 0 ? kExecute : (error & kIsWrite) != 0 ? kWrite : kRead;
-}
-
-void DescribeSegmentation(Fault_t* fault, const siginfo_t& info, const greg_t* registers) {
+void DescribeSegmentation(Fault_t* fault, const siginfo_t& info, const Trap_t& trap) {
     const auto address = reinterpret_cast<uint64_t>(info.si_addr);
-    const greg_t trap = registers[REG_TRAPNO], error = registers[REG_ERR];
     fault->Code = kFaultAccessViolation;
     if (info.si_code <= 0) {  // sent by a process
-        fault->Information[0] = kUnknown;
-    } else if (trap == kPageFault) {
+        fault->Information[0] = kUnknownAccess;
+    } else if (trap.kind == Trap_t::kPage) {
         // A missing page near the stack pointer means that the stack couldn't grow.
-        const auto stack = static_cast<uint64_t>(registers[REG_RSP]);
-        if ((error & (kIsPresent | kIsFetch)) == 0 && address + 65536 >= stack && address < stack + 4096)
+        if (trap.isMissing && trap.access != kExecuteAccess && address + 65536 >= trap.stack &&
+            address < trap.stack + 4096)
             fault->Code = kFaultStackOverflow;
-        fault->Information[0] = AccessOf(error);
+        fault->Information[0] = trap.access;
         fault->Information[1] = address;
-    } else if (trap == kGeneralProtection && IsPrivileged(reinterpret_cast<const uint8_t*>(registers[REG_RIP]))) {
+    } else if (trap.kind == Trap_t::kPrivileged) {
         fault->Code = kFaultPrivilegedInstruction;
-    } else {  // a non-canonical address, which the processor doesn't report
+    } else {  // an address that the processor doesn't report
         fault->Information[1] = ~uint64_t{0};
     }
 }
 
-void DescribeBus(Fault_t* fault, const siginfo_t& info, const greg_t* registers) {
+void DescribeBus(Fault_t* fault, const siginfo_t& info, const Trap_t& trap) {
     if (info.si_code == BUS_ADRALN) {
         fault->Code = kFaultMisalignment;
-    } else if (info.si_code <= 0 || registers[REG_TRAPNO] == kStackFault) {
-        DescribeSegmentation(fault, info, registers);
+    } else if (info.si_code <= 0 || trap.kind == Trap_t::kStackSegment) {
+        DescribeSegmentation(fault, info, trap);
     } else {  // a mapped file became too short, or its medium failed
         fault->Code = kFaultPageError;
-        fault->Information[0] = AccessOf(registers[REG_ERR]);
+        fault->Information[0] = trap.access;
         fault->Information[1] = reinterpret_cast<uint64_t>(info.si_addr);
         fault->Information[2] = info.si_code == BUS_ADRERR ? kEndOfFile : kDeviceDataError;
     }
@@ -99,19 +72,20 @@ uint32_t ArithmeticCode(int code) {
 void DescribeTrap(Fault_t* fault, int code) {
     const bool isStep = code == TRAP_TRACE || code == TRAP_HWBKPT;
     fault->Code = isStep ? kFaultSingleStep : kFaultBreakpoint;
-    // The instruction pointer is already after the breakpoint instruction, which is one byte.
-    if (!isStep && code > 0) --fault->Address;
+    if (!isStep && code > 0) fault->Address -= kPassedBreakpoint;
 }
 
 void OnSignal(int signal, siginfo_t* info, void* context) {
-    const greg_t* registers = static_cast<ucontext_t*>(context)->uc_mcontext.gregs;
-    Fault_t fault = {0, static_cast<uint64_t>(registers[REG_RIP]), {}};
+    const Trap_t trap = TrapOf(*static_cast<const ucontext_t*>(context));
+    Fault_t fault = {0, trap.place, {}};
     switch (signal) {
-        case SIGSEGV: DescribeSegmentation(&fault, *info, registers); break;
-        case SIGBUS: DescribeBus(&fault, *info, registers); break;
+        case SIGSEGV: DescribeSegmentation(&fault, *info, trap); break;
+        case SIGBUS: DescribeBus(&fault, *info, trap); break;
         case SIGFPE: fault.Code = ArithmeticCode(info->si_code); break;
         case SIGTRAP: DescribeTrap(&fault, info->si_code); break;
-        default: fault.Code = info->si_code == ILL_PRVOPC ? kFaultPrivilegedInstruction : kFaultIllegalInstruction;
+        default:
+            fault.Code = info->si_code == ILL_PRVOPC || trap.kind == Trap_t::kPrivileged ? kFaultPrivilegedInstruction
+                                                                                         : kFaultIllegalInstruction;
     }
     const CrashFilter_t filter = theFilter;
     if (filter != nullptr && filter(fault) != 0) return;

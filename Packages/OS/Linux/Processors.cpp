@@ -1,6 +1,5 @@
 #include "Packages/OS/Processors.h"
 
-#include <cpuid.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -52,11 +51,6 @@ uint32_t os_GetProcessorCount() {
     uint32_t count = 0;
     ForEachProcessor(kActive, [&](int) { return ++count != 0; });
     return count;
-}
-
-bool os_ReadCPUID(uint32_t registers[4]) {
-    __cpuid_count(registers[0], registers[2], registers[0], registers[1], registers[2], registers[3]);
-    return true;
 }
 
 // Linux has no groups: 64 processors count as one.

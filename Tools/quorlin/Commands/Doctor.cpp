@@ -285,7 +285,7 @@ class ClDoctor : public ClCommand {
             if (thing.Is(kForEach) && first != last) title.append("-").append(std::to_string(last));
             if (!finding.detail.empty()) result.append(" (").append(finding.detail).append(")");
             people->Line(0, title.append(": ").append(result));
-            if (!works) people->Line(4, cause.advice);
+            if (!cause.advice.empty()) people->Line(4, cause.advice);
             return;
         }
         Cell_t firstCell, lastCell;

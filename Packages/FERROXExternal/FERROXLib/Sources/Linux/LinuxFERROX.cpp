@@ -53,6 +53,8 @@ static status_t GetVersion(uint32_t* version) {
     return kSuccess;
 }
 
+static bool HasBIOSArea() { return ArchitectureHas(Way_t::kScan); }
+
 const HardwareServices_t kThisHardware = {
     Open,
     Close,
@@ -80,4 +82,5 @@ const HardwareServices_t kThisHardware = {
     os_IsMemory,
     os_ListACPITables,
     os_ReadACPITable,
+    HasBIOSArea,
 };

@@ -1,10 +1,12 @@
 // What the files of the Linux half share. It uses the kernel's own interfaces: sysfs, /dev/mem, ioperm, /dev/cpu/N/msr,
-// and the CPUID instruction. If the kernel refuses, an operation traces why and returns 0.
+// and the CPUID instruction. If the kernel refuses, an operation traces why and returns 0. Each architecture has a
+// folder: what it doesn't have is refused with status 6.
 #pragma once
 
 #include <cstdint>
 
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
+#include "Packages/FERROXExternal/FERROXLib/Obstacles.h"
 #include "Packages/FERROXExternal/FERROXLib/Sources/FERROXInternal.h"
 
 enum class Direction_t { kRead, kWrite };
@@ -13,6 +15,8 @@ enum class Direction_t { kRead, kWrite };
 status_t NeedsOpen();
 // Whether the processor reports a hypervisor. Valid while the library is open.
 bool HasHypervisor();
+
+bool ArchitectureHas(Way_t way);
 
 // Trace that an operation was refused, because of errno or for the given reason, and return 0.
 status_t Refused(const char* function);

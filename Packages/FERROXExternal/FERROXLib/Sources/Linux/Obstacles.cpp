@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -26,12 +27,13 @@
 #include "Packages/OS/Linux/Descriptor.h"
 #include "Packages/OS/Linux/Processors.h"
 #include "Packages/OS/Processors.h"
+#include "Packages/OS/SystemFacts.h"
 
 namespace {
 
 constexpr off_t kTimeStampCounter = 0x10;  // a register that every processor has
 constexpr char kMemoryDevice[] = "/dev/mem";
-constexpr off_t kBIOSArea = 0xF0000, kFirstMegabyte = 0x100000;
+constexpr off_t kBIOSArea = 0xF0000;
 
 std::string Reason(std::string_view what, int error) {
     return std::string(what).append(": ").append(std::strerror(error));
@@ -239,6 +241,14 @@ Finding_t WhyNoMemory(off_t address) {
     return {};
 }
 
+// The first RAM above the first megabyte, which isn't treated as RAM everywhere.
+off_t PlaceOfRAM() {
+    constexpr uint64_t kFirstMegabyte = 0x100000;
+    for (const MemoryArea_t& area : ReadSystemFacts().memoryMap)
+        if (area.end > kFirstMegabyte) return static_cast<off_t>(std::max(kFirstMegabyte, area.begin));
+    return kFirstMegabyte;
+}
+
 // The scan also needs the addresses in the map of memory, which the kernel shows as zeros to processes without rights.
 Finding_t WhyNoScan() {
     Finding_t finding = WhyNoMemory(kBIOSArea);
@@ -317,6 +327,7 @@ Finding_t WhyNoCPUID(int processor) {
 Finding_t FindObstacle(Way_t way, uint32_t processor) {
     const int number = way == Way_t::kMSR || way == Way_t::kCPUID ? SystemProcessor(processor) : 0;
     if (number < 0) return {Obstacle_t::kOther, "it isn't online"};
+    if (!ArchitectureHas(way)) return {Obstacle_t::kArchitecture, ""};
     switch (way) {
         case Way_t::kFirmwareTable: {
             Finding_t finding = WhyNoSMBIOS("DMI");
@@ -326,7 +337,7 @@ Finding_t FindObstacle(Way_t way, uint32_t processor) {
         case Way_t::kACPI: return WhyNoACPI();
         case Way_t::kScan: return WhyNoScan();
         case Way_t::kMemory: return WhyNoMemory(kBIOSArea);
-        case Way_t::kRAM: return WhyNoMemory(kFirstMegabyte);
+        case Way_t::kRAM: return WhyNoMemory(PlaceOfRAM());
         case Way_t::kPCI: return WhyNoPCI();
         case Way_t::kExtendedPCI: return WhyNoExtendedPCI();
         case Way_t::kPorts: return WhyNoPorts();
