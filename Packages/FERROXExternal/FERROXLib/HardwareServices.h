@@ -64,9 +64,10 @@ void EndFailedStart();
 // Why an operation failed with status 0, 5 or 6.
 enum class Refusal_t {
     kOther,
-    kRights,       // the user lacks the rights
-    kNoDriver,     // the driver isn't installed
-    kNotRecorded,  // the machine is a record, which doesn't have it
+    kRights,        // the user lacks the rights
+    kNoDriver,      // the driver isn't installed
+    kNotRecorded,   // the machine is a record, which doesn't have it
+    kArchitecture,  // the machine's architecture doesn't have it
 };
 // The reason of the last failure on this thread. Valid until the next operation.
 Refusal_t LastRefusal();
