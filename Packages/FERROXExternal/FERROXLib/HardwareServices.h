@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/OS/FirmwareTables.h"
 
 // Operations get arguments that the front has checked and return the statuses of FERROXLib.h. An empty slot is an
 // operation that the machine doesn't have: the front returns 6 for it.
@@ -45,6 +46,8 @@ struct HardwareServices_t {
     // As os_ListACPITables and os_ReadACPITable, which fill them in kThisHardware.
     std::vector<uint32_t> (*ListACPITables)();
     bool (*ReadACPITable)(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused);
+    // As os_GetEntryAddresses, which fills it in kThisHardware. An empty slot is a machine that doesn't show them.
+    status_t (*GetEntryAddresses)(EntryAddresses_t* addresses, bool* refused);
 };
 
 // This machine; each system's half defines it.

@@ -593,4 +593,5 @@ const HardwareServices_t kThisHardware = {
     os_IsMemory,
     os_ListACPITables,
     os_ReadACPITable,
+    os_GetEntryAddresses,
 };

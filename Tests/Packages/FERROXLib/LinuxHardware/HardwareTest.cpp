@@ -387,6 +387,36 @@ TEST_F(StandIns, FirmwareTablesComeFromTheKernelsFiles) {
     EXPECT_EQ(Firmware(kSMBIOSProvider, "\0\0\0\0"), "") << "no entry point";
 }
 
+TEST_F(StandIns, EntryAddressesAreThoseOfTheKernelsLines) {
+    EntryAddresses_t addresses = {};
+    bool refused = true;
+    EXPECT_EQ(os_GetEntryAddresses(&addresses, &refused), kFailure) << "no UEFI firmware";
+    EXPECT_FALSE(refused);
+    const struct {
+        const char* lines;
+        uint64_t smbios3, smbios;
+    } kCases[] = {
+        {"ACPI=0x1\nSMBIOS3=0x7f5c0000\nSMBIOS=0xF05b0\n", 0x7F5C0000,         0xF05B0},
+        {"SMBIOS=0x10",                                    0,                  0x10   },
+        {"SMBIOS3=0xffffffffffffffff\n",                   0xFFFFFFFFFFFFFFFF, 0      },
+        {"SMBIOS3=0x10000000000000000\nSMBIOS=0x\n",       0,                  0      },
+        {"SMBIOS3=7\nSMBIOS=-1\nXSMBIOS=0x5\n",            0,                  0      },
+        {"SMBIOS3=0x12 \nSMBIOS=0x0x12\nSMBIOS=0x3\n",     0,                  3      },
+        {"",                                               0,                  0      },
+        {"\n\nSMBIOS",                                     0,                  0      },
+    };
+    for (const auto& c : kCases) {
+        m_firmware->Write("efi/systab", c.lines);
+        ASSERT_EQ(os_GetEntryAddresses(&addresses, &refused), kSuccess) << c.lines;
+        EXPECT_EQ(addresses.smbios3, c.smbios3) << c.lines;
+        EXPECT_EQ(addresses.smbios, c.smbios) << c.lines;
+    }
+    const auto askAsNobody = [&] {
+        return BecomeNobody() && os_GetEntryAddresses(&addresses, &refused) == kFailure && refused ? 0 : 1;
+    };
+    EXPECT_EQ(InChild(askAsNobody), 0) << "a file that only root may read";
+}
+
 TEST_F(StandIns, ACPITablesAreListedOncePerFile) {
     EXPECT_EQ(os_ListACPITables(), std::vector<uint32_t>{});
     for (const char* name : {"SSDT2", "FACP", "SSDT1", "dynamic/SSDT9", "ABC"})
@@ -481,11 +511,11 @@ TEST_F(StandIns, StrictMemoryIsNotLockdown) {
 }
 
 // Scans, and expects an image only of a table that was found.
-ScanEnd_t Scan() {
+MemoryEnd_t Scan() {
     uint8_t entry[kEntryBufferSize] = {}, dmiEntry[kDMIEntryBufferSize] = {};
     SMBIOSTableImage_t* image = nullptr;
-    const ScanEnd_t end = ScanMemory(entry, dmiEntry, &image);
-    EXPECT_EQ(image != nullptr, end == ScanEnd_t::kFound);
+    const MemoryEnd_t end = ScanMemory(entry, dmiEntry, &image);
+    EXPECT_EQ(image != nullptr, end == MemoryEnd_t::kFound);
     os_FreeBlock(image);
     return end;
 }
@@ -498,18 +528,18 @@ TEST_F(StandIns, ScanReadsATableOnlyInMemory) {
     m_dev->Write("mem", memory);
     const ClFolderOver proc("/proc");
     proc.Write("iomem", "000f0000-000fffff : System ROM\n");
-    EXPECT_EQ(Scan(), ScanEnd_t::kFound);
+    EXPECT_EQ(Scan(), MemoryEnd_t::kFound);
     proc.Write("iomem", "000f0000-000fffff : 00:05\n");
-    EXPECT_EQ(Scan(), ScanEnd_t::kElsewhere);
+    EXPECT_EQ(Scan(), MemoryEnd_t::kElsewhere);
     ClBuffer asked(4);
     EXPECT_EQ(GetSystemTables(0xF0000, 0, asked.Get()), kSuccess) << "as the caller asks";
     EXPECT_EQ(Text(asked), "_SM_");
     const auto scanAsNobody = [] {
-        return BecomeNobody() && Scan() == ScanEnd_t::kUnreadable && LastRefusal() == Refusal_t::kRights ? 0 : 1;
+        return BecomeNobody() && Scan() == MemoryEnd_t::kUnreadable && LastRefusal() == Refusal_t::kRights ? 0 : 1;
     };
     EXPECT_EQ(InChild(scanAsNobody), 0) << "rights would help";
     std::filesystem::remove("/dev/mem");
-    EXPECT_EQ(Scan(), ScanEnd_t::kUnreadable);
+    EXPECT_EQ(Scan(), MemoryEnd_t::kUnreadable);
     EXPECT_EQ(LastRefusal(), Refusal_t::kOther) << "no right would help";
 }
 

@@ -80,4 +80,5 @@ const HardwareServices_t kThisHardware = {
     os_IsMemory,
     os_ListACPITables,
     os_ReadACPITable,
+    os_GetEntryAddresses,
 };
