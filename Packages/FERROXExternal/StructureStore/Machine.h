@@ -28,7 +28,8 @@ struct MachineServices_t {
 
 extern "C" {
 // The methods of this machine: the operating system's firmware-table service, the scan of physical memory, and the
-// address that UEFI firmware gave to the system. The last two read only what the system calls memory (os_IsMemory).
+// address that UEFI firmware gave to the system. The last two read a table, and the last one its entry point too, only
+// if the system says that it is in memory (os_IsMemory).
 status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 status_t osGetStructuresDataByAddress(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
