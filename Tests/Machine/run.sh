@@ -118,7 +118,7 @@ guest() {
         ;;
     efi)
         kernel=vmlinuz
-        boot efi q35 "$plain" "" -smp 2 -bios /usr/share/ovmf/OVMF.fd
+        boot efi q35,smbios-entry-point-type=64 "$plain" "" -smp 2 -bios /usr/share/ovmf/OVMF.fd
         ;;
     *)
         echo "unknown job '$1'" >&2
