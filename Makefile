@@ -91,6 +91,15 @@ arm64:
 	@cmake --preset arm64 >/dev/null
 	@cmake --build --preset arm64
 
+# The same tests under an emulator of the processor, and a guest with its kernel and firmware.
+test-arm64:
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(ARM64_PACKAGES) googletest
+	@cmake/arm64-packages.sh build/arm64-packages $(ARM64_LIBRARIES)
+	@cmake --preset arm64 -DQUORLIN_TESTS=ON >/dev/null
+	@cmake --build --preset arm64
+	@cmake/with-arm64.sh Tests/run_tests.py arm64
+	@Tests/Machine/run.sh arm64
+
 # The same tests as Windows programs under Wine, and the tests of the service and its driver.
 test-windows:
 	@$(INSTALL) $(BUILD_PACKAGES) $(WINDOWS_PACKAGES) $(WINE_PACKAGES)

@@ -39,6 +39,8 @@ PRIVATE = {
     r"Packages/OS/Linux/": ["Packages/OS/Linux/", HARDWARE + "/Sources/Linux/"],
     r"Packages/OS/Windows/": ["Packages/OS/Windows/", HARDWARE + "/Sources/WinFERROX.h"],
 }
+# Where sources may ask which architecture they are compiled for.
+ARCHITECTURE = re.compile(r"\b(__x86_64__|__i386__|__aarch64__|__arm__|_M_X64|_M_IX86|_M_ARM64)\b")
 # Where the system's headers may be included, and headers with a file extension that may be included everywhere.
 SYSTEM_FOLDERS = ("Packages/OS/Linux/", "Packages/OS/Windows/", HARDWARE + "/Sources/Linux/")
 PORTABLE = re.compile(r"rapidjson/|(getopt|zlib|stdbool|stddef|stdint)\.h")
@@ -79,6 +81,9 @@ def main():
             problem = include and fault(file, include[2], include[1] == '"')
             if problem:
                 print(f"{file}:{number}: {include[2]}: {problem}")
+                faults += 1
+            if ARCHITECTURE.search(line) and not file.startswith(SYSTEM_FOLDERS):
+                print(f"{file}:{number}: asks for the architecture")
                 faults += 1
     if not files:
         sys.exit("no source files")

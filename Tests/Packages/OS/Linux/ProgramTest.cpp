@@ -282,7 +282,9 @@ TEST(StandardStreams, NonBlockingOutputIsWaitedFor) {
 
 constexpr char kTraceToFile[] =
     "FERROX:OutputType<Fi>;FERROX:FileName<trace>;FERROX:TraceType<Ex>;FERROX:TraceFormatType<No>";
-constexpr char kTrace[] = "\n FERROXInitialize Success\n ReadCPUID";
+constexpr char kTrace[] =
+    "\n FERROXInitialize Success\n GetFERROXLibVersion\n GetFERROXDriverVersion\n GetPCILibVersion\n GetIOLibVersion"
+    "\n GetCPULibVersion";
 
 // Each combination of closed streams: a run fails if it needs one of them, and its files contain only their own bytes.
 TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
@@ -305,14 +307,14 @@ TEST(StandardStreams, ClosedOnesFailAndAreNotReplaced) {
         const char* file;  // that the run writes
         std::string content;
     } kCases[] = {
-        {{"--sample"},                                  2, 1, 0, "none",  ""    },
-        {{"--sample", "--verbose"},                     6, 1, 0, "none",  ""    },
-        {{"hw", "cpuid", "0"},                          2, 1, 0, "none",  ""    },
-        {{"hw", "cpuid", "0", "--trace", kTraceToFile}, 2, 1, 0, "trace", kTrace},
-        {{"dump", "--sample", "dump"},                  0, 1, 0, "dump",  dump  },
-        {{"--image", "/nowhere"},                       4, 1, 1, "none",  ""    },
-        {{"--image-list", "-", "--format", "ndjson"},   1, 1, 0, "none",  ""    },
-        {{"--nonsense"},                                4, 2, 2, "none",  ""    },
+        {{"--sample"},                                2, 1, 0, "none",  ""    },
+        {{"--sample", "--verbose"},                   6, 1, 0, "none",  ""    },
+        {{"hw", "versions"},                          2, 1, 0, "none",  ""    },
+        {{"hw", "versions", "--trace", kTraceToFile}, 2, 1, 0, "trace", kTrace},
+        {{"dump", "--sample", "dump"},                0, 1, 0, "dump",  dump  },
+        {{"--image", "/nowhere"},                     4, 1, 1, "none",  ""    },
+        {{"--image-list", "-", "--format", "ndjson"}, 1, 1, 0, "none",  ""    },
+        {{"--nonsense"},                              4, 2, 2, "none",  ""    },
     };
     for (const auto& c : kCases) {
         std::string output;
