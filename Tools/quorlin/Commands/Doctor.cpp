@@ -94,6 +94,9 @@ Finding_t TryACPI() {
 
 Finding_t TryMemory() {
     constexpr uint64_t kBIOSArea = 0xF0000;
+    // Where that area isn't, nothing is read: it may be a device's.
+    if (Finding_t finding = FindObstacle(Way_t::kMemory, 0); finding.obstacle == Obstacle_t::kArchitecture)
+        return finding;
     Word_t word;
     word.size = 1;
     const status_t status = GetSystemTables(kBIOSArea, 0, word.Buffer());
