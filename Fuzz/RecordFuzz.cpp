@@ -1,7 +1,9 @@
 // The text forms of a record: what a parser takes is written and read again, and must be the same. What it says is held
-// against a table.
-// Input: the form (1 byte), the text; of the description, after a NUL a table.
+// against a table. The tables that describe processors are also read as bytes.
+// Input: the form (1 byte), the text; of the description, after a NUL a table; of the tables of processors, instead of
+// a text, the size of MADT (1 byte), MADT and PPTT without their heads.
 #include "Fuzz/Fuzz.h"
+#include "Packages/Analysis/AcpiProcessors.h"
 #include "Packages/Analysis/Hardware.h"
 #include "Packages/Format/AcpiDat.h"
 #include "Packages/Format/CpuidDump.h"
@@ -37,6 +39,27 @@ static void GoRoundDescription(std::string_view text) {
     Verify(HardwareFactsOf(facts, {}, {}, {}), {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
+static void ReadProcessors(std::span<const uint8_t> bytes) {
+    if (bytes.empty()) return;
+    const size_t size = std::min<size_t>(bytes[0], bytes.size() - 1);
+    std::vector<AcpiTable_t> tables = {
+        {"APIC", std::vector<uint8_t>(kAcpiHead + 8, 2)},
+        {"PPTT", std::vector<uint8_t>(kAcpiHead,     2)}
+    };
+    const auto append = [&tables](size_t table, std::span<const uint8_t> rest) {
+        tables[table].bytes.insert(tables[table].bytes.end(), rest.begin(), rest.end());
+    };
+    append(0, bytes.subspan(1, size));
+    append(1, bytes.subspan(1 + size));
+    const HardwareFacts_t facts = HardwareFactsOf({}, {}, tables, {});
+    Verify(facts);
+    if (!facts.isArm64) return;
+    for (const std::optional<uint64_t> count : {facts.packages, facts.cores})
+        Require(!count || (*count >= 1 && *count <= facts.enabled));
+    for (const HardwareFacts_t::Cache_t& cache : facts.caches)
+        Require(cache.level >= 1 && cache.level <= 8 && cache.size != 0 && cache.count != 0);
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ClInput input(data, size);
     const auto form = input.Take<uint8_t>();
@@ -44,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     MachineFacts_t machine;
     machine.segments = {0};
-    switch (form % 5) {
+    switch (form % 6) {
         case 0: Verify(HardwareFactsOf(machine, {}, GoRound<AcpiTable_t>(text, WriteAcpiDat, ParseAcpiDat), {})); break;
         case 1:
             Verify(HardwareFactsOf(machine, {}, {}, GoRound<PciFunction_t>(text, WritePciDump, ParsePciDump)));
@@ -56,6 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             break;
         }
         case 4: GoRoundDescription(text); break;
+        case 5: ReadProcessors(bytes); break;
         default: GoRound<RecordedMsr_t>(text, WriteMsrDump, ParseMsrDump); break;
     }
     return 0;

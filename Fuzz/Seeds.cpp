@@ -53,6 +53,14 @@ constexpr std::string_view kDescription =
     "\x13\x0F\1\0\0\0\0\0\xFF\xFF\1\0\0\0\1\0\0"
     "\x7F\4\2\0\0"sv;
 
+// Two interfaces of processors, and a package of two cores with a cache each.
+constexpr std::string_view kTwoCores =
+    "\5\x20\x0B\x10\0\0\0\0\0\0\0\0\0\0\1\0\0\0\x0B\x10\0\0\1\0\0\0\1\0\0\0\1\0\0\0"
+    "\1\x18\0\0\x7F\0\0\0\0\0\0\0\0\0\1\0\0\1\0\0\4\0\x40\0"
+    "\0\x14\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
+    "\0\x18\0\0\x0A\0\0\0\x3C\0\0\0\0\0\0\0\1\0\0\0\x24\0\0\0"
+    "\0\x18\0\0\x0A\0\0\0\x3C\0\0\0\1\0\0\0\1\0\0\0\x24\0\0\0"sv;
+
 // An input that revealed a fault gets a row here, named after the fault, so that it doesn't come back.
 const Input_t kSeeds[] = {
     {"Table",      "empty",             ""sv                                                                     },
@@ -84,6 +92,7 @@ const Input_t kSeeds[] = {
     {"Record",     "pci",               kOneFunction                                                             },
     {"Record",     "cpuid",             kOneLeaf                                                                 },
     {"Record",     "machine",           kDescription                                                             },
+    {"Record",     "two-cores",         kTwoCores                                                                },
     {"Record",     "msr",
      "\3"
      "0x0000001b 0 00000000fee00900\n0x0000001b 1 refused\n"sv                                                   },

@@ -2,20 +2,13 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <set>
 #include <tuple>
 
+#include "Packages/Analysis/AcpiProcessors.h"
+#include "Packages/Format/LittleEndian.h"
+
 namespace {
-
-constexpr size_t kAcpiHead = 36;  // of every ACPI table
-
-template <class Number>
-Number Read(std::span<const uint8_t> bytes, size_t offset) {
-    Number number = 0;
-    if (offset + sizeof number <= bytes.size()) std::memcpy(&number, &bytes[offset], sizeof number);
-    return number;
-}
 
 const CpuidLeaf_t* Find(const CpuidLeaves_t& leaves, uint32_t leaf, uint32_t subleaf = 0) {
     const auto found = std::ranges::find_if(
@@ -96,28 +89,10 @@ void AddProcessors(std::span<const CpuidLeaves_t> processors, HardwareFacts_t* f
     }
 }
 
-// The threads that the firmware calls enabled: local APICs. Some firmware has two entries for one.
-std::optional<uint64_t> EnabledIn(std::span<const uint8_t> madt) {
-    constexpr size_t kEntries = kAcpiHead + 8;
-    constexpr uint8_t kLocalApic = 0, kLocalX2Apic = 9;
-    std::set<uint32_t> enabled;
-    bool hasEntries = false;
-    for (size_t place = kEntries; place + 2 <= madt.size() && madt[place + 1] >= 2; place += madt[place + 1]) {
-        const bool isX2 = madt[place] == kLocalX2Apic;
-        if (!isX2 && madt[place] != kLocalApic) continue;
-        hasEntries = true;
-        const uint32_t flags = Read<uint32_t>(madt, place + (isX2 ? 8 : 4));
-        const uint32_t id = isX2 ? Read<uint32_t>(madt, place + 4) : Read<uint8_t>(madt, place + 3);
-        if ((flags & 1) != 0) enabled.insert(id);
-    }
-    return hasEntries ? std::optional<uint64_t>(enabled.size()) : std::nullopt;
-}
-
 // Tables that were left out say nothing by their absence.
 void AddTables(std::span<const AcpiTable_t> tables, const std::vector<std::string>& leftOut, HardwareFacts_t* facts) {
     if (tables.empty()) return;
     constexpr size_t kRevision = 24, kSpmiSize = 52 + 8;
-    if (const AcpiTable_t* madt = Find(tables, "APIC")) facts->enabled = EnabledIn(madt->bytes);
     const auto isLeftOut = [&leftOut](const char* name) { return std::ranges::find(leftOut, name) != leftOut.end(); };
     if (Find(tables, "TPM2") != nullptr)
         facts->tpm = 2;
@@ -127,12 +102,12 @@ void AddTables(std::span<const AcpiTable_t> tables, const std::vector<std::strin
         facts->tpm = 0;
     if (const AcpiTable_t* spmi = Find(tables, "SPMI"); spmi != nullptr && spmi->bytes.size() >= kSpmiSize) {
         const uint8_t interface = spmi->bytes[36];
-        if (const auto address = Read<uint64_t>(spmi->bytes, 52); interface != 0 && address != 0)
+        if (const auto address = NumberAt<uint64_t>(spmi->bytes, 52); interface != 0 && address != 0)
             facts->ipmi = {interface, address};
     }
     for (const char* name : {"FACP", "DSDT"})
         if (const AcpiTable_t* table = Find(tables, name); table != nullptr && table->bytes.size() >= kAcpiHead)
-            if (const auto revision = Read<uint32_t>(table->bytes, kRevision); revision != 0)
+            if (const auto revision = NumberAt<uint32_t>(table->bytes, kRevision); revision != 0)
                 facts->revisions.push_back(revision);
 }
 
@@ -140,9 +115,9 @@ void AddTables(std::span<const AcpiTable_t> tables, const std::vector<std::strin
 uint8_t LinkWidthOf(std::span<const uint8_t> bytes) {
     constexpr size_t kFirstPointer = 0x34, kLinkStatus = 0x12, kMost = 48;
     constexpr uint8_t kPciExpress = 0x10;
-    size_t place = Read<uint8_t>(bytes, kFirstPointer) & 0xFC;
+    size_t place = NumberAt<uint8_t>(bytes, kFirstPointer) & 0xFC;
     for (size_t count = 0; count < kMost && place >= 0x40 && place + kLinkStatus + 2 <= bytes.size(); count++) {
-        if (bytes[place] == kPciExpress) return Read<uint16_t>(bytes, place + kLinkStatus) >> 4 & 0x3F;
+        if (bytes[place] == kPciExpress) return NumberAt<uint16_t>(bytes, place + kLinkStatus) >> 4 & 0x3F;
         place = bytes[place + 1] & 0xFC;
     }
     return 0;
@@ -153,6 +128,28 @@ std::string WhyUnread(const MachineFacts_t& machine, std::string_view what) {
     for (const Unread_t& each : machine.unread)
         if (each.what.starts_with(what)) return each.why;
     return {};
+}
+
+// MIDR identifies the processors of ARM64, and the ACPI table PPTT has their places and caches. The system takes its
+// counts of packages and cores from there too, and guesses them without the table, so its own aren't used.
+void AddArm64(const MachineFacts_t& machine, std::span<const AcpiTable_t> tables, const std::set<uint32_t>& enabled,
+              HardwareFacts_t* facts) {
+    constexpr size_t kHypervisor = 268;  // its vendor, in FADT
+    facts->isArm64 = true;
+    for (const uint32_t midr : machine.known.midrs) facts->identities.push_back({midr, 0});
+    facts->whyNoProcessors = "this architecture has no CPUID";
+    const AcpiTable_t* const pptt = Find(tables, "PPTT");
+    ProcessorTree_t tree = pptt == nullptr ? ProcessorTree_t() : ReadPptt(pptt->bytes, enabled);
+    facts->packages = tree.packages;
+    facts->cores = tree.cores;
+    facts->caches = std::move(tree.caches);
+    facts->whyNoCounts = pptt != nullptr  ? "PPTT doesn't tell it clearly"
+                         : tables.empty() ? facts->whyNoTables
+                                          : WhyUnread(machine, "ACPI table PPTT");
+    if (facts->whyNoCounts.empty()) facts->whyNoCounts = "the machine has no PPTT";
+    facts->whyNoCaches = facts->whyNoCounts;
+    if (const AcpiTable_t* fadt = Find(tables, "FACP"))
+        facts->isVirtual = NumberAt<uint64_t>(fadt->bytes, kHypervisor) != 0;
 }
 
 }  // namespace
@@ -178,6 +175,15 @@ HardwareFacts_t HardwareFactsOf(const MachineFacts_t& machine, std::span<const C
         facts.maxSpeed = known.maxSpeed;
     }
     AddTables(tables, machine.leftOut, &facts);
+    facts.whyNoProcessors = facts.whyNoCaches = WhyUnread(machine, "CPUID");
+    if (tables.empty()) {
+        facts.whyNoTables = WhyUnread(machine, "ACPI");
+        if (facts.whyNoTables.empty()) facts.whyNoTables = "the system gives no ACPI tables";
+    }
+    const AcpiTable_t* const madt = Find(tables, "APIC");
+    const EnabledProcessors_t enabled = madt == nullptr ? EnabledProcessors_t() : ReadMadt(madt->bytes);
+    if (enabled.areListed) facts.enabled = enabled.ids.size();
+    if (processors.empty() && (enabled.isArm64 || known.IsArm64())) AddArm64(machine, tables, enabled.ids, &facts);
     if (known.tpm) facts.tpm = known.tpm;
     facts.memory = known.usableMemory;
     facts.memoryMap = known.memoryMap;
@@ -191,10 +197,8 @@ HardwareFacts_t HardwareFactsOf(const MachineFacts_t& machine, std::span<const C
     for (const PciFunction_t& each : functions)
         facts.functions.push_back({each.location >> 16, static_cast<uint8_t>(each.location),
                                    static_cast<uint8_t>(each.location >> 8 & 31),
-                                   static_cast<uint8_t>(each.location >> 13 & 7), Read<uint32_t>(each.bytes, 8) >> 8,
-                                   LinkWidthOf(each.bytes)});
-    facts.whyNoProcessors = WhyUnread(machine, "CPUID");
-    if (tables.empty()) facts.whyNoTables = WhyUnread(machine, "ACPI");
+                                   static_cast<uint8_t>(each.location >> 13 & 7),
+                                   NumberAt<uint32_t>(each.bytes, 8) >> 8, LinkWidthOf(each.bytes)});
     facts.whyNoMap = WhyUnread(machine, "memory map");
     facts.whyNoFunctions = WhyUnread(machine, "PCI");
     if (facts.whyNoFunctions.empty()) facts.whyNoFunctions = WhyUnread(machine, "hardware");

@@ -266,10 +266,28 @@ class ClVerify {
         const Value_t* id = m_values.Find("processor_id");
         if (id == nullptr || id->state != FactState_t::kValue || id->size != 8) return;
         const auto signature = static_cast<uint32_t>(id->number), features = static_cast<uint32_t>(id->number >> 32);
+        if (m_hardware.isArm64) return VerifyMidr(id->key, signature, features);
         VerifyIdentity(VerifyRule_t::kSignature, id->key, signature, &HardwareFacts_t::Identity_t::signature, 0, false);
         // A hypervisor hides some, also from the system that runs it.
         VerifyIdentity(VerifyRule_t::kFeatures, id->key, features, &HardwareFacts_t::Identity_t::features, kSettings,
                        m_hardware.isVirtual);
+    }
+
+    // On ARM64 it is MIDR or the SoC's own number, with a bit for the latter, which older firmware lacks.
+    void VerifyMidr(std::string_view key, uint32_t signature, uint32_t features) {
+        constexpr VerifyRule_t kRule = VerifyRule_t::kSignature;
+        constexpr uint32_t kArchitecture = 0xFu << 16;  // a field of MIDR, all ones in 64-bit processors
+        constexpr uint64_t kHasSocId = 1u << 9;
+        const Value_t* bits = m_values.Find("processor_characteristics");
+        if (bits != nullptr && (bits->number & kHasSocId) != 0)
+            return CantTell(kRule, key, CodeText(signature), "it is the SoC's own number");
+        if (signature != 0 && (signature & kArchitecture) != kArchitecture)
+            CantTell(kRule, key, CodeText(signature), "it isn't MIDR");
+        else if (signature != 0 && m_hardware.identities.empty())
+            CantTell(kRule, key, CodeText(signature), "the system doesn't show MIDR");
+        else
+            VerifyIdentity(kRule, key, signature, &HardwareFacts_t::Identity_t::signature, 0, m_hardware.isVirtual);
+        if (features != 0) CantTell(VerifyRule_t::kFeatures, key, CodeText(features), m_hardware.whyNoProcessors);
     }
 
     // Bits of `free` may differ. Zero is no claim.
@@ -347,12 +365,12 @@ class ClVerify {
         const auto is = [](std::optional<uint64_t> hardware, uint64_t claim) { return hardware == claim; };
         const HardwareFacts_t& real = m_hardware;
         VerifyCount(VerifyRule_t::kSockets, std::to_string(m_sockets), real.packages, is(real.packages, m_sockets),
-                    excuse, {});
+                    excuse, real.whyNoCounts);
         if (!m_knowsCores) return;
         std::string cores = std::to_string(m_cores);
         if (m_coresEnabled != m_cores) cores.append(", ").append(std::to_string(m_coresEnabled)).append(" enabled");
         VerifyCount(VerifyRule_t::kCores, cores, real.cores, is(real.cores, m_cores) || is(real.cores, m_coresEnabled),
-                    excuse, {});
+                    excuse, real.whyNoCounts);
         if (!m_knowsThreads) return;
         // Some firmware counts the threads that a processor has, whatever the settings.
         const uint64_t threads = real.threads.value_or(0), enabled = real.enabled.value_or(0);
@@ -387,7 +405,7 @@ class ClVerify {
     // without.
     void VerifyCaches(uint64_t level, const Level_t& claim) {
         const std::string text = "level " + std::to_string(level) + ": " + SizeText(claim.all);
-        if (m_hardware.caches.empty()) return CantTell(VerifyRule_t::kCacheSize, {}, text, m_hardware.whyNoProcessors);
+        if (m_hardware.caches.empty()) return CantTell(VerifyRule_t::kCacheSize, {}, text, m_hardware.whyNoCaches);
         Level_t all, one;
         for (const HardwareFacts_t::Cache_t& cache : m_hardware.caches) {
             if (cache.level != level) continue;
@@ -407,7 +425,8 @@ class ClVerify {
         const std::string real = SizeText(all.all) + " in all, " + SizeText(one.largest) + " in one";
         const bool isNear = claim.largest > one.largest / kLiberty && claim.largest < all.all * kLiberty;
         if (all.all == 0)  // CPUID doesn't list caches at the memory
-            CantTell(VerifyRule_t::kCacheSize, {}, text, "CPUID has none of this level");
+            CantTell(VerifyRule_t::kCacheSize, {}, text,
+                     m_hardware.isArm64 ? m_hardware.whyNoCaches : "CPUID has none of this level");
         else if (!agrees && (!UsesAll() || m_coresEnabled != m_cores))
             CantTell(VerifyRule_t::kCacheSize, {}, text, real + ", but not all processors are in use");
         else if (!agrees && m_hardware.isVirtual && isNear)

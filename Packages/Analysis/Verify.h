@@ -14,6 +14,7 @@
 
 // What the hardware says. What couldn't be read is absent, so that nothing is held against it.
 struct HardwareFacts_t {
+    // CPUID leaf 1, EAX and EDX. On ARM64, MIDR and 0.
     struct Identity_t {
         uint32_t signature, features;
         bool operator==(const Identity_t&) const = default;
@@ -37,6 +38,7 @@ struct HardwareFacts_t {
     };
 
     bool isVirtual = false;  // a hypervisor's liberties, such as its sockets, are no faults
+    bool isArm64 = false;    // without CPUID
     std::string vendor;      // of the processor, such as "GenuineIntel"
     std::vector<Identity_t> identities;
     std::optional<uint64_t> packages, cores, threads;
@@ -54,7 +56,7 @@ struct HardwareFacts_t {
     std::vector<uint32_t> revisions;            // of the firmware's ACPI tables
     std::vector<std::string> networkAddresses;  // 12 digits in lower case each
     // Why there is nothing of these sources.
-    std::string whyNoProcessors, whyNoTables, whyNoFunctions, whyNoMap;
+    std::string whyNoProcessors, whyNoCounts, whyNoCaches, whyNoTables, whyNoFunctions, whyNoMap;
 };
 
 enum class VerifyRule_t : uint8_t {

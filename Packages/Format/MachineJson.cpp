@@ -234,9 +234,10 @@ bool IsSha256(std::string_view text) {
     return text.size() == 64 && text.find_first_not_of("0123456789abcdef") == text.npos;
 }
 
-// Returns false if an item isn't a range of addresses, or not a resource.
+// Returns false if an item isn't a register's value, a range of addresses or a resource.
 bool ReadKnown(const ClJsonReader& json, SystemFacts_t* known) {
     for (const Known_t& each : kKnown) known->*each.member = json.Number(each.name);
+    if (!ReadNumbers(json, "midr", &known->midrs)) return false;
     for (size_t index = 0; json.IsThere(At("memory_map", index, ".begin")); index++) {
         const auto begin = json.Number(At("memory_map", index, ".begin")),
                    end = json.Number(At("memory_map", index, ".end"));
@@ -308,6 +309,7 @@ std::string WriteMachineJson(const MachineFacts_t& facts) {
     add("processors", NumberOrNull(facts.processors));
     add("memory", NumberOrNull(facts.memory));
     for (const Known_t& each : kKnown) add(each.name, NumberOrNull(facts.known.*each.member));
+    add("midr", ListOf(facts.known.midrs, "", number));
     add("memory_map", ListOf(facts.known.memoryMap, kItem, area));
     add("firmware_resources", ListOf(facts.known.resources, kItem, resource));
     add("network_addresses", ListOf(facts.known.networkAddresses, "", Quoted));

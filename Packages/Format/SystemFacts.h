@@ -25,8 +25,10 @@ struct SystemFacts_t {
     std::optional<uint64_t> baseSpeed, maxSpeed;       // of processor 0, in MHz
     std::optional<uint64_t> tpm;                       // major version; 0 if there is none
     std::optional<uint64_t> usableMemory;              // in bytes
+    std::vector<uint32_t> midrs;                       // MIDR of the processors of ARM64, each value once
     std::vector<MemoryArea_t> memoryMap;               // of memory, in rising order
     std::vector<FirmwareResource_t> resources;
     std::vector<std::string> networkAddresses;  // that were built in, 12 digits in lower case each
     bool operator==(const SystemFacts_t&) const = default;
+    bool IsArm64() const { return !midrs.empty(); }
 };

@@ -157,6 +157,7 @@ class ClRecorder {
     }
 
     void ReadProcessors() {
+        if (m_record.facts.known.IsArm64()) return;  // ARM64 has none
         const uint64_t count = m_record.facts.processors.value_or(0);
         for (uint32_t processor = 0; processor < std::min<uint64_t>(count, kMostProcessors); processor++) {
             m_options.progress(std::string("CPUID of processor ") + std::to_string(processor));
@@ -246,7 +247,8 @@ class ClRecorder {
         std::ranges::sort(segments);
         segments.erase(std::unique(segments.begin(), segments.end()), segments.end());
         // Under a hypervisor, and without a map, the library refuses extended space.
-        m_readsExtended = hasMap && !m_record.processors.empty() && !HasHypervisor(m_record.processors[0]);
+        m_readsExtended = hasMap && (m_record.processors.empty() ? m_record.facts.known.IsArm64()
+                                                                 : !HasHypervisor(m_record.processors[0]));
         m_record.facts.hasExtendedSpace = true;
         for (const uint32_t segment : segments)
             if (ReadSegment(segment)) m_record.facts.segments.push_back(segment);

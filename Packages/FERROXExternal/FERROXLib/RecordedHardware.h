@@ -26,5 +26,5 @@ struct RecordedHardware_t {
 // tables, and the reason kNotRecorded. Writes, memory and ports are never recorded. The library must be closed.
 void UseRecordedHardware(const RecordedHardware_t& recorded);
 
-// CPUID as `recorded` has it, with the status of ReadCPUID, or 6 if it wasn't recorded.
+// CPUID as `recorded` has it, with the status of ReadCPUID, or 6 if it wasn't recorded or the machine has none.
 status_t ReadRecordedCPUID(const RecordedHardware_t& recorded, uint32_t processor, CPUIDRecord_t* record);

@@ -62,7 +62,10 @@ status_t GetRecordedTable(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t*
 }
 
 status_t ReadRecordCPUID(uint32_t processor, CPUIDRecord_t* record) {
-    return ReadRecordedCPUID(machineRecord->hardware, processor, record);
+    const RecordedHardware_t& hardware = machineRecord->hardware;
+    if (record == nullptr || !hardware.facts.known.IsArm64()) return ReadRecordedCPUID(hardware, processor, record);
+    *record = {};  // a processor without CPUID has the signature 0
+    return kSuccess;
 }
 
 constexpr MachineServices_t kThisMachine = {

@@ -59,6 +59,17 @@ void AddProcessors(SystemFacts_t* facts) {
     facts->cores = cores.size();
 }
 
+// The kernel shows the registers of processors that are online, on ARM64 only.
+void AddMidrs(SystemFacts_t* facts) {
+    ForEachProcessor(PROCESSORS "online", [facts](int processor) {
+        const auto midr = ReadNumber(PROCESSORS "cpu" + std::to_string(processor) + "/regs/identification/midr_el1");
+        if (!midr || *midr > UINT32_MAX) return false;
+        const auto value = static_cast<uint32_t>(*midr);
+        if (std::ranges::find(facts->midrs, value) == facts->midrs.end()) facts->midrs.push_back(value);
+        return true;
+    });
+}
+
 // The kernel's driver for frequencies knows them. Without one, the kernel shows the base speed or the one of now.
 void AddSpeeds(SystemFacts_t* facts) {
     constexpr uint64_t kPerMHz = 1000;
@@ -137,6 +148,7 @@ void AddNetworkAddresses(SystemFacts_t* facts) {
 SystemFacts_t ReadSystemFacts() {
     SystemFacts_t facts;
     AddProcessors(&facts);
+    AddMidrs(&facts);
     AddSpeeds(&facts);
     if (const long pages = sysconf(_SC_PHYS_PAGES), size = sysconf(_SC_PAGESIZE); pages > 0 && size > 0)
         facts.usableMemory = static_cast<uint64_t>(pages) * static_cast<uint64_t>(size);

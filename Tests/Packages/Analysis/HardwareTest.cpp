@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+#include "Tests/Support/AcpiTables.h"
+
 namespace {
 
 // Processors of two packages, each with two cores and two threads a core. Each core has its own caches of the first
@@ -105,6 +107,49 @@ TEST(Hardware, TablesSayWhatTheFirmwareGives) {
     // No list is no proof that there is no TPM.
     EXPECT_EQ(HardwareFactsOf({}, {}, {}, {}).tpm, std::nullopt);
     EXPECT_EQ(HardwareFactsOf({}, {}, std::vector{Table("FACP", 244)}, {}).tpm, 0u);
+}
+
+// What the system counts is a guess without PPTT.
+TEST(Hardware, Arm64IsKnownByMidrAndAcpi) {
+    MachineFacts_t machine;
+    machine.known.midrs = {0x410FD0C1, 0x410FD050};
+    machine.known.packages = machine.known.cores = 9;
+    machine.known.threads = 2;
+    HardwareFacts_t facts = HardwareFactsOf(machine, {}, {}, {});
+    EXPECT_TRUE(facts.isArm64);
+    ASSERT_EQ(facts.identities.size(), 2u);
+    EXPECT_EQ(facts.identities[1].signature, 0x410FD050u);
+    EXPECT_FALSE(facts.packages || facts.cores || facts.isVirtual);
+    EXPECT_EQ(facts.threads, 2u);
+    EXPECT_EQ(facts.whyNoProcessors, "this architecture has no CPUID");
+    EXPECT_EQ(facts.whyNoCounts, "the system gives no ACPI tables");
+    EXPECT_EQ(facts.whyNoCaches, facts.whyNoCounts);
+
+    ClTree tree;
+    const uint32_t cache = tree.Cache(65536, ClTree::kData), package = tree.Node(ClTree::kPackage, 0, 0);
+    for (uint32_t id = 0; id < 3; id++) tree.Core(package, id, {cache});
+    std::vector<AcpiTable_t> tables = {
+        {"APIC", MadtOf({{0, 1}, {1, 1}, {2, 0}})},
+        Table("FACP", 276)
+    };
+    facts = HardwareFactsOf(machine, {}, tables, {});
+    EXPECT_EQ(facts.enabled, 2u);
+    EXPECT_EQ(facts.whyNoCounts, "the machine has no PPTT");
+    machine.unread = {
+        {"ACPI table PPTT", "why"}
+    };
+    EXPECT_EQ(HardwareFactsOf(machine, {}, tables, {}).whyNoCounts, "why");
+    tables.push_back({"PPTT", tree.Bytes()});
+    Put(tables[1], 268, {'Q'});
+    facts = HardwareFactsOf(machine, {}, tables, {});
+    EXPECT_EQ(facts.packages, 1u);
+    EXPECT_EQ(facts.cores, 2u);
+    ASSERT_EQ(facts.caches.size(), 1u);
+    EXPECT_EQ(facts.caches[0].count, 2u);
+    EXPECT_TRUE(facts.isVirtual);
+    // Where the system doesn't show MIDR, the firmware's interfaces tell the architecture.
+    EXPECT_TRUE(HardwareFactsOf({}, {}, tables, {}).isArm64);
+    EXPECT_FALSE(HardwareFactsOf({}, TwoPackages(), tables, {}).isArm64) << "with CPUID";
 }
 
 TEST(Hardware, FunctionsHaveTheirLinks) {

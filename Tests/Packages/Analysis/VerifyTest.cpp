@@ -231,6 +231,60 @@ TEST(Verify, HonestMachinesDiffer) {
            [](Structures_t&, HardwareFacts_t& machine) { machine.functions[1].classCode = 0x060400; });
 }
 
+// Without CPUID, MIDR takes the signature's place.
+TEST(Verify, Arm64HasMidr) {
+    constexpr uint32_t kMidr = 0x410FD0C1;
+    const auto expect = [](const char* what, const char* rules, Verdict_t verdict, const auto& change) {
+        Structures_t all = Claims();
+        all.at(4).Qword(8, kMidr).Byte(6, 0xFE).Word(0x28, 0x0101);
+        HardwareFacts_t machine = Machine();
+        machine.isArm64 = true;
+        machine.vendor.clear();
+        machine.identities = {
+            {0x410FD050, 0},
+            {kMidr,      0}
+        };
+        machine.whyNoProcessors = "A";
+        machine.whyNoCounts = machine.whyNoCaches = "B";
+        change(all, machine);
+        EXPECT_EQ(Rules(BytesOf(all), machine, Verdict_t::kContradicts),
+                  verdict == Verdict_t::kContradicts ? rules : "")
+            << what;
+        EXPECT_EQ(Rules(BytesOf(all), machine, Verdict_t::kCantTell), verdict == Verdict_t::kCantTell ? rules : "")
+            << what;
+        return Rules(BytesOf(all), machine, Verdict_t::kAgrees);
+    };
+    constexpr Verdict_t kNone = Verdict_t::kAgrees;
+    EXPECT_EQ(expect("the truth", "", kNone, [](Structures_t&, HardwareFacts_t&) {}),
+              "QV0501 QV0505 QV0504 QV0101 QV0108 QV0109 QV0401 QV0402 QV0302 QV0503 QV0403 QV0404 QV0502 QV0506 "
+              "QV0104 QV0105 QV0106 QV0107 QV0201 QV0301");
+    expect("another processor", "QV0101", Verdict_t::kContradicts,
+           [](Structures_t& all, HardwareFacts_t&) { all.at(4).Dword(8, 0x413FD0C1); });
+    expect("another processor of a hypervisor's", "QV0101", Verdict_t::kCantTell,
+           [](Structures_t& all, HardwareFacts_t& machine) {
+               all.at(4).Dword(8, 0x413FD0C1);
+               machine.isVirtual = true;
+           });
+    expect("the SoC's number and revision", "QV0101", Verdict_t::kCantTell, [](Structures_t& all, HardwareFacts_t&) {
+        all.at(4).Dword(8, 0x043B0A16).Dword(12, 2).Word(0x26, 1u << 9);
+    });
+    expect("the SoC's number without its bit", "QV0101", Verdict_t::kCantTell,
+           [](Structures_t& all, HardwareFacts_t&) { all.at(4).Dword(8, 0x0A160001); });
+    expect("an x86 table", "QV0101 QV0102 QV0103", Verdict_t::kCantTell, [](Structures_t& all, HardwareFacts_t&) {
+        all.at(4).Dword(8, 0x000406E3).Dword(12, 0x178BFBFF).Byte(6, 0xB3);
+    });
+    expect("no MIDR", "QV0101", Verdict_t::kCantTell,
+           [](Structures_t&, HardwareFacts_t& machine) { machine.identities.clear(); });
+    expect("no PPTT, and no speeds", "QV0108 QV0109 QV0104 QV0105 QV0201", Verdict_t::kCantTell,
+           [](Structures_t&, HardwareFacts_t& machine) {
+               machine.packages = machine.cores = machine.baseSpeed = machine.maxSpeed = std::nullopt;
+               machine.caches.clear();
+           });
+    expect("another level of caches", "QV0201", Verdict_t::kCantTell,
+           [](Structures_t&, HardwareFacts_t& machine) { machine.caches[0].level = machine.caches[1].level = 2; });
+    expect("no identification", "", kNone, [](Structures_t& all, HardwareFacts_t&) { all.at(4).Qword(8, 0); });
+}
+
 // Memory of other arrays isn't the system's, wherever they are in the table, and persistent memory is none.
 TEST(Verify, OnlySystemMemoryCounts) {
     const std::vector<ClStructureBuilder> kStructures = {

@@ -12,6 +12,21 @@ TEST(MachineJson, ComesBackAsItWas) {
     again.host = std::string("another");
     EXPECT_EQ(ParseMachineJson(WriteMachineJson(facts), &again), "");
     EXPECT_EQ(again, facts) << "of nothing";
+    uint64_t number = 0;
+    SystemFacts_t known;
+    for (auto* const each :
+         {&known.packages, &known.cores, &known.threads, &known.baseSpeed, &known.maxSpeed, &known.usableMemory})
+        *each = ++number;
+    known.tpm = 0;
+    known.midrs = {0x410FD0C1, UINT32_MAX};
+    known.memoryMap = {
+        {0,        0         },
+        {0x100000, UINT64_MAX}
+    };
+    known.resources = {
+        {"0f2a3c44-0000-4000-8000-0102030405ab", 1, UINT32_MAX}
+    };
+    known.networkAddresses = {"021dc3884ef1", "x"};
     facts = {
         .isRedacted = true,
         .system = "a\"b\\c\n\x7F \xC3\xA9",
@@ -20,22 +35,13 @@ TEST(MachineJson, ComesBackAsItWas) {
         .firmware = "UEFI",
         .processors = 0,
         .memory = UINT64_MAX,
-        .known = {.packages = 1,
-                  .cores = 2,
-                  .threads = 4,
-                  .baseSpeed = 5,
-                  .maxSpeed = 6,
-                  .tpm = 0,
-                  .usableMemory = 7,
-                  .memoryMap = {{0, 0}, {0x100000, UINT64_MAX}},
-                  .resources = {{"0f2a3c44-0000-4000-8000-0102030405ab", 1, UINT32_MAX}},
-                  .networkAddresses = {"021dc3884ef1", "x"}},
-        .versions = {1,                            UINT32_MAX                                },
-        .segments = {0,                         0xFFFF},
+        .known = known,
+        .versions = {1,                 UINT32_MAX       },
+        .segments = {0,                 0xFFFF           },
         .hasExtendedSpace = true,
-        .leftOut = {"MSDM", "a\"b\\"  },
-        .files = {{"dmi.bin", hash},    {"msr.txt", hash}},
-        .unread = {{"x", "y"},           {"z", ""}            }
+        .leftOut = {"MSDM",            "a\"b\\"         },
+        .files = {{"dmi.bin", hash}, {"msr.txt", hash}},
+        .unread = {{"x", "y"},        {"z", ""}        }
     };
     EXPECT_EQ(ParseMachineJson(WriteMachineJson(facts), &again), "");
     EXPECT_EQ(again, facts);
@@ -95,6 +101,7 @@ TEST(MachineJson, RefusesWhatIsNone) {
               "a file t");
     EXPECT_EQ(Problem(With(R"(, "pci_segments": ["0"]})")), "a number");
     EXPECT_EQ(Problem(With(R"(, "pci_segments": [4294967296]})")), "a number");
+    EXPECT_EQ(Problem(With(R"(, "midr": [1, 4294967296]})")), "a number");
     EXPECT_EQ(Problem(With(R"(, "memory_map": [{"begin": 2, "end": 1}]})")), "a number");
     EXPECT_EQ(Problem(With(R"(, "firmware_resources": [{"id": "x", "type": 1, "version": -1}]})")), "a number");
     EXPECT_EQ(Problem(std::string(2u << 20, ' ')), "larger t");

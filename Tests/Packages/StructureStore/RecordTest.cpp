@@ -122,6 +122,25 @@ TEST_F(Replay, RefusesWhatIsNeverRecorded) {
     }
 }
 
+// The package sees a processor of signature 0, and whoever asks for CPUID or a register learns that there is none.
+TEST_F(Replay, Arm64HasNoCpuid) {
+    TestRecord_t record;
+    record.hardware.facts.known.midrs = {0x410FD0C1};
+    record.hardware.processors.clear();
+    record.hardware.registers.clear();
+    Use(record);
+    CPUIDRecord_t cpuid = {0, 1, 2, 3, 4};
+    EXPECT_EQ(ReadCPUID(kAnyProcessor, &cpuid), kNotSupported);
+    EXPECT_EQ(LastRefusal(), Refusal_t::kArchitecture);
+    MSRRecord_t msr = {0, 0, 0x1B, 0, 0};
+    NoteRefusal(Refusal_t::kOther);
+    EXPECT_EQ(ReadMSR(&msr), kNotSupported);
+    EXPECT_EQ(LastRefusal(), Refusal_t::kArchitecture);
+    EXPECT_EQ(CurrentMachine()->ReadCPUID(kAnyProcessor, &cpuid), kSuccess);
+    EXPECT_EQ(cpuid.Eax | cpuid.Ebx | cpuid.Ecx | cpuid.Edx, 0u);
+    EXPECT_EQ(CurrentMachine()->ReadCPUID(kAnyProcessor, nullptr), kNullPointer);
+}
+
 // An MCFG table of one segment, and a function of 256 bytes: its extended space reads as ones if the recording says so.
 TEST_F(Replay, ExtendedSpaceIsAsItWas) {
     TestRecord_t record;
@@ -147,6 +166,11 @@ TEST_F(Replay, ExtendedSpaceIsAsItWas) {
     ClBuffer buffer(4);
     EXPECT_EQ(PCIExRead(0x400, 256, buffer.Get()), kBadValue);
     EXPECT_EQ(PCIExRead(0x400, 252, buffer.Get()), kSuccess);
+    TearDown();
+    record.hardware.processors.clear();  // of ARM64
+    record.hardware.facts.known.midrs = {0x410FD0C1};
+    Use(record);
+    EXPECT_EQ(PCIExRead(0x400, 4092, buffer.Get()), kSuccess);
 }
 
 TEST(Record, BadFoldersAreRefusedInOneLine) {

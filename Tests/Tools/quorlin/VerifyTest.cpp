@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
+#include <filesystem>
 #include <sstream>
 
+#include "Tests/Support/AcpiTables.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/Records.h"
 #include "Tests/Support/Structures.h"
@@ -149,6 +151,44 @@ TEST(Verify, WhatWasNotRecordedCantTell) {
     for (const char* rule : {"QV0104", "QV0301", "QV0501"}) EXPECT_EQ(reasonOf(rule), "    not available") << rule;
     // The record alone has no table without CPUID.
     EXPECT_EQ(RunQuorlin("verify --replay " + testing::TempDir() + "record-poor").exitCode, 2);
+}
+
+// A record of an ARM64 machine answers anywhere, though it has no CPUID.
+TEST(Verify, Arm64MachinesAreReplayed) {
+    constexpr uint32_t kMidr = 0x410FD0C1;
+    TestRecord_t record = HonestMachine();
+    record.table = TableWith(Processor().Dword(8, kMidr).Dword(12, 0).Byte(6, 2));
+    record.hardware.processors.clear();
+    record.hardware.registers.clear();
+    record.hardware.facts.known.midrs = {kMidr};
+    record.hardware.facts.leftOut.clear();
+    record.hardware.facts.unread.clear();
+    ClTree tree;
+    const uint32_t package = tree.Node(ClTree::kPackage, 0, 0);
+    for (uint32_t id = 0; id < 2; id++) tree.Core(package, id, {tree.Cache(32768, ClTree::kData)});
+    std::vector<AcpiTable_t>& tables = record.hardware.tables;
+    tables.back().bytes = MadtOf({
+        {0, 1},
+        {1, 1}
+    });
+    tables.push_back({"PPTT", tree.Bytes()});
+    const std::string folder = WriteRecord("arm64", record), command = "verify --format csv --replay ";
+    const ProgramRun_t run = RunQuorlin(command + folder);
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    const std::string verdicts = FromRows(run.output);
+    for (const char* rule : {"QV0101", "QV0104", "QV0105", "QV0106", "QV0107", "QV0201"})
+        EXPECT_EQ(Count(verdicts, std::string(rule).append(" agrees\n")), 1u) << run.output;
+    EXPECT_EQ(RunQuorlin("--replay " + folder).exitCode, 0) << "signature 0";
+    const ProgramRun_t cpuid = RunQuorlin("hw cpuid 0 --replay " + folder);
+    EXPECT_NE(cpuid.exitCode, 0);
+    EXPECT_EQ(Count(cpuid.errors, "\n"), 1u) << cpuid.errors;
+    // A copy of the record has all that it had, and misses nothing.
+    const std::string copy = testing::TempDir() + "record-arm64-copy";
+    std::filesystem::remove_all(copy);
+    const ProgramRun_t recording = RunQuorlin("record " + copy + " --redact --replay " + folder);
+    EXPECT_EQ(recording.exitCode, 0);
+    EXPECT_EQ(recording.errors, "");
+    EXPECT_EQ(RunQuorlin(command + copy).output, run.output);
 }
 
 TEST(Verify, AnyTableCanBeHeldAgainstAMachine) {

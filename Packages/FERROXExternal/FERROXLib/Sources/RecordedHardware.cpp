@@ -18,6 +18,12 @@ status_t NotRecorded(Arguments_t...) {
     return kNotSupported;
 }
 
+// CPUID and model-specific registers of a machine that has none.
+status_t NotInArchitecture() {
+    NoteRefusal(Refusal_t::kArchitecture);
+    return kNotSupported;
+}
+
 status_t Open() { return kSuccess; }
 
 template <size_t place>
@@ -48,7 +54,10 @@ status_t ReadSpace(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
 
 status_t ReadExtended(uint32_t location, uint32_t offset, DataBuffer_t* buffer) {
     CPUIDRecord_t record = {0, 1, 0, 0, 0};
-    if (ReadRecordedCPUID(*current, kAnyProcessor, &record) != kSuccess) return NotRecorded();
+    if (current->facts.known.IsArm64())
+        record = {};
+    else if (ReadRecordedCPUID(*current, kAnyProcessor, &record) != kSuccess)
+        return NotRecorded();
     const auto read = [](uint64_t, uint32_t place, uint32_t from, DataBuffer_t* into) {
         return ReadSpace(place, from, into);
     };
@@ -56,6 +65,7 @@ status_t ReadExtended(uint32_t location, uint32_t offset, DataBuffer_t* buffer) 
 }
 
 status_t ReadRegister(MSRRecord_t* record) {
+    if (current->facts.known.IsArm64()) return NotInArchitecture();
     const uint32_t processor = record->Cpu == kAnyProcessor ? 0 : record->Cpu;
     const auto key = [](const RecordedMsr_t& each) { return uint64_t{each.number} << 32 | each.processor; };
     const uint64_t wanted = uint64_t{record->Msr} << 32 | processor;
@@ -136,6 +146,7 @@ void UseRecordedHardware(const RecordedHardware_t& recorded) {
 
 status_t ReadRecordedCPUID(const RecordedHardware_t& recorded, uint32_t processor, CPUIDRecord_t* record) {
     if (record == nullptr) return kNullPointer;
+    if (recorded.facts.known.IsArm64()) return NotInArchitecture();
     const size_t number = processor == kAnyProcessor ? 0 : processor;
     if (number >= recorded.processors.size())
         return number >= recorded.facts.processors.value_or(UINT64_MAX) ? kBadValue : NotRecorded();

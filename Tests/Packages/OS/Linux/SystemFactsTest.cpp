@@ -48,6 +48,15 @@ TEST_F(SystemFacts, ProcessorsAreCountedWhenAllAreOnline) {
     EXPECT_FALSE(facts.cores || facts.packages);
 }
 
+TEST_F(SystemFacts, EachKindOfArm64ProcessorIsKnown) {
+    WriteProcessors("0-3\n");
+    EXPECT_FALSE(ReadSystemFacts().IsArm64());
+    for (int cpu = 0; cpu < 4; cpu++)
+        m_sys->Write("devices/system/cpu/cpu" + std::to_string(cpu) + "/regs/identification/midr_el1",
+                     cpu % 2 == 0 ? "0x00000000410fd0c1\n" : "0x00000000410fd050\n");
+    EXPECT_EQ(ReadSystemFacts().midrs, (std::vector<uint32_t>{0x410FD0C1, 0x410FD050}));
+}
+
 TEST_F(SystemFacts, SpeedsAreThoseOfTheFrequencyDriver) {
     const SystemFacts_t fixed = ReadSystemFacts();
     EXPECT_GT(fixed.maxSpeed.value_or(0), 100u) << "of /proc/cpuinfo";
