@@ -7,7 +7,7 @@
 set -eu
 cd "$(dirname "$0")/../.."
 work=$PWD/build/machine
-x86Jobs="q35 uefi sm3 pc lockdown efi sample" arm64Jobs="arm64 arm64-plain"
+x86Jobs="q35 uefi sm3 pc lockdown efi sample" arm64Jobs="arm64 arm64-claims"
 case ${*:-} in
 "") jobs=$x86Jobs ;;
 "arm64*") jobs=$arm64Jobs ;;
@@ -30,7 +30,7 @@ mkdir -p "$work"
 cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
     -DZLIB_USE_STATIC_LIBS=ON >/dev/null
 build "$work/programs" --target quorlin_program
-rm -rf "$work"/root-* "$work/sample" "$work/claims"
+rm -rf "$work"/root-* "$work/sample" "$work"/claims-*
 mkdir "$work/sample"
 # The sample without the entry point, and a file for each structure. UEFI firmware gives its own handle to the
 # End-of-Table structure, so that one gets it everywhere.
@@ -44,7 +44,6 @@ mkdir "$work/sample"
         echo "-smbios file=$work/sample/$offset"
     done >"$work/sample/options"
 sample="-smp 2,sockets=5,maxcpus=5 $(cat "$work/sample/options")"  # the emulator requires a socket for each processor
-claims=$(Tests/Machine/claims.sh "$work/claims")
 programs="quorlin MachineTest LinuxHardwareTest OSTest"
 
 # pack ARCHITECTURE PROGRAMS BUSYBOX: the guests' first files, to which the caller may have added some
@@ -132,12 +131,11 @@ boot() {
     fi
 }
 
-# boot_arm64 JOB EMULATOR-OPTIONS...: with UEFI firmware, a display and a PCI Express device
+# boot_arm64 JOB EMULATOR-OPTIONS...: with UEFI firmware
 boot_arm64() {
     job=$1 architecture=arm64 emulator=aarch64 console=ttyAMA0 kernel=vmlinuz
     shift
-    boot "$job" virt cortex-a72 "" -bios /usr/share/qemu-efi-aarch64/QEMU_EFI.fd "$@" -device bochs-display \
-        -device pcie-root-port,id=rp -device virtio-rng-pci,bus=rp
+    boot "$job" virt cortex-a72 "" -bios /usr/share/qemu-efi-aarch64/QEMU_EFI.fd "$@"
 }
 
 architecture=amd64 emulator=x86_64 console=ttyS0 kernel=vmlinux
@@ -147,6 +145,7 @@ guest() {
     pc) boot pc pc "$plain" "" -smp 2 -smbios type=1,manufacturer=Quorlin,product=Guest ;;
     q35)
         # Without a hypervisor all claims are judged. Only this maker's processors show caches.
+        claims=$(Tests/Machine/claims.sh "$work/claims-amd64" amd64)
         # shellcheck disable=SC2086  # words are options
         boot q35 q35 "$plain,vendor=GenuineIntel,-hypervisor" "" -smp 2 $claims \
             -smbios type=1,manufacturer=Quorlin,product=Guest -smbios type=4,max-speed=3000,current-speed=3000
@@ -167,9 +166,14 @@ guest() {
         kernel=vmlinuz
         boot efi q35 "$plain" "" -smp 2 -bios /usr/share/ovmf/OVMF.fd
         ;;
-    # shellcheck disable=SC2086
-    arm64) boot_arm64 arm64 $sample ;;
-    arm64-plain) boot_arm64 arm64-plain -smp 2 ;;
+    arm64)
+        # shellcheck disable=SC2086
+        boot_arm64 arm64 $sample -device bochs-display -device pcie-root-port,id=rp -device virtio-rng-pci,bus=rp
+        ;;
+    arm64-claims)
+        # shellcheck disable=SC2046
+        boot_arm64 arm64-claims -smp 2,sockets=1,cores=2 $(Tests/Machine/claims.sh "$work/claims-arm64" arm64)
+        ;;
     *)
         echo "unknown job '$1'" >&2
         return 1
