@@ -20,8 +20,8 @@ DMI = /sys/firmware/dmi/tables/DMI
 AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || echo sudo)
 
 .PHONY: build run test test-long test-machine test-sarif test-report test-metrics test-ansible test-fleet \
-	test-fleet-engines test-fleet-million fleet-program stub asan tsan coverage arm64 windows test-windows install deb zip \
-	bench guard guard-update fuzz format lint hooks clean
+	test-fleet-engines test-fleet-million fleet-program stub asan tsan coverage arm64 test-arm64 windows test-windows \
+	install deb zip bench guard guard-update fuzz format lint hooks clean
 .DEFAULT_GOAL := build
 
 build:

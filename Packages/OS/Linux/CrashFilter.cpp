@@ -76,7 +76,7 @@ void DescribeTrap(Fault_t* fault, int code) {
 }
 
 void OnSignal(int signal, siginfo_t* info, void* context) {
-    const Trap_t trap = TrapOf(*static_cast<const ucontext_t*>(context));
+    const Trap_t trap = TrapOf(signal, *static_cast<const ucontext_t*>(context));
     Fault_t fault = {0, trap.place, {}};
     switch (signal) {
         case SIGSEGV: DescribeSegmentation(&fault, *info, trap); break;

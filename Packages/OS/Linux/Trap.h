@@ -16,7 +16,8 @@ struct Trap_t {
     bool isMissing;   // the page, as opposed to one without rights
 };
 
-Trap_t TrapOf(const ucontext_t& context);
+// signal  which the kernel sent for it
+Trap_t TrapOf(int signal, const ucontext_t& context);
 
 // By how many bytes the place of a breakpoint's trap is past the breakpoint.
 extern const uint64_t kPassedBreakpoint;

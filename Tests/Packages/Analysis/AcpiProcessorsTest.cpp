@@ -79,6 +79,12 @@ TEST(Pptt, OnlyClearCachesCount) {
     uneven.Core(top, 1, {little});
     EXPECT_EQ(Tree(uneven, {0, 1}), "1 2");
 
+    ClTree mixed;  // a description that serves the second level of a core, and the first one of another
+    const uint32_t both = mixed.Cache(4096, ClTree::kUnified), lead = mixed.Cache(1024, ClTree::kData, both);
+    mixed.Core(mixed.Node(ClTree::kPackage, 0, 0), 0, {lead, both});
+    mixed.Core(mixed.Node(ClTree::kPackage, 0, 1), 1, {both});
+    EXPECT_EQ(Tree(mixed, {0, 1}), "2 2");
+
     ClTree high;  // only a level that many share
     high.Core(high.Node(ClTree::kPackage, 0, 0, {high.Cache(8192, ClTree::kUnified)}), 0);
     EXPECT_EQ(Tree(high, {0}), "1 1");

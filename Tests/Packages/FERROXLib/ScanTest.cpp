@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
+#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/OS.h"
 #include "Tests/Packages/FERROXLib/Library.h"
 
@@ -106,4 +107,23 @@ TEST_F(ScanFailures, GiveTheirStatusAndNoImage) {
         ClScriptedWindows::failAllocationOf = 0;
         ASSERT_EQ(FERROXTerminate(), kSuccess);
     }
+}
+
+// As on ARM64, where other things may be at that address.
+TEST_F(Scan, AMachineWithoutABIOSAreaIsNotRead) {
+    ASSERT_EQ(FERROXInitialize(), kSuccess);
+    PutEntry(0xF0000);
+    PutDMI(0xF1000, 5, kTable);
+    Machine().requests.clear();
+    HardwareServices_t hardware = kThisHardware;
+    hardware.HasBIOSArea = [] { return false; };
+    UseHardware(hardware);
+    uint8_t entry[kEntryBufferSize] = {}, dmiEntry[kDMIEntryBufferSize] = {};
+    SMBIOSTableImage_t* image = nullptr;
+    EXPECT_EQ(ScanMemory(entry, dmiEntry, &image), ScanEnd_t::kNoArea);
+    EXPECT_EQ(osGetStructuresDataNonEFI(entry, dmiEntry, &image), kFailure);
+    UseHardware(kThisHardware);
+    EXPECT_EQ(image, nullptr);
+    EXPECT_TRUE(Machine().requests.empty());
+    ASSERT_EQ(FERROXTerminate(), kSuccess);
 }

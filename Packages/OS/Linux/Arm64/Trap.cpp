@@ -2,6 +2,7 @@
 
 #include <asm/sigcontext.h>
 
+#include <csignal>
 #include <cstring>
 #include <optional>
 
@@ -22,21 +23,35 @@ std::optional<uint64_t> SyndromeOf(const mcontext_t& machine) {
     return std::nullopt;
 }
 
-// Exception classes, of user mode and of the same mode.
-constexpr uint64_t kSystemInstruction = 0x18, kInstructionAbort = 0x20, kDataAbort = 0x24;
+// Exception classes; the last bit says in which mode the exception was raised.
+constexpr uint64_t kInstructionAbort = 0x20, kDataAbort = 0x24;
+
+// Whether only the kernel or a hypervisor may use the instruction: a register of theirs, or a call of theirs. The
+// processor has fetched it, so its bytes can be read.
+bool IsPrivileged(uint64_t place) {
+    uint32_t code;
+    std::memcpy(&code, reinterpret_cast<const void*>(place), sizeof code);
+    constexpr uint32_t kUser = 3;
+    const bool isRegister = (code & 0xFFC00000) == 0xD5000000 && (code >> 16 & 7) != kUser;
+    const bool isCall = (code & 0xFFE0001F) == 0xD4000002 || (code & 0xFFE0001F) == 0xD4000003;
+    return isRegister || isCall;
+}
 
 }  // namespace
 
-Trap_t TrapOf(const ucontext_t& context) {
+Trap_t TrapOf(int signal, const ucontext_t& context) {
     constexpr uint64_t kIsWrite = 0x40, kFaultStatus = 0x3C, kTranslationFault = 0x04;
     Trap_t trap = {Trap_t::kPage, context.uc_mcontext.pc, context.uc_mcontext.sp, kUnknownAccess, false};
+    if (signal == SIGILL) {
+        trap.kind = IsPrivileged(trap.place) ? Trap_t::kPrivileged : Trap_t::kOther;
+        return trap;
+    }
     const std::optional<uint64_t> syndrome = SyndromeOf(context.uc_mcontext);
     if (!syndrome) return trap;
     trap.isMissing = (*syndrome & kFaultStatus) == kTranslationFault;
     switch (*syndrome >> 26 & 0x3E) {
         case kInstructionAbort: trap.access = kExecuteAccess; break;
         case kDataAbort: trap.access = (*syndrome & kIsWrite) != 0 ? kWriteAccess : kReadAccess; break;
-        case kSystemInstruction: trap.kind = Trap_t::kPrivileged; break;
         default: trap.kind = Trap_t::kOther;
     }
     return trap;

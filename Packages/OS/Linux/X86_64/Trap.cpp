@@ -37,7 +37,7 @@ Trap_t::Kind_t KindOf(greg_t trap, const uint8_t* code) {
 
 }  // namespace
 
-Trap_t TrapOf(const ucontext_t& context) {
+Trap_t TrapOf(int, const ucontext_t& context) {
     const greg_t* registers = context.uc_mcontext.gregs;
     const greg_t error = registers[REG_ERR];
     const auto place = static_cast<uint64_t>(registers[REG_RIP]);

@@ -1,7 +1,6 @@
 // What the layer gives a program: new files, and standard output.
 #include "Packages/OS/Program.h"
 
-#include <cpuid.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/seccomp.h>
@@ -16,6 +15,7 @@
 #include <csignal>
 #include <filesystem>
 
+#include "Packages/OS/Processors.h"
 #include "Tests/Support/Linux/Processes.h"
 
 namespace {
@@ -32,7 +32,7 @@ std::string Folder() {
 }
 
 // Calls that some kinds of file systems don't have.
-constexpr SystemCall_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY}, kNoLinks = {SYS_link},
+constexpr SystemCall_t kNoNamelessFiles = {SYS_openat, 2, O_TMPFILE & ~O_DIRECTORY}, kNoLinks = {kLinkCall},
                        kNoNamelessLinks = {SYS_linkat};
 constexpr uint32_t kNotSupportedHere = SECCOMP_RET_ERRNO | EOPNOTSUPP;
 
@@ -127,7 +127,7 @@ TEST(WholeFiles, ReplaceAPlainFileForAllUsers) {
     fs::create_symlink("old", link);
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(replace(old, limited), EFBIG);
-    EXPECT_EQ(replace(old, [] { ForbidCall({SYS_rename}, SECCOMP_RET_ERRNO | EIO); }), EIO);
+    EXPECT_EQ(replace(old, [] { ForbidCall({kRenameCall}, SECCOMP_RET_ERRNO | EIO); }), EIO);
     for (const std::string& other : {link, pipe, folder}) EXPECT_EQ(replace(other, nothing), EEXIST) << other;
     EXPECT_EQ(replace(folder + "none/file", nothing), ENOENT);
     EXPECT_EQ(ReadWholeFile(old), "old");
@@ -248,10 +248,11 @@ TEST(PlainFiles, AreNoLinksPipesOrDevices) {
 }
 
 TEST(Program, ReadsHardwareFromTheShell) {
-    unsigned eax, ebx, ecx, edx;
-    __cpuid(0, eax, ebx, ecx, edx);
-    char text[64];
-    std::snprintf(text, sizeof text, "eax %08x ebx %08x ecx %08x edx %08x\n", eax, ebx, ecx, edx);
+    uint32_t registers[4] = {};
+    char text[64] = "";
+    if (os_ReadCPUID(registers))
+        std::snprintf(text, sizeof text, "eax %08x ebx %08x ecx %08x edx %08x\n", registers[0], registers[1],
+                      registers[2], registers[3]);
     EXPECT_EQ(RunQuorlin("hw cpuid 0").output, text);
 }
 

@@ -18,7 +18,7 @@ namespace {
 constexpr SystemCall_t kMakesFiles[] = {
     {SYS_openat,  2, O_CREAT                 },
     {SYS_openat,  2, O_TMPFILE & ~O_DIRECTORY},
-    {SYS_mkdir,   0, 0                       },
+    {kMkdirCall,  0, 0                       },
     {SYS_mkdirat, 0, 0                       },
     {SYS_mknodat, 0, 0                       },
     {SYS_bind,    0, 0                       },
