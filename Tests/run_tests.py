@@ -53,7 +53,6 @@ EXPECTED = {
     "Analysis/RealTables.*": lambda preset: not (ROOT / "../shared/tables").exists(),
     "Machine/Machine.Writes*": lambda preset: True,  # guests run these
     "Machine/Machine.Ports*": lambda preset: True,
-    "Machine/Machine.WhatTheArchitectureLacks*": lambda preset: preset != "arm64",
     "Machine/Machine.PCIRegisters*": lambda preset: lacks_pci(),
     "Machine/Machine.Segments*": lambda preset: lacks("/sys/firmware/acpi/tables/MCFG", 60),
     "Machine/Machine.AnMSR*": lambda preset: lacks("/dev/cpu/0/msr", 8, 0x1B),

@@ -22,9 +22,7 @@
 
 #include "CInterface/quorlin_c.h"
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
-#include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/Machine.h"
-#include "Packages/FERROXExternal/StructureStore/StoreHost.h"
 #include "Packages/OS/OS.h"
 #include "Packages/OS/Processors.h"
 #include "Tests/Support/Buffer.h"
@@ -290,44 +288,6 @@ TEST_F(Machine, TheBIOSAreaIsTheKernels) {
     EXPECT_EQ(whole.Bytes(), shown);
     ASSERT_EQ(GetSystemTables(0xF0000, 4093, odd.Get()), kSuccess);
     EXPECT_EQ(odd.Bytes(), Part(shown, 4093, 5));
-}
-
-// Even of root, who could read memory there.
-TEST_F(Machine, WhatTheArchitectureLacksIsRefused) {
-    if (IsX86()) GTEST_SKIP() << "this architecture lacks nothing";
-    ClBuffer port(1);
-    MSRRecord_t msr = {0, 0, 0x1B, 1, 2};
-    NonTurboRecord_t timer = {0, 0xE7, 0, {}};
-    CPUIDRecord_t cpuid = {0, 1, 2, 3, 4};
-    const struct {
-        const char* what;
-        std::function<status_t()> call;
-    } kCases[] = {
-        {"a port is read",       [&] { return ReadWakeupTimer(0x71, port.Get()); }     },
-        {"a port is written",    [&] { return ConfigureWakeUpTimer(0x70, port.Get()); }},
-        {"an MSR is read",       [&] { return ReadMSR(&msr); }                         },
-        {"an MSR is written",    [&] { return WriteMSR(&msr); }                        },
-        {"an MSR is counted",    [&] { return CalcFreqNonTurbo(&timer); }              },
-        {"CPUID",                [&] { return ReadCPUID(0, &cpuid); }                  },
-        {"CPUID, any processor", [&] { return ReadCPUID(kAnyProcessor, &cpuid); }      },
-    };
-    for (const auto& c : kCases) {
-        NoteRefusal(Refusal_t::kOther);
-        EXPECT_EQ(c.call(), kNotSupported) << c.what;
-        EXPECT_EQ(LastRefusal(), Refusal_t::kArchitecture) << c.what;
-    }
-    EXPECT_EQ(port.Bytes(), Bytes_t(1, 0xEE));
-    EXPECT_EQ(msr.LoContent + msr.HiContent, 3u);
-    EXPECT_EQ(cpuid.Edx, 4u);
-    // Package and store still get a signature, 0.
-    for (const MachineServices_t* machine : {ThisMachine(), ThisMachineByScan(), ThisMachineWithoutDriver()}) {
-        CPUIDRecord_t record = {0, 1, 2, 3, 4};
-        EXPECT_EQ(machine->ReadCPUID(kAnyProcessor, &record), kSuccess);
-        EXPECT_EQ(record.Eax | record.Ebx | record.Ecx | record.Edx, 0u);
-    }
-    uint8_t entry[kEntryBufferSize], dmiEntry[kDMIEntryBufferSize];
-    SMBIOSTableImage_t* image = nullptr;
-    EXPECT_EQ(ScanMemory(entry, dmiEntry, &image), ScanEnd_t::kNoArea);
 }
 
 // In a guest QUORLIN_SCAN says how the scan must end, "same" or "fails", and QUORLIN_TABLE names a file with the table.
