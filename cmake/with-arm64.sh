@@ -4,7 +4,6 @@
 # registration stays until the next boot. Other users get a user namespace with a registration of its own.
 set -eu
 folder=/proc/sys/fs/binfmt_misc
-export QEMU_LD_PREFIX=/usr/aarch64-linux-gnu
 [ ! -e $folder/qemu-aarch64 ] || exec "$@"
 if [ "$(id -u)" != 0 ]; then exec unshare -Urm "$0" "$@"; fi
 [ -e $folder/register ] || mount -t binfmt_misc none $folder

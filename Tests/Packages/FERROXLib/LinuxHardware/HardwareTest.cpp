@@ -53,7 +53,7 @@ TEST_F(Hardware, ImpossibleRequestsAreRefused) {
 TEST(HardwareLife, ClosedLibraryReadsNothing) {
     ClBuffer data(4);
     EXPECT_EQ(PCIRead(0, 0, data.Get()), kRefused);
-    EXPECT_EQ(GetSystemTables(0, 0, data.Get()), kRefused);
+    EXPECT_EQ(GetSystemTables(4, 0, data.Get()), kRefused);
 }
 
 // ---- The non-turbo frequency, with a scripted counter and timer
