@@ -73,9 +73,10 @@ if runs '^arm64'; then
     cmake/arm64-packages.sh build/arm64-packages libsodium-dev zlib1g-dev
     cmake --preset arm64 -DQUORLIN_TESTS=ON >/dev/null
     build build/arm64 --target quorlin_program MachineTest LinuxHardwareTest OSTest
-    mkdir -p "$work/root-arm64/lib"
+    libraries=/usr/aarch64-linux-gnu/lib  # where the tests look for them
+    mkdir -p "$work/root-arm64$libraries"
     for library in ld-linux-aarch64.so.1 libc.so.6 libm.so.6 libgcc_s.so.1 libstdc++.so.6; do
-        cp "/usr/aarch64-linux-gnu/lib/$library" "$work/root-arm64/lib"
+        cp "$libraries/$library" "$work/root-arm64$libraries"
     done
     pack arm64 "$PWD/build/arm64/bin" "$work/kernel-arm64/busybox"
 fi
