@@ -1,6 +1,7 @@
-// Scans any bytes as memory for a table.
+// Reads a table from memory that holds any bytes, by the scan or at the address that firmware gave.
 // Input: the byte that the BIOS area begins with (2 bytes), flags (1 byte), memory, which repeats the rest of the
-// input. Flags: 1 reads of the upper half of the BIOS area fail; 2 all other memory belongs to devices.
+// input. Flags: 1 reads of the upper half of the BIOS area fail; 2 all other memory belongs to devices; 4 the firmware
+// gave the address of the BIOS area for both entry points.
 #include <cstring>
 
 #include "Fuzz/Decode.h"
@@ -31,6 +32,11 @@ status_t Read(uint64_t address, uint32_t offset, DataBuffer_t* buffer) {
     return kSuccess;
 }
 
+status_t GetAddresses(EntryAddresses_t* addresses, bool*) {
+    *addresses = {kBIOSArea, kBIOSArea};
+    return kSuccess;
+}
+
 status_t ReadNoCPUID(uint32_t, CPUIDRecord_t* record) {
     record->Eax = 0x506C0;
     record->Ecx = 0;
@@ -46,6 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         services.OSGetSystemTables = Read;
         services.OSReadCPUID = ReadNoCPUID;
         services.IsMemory = IsMemory;
+        services.GetEntryAddresses = GetAddresses;
         return services;
     }();
     ClInput input(data, size);
@@ -54,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     memory = input.Rest();
     if (memory.empty()) return 0;
     UseHardware(machine);
-    Require(SetMachine(ThisMachineByScan()) == kSuccess);
+    Require(SetMachine((flags & 4) != 0 ? ThisMachineByEfi() : ThisMachineByScan()) == kSuccess);
     auto* package = static_cast<Quorlin*>(CreateSmbiosPackage());
     if (package->BringUp() == kSuccess) ReadItems(*package, package->GetItemCount());
     package->UnInitialize();

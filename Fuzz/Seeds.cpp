@@ -147,6 +147,14 @@ void WriteDumps(ClFolders& folders) {
         folders.Write("Dump", name, std::string{as, '\1'}.append(bytes));
     };
     const std::string modern = Text(MakeDump(table, 3, 2)), old = Text(MakeDump(table, 2, 8));
+    // At the start of the BIOS area.
+    const auto place = [&](const char* name, std::string dump, size_t addressByte, size_t checksum) {
+        dump[addressByte] = '\x0F';
+        dump[checksum] = static_cast<char>(dump[checksum] - '\x0F');
+        folders.Write("Scan", name, "\0\0\4"s + dump);
+    };
+    place("address-64", modern, 0x12, 5);
+    place("address-32", old, 0x1A, 0x15);
     write("64-bit-entry-point", 0, modern);
     write("32-bit-entry-point", 0, old);
     write("cut-entry-point", 1, old.substr(0, 0x1E));

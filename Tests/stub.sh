@@ -15,7 +15,7 @@ for format in lines text json csv; do
     "$stub" --image "$work/image" --format $format >"$work/stub"
     cmp "$work/native" "$work/stub"
 done
-for command in "" "hw cpuid 0" "hw pci 0000:00:00.0 0 4" "hw acpi MCFG"; do
+for command in "" "--method efi" "hw cpuid 0" "hw pci 0000:00:00.0 0 4" "hw acpi MCFG"; do
     code=0
     # shellcheck disable=SC2086  # words are arguments
     "$stub" $command >"$work/out" 2>"$work/errors" || code=$?

@@ -10,6 +10,8 @@ if [ "$(id -u)" != 0 ]; then exec unshare -Urm "$0" "$@"; fi
 # Little-endian ELF programs for this architecture, static, dynamic or position independent. With F the kernel keeps the
 # emulator open, so that it works in any root folder.
 if [ ! -e $folder/qemu-aarch64 ]; then
-    printf '%s' ':qemu-aarch64:M::\x7fELF\x02\x01\x01\x00\x00\x00\x00\x00\x00\x00\x00\x00\x02\x00\xb7\x00:\xff\xff\xff\xff\xff\xff\xff\x00\xff\xff\xff\xff\xff\xff\xff\xff\xfe\xff\xff\xff:/usr/bin/qemu-aarch64-static:FP' >$folder/register
+    head='\x7fELF\x02\x01\x01\x00\x00\x00\x00\x00\x00\x00\x00\x00\x02\x00\xb7\x00'
+    mask='\xff\xff\xff\xff\xff\xff\xff\x00\xff\xff\xff\xff\xff\xff\xff\xff\xfe\xff\xff\xff'
+    printf '%s' ":qemu-aarch64:M::$head:$mask:/usr/bin/qemu-aarch64-static:FP" >$folder/register
 fi
 exec "$@"

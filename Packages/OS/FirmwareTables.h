@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "Packages/OS/Status.h"
+
 inline constexpr uint32_t kSMBIOSProvider = 0x52534D42;  // "RSMB"; its one table has number 0
 inline constexpr uint32_t kACPIProvider = 0x41435049;    // "ACPI"; a table's number is its name, first letter lowest
 
@@ -21,3 +23,13 @@ std::vector<uint32_t> os_ListACPITables();
 // Reads one of the ACPI tables with a number: the one at `place`, from 0, in the list above. Windows only provides the
 // first. False if it can't be read; `refused` then says whether the user lacks the rights. Throws std::bad_alloc.
 bool os_ReadACPITable(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused);
+
+// Physical addresses of SMBIOS entry points, as UEFI firmware gave them to the system. 0 is none.
+struct EntryAddresses_t {
+    uint64_t smbios3;  // of the 64-bit one
+    uint64_t smbios;   // of the 32-bit one
+};
+// Reads the addresses.
+// refused  is set to whether the user lacks the rights to read them
+// Status   1; 3 out of memory; 5 the firmware isn't UEFI, or they can't be read; 6 this system doesn't show them
+status_t os_GetEntryAddresses(EntryAddresses_t* addresses, bool* refused);

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "Packages/Format/EntryPoint.h"
 #include "Packages/Format/TableFile.h"
 #include "Packages/OS/Program.h"
 
@@ -30,6 +31,18 @@ ProgramRun_t RunQuorlin(const std::string& arguments) {
     const int status = std::system((QUORLIN_PROGRAM " " + arguments + " >" + out + " 2>" + err).c_str());
     // On POSIX systems the exit code is in the second byte.
     return {status > 255 ? status >> 8 : status, ReadWholeFile(out), ReadWholeFile(err)};
+}
+
+static void SetChecksum(std::vector<uint8_t>& bytes, size_t begin, size_t size, size_t place) {
+    for (size_t at = begin; at < begin + size; at++)
+        if (at != place) bytes[place] = static_cast<uint8_t>(bytes[place] - bytes[at]);
+}
+
+void SetChecksums(std::vector<uint8_t>& dump) {
+    const bool is64 = dump[3] == '3';
+    dump[is64 ? 5 : 4] = dump[is64 ? 5 : 0x15] = 0;
+    if (!is64) SetChecksum(dump, kDMIPartOffset, kEntryPointSize32 - kDMIPartOffset, 0x15);
+    SetChecksum(dump, 0, is64 ? kEntryPointSize64 : kEntryPointSize32, is64 ? 5 : 4);
 }
 
 std::vector<uint8_t> DumpOf(const std::vector<uint8_t>& table, uint8_t major, uint8_t minor, uint64_t address,

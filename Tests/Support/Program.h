@@ -17,6 +17,8 @@ ProgramRun_t RunQuorlin(const std::string& arguments);
 std::string WriteFile(const std::string& name, const std::vector<uint8_t>& bytes);
 std::string ReadWholeFile(const std::string& path);
 
+// Sets the checksums of the entry point that a dump begins with.
+void SetChecksums(std::vector<uint8_t>& dump);
 // A dump as the program makes it, but with the table's address `address`, which the checksums don't count, and the
 // table at `tableOffset`.
 std::vector<uint8_t> DumpOf(const std::vector<uint8_t>& table, uint8_t major, uint8_t minor, uint64_t address = 32,

@@ -197,6 +197,10 @@ TEST_F(Driver, ProgramReadsWithoutItUnlessAskedForIt) {
             EXPECT_FALSE(Has(refused.errors, "root")) << c.cause << arguments;
             EXPECT_TRUE(Has(refused.errors, ", or quorlin doctor\n")) << arguments << refused.errors;
         }
+        // Whatever the driver does.
+        EXPECT_EQ(RunQuorlin("--method efi").errors,
+                  "quorlin: this machine: this system doesn't show the address of its firmware's table; try without "
+                  "--method, or quorlin doctor\n");
         ExpectNothingLeft();
     }
 }

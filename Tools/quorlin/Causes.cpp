@@ -62,6 +62,16 @@ Cause_t CauseOf(Obstacle_t obstacle) {
                                            : Cause_t{text.problem, text.advice};
 }
 
+Obstacle_t ObstacleOf(MemoryEnd_t end) {
+    switch (end) {
+        case MemoryEnd_t::kNoAnchors: return Obstacle_t::kNoAnchors;
+        case MemoryEnd_t::kNoAddresses: return Obstacle_t::kNoAddresses;
+        case MemoryEnd_t::kNoEntryPoint: return Obstacle_t::kNoEntryPoint;
+        case MemoryEnd_t::kElsewhere: return Obstacle_t::kNoMap;
+        default: return Obstacle_t::kOther;
+    }
+}
+
 Cause_t WhyNoStart(status_t status, Refusal_t refusal, const char* other) {
     if (status == kNotSupported) return {"no access to hardware on this system", other};
     if (status != kFailure) return CPUIDFails(other);  // the hypervisor test, which alone gives other statuses
@@ -75,18 +85,15 @@ Cause_t WhyNoStart(status_t status, Refusal_t refusal, const char* other) {
 Cause_t WhyNoTable(const Steps_t& steps, const char* other) {
     if (steps.start && *steps.start != kSuccess) return WhyNoStart(*steps.start, steps.refusal, other);
     if (steps.cpuid && *steps.cpuid != kSuccess) return CPUIDFails(other);
-    if (steps.firmware == kNoMemory || steps.firmware == kSuccess || steps.scan == ScanEnd_t::kNoRoom ||
-        steps.scan == ScanEnd_t::kFound)
+    if (steps.firmware == kNoMemory || steps.firmware == kSuccess || steps.memory == MemoryEnd_t::kNoRoom ||
+        steps.memory == MemoryEnd_t::kFound)
         return {"out of memory", "try again with more, or a smaller table", false};
-    if (steps.firmware || !steps.scan) return WhyFirmwareFails();
-    switch (*steps.scan) {
-        case ScanEnd_t::kNoArea: return {"this architecture has no BIOS area to scan", other, false};
-        case ScanEnd_t::kNoAnchors: return {TextOf(Obstacle_t::kNoAnchors).problem, other};
-        case ScanEnd_t::kElsewhere: return {TextOf(Obstacle_t::kNoMap).problem, other};
-        default:
-            return steps.refusal == Refusal_t::kRights ? LacksRights("the system refuses to give its memory", other)
-                                                       : Cause_t{"its memory can't be read", other};
-    }
+    if (steps.firmware || !steps.memory) return WhyFirmwareFails();
+    if (*steps.memory == MemoryEnd_t::kNoArea) return {"this architecture has no BIOS area to scan", other, false};
+    if (const Obstacle_t obstacle = ObstacleOf(*steps.memory); obstacle != Obstacle_t::kOther)
+        return {TextOf(obstacle).problem, other};
+    return steps.refusal == Refusal_t::kRights ? LacksRights("the system refuses to give its memory", other)
+                                               : Cause_t{"its memory can't be read", other};
 }
 
 Cause_t WhyNoAnswer(status_t status, Refusal_t refusal, const char* other) {

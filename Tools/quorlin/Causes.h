@@ -20,11 +20,11 @@ struct Cause_t {
 
 // The results of bringing up this machine. A step that wasn't taken has no value.
 struct Steps_t {
-    std::optional<status_t> start;     // of the hardware library
-    std::optional<status_t> firmware;  // the system's firmware-table call
-    std::optional<ScanEnd_t> scan;
+    std::optional<status_t> start;      // of the hardware library
+    std::optional<status_t> firmware;   // the system's firmware-table call
+    std::optional<MemoryEnd_t> memory;  // of the method that reads it
     std::optional<status_t> cpuid;
-    Refusal_t refusal = Refusal_t::kOther;  // of the start or the scan
+    Refusal_t refusal = Refusal_t::kOther;  // of the start or of reading memory
 
     // Whether the driver failed. The table may still be readable without it.
     bool FailedAtDriver() const { return start.value_or(kSuccess) != kSuccess || cpuid.value_or(kSuccess) != kSuccess; }
@@ -34,6 +34,9 @@ struct Steps_t {
 std::string_view WordOf(Obstacle_t obstacle);
 // An obstacle as people read it. kNone has no advice.
 Cause_t CauseOf(Obstacle_t obstacle);
+
+// What kept a method that reads memory from the table; kOther where only the hardware library knows.
+Obstacle_t ObstacleOf(MemoryEnd_t end);
 
 // `other` is the advice if more rights wouldn't help.
 

@@ -6,8 +6,9 @@
 namespace {
 
 constexpr Choice_t kMethods[] = {
-    {"firmware", "by the system's firmware-table call"},
-    {"scan",     "of its memory"                      },
+    {"firmware", "by the system's firmware-table call"   },
+    {"scan",     "of its memory"                         },
+    {"efi",      "at the address that UEFI firmware gave"},
 };
 constexpr Choice_t kForms[] = {{"any"}, {"dump"}, {"table"}, {"windows"}, {"sysfs"}};
 constexpr Choice_t kColors[] = {
@@ -57,7 +58,7 @@ std::vector<Option_t> Source_t::OptionsForOne() {
             ReplayOption(&replay),
             flag("--driver", "Access this machine only through its driver", &driver),
             flag("--no-driver", "Access this machine without its driver", &noDriver),
-            word("--method", "METHOD", "How to read this machine's table; without it, in this order", &method,
+            word("--method", "METHOD", "How to read this machine's table; without it, firmware and then scan", &method,
                  kMethods),
             word("--road", "METHOD", "The old name of --method", &method, kMethods, true),
             word("--as", "FORM", "The form of images, whatever their content", &form, kForms),
@@ -94,7 +95,8 @@ void Source_t::Check() {
         throw BadUsage_t{"--image, --sample, --sample-if-none and --replay exclude each other"};
     if ((fromFiles || sample || isReplay) && (driver || noDriver || !method.empty()))
         throw BadUsage_t{"--driver, --no-driver and --method are for this machine, not for an image or a record"};
-    if (noDriver && (driver || IsScan())) throw BadUsage_t{"--no-driver excludes --driver and --method scan"};
+    if (noDriver && (driver || ReadsMemory()))
+        throw BadUsage_t{"--no-driver excludes --driver, --method scan and --method efi"};
     if (!form.empty()) FormByName(form, &as);
     if (!version.empty() && !ParseVersion(version, &major, &minor))
         throw BadUsage_t{"--smbios-version: '" + version + "' is not a version like 3.0"};

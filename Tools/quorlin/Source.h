@@ -29,8 +29,8 @@ struct Source_t {
     void CheckOne();
 
     bool IsFleet() const { return !imageList.empty() || images.size() > 1; }
-    // This machine's memory is the only access method.
-    bool IsScan() const { return method == "scan"; }
+    // The only access method reads this machine's memory.
+    bool ReadsMemory() const { return method == "scan" || method == "efi"; }
 };
 
 // The --replay option; it fills `folder`.

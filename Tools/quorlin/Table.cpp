@@ -38,12 +38,14 @@ status_t ByFirmware(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** imag
     return *steps.firmware;
 }
 
+bool ReadsByAddress() { return watched.osGetStructuresDataNonEFI == osGetStructuresDataByAddress; }
+
 // The method that is tried last.
-status_t ByScan(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
-    if (watched.osGetStructuresDataNonEFI != osGetStructuresDataNonEFI) return kFailure;
-    steps.scan = ScanMemory(entry, dmiEntry, image);
+status_t ByMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+    if (!ReadsByAddress() && watched.osGetStructuresDataNonEFI != osGetStructuresDataNonEFI) return kFailure;
+    steps.memory = (ReadsByAddress() ? ReadByAddress : ScanMemory)(entry, dmiEntry, image);
     steps.refusal = LastRefusal();
-    return *steps.scan == ScanEnd_t::kFound ? kSuccess : kFailure;
+    return *steps.memory == MemoryEnd_t::kFound ? kSuccess : kFailure;
 }
 
 status_t ReadWatchedCPUID(uint32_t processor, CPUIDRecord_t* record) {
@@ -53,9 +55,12 @@ status_t ReadWatchedCPUID(uint32_t processor, CPUIDRecord_t* record) {
 
 // Why this machine gives no table, and what to try.
 Cause_t WhyNotThisMachine(const Source_t& source) {
-    return WhyNoTable(steps, source.IsScan() ? "try without --method"
-                             : source.driver ? "try --no-driver"
-                                             : "try --sample, --image FILE");
+    const char* other = source.ReadsMemory() ? "try without --method"
+                        : source.driver      ? "try --no-driver"
+                                             : "try --sample, --image FILE";
+    if (ReadsByAddress() && steps.start == kNotSupported)
+        return {"this system doesn't show the address of its firmware's table", other};
+    return WhyNoTable(steps, other);
 }
 
 }  // namespace
@@ -112,7 +117,7 @@ bool ClTable::OpenImage(const Source_t& source, const std::string& path) try {
 bool ClTable::BringUpWatched(const MachineServices_t& machine) {
     watched = machine;
     steps = {};
-    const MachineServices_t services = {OpenWatched, machine.FERROXTerminate, ByFirmware, ByScan, ReadWatchedCPUID};
+    const MachineServices_t services = {OpenWatched, machine.FERROXTerminate, ByFirmware, ByMemory, ReadWatchedCPUID};
     return SetMachine(&services) == kSuccess && BringUp();
 }
 
@@ -128,11 +133,13 @@ bool ClTable::BringUpRecord(const Source_t& source) {
 // With its driver first, and without it where the driver fails, unless the user chose.
 bool ClTable::BringUpThisMachine(const Source_t& source) {
     if (!source.noDriver) {
-        MachineServices_t machine = source.IsScan() ? *ThisMachineByScan() : *ThisMachine();
+        MachineServices_t machine = source.method == "scan"  ? *ThisMachineByScan()
+                                    : source.method == "efi" ? *ThisMachineByEfi()
+                                                             : *ThisMachine();
         if (source.method == "firmware")
             machine.osGetStructuresDataNonEFI = ThisMachineWithoutDriver()->osGetStructuresDataNonEFI;
         if (BringUpWatched(machine)) return true;
-        if (source.driver || source.IsScan() || !steps.FailedAtDriver()) return false;
+        if (source.driver || source.ReadsMemory() || !steps.FailedAtDriver()) return false;
         if (source.verbose) SayError(m_name, WhyNotThisMachine(source).problem + "; trying without it");
     }
     return BringUpWatched(*ThisMachineWithoutDriver());
@@ -217,11 +224,12 @@ std::span<const uint8_t> ClTable::Bytes() {
 }
 
 std::string ClTable::Form() const {
-    std::string form =
-        m_isSample   ? std::string("the embedded sample")
-        : m_isImage  ? "as " + m_image.FormText()
-        : m_isRecord ? std::string("from its record")
-                     : std::string(steps.scan ? "by the scan of its memory" : "by the system's firmware-table call");
+    std::string form = m_isSample         ? std::string("the embedded sample")
+                       : m_isImage        ? "as " + m_image.FormText()
+                       : m_isRecord       ? std::string("from its record")
+                       : !steps.memory    ? std::string("by the system's firmware-table call")
+                       : ReadsByAddress() ? std::string("at the address that its firmware gave")
+                                          : std::string("by the scan of its memory");
     form += ", SMBIOS " + VersionText();
     if (m_isImage || m_isSample) form += ", " + std::to_string(m_image.source.length) + " table bytes";
     return form;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Packages/FERROXExternal/FERROXLib/FERROXLib.h"
+#include "Packages/OS/FirmwareTables.h"
 
 // Operations get arguments that the front has checked and return the statuses of FERROXLib.h. An empty slot is an
 // operation that the machine doesn't have: the front returns 6 for it.
@@ -45,8 +46,11 @@ struct HardwareServices_t {
     // As os_ListACPITables and os_ReadACPITable, which fill them in kThisHardware.
     std::vector<uint32_t> (*ListACPITables)();
     bool (*ReadACPITable)(uint32_t table, uint32_t place, std::vector<uint8_t>* bytes, bool* refused);
-    // Whether there is a BIOS area below 1 MiB. An empty slot means that there is. Without it nothing is read there.
+    // Whether the architecture has a BIOS area below 1 MiB. An empty slot means that it has. Without one, other things
+    // may be there, and nothing is read.
     bool (*HasBIOSArea)();
+    // As os_GetEntryAddresses, which fills it in kThisHardware. An empty slot is a machine that doesn't show them.
+    status_t (*GetEntryAddresses)(EntryAddresses_t* addresses, bool* refused);
 };
 
 // This machine; each system's half defines it.
@@ -56,6 +60,8 @@ extern const HardwareServices_t kThisHardware;
 const HardwareServices_t& CurrentHardware();
 // Sets the machine in use. The library must be closed, and `hardware` must outlive its use.
 void UseHardware(const HardwareServices_t& hardware);
+// What its slot says.
+bool HasBIOSArea();
 // Whether the library is open.
 bool HardwareIsOpen();
 

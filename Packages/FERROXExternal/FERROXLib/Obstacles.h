@@ -21,6 +21,7 @@ enum class Way_t : uint8_t {
     kService,        // the driver's service
     kDriver,         // the driver itself
     kScan,           // the SMBIOS table, by the scan of memory
+    kByAddress,      // the SMBIOS table, at the address that UEFI firmware gave to the system
     kMemory,         // the BIOS area, at F0000h
     kRAM,            // memory that the system uses
     kPCI,            // all 256 bytes of PCI configuration space

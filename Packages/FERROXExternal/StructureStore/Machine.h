@@ -27,10 +27,12 @@ struct MachineServices_t {
 };
 
 extern "C" {
-// The two methods of this machine: the operating system's firmware-table service, and the scan of physical memory. The
-// scan reads the table only if the system says that it is in memory (os_IsMemory).
+// The methods of this machine: the operating system's firmware-table service, the scan of physical memory, and the
+// address that UEFI firmware gave to the system. The last two read a table, and the last one its entry point too, only
+// if the system says that it is in memory (os_IsMemory).
 status_t osGetStructuresDataEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 status_t osGetStructuresDataNonEFI(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
+status_t osGetStructuresDataByAddress(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
 
 // Returns the machine in use.
 QUORLIN_API const MachineServices_t* CurrentMachine();
@@ -42,6 +44,9 @@ QUORLIN_API status_t SetMachine(const MachineServices_t* services);
 QUORLIN_API const MachineServices_t* ThisMachine();
 // The same with the scan of physical memory as the only access method.
 QUORLIN_API const MachineServices_t* ThisMachineByScan();
+// The same with the firmware's address as the only access method. On a system that doesn't show it, FERROXInitialize
+// returns 6 and starts no driver.
+QUORLIN_API const MachineServices_t* ThisMachineByEfi();
 // This machine without the driver: only the firmware-table service and the CPUID instruction.
 QUORLIN_API const MachineServices_t* ThisMachineWithoutDriver();
 }

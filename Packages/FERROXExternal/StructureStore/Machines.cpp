@@ -30,6 +30,13 @@ status_t ReadCPUIDIfThere(uint32_t processor, CPUIDRecord_t* record) {
     return kSuccess;
 }
 
+// A system that doesn't show the addresses needs no driver to say so.
+status_t OpenForAddresses() {
+    EntryAddresses_t addresses;
+    bool refused;
+    return GetEntryAddresses(&addresses, &refused) == kNotSupported ? kNotSupported : FERROXInitialize();
+}
+
 ImageSource_t imageSource = {};
 
 status_t CopyImage(const ImageSource_t& source, uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
@@ -74,6 +81,9 @@ constexpr MachineServices_t kThisMachine = {
 constexpr MachineServices_t kThisMachineByScan = {
     FERROXInitialize, FERROXTerminate, NoTable, osGetStructuresDataNonEFI, ReadCPUIDIfThere,
 };
+constexpr MachineServices_t kThisMachineByEfi = {
+    OpenForAddresses, FERROXTerminate, NoTable, osGetStructuresDataByAddress, ReadCPUIDIfThere,
+};
 constexpr MachineServices_t kThisMachineWithoutDriver = {
     NothingToDo, NothingToDo, osGetStructuresDataEFI, NoTable, ReadCPUIDByInstruction,
 };
@@ -89,6 +99,8 @@ const MachineServices_t* CurrentMachine() { return &currentMachine; }
 const MachineServices_t* ThisMachine() { return &kThisMachine; }
 
 const MachineServices_t* ThisMachineByScan() { return &kThisMachineByScan; }
+
+const MachineServices_t* ThisMachineByEfi() { return &kThisMachineByEfi; }
 
 const MachineServices_t* ThisMachineWithoutDriver() { return &kThisMachineWithoutDriver; }
 

@@ -1,5 +1,5 @@
 // What the store offers the package, the C interface and the program beside its public operations: facts about the
-// table, the machine chosen, and the outcome of a memory scan. For this tree only: not installed.
+// table, the machine chosen, and the outcome of reading memory. For this tree only: not installed.
 #pragma once
 
 #include <cstdint>
@@ -43,14 +43,17 @@ struct MachineChoice_t {
 MachineChoice_t ChosenMachine();
 void ChooseMachine(const MachineChoice_t& choice);
 
-// How a scan of physical memory for the table ended.
-enum class ScanEnd_t {
+// How a method that reads the table from physical memory ended.
+enum class MemoryEnd_t {
     kFound,
-    kNoArea,      // the machine's architecture has no BIOS area
-    kNoRoom,      // out of memory
-    kUnreadable,  // the hardware library refused to read
-    kNoAnchors,   // the memory has no _SM_ or no _DMI_ entry point
-    kElsewhere,   // the system doesn't call the table's place memory, so it wasn't read
+    kNoArea,        // the machine's architecture has no BIOS area to scan
+    kNoRoom,        // out of memory
+    kUnreadable,    // the system or the hardware library refused to read
+    kNoAnchors,     // the scan finds no _SM_ or no _DMI_ entry point
+    kNoAddresses,   // the system shows no addresses of UEFI firmware
+    kNoEntryPoint,  // the firmware's addresses don't lead to an entry point with correct checksums
+    kElsewhere,     // the system doesn't call the place of the table or its entry point memory, so it wasn't read
 };
-// As osGetStructuresDataNonEFI, but tells why it failed.
-ScanEnd_t ScanMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
+// As osGetStructuresDataNonEFI and osGetStructuresDataByAddress, but they tell why they failed.
+MemoryEnd_t ScanMemory(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);
+MemoryEnd_t ReadByAddress(uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image);

@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Packages/Format/EntryPoint.h"
@@ -62,6 +64,20 @@ int ACPIAnswer(uint32_t table, uint32_t place, std::vector<uint8_t>* answer) {
     return problem == ENOENT ? AppendFile((path + std::to_string(place + 1)).c_str(), answer) : problem;
 }
 
+// The address after `name`, such as "SMBIOS3=0x", in the line that begins with it; 0 if there is none.
+uint64_t AddressAfter(std::string_view name, std::string_view lines) {
+    while (!lines.empty()) {
+        const std::string_view line = lines.substr(0, lines.find('\n'));
+        lines.remove_prefix(std::min(line.size() + 1, lines.size()));
+        if (!line.starts_with(name)) continue;
+        const char* const end = line.data() + line.size();
+        uint64_t address = 0;
+        const auto [stop, error] = std::from_chars(line.data() + name.size(), end, address, 16);
+        if (error == std::errc() && stop == end) return address;
+    }
+    return 0;
+}
+
 }  // namespace
 
 uint32_t os_GetFirmwareTable(uint32_t provider, uint32_t table, void* buffer, uint32_t room, bool* refused) try {
@@ -102,4 +118,17 @@ bool os_ReadACPITable(uint32_t table, uint32_t place, std::vector<uint8_t>* byte
     const int problem = ACPIAnswer(table, place, bytes);
     *refused = problem == EACCES || problem == EPERM;
     return problem == 0;
+}
+
+status_t os_GetEntryAddresses(EntryAddresses_t* addresses, bool* refused) try {
+    *refused = false;
+    std::vector<uint8_t> bytes;
+    const int problem = AppendFile("/sys/firmware/efi/systab", &bytes);
+    *refused = problem == EACCES || problem == EPERM;
+    if (problem != 0) return kFailure;
+    const std::string_view lines(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    *addresses = {AddressAfter("SMBIOS3=0x", lines), AddressAfter("SMBIOS=0x", lines)};
+    return kSuccess;
+} catch (const std::bad_alloc&) {
+    return kNoMemory;
 }

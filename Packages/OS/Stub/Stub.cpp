@@ -168,6 +168,11 @@ bool os_ReadACPITable(uint32_t, uint32_t, std::vector<uint8_t>*, bool* refused) 
     return false;
 }
 
+status_t os_GetEntryAddresses(EntryAddresses_t*, bool* refused) {
+    *refused = false;
+    return kNotSupported;
+}
+
 bool os_IsMemory(uint64_t, uint64_t) { return false; }
 
 uint32_t os_GetProcessorCount() { return 0; }

@@ -24,3 +24,8 @@ bool os_ReadACPITable(uint32_t table, uint32_t place, std::vector<uint8_t>* byte
     bytes->resize(size);
     return size != 0 && os_GetFirmwareTable(kACPIProvider, table, bytes->data(), size, refused) == size;
 }
+
+status_t os_GetEntryAddresses(EntryAddresses_t*, bool* refused) {
+    *refused = false;
+    return kNotSupported;
+}

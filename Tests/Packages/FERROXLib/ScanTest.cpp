@@ -120,7 +120,7 @@ TEST_F(Scan, AMachineWithoutABIOSAreaIsNotRead) {
     UseHardware(hardware);
     uint8_t entry[kEntryBufferSize] = {}, dmiEntry[kDMIEntryBufferSize] = {};
     SMBIOSTableImage_t* image = nullptr;
-    EXPECT_EQ(ScanMemory(entry, dmiEntry, &image), ScanEnd_t::kNoArea);
+    EXPECT_EQ(ScanMemory(entry, dmiEntry, &image), MemoryEnd_t::kNoArea);
     EXPECT_EQ(osGetStructuresDataNonEFI(entry, dmiEntry, &image), kFailure);
     UseHardware(kThisHardware);
     EXPECT_EQ(image, nullptr);

@@ -490,7 +490,7 @@ TEST(Program, ExitsWithOneLineThatSaysWhy) {
         {"--image " + text,                                        1, "not a table"                  },
         {"--sample --method \"\"",                                 2, "--method may not be empty"    },
         {"--sample --road scan",                                   2, "are for this machine"         },
-        {"--method bios",                                          2, "use firmware or scan"         },
+        {"--method bios",                                          2, "use firmware, scan or efi"    },
         {"diff " + text + " \"\"",                                 2, "image may not be empty"       },
         {"--sample types",                                         2, "exclude"                      },
         {"raw --image-list x",                                     2, "unknown option '--image-list'"},
@@ -646,17 +646,22 @@ TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
                       nobody = "chmod 600 /dev/mem && setpriv --reuid 65534 --regid 65534 --clear-groups ",
                       memory = "truncate -s 1M /dev/mem && ";
     Bytes_t area(1u << 20);
-    std::ranges::copy(DumpOf(TableBy("A"), 2, 7, 0xF0100, 0x100), area.begin() + 0xF0000);
-    const auto scan = [&area](const std::string& name, const std::string& map) {
+    Bytes_t dump = DumpOf(TableBy("A"), 2, 7, 0xF0100, 0x100);
+    SetChecksums(dump);
+    std::ranges::copy(dump, area.begin() + 0xF0000);
+    const auto read = [&area](const std::string& method, const std::string& name, const std::string& map) {
         return "cp " + WriteFile("mem", area) + " /dev/mem && mount --bind " +
                WriteFile(name, Bytes_t(map.begin(), map.end())) +
-               " /proc/iomem && " QUORLIN_PROGRAM " get 3 Manufacturer --method scan --verbose";
+               " /proc/iomem && " QUORLIN_PROGRAM " get 3 Manufacturer --verbose --method " + method;
+    };
+    const auto scan = [&read](const std::string& name, const std::string& map) { return read("scan", name, map); };
+    const auto efi = [&read](const std::string& systab, const std::string& name, const std::string& map) {
+        return "mkdir /sys/firmware/efi && echo " + systab + " >/sys/firmware/efi/systab && " + read("efi", name, map);
     };
     const std::pair<std::string, std::string> kCases[] = {
         Pair(scan("rom", "000f0000-000fffff : System ROM\n"), "read by the scan of its memory, SMBIOS 2.7\nA\n0\n"),
         Pair(scan("device", "000f0000-000fffff : PCI\n"),
-             "the table that the scan finds isn't in known memory, and is not read; try without --method, or quorlin "
-             "doctor\n2\n"),
+             "the table isn't in known memory, and is not read; try without --method, or quorlin doctor\n2\n"),
         Pair(firmware + QUORLIN_PROGRAM " get 3 Manufacturer", "A\n0\n"),
         Pair(memory + firmware + nobody + QUORLIN_PROGRAM,
              "this machine: the system refuses to give its SMBIOS table; try as root, or quorlin doctor\n1\n"),
@@ -670,6 +675,19 @@ TEST_F(OnLinux, AMachineWithoutATableSaysWhy) {
         Pair(memory + QUORLIN_PROGRAM " --method scan",
              "the scan of its memory finds no table; try without --method, or quorlin doctor\n1\n"),
         Pair(memory + nobody + QUORLIN_PROGRAM " --method scan",
+             "the system refuses to give its memory; try as root, or quorlin doctor\n1\n"),
+        Pair(efi("SMBIOS=0xf0000", "rom", "000f0000-000fffff : System ROM\n"),
+             "read at the address that its firmware gave, SMBIOS 2.7\nA\n0\n"),
+        Pair(efi("SMBIOS=0xf0000", "device", "000f0000-000fffff : PCI\n"),
+             "the table isn't in known memory, and is not read; try without --method, or quorlin doctor\n2\n"),
+        Pair(
+            efi("SMBIOS3=0xf1000", "rom", "000f0000-000fffff : System ROM\n"),
+            "the firmware's address doesn't lead to a valid entry point; try without --method, or quorlin doctor\n2\n"),
+        Pair(QUORLIN_PROGRAM " --method efi",
+             "this firmware isn't UEFI, or the kernel doesn't show its tables; try without --method, or quorlin "
+             "doctor\n1\n"),
+        Pair(memory + "cd /sys/firmware && mkdir efi && echo >efi/systab && chmod 400 efi/systab && " + nobody +
+                 QUORLIN_PROGRAM " --method efi",
              "the system refuses to give its memory; try as root, or quorlin doctor\n1\n"),
         Pair(QUORLIN_PROGRAM " hw mem 0xF0000 4",
              "the request was refused (status 0); try quorlin hw --help, or quorlin doctor\n1\n"),

@@ -64,22 +64,24 @@ Finding_t TryFirmwareTable() {
     return status == kSuccess ? Finding_t{Obstacle_t::kNone, detail} : WhyFailed(Way_t::kFirmwareTable, 0, status);
 }
 
-Finding_t TryScan() {
-    ScanEnd_t end = ScanEnd_t::kUnreadable;
+// By a method that reads memory.
+template <typename Method>
+Finding_t TryTableInMemory(Way_t way, Method method) {
+    MemoryEnd_t end = MemoryEnd_t::kUnreadable;
     std::string detail;
-    const auto scan = [&end](uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
-        end = ScanMemory(entry, dmiEntry, image);
-        return end == ScanEnd_t::kFound ? kSuccess : kFailure;
+    const auto read = [&](uint8_t* entry, uint8_t* dmiEntry, SMBIOSTableImage_t** image) {
+        end = method(entry, dmiEntry, image);
+        return end == MemoryEnd_t::kFound ? kSuccess : kFailure;
     };
-    const status_t status = ReadTable(scan, &detail);
+    const status_t status = ReadTable(read, &detail);
     if (status == kSuccess) return {Obstacle_t::kNone, detail};
-    if (end == ScanEnd_t::kNoRoom) throw std::bad_alloc();
-    if (end == ScanEnd_t::kNoAnchors || end == ScanEnd_t::kFound) return {Obstacle_t::kNoAnchors, ""};
-    Finding_t ofScan = FindObstacle(Way_t::kScan, 0);
-    if (ofScan.obstacle != Obstacle_t::kNone) return ofScan;
-    if (end == ScanEnd_t::kElsewhere) return {Obstacle_t::kNoMap, ""};
+    if (end == MemoryEnd_t::kNoRoom) throw std::bad_alloc();
+    if (end == MemoryEnd_t::kNoAnchors || end == MemoryEnd_t::kNoEntryPoint) return {ObstacleOf(end), ""};
+    Finding_t ofWay = FindObstacle(way, 0);
+    if (ofWay.obstacle != Obstacle_t::kNone) return ofWay;
+    if (end == MemoryEnd_t::kElsewhere) return {ObstacleOf(end), ""};
     Finding_t ofRAM = FindObstacle(Way_t::kRAM, 0);
-    return ofRAM.obstacle == Obstacle_t::kStrictMemory ? ofRAM : WhyFailed(Way_t::kScan, 0, status);
+    return ofRAM.obstacle == Obstacle_t::kStrictMemory ? ofRAM : WhyFailed(way, 0, status);
 }
 
 Finding_t TryACPI() {
@@ -94,12 +96,9 @@ Finding_t TryACPI() {
 
 Finding_t TryMemory() {
     constexpr uint64_t kBIOSArea = 0xF0000;
-    // Where that area isn't, nothing is read: it may be a device's.
-    if (Finding_t finding = FindObstacle(Way_t::kMemory, 0); finding.obstacle == Obstacle_t::kArchitecture)
-        return finding;
     Word_t word;
     word.size = 1;
-    const status_t status = GetSystemTables(kBIOSArea, 0, word.Buffer());
+    const status_t status = HasBIOSArea() ? GetSystemTables(kBIOSArea, 0, word.Buffer()) : kNotSupported;
     return status == kSuccess ? Finding_t{} : WhyFailed(Way_t::kMemory, 0, status);
 }
 
@@ -159,7 +158,8 @@ Finding_t Try(Way_t way, uint32_t processor) {
     switch (way) {
         case Way_t::kFirmwareTable: return TryFirmwareTable();
         case Way_t::kACPI: return TryACPI();
-        case Way_t::kScan: return TryScan();
+        case Way_t::kScan: return TryTableInMemory(way, ScanMemory);
+        case Way_t::kByAddress: return TryTableInMemory(way, ReadByAddress);
         case Way_t::kMemory: return TryMemory();
         case Way_t::kPCI: return TryPCI();
         case Way_t::kExtendedPCI: return TryExtendedPCI();
@@ -189,20 +189,21 @@ struct Thing_t {
 };
 
 constexpr Thing_t kThings[] = {
-    {"table",        "SMBIOS table from the system",            Way_t::kFirmwareTable, kTable          },
-    {"entry-point",  "SMBIOS entry point",                      Way_t::kEntryPoint,    kOptional       },
-    {"acpi",         "ACPI tables",                             Way_t::kACPI,          kPlain          },
-    {"service",      "Driver's service",                        Way_t::kService,       kOptional       },
-    {"driver",       "Driver",                                  Way_t::kDriver,        kOptional       },
-    {"scan",         "SMBIOS table by the scan of memory",      Way_t::kScan,          kTable | kOpen  },
-    {"memory",       "Memory of the firmware",                  Way_t::kMemory,        kOpen           },
-    {"ram",          "Memory of the system",                    Way_t::kRAM,           kOptional       },
-    {"pci",          "PCI configuration space",                 Way_t::kPCI,           kOpen           },
-    {"pci-extended", "PCI configuration space above 256 bytes", Way_t::kExtendedPCI,   kOpen           },
-    {"ports",        "I/O ports",                               Way_t::kPorts,         kPlain          },
-    {"msr",          "Model-specific registers",                Way_t::kMSR,           kForEach | kOpen},
-    {"cpuid",        "CPUID",                                   Way_t::kCPUID,         kForEach | kOpen},
-    {"new-files",    "New files in this folder",                Way_t::kNewFiles,      kPlain          },
+    {"table",        "SMBIOS table from the system",            Way_t::kFirmwareTable, kTable                    },
+    {"entry-point",  "SMBIOS entry point",                      Way_t::kEntryPoint,    kOptional                 },
+    {"acpi",         "ACPI tables",                             Way_t::kACPI,          kPlain                    },
+    {"service",      "Driver's service",                        Way_t::kService,       kOptional                 },
+    {"driver",       "Driver",                                  Way_t::kDriver,        kOptional                 },
+    {"scan",         "SMBIOS table by the scan of memory",      Way_t::kScan,          kTable | kOpen            },
+    {"efi",          "SMBIOS table by UEFI firmware's address", Way_t::kByAddress,     kTable | kOpen | kOptional},
+    {"memory",       "Memory of the firmware",                  Way_t::kMemory,        kOpen                     },
+    {"ram",          "Memory of the system",                    Way_t::kRAM,           kOptional                 },
+    {"pci",          "PCI configuration space",                 Way_t::kPCI,           kOpen                     },
+    {"pci-extended", "PCI configuration space above 256 bytes", Way_t::kExtendedPCI,   kOpen                     },
+    {"ports",        "I/O ports",                               Way_t::kPorts,         kPlain                    },
+    {"msr",          "Model-specific registers",                Way_t::kMSR,           kForEach | kOpen          },
+    {"cpuid",        "CPUID",                                   Way_t::kCPUID,         kForEach | kOpen          },
+    {"new-files",    "New files in this folder",                Way_t::kNewFiles,      kPlain                    },
 };
 
 // Keeps a trial of the hardware library.

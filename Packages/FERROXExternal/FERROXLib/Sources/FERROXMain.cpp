@@ -79,6 +79,8 @@ void CloseLibrary() {
 
 const HardwareServices_t& CurrentHardware() { return *hardware; }
 
+bool HasBIOSArea() { return hardware->HasBIOSArea == nullptr || hardware->HasBIOSArea(); }
+
 void UseHardware(const HardwareServices_t& other) { hardware = &other; }
 
 bool HardwareIsOpen() { return instanceCount != 0; }

@@ -129,7 +129,7 @@ constexpr HardwareServices_t kRecordedHardware = {
     Open,         Open,        GetVersion<0>, GetVersion<1>, GetVersion<2>, GetVersion<3>, ReadSpace,
     ReadExtended, NotRecorded, NotRecorded,   NotRecorded,   NotRecorded,   NotRecorded,   NotRecorded,
     NotRecorded,  NotRecorded, NotRecorded,   NotRecorded,   ReadRegister,  NotRecorded,   ReadProcessor,
-    NotRecorded,  GetTable,    nullptr,       ListTables,    ReadTable,     nullptr,
+    NotRecorded,  GetTable,    nullptr,       ListTables,    ReadTable,     nullptr,       nullptr,
 };
 
 }  // namespace

@@ -594,4 +594,5 @@ const HardwareServices_t kThisHardware = {
     os_ListACPITables,
     os_ReadACPITable,
     nullptr,  // there is a BIOS area
+    os_GetEntryAddresses,
 };

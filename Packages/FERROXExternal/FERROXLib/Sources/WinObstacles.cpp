@@ -71,6 +71,7 @@ Finding_t FindObstacle(Way_t way, uint32_t) {
         case Way_t::kFirmwareTable: return WhyNoTable(kSMBIOSProvider, Obstacle_t::kNoSMBIOS);
         case Way_t::kACPI: return WhyNoTable(kACPIProvider, Obstacle_t::kNoACPI);
         case Way_t::kNewFiles:
+        case Way_t::kByAddress:   // Windows doesn't show it
         case Way_t::kEntryPoint:  // Windows gives the table without it
         case Way_t::kRAM: return {Obstacle_t::kNotHere, ""};
         case Way_t::kService: return WhyNoService();

@@ -287,6 +287,36 @@ TEST_F(StandIns, FirmwareTablesComeFromTheKernelsFiles) {
     EXPECT_EQ(Firmware(kSMBIOSProvider, "\0\0\0\0"), "") << "no entry point";
 }
 
+TEST_F(StandIns, EntryAddressesAreThoseOfTheKernelsLines) {
+    EntryAddresses_t addresses = {};
+    bool refused = true;
+    EXPECT_EQ(os_GetEntryAddresses(&addresses, &refused), kFailure) << "no UEFI firmware";
+    EXPECT_FALSE(refused);
+    const struct {
+        const char* lines;
+        uint64_t smbios3, smbios;
+    } kCases[] = {
+        {"ACPI=0x1\nSMBIOS3=0x7f5c0000\nSMBIOS=0xF05b0\n", 0x7F5C0000,         0xF05B0},
+        {"SMBIOS=0x10",                                    0,                  0x10   },
+        {"SMBIOS3=0xffffffffffffffff\n",                   0xFFFFFFFFFFFFFFFF, 0      },
+        {"SMBIOS3=0x10000000000000000\nSMBIOS=0x\n",       0,                  0      },
+        {"SMBIOS3=7\nSMBIOS=-1\nXSMBIOS=0x5\n",            0,                  0      },
+        {"SMBIOS3=0x12 \nSMBIOS=0x0x12\nSMBIOS=0x3\n",     0,                  3      },
+        {"",                                               0,                  0      },
+        {"\n\nSMBIOS",                                     0,                  0      },
+    };
+    for (const auto& c : kCases) {
+        m_firmware->Write("efi/systab", c.lines);
+        ASSERT_EQ(os_GetEntryAddresses(&addresses, &refused), kSuccess) << c.lines;
+        EXPECT_EQ(addresses.smbios3, c.smbios3) << c.lines;
+        EXPECT_EQ(addresses.smbios, c.smbios) << c.lines;
+    }
+    const auto askAsNobody = [&] {
+        return BecomeNobody() && os_GetEntryAddresses(&addresses, &refused) == kFailure && refused ? 0 : 1;
+    };
+    EXPECT_EQ(InChild(askAsNobody), 0) << "a file that only root may read";
+}
+
 TEST_F(StandIns, ACPITablesAreListedOncePerFile) {
     EXPECT_EQ(os_ListACPITables(), std::vector<uint32_t>{});
     for (const char* name : {"SSDT2", "FACP", "SSDT1", "dynamic/SSDT9", "ABC"})

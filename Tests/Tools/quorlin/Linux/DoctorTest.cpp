@@ -37,6 +37,7 @@ TEST_F(Doctor, AMachineThatShowsAllWorks) {
     for (const char* thing : {"memory", "msr", "cpuid"})
         EXPECT_EQ(diagnosis.Of(thing), OnX86("")) << thing << "\n" << diagnosis.output;
     EXPECT_EQ(diagnosis.Of("scan"), OnX86("no-anchors"));
+    EXPECT_EQ(diagnosis.Of("efi"), "no-addresses");
     EXPECT_EQ(diagnosis.Of("driver"), "(not shown)");
     const std::string text = RunPrepared({QUORLIN_PROGRAM, "doctor"}).output;
     EXPECT_TRUE(text.starts_with("SMBIOS table from the system: works (SMBIOS 2.7, ")) << text;
@@ -44,11 +45,12 @@ TEST_F(Doctor, AMachineThatShowsAllWorks) {
 
 TEST_F(Doctor, AnOrdinaryUserHasNoRights) {
     WriteAll();
+    m_firmware->Write("efi/systab", "SMBIOS=0xf0000\n");
     const Diagnosis_t diagnosis = Diagnose([] {
         if (!BecomeNobody() || chdir("/") != 0) _exit(99);
     });
     EXPECT_EQ(diagnosis.exitCode, 1);
-    for (const char* thing : {"table", "entry-point", "acpi", "ram", "pci"})
+    for (const char* thing : {"table", "entry-point", "acpi", "efi", "ram", "pci"})
         EXPECT_EQ(diagnosis.Of(thing), "rights") << thing << "\n" << diagnosis.output;
     for (const char* thing : {"scan", "memory", "msr"})
         EXPECT_EQ(diagnosis.Of(thing), OnX86("rights")) << thing << "\n" << diagnosis.output;
@@ -76,6 +78,26 @@ TEST_F(Doctor, ARootMayLackACapability) {
     EXPECT_NE(diagnosis.output.find("CAP_SYS_ADMIN, /proc/iomem shows no addresses"), std::string::npos);
     EXPECT_EQ(diagnosis.Of("table"), "") << diagnosis.output;
     EXPECT_EQ(diagnosis.exitCode, 0) << "the table from the system is enough";
+}
+
+TEST_F(Doctor, AnAddressMayLeadNowhere) {
+    WriteAll();
+    const ClFolderOver proc("/proc");
+    proc.Write("iomem", "000f0000-000fffff : System ROM\n");
+    const std::vector<uint8_t> dump = DumpOf(TableOf({ClStructureBuilder(3, 9)}), 3, 2);
+    m_dev->Write("mem", std::string(0xF0000, '\0') + std::string(dump.begin(), dump.end()) + std::string(0x10000, ' '));
+    const struct {
+        const char *systab, *cause;
+    } kCases[] = {
+        {"ACPI=0xf0000\n",    "no-entry-point"},
+        {"SMBIOS3=0xf0010\n", "no-entry-point"},
+        {"SMBIOS3=0xe0000\n", "no-map"        },
+        {"SMBIOS3=0xf0000\n", "no-map"        }, // of the table, whose address is that in a dump
+    };
+    for (const auto& c : kCases) {
+        m_firmware->Write("efi/systab", c.systab);
+        EXPECT_EQ(Diagnose().Of("efi"), c.cause) << c.systab;
+    }
 }
 
 TEST_F(Doctor, RootOfAnotherUserNamespaceHasNone) {
@@ -113,7 +135,7 @@ TEST_F(Doctor, RootOfAnotherUserNamespaceHasNone) {
 TEST_F(Doctor, AMaskIsNoFirmwareWithoutTables) {
     const Diagnosis_t masked = Diagnose();
     EXPECT_EQ(masked.exitCode, 1);
-    for (const char* thing : {"table", "entry-point", "acpi"})
+    for (const char* thing : {"table", "entry-point", "acpi", "efi"})
         EXPECT_EQ(masked.Of(thing), "masked") << thing << "\n" << masked.output;
     // A single file.
     WriteTables();

@@ -53,7 +53,7 @@ static status_t GetVersion(uint32_t* version) {
     return kSuccess;
 }
 
-static bool HasBIOSArea() { return ArchitectureHas(Way_t::kScan); }
+static bool CanScan() { return ArchitectureHas(Way_t::kScan); }
 
 const HardwareServices_t kThisHardware = {
     Open,
@@ -82,5 +82,6 @@ const HardwareServices_t kThisHardware = {
     os_IsMemory,
     os_ListACPITables,
     os_ReadACPITable,
-    HasBIOSArea,
+    CanScan,
+    os_GetEntryAddresses,
 };

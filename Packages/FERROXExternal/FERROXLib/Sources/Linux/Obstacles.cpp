@@ -257,6 +257,12 @@ Finding_t WhyNoScan() {
     return WhyRefused(EPERM, kAdmin, "/proc/iomem shows no addresses");
 }
 
+// Reads memory as the scan does.
+Finding_t WhyNoTableByAddress() {
+    Finding_t finding = WhyNoFirmwareFile("/sys/firmware/efi", "systab", Obstacle_t::kNoAddresses);
+    return finding.obstacle == Obstacle_t::kNone ? WhyNoScan() : finding;
+}
+
 // ---- PCI
 
 // The kernel gives the first 64 bytes to everybody.
@@ -336,6 +342,7 @@ Finding_t FindObstacle(Way_t way, uint32_t processor) {
         case Way_t::kEntryPoint: return WhyNoEntryPoint();
         case Way_t::kACPI: return WhyNoACPI();
         case Way_t::kScan: return WhyNoScan();
+        case Way_t::kByAddress: return WhyNoTableByAddress();
         case Way_t::kMemory: return WhyNoMemory(kBIOSArea);
         case Way_t::kRAM: return WhyNoMemory(PlaceOfRAM());
         case Way_t::kPCI: return WhyNoPCI();

@@ -112,11 +112,11 @@ TEST_F(StandIns, StrictMemoryIsNotLockdown) {
 }
 
 // Scans, and expects an image only of a table that was found.
-ScanEnd_t Scan() {
+MemoryEnd_t Scan() {
     uint8_t entry[kEntryBufferSize] = {}, dmiEntry[kDMIEntryBufferSize] = {};
     SMBIOSTableImage_t* image = nullptr;
-    const ScanEnd_t end = ScanMemory(entry, dmiEntry, &image);
-    EXPECT_EQ(image != nullptr, end == ScanEnd_t::kFound);
+    const MemoryEnd_t end = ScanMemory(entry, dmiEntry, &image);
+    EXPECT_EQ(image != nullptr, end == MemoryEnd_t::kFound);
     os_FreeBlock(image);
     return end;
 }
@@ -129,18 +129,18 @@ TEST_F(StandIns, ScanReadsATableOnlyInMemory) {
     m_dev->Write("mem", memory);
     const ClFolderOver proc("/proc");
     proc.Write("iomem", "000f0000-000fffff : System ROM\n");
-    EXPECT_EQ(Scan(), ScanEnd_t::kFound);
+    EXPECT_EQ(Scan(), MemoryEnd_t::kFound);
     proc.Write("iomem", "000f0000-000fffff : 00:05\n");
-    EXPECT_EQ(Scan(), ScanEnd_t::kElsewhere);
+    EXPECT_EQ(Scan(), MemoryEnd_t::kElsewhere);
     ClBuffer asked(4);
     EXPECT_EQ(GetSystemTables(0xF0000, 0, asked.Get()), kSuccess) << "as the caller asks";
     EXPECT_EQ(Text(asked), "_SM_");
     const auto scanAsNobody = [] {
-        return BecomeNobody() && Scan() == ScanEnd_t::kUnreadable && LastRefusal() == Refusal_t::kRights ? 0 : 1;
+        return BecomeNobody() && Scan() == MemoryEnd_t::kUnreadable && LastRefusal() == Refusal_t::kRights ? 0 : 1;
     };
     EXPECT_EQ(InChild(scanAsNobody), 0) << "rights would help";
     std::filesystem::remove("/dev/mem");
-    EXPECT_EQ(Scan(), ScanEnd_t::kUnreadable);
+    EXPECT_EQ(Scan(), MemoryEnd_t::kUnreadable);
     EXPECT_EQ(LastRefusal(), Refusal_t::kOther) << "no right would help";
 }
 
