@@ -51,7 +51,7 @@ def lacks_access_method():
 EXPECTED = {
     "Sources/Cut.ImagesOfRealMachines*": lambda preset: not (ROOT / "../shared/tables").exists(),
     "Analysis/RealTables.*": lambda preset: not (ROOT / "../shared/tables").exists(),
-    "Machine/Machine.Writes*": lambda preset: True,  # guests run these two
+    "Machine/Machine.Writes*": lambda preset: True,  # guests run these
     "Machine/Machine.Ports*": lambda preset: True,
     "Machine/Machine.PCIRegisters*": lambda preset: lacks_pci(),
     "Machine/Machine.Segments*": lambda preset: lacks("/sys/firmware/acpi/tables/MCFG", 60),

@@ -2,7 +2,9 @@
 # Holds lies against a machine: its true table, and copies of it with one lie each. Only the rule that knows the truth
 # may contradict. Leaves what verify says of each in a new folder.
 #
-#     lies.sh QUORLIN FOLDER NAMES [OPTION...]      those whose names match a pattern; the options follow each command
+#     lies.sh QUORLIN FOLDER NAMES [OPTION...]      those whose names match a pattern of the list; the options follow
+#                                                   each command
+set -f
 quorlin=$1 folder=$2 names=$3
 shift 3
 mkdir -p "$folder" && cd "$folder" || exit 1
@@ -27,13 +29,17 @@ write() {
     done | dd of="$file" bs=1 seek="$at" conv=notrunc 2>/dev/null
 }
 
+is_chosen() {
+    for pattern in $names; do
+        # shellcheck disable=SC2254
+        case $1 in $pattern) return ;; esac
+    done
+    return 1
+}
+
 failed=0 count=0
 while read -r name rule structure key bytes; do
-    # shellcheck disable=SC2254  # it is a pattern
-    case $name in
-    $names) ;;
-    *) continue ;;
-    esac
+    is_chosen "$name" || continue
     cp true "$name"
     count=$((count + 1))
     # shellcheck disable=SC2086  # words are arguments
