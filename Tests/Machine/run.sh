@@ -113,7 +113,7 @@ boot() {
     job=$1 machine=$2 processor=$3 kernelOptions=$4
     shift 4
     started=$(date +%s)
-    timeout 400 "qemu-system-$emulator" -nographic -no-reboot -net none -m 512 -machine "$machine" -cpu "$processor" \
+    timeout 500 "qemu-system-$emulator" -nographic -no-reboot -net none -m 512 -machine "$machine" -cpu "$processor" \
         -kernel "$work/kernel-$architecture/$kernel" -initrd "$work/initramfs-$architecture" \
         -append "console=$console quiet panic=-1 job=$job $kernelOptions" "$@" </dev/null 2>&1 |
         tr -d '\r' >"$work/$job.log" || true
