@@ -98,7 +98,7 @@ test-arm64:
 	@cmake --preset arm64 -DQUORLIN_TESTS=ON >/dev/null
 	@cmake --build --preset arm64
 	@cmake/with-arm64.sh Tests/run_tests.py arm64
-	@Tests/Machine/run.sh arm64
+	@Tests/Machine/run.sh arm64 arm64-claims
 
 # The same tests as Windows programs under Wine, and the tests of the service and its driver.
 test-windows:

@@ -9,9 +9,6 @@ BARE void ReadNowhere() { static_cast<void>(*reinterpret_cast<volatile uint8_t*>
 BARE void ReadRegister() { __asm__ volatile("mrs x0, ttbr0_el1" ::: "x0"); }
 BARE void CallHypervisor() { __asm__ volatile("hvc #0"); }
 BARE void Break() { __asm__ volatile("brk #0"); }
-BARE void MisalignStack() {
-    __asm__ volatile("mov x1, sp; add x0, x1, #1; mov sp, x0; ldr x0, [sp]; mov sp, x1" ::: "x0", "x1", "memory");
-}
 
 constexpr Crash_t kCrashes[] = {
     {"no possible address",    ReadNowhere,    SIGSEGV, "code c0000005 0 80000000000000"},
@@ -19,7 +16,6 @@ constexpr Crash_t kCrashes[] = {
     {"privileged, a call",     CallHypervisor, SIGILL,  "code c0000096"                 },
     {"undefined instruction",  Undefined,      SIGILL,  "code c000001d"                 },
     {"breakpoint",             Break,          SIGTRAP, "code 80000003"                 },
-    {"misaligned stack",       MisalignStack,  SIGBUS,  "code 80000002"                 },
 };
 
 }  // namespace
