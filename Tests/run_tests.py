@@ -109,6 +109,7 @@ EMULATED_PROGRAMS_OUT = {
     "Install": "builds with the installed library, which the packages' own check does",
     "Layers": "of the sources; the native tests run it",
     "Python": "this machine's Python can't load the library; the packages' own check has one that can",
+    "RecordTools": "this kernel shows no MIDR; the tools read the record of the guest",
     "RunTests": "of the sources; the native tests run it",
 }
 
