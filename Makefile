@@ -7,6 +7,8 @@ ANSIBLE_PACKAGES = ansible-core python3
 REPORT_PACKAGES = chromium chromium-driver python3-selenium poppler-utils pci.ids
 ARM64_PACKAGES = g++-aarch64-linux-gnu qemu-user-static
 ARM64_LIBRARIES = libsodium-dev zlib1g-dev
+# What the packages depend on.
+ARM64_SHARED_LIBRARIES = libc6 libgcc-s1 libstdc++6 zlib1g
 WINE_PACKAGES = wine googletest python3
 BENCH_PACKAGES = libbenchmark-dev valgrind strace time python3
 FUZZ_PACKAGES = clang
@@ -21,7 +23,7 @@ AS_READER = $(shell [ "$$(id -u)" = 0 ] || [ ! -e $(DMI) ] || [ -r $(DMI) ] || e
 
 .PHONY: build run test test-long test-machine test-sarif test-report test-metrics test-ansible test-fleet \
 	test-fleet-engines test-fleet-million fleet-program stub asan tsan coverage arm64 test-arm64 windows test-windows \
-	install deb zip bench guard guard-update fuzz format lint hooks clean
+	install deb deb-arm64 zip bench guard guard-update fuzz format lint hooks clean
 .DEFAULT_GOAL := build
 
 build:
@@ -116,6 +118,12 @@ install: build
 deb:
 	@$(INSTALL) $(BUILD_PACKAGES) $(DEB_PACKAGES)
 	@cmake/make-deb.sh build/deb
+
+# The same for arm64, cross-built.
+deb-arm64:
+	@$(INSTALL) $(BUILD_PACKAGES) $(DEB_PACKAGES) $(ARM64_PACKAGES)
+	@cmake/arm64-packages.sh build/arm64-packages $(ARM64_LIBRARIES) $(ARM64_SHARED_LIBRARIES)
+	@cmake/make-deb.sh build/deb-arm64 arm64
 
 zip: windows
 	@$(INSTALL) $(ZIP_PACKAGES)

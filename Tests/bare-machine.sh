@@ -10,7 +10,7 @@ set -eu
 case ${1:-} in
 '')
     cd "$(dirname "$0")/.."
-    cmake/install-packages.sh debootstrap git
+    cmake/install-packages.sh mmdebstrap git
     sudo=
     [ "$(id -u)" = 0 ] || sudo='sudo --preserve-env=http_proxy,https_proxy,no_proxy,CCACHE_DIR'
     $sudo unshare --mount --pid --fork true || { echo "bare-machine: no right to mount here" >&2; exit 1; }

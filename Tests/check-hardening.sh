@@ -1,7 +1,7 @@
 #!/bin/sh
 # Checks that built files are hardened: check-hardening.sh FILE...
 # ELF files: position-independent code, read-only relocations that are bound at once, no memory that is writable and
-# executable; shared libraries also: stack protector, checked functions and, on x86, marks for indirect jumps and stack
+# executable; shared libraries also: stack protector, checked functions, marks for indirect jumps and, on x86, stack
 # probes. Windows files: ASLR with high entropy, DEP.
 failures=0
 
@@ -32,7 +32,10 @@ check_elf() {
       symbols=$(readelf -sW "$1")
       has "$1" "$symbols" '__stack_chk_fail' 'stack protector'
       has "$1" "$symbols" '__v?snprintf_chk' 'checked functions'
-      case "$facts" in *X86-64*) check_x86_library "$1" ;; esac
+      case "$facts" in
+        *X86-64*) check_x86_library "$1" ;;
+        *AArch64*) check_arm64_library "$1" ;;
+      esac
       ;;
   esac
 }
@@ -43,6 +46,11 @@ check_x86_library() {
   has "$1" "$entry" 'endbr64' 'landing marks for indirect jumps'
   # Large frames probe each of their pages.
   has "$1" "$code" ':[[:space:]]+or[a-z]* +\$0x0,\(%rsp\)' 'stack-clash protection'
+}
+
+check_arm64_library() {
+  entry=$(aarch64-linux-gnu-objdump -d --no-show-raw-insn "$1" | grep -A1 '<CreateSmbiosPackage@*[A-Z_0-9]*>:')
+  has "$1" "$entry" 'bti[[:space:]]+c|paciasp' 'landing marks for indirect jumps'
 }
 
 check_windows() {
