@@ -115,10 +115,12 @@ Finding_t TryPCI() {
     return finding;
 }
 
+// Without MCFG, the library would write a line of its own.
 Finding_t TryExtendedPCI() {
-    constexpr uint32_t kFirst = 256;
+    constexpr uint32_t kFirst = 256, kMCFG = 'M' | 'C' << 8 | 'F' << 16 | 'G' << 24;
     Word_t word;
-    const status_t status = PCIExRead(0, kFirst, word.Buffer());
+    const bool hasMap = os_GetFirmwareTable(kACPIProvider, kMCFG, nullptr, 0, nullptr) != 0;
+    const status_t status = hasMap ? PCIExRead(0, kFirst, word.Buffer()) : kFailure;
     if (status != kSuccess) return WhyFailed(Way_t::kExtendedPCI, 0, status);
     const bool isThere = std::ranges::any_of(word.bytes, [](uint8_t byte) { return byte != 0xFF; });
     return {isThere ? Obstacle_t::kNone : Obstacle_t::kNoExtended, ""};
