@@ -17,6 +17,7 @@ import subprocess
 import sys
 import tempfile
 
+
 def lines(text):
     return text.strip().split("\n")
 
@@ -88,19 +89,16 @@ check --image-list LIST --severity note --format csv
 diff BASE --image-list LIST --format ndjson
 diff BASE --image-list LIST --ignore serial_number --format csv
 """)
-# Runs without an image.
-ONCE = lines("""
+COMMANDS = ("show summary types facts find get dump explain raw check diff verify redact report metrics record hw "
+            "doctor").split()
+# Runs without an image: help, the sample, and the record of a machine.
+ONCE = [f"{command} --help" for command in COMMANDS] + lines("""
 --version
 redact --list
 redact --list --format json
 --sample --format lines --type 148
 --sample --format lines --type 148 --signature 30670
 --sample --format lines --type 148 --signature 506C0
-""")
-# The same for two programs of one system: help, and records of machines.
-COMMANDS = ("show summary types facts find get dump explain raw check diff verify redact report metrics record hw "
-            "doctor").split()
-ONCE_MORE = [f"{command} --help" for command in COMMANDS] + lines("""
 --replay RECORD --verbose
 summary --replay RECORD --format json
 metrics --replay RECORD
@@ -153,7 +151,7 @@ def on_terminal(command, folder):
         while True:
             try:
                 piece = os.read(own, 1 << 16)
-            except OSError as error:  # Linux ends a terminal so
+            except OSError as error:  # what Linux gives at a terminal's end
                 if error.errno != errno.EIO:
                     raise
                 break
@@ -202,14 +200,13 @@ def make_record(program, folder):
 
 
 def all_runs(images, is_windows):
-    """The lines of all runs, and whether a terminal shows them."""
-    runs = ONCE + ALL + [line.replace("--image IMAGE", "--sample") for line in EACH]
-    if not is_windows:
-        runs += ONCE_MORE + REFUSED
-    for image in images:
-        runs += [line.replace("IMAGE", image) for line in EACH + ([] if is_windows else EACH_MORE)]
-    shown = [line.replace("IMAGE", image) for image in images for line in EACH_ON_TERMINAL]
-    return [(line, False) for line in runs] + [(line, True) for line in shown if not is_windows]
+    """All runs: a line, its image if it has one, and whether a terminal shows it."""
+    each = EACH if is_windows else EACH + EACH_MORE
+    shown = [] if is_windows else EACH_ON_TERMINAL
+    runs = [(line, None, False) for line in ONCE + REFUSED + ALL]
+    runs += [(line.replace("--image IMAGE", "--sample"), None, False) for line in EACH]
+    runs += [(line, image, False) for image in images for line in each]
+    return runs + [(line, image, True) for image in images for line in shown]
 
 
 def main():
@@ -226,11 +223,9 @@ def main():
         make_record(programs[0], pathlib.Path(names["RECORD"]))
 
         def fault_of(run):
-            line, is_terminal = run
-            words = [names.get(word, word) for word in line.split()]
+            line, image, is_terminal = run
+            words = [image if word == "IMAGE" else names.get(word, word) for word in line.split()]
             first, second = [outcome([*program, *words], is_terminal) for program in programs]
-            if is_windows:  # which words errors differently, and Wine adds its own
-                del first["errors"], second["errors"]
             found = difference(first, second)
             # Some commands exit with 1 to say no; more is an error.
             if found is None and first["exit code"] not in (0, 1) and line not in REFUSED:
