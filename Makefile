@@ -56,6 +56,7 @@ stub:
 	@cmake --build --preset stub
 	@Tests/stub.sh build/stub/bin/quorlin
 
+# Here plain char is unsigned, as it is on ARM64; so the tests run with both.
 asan:
 	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
 	@cmake --preset asan >/dev/null

@@ -1,5 +1,6 @@
 // Memory Device (the SMBIOS standard, type 17). Sizes are shown as they are in the structure.
 #include "Sources/SMBIOSType017.h"
+#include "Packages/Format/Ascii.h"
 #include "Packages/OS/TextConversion.h"
 
 namespace {
@@ -82,7 +83,6 @@ constexpr CodeText_t kTypeDetails[] = {
 };
 static_assert(IsRising(kTypeDetails));
 
-constexpr bool IsPrintableAscii(char byte) { return byte >= 0x20 && byte <= 0x7E; }
 constexpr bool IsControl(char byte) { return byte >= 0x01 && byte <= 0x1F; }
 
 ClText ShowPartNumber(const Field_t& field) {

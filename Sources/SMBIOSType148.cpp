@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "Packages/Format/Ascii.h"
 #include "Sources/PackageTrace.h"
 #include "Sources/SMBIOSType148.h"
 
@@ -507,7 +508,7 @@ std::string ClSMBIOSType148::GetPrintableString(const char* text) {
     constexpr size_t kMostCharacters = 100;
     std::string printable(std::string_view(text).substr(0, kMostCharacters));
     for (char& character : printable)
-        if (character < 0x20 || character > 0x7E) character = ' ';
+        if (!IsPrintableAscii(character)) character = ' ';
     return printable;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Packages/Format/Ascii.h"
 #include "Packages/Format/TextLines.h"
 
 namespace {
@@ -9,7 +10,7 @@ namespace {
 constexpr size_t kPerRow = 16, kNameSize = 4;
 constexpr size_t kMostTables = 4096;  // far more than any machine has
 
-bool IsVisible(char c) { return c > ' ' && c <= '~'; }
+bool IsVisible(char c) { return IsPrintableAscii(c) && c != ' '; }
 
 void WriteRow(std::span<const uint8_t> bytes, size_t offset, std::string& text) {
     // At least four digits, aligned to the right in a column of eight.
@@ -25,7 +26,7 @@ void WriteRow(std::span<const uint8_t> bytes, size_t offset, std::string& text) 
     text.append(3 * (kPerRow - bytes.size()) + 2, ' ');
     for (const uint8_t byte : bytes) {
         const char character = static_cast<char>(byte);
-        text += IsVisible(character) || character == ' ' ? character : '.';
+        text += IsPrintableAscii(character) ? character : '.';
     }
     text += '\n';
 }

@@ -1,9 +1,12 @@
-// ASCII letters and blanks.
+// ASCII letters, printable characters and blanks. Bytes from 80h are none of them, whether `char` is signed or not.
 #pragma once
 
 #include <algorithm>
 #include <string>
 #include <string_view>
+
+// From the blank to the tilde.
+constexpr bool IsPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
 
 constexpr char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 inline std::string LowerCaseText(std::string_view text) {

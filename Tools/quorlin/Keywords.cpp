@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "Packages/Format/Ascii.h"
 #include "Tools/quorlin/FactTexts.h"
 #include "Tools/quorlin/Output.h"
 #include "Tools/quorlin/Table.h"
@@ -77,7 +78,7 @@ std::string KeywordText(const ClFacts& facts, const Fact_t& fact) {
             if (fact.state == FactState_t::kNone) return "Not Specified";
             if (fact.state == FactState_t::kBroken) return "<BAD INDEX>";
             for (char& c : text)
-                if (c < ' ' || c > '~') c = '.';
+                if (!IsPrintableAscii(c)) c = '.';
             return text;
         case FactKind_t::kUuid:
             if (text.find_first_not_of("0-") == text.npos) return "Not Settable";

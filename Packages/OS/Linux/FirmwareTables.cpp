@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Packages/Format/Ascii.h"
 #include "Packages/Format/EntryPoint.h"
 #include "Packages/Format/FirmwareAnswer.h"
 #include "Packages/OS/Linux/Descriptor.h"
@@ -58,7 +59,7 @@ int ACPIAnswer(uint32_t table, uint32_t place, std::vector<uint8_t>* answer) {
     char name[5] = "";
     std::memcpy(name, &table, sizeof table);
     for (const char letter : {name[0], name[1], name[2], name[3]})
-        if (letter <= ' ' || letter > '~' || letter == '/' || letter == '.') return ENOENT;
+        if (!IsPrintableAscii(letter) || letter == ' ' || letter == '/' || letter == '.') return ENOENT;
     const std::string path = std::string(ACPI_FOLDER) + name;
     const int problem = place == 0 ? AppendFile(path.c_str(), answer) : ENOENT;
     return problem == ENOENT ? AppendFile((path + std::to_string(place + 1)).c_str(), answer) : problem;

@@ -5,6 +5,7 @@
 
 #include "Packages/FERROXExternal/FERROXLib/HardwareServices.h"
 #include "Packages/FERROXExternal/StructureStore/Record.h"
+#include "Packages/Format/Ascii.h"
 #include "Packages/OS/Memory.h"
 #include "Packages/OS/OS.h"
 #include "Tools/quorlin/Causes.h"
@@ -221,7 +222,7 @@ status_t ListACPITables(Request_t& request) {
         const bool isShown = GetACPITableEx(name, nullptr, &size) == kSuccess;
         // The firmware chose the name, which may contain control characters.
         std::replace_if(
-            name, name + 4, [](char letter) { return letter < ' ' || letter > '~'; }, '?');
+            name, name + 4, [](char letter) { return !IsPrintableAscii(letter); }, '?');
         std::snprintf(text, sizeof text, "%-5s %6s", name, isShown ? std::to_string(size).c_str() : "-");
         request.output << text << (count > 1 ? "  the first of " + std::to_string(count) : "") << "\n";
     }
