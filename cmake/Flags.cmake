@@ -6,17 +6,10 @@ target_compile_options(quorlin_flags INTERFACE
   # Every build folder gives the same bytes.
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 
-# Touches stack pages in order, and marks the targets of indirect jumps. Not every processor has both options, and
-# Windows has its own forms.
+# Touches stack pages in order, and marks the targets of indirect jumps. Windows has its own forms.
 if(NOT WIN32)
-  include(CheckCXXCompilerFlag)
-  foreach(option -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
-    string(MAKE_C_IDENTIFIER QUORLIN_HAS${option} is_there)
-    check_cxx_compiler_flag(${option} ${is_there})
-    if(${is_there})
-      target_compile_options(quorlin_flags INTERFACE ${option})
-    endif()
-  endforeach()
+  target_compile_options(quorlin_flags INTERFACE -fstack-clash-protection
+    $<IF:$<STREQUAL:${QUORLIN_ARCHITECTURE},Arm64>,-mbranch-protection=standard,-fcf-protection>)
 endif()
 
 if(CMAKE_BUILD_TYPE STREQUAL "Release")

@@ -1,8 +1,6 @@
 // Child processes, for tests on Linux only.
 #pragma once
 
-#include <sys/syscall.h>
-
 #include <functional>
 #include <string>
 #include <vector>
@@ -27,13 +25,6 @@ struct SystemCall_t {
     uint32_t call, argument = 0, bits = 0;
 };
 void ForbidCall(const SystemCall_t& call, uint32_t action);
-
-// System calls that the C library uses for these functions. Newer architectures have only the calls with folders.
-#ifdef SYS_link
-inline constexpr uint32_t kLinkCall = SYS_link, kMkdirCall = SYS_mkdir, kRenameCall = SYS_rename;
-#else
-inline constexpr uint32_t kLinkCall = SYS_linkat, kMkdirCall = SYS_mkdirat, kRenameCall = SYS_renameat;
-#endif
 
 // Whether a sanitizer is built in, with its own heap and signal handlers.
 constexpr bool IsSanitized() {

@@ -17,6 +17,7 @@
 
 #include "Packages/OS/Processors.h"
 #include "Tests/Support/Linux/Processes.h"
+#include "Tests/Support/Linux/SystemCalls.h"
 
 namespace {
 

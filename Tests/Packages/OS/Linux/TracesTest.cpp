@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "Tests/Support/Linux/Processes.h"
+#include "Tests/Support/Linux/SystemCalls.h"
 
 namespace {
 
