@@ -18,6 +18,7 @@ endif()
 if(QUORLIN_SANITIZE)
   target_compile_options(quorlin_flags INTERFACE
     -fsanitize=${QUORLIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_definitions(quorlin_flags INTERFACE QUORLIN_SANITIZED)
   target_link_options(quorlin_flags INTERFACE -fsanitize=${QUORLIN_SANITIZE})
 endif()
 if(QUORLIN_FUZZ)

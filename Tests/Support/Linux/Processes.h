@@ -28,7 +28,7 @@ void ForbidCall(const SystemCall_t& call, uint32_t action);
 
 // Whether a sanitizer is built in, with its own heap and signal handlers.
 constexpr bool IsSanitized() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QUORLIN_SANITIZED
     return true;
 #else
     return false;

@@ -28,7 +28,7 @@ using namespace std::string_literals;
 constexpr size_t kEnd = 6;
 const bool isLong = std::getenv("QUORLIN_LONG") != nullptr;
 const size_t tableBytes = isLong ? kMostTableBytes : kMostTableBytes / 8;
-const uint64_t mostBytes = (isLong ? 150 : 48) << 20;
+const uint64_t mostBytes = uint64_t{isLong ? 150u : 48u} << 20;
 
 // A structure of these bytes after its header, with its strings and what ends them.
 std::string Structure(uint8_t type, const std::string& fields, const std::string& strings = "\0\0"s) {
