@@ -104,8 +104,7 @@ ClText ShowFunctionNumber(const Field_t& field);
 ClText ShowBit8(const Field_t& field);
 ClText ShowBit32(const Field_t& field);
 
-// The renderings that packed rows share. ShowGroup has the place kGroupPlace.
-inline constexpr uint8_t kGroupPlace = 0;
+// The renderings that packed rows share.
 inline constexpr Render_t kSharedRenders[] = {
     ShowGroup,       ShowDec8,         ShowDec16,         ShowDec32,        ShowHex8,         ShowHex16,
     ShowHex32,       ShowHex64,        ShowString,        ShowStringOrNone, ShowFixedText,    ShowEnum8,
@@ -113,6 +112,8 @@ inline constexpr Render_t kSharedRenders[] = {
     ShowYesNo32,     ShowParsedString, ShowDec16WithUnit, ShowDec16AndHex,  ShowDeviceNumber, ShowFunctionNumber,
     ShowBit8,        ShowBit32,
 };
+inline constexpr uint8_t kGroupPlace = 0;
+static_assert(kSharedRenders[kGroupPlace] == ShowGroup);
 
 inline Render_t RenderOf(const Rows_t& rows, const PackedRow_t& row) {
     constexpr size_t kShared = std::size(kSharedRenders);
