@@ -41,9 +41,10 @@ test:
 	@Tests/run_tests.py release
 
 # Tests that take too long for every change.
-test-long: test zip
+test-long: test zip deb-arm64
 	@$(MAKE) lint-long
 	@Tests/reproducible-windows.sh
+	@Tests/check-deb.sh build/deb-arm64 build/release/bin/quorlin
 	@QUORLIN_LONG=1 build/release/bin/quorlinTest --gtest_filter='WorstTables.*'
 
 # Boots Linux guests with an SMBIOS table in an emulator, and reads it there by both access methods.
@@ -59,7 +60,7 @@ stub:
 
 # Here plain char is unsigned, as it is on ARM64; so the tests run with both.
 asan:
-	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES)
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(FUZZ_PACKAGES)
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan
 	@Tests/run_tests.py asan
@@ -209,9 +210,9 @@ guard guard-update:
 # Runs each fuzzer for FUZZ_SECONDS, two at a time. A finding fails the run.
 FUZZ_SECONDS = 60
 fuzz:
-	@$(INSTALL) $(BUILD_PACKAGES) $(FUZZ_PACKAGES)
-	@cmake --preset fuzz -DQUORLIN_FUZZ_SECONDS=$(FUZZ_SECONDS) >/dev/null
-	@cmake --build --preset fuzz --target fuzz
+	@$(INSTALL) $(BUILD_PACKAGES) $(TEST_PACKAGES) $(FUZZ_PACKAGES)
+	@cmake --preset asan -DQUORLIN_FUZZ_SECONDS=$(FUZZ_SECONDS) >/dev/null
+	@cmake --build --preset asan --target fuzz
 
 format:
 	@$(INSTALL) $(STYLE_PACKAGES)

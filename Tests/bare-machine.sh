@@ -55,8 +55,7 @@ inside)
     if [ -n "${CCACHE_DIR:-}" ]; then
         mkdir "$root/ccache"
         mount --bind "$CCACHE_DIR" "$root/ccache"
-        cache="CCACHE_DIR=/ccache CCACHE_BASEDIR=$tree CCACHE_DEPEND=1"
-        cache="$cache CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache"
+        cache="CCACHE_DIR=/ccache CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache"
     fi
     cp "$0" "$root/bare-machine"
     # In a chroot the kernel would refuse new user namespaces and private mounts.

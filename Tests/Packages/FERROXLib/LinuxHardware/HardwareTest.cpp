@@ -206,7 +206,7 @@ TEST_F(StandIns, MappedRegistersComeFromTheFunctionsThatMCFGPlacesThere) {
     }
     ClBuffer written(std::string_view("XYZ"));
     EXPECT_EQ(PCIMMIOWriteStored(0xE02FFFF0, 15, written.Get()), kSuccess);
-    EXPECT_EQ(ReadWholeFile("/sys/bus/pci/" + last), std::string(4095, 'a') + "X");
+    EXPECT_EQ(ReadWholeFile("/sys/bus/pci/" + last), std::string(4095, 'a').append("X"));
     EXPECT_EQ(ReadWholeFile("/sys/bus/pci/" + next), "YZdefgh");
 }
 

@@ -83,8 +83,8 @@ TEST_F(Doctor, ARootMayLackACapability) {
 
 TEST_F(Doctor, AnAddressMayLeadNowhere) {
     WriteAll();
-    const ClFolderOver proc("/proc");
-    proc.Write("iomem", "000f0000-000fffff : System ROM\n");
+    m_dev->Write("map", "000f0000-000fffff : System ROM\n");
+    ASSERT_EQ(mount("/dev/map", "/proc/iomem", nullptr, MS_BIND, nullptr), 0);
     const std::vector<uint8_t> dump = DumpOf(TableOf({ClStructureBuilder(3, 9)}), 3, 2);
     m_dev->Write("mem", std::string(0xF0000, '\0') + std::string(dump.begin(), dump.end()) + std::string(0x10000, ' '));
     const struct {
@@ -99,6 +99,7 @@ TEST_F(Doctor, AnAddressMayLeadNowhere) {
         m_firmware->Write("efi/systab", c.systab);
         EXPECT_EQ(Diagnose().Of("efi"), c.cause) << c.systab;
     }
+    umount("/proc/iomem");
 }
 
 TEST_F(Doctor, RootOfAnotherUserNamespaceHasNone) {
