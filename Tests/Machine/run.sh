@@ -6,7 +6,7 @@
 #     Tests/Machine/run.sh [JOB...]      boots these, such as arm64 and arm64-claims; without arguments all for x86-64
 set -eu
 cd "$(dirname "$0")/../.."
-work=$PWD/build/machine
+work=$PWD/build/machine static=$PWD/build/static
 jobs=${*:-q35 uefi sm3 pc lockdown efi sample}
 has_job() { printf '%s\n' $jobs | grep -q "$@"; }  # as grep is told
 
@@ -21,19 +21,20 @@ build() {
 }
 
 mkdir -p "$work"
-# Static programs, as the guest has no libraries. This machine makes the table, and replays records of all guests.
-cmake --preset release -B "$work/programs" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
+# Static programs, as the guest has no libraries. A cache has their objects from the release, whose folder is as deep.
+# This machine makes the table, and replays records of all guests.
+cmake --preset release -B "$static" -DCMAKE_EXE_LINKER_FLAGS=-static -DQUORLIN_STATIC_RUNTIME=OFF \
     -DZLIB_USE_STATIC_LIBS=ON >/dev/null
-build "$work/programs" --target quorlin_program
+build "$static" --target quorlin_program
 rm -rf "$work"/root-* "$work/sample" "$work"/claims-*
 mkdir "$work/sample"
 # The sample without the entry point, and a file for each structure. UEFI firmware gives its own handle to the
 # End-of-Table structure, so that one gets it everywhere.
 {
-    "$work/programs/bin/quorlin" dump --sample - | tail -c +33 | head -c -6
+    "$static/bin/quorlin" dump --sample - | tail -c +33 | head -c -6
     printf '\177\004\377\376\000\000'
 } >"$work/sample/table"
-"$work/programs/bin/quorlin" raw --sample | sed -n 's/^Handle .* \([0-9]*\) bytes at offset \(.*\)h$/\1 0x\2/p' |
+"$static/bin/quorlin" raw --sample | sed -n 's/^Handle .* \([0-9]*\) bytes at offset \(.*\)h$/\1 0x\2/p' |
     while read -r size offset; do
         tail -c +$((offset + 1)) "$work/sample/table" | head -c "$size" >"$work/sample/$offset"
         echo "-smbios file=$work/sample/$offset"
@@ -57,10 +58,10 @@ pack() {
 if has_job -v '^arm64'; then
     cmake/install-packages.sh qemu-system-x86 seabios ovmf
     Tests/Machine/kernel.sh "$work/kernel-amd64" amd64
-    build "$work/programs" --target MachineTest LinuxHardwareTest OSTest
+    build "$static" --target MachineTest LinuxHardwareTest OSTest
     mkdir "$work/root-amd64"
     cp "$work/kernel-amd64/msr.ko" "$work/root-amd64"
-    pack amd64 "$work/programs/bin" /bin/busybox
+    pack amd64 "$static/bin" /bin/busybox
 fi
 if has_job '^arm64'; then
     cmake/install-packages.sh g++-aarch64-linux-gnu qemu-user-static googletest qemu-system-arm qemu-efi-aarch64
@@ -92,7 +93,7 @@ replays() {
     folder=$(mktemp -d)
     chmod 755 "$folder"
     sed -n '/^record: begin/,/^record: end/p' "$work/$job.log" | sed '1d;$d' | base64 -d | tar -xz -C "$folder"
-    cp "$work/programs/bin/quorlin" Tests/Machine/answers.sh Tests/Machine/lies.sh "$folder"
+    cp "$static/bin/quorlin" Tests/Machine/answers.sh Tests/Machine/lies.sh "$folder"
     mkdir -m 777 "$folder/here"
     ok=1
     as_stranger test ! -e /sys/firmware &&
